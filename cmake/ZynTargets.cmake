@@ -1,0 +1,55 @@
+# What every target of this project has in common. Set on our own targets only, so that a parent project keeps its flags.
+
+add_library(zyn_options INTERFACE)
+target_compile_features(zyn_options INTERFACE cxx_std_20)
+target_compile_definitions(zyn_options INTERFACE
+    _FILE_OFFSET_BITS=64
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_compile_options(zyn_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef
+    $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
+    $<$<BOOL:${ZYN_WARNINGS_AS_ERRORS}>:-Werror>)
+if(ZYN_SANITIZE)
+    target_compile_options(zyn_options INTERFACE
+        -fsanitize=${ZYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
+endif()
+
+# Applies the project's language level, warnings and visibility to @p target, which may use the sources' include paths.
+function(zyn_configure_target target)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zyn_options>)
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+    set_target_properties(${target} PROPERTIES
+        AUTOMOC ON
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        C_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# A shared library of the exported interface: its public headers are included by their path from the top of the tree.
+function(zyn_add_shared_library target)
+    cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS" ${ARGN})
+    add_library(${target} SHARED ${ARG_SOURCES})
+    add_library(ZynPhone::${target} ALIAS ${target})
+    zyn_configure_target(${target})
+    target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_link_libraries(${target} PUBLIC Qt6::Core)
+    target_link_options(${target} PRIVATE $<$<NOT:$<BOOL:${ZYN_SANITIZE}>>:-Wl,--no-undefined>)
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()
+
+# A program of the handset or of the developer; installed into bin/.
+function(zyn_add_program target)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${target} ${ARG_SOURCES})
+    zyn_configure_target(${target})
+    target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES})
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin
+        INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endfunction()

@@ -1,0 +1,33 @@
+// The state file of the stand-in handset: what a real handset would measure, a developer sets here.
+#pragma once
+
+#include "platform/SettingsDirectory_p.h"
+
+#include <array>
+
+namespace zyn::handset {
+
+/// One state: its key in the group kGroup, and what it stands for. Each is a number, 0 when it is not set.
+struct State
+{
+    const char* key;
+    const char* meaning;
+};
+
+inline constexpr char kGroup[] = "Handset";
+
+inline constexpr State kSimCard{"SimCardStatus", "state of the SIM card; 0 and 3 allow the PIN control codes"};
+inline constexpr State kKeypadLock{"KeypadLockStatus", "state of the keypad lock; 0 allows the code that shows the IMEI"};
+inline constexpr State kPhoneSystem{"PhoneSystemStatus", "state of the phone system; 0 lets the telephony API be asked"};
+inline constexpr State kFixedDialing{"FixedDialingStatus", "what the telephony API tells of fixed dialing; 1 is enabled"};
+inline constexpr State kFixedDialingError{"FixedDialingError", "error of that question; 0 is success"};
+
+inline constexpr std::array kStates{kSimCard, kKeypadLock, kPhoneSystem, kFixedDialing, kFixedDialingError};
+
+/// The state file; it is in the format of SETUP_SET_Manager.
+inline QString stateFile()
+{
+    return settingsDirectory() + QLatin1String("/zyn_handset.cfg");
+}
+
+} // namespace zyn::handset

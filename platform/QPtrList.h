@@ -1,0 +1,147 @@
+// The list of pointers of the exported interface, which owns its items only when told to.
+#pragma once
+
+#include <QtCore/QList>
+
+/**
+ * A list of pointers to T.
+ *
+ * A new list owns nothing. After setAutoDelete(true) the list owns its items: whatever remove(), removeFirst(),
+ * removeLast(), clear() or the destructor takes out of the list is deleted; take() hands the item to the caller.
+ * A list cannot be copied, as two lists would own the same items; it can be moved, and the source is left empty.
+ *
+ * Iterate with a range-for or the iterators, or with the list's own cursor:
+ * `for (T* item = list.first(); item; item = list.next())`. first() and last() set the cursor, next() and prev() move
+ * it; taking items out of the list before the cursor moves it with its item.
+ */
+template<typename T>
+class QPtrList
+{
+public:
+    using value_type = T*;
+    using iterator = typename QList<T*>::iterator;
+    using const_iterator = typename QList<T*>::const_iterator;
+
+    QPtrList() = default;
+    QPtrList(const QPtrList&) = delete;
+    QPtrList& operator=(const QPtrList&) = delete;
+    QPtrList(QPtrList&& other) noexcept { swap(other); }
+    QPtrList& operator=(QPtrList&& other) noexcept
+    {
+        QPtrList moved(std::move(other));
+        swap(moved);
+        return *this;
+    }
+    ~QPtrList() { clear(); }
+
+    /// Whether the list deletes the items that leave it; false for a new list.
+    bool autoDelete() const { return m_autoDelete; }
+    void setAutoDelete(bool enable) { m_autoDelete = enable; }
+
+    qsizetype count() const { return m_items.size(); }
+    qsizetype size() const { return m_items.size(); }
+    bool isEmpty() const { return m_items.isEmpty(); }
+
+    /// The item at @p index, or null when the list has no such place. The cursor stays.
+    T* at(qsizetype index) const { return contains(index) ? m_items.at(index) : nullptr; }
+    T* operator[](qsizetype index) const { return at(index); }
+
+    /// @{ The cursor: each gives the item it now stands on, or null when it stands on none.
+    T* first() { return moveCursor(0); }
+    T* last() { return moveCursor(m_items.size() - 1); }
+    T* next() { return m_cursor == kNowhere ? nullptr : moveCursor(m_cursor + 1); }
+    T* prev() { return m_cursor == kNowhere ? nullptr : moveCursor(m_cursor - 1); }
+    T* current() const { return at(m_cursor); }
+    /// @}
+
+    T* getFirst() const { return at(0); }
+    T* getLast() const { return at(m_items.size() - 1); }
+
+    void append(T* item) { m_items.append(item); }
+    void prepend(T* item) { insert(0, item); }
+    /// Puts @p item at @p index, 0 to count(); false, and nothing inserted, for any other place.
+    bool insert(qsizetype index, T* item)
+    {
+        if (index < 0 || index > m_items.size())
+            return false;
+        m_items.insert(index, item);
+        if (m_cursor != kNowhere && index <= m_cursor)
+            ++m_cursor;
+        return true;
+    }
+
+    /// The place of @p item, compared as a pointer, or -1.
+    qsizetype findRef(const T* item) const
+    {
+        for (qsizetype i = 0; i < m_items.size(); ++i) {
+            if (m_items.at(i) == item)
+                return i;
+        }
+        return kNowhere;
+    }
+
+    /// Takes the item at @p index out without deleting it; the caller owns it. Null when there is no such place.
+    T* take(qsizetype index)
+    {
+        if (!contains(index))
+            return nullptr;
+        T* item = m_items.takeAt(index);
+        if (index < m_cursor || m_cursor == m_items.size())
+            --m_cursor;
+        return item;
+    }
+    /// Takes the item at @p index out and, if the list owns its items, deletes it.
+    bool remove(qsizetype index)
+    {
+        if (!contains(index))
+            return false;
+        dispose(take(index));
+        return true;
+    }
+    bool remove(const T* item) { return remove(findRef(item)); }
+    bool removeFirst() { return remove(qsizetype{0}); }
+    bool removeLast() { return remove(m_items.size() - 1); }
+    void clear()
+    {
+        m_cursor = kNowhere;
+        // An item's destructor may look at the list: it finds it empty already.
+        const QList<T*> items = std::exchange(m_items, {});
+        for (T* item : items)
+            dispose(item);
+    }
+
+    iterator begin() { return m_items.begin(); }
+    iterator end() { return m_items.end(); }
+    const_iterator begin() const { return m_items.cbegin(); }
+    const_iterator end() const { return m_items.cend(); }
+    const_iterator cbegin() const { return m_items.cbegin(); }
+    const_iterator cend() const { return m_items.cend(); }
+    const_iterator constBegin() const { return m_items.cbegin(); }
+    const_iterator constEnd() const { return m_items.cend(); }
+
+    void swap(QPtrList& other) noexcept
+    {
+        m_items.swap(other.m_items);
+        std::swap(m_cursor, other.m_cursor);
+        std::swap(m_autoDelete, other.m_autoDelete);
+    }
+
+private:
+    static constexpr qsizetype kNowhere = -1;
+
+    bool contains(qsizetype index) const { return index >= 0 && index < m_items.size(); }
+    T* moveCursor(qsizetype index)
+    {
+        m_cursor = contains(index) ? index : kNowhere;
+        return current();
+    }
+    void dispose(T* item)
+    {
+        if (m_autoDelete)
+            delete item;
+    }
+
+    QList<T*> m_items;
+    qsizetype m_cursor = kNowhere;
+    bool m_autoDelete = false;
+};

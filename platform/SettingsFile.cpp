@@ -1,0 +1,145 @@
+// Reading and changing one settings file.
+#include "platform/SettingsFile_p.h"
+
+#include "platform/posix/File_p.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QLockFile>
+#include <QtCore/QSaveFile>
+
+#include <chrono>
+
+namespace {
+
+constexpr qsizetype kSizeLimit = 1024 * 1024;
+constexpr std::chrono::milliseconds kLockTimeout{5000};
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+
+struct Line
+{
+    enum Kind { Passive, Group, Entry };
+
+    Kind kind = Passive;
+    QByteArrayView name;  ///< of the group or of the key
+    QByteArrayView value; ///< of an entry
+};
+
+Line parse(QByteArrayView text)
+{
+    if (text.endsWith('\r'))
+        text.chop(1);
+    const QByteArrayView trimmed = text.trimmed();
+    if (trimmed.isEmpty() || trimmed.front() == '#' || trimmed.front() == ';' || !text.isValidUtf8())
+        return {};
+    if (trimmed.front() == '[' && trimmed.back() == ']')
+        return {Line::Group, trimmed.sliced(1, trimmed.size() - 2), {}};
+    const qsizetype equals = text.indexOf('=');
+    const QByteArrayView key = equals < 0 ? QByteArrayView() : text.first(equals).trimmed();
+    if (key.isEmpty())
+        return {};
+    return {Line::Entry, key, text.sliced(equals + 1)};
+}
+
+/// Calls @p visit(line, begin, end) for each line of @p text; [begin, end) is the line's place, its line end included.
+template<typename Visit>
+void forEachLine(const QByteArray& text, Visit visit)
+{
+    qsizetype begin = text.startsWith(kByteOrderMark) ? qsizetype(sizeof kByteOrderMark - 1) : 0;
+    while (begin < text.size()) {
+        const qsizetype newline = text.indexOf('\n', begin);
+        const qsizetype textEnd = newline < 0 ? text.size() : newline;
+        const qsizetype end = newline < 0 ? text.size() : newline + 1;
+        visit(parse(QByteArrayView(text).sliced(begin, textEnd - begin)), begin, end);
+        begin = end;
+    }
+}
+
+bool fitsOneLine(const QString& text)
+{
+    return !text.contains(u'\n') && !text.contains(u'\r') && QString::fromUtf8(text.toUtf8()) == text;
+}
+
+bool isKey(const QString& key)
+{
+    return !key.isEmpty() && key == key.trimmed() && !key.contains(u'=') && key.front() != u'['
+           && key.front() != u'#' && key.front() != u';' && fitsOneLine(key);
+}
+
+/// @p text with @p entry (a whole line) in the place of the last entry of @p key in @p group, or else at the end of
+/// that group, or else in a new group at the end.
+QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray& key, const QByteArray& entry)
+{
+    qsizetype entryBegin = -1;
+    qsizetype entryEnd = -1;
+    qsizetype groupEnd = group.isEmpty() ? 0 : -1;
+    bool inGroup = group.isEmpty();
+    forEachLine(text, [&](const Line& line, qsizetype begin, qsizetype end) {
+        if (line.kind == Line::Group)
+            inGroup = line.name == group;
+        else if (inGroup && line.kind == Line::Entry && line.name == key)
+            std::tie(entryBegin, entryEnd) = std::pair(begin, end);
+        // The blank lines that set a group apart from the next stay behind it.
+        if (inGroup && !QByteArrayView(text).sliced(begin, end - begin).trimmed().isEmpty())
+            groupEnd = end;
+    });
+    if (entryBegin >= 0)
+        return text.replace(entryBegin, entryEnd - entryBegin, entry);
+
+    QByteArray added = entry;
+    if (groupEnd < 0) {
+        added = (text.isEmpty() ? "[" : "\n[") + group + "]\n" + entry;
+        groupEnd = text.size();
+    }
+    if (groupEnd > 0 && text.at(groupEnd - 1) != '\n')
+        added.prepend('\n');
+    return text.insert(groupEnd, added);
+}
+
+bool save(const QString& path, const QByteArray& text)
+{
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+}
+
+} // namespace
+
+namespace zyn {
+
+std::optional<QByteArray> SettingsFile::value(const QString& group, const QString& key) const
+{
+    const std::optional<QByteArray> text = posix::readWhole(m_path, kSizeLimit);
+    if (!text)
+        return std::nullopt;
+    const QByteArray wantedGroup = group.toUtf8();
+    const QByteArray wantedKey = key.toUtf8();
+    std::optional<QByteArray> found;
+    bool inGroup = wantedGroup.isEmpty();
+    forEachLine(*text, [&](const Line& line, qsizetype, qsizetype) {
+        if (line.kind == Line::Group)
+            inGroup = line.name == wantedGroup;
+        else if (inGroup && line.kind == Line::Entry && line.name == wantedKey)
+            found = line.value.toByteArray();
+    });
+    return found;
+}
+
+bool SettingsFile::setValue(const QString& group, const QString& key, const QString& value) const
+{
+    if (!fitsOneLine(group) || !isKey(key) || !fitsOneLine(value))
+        return false;
+    if (!QDir().mkpath(QFileInfo(m_path).path()))
+        return false;
+    QLockFile lock(m_path + QLatin1String(".lock"));
+    if (!lock.tryLock(kLockTimeout.count()))
+        return false;
+    const std::optional<QByteArray> text =
+        QFileInfo::exists(m_path) ? posix::readWhole(m_path, kSizeLimit) : QByteArray();
+    if (!text)
+        return false;
+    const QByteArray entry = key.toUtf8() + '=' + value.toUtf8() + '\n';
+    const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
+    return changed.size() <= kSizeLimit && save(m_path, changed);
+}
+
+} // namespace zyn

@@ -1,0 +1,30 @@
+// Reading and changing one settings file.
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <optional>
+
+namespace zyn {
+
+/// A settings file in the format that SETUP_SET_Manager describes.
+class SettingsFile
+{
+public:
+    explicit SettingsFile(QString path)
+        : m_path(std::move(path))
+    {
+    }
+
+    /// The bytes stored under @p key in @p group, read now.
+    std::optional<QByteArray> value(const QString& group, const QString& key) const;
+
+    /// Stores @p value; false when a line cannot hold it or it could not be brought to disk.
+    bool setValue(const QString& group, const QString& key, const QString& value) const;
+
+private:
+    QString m_path;
+};
+
+} // namespace zyn

@@ -1,0 +1,42 @@
+// Commands on a Unix-domain stream socket.
+#include "platform/Socket_Command.h"
+
+#include "platform/CommandFrame_p.h"
+#include "platform/CommandTimeout_p.h"
+#include "platform/posix/UnixSocket_p.h"
+
+#include <poll.h>
+
+using zyn::CommandFrameHeader;
+using zyn::kCommandTimeout;
+using zyn::posix::Clock;
+
+int Socket_WriteCommand(int socket, const UTIL_CommandBody* command)
+{
+    if (!command || command->dataLength < 0 || command->dataLength > zyn::kCommandDataLimit)
+        return -1;
+    const auto data = command->data();
+    if (data.size() != static_cast<size_t>(command->dataLength))
+        return -1;
+    const auto header = CommandFrameHeader{command->commandId, command->dataLength}.encode();
+    return zyn::posix::sendAll(socket, header, data, Clock::now() + kCommandTimeout) ? 0 : -1;
+}
+
+UTIL_CommandBody* Socket_ReadCommand(int socket)
+{
+    if (!zyn::posix::waitFor(socket, POLLIN, Clock::now() + kCommandTimeout))
+        return nullptr;
+    const auto deadline = Clock::now() + kCommandTimeout;
+    CommandFrameHeader::Bytes bytes;
+    if (!zyn::posix::receiveAll(socket, bytes, deadline))
+        return nullptr;
+    const auto header = CommandFrameHeader::decode(bytes);
+    if (!header)
+        return nullptr;
+    auto command = std::make_unique<UTIL_CommandBody>();
+    command->commandId = header->code;
+    command->dataLength = header->dataLength;
+    if (!command->AllocateDataBuffer() || !zyn::posix::receiveAll(socket, command->data(), deadline))
+        return nullptr;
+    return command.release();
+}

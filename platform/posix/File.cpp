@@ -1,0 +1,103 @@
+// Files: opened without waiting, read and written whole.
+#include "platform/posix/File_p.h"
+
+#include "platform/posix/Retry_p.h"
+
+#include <QtCore/QFile>
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t kNewFileMode = 0666; // less the process's umask
+
+zyn::posix::UniqueFd openFile(const QString& path, int flags)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (name.contains('\0'))
+        return {};
+    return zyn::posix::UniqueFd(
+        zyn::posix::retry([&] { return ::open(name.constData(), flags | O_CLOEXEC | O_NONBLOCK, kNewFileMode); }));
+}
+
+} // namespace
+
+namespace zyn::posix {
+
+UniqueFd openForReading(const QString& path)
+{
+    return openFile(path, O_RDONLY);
+}
+
+UniqueFd openForChanging(const QString& path)
+{
+    return openFile(path, O_RDWR);
+}
+
+UniqueFd createNew(const QString& path)
+{
+    return openFile(path, O_WRONLY | O_CREAT | O_EXCL);
+}
+
+ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset)
+{
+    ssize_t total = 0;
+    while (!buffer.empty()) {
+        const ssize_t n = retry([&] { return ::pread(fd, buffer.data(), buffer.size(), offset); });
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            break;
+        buffer = buffer.subspan(static_cast<size_t>(n));
+        offset += n;
+        total += n;
+    }
+    return total;
+}
+
+bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)
+{
+    while (!bytes.empty()) {
+        const ssize_t n = retry([&] { return ::pwrite(fd, bytes.data(), bytes.size(), offset); });
+        if (n <= 0)
+            return false;
+        bytes = bytes.subspan(static_cast<size_t>(n));
+        offset += n;
+    }
+    return true;
+}
+
+std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)
+{
+    const UniqueFd fd = openForReading(path);
+    struct stat status = {};
+    if (!fd.isValid() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > limit)
+        return std::nullopt;
+    QByteArray contents(static_cast<qsizetype>(status.st_size), Qt::Uninitialized);
+    const ssize_t n = readAt(fd.get(), std::as_writable_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
+    if (n < 0)
+        return std::nullopt;
+    contents.truncate(n);
+    return contents;
+}
+
+bool renameWithoutReplacing(const QString& from, const QString& to)
+{
+    const QByteArray oldName = QFile::encodeName(from);
+    const QByteArray newName = QFile::encodeName(to);
+    if (::renameat2(AT_FDCWD, oldName.constData(), AT_FDCWD, newName.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // File systems that cannot rename this way can link, which never replaces.
+    if (::link(oldName.constData(), newName.constData()) != 0)
+        return false;
+    ::unlink(oldName.constData());
+    return true;
+}
+
+} // namespace zyn::posix

@@ -1,0 +1,38 @@
+// Files: opened without waiting, read and written whole.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <optional>
+#include <span>
+
+#include <sys/types.h>
+
+namespace zyn::posix {
+
+/// Opens @p path for reading. A FIFO is opened without waiting for its writer.
+UniqueFd openForReading(const QString& path);
+
+/// Opens @p path for reading and writing; never creates it.
+UniqueFd openForChanging(const QString& path);
+
+/// Creates @p path for writing; fails when anything of that name exists.
+UniqueFd createNew(const QString& path);
+
+/// Reads into @p buffer from @p offset on; the number of bytes read, fewer only at the end of the file; -1 on an error.
+ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
+
+/// Writes all of @p bytes at @p offset.
+bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
+
+/// The contents of a regular file of at most @p limit bytes; nothing for any other.
+std::optional<QByteArray> readWhole(const QString& path, qsizetype limit);
+
+/// Gives the file @p from the name @p to, unless anything has that name already.
+bool renameWithoutReplacing(const QString& from, const QString& to);
+
+} // namespace zyn::posix

@@ -1,0 +1,128 @@
+// Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
+#include "platform/posix/UnixSocket_p.h"
+
+#include "platform/posix/Retry_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace std::chrono;
+
+timeval toTimeval(milliseconds time)
+{
+    timeval value = {};
+    value.tv_sec = static_cast<decltype(value.tv_sec)>(time.count() / 1000);
+    value.tv_usec = static_cast<decltype(value.tv_usec)>(time.count() % 1000 * 1000);
+    return value;
+}
+
+/// Whether a transfer that failed with errno should wait for @p events and go on.
+bool mayGoOn(int fd, short events, zyn::posix::Clock::time_point deadline)
+{
+    return (errno == EAGAIN || errno == EWOULDBLOCK) && zyn::posix::waitFor(fd, events, deadline);
+}
+
+iovec toIovec(std::span<const std::byte> bytes)
+{
+    // sendmsg only reads what an iovec names.
+    return {const_cast<std::byte*>(bytes.data()), bytes.size()};
+}
+
+} // namespace
+
+namespace zyn::posix {
+
+UnixAddress unixAddress(const QByteArray& path)
+{
+    UnixAddress result = {};
+    const size_t length = static_cast<size_t>(std::min(path.size(), kUnixPathLimit));
+    result.address.sun_family = AF_UNIX;
+    std::memcpy(result.address.sun_path, path.constData(), length);
+    result.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + length);
+    return result;
+}
+
+UniqueFd unixSocket(int flags)
+{
+    return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+}
+
+UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
+{
+    UniqueFd fd = unixSocket();
+    if (!fd.isValid())
+        return fd;
+    const timeval limit = toTimeval(timeout);
+    ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    const UnixAddress address = unixAddress(path);
+    if (retry([&] { return ::connect(fd.get(), address.get(), address.length); }) != 0)
+        fd.reset();
+    return fd;
+}
+
+bool isPeerTrusted(int fd)
+{
+    ucred peer = {};
+    socklen_t length = sizeof peer;
+    return ::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && length == sizeof peer
+           && (peer.uid == ::geteuid() || peer.uid == 0);
+}
+
+bool waitFor(int fd, short events, Clock::time_point deadline)
+{
+    for (;;) {
+        const auto left = ceil<milliseconds>(deadline - Clock::now()).count();
+        pollfd entry = {fd, events, 0};
+        const int ready = ::poll(&entry, 1, static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000)));
+        if (ready > 0)
+            return true;
+        if (ready < 0 && errno != EINTR)
+            return false;
+        if (Clock::now() >= deadline)
+            return false;
+    }
+}
+
+bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline)
+{
+    while (!first.empty() || !second.empty()) {
+        std::array<iovec, 2> blocks{toIovec(first), toIovec(second)};
+        msghdr message = {};
+        message.msg_iov = blocks.data();
+        message.msg_iovlen = blocks.size();
+        const ssize_t n = ::sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (n < 0) {
+            if (errno != EINTR && !mayGoOn(fd, POLLOUT, deadline))
+                return false;
+            continue;
+        }
+        const size_t fromFirst = std::min(first.size(), static_cast<size_t>(n));
+        first = first.subspan(fromFirst);
+        second = second.subspan(static_cast<size_t>(n) - fromFirst);
+    }
+    return true;
+}
+
+bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
+{
+    while (!buffer.empty()) {
+        const ssize_t n = ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
+        if (n == 0)
+            return false;
+        if (n < 0) {
+            if (errno != EINTR && !mayGoOn(fd, POLLIN, deadline))
+                return false;
+            continue;
+        }
+        buffer = buffer.subspan(static_cast<size_t>(n));
+    }
+    return true;
+}
+
+} // namespace zyn::posix

@@ -1,0 +1,57 @@
+// Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+
+#include <QtCore/QByteArray>
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace zyn::posix {
+
+using Clock = std::chrono::steady_clock;
+
+/// A Unix socket's address: the length counts the family and the path's characters, without the NUL.
+struct UnixAddress
+{
+    sockaddr_un address;
+    socklen_t length;
+
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address); }
+};
+
+/// The longest path that an address holds with its NUL.
+inline constexpr qsizetype kUnixPathLimit = sizeof(sockaddr_un::sun_path) - 1;
+
+/// The address of @p path, of which at most kUnixPathLimit characters count.
+UnixAddress unixAddress(const QByteArray& path);
+
+/// A new stream socket, closed on exec; @p flags may add SOCK_NONBLOCK.
+UniqueFd unixSocket(int flags = 0);
+
+/**
+ * Connects to the stream socket at @p path.
+ *
+ * A server whose full backlog keeps the connection waiting is given up after @p timeout. The socket keeps that timeout
+ * for its sends.
+ */
+UniqueFd connectUnix(const QByteArray& path, std::chrono::milliseconds timeout);
+
+/// Whether the process at the other end runs as this process's user or as root.
+bool isPeerTrusted(int fd);
+
+/// Waits until @p fd has one of the poll @p events, is closed by its peer, or @p deadline has passed (false).
+bool waitFor(int fd, short events, Clock::time_point deadline);
+
+/// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
+bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);
+
+/// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.
+bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline);
+
+} // namespace zyn::posix

@@ -1,0 +1,84 @@
+// The log of recent calls, for applications.
+#include "recentcall/utility/RC_Interface.h"
+
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace rc = zyn::recentcall;
+
+namespace {
+
+/// Calls @p request with a copy of the wrapped record; the interface's failure when there is none.
+int requestWithRecord(int (*request)(PHONE_ENG_RecentCall&), const RC_RecordInterface& record)
+{
+    const auto* wrapper = dynamic_cast<const RC_RecordInterfaceImpl*>(&record);
+    if (!wrapper)
+        return rc::interfaceResult(rc::Failure);
+    PHONE_ENG_RecentCall copy = *wrapper->getData();
+    return rc::interfaceResult(request(copy));
+}
+
+template<typename Plain>
+Plain takePlain(std::span<const std::byte>& data)
+{
+    Plain plain;
+    std::memcpy(static_cast<void*>(&plain), data.data(), sizeof plain);
+    data = data.subspan(sizeof plain);
+    return plain;
+}
+
+/// Appends the records of a successful list answer, whose count and limit are the service's word alone.
+void appendRecords(QPtrList<RC_RecordInterface>& list, std::span<const std::byte> data)
+{
+    if (data.size() < sizeof(rc::ListHeader))
+        return;
+    const auto header = takePlain<rc::ListHeader>(data);
+    for (int left = std::min(header.count, header.limit); left > 0 && data.size() >= sizeof(PHONE_ENG_RecentCall); --left)
+        list.append(new RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(takePlain<PHONE_ENG_RecentCall>(data))));
+}
+
+} // namespace
+
+RC_Interface::RC_Interface() = default;
+
+RC_Interface::~RC_Interface() = default;
+
+int RC_Interface::addRecord(const RC_RecordInterface& record)
+{
+    return requestWithRecord(PHONE_RecentCall_AddRecord, record);
+}
+
+int RC_Interface::deleteRecord(const RC_RecordInterface& record)
+{
+    return requestWithRecord(PHONE_RecentCall_DeleteRecord, record);
+}
+
+int RC_Interface::deleteRecordAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType)
+{
+    return rc::interfaceResult(PHONE_RecentCall_DeleteAll(category, callType));
+}
+
+int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category,
+                                RC_CALL_TYPE_T callType)
+{
+    const zyn::posix::UniqueFd connection = rc::connectToService();
+    if (!connection.isValid())
+        return rc::interfaceResult(rc::Failure);
+    list.setAutoDelete(true);
+    const rc::Selection selection{category, callType};
+    const auto answer = rc::request(connection, rc::ListRecords, std::as_bytes(std::span(&selection, 1)));
+    const rc::Status status = rc::statusOf(answer.get());
+    if (status == rc::Success) {
+        list.clear();
+        appendRecords(list, answer->data());
+    }
+    return rc::interfaceResult(status);
+}
+
+bool RC_Interface::getLastDialedNumber(QString& number)
+{
+    return rc::lastDialedNumber(number);
+}

@@ -1,0 +1,121 @@
+// Call records behind virtual accessors, as the library's interfaces take and give them.
+#pragma once
+
+#include "platform/ZynExport.h"
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
+#include "recentcall/utility/RC_Types.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+/**
+ * A call record behind virtual accessors.
+ *
+ * The order of the virtual operations is part of the interface: applications are built against it. The meaning of each
+ * is that of the field of the same name in PHONE_ENG_RecentCall.
+ */
+class ZYN_EXPORT RC_RecordInterface
+{
+public:
+    virtual void setCategory(RC_CALL_CATEGORY_T category) = 0;
+    virtual RC_CALL_CATEGORY_T getCategory() const = 0;
+    virtual void setPhoneNumber(const QString& number) = 0;
+    virtual QString getPhoneNumber() const = 0;
+    virtual void setStartDateTime(const QDateTime& start) = 0;
+    virtual QDateTime getStartDateTime() const = 0;
+    virtual void setDuration(int duration) = 0;
+    virtual int getDuration() const = 0;
+    virtual void setCompletedStatus(bool completed) = 0;
+    virtual bool getCompletedStatus() const = 0;
+    /// Whether the user has seen the call.
+    virtual bool isRead() const = 0;
+    virtual int getUID() const = 0;
+    virtual RC_CALL_TYPE_T getCallType() const = 0;
+    virtual ~RC_RecordInterface();
+
+protected:
+    RC_RecordInterface() = default;
+    RC_RecordInterface(const RC_RecordInterface&) = default;
+    RC_RecordInterface& operator=(const RC_RecordInterface&) = default;
+};
+
+/// Filled by push-to-talk callers and handed to RC_RecordInterfaceImpl::setPttAttribute().
+struct RC_PttInfo_T
+{
+    int32_t reservedHead = 0; ///< not read
+    int32_t extra2 = 0;
+    int32_t reservedMiddle[4] = {}; ///< not read
+    RC_CALL_CATEGORY_T category = RC_CALL_CATEGORY_NONE;
+    bool completed = false;
+    RC_PTT_ID_T idType{};
+    int32_t extra1 = 0;
+    RC_PTT_PARTY_TYPE_T partyType{};
+    QString sessionID;
+};
+
+static_assert(offsetof(RC_PttInfo_T, reservedHead) == 0);
+static_assert(offsetof(RC_PttInfo_T, extra2) == 4);
+static_assert(offsetof(RC_PttInfo_T, reservedMiddle) == 8);
+static_assert(offsetof(RC_PttInfo_T, category) == 24);
+static_assert(offsetof(RC_PttInfo_T, completed) == 28);
+static_assert(offsetof(RC_PttInfo_T, idType) == 32);
+static_assert(offsetof(RC_PttInfo_T, extra1) == 36);
+static_assert(offsetof(RC_PttInfo_T, partyType) == 40);
+static_assert(offsetof(RC_PttInfo_T, sessionID) == (44 + alignof(QString) - 1) / alignof(QString) * alignof(QString));
+
+/**
+ * A call record that owns one PHONE_ENG_RecentCall.
+ *
+ * The push-to-talk operations act only on a record whose call type is RC_CALL_TYPE_PTT1 or _PTT2; set that first.
+ */
+class ZYN_EXPORT RC_RecordInterfaceImpl : public RC_RecordInterface
+{
+public:
+    RC_RecordInterfaceImpl();
+    RC_RecordInterfaceImpl(const QString& number, const QDateTime& start, int duration);
+    /// Takes ownership of @p record; a null one is replaced by a blank record.
+    explicit RC_RecordInterfaceImpl(PHONE_ENG_RecentCall* record);
+    RC_RecordInterfaceImpl(const RC_RecordInterfaceImpl&) = delete;
+    RC_RecordInterfaceImpl& operator=(const RC_RecordInterfaceImpl&) = delete;
+
+    void setCategory(RC_CALL_CATEGORY_T category) override;
+    RC_CALL_CATEGORY_T getCategory() const override;
+    void setPhoneNumber(const QString& number) override;
+    QString getPhoneNumber() const override;
+    void setStartDateTime(const QDateTime& start) override;
+    QDateTime getStartDateTime() const override;
+    void setDuration(int duration) override;
+    int getDuration() const override;
+    void setCompletedStatus(bool completed) override;
+    bool getCompletedStatus() const override;
+    bool isRead() const override;
+    int getUID() const override;
+    RC_CALL_TYPE_T getCallType() const override;
+    ~RC_RecordInterfaceImpl() override;
+
+    virtual bool getIsStrictRead() const;
+    virtual void setPttPartyType(RC_PTT_PARTY_TYPE_T type);
+    /// -1 for a record that is no push-to-talk call.
+    virtual RC_PTT_PARTY_TYPE_T getPttPartyType() const;
+    virtual void setPttIDType(RC_PTT_ID_T type);
+    /// 0 for a record that is no push-to-talk call.
+    virtual RC_PTT_ID_T getPttIDType() const;
+    virtual void setPttSessionID(const QString& session);
+    /// A null text for a record that is no push-to-talk call.
+    virtual QString getPttSessionID() const;
+
+    /// The owned record; it stays owned.
+    PHONE_ENG_RecentCall* getData() const { return m_record.get(); }
+    void setCallType(RC_CALL_TYPE_T type);
+    /// Takes category, completed status and the push-to-talk fields from @p info.
+    void setPttAttribute(const RC_PttInfo_T& info);
+
+private:
+    std::unique_ptr<PHONE_ENG_RecentCall> m_record;
+};
+
+static_assert(sizeof(RC_RecordInterfaceImpl) == 2 * sizeof(void*));

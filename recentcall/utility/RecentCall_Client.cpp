@@ -1,0 +1,62 @@
+// What the interfaces to the recent-call service have in common.
+#include "recentcall/utility/RecentCall_Client_p.h"
+
+#include "platform/Socket_Command.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+#include "utility/PHONE_CommandSocket_p.h"
+
+namespace {
+
+constexpr int kReceiveBufferSize = 10'240;
+constexpr int32_t kGreeting = 0;
+constexpr int kInterfaceFailure = 3;
+
+} // namespace
+
+namespace zyn::recentcall {
+
+posix::UniqueFd connectToService()
+{
+    const QString path = RecentCall_dataDir() + QLatin1Char('/') + QLatin1String(kSocketName);
+    return connectCommandSocket(path, kReceiveBufferSize, kGreeting);
+}
+
+bool post(Command command, std::span<const std::byte> data)
+{
+    const posix::UniqueFd socket = connectToService();
+    return socket.isValid() && sendCommand(socket.get(), command, data);
+}
+
+std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
+                                          std::span<const std::byte> data)
+{
+    if (!connection.isValid() || !sendCommand(connection.get(), command, data))
+        return nullptr;
+    return std::unique_ptr<UTIL_CommandBody>(Socket_ReadCommand(connection.get()));
+}
+
+Status statusOf(const UTIL_CommandBody* answer)
+{
+    if (!answer || (answer->commandId != Success && answer->commandId != NoSuchRecord))
+        return Failure;
+    return static_cast<Status>(answer->commandId);
+}
+
+int interfaceResult(int result)
+{
+    return result == Success || result == NoSuchRecord ? result : kInterfaceFailure;
+}
+
+bool lastDialedNumber(QString& number)
+{
+    QSortedList<PHONE_ENG_RecentCall> dialed;
+    dialed.setAutoDelete(true);
+    RecentCall_ENG_RecordStore::instance()->readDataList(dialed, RC_CALL_CATEGORY_DIALED);
+    if (dialed.isEmpty())
+        return false;
+    number = dialed.getFirst()->getPhoneNumber();
+    return true;
+}
+
+} // namespace zyn::recentcall

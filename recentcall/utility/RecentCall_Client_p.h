@@ -1,0 +1,36 @@
+// What the interfaces to the recent-call service have in common.
+#pragma once
+
+#include "platform/UTIL_CommandBody.h"
+#include "platform/posix/UniqueFd_p.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
+
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace zyn::recentcall {
+
+/// A greeted connection to the service, or none.
+posix::UniqueFd connectToService();
+
+/// Sends one command on a connection of its own, without waiting for an answer.
+bool post(Command command, std::span<const std::byte> data);
+
+/// Sends one command on @p connection and gives the service's answer, or null.
+std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
+                                          std::span<const std::byte> data);
+
+/// The status of an answer: its code when that is one of Status, else Failure, as for no answer.
+Status statusOf(const UTIL_CommandBody* answer);
+
+/// The result of the class interfaces for one of the plain functions' results: 0, 1, and 3 for anything else.
+int interfaceResult(int result);
+
+/// Sets @p number to the number of the dialed call with the greatest uid, read from the file; false, and @p number as it
+/// was, when there is none.
+bool lastDialedNumber(QString& number);
+
+} // namespace zyn::recentcall

@@ -1,0 +1,47 @@
+// The commands of the recent-call service's socket.
+#pragma once
+
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+namespace zyn::recentcall {
+
+/// The directory of the service's socket, and the socket's name in it.
+inline constexpr char kSocketDirectory[] = "/tmp/zynrecentcallcom";
+inline constexpr char kSocketName[] = "recentcall_interface";
+
+/// Command codes. Code 0 is the greeting when its data is 4 bytes long and the list request when it is 8.
+enum Command : int32_t {
+    ListRecords = 0,  ///< data: Selection; answered
+    AddRecord = 1,    ///< data: the record; not answered
+    DeleteRecord = 2, ///< data: the record; answered
+    DeleteAll = 3,    ///< data: Selection; answered
+};
+
+/// Which calls a list request or a delete-all is about.
+struct Selection
+{
+    int32_t category; ///< RC_CALL_CATEGORY_T
+    int32_t callType; ///< RC_CALL_TYPE_T
+};
+static_assert(offsetof(Selection, category) == 0 && offsetof(Selection, callType) == 4 && sizeof(Selection) == 8);
+
+/// The code of an answer.
+enum Status : int32_t {
+    Success = 0,
+    NoSuchRecord = 1,
+    Failure = 2,
+};
+
+/// What begins the data of a successful list answer; the records follow it, 228 bytes each.
+struct ListHeader
+{
+    int32_t count; ///< how many records the service has
+    int32_t limit; ///< how many the list may hold
+};
+static_assert(offsetof(ListHeader, count) == 0 && offsetof(ListHeader, limit) == 4 && sizeof(ListHeader) == 8);
+
+} // namespace zyn::recentcall

@@ -1,0 +1,232 @@
+// The recent calls on disk.
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+
+#include "platform/posix/File_p.h"
+#include "recentcall/utility/RecentCall_Setup.h"
+#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
+#include "utility/PHONE_Log.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <span>
+
+using zyn::posix::UniqueFd;
+
+namespace {
+
+constexpr qint64 kBitsPerWord = 32;
+
+/// The uid of the next call that this process adds; it outlives the store.
+int32_t s_nextUid = 0;
+
+std::unique_ptr<RecentCall_ENG_RecordStore> s_instance;
+
+int maximum(RC_CALL_CATEGORY_T category)
+{
+    return RecentCall_Setup::instance()->getMaxRecordSize(category);
+}
+
+bool passesSlotCheck(qint64 index)
+{
+    return index >= 0 && index < maximum(RC_CALL_CATEGORY_ALL);
+}
+
+/// A slot beyond its own list would spoil the file's size or another list's bits.
+bool isSlotOf(RC_CALL_CATEGORY_T category, int slot)
+{
+    return passesSlotCheck(slot) && slot < std::min(maximum(category), zyn::kRecordSlots);
+}
+
+qint64 bitIndex(RC_CALL_CATEGORY_T category, int slot)
+{
+    switch (category) {
+    case RC_CALL_CATEGORY_MISSED:
+        return qint64{slot} + maximum(RC_CALL_CATEGORY_ANSWERED);
+    case RC_CALL_CATEGORY_DIALED:
+        return qint64{slot} + maximum(RC_CALL_CATEGORY_ANSWERED) + maximum(RC_CALL_CATEGORY_MISSED);
+    default:
+        return slot;
+    }
+}
+
+int32_t successor(int32_t uid)
+{
+    return uid == std::numeric_limits<int32_t>::max() ? uid : uid + 1;
+}
+
+QString filePath(RC_CALL_CATEGORY_T category)
+{
+    const QString path = zyn::storeDirectory() + zyn::recordFileName(category);
+    std::printf("%s", path.toLatin1().constData());
+    return path;
+}
+
+const PHONE_ENG_RecentCall& blankRecord()
+{
+    static const PHONE_ENG_RecentCall record;
+    return record;
+}
+
+QByteArray freshFile()
+{
+    QByteArray contents;
+    contents.reserve(zyn::kRecordFileSize);
+    contents += zyn::bytesOf(zyn::StoreFileHeader{});
+    for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
+        contents += zyn::bytesOf(blankRecord());
+    return contents;
+}
+
+bool writeSlot(const UniqueFd& file, int slot, const PHONE_ENG_RecentCall& record)
+{
+    return zyn::posix::writeAt(file.get(), std::as_bytes(std::span(&record, 1)), off_t{zyn::recordOffset(slot)});
+}
+
+bool writeBlankSlot(const UniqueFd& file, int slot)
+{
+    return passesSlotCheck(slot) && writeSlot(file, slot, blankRecord());
+}
+
+/// What an open record file holds, up to its slot @p limit.
+QByteArray readImage(const UniqueFd& file, int limit)
+{
+    QByteArray image(zyn::recordOffset(limit), Qt::Uninitialized);
+    const auto buffer = std::span(image.data(), static_cast<size_t>(image.size()));
+    image.truncate(std::max<ssize_t>(0, zyn::posix::readAt(file.get(), std::as_writable_bytes(buffer), 0)));
+    return image;
+}
+
+} // namespace
+
+RecentCall_ENG_RecordStore* RecentCall_ENG_RecordStore::instance()
+{
+    if (!s_instance)
+        s_instance = std::make_unique<RecentCall_ENG_RecordStore>();
+    return s_instance.get();
+}
+
+void RecentCall_ENG_RecordStore::destroy()
+{
+    s_instance.reset();
+}
+
+RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
+{
+    for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
+        const QString path = filePath(category);
+        if (!zyn::isStoreFile(path, zyn::kRecordFileSize))
+            zyn::createStoreFile(path, freshFile());
+    }
+}
+
+bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
+{
+    record.uid = s_nextUid;
+    s_nextUid = successor(s_nextUid);
+    record.slot = freeSlot(record.category);
+    record.print();
+    if (!modifyItem(record))
+        return false;
+    mark(record.category, record.slot, true);
+    return true;
+}
+
+bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
+{
+    if (!isSlotOf(record.category, record.slot))
+        return false;
+    const UniqueFd file = zyn::posix::openForChanging(filePath(record.category));
+    return file.isValid() && writeSlot(file, record.slot, record);
+}
+
+bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
+{
+    const QString path = filePath(record.category);
+    PHONE_Log(kPhoneLogLevel, "deleting item:");
+    record.print();
+    const UniqueFd file = zyn::posix::openForChanging(path);
+    if (!file.isValid())
+        return false;
+    PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
+    if (!isSlotOf(record.category, record.slot) || !writeBlankSlot(file, record.slot))
+        return false;
+    mark(record.category, record.slot, false);
+    return true;
+}
+
+bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
+{
+    const UniqueFd file = zyn::posix::openForChanging(filePath(category));
+    if (!file.isValid())
+        return false;
+    const int slots = std::min(maximum(category), zyn::kRecordSlots);
+    for (int slot = 0; slot < slots; ++slot) {
+        if (isMarked(category, slot) && writeBlankSlot(file, slot))
+            mark(category, slot, false);
+    }
+    return true;
+}
+
+void RecentCall_ENG_RecordStore::clearAllData()
+{
+    for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
+        const UniqueFd file = zyn::posix::openForChanging(filePath(category));
+        for (int slot = 0; file.isValid() && slot < zyn::kRecordSlots; ++slot)
+            writeBlankSlot(file, slot);
+    }
+    s_nextUid = 0;
+    m_slotBitmap.fill(0);
+}
+
+void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
+{
+    const QString path = filePath(category);
+    const UniqueFd file = zyn::posix::openForReading(path);
+    if (!file.isValid()) {
+        std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.toLatin1().constData());
+        return;
+    }
+    const QByteArray image = readImage(file, maximum(category));
+    if (!zyn::hasValidHeader(image))
+        return;
+    const int slots = zyn::recordCount(image);
+    for (int slot = 0; slot < slots; ++slot) {
+        if (!zyn::isRecordInUse(image, slot))
+            continue;
+        auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(image, slot));
+        if (record->uid >= s_nextUid)
+            s_nextUid = successor(record->uid);
+        mark(category, record->slot, true);
+        list.append(record.release());
+    }
+    list.sort();
+}
+
+int RecentCall_ENG_RecordStore::freeSlot(RC_CALL_CATEGORY_T category) const
+{
+    const int slots = maximum(category);
+    for (int slot = 0; slot < slots; ++slot) {
+        if (!isMarked(category, slot))
+            return slot;
+    }
+    return -1;
+}
+
+bool RecentCall_ENG_RecordStore::isMarked(RC_CALL_CATEGORY_T category, int slot) const
+{
+    const qint64 bit = bitIndex(category, slot);
+    return passesSlotCheck(bit) && (m_slotBitmap[static_cast<size_t>(bit / kBitsPerWord)] >> (bit % kBitsPerWord) & 1U);
+}
+
+void RecentCall_ENG_RecordStore::mark(RC_CALL_CATEGORY_T category, int slot, bool inUse)
+{
+    const qint64 bit = bitIndex(category, slot);
+    if (!passesSlotCheck(bit))
+        return;
+    uint32_t& word = m_slotBitmap[static_cast<size_t>(bit / kBitsPerWord)];
+    const uint32_t mask = 1U << (bit % kBitsPerWord);
+    word = inUse ? word | mask : word & ~mask;
+}

@@ -1,0 +1,172 @@
+// The recent-call settings.
+#include "recentcall/utility/RecentCall_Setup.h"
+
+#include "platform/SETUP_SET_Manager.h"
+#include "platform/TAPI.h"
+#include "platform/UTIL_PhoneStatus.h"
+#include "recentcall/utility/RecordFile_p.h"
+#include "utility/PHONE_Log.h"
+#include "utility/PHONE_Settings_p.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+constexpr char kSource[] = "../recentcall/utility/RecentCall_Setup";
+
+const QLatin1String kGroup("RECENTCALL_SET");
+const QLatin1String kTwoLineView("twoLineView");
+
+constexpr int kDefaultLimit = 50;
+constexpr int kDefaultFrequent = 5;
+constexpr unsigned int kDefaultTopPalsItems = 15;
+constexpr int kFirstSimCard = 1;
+constexpr TAPI_BOOL_STATUS_E kEnabled{1};
+
+std::unique_ptr<RecentCall_Setup> s_instance;
+
+int readInt(SETUP_SET_Manager& settings, const char* key, int defaultValue)
+{
+    int value = defaultValue;
+    settings.getSettingInfo(kGroup, QLatin1String(key), value, defaultValue);
+    return value;
+}
+
+int readLimit(SETUP_SET_Manager& settings, const char* key)
+{
+    return std::clamp(readInt(settings, key, kDefaultLimit), 0, zyn::kRecordSlots);
+}
+
+/// The setting has a numbering of its own.
+RC_CALL_CATEGORY_T toView(int setting)
+{
+    switch (setting) {
+    case 1:
+        return RC_CALL_CATEGORY_ANSWERED;
+    case 2:
+        return RC_CALL_CATEGORY_MISSED;
+    case 3:
+        return RC_CALL_CATEGORY_EXTRA;
+    case 4:
+        return RC_CALL_CATEGORY_ALL;
+    default:
+        return RC_CALL_CATEGORY_DIALED;
+    }
+}
+
+/// The path of a feature-switch file: the bare suffix when the directory is not set.
+QString switchFile(const char* suffix)
+{
+    return QFile::decodeName(qgetenv("ZYN_APP_WRITE_PATH")) + QLatin1String(suffix);
+}
+
+} // namespace
+
+RecentCall_Setup* RecentCall_Setup::instance()
+{
+    if (!s_instance)
+        s_instance = std::make_unique<RecentCall_Setup>();
+    return s_instance.get();
+}
+
+void RecentCall_Setup::destroy()
+{
+    s_instance.reset();
+}
+
+RecentCall_Setup::RecentCall_Setup()
+{
+    SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
+    m_maxAnswered = readLimit(settings, "maxAnsweredCall");
+    m_maxMissed = readLimit(settings, "maxMissedCall");
+    m_maxDialed = readLimit(settings, "maxDialedCall");
+    m_maxFrequent = readInt(settings, "maxFrequentCall", kDefaultFrequent);
+    m_idleSendView = toView(readInt(settings, "viewFromIdleSend", 0));
+    PHONE_Log(kPhoneLogLevel, "RC settings: %d, %d,%d,%d,%d", m_maxAnswered, m_maxMissed, m_maxDialed, m_maxFrequent,
+              m_idleSendView);
+}
+
+int RecentCall_Setup::getMaxRecordSize(RC_CALL_CATEGORY_T category) const
+{
+    switch (category) {
+    case RC_CALL_CATEGORY_ANSWERED:
+        return m_maxAnswered;
+    case RC_CALL_CATEGORY_MISSED:
+        return m_maxMissed;
+    case RC_CALL_CATEGORY_DIALED:
+        return m_maxDialed;
+    case RC_CALL_CATEGORY_ALL:
+        return m_maxAnswered + m_maxMissed + m_maxDialed;
+    default:
+        return 0;
+    }
+}
+
+bool RecentCall_Setup::setTwoLineView(bool on)
+{
+    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
+    if (settings.setSettingInfo(kGroup, kTwoLineView, on))
+        return true;
+    PHONE_Log(kPhoneLogLevel, "unable to set setupvalue");
+    return false;
+}
+
+bool RecentCall_Setup::getTwoLineView()
+{
+    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
+    bool on = false;
+    settings.getSettingInfo(kGroup, kTwoLineView, on, false);
+    return on;
+}
+
+bool RecentCall_Setup::isFixedDialFlexOn()
+{
+    const QString path = switchFile("/setup/zyn_fixeddial.cfg");
+    std::printf("******** fixed dial flex: %s ********\n", path.toLatin1().constData());
+    SETUP_SET_Manager settings(path, false);
+    bool on = true;
+    settings.getSettingInfo(QStringLiteral("Fixed Dial"), QStringLiteral("Feat_8998"), on, true);
+    return on;
+}
+
+bool RecentCall_Setup::isFixedDialingAvailable()
+{
+    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    if (!isFixedDialFlexOn()) {
+        std::printf("FDN flex is off");
+        return false;
+    }
+    if (UTIL_GetPhoneSystemStatus() != 0)
+        return false;
+    TAPI_BOOL_STATUS_E state{};
+    return TAPI_FIXDIALING_GetStatus(kFirstSimCard, &state) == 0 && state == kEnabled;
+}
+
+bool RecentCall_Setup::isPttOMAFlexOn()
+{
+    return true;
+}
+
+bool RecentCall_Setup::isPttKodiakFlexOn()
+{
+    return true;
+}
+
+bool RecentCall_Setup::isPttFlexOn()
+{
+    return isPttOMAFlexOn() || isPttKodiakFlexOn();
+}
+
+unsigned int RecentCall_Setup::getMaxTopPalsAvlItems()
+{
+    SETUP_SET_Manager settings(switchFile("/setup/zyn_toppals.cfg"), false);
+    unsigned int items = 0;
+    settings.getSettingInfo(QStringLiteral("TopPals-UI"), QStringLiteral("MaxItemsToLog"), items, kDefaultTopPalsItems);
+    return items;
+}

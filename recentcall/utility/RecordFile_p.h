@@ -1,0 +1,72 @@
+// The record file of one list of calls.
+#pragma once
+
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
+#include "recentcall/utility/StoreFile_p.h"
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+
+#include <cstring>
+
+namespace zyn {
+
+/**
+ * | Offset      | Size | Content                                       |
+ * |-------------|------|-----------------------------------------------|
+ * | 0           | 8    | StoreFileHeader                               |
+ * | 8 + 228 × i | 228  | slot i, 0 to 49: one PHONE_ENG_RecentCall     |
+ *
+ * A slot whose record is not in use holds the blank record.
+ */
+inline constexpr int kRecordSlots = 50;
+
+constexpr qint64 recordOffset(int slot)
+{
+    return qint64{sizeof(StoreFileHeader)} + qint64{slot} * qint64{sizeof(PHONE_ENG_RecentCall)};
+}
+
+inline constexpr qint64 kRecordFileSize = recordOffset(kRecordSlots);
+static_assert(recordOffset(0) == 8 && recordOffset(3) == 692 && kRecordFileSize == 11'408);
+
+/// How many whole records @p image, the bytes of a record file from its start, holds; one cut short is its end.
+inline int recordCount(QByteArrayView image)
+{
+    const qint64 length = image.size() - recordOffset(0);
+    return length < 0 ? 0 : static_cast<int>(length / qint64{sizeof(PHONE_ENG_RecentCall)});
+}
+
+/// The record in @p slot, 0 to recordCount() - 1, of @p image.
+inline PHONE_ENG_RecentCall recordAt(QByteArrayView image, int slot)
+{
+    PHONE_ENG_RecentCall record;
+    std::memcpy(static_cast<void*>(&record), image.data() + recordOffset(slot), sizeof record);
+    return record;
+}
+
+/// Whether that record is in use; looks at its one byte.
+inline bool isRecordInUse(QByteArrayView image, int slot)
+{
+    return image.at(recordOffset(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)}) != 0;
+}
+
+/// The name of a list's file, with its leading slash; a category without a list of its own has a name that no file has.
+inline QLatin1String recordFileName(RC_CALL_CATEGORY_T category)
+{
+    switch (category) {
+    case RC_CALL_CATEGORY_ANSWERED:
+        return QLatin1String("/rc_a");
+    case RC_CALL_CATEGORY_MISSED:
+        return QLatin1String("/rc_m");
+    case RC_CALL_CATEGORY_DIALED:
+        return QLatin1String("/rc_d");
+    default:
+        return QLatin1String("/rc_e");
+    }
+}
+
+/// The categories that have a file, in the order in which they are gone through.
+inline constexpr RC_CALL_CATEGORY_T kRecordLists[] = {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_MISSED,
+                                                      RC_CALL_CATEGORY_DIALED};
+
+} // namespace zyn

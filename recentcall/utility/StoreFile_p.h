@@ -1,0 +1,56 @@
+// What every store file has in common: its header, and how it comes into being.
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace zyn {
+
+/// The first 8 bytes of a store file, little-endian.
+struct StoreFileHeader
+{
+    uint32_t magic = kMagic;     ///< bytes D0 C0 B0 A0
+    uint32_t version = kVersion; ///< bytes 05 00 00 00
+
+    static constexpr uint32_t kMagic = 0xA0B0C0D0;
+    static constexpr uint32_t kVersion = 5;
+
+    bool isValid() const { return magic == kMagic && version == kVersion; }
+};
+static_assert(offsetof(StoreFileHeader, magic) == 0 && offsetof(StoreFileHeader, version) == 4);
+static_assert(sizeof(StoreFileHeader) == 8 && std::is_trivially_copyable_v<StoreFileHeader>);
+
+/// Whether @p image, the bytes of a file from its start, begins with a valid header.
+inline bool hasValidHeader(QByteArrayView image)
+{
+    StoreFileHeader header{0, 0};
+    if (image.size() >= qsizetype{sizeof header})
+        std::memcpy(&header, image.data(), sizeof header);
+    return header.isValid();
+}
+
+/// Whether the file at @p path can be read, has @p size bytes and begins with a valid header.
+bool isStoreFile(const QString& path, qint64 size);
+
+/**
+ * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
+ *
+ * Several processes may do so at the same moment: a missing file is never put over one that appeared meanwhile, and an
+ * invalid one is looked at again right before it is replaced. An existing file that may not be written stays.
+ */
+bool createStoreFile(const QString& path, const QByteArray& contents);
+
+/// The bytes of a plain structure, as a file holds them.
+template<typename Record>
+QByteArrayView bytesOf(const Record& record)
+{
+    static_assert(std::is_trivially_copyable_v<Record>);
+    return QByteArrayView(reinterpret_cast<const char*>(&record), static_cast<qsizetype>(sizeof record));
+}
+
+} // namespace zyn

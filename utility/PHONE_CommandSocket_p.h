@@ -1,0 +1,26 @@
+// The client's end of a command socket.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zyn {
+
+/// The command that opens every connection; its data is one number.
+inline constexpr int32_t kGreetingCommand = 0;
+/// The send buffer of a command socket, in bytes, as it is asked of the kernel.
+inline constexpr int kSendBufferSize = 1024;
+
+/// Connects to the service at @p path, whose server must run as this user or as root, and greets it with @p greeting.
+/// @param receiveBufferSize  the receive buffer in bytes, as it is asked of the kernel
+posix::UniqueFd connectCommandSocket(const QString& path, int receiveBufferSize, int32_t greeting);
+
+/// Sends one command; false when it could not be sent whole.
+bool sendCommand(int socket, int32_t code, std::span<const std::byte> data = {});
+
+} // namespace zyn

@@ -1,0 +1,21 @@
+// The library's debug lines.
+#include "utility/PHONE_Log.h"
+
+#include "platform/aplog.h"
+
+#include <cstdarg>
+
+void PHONE_Log(int level, const char* format, ...)
+{
+    if (level >= kSilentLogLevel)
+        return;
+    va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(libaplog_to_module_ptr ? libaplog_to_module_ptr : stdout, format, arguments);
+    va_end(arguments);
+}
+
+void PHONE_LogEntry(int level, const char* source, const char* function, std::source_location where)
+{
+    PHONE_Log(level, "%s,%s,%d \n", source, function, static_cast<int>(where.line()));
+}
