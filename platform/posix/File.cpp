@@ -71,6 +71,12 @@ bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)
     return true;
 }
 
+bool sync(int fd)
+{
+    // A file system that has nothing to bring to disk answers EINVAL.
+    return retry([&] { return ::fsync(fd); }) == 0 || errno == EINVAL;
+}
+
 std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)
 {
     const UniqueFd fd = openForReading(path);

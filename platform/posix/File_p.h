@@ -29,6 +29,9 @@ ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
 /// Writes all of @p bytes at @p offset.
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
 
+/// Brings what was written to @p fd to disk; of a directory, the names in it.
+bool sync(int fd);
+
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
 std::optional<QByteArray> readWhole(const QString& path, qsizetype limit);
 

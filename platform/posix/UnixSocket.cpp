@@ -1,10 +1,9 @@
 // Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
 #include "platform/posix/UnixSocket_p.h"
 
-#include "platform/posix/Retry_p.h"
-
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 
 #include <poll.h>
@@ -56,13 +55,17 @@ UniqueFd unixSocket(int flags)
 UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
 {
     UniqueFd fd = unixSocket();
-    if (!fd.isValid())
-        return fd;
+    if (!fd.isValid() || path.size() > kUnixPathLimit)
+        return {};
     const timeval limit = toTimeval(timeout);
     ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     const UnixAddress address = unixAddress(path);
-    if (retry([&] { return ::connect(fd.get(), address.get(), address.length); }) != 0)
-        fd.reset();
+    const auto deadline = Clock::now() + timeout;
+    while (::connect(fd.get(), address.get(), address.length) != 0) {
+        // Each call waits for the whole timeout again: signals that keep coming must not make it endless.
+        if (errno != EINTR || Clock::now() >= deadline)
+            return {};
+    }
     return fd;
 }
 
@@ -76,7 +79,8 @@ bool isPeerTrusted(int fd)
 
 bool waitFor(int fd, short events, Clock::time_point deadline)
 {
-    for (;;) {
+    // poll would skip a negative descriptor and only wait.
+    while (fd >= 0) {
         const auto left = ceil<milliseconds>(deadline - Clock::now()).count();
         pollfd entry = {fd, events, 0};
         const int ready = ::poll(&entry, 1, static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000)));
@@ -87,6 +91,7 @@ bool waitFor(int fd, short events, Clock::time_point deadline)
         if (Clock::now() >= deadline)
             return false;
     }
+    return false;
 }
 
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline)

@@ -38,14 +38,15 @@ UniqueFd unixSocket(int flags = 0);
  * Connects to the stream socket at @p path.
  *
  * A server whose full backlog keeps the connection waiting is given up after @p timeout. The socket keeps that timeout
- * for its sends.
+ * for its sends. A path above kUnixPathLimit names no server.
  */
 UniqueFd connectUnix(const QByteArray& path, std::chrono::milliseconds timeout);
 
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
-/// Waits until @p fd has one of the poll @p events, is closed by its peer, or @p deadline has passed (false).
+/// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first, and
+/// at once for a negative descriptor.
 bool waitFor(int fd, short events, Clock::time_point deadline);
 
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
