@@ -1,0 +1,56 @@
+// The log of recent calls: what each command does to the store.
+#pragma once
+
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+
+#include <QtCore/QByteArray>
+
+#include <array>
+#include <optional>
+#include <span>
+
+/**
+ * The answered, missed and dialed calls, in a record store of its own.
+ *
+ * One process at a time may have one. What it is handed comes from clients and may hold anything; of the
+ * files it trusts the store's reading only, and reads them at every operation. What fails is told in the log.
+ * To be used from one thread.
+ */
+class CallLog
+{
+public:
+    /// Makes the files that are missing or damaged, and reads the three lists.
+    CallLog();
+
+    /**
+     * Adds a call, in place of the oldest one when its list is full. Slot and uid are the store's to give.
+     *
+     * The call is read back: should the list's file turn out missing or damaged, a fresh one takes its place,
+     * and the call is added to that. False when the category names no list that keeps calls, or when the call
+     * could not be stored.
+     */
+    bool add(PHONE_ENG_RecentCall record);
+
+    /// Deletes the call with the uid of @p record from the list of its category, wherever it lies.
+    zyn::recentcall::Status remove(const PHONE_ENG_RecentCall& record);
+
+    /// Deletes the selected calls: Success also when there are none, Failure when one of them stays or when
+    /// the category names no list.
+    zyn::recentcall::Status removeAll(const zyn::recentcall::Selection& selection);
+
+    /// The selected calls, newest first, as the data of an answer; nothing when the category names no list.
+    std::optional<QByteArray> list(const zyn::recentcall::Selection& selection);
+
+private:
+    using Calls = QSortedList<PHONE_ENG_RecentCall>;
+
+    void open();
+    Calls read(std::span<const RC_CALL_CATEGORY_T> lists);
+    bool store(PHONE_ENG_RecentCall& record, std::span<const RC_CALL_CATEGORY_T> list);
+    void removeOldest(std::span<const RC_CALL_CATEGORY_T> list);
+
+    std::optional<RecentCall_ENG_RecordStore> m_store;
+    /// How many calls each list held when it was last read, by category.
+    std::array<qsizetype, RC_CALL_CATEGORY_DIALED + 1> m_counts{};
+};
