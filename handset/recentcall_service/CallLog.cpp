@@ -2,8 +2,10 @@
 #include "handset/recentcall_service/CallLog.h"
 
 #include "handset/common/Log.h"
+#include "platform/posix/File_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <algorithm>
@@ -30,6 +32,21 @@ int limitOf(int32_t category)
     return RecentCall_Setup::instance()->getMaxRecordSize(static_cast<RC_CALL_CATEGORY_T>(category));
 }
 
+QString pathOf(RC_CALL_CATEGORY_T category)
+{
+    return zyn::storeDirectoryPath() + zyn::recordFileName(category);
+}
+
+/// Whether the slot that @p record names holds it: in a damaged file it may hold another call.
+bool isInItsSlot(const PHONE_ENG_RecentCall& record)
+{
+    const zyn::posix::UniqueFd fd = zyn::posix::openForReading(pathOf(record.category));
+    PHONE_ENG_RecentCall stored;
+    const auto bytes = std::as_writable_bytes(std::span(&stored, 1));
+    const ssize_t n = zyn::posix::readAt(fd.get(), bytes, off_t{zyn::recordOffset(record.slot)});
+    return n == ssize_t{sizeof stored} && stored.inUse != 0 && stored == record;
+}
+
 /// The call with the uid of @p record, or null.
 const PHONE_ENG_RecentCall* find(const QSortedList<PHONE_ENG_RecentCall>& calls,
                                  const PHONE_ENG_RecentCall& record)
@@ -54,12 +71,12 @@ bool CallLog::add(PHONE_ENG_RecentCall record)
         return false;
     }
     record.inUse = 1;
-    if (store(record, list))
+    if (store(record))
         return true;
     log(QStringLiteral("a call of list %1 was not stored: missing or damaged files are made anew")
             .arg(record.category));
     open();
-    if (store(record, list))
+    if (store(record))
         return true;
     log(QStringLiteral("a call of list %1 is lost: its file cannot be written").arg(record.category));
     return false;
@@ -74,7 +91,7 @@ rc::Status CallLog::remove(const PHONE_ENG_RecentCall& record)
     const PHONE_ENG_RecentCall* stored = find(calls, record);
     if (!stored)
         return rc::NoSuchRecord;
-    return m_store->removeItem(*stored) ? rc::Success : rc::Failure;
+    return erase(*stored) ? rc::Success : rc::Failure;
 }
 
 rc::Status CallLog::removeAll(const rc::Selection& selection)
@@ -82,7 +99,7 @@ rc::Status CallLog::removeAll(const rc::Selection& selection)
     const Lists lists = listsOf(selection.category);
     rc::Status status = lists.empty() ? rc::Failure : rc::Success;
     for (const PHONE_ENG_RecentCall* call : read(lists)) {
-        if (call->callType == selection.callType && !m_store->removeItem(*call))
+        if (call->callType == selection.callType && !erase(*call))
             status = rc::Failure;
     }
     return status;
@@ -119,24 +136,46 @@ CallLog::Calls CallLog::read(Lists lists)
     Calls calls;
     calls.setAutoDelete(true);
     for (const RC_CALL_CATEGORY_T category : lists) {
-        const qsizetype before = calls.count();
-        m_store->readDataList(calls, category);
-        m_counts[category] = calls.count() - before;
+        Calls found;
+        m_store->readDataList(found, category);
+        m_counts[category] = found.count();
+        for (PHONE_ENG_RecentCall* call : found) {
+            // The list that a call belongs to is the file that holds it, whatever a damaged record says.
+            call->category = category;
+            calls.append(call);
+        }
     }
+    calls.sort();
     return calls;
 }
 
-bool CallLog::store(PHONE_ENG_RecentCall& record, Lists list)
+bool CallLog::store(PHONE_ENG_RecentCall& record)
 {
+    // The store writes into a damaged file too; with that the call would be lost when the store is next
+    // opened.
+    if (!zyn::isStoreFile(pathOf(record.category), zyn::kRecordFileSize))
+        return false;
     if (m_counts[record.category] >= limitOf(record.category))
-        removeOldest(list);
-    // A file without its header takes the record all the same; only reading tells.
-    return m_store->addItem(record) && find(read(list), record);
+        eraseOldest(record.category);
+    if (!m_store->addItem(record))
+        return false;
+    ++m_counts[record.category];
+    return true;
 }
 
-void CallLog::removeOldest(Lists list)
+bool CallLog::erase(const PHONE_ENG_RecentCall& record)
 {
-    const Calls calls = read(list);
-    if (!calls.isEmpty())
-        m_store->removeItem(*calls.getLast());
+    if (!isInItsSlot(record) || !m_store->removeItem(record))
+        return false;
+    --m_counts[record.category];
+    return true;
+}
+
+void CallLog::eraseOldest(RC_CALL_CATEGORY_T category)
+{
+    const Calls calls = read(Lists(&category, 1));
+    for (qsizetype i = calls.count() - 1; i >= 0; --i) {
+        if (erase(*calls.at(i)))
+            return;
+    }
 }

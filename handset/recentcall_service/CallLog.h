@@ -13,9 +13,9 @@
 /**
  * The answered, missed and dialed calls, in a record store of its own.
  *
- * One process at a time may have one. What it is handed comes from clients and may hold anything; of the
- * files it trusts the store's reading only, and reads them at every operation. What fails is told in the log.
- * To be used from one thread.
+ * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are
+ * read from their files at every operation but an add. What fails is told in the log. To be used from one
+ * thread.
  */
 class CallLog
 {
@@ -26,9 +26,8 @@ public:
     /**
      * Adds a call, in place of the oldest one when its list is full. Slot and uid are the store's to give.
      *
-     * The call is read back: should the list's file turn out missing or damaged, a fresh one takes its place,
-     * and the call is added to that. False when the category names no list that keeps calls, or when the call
-     * could not be stored.
+     * A file that turns out missing or damaged is replaced by a fresh one, and the call is added to that.
+     * False when the category names no list that keeps calls, or when the call could not be stored.
      */
     bool add(PHONE_ENG_RecentCall record);
 
@@ -47,10 +46,11 @@ private:
 
     void open();
     Calls read(std::span<const RC_CALL_CATEGORY_T> lists);
-    bool store(PHONE_ENG_RecentCall& record, std::span<const RC_CALL_CATEGORY_T> list);
-    void removeOldest(std::span<const RC_CALL_CATEGORY_T> list);
+    bool store(PHONE_ENG_RecentCall& record);
+    bool erase(const PHONE_ENG_RecentCall& record);
+    void eraseOldest(RC_CALL_CATEGORY_T category);
 
     std::optional<RecentCall_ENG_RecordStore> m_store;
-    /// How many calls each list held when it was last read, by category.
+    /// How many calls each list holds, by category; counted anew whenever a list is read.
     std::array<qsizetype, RC_CALL_CATEGORY_DIALED + 1> m_counts{};
 };
