@@ -75,12 +75,17 @@ const QByteArray kGreeting = frame(0, words({0}));
 const QByteArray kListAll = frame(rc::ListRecords, words({kAll, kVoice}));
 const QByteArray kAddMissed = frame(rc::AddRecord, zyn::bytesOf(claim(kMissed)).toByteArray());
 
+void send(const UniqueFd& fd, const QByteArray& bytes)
+{
+    const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
+    zyn::posix::sendAll(fd.get(), block, {}, Clock::now() + kPatience);
+}
+
 /// A connection on which @p bytes were sent.
 UniqueFd client(const QByteArray& bytes)
 {
     UniqueFd fd = zyn::posix::connectUnix(kSocket.toLatin1(), kPatience);
-    const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
-    zyn::posix::sendAll(fd.get(), block, {}, Clock::now() + kPatience);
+    send(fd, bytes);
     return fd;
 }
 
@@ -123,10 +128,11 @@ private:
             {QStringLiteral("-c"), command.arg(before, QStringLiteral(ZYN_RECENTCALLD), options)});
         QVERIFY(role::waitReady(m_service));
     }
+    void tell(int signal) { ::kill(pid_t(m_service.processId()), signal); }
     /// Ends the service; its exit code, -1 when it was killed.
     int stop(int signal = SIGTERM)
     {
-        ::kill(pid_t(m_service.processId()), signal);
+        tell(signal);
         return role::finish(m_service);
     }
     /// Ends the service and gives what it has logged since it told that it listens.
@@ -302,7 +308,7 @@ private Q_SLOTS:
         QCOMPARE(uids(kAll).count(), 50);
         for (const UniqueFd* fd : {&silent, &greetedOnly, &stalled})
             QCOMPARE(sentBeforeClose(*fd), QByteArray());
-        const qsizetype wholeAnswers = 100 * (16 + 50 * 228);
+        const qsizetype wholeAnswers = qsizetype{100} * (16 + 50 * 228);
         QVERIFY(sentBeforeClose(deaf).value_or(QByteArray(wholeAnswers, '\0')).size() < wholeAnswers);
         QCOMPARE(log().count("in time: connection closed"), 4);
     }
@@ -319,12 +325,42 @@ private Q_SLOTS:
     {
         stop();
         start({}, QStringLiteral("ulimit -n 48;"));
-        std::vector<UniqueFd> crowd;
-        for (int i = 0; i < 100; ++i)
-            crowd.push_back(client(kGreeting));
+        std::vector<UniqueFd> crowd(100);
+        for (UniqueFd& fd : crowd)
+            fd = client(kGreeting);
         QCOMPARE(add(kMissed), 0);
+        send(crowd.front(), kAddMissed);
+        QTRY_COMPARE(m_files->recordIn(kMissed, 0).inUse, 1); // though all the others still wait
         crowd.clear();
-        QCOMPARE(uids(kMissed), Uids({0}));
+        QCOMPARE(uids(kMissed), Uids({1, 0}));
+    }
+
+    void carriesOutFirstWhatWasSentBeforeAConnectionWasOpened()
+    {
+        const UniqueFd earlier = client(kGreeting);
+        QCOMPARE(uids(kMissed), Uids());
+        tell(SIGSTOP);
+        send(earlier, kAddMissed);
+        const UniqueFd later = client(kGreeting + kListAll);
+        ::shutdown(later.get(), SHUT_WR);
+        tell(SIGCONT);
+        QCOMPARE(sentBeforeClose(later).value_or(QByteArray()).mid(8, 4), words({1}));
+    }
+
+    void carriesOutAllThatWasSentBeforeItsEnd()
+    {
+        const UniqueFd earlier = client(kGreeting);
+        QCOMPARE(uids(kMissed), Uids());
+        tell(SIGSTOP);
+        for (int i = 0; i < 4; ++i)
+            send(earlier, kAddMissed);
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(add(kMissed), 0);
+        tell(SIGTERM);
+        tell(SIGCONT);
+        QCOMPARE(role::finish(m_service), 0);
+        start();
+        QCOMPARE(uids(kMissed).count(), 8);
     }
 
     void losesNoAddOfClientsThatCloseAtOnce()

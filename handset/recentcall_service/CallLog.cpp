@@ -138,7 +138,7 @@ CallLog::Calls CallLog::read(Lists lists)
     for (const RC_CALL_CATEGORY_T category : lists) {
         Calls found;
         m_store->readDataList(found, category);
-        m_counts[category] = found.count();
+        countOf(category) = found.count();
         for (PHONE_ENG_RecentCall* call : found) {
             // The list that a call belongs to is the file that holds it, whatever a damaged record says.
             call->category = category;
@@ -155,11 +155,11 @@ bool CallLog::store(PHONE_ENG_RecentCall& record)
     // opened.
     if (!zyn::isStoreFile(pathOf(record.category), zyn::kRecordFileSize))
         return false;
-    if (m_counts[record.category] >= limitOf(record.category))
+    if (countOf(record.category) >= limitOf(record.category))
         eraseOldest(record.category);
     if (!m_store->addItem(record))
         return false;
-    ++m_counts[record.category];
+    ++countOf(record.category);
     return true;
 }
 
@@ -167,7 +167,7 @@ bool CallLog::erase(const PHONE_ENG_RecentCall& record)
 {
     if (!isInItsSlot(record) || !m_store->removeItem(record))
         return false;
-    --m_counts[record.category];
+    --countOf(record.category);
     return true;
 }
 

@@ -45,6 +45,7 @@ private:
     using Calls = QSortedList<PHONE_ENG_RecentCall>;
 
     void open();
+    qsizetype& countOf(RC_CALL_CATEGORY_T category) { return m_counts[static_cast<size_t>(category)]; }
     Calls read(std::span<const RC_CALL_CATEGORY_T> lists);
     bool store(PHONE_ENG_RecentCall& record);
     bool erase(const PHONE_ENG_RecentCall& record);

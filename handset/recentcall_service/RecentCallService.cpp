@@ -13,7 +13,6 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QSocketNotifier>
-#include <QtCore/QTimer>
 
 #include <cerrno>
 #include <cstring>
@@ -54,7 +53,11 @@ QString reason(int error)
 RecentCallService::RecentCallService(std::chrono::milliseconds patience, int maxConnections)
     : m_patience(patience)
     , m_maxConnections(maxConnections)
-{}
+{
+    m_acceptPause.setSingleShot(true);
+    m_acceptPause.setInterval(kAcceptPause);
+    connect(&m_acceptPause, &QTimer::timeout, this, &RecentCallService::resumeAccepting);
+}
 
 RecentCallService::~RecentCallService()
 {
@@ -164,7 +167,7 @@ void RecentCallService::pauseAccepting()
 {
     log(QStringLiteral("cannot accept a client now: %1").arg(reason(errno)));
     m_newClient->setEnabled(false);
-    QTimer::singleShot(kAcceptPause, this, &RecentCallService::resumeAccepting);
+    m_acceptPause.start();
 }
 
 void RecentCallService::resumeAccepting()

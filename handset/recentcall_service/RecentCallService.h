@@ -7,6 +7,7 @@
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 #include <chrono>
 #include <memory>
@@ -60,6 +61,7 @@ private:
     zyn::posix::UniqueFd m_listener;
     std::optional<CallLog> m_calls;
     std::unique_ptr<QSocketNotifier> m_newClient;
+    QTimer m_acceptPause;
     /// In the order in which they were opened.
     QList<ServiceConnection*> m_connections;
 };
