@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -69,6 +70,30 @@ UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
     return fd;
 }
 
+bool isServed(const QByteArray& path)
+{
+    const UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    return ::connect(fd.get(), address.get(), address.length) == 0 || errno == EAGAIN;
+}
+
+UniqueFd listenUnix(const QByteArray& path, mode_t mode)
+{
+    UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    // The socket's file gets the mode that the socket has when it is bound: it is never open to more users than meant.
+    if (!fd.isValid() || ::fchmod(fd.get(), mode) != 0)
+        return {};
+    if (::bind(fd.get(), address.get(), address.length) != 0 || ::listen(fd.get(), SOMAXCONN) != 0)
+        return {};
+    return fd;
+}
+
+UniqueFd acceptConnection(int listener)
+{
+    return UniqueFd(retry([&] { return ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC); }));
+}
+
 bool isPeerTrusted(int fd)
 {
     ucred peer = {};
@@ -117,17 +142,27 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
 {
     while (!buffer.empty()) {
-        const ssize_t n = ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
+        const ssize_t n = receiveSome(fd, buffer);
         if (n == 0)
             return false;
         if (n < 0) {
-            if (errno != EINTR && !mayGoOn(fd, POLLIN, deadline))
+            if (!mayGoOn(fd, POLLIN, deadline))
                 return false;
             continue;
         }
         buffer = buffer.subspan(static_cast<size_t>(n));
     }
     return true;
+}
+
+ssize_t sendSome(int fd, std::span<const std::byte> bytes)
+{
+    return retry([&] { return ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT); });
+}
+
+ssize_t receiveSome(int fd, std::span<std::byte> buffer)
+{
+    return retry([&] { return ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT); });
 }
 
 } // namespace zyn::posix

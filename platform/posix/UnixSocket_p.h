@@ -10,6 +10,7 @@
 #include <span>
 
 #include <sys/socket.h>
+#include <sys/types.h>
 #include <sys/un.h>
 
 namespace zyn::posix {
@@ -42,6 +43,15 @@ UniqueFd unixSocket(int flags = 0);
  */
 UniqueFd connectUnix(const QByteArray& path, std::chrono::milliseconds timeout);
 
+/// Whether a process listens at @p path, be it too busy to take a connection. Does not wait.
+bool isServed(const QByteArray& path);
+
+/// Listens at @p path, which must not exist, with the permissions @p mode and the longest backlog there is.
+UniqueFd listenUnix(const QByteArray& path, mode_t mode);
+
+/// The next connection that waits at @p listener, non-blocking; none, with errno EAGAIN, when none waits.
+UniqueFd acceptConnection(int listener);
+
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
@@ -54,5 +64,11 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
 
 /// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline);
+
+/// Sends what the socket takes of @p bytes without waiting: how many, or -1. A closed peer is a failure, never a signal.
+ssize_t sendSome(int fd, std::span<const std::byte> bytes);
+
+/// Receives what has come, without waiting: how many bytes, 0 when the peer has closed and all is received, or -1.
+ssize_t receiveSome(int fd, std::span<std::byte> buffer);
 
 } // namespace zyn::posix
