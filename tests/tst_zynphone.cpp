@@ -1,0 +1,482 @@
+// The command-line tool, run as its users run it: exit codes and everything it writes.
+#include "recentcall/utility/RecordFile_p.h"
+#include "support/Role.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtCore/QScopeGuard>
+#include <QtCore/QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kAsItIs = -1;
+
+struct Result
+{
+    int exitCode;
+    QByteArray output;
+    QByteArray error;
+};
+
+PHONE_ENG_RecentCall call(int slot, int uid, const QString& number, const QString& name)
+{
+    PHONE_ENG_RecentCall record(number, QDateTime::fromSecsSinceEpoch(1'709'294'400, Qt::UTC), 3723);
+    record.setDisplayName(name);
+    record.category = RC_CALL_CATEGORY_MISSED;
+    record.inUse = 1;
+    record.uid = uid;
+    record.slot = slot;
+    return record;
+}
+
+/// A file of missed calls in which the slots 0 and 2 are in use.
+QByteArray missedCalls()
+{
+    QByteArray image = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
+    for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
+        image += zyn::bytesOf(PHONE_ENG_RecentCall());
+    image.replace(zyn::recordOffset(0), sizeof(PHONE_ENG_RecentCall),
+                  zyn::bytesOf(call(0, 7, u"+49301"_s, u"J\u00FCrg\u001B"_s)));
+    image.replace(zyn::recordOffset(2), sizeof(PHONE_ENG_RecentCall),
+                  zyn::bytesOf(call(2, 9, u"*#06#"_s, QString())));
+    return image;
+}
+
+/// The words of a command line; '' stands for an empty one.
+QStringList words(const char* line)
+{
+    QStringList result = QString::fromUtf8(line).split(u' ', Qt::SkipEmptyParts);
+    result.replaceInStrings(QRegularExpression(u"^''$"_s), QString());
+    return result;
+}
+
+} // namespace
+
+class ZynphoneTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void rejectsBadUsage_data();
+    void rejectsBadUsage();
+    void helpsAtEveryLevel_data();
+    void helpsAtEveryLevel();
+    void keepsTraceOffItsOutput();
+    void tellsThatItsOutputIsLost();
+    void showsSettings();
+    void setsHandsetStates();
+    void tellsThatStatesCannotBeWritten();
+    void inspectShowsSoundFile();
+    void inspectTellsDamage_data();
+    void inspectTellsDamage();
+    void inspectRefusesOtherFiles();
+    void tellsThatThereIsNoService_data();
+    void tellsThatThereIsNoService();
+    void managesTheServicesCalls();
+
+private:
+    Result run(const QStringList& arguments, const QString& outputFile = {});
+    QString path(const QString& name) const { return m_directory->filePath(name); }
+    QString write(const QString& name, const QByteArray& contents);
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+void ZynphoneTest::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    qputenv("TZ", "EET-2");
+    qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_directory->path()));
+    qputenv("ZYN_LOCAL_APP_WRITE_PATH", QFile::encodeName(m_directory->path()));
+}
+
+Result ZynphoneTest::run(const QStringList& arguments, const QString& outputFile)
+{
+    QProcess tool;
+    tool.setStandardOutputFile(outputFile);
+    tool.start(QStringLiteral(ZYN_TOOL), arguments);
+    const int exitCode = role::finish(tool);
+    return {exitCode, tool.readAllStandardOutput(), tool.readAllStandardError()};
+}
+
+QString ZynphoneTest::write(const QString& name, const QByteArray& contents)
+{
+    QDir().mkpath(QFileInfo(path(name)).path());
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
+        qFatal("cannot write %s", qPrintable(path(name)));
+    return path(name);
+}
+
+void ZynphoneTest::rejectsBadUsage_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+
+    const auto row = [](const char* name, const char* path, const char* arguments, const char* message) {
+        QTest::newRow(name) << QString::fromUtf8(path) << words(arguments) << QString::fromUtf8(message);
+    };
+    row("no verb", "zynphone", "", "missing verb");
+    row("unknown verb", "zynphone", "frob", "unknown verb 'frob'");
+    row("control character", "zynphone", "a\nb\u009B", "unknown verb 'a\\x0ab\\x9b'");
+    row("unknown verb of a group", "zynphone calls", "frob", "unknown verb 'frob'");
+    row("verb's option before the verb", "zynphone calls", "--json list", "unknown option '--json'");
+    row("unknown option", "zynphone calls list", "--frob=1", "unknown option '--frob'");
+    row("unknown short option", "zynphone calls list", "-x", "unknown option '-x'");
+    row("option without its value", "zynphone calls list", "--type", "missing value after '--type'");
+    row("missing argument", "zynphone inspect", "", "missing argument FILE");
+    row("superfluous argument", "zynphone calls list", "all now", "superfluous argument 'now'");
+    row("unknown list", "zynphone calls list", "busy",
+        "unknown list 'busy'; known are answered, missed, dialed, all");
+    row("empty type", "zynphone calls list", "--type ''", "unknown type ''; known are voice, ptt1, ptt2");
+    row("uid that is no number", "zynphone calls delete", "%3",
+        "UID '%3' is no whole number from -2147483648 to 2147483647");
+    row("no list to clear", "zynphone calls clear", "", "missing argument LIST");
+    row("unknown state", "zynphone handset set", "battery 3",
+        "unknown state 'battery'; 'zynphone handset show' lists them");
+    row("fraction as a state", "zynphone handset set", "sim-card 1.5",
+        "sim-card '1.5' is no whole number from -2147483648 to 2147483647");
+    row("state without its value", "zynphone handset set", "sim-card 1 keypad-lock",
+        "missing value of 'keypad-lock'");
+
+    const auto add = [&row](const char* name, const char* arguments, const char* message) {
+        row(name, "zynphone calls add", arguments, message);
+    };
+    add("list that keeps no calls", "all 112", "unknown list 'all'; known are answered, missed, dialed");
+    add("empty number", "missed ''", "the number is empty");
+    add("number of 42 characters", "missed 123456789012345678901234567890123456789012",
+        "the number has 42 characters; at most 41 fit");
+    add("name of 16 characters", "missed 112 --name 1234567890123456",
+        "the name has 16 characters; at most 15 fit");
+    add("name beyond Latin-1", "missed 112 --name \u0141", "the name holds characters that are not Latin-1");
+    add("30th of February", "missed 112 --at 2024-02-30T10:00",
+        "'2024-02-30T10:00' is no date and time like 2024-05-31T18:30:00");
+    add("a second after the last that fits", "missed 112 --at 2038-01-19T03:14:08Z",
+        "'2038-01-19T03:14:08Z' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z");
+    add("negative duration", "missed 112 --duration -1",
+        "duration '-1' is no whole number from 0 to 2147483647");
+    add("all as a type", "missed 112 --type all", "unknown type 'all'; known are voice, ptt1, ptt2");
+    add("session of a voice call", "missed 112 --session a", "--session is for the types ptt1 and ptt2");
+    add("session of 101 bytes",
+        ("missed 112 --type ptt1 --session " + QByteArray("\u00E9").repeated(50) + "a").constData(),
+        "the session id has 101 bytes; at most 100 fit");
+    add("both completed and not", "missed 112 --completed --not-completed",
+        "--completed and --not-completed exclude each other");
+}
+
+void ZynphoneTest::rejectsBadUsage()
+{
+    QFETCH(QString, path);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+
+    const Result result = run(path.split(u' ').mid(1) + arguments);
+
+    QCOMPARE(QString::fromUtf8(result.error), u"%1: %2\nTry '%1 --help'.\n"_s.arg(path, message));
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 2);
+}
+
+void ZynphoneTest::helpsAtEveryLevel_data()
+{
+    QTest::addColumn<QString>("usage");
+
+    for (const char* usage :
+         {"zynphone VERB", "zynphone calls VERB", "zynphone calls list [LIST]",
+          "zynphone calls add LIST NUMBER", "zynphone calls delete UID", "zynphone calls clear LIST",
+          "zynphone calls last-dialed", "zynphone settings VERB", "zynphone settings show",
+          "zynphone handset VERB", "zynphone handset show", "zynphone handset set NAME VALUE...",
+          "zynphone inspect FILE"})
+        QTest::newRow(usage) << QString::fromLatin1(usage);
+}
+
+void ZynphoneTest::helpsAtEveryLevel()
+{
+    QFETCH(QString, usage);
+    QStringList verbs = usage.split(u' ').mid(1);
+    verbs.removeIf([](const QString& word) { return word != word.toLower(); });
+
+    const Result result = run(verbs + QStringList{u"--help"_s});
+
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.error, QByteArray());
+    QCOMPARE(QString::fromUtf8(result.output).section(u'\n', 0, 0), u"Usage: %1 [OPTION...]"_s.arg(usage));
+}
+
+void ZynphoneTest::keepsTraceOffItsOutput()
+{
+    const QByteArray file = path(u"setup/zyn_fixeddial.cfg"_s).toUtf8();
+    const QByteArray trace = "RC settings: 50, 50,50,5,3******** fixed dial flex: " + file +
+                             " ********\n******** fixed dial flex: " + file + " ********\n";
+
+    const Result quiet = run(words("settings show"));
+    const Result traced = run(words("--trace settings show"));
+
+    QCOMPARE(quiet.error, QByteArray());
+    QCOMPARE(traced.error, trace);
+    QCOMPARE(traced.output, quiet.output);
+}
+
+void ZynphoneTest::tellsThatItsOutputIsLost()
+{
+    const Result result = run(words("handset show"), u"/dev/full"_s);
+
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(result.error, QByteArray("zynphone: cannot write to standard output\n"));
+}
+
+void ZynphoneTest::showsSettings()
+{
+    write(u"setup/zyn_app4.cfg"_s, "[RECENTCALL_SET]\nmaxAnsweredCall=20\nmaxMissedCall=51\n"
+                                   "maxFrequentCall=7\nviewFromIdleSend=3\ntwoLineView=true\n");
+    write(u"setup/zyn_toppals.cfg"_s, "[TopPals-UI]\nMaxItemsToLog=4294967295\n");
+    run(words("handset set fixed-dialing 1"));
+
+    QCOMPARE(run(words("settings show")).output, QByteArray("answered calls kept              20\n"
+                                                            "missed calls kept                50\n"
+                                                            "dialed calls kept                50\n"
+                                                            "frequent calls shown             7\n"
+                                                            "view from idle Send              extra\n"
+                                                            "two-line view                    yes\n"
+                                                            "activities kept for a favourite  4294967295\n"
+                                                            "fixed dialing switched on        yes\n"
+                                                            "fixed dialing available          yes\n"));
+    QCOMPARE(run(words("settings show --json")).output,
+             QByteArray(R"({"fixedDialingAvailable":true,"fixedDialingSwitch":true,"idleSendView":"extra",)"
+                        R"("maxAnswered":20,"maxDialed":50,"maxFavouriteItems":4294967295,"maxFrequent":7,)"
+                        R"("maxMissed":50,"twoLineView":true})"
+                        "\n"));
+}
+
+void ZynphoneTest::setsHandsetStates()
+{
+    const QByteArray shown =
+        "NAME                 VALUE  MEANING\n"
+        "sim-card             3      state of the SIM card; 0 and 3 allow the PIN control codes\n"
+        "keypad-lock          0      state of the keypad lock; 0 allows the code that shows the IMEI\n"
+        "phone-system         0      state of the phone system; 0 lets the telephony API be asked\n"
+        "fixed-dialing        0      what the telephony API tells of fixed dialing; 1 is enabled\n"
+        "fixed-dialing-error  -1     error of that question; 0 is success\n";
+
+    const Result set = run(words("handset set sim-card 3 fixed-dialing-error -1"));
+    QCOMPARE(set.error, QByteArray());
+    QCOMPARE(set.exitCode, 0);
+    QCOMPARE(run(words("handset set sim-card 5 keypad-lock on")).exitCode, 2);
+
+    QCOMPARE(run(words("handset show")).output, shown);
+    QVERIFY(run(words("handset show --json"))
+                .output.endsWith(
+                    R"({"meaning":"error of that question; 0 is success","name":"fixed-dialing-error",)"
+                    R"("value":-1}])"
+                    "\n"));
+}
+
+void ZynphoneTest::tellsThatStatesCannotBeWritten()
+{
+    qputenv("ZYN_APP_WRITE_PATH", "/dev/null");
+    const Result result = run(words("handset set sim-card 3"));
+
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(result.error,
+             QByteArray("zynphone handset set: cannot write /dev/null/setup/zyn_handset.cfg\n"));
+}
+
+void ZynphoneTest::inspectShowsSoundFile()
+{
+    const QString file = write(u"rc_m"_s, missedCalls());
+    const QByteArray name = file.toUtf8();
+
+    const Result text = run({u"inspect"_s, file});
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(
+        QString::fromUtf8(text.output),
+        file +
+            QString::fromUtf8(
+                ": missed calls, 2 in use, sound\n"
+                "SLOT  UID  LIST    NUMBER  NAME      START                DURATION  TYPE   READ  COMPLETED\n"
+                "0     7    missed  +49301  J\u00FCrg\\x1b  2024-03-01T14:00:00  1:02:03   voice  no    no\n"
+                "2     9    missed  *#06#             2024-03-01T14:00:00  1:02:03   voice  no    no\n"));
+    QCOMPARE(
+        run({u"inspect"_s, file, u"--json"_s}).output,
+        R"({"file":")" + name +
+            R"(","kind":"missed calls","problems":[],"size":11408,"slots":[)"
+            R"({"completed":false,"duration":3723,"list":"missed","name":"J)"
+            "\u00FC"
+            R"(rg\u001b","number":"+49301","read":false,"session":"","slot":0,"start":"2024-03-01T12:00:00Z",)"
+            R"("type":"voice","uid":7},{"completed":false,"duration":3723,"list":"missed","name":"",)"
+            R"("number":"*#06#","read":false,"session":"","slot":2,"start":"2024-03-01T12:00:00Z",)"
+            R"("type":"voice","uid":9}],"sound":true})"
+            "\n");
+}
+
+void ZynphoneTest::inspectTellsDamage_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("size");
+    QTest::addColumn<qint64>("offset");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("report");
+
+    const auto row = [](const char* tag, const char* name, int size, qint64 offset, const QByteArray& bytes,
+                        const char* report) {
+        QTest::newRow(tag) << QString::fromLatin1(name) << size << offset << bytes << QByteArray(report);
+    };
+    const auto slot2 = [&row](const char* tag, size_t field, const QByteArray& bytes, const char* problem) {
+        const QByteArray report =
+            QByteArray("missed calls, 2 in use, not sound\n  slot 2: ") + problem + '\n';
+        row(tag, "rc_m", kAsItIs, zyn::recordOffset(2) + qint64(field), bytes, report);
+    };
+    row("nothing", "rc_m", 0, 0, "",
+        "missed calls, 0 in use, not sound\n"
+        "  the header is cut short\n  the size is 0 bytes, not 11408\n");
+    row("one byte short", "rc_m", 11'407, 0, "",
+        "missed calls, 2 in use, not sound\n"
+        "  the size is 11407 bytes, not 11408\n");
+    row("one record more", "rc_m", 11'636, 0, "",
+        "missed calls, 2 in use, not sound\n"
+        "  the size is 11636 bytes, not 11408\n");
+    row("another version", "rc_m", kAsItIs, 4, "\x04",
+        "missed calls, 0 in use, not sound\n"
+        "  the version is 4, not 5\n");
+    row("another magic", "rc_m", kAsItIs, 0, "\xD1",
+        "missed calls, 0 in use, not sound\n"
+        "  the magic is 0xa0b0c0d1, not 0xa0b0c0d0\n");
+    row("the name of another list", "rc_a", kAsItIs, 0, "",
+        "answered calls, 2 in use, not sound\n"
+        "  slot 0: the category is missed\n  slot 2: the category is missed\n");
+    row("a name that says nothing", "saved", kAsItIs, 0, "", "calls, 2 in use, sound\n");
+    slot2("in use as 0xFF", offsetof(PHONE_ENG_RecentCall, inUse), "\xFF",
+          "the in-use byte is -1, not 0 or 1");
+    slot2("names another slot", offsetof(PHONE_ENG_RecentCall, slot), "\x03", "the record names slot 3");
+    slot2("of no list", offsetof(PHONE_ENG_RecentCall, category), "\x09", "the category is 9");
+    slot2("number without NUL", 0, QByteArray(42, '1'), "the number has no NUL");
+    slot2("name without NUL", offsetof(PHONE_ENG_RecentCall, displayName), QByteArray(16, 'n'),
+          "the name has no NUL");
+    slot2("session without NUL", offsetof(PHONE_ENG_RecentCall, pttSessionId), QByteArray(101, 's'),
+          "the session id has no NUL");
+    slot2("uid of another slot", offsetof(PHONE_ENG_RecentCall, uid), "\x07", "uid 7 is that of slot 0 too");
+}
+
+void ZynphoneTest::inspectTellsDamage()
+{
+    QFETCH(QString, name);
+    QFETCH(int, size);
+    QFETCH(qint64, offset);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, report);
+    QByteArray image = missedCalls();
+    image.replace(offset, bytes.size(), bytes);
+    if (size != kAsItIs)
+        image = image.leftJustified(size, '\1', true);
+    const QString file = write(name, image);
+
+    const Result result = run({u"inspect"_s, file});
+
+    QCOMPARE(result.output.left(result.output.indexOf("SLOT")), file.toUtf8() + ": " + report);
+    QCOMPARE(result.error, QByteArray());
+    QCOMPARE(result.exitCode, report.contains("not sound") ? 1 : 0);
+}
+
+void ZynphoneTest::inspectRefusesOtherFiles()
+{
+    const auto errorOf = [this](const QString& file) {
+        const Result result = run({u"inspect"_s, file});
+        return result.exitCode == 1 && result.output.isEmpty() ? QString::fromUtf8(result.error) : QString();
+    };
+    const QString text = write(u"text"_s, "text");
+
+    QCOMPARE(errorOf(path(u"rc_m"_s)), u"zynphone inspect: %1: no such file\n"_s.arg(path(u"rc_m"_s)));
+    QCOMPARE(errorOf(m_directory->path()),
+             u"zynphone inspect: %1: not a regular file\n"_s.arg(m_directory->path()));
+    QCOMPARE(errorOf(text),
+             QStringLiteral("zynphone inspect: %1: neither its name nor its header and size are those "
+                            "of a file of the store\n")
+                 .arg(text));
+}
+
+void ZynphoneTest::tellsThatThereIsNoService_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("list") << u"zynphone calls list"_s << words("");
+    QTest::newRow("add") << u"zynphone calls add"_s << words("missed 112");
+    QTest::newRow("delete") << u"zynphone calls delete"_s << words("1");
+    QTest::newRow("clear") << u"zynphone calls clear"_s << words("all");
+}
+
+void ZynphoneTest::tellsThatThereIsNoService()
+{
+    QFETCH(QString, path);
+    QFETCH(QStringList, arguments);
+
+    const Result result = run(path.split(u' ').mid(1) + arguments);
+
+    QCOMPARE(QString::fromUtf8(result.error),
+             path + u": no recent-call service at /tmp/zynrecentcallcom/recentcall_interface\n"_s);
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void ZynphoneTest::managesTheServicesCalls()
+{
+#ifdef ZYN_RECENTCALLD
+    QProcess service;
+    service.start(QStringLiteral(ZYN_RECENTCALLD), QStringList());
+    const auto endService = qScopeGuard([&service] {
+        service.terminate();
+        role::finish(service);
+    });
+    const QByteArray titles =
+        "UID  LIST      NUMBER  NAME    START                DURATION  TYPE   READ  COMPLETED\n";
+    const QByteArray missed =
+        "0    missed    +49301  J\u00FCrgen  2024-03-01T14:00:00  0:00:00   voice  no    no\n";
+    const QByteArray dialed =
+        "1    dialed    *#06#           2024-03-01T13:00:00  1:02:03   voice  yes   yes\n";
+    const QByteArray answered =
+        "2    answered  112             2024-03-01T12:00:00  0:00:00   ptt1   no    no\n";
+    const auto list = [this](const char* selection) {
+        return run(words("calls list") + words(selection)).output;
+    };
+    QTRY_COMPARE(run(words("calls list")).exitCode, 0);
+    QCOMPARE(run(words("calls last-dialed")).error,
+             QByteArray("zynphone calls last-dialed: no dialed call\n"));
+
+    // An add is not acknowledged: each is waited for, so that the next gets the next uid.
+    QCOMPARE(run(words("calls add missed +49301 --name J\u00FCrgen --at 2024-03-01T12:00:00Z")).output,
+             QByteArray("sent\n"));
+    QTRY_VERIFY(list("").contains("+49301"));
+    run(words("calls add dialed *#06# --at 2024-03-01T13:00:00 --duration 3723 --read"));
+    QTRY_VERIFY(list("").contains("*#06#"));
+    run(words("calls add answered 112 --at 2024-03-01T14:00:00+04:00 --type ptt1 --session \u00E9 "
+              "--not-completed"));
+    QTRY_COMPARE(list(""), titles + answered + dialed + missed);
+
+    QCOMPARE(list("--type ptt1"), QByteArray(titles).replace("NAME    ", "NAME  ") +
+                                      QByteArray(answered).replace("             ", "           "));
+    QCOMPARE(list("answered --json"),
+             QByteArray(R"([{"completed":false,"duration":0,"list":"answered","name":"",)"
+                        R"("number":"112","read":false,"session":")"
+                        "\u00E9"
+                        R"(","start":"2024-03-01T10:00:00Z","type":"ptt1","uid":2}])"
+                        "\n"));
+    QCOMPARE(run(words("calls last-dialed")).output, QByteArray("*#06#\n"));
+
+    QCOMPARE(run(words("calls delete 1 --list missed")).error,
+             QByteArray("zynphone calls delete: no such call: 1\n"));
+    QCOMPARE(run(words("calls delete 1")).output, QByteArray("deleted\n"));
+    QCOMPARE(list(""), titles + answered + missed);
+    QCOMPARE(run(words("calls clear all --type voice")).output, QByteArray("cleared\n"));
+    QCOMPARE(list("missed --json"), QByteArray("[]\n"));
+    QCOMPARE(run(words("calls clear answered")).output, QByteArray("cleared\n"));
+    QCOMPARE(list("--json"), QByteArray("[]\n"));
+#else
+    QSKIP("built without the recent-call service");
+#endif
+}
+
+QTEST_GUILESS_MAIN(ZynphoneTest)
+#include "tst_zynphone.moc"
