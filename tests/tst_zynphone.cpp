@@ -1,10 +1,11 @@
 // The command-line tool, run as its users run it: exit codes and everything it writes.
-#include "recentcall/utility/RecordFile_p.h"
 #include "support/Role.h"
+#include "support/StoreFixture.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QScopeGuard>
-#include <QtCore/QTemporaryDir>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -16,30 +17,6 @@ struct Result
     QByteArray output;
     QByteArray error;
 };
-
-PHONE_ENG_RecentCall call(int slot, int uid, const QString& number, const QString& name)
-{
-    PHONE_ENG_RecentCall record(number, QDateTime::fromSecsSinceEpoch(1'709'294'400, Qt::UTC), 3723);
-    record.setDisplayName(name);
-    record.category = RC_CALL_CATEGORY_MISSED;
-    record.inUse = 1;
-    record.uid = uid;
-    record.slot = slot;
-    return record;
-}
-
-/// A file of missed calls in which the slots 0 and 2 are in use.
-QByteArray missedCalls()
-{
-    QByteArray image = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
-    for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
-        image += zyn::bytesOf(PHONE_ENG_RecentCall());
-    image.replace(zyn::recordOffset(0), sizeof(PHONE_ENG_RecentCall),
-                  zyn::bytesOf(call(0, 7, u"+49301"_s, u"J\u00FCrg\u001B"_s)));
-    image.replace(zyn::recordOffset(2), sizeof(PHONE_ENG_RecentCall),
-                  zyn::bytesOf(call(2, 9, u"*#06#"_s, QString())));
-    return image;
-}
 
 /// The words of a command line; '' stands for an empty one.
 QStringList words(const char* line)
@@ -74,18 +51,18 @@ private Q_SLOTS:
 private:
     Result run(const QStringList& arguments, const QString& outputFile = {});
     QByteArray outputOf(const char* line) { return run(words(line)).output; }
-    QString path(const QString& name) const { return m_directory->filePath(name); }
+    QString path(const QString& name) const { return m_store->path() + u'/' + name; }
     QString write(const QString& name, const QByteArray& contents);
+    QByteArray missedCalls();
 
-    std::unique_ptr<QTemporaryDir> m_directory;
+    std::optional<StoreFixture> m_store;
 };
 
 void ZynphoneTest::init()
 {
-    m_directory = std::make_unique<QTemporaryDir>();
     qputenv("TZ", "EET-2");
-    qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_directory->path()));
-    qputenv("ZYN_LOCAL_APP_WRITE_PATH", QFile::encodeName(m_directory->path()));
+    m_store.reset();
+    m_store.emplace();
 }
 
 Result ZynphoneTest::run(const QStringList& arguments, const QString& outputFile)
@@ -104,6 +81,20 @@ QString ZynphoneTest::write(const QString& name, const QByteArray& contents)
     if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
         qFatal("cannot write %s", qPrintable(path(name)));
     return path(name);
+}
+
+/// A file of missed calls in which the slots 0 and 1 are in use.
+QByteArray ZynphoneTest::missedCalls()
+{
+    StoreFixture::startAfresh();
+    for (const auto& [number, name] :
+         {std::pair("+49301", u"J\u00FCrg\u001B"_s), std::pair("*#06#", QString())}) {
+        PHONE_ENG_RecentCall record = StoreFixture::call(RC_CALL_CATEGORY_MISSED, number);
+        record.setDisplayName(name);
+        record.duration = 3723;
+        StoreFixture::store().addItem(record);
+    }
+    return m_store->read(RC_CALL_CATEGORY_MISSED);
 }
 
 void ZynphoneTest::refuses_data()
@@ -183,7 +174,7 @@ void ZynphoneTest::refuses()
 
     const Result result = run(path.split(u' ').mid(1) + arguments);
 
-    QCOMPARE(QString::fromUtf8(result.error), path + u": "_s + message + u'\n' + hint);
+    QCOMPARE(QString::fromUtf8(result.error), u"zynphone: "_s + message + u'\n' + hint);
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, exitCode);
 }
@@ -236,7 +227,7 @@ void ZynphoneTest::tellsWhatCannotBeWritten()
 
     qputenv("ZYN_APP_WRITE_PATH", "/dev/null");
     const Result state = run(words("handset set sim-card 3"));
-    QCOMPARE(state.error, QByteArray("zynphone handset set: cannot write /dev/null/setup/zyn_handset.cfg\n"));
+    QCOMPARE(state.error, QByteArray("zynphone: cannot write /dev/null/setup/zyn_handset.cfg\n"));
     QCOMPARE(state.exitCode, 1);
 }
 
@@ -295,18 +286,18 @@ void ZynphoneTest::inspectShowsSoundFile()
             QString::fromUtf8(
                 ": missed calls, 2 in use, sound\n"
                 "SLOT  UID  LIST    NUMBER  NAME      START                DURATION  TYPE   READ  COMPLETED\n"
-                "0     7    missed  +49301  J\u00FCrg\\x1b  2024-03-01T14:00:00  1:02:03   voice  no    no\n"
-                "2     9    missed  *#06#             2024-03-01T14:00:00  1:02:03   voice  no    no\n"));
+                "0     0    missed  +49301  J\u00FCrg\\x1b  2023-11-15T00:13:20  1:02:03   voice  no    no\n"
+                "1     1    missed  *#06#             2023-11-15T00:13:20  1:02:03   voice  no    no\n"));
     QCOMPARE(
         run({u"inspect"_s, file, u"--json"_s}).output,
         R"({"file":")" + name +
             R"(","kind":"missed calls","problems":[],"size":11408,"slots":[)"
             R"({"completed":false,"duration":3723,"list":"missed","name":"J)"
             "\u00FC"
-            R"(rg\u001b","number":"+49301","read":false,"session":"","slot":0,"start":"2024-03-01T12:00:00Z",)"
-            R"("type":"voice","uid":7},{"completed":false,"duration":3723,"list":"missed","name":"",)"
-            R"("number":"*#06#","read":false,"session":"","slot":2,"start":"2024-03-01T12:00:00Z",)"
-            R"("type":"voice","uid":9}],"sound":true})"
+            R"(rg\u001b","number":"+49301","read":false,"session":"","slot":0,"start":"2023-11-14T22:13:20Z",)"
+            R"("type":"voice","uid":0},{"completed":false,"duration":3723,"list":"missed","name":"",)"
+            R"("number":"*#06#","read":false,"session":"","slot":1,"start":"2023-11-14T22:13:20Z",)"
+            R"("type":"voice","uid":1}],"sound":true})"
             "\n");
 }
 
@@ -318,7 +309,7 @@ void ZynphoneTest::inspectGoesByTheName()
 
     QVERIFY(disagreeing.output.startsWith(
         answered.toUtf8() + ": answered calls, 2 in use, not sound\n"
-                            "  slot 0: the category is missed\n  slot 2: the category is missed\n"));
+                            "  slot 0: the category is missed\n  slot 1: the category is missed\n"));
     QCOMPARE(disagreeing.exitCode, 1);
     QVERIFY(run({u"inspect"_s, saved}).output.startsWith(saved.toUtf8() + ": calls, 2 in use, sound\n"));
 }
@@ -342,19 +333,19 @@ void ZynphoneTest::inspectTellsDamage_data()
     row("another version", whole, 4, "\x04", 0, "  the version is 4, not 5\n");
     row("another magic", whole, 0, "\xD1", 0, "  the magic is 0xa0b0c0d1, not 0xa0b0c0d0\n");
 
-    const auto slot2 = [&](const char* name, size_t field, const QByteArray& bytes, const char* problem) {
-        row(name, whole, zyn::recordOffset(2) + qint64(field), bytes, 2,
-            QByteArray("  slot 2: ").append(problem).append("\n"));
+    const auto slot1 = [&](const char* name, size_t field, const QByteArray& bytes, const char* problem) {
+        row(name, whole, zyn::recordOffset(1) + qint64(field), bytes, 2,
+            QByteArray("  slot 1: ").append(problem).append("\n"));
     };
     using Call = PHONE_ENG_RecentCall;
-    slot2("in use as 0xFF", offsetof(Call, inUse), "\xFF", "the in-use byte is -1, not 0 or 1");
-    slot2("names another slot", offsetof(Call, slot), "\x03", "the record names slot 3");
-    slot2("of no list", offsetof(Call, category), "\x09", "the category is 9");
-    slot2("number without NUL", 0, QByteArray(42, '1'), "the number has no NUL");
-    slot2("name without NUL", offsetof(Call, displayName), QByteArray(16, 'n'), "the name has no NUL");
-    slot2("session without NUL", offsetof(Call, pttSessionId), QByteArray(101, 's'),
+    slot1("in use as 0xFF", offsetof(Call, inUse), "\xFF", "the in-use byte is -1, not 0 or 1");
+    slot1("names another slot", offsetof(Call, slot), "\x03", "the record names slot 3");
+    slot1("of no list", offsetof(Call, category), "\x09", "the category is 9");
+    slot1("number without NUL", 0, QByteArray(42, '1'), "the number has no NUL");
+    slot1("name without NUL", offsetof(Call, displayName), QByteArray(16, 'n'), "the name has no NUL");
+    slot1("session without NUL", offsetof(Call, pttSessionId), QByteArray(101, 's'),
           "the session id has no NUL");
-    slot2("uid of another slot", offsetof(Call, uid), "\x07", "uid 7 is that of slot 0 too");
+    slot1("uid of another slot", offsetof(Call, uid), QByteArray(1, 0), "uid 0 is that of slot 0 too");
 }
 
 void ZynphoneTest::inspectTellsDamage()
@@ -398,8 +389,7 @@ void ZynphoneTest::managesTheServicesCalls()
         return run(words("calls list") + words(selection)).output;
     };
     QTRY_COMPARE(run(words("calls list")).exitCode, 0);
-    QCOMPARE(run(words("calls last-dialed")).error,
-             QByteArray("zynphone calls last-dialed: no dialed call\n"));
+    QCOMPARE(run(words("calls last-dialed")).error, QByteArray("zynphone: no dialed call\n"));
 
     // An add is not acknowledged: each is waited for, so that the next gets the next uid.
     QCOMPARE(outputOf("calls add missed +49301 --name J\u00FCrgen --at 2024-03-01T12:00:00Z"),
@@ -417,8 +407,7 @@ void ZynphoneTest::managesTheServicesCalls()
     QCOMPARE(outputOf("calls list --type ptt1 --json"), QByteArray(json).replace("&", "\u00E9") + '\n');
     QCOMPARE(outputOf("calls last-dialed"), QByteArray("*#06#\n"));
 
-    QCOMPARE(run(words("calls delete 1 --list missed")).error,
-             QByteArray("zynphone calls delete: no such call: 1\n"));
+    QCOMPARE(run(words("calls delete 1 --list missed")).error, QByteArray("zynphone: no such call: 1\n"));
     QCOMPARE(outputOf("calls delete 1"), QByteArray("deleted\n"));
     QCOMPARE(outputOf("calls list"), titles + answered + missed);
     QCOMPARE(outputOf("calls clear all --type voice"), QByteArray("cleared\n"));

@@ -138,7 +138,7 @@ ExitCode runCommand(const Command& command, const QString& path, const QStringLi
     try {
         return runInvocation(command, path, Invocation(command, words), console);
     } catch (const CommandError& error) {
-        console.writeError(path + u": "_s + error.message());
+        console.writeError(u"zynphone: "_s + error.message());
         if (error.code() == Usage)
             console.writeError(u"Try '%1 --help'."_s.arg(path));
         return error.code();
@@ -150,8 +150,8 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
     bool ok = false;
     const int number = text.toInt(&ok);
     if (!ok || number < lowest || number > highest)
-        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(what, text, QString::number(lowest),
-                                                                           QString::number(highest)));
+        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(
+            what, text, QString::number(lowest), QString::number(highest)));
     return number;
 }
 
