@@ -1,6 +1,8 @@
 // Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
 #include "platform/posix/UnixSocket_p.h"
 
+#include "platform/posix/Retry_p.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
