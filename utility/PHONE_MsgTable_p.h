@@ -23,6 +23,7 @@ struct LogLine
 };
 
 /// One message type. A request has neither log lines nor signals: the client receives its own and ignores it.
+/// For constants only: the lists do not own what is in them.
 struct PhoneMessage
 {
     PHONE_Msg::PHONE_MSG_TYPE_T type;
