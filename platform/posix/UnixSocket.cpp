@@ -28,15 +28,20 @@ bool mayGoOn(int fd, short events, zyn::posix::Clock::time_point deadline)
     return (errno == EAGAIN || errno == EWOULDBLOCK) && zyn::posix::waitFor(fd, events, deadline);
 }
 
-iovec toIovec(std::span<const std::byte> bytes)
+/// Whether a transfer that failed with errno may succeed later. A kernel short of memory is one that is full.
+bool isPassing()
 {
-    // sendmsg only reads what an iovec names.
-    return {const_cast<std::byte*>(bytes.data()), bytes.size()};
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS || errno == ENOMEM;
 }
 
 } // namespace
 
 namespace zyn::posix {
+
+iovec toIovec(std::span<const std::byte> bytes)
+{
+    return {const_cast<std::byte*>(bytes.data()), bytes.size()};
+}
 
 UnixAddress unixAddress(const QByteArray& path)
 {
@@ -66,6 +71,32 @@ UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
     return fd;
 }
 
+UniqueFd connectUnixAtOnce(const QByteArray& path)
+{
+    UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    if (fd.isValid() && ::connect(fd.get(), address.get(), address.length) != 0) {
+        const int error = errno;
+        fd.reset();
+        errno = error;
+    }
+    return fd;
+}
+
+UniqueFd listenUnix(const QByteArray& path)
+{
+    UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    if (::bind(fd.get(), address.get(), address.length) != 0 || ::listen(fd.get(), SOMAXCONN) != 0)
+        return {};
+    return fd;
+}
+
+UniqueFd acceptUnix(int fd)
+{
+    return UniqueFd(retry([&] { return ::accept4(fd, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK); }));
+}
+
 bool isPeerTrusted(int fd)
 {
     ucred peer = {};
@@ -87,6 +118,28 @@ bool waitFor(int fd, short events, Clock::time_point deadline)
         if (Clock::now() >= deadline)
             return false;
     }
+}
+
+ssize_t sendSome(int fd, std::span<iovec> blocks)
+{
+    msghdr message = {};
+    message.msg_iov = blocks.data();
+    message.msg_iovlen = blocks.size();
+    const ssize_t n = retry([&] { return ::sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT); });
+    return n < 0 && isPassing() ? 0 : n;
+}
+
+ssize_t receiveSome(int fd, std::span<std::byte> buffer)
+{
+    const ssize_t n = retry([&] { return ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT); });
+    return n < 0 && !isPassing() ? 0 : n;
+}
+
+bool hasPeerClosed(int fd)
+{
+    std::byte byte;
+    const ssize_t n = retry([&] { return ::recv(fd, &byte, sizeof byte, MSG_DONTWAIT | MSG_PEEK); });
+    return n == 0 || (n < 0 && !isPassing());
 }
 
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline)
