@@ -1,0 +1,100 @@
+// A store directory and settings of a test's own, and the words in which tests speak of record files.
+#pragma once
+
+#include "platform/SETUP_SET_Manager.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+#include "recentcall/utility/RecentCall_Setup.h"
+#include "recentcall/utility/RecordFile_p.h"
+#include "utility/PHONE_Settings_p.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+/// Fresh directories named by ZYN_LOCAL_APP_WRITE_PATH and ZYN_APP_WRITE_PATH, and no singleton left from before.
+class StoreFixture
+{
+public:
+    StoreFixture()
+    {
+        qputenv("ZYN_LOCAL_APP_WRITE_PATH", QFile::encodeName(m_directory.path()));
+        qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_directory.path()));
+        forgetSingletons();
+    }
+    StoreFixture(const StoreFixture&) = delete;
+    StoreFixture& operator=(const StoreFixture&) = delete;
+    ~StoreFixture() { forgetSingletons(); }
+
+    QString path() const { return m_directory.path(); }
+    QString file(RC_CALL_CATEGORY_T category) const
+    {
+        return m_directory.path() + QLatin1String("/phone") + zyn::recordFileName(category);
+    }
+
+    QByteArray read(RC_CALL_CATEGORY_T category) const
+    {
+        QFile source(file(category));
+        return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
+    }
+    void write(RC_CALL_CATEGORY_T category, const QByteArray& bytes) const
+    {
+        QFile target(file(category));
+        if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size())
+            qFatal("cannot write %s", qPrintable(target.fileName()));
+    }
+    PHONE_ENG_RecentCall recordIn(RC_CALL_CATEGORY_T category, int slot) const
+    {
+        return zyn::recordAt(read(category), slot);
+    }
+
+    /// Sets the limits of the answered, missed and dialed lists; they hold from the next store on.
+    static void setLimits(int answered, int missed, int dialed)
+    {
+        SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
+        const QString group = QStringLiteral("RECENTCALL_SET");
+        settings.setSettingInfo(group, QStringLiteral("maxAnsweredCall"), answered);
+        settings.setSettingInfo(group, QStringLiteral("maxMissedCall"), missed);
+        settings.setSettingInfo(group, QStringLiteral("maxDialedCall"), dialed);
+        forgetSingletons();
+    }
+
+    static RecentCall_ENG_RecordStore& store() { return *RecentCall_ENG_RecordStore::instance(); }
+
+    /// What a new process knows: nothing of the files, and a uid counter at 0. Clears the files, too.
+    static void startAfresh() { store().clearAllData(); }
+
+    static PHONE_ENG_RecentCall call(RC_CALL_CATEGORY_T category, const char* number)
+    {
+        PHONE_ENG_RecentCall record(QLatin1String(number), QDateTime::fromSecsSinceEpoch(1'700'000'000), 60);
+        record.category = category;
+        record.inUse = 1;
+        return record;
+    }
+    /// Adds a call and gives its record with the uid and slot that it got; uid -1 when the store refused.
+    static PHONE_ENG_RecentCall add(RC_CALL_CATEGORY_T category, const char* number)
+    {
+        PHONE_ENG_RecentCall record = call(category, number);
+        if (!store().addItem(record))
+            record.uid = -1;
+        return record;
+    }
+    /// The uids of a list in the order in which the store gives them.
+    static QList<int> uids(RC_CALL_CATEGORY_T category)
+    {
+        QSortedList<PHONE_ENG_RecentCall> list;
+        list.setAutoDelete(true);
+        store().readDataList(list, category);
+        QList<int> result;
+        for (const PHONE_ENG_RecentCall* record : list)
+            result.append(record->uid);
+        return result;
+    }
+
+    static void forgetSingletons()
+    {
+        RecentCall_ENG_RecordStore::destroy();
+        RecentCall_Setup::destroy();
+    }
+
+private:
+    QTemporaryDir m_directory;
+};
