@@ -56,7 +56,7 @@ void ChannelSender::followEnvironment()
     ChannelEnvironment environment = ChannelEnvironment::current();
     if (environment == m_environment && !m_root.isNull())
         return;
-    endTurn();
+    drain(std::chrono::milliseconds::zero());
     m_channels.clear();
     m_root = environment.root();
     m_environment = std::move(environment);
@@ -65,14 +65,16 @@ void ChannelSender::followEnvironment()
 void ChannelSender::endTurnLater()
 {
     m_isTurnOpen = true;
-    // An event is delivered by every kind of loop, if need be by one that starts later. A loop that is left
-    // in this turn delivers none; its dispatcher then tells.
+    // Every kind of loop delivers an event, if need be one that starts later.
     QMetaObject::invokeMethod(this, &ChannelSender::endTurn, Qt::QueuedConnection);
+    // A loop that is left in this turn delivers none, and nothing tells of its end as such.
     if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
         dispatcher != m_dispatcher) {
         m_dispatcher = dispatcher;
         connect(dispatcher, &QAbstractEventDispatcher::awake, this, &ChannelSender::endTurn);
-        connect(qApp, &QCoreApplication::aboutToQuit, this, &ChannelSender::endTurn);
+        if (qApp)
+            connect(qApp, &QCoreApplication::aboutToQuit, this, &ChannelSender::endTurn,
+                    Qt::UniqueConnection);
     }
 }
 
