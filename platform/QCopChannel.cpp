@@ -1,30 +1,37 @@
-// Named message channels, within one process.
+// Named message channels between the handset's processes.
 #include "platform/QCopChannel.h"
 
-#include <QtCore/QList>
+#include "platform/qcop/ChannelDirectory_p.h"
+#include "platform/qcop/ChannelFrame_p.h"
+#include "platform/qcop/ChannelListener_p.h"
+#include "platform/qcop/ThreadSender_p.h"
 
 namespace {
 
-QList<QCopChannel*> s_listeners;
+/// The text up to its first NUL, which is all that a name has.
+QCString nameOf(const QCString& text)
+{
+    return text.contains('\0') ? QCString(text.constData()) : text;
+}
 
 } // namespace
 
 QCopChannel::QCopChannel(const QCString& channel, QObject* parent, const char* name)
     : QObject(parent)
-    , m_channel(channel)
+    , m_channel(nameOf(channel))
+    , m_listener(std::make_unique<zyn::ChannelListener>(m_channel, *this))
 {
     setObjectName(QString::fromLatin1(name));
-    s_listeners.append(this);
 }
 
-QCopChannel::~QCopChannel()
-{
-    s_listeners.removeOne(this);
-}
+QCopChannel::~QCopChannel() = default;
 
-QCString QCopChannel::channel() const
+bool QCopChannel::send(const QCString& channel, const QCString& message, const QByteArray& data)
 {
-    return m_channel;
+    const QCString channelName = nameOf(channel);
+    const QCString messageName = nameOf(message);
+    const zyn::ChannelFrame frame(messageName, data);
+    return !channelName.isEmpty() && frame.isValid() && zyn::sendFromThisThread(channelName, frame);
 }
 
 bool QCopChannel::send(const QCString& channel, const QCString& message)
@@ -32,16 +39,9 @@ bool QCopChannel::send(const QCString& channel, const QCString& message)
     return send(channel, message, QByteArray());
 }
 
-bool QCopChannel::send(const QCString& channel, const QCString& message, const QByteArray& data)
+QList<QCString> QCopChannel::channels()
 {
-    if (channel.isEmpty() || message.isEmpty())
-        return false;
-    for (QCopChannel* listener : std::as_const(s_listeners)) {
-        if (listener->m_channel == channel)
-            QMetaObject::invokeMethod(
-                listener, [=] { listener->receive(message, data); }, Qt::QueuedConnection);
-    }
-    return true;
+    return zyn::ChannelDirectory::channels(zyn::ChannelEnvironment::current().root());
 }
 
 void QCopChannel::receive(const QCString& message, const QByteArray& data)

@@ -16,19 +16,19 @@ PHONE_Msg::PHONE_Msg(QObject* parent, const char* name)
 
 PHONE_Msg::~PHONE_Msg() = default;
 
-QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type) const
+QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type)
 {
     return zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
 }
 
-bool PHONE_Msg::send(PHONE_MSG_TYPE_T type) const
+bool PHONE_Msg::send(PHONE_MSG_TYPE_T type)
 {
     PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
     const QCString name = getMsg(type);
     return !name.isEmpty() && QCopChannel::send(zyn::kPhoneChannel, name);
 }
 
-bool PHONE_Msg::send(PHONE_MSG_TYPE_T type, const QByteArray& data) const
+bool PHONE_Msg::send(PHONE_MSG_TYPE_T type, const QByteArray& data)
 {
     PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
     const QCString name = getMsg(type);

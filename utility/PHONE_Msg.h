@@ -79,11 +79,11 @@ public:
     ~PHONE_Msg() override;
 
     /// "PHONE_MSG_" and the number of @p type; an empty, not null, name for a type outside 0 to 54.
-    QCString getMsg(PHONE_MSG_TYPE_T type) const;
+    QCString getMsg(PHONE_MSG_TYPE_T type);
 
     /// Sends the message of @p type without a payload; false when it could not be handed on, or has no name.
-    bool send(PHONE_MSG_TYPE_T type) const;
+    bool send(PHONE_MSG_TYPE_T type);
     /// Sends the message of @p type with @p data as it is; false when it could not be handed on, or has no
     /// name.
-    bool send(PHONE_MSG_TYPE_T type, const QByteArray& data) const;
+    bool send(PHONE_MSG_TYPE_T type, const QByteArray& data);
 };

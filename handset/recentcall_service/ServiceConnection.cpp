@@ -6,7 +6,6 @@
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <iterator>
 
@@ -66,9 +65,9 @@ void ServiceConnection::serve()
 {
     for (int read = 0; read < kReadsPerTurn && isListening(); ++read) {
         const ssize_t n = posix::receiveSome(m_socket.get(), std::span(m_received).subspan(m_receivedSize));
-        if (n < 0 && errno == EAGAIN)
+        if (n < 0)
             return;
-        if (n <= 0) {
+        if (n == 0) {
             if (m_receivedSize > 0)
                 refuse(QStringLiteral("closed in the middle of a command"));
             end();
@@ -178,10 +177,10 @@ void ServiceConnection::answer(rc::Status status, const QByteArray& data)
 void ServiceConnection::sendAnswer()
 {
     while (!m_answer.isEmpty()) {
-        const auto left =
-            std::as_bytes(std::span(m_answer.constData(), static_cast<size_t>(m_answer.size())));
-        const ssize_t n = posix::sendSome(m_socket.get(), left);
-        if (n < 0 && errno == EAGAIN)
+        const auto left = std::span(m_answer.constData(), static_cast<size_t>(m_answer.size()));
+        std::array blocks{posix::toIovec(std::as_bytes(left))};
+        const ssize_t n = posix::sendSome(m_socket.get(), blocks);
+        if (n == 0)
             break;
         // A client that is gone may have sent more before it went: only its answer goes with it.
         if (n < 0)
