@@ -29,7 +29,7 @@ private Q_SLOTS:
 
 void tst_PHONE_Msg::namesTheTypes()
 {
-    const PHONE_Msg message(nullptr, "it");
+    PHONE_Msg message(nullptr, "it");
     QCOMPARE(message.objectName(), QStringLiteral("it"));
     QCOMPARE(message.metaObject()->className(), "QCopChannel");
     QCOMPARE(message.getMsg(type(0)), "PHONE_MSG_0");
