@@ -7,20 +7,27 @@
 
 namespace zyn::handset {
 
-/// One state: its key in the group kGroup, and what it stands for. Each is a number, 0 when it is not set.
+/// One state: its key in the group kGroup, its name for people, and what it stands for. Each is a number, 0
+/// when it is not set.
 struct State
 {
     const char* key;
+    const char* name;
     const char* meaning;
 };
 
 inline constexpr char kGroup[] = "Handset";
 
-inline constexpr State kSimCard{"SimCardStatus", "state of the SIM card; 0 and 3 allow the PIN control codes"};
-inline constexpr State kKeypadLock{"KeypadLockStatus", "state of the keypad lock; 0 allows the code that shows the IMEI"};
-inline constexpr State kPhoneSystem{"PhoneSystemStatus", "state of the phone system; 0 lets the telephony API be asked"};
-inline constexpr State kFixedDialing{"FixedDialingStatus", "what the telephony API tells of fixed dialing; 1 is enabled"};
-inline constexpr State kFixedDialingError{"FixedDialingError", "error of that question; 0 is success"};
+inline constexpr State kSimCard{"SimCardStatus", "sim-card",
+                                "state of the SIM card; 0 and 3 allow the PIN control codes"};
+inline constexpr State kKeypadLock{"KeypadLockStatus", "keypad-lock",
+                                   "state of the keypad lock; 0 allows the code that shows the IMEI"};
+inline constexpr State kPhoneSystem{"PhoneSystemStatus", "phone-system",
+                                    "state of the phone system; 0 lets the telephony API be asked"};
+inline constexpr State kFixedDialing{"FixedDialingStatus", "fixed-dialing",
+                                     "what the telephony API tells of fixed dialing; 1 is enabled"};
+inline constexpr State kFixedDialingError{"FixedDialingError", "fixed-dialing-error",
+                                          "error of that question; 0 is success"};
 
 inline constexpr std::array kStates{kSimCard, kKeypadLock, kPhoneSystem, kFixedDialing, kFixedDialingError};
 

@@ -204,6 +204,7 @@ void tst_RecentCall_ENG_RecordStore::losesNoCallWhenProcessesStartTogether()
 {
     QFETCH(const QByteArray, bytes);
     constexpr int kRounds = 300;
+    constexpr unsigned int kPatience = 60; // a process that is left alone at the barrier goes, in seconds
     QList<StoreFixture*> rounds;
     for (int round = 0; round < kRounds; ++round) {
         rounds.append(new StoreFixture);
@@ -217,6 +218,7 @@ void tst_RecentCall_ENG_RecordStore::losesNoCallWhenProcessesStartTogether()
     for (const auto category : {kAnswered, kMissed}) {
         if (::fork() != 0)
             continue;
+        ::alarm(kPatience);
         int added = 0;
         for (const StoreFixture* round : std::as_const(rounds)) {
             qputenv("ZYN_LOCAL_APP_WRITE_PATH", QFile::encodeName(round->path()));

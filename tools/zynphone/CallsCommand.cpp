@@ -1,0 +1,190 @@
+// zynphone calls: the log of recent calls.
+#include "tools/zynphone/CallsCommand.h"
+
+#include "platform/posix/UnixSocket_p.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "tools/zynphone/CallInput.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Call = PHONE_ENG_RecentCall;
+
+constexpr std::chrono::seconds kProbeTimeout{1};
+constexpr int kNoSuchCall = 1; // of RC_Interface
+
+/// Why a request failed; the library's result does not tell.
+CommandError serviceError()
+{
+    const QString path = RecentCall_dataDir() + QLatin1String(zyn::recentcall::kSocketName);
+    const zyn::posix::UniqueFd probe = zyn::posix::connectUnix(QFile::encodeName(path), kProbeTimeout);
+    if (!probe.isValid())
+        return failure(u"no recent-call service at %1"_s.arg(path));
+    if (!zyn::posix::isPeerTrusted(probe.get()))
+        return failure(u"the recent-call service at %1 belongs to another user"_s.arg(path));
+    return failure(u"the recent-call service at %1 could not do it"_s.arg(path));
+}
+
+/// @p word as a list, or as all of them; all of them where it was not given.
+RC_CALL_CATEGORY_T listFrom(const QString& word)
+{
+    return word.isNull() ? RC_CALL_CATEGORY_ALL : wordNamed(kListsOrAll, word, u"list"_s).value;
+}
+
+/// The call types that --type selects.
+std::span<const TypeWord> typesFrom(const Invocation& call)
+{
+    const QString word = call.value(u"type"_s);
+    if (!call.isSet(u"type"_s) || word == "all"_L1)
+        return kTypes;
+    return {&wordNamed(kTypes, word, u"type"_s), 1};
+}
+
+/// The calls of @p types in @p list, newest first.
+std::vector<Call> fetch(RC_CALL_CATEGORY_T list, std::span<const TypeWord> types)
+{
+    std::vector<Call> calls;
+    for (const TypeWord& type : types) {
+        QPtrList<RC_RecordInterface> records;
+        if (RC_Interface().getRecordList(records, list, type.value) != 0)
+            throw serviceError();
+        for (const RC_RecordInterface* record : records)
+            calls.push_back(*static_cast<const RC_RecordInterfaceImpl*>(record)->getData());
+    }
+    std::ranges::stable_sort(calls, [](const Call& left, const Call& right) { return left < right; });
+    return calls;
+}
+
+ExitCode listCalls(const Invocation& call, Console& console)
+{
+    const std::vector<Call> calls = fetch(listFrom(call.argument(0)), typesFrom(call));
+    printTable(console, Table(callColumns(), calls), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode addCall(const Invocation& call, Console& console)
+{
+    const RC_RecordInterfaceImpl record(new Call(callFrom(call)));
+    if (RC_Interface().addRecord(record) != 0)
+        throw serviceError();
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+ExitCode deleteCall(const Invocation& call, Console& console)
+{
+    const int uid = wholeNumber(call.argument(0), u"UID"_s);
+    const QString list = call.isSet(u"list"_s) ? call.value(u"list"_s) : QString();
+    std::vector<Call> found = fetch(listFrom(list), kTypes);
+    std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
+    if (found.size() > 1 && list.isNull())
+        throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
+    int result = kNoSuchCall;
+    if (!found.empty())
+        result = RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new Call(found.front())));
+    if (result == kNoSuchCall)
+        throw failure(u"no such call: %1"_s.arg(uid));
+    if (result != 0)
+        throw serviceError();
+    console.write(u"deleted\n"_s);
+    return Done;
+}
+
+ExitCode clearCalls(const Invocation& call, Console& console)
+{
+    const RC_CALL_CATEGORY_T list = listFrom(call.argument(0));
+    for (const TypeWord& type : typesFrom(call)) {
+        const int result = RC_Interface().deleteRecordAll(list, type.value);
+        // Nothing to delete is what was asked for.
+        if (result != 0 && result != kNoSuchCall)
+            throw serviceError();
+    }
+    console.write(u"cleared\n"_s);
+    return Done;
+}
+
+ExitCode showLastDialed(const Invocation& /*call*/, Console& console)
+{
+    QString number;
+    if (!RC_Interface().getLastDialedNumber(number))
+        throw failure(u"no dialed call"_s);
+    console.write(printable(number) + u'\n');
+    return Done;
+}
+
+QCommandLineOption typeFilter(const QString& meaning)
+{
+    return valueOption(u"type"_s, u"TYPE"_s, meaning);
+}
+
+Command listRow()
+{
+    return {
+        .name = u"list"_s,
+        .summary = u"List calls, newest first"_s,
+        .details =
+            u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
+                fieldNames(callColumns())),
+        .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
+        .options = {typeFilter(u"voice, ptt1, ptt2 or all (the default)"_s), jsonOption()},
+        .run = listCalls};
+}
+
+Command addRow()
+{
+    return {.name = u"add"_s,
+            .summary = u"Send a call to the recent-call service, which does not say whether it keeps it"_s,
+            .arguments = callArguments(),
+            .options = callOptions(),
+            .run = addCall};
+}
+
+Command deleteRow()
+{
+    return {
+        .name = u"delete"_s,
+        .summary = u"Delete one call"_s,
+        .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
+        .options = {valueOption(u"list"_s, u"LIST"_s, u"answered, missed, dialed or all (the default)"_s)},
+        .run = deleteCall};
+}
+
+Command clearRow()
+{
+    return {.name = u"clear"_s,
+            .summary = u"Delete all calls of a list"_s,
+            .arguments = {{u"LIST"_s, u"answered, missed, dialed or all"_s}},
+            .options = {typeFilter(u"only voice, ptt1 or ptt2; all by default"_s)},
+            .run = clearCalls};
+}
+
+Command lastDialedRow()
+{
+    return {.name = u"last-dialed"_s,
+            .summary = u"Show the number dialed last, read from the file without the service"_s,
+            .run = showLastDialed};
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command callsCommand()
+{
+    return {.name = u"calls"_s,
+            .summary = u"The log of recent calls"_s,
+            .verbs = {listRow(), addRow(), deleteRow(), clearRow(), lastDialedRow()}};
+}
+
+} // namespace zyn::tool

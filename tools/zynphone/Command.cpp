@@ -1,0 +1,158 @@
+// The verbs of the tool: what a row of the verb table holds, and how it is found and run.
+#include "tools/zynphone/Command.h"
+
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Help.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// Marks a negative number, which the parser would take for options. No word of a command line holds this
+/// character.
+constexpr QChar kNumberMark(QChar::Null);
+
+QStringList marked(QStringList words)
+{
+    for (QString& word : words) {
+        if (word.size() > 1 && word[0] == u'-' && word[1].isDigit())
+            word.prepend(kNumberMark);
+    }
+    return words;
+}
+
+QString unmarked(QString word)
+{
+    return word.remove(kNumberMark);
+}
+
+QString parseError(const QCommandLineParser& parser)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (!unknown.isEmpty())
+        return u"unknown option '%1%2'"_s.arg(unknown.first().size() == 1 ? "-"_L1 : "--"_L1,
+                                              unknown.first());
+    QString text = parser.errorText();
+    text.front() = text.front().toLower();
+    return text.chopped(1);
+}
+
+void checkArguments(const Command& command, const QStringList& given)
+{
+    qsizetype place = 0;
+    for (const Argument& argument : command.arguments) {
+        if (place >= given.size() && argument.count != Argument::Optional)
+            throw usageError(u"missing argument %1"_s.arg(argument.name));
+        place = argument.count == Argument::Many ? given.size() : place + 1;
+    }
+    if (place < given.size())
+        throw usageError(u"superfluous argument '%1'"_s.arg(given[place]));
+}
+
+const Command& findVerb(const Command& group, const QStringList& given)
+{
+    if (given.isEmpty())
+        throw usageError(u"missing verb"_s);
+    const auto found = std::ranges::find(group.verbs, given.first(), &Command::name);
+    if (found == group.verbs.end())
+        throw usageError(u"unknown verb '%1'"_s.arg(given.first()));
+    return *found;
+}
+
+ExitCode runInvocation(const Command& command, const QString& path, const Invocation& call, Console& console)
+{
+    if (call.isSet(u"trace"_s))
+        console.showTrace();
+    if (call.isSet(u"help"_s)) {
+        console.write(helpText(command, path));
+        return Done;
+    }
+    if (call.isSet(u"version"_s)) {
+        console.write(u"zynphone %1\n"_s.arg(QCoreApplication::applicationVersion()));
+        return Done;
+    }
+    if (command.run) {
+        checkArguments(command, call.arguments());
+        return command.run(call, console);
+    }
+    const Command& verb = findVerb(command, call.arguments());
+    return runCommand(verb, path + u' ' + verb.name, call.arguments().mid(1), console);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Invocation::Invocation(const Command& command, const QStringList& words)
+{
+    m_parser.addOptions(command.options + commonOptions());
+    // The options behind a group's verb are that verb's.
+    if (!command.run)
+        m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    if (!m_parser.parse(QStringList{command.name} + marked(words)))
+        throw usageError(parseError(m_parser));
+}
+
+QStringList Invocation::arguments() const
+{
+    QStringList given = m_parser.positionalArguments();
+    std::ranges::transform(given, given.begin(), unmarked);
+    return given;
+}
+
+QString Invocation::value(const QString& option) const
+{
+    return unmarked(m_parser.value(option));
+}
+
+QList<QCommandLineOption> commonOptions()
+{
+    return {flagOption(u"trace"_s, u"show the library's trace text on standard error"_s),
+            QCommandLineOption({u"help"_s, u"h"_s}, u"show this help"_s),
+            flagOption(u"version"_s, u"show the version"_s)};
+}
+
+QCommandLineOption flagOption(const QString& name, const QString& meaning)
+{
+    return QCommandLineOption(name, meaning);
+}
+
+QCommandLineOption valueOption(const QString& name, const QString& valueName, const QString& meaning)
+{
+    return QCommandLineOption(name, meaning, valueName);
+}
+
+QCommandLineOption jsonOption()
+{
+    return flagOption(u"json"_s, u"write JSON, for programs"_s);
+}
+
+ExitCode runCommand(const Command& command, const QString& path, const QStringList& words, Console& console)
+{
+    try {
+        return runInvocation(command, path, Invocation(command, words), console);
+    } catch (const CommandError& error) {
+        console.writeError(u"zynphone: "_s + error.message());
+        if (error.code() == Usage)
+            console.writeError(u"Try '%1 --help'."_s.arg(path));
+        return error.code();
+    }
+}
+
+int wholeNumber(const QString& text, const QString& what, int lowest, int highest)
+{
+    bool ok = false;
+    const int number = text.toInt(&ok);
+    if (!ok || number < lowest || number > highest)
+        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(
+            what, text, QString::number(lowest), QString::number(highest)));
+    return number;
+}
+
+} // namespace zyn::tool

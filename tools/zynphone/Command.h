@@ -1,0 +1,80 @@
+// The verbs of the tool: what a row of the verb table holds, and how it is found and run.
+#pragma once
+
+#include "tools/zynphone/ExitCode.h"
+
+#include <QtCore/QCommandLineOption>
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <limits>
+#include <vector>
+
+namespace zyn::tool {
+
+class Console;
+struct Command;
+
+/// What a verb takes besides its options.
+struct Argument
+{
+    enum Count {
+        One,
+        Optional,
+        Many, ///< one or more; the last of a verb's arguments
+    };
+
+    QString name; ///< as help and errors write it
+    QString meaning;
+    Count count = One;
+};
+
+/// The words given to a verb, told apart into arguments and options.
+class Invocation
+{
+public:
+    /// Throws when @p words hold an option that @p command does not have, or miss an option's value.
+    Invocation(const Command& command, const QStringList& words);
+
+    QStringList arguments() const;
+    /// The argument at @p index; null when it was not given.
+    QString argument(qsizetype index) const { return arguments().value(index); }
+    bool isSet(const QString& option) const { return m_parser.isSet(option); }
+    QString value(const QString& option) const;
+
+private:
+    QCommandLineParser m_parser;
+};
+
+/// One verb: a group of further verbs, or one that runs. Every level of help is made from these rows.
+struct Command
+{
+    QString name;
+    QString summary;                 ///< one sentence
+    QString details = {};            ///< further lines of the help
+    std::vector<Command> verbs = {}; ///< of a group
+    std::vector<Argument> arguments = {};
+    QList<QCommandLineOption> options = {};
+    ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a group
+};
+
+/// The options that every verb has.
+QList<QCommandLineOption> commonOptions();
+
+QCommandLineOption flagOption(const QString& name, const QString& meaning);
+QCommandLineOption valueOption(const QString& name, const QString& valueName, const QString& meaning);
+/// The option of every listing.
+QCommandLineOption jsonOption();
+
+/// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the
+/// console.
+ExitCode runCommand(const Command& command, const QString& path, const QStringList& words, Console& console);
+
+/// The whole number that @p text stands for; a usage error that names @p what when it is none or out of
+/// range.
+int wholeNumber(const QString& text, const QString& what, int lowest = std::numeric_limits<int>::min(),
+                int highest = std::numeric_limits<int>::max());
+
+} // namespace zyn::tool

@@ -1,0 +1,104 @@
+// zynphone inspect: what a file of the store holds, and whether it is sound.
+#include "tools/zynphone/InspectCommand.h"
+
+#include "platform/posix/File_p.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/RecordFileCheck.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+constexpr qsizetype kSizeLimit = 16 * 1024 * 1024;
+
+/// The kinds of file, told by their name or, where a file has been given another one, by header and size.
+constexpr FileKind kKinds[] = {kRecordFileKind};
+
+const FileKind& kindOf(const QString& path, const QString& name, const QByteArray& image)
+{
+    auto kind =
+        std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isNamed(name); });
+    if (kind == std::end(kKinds))
+        kind = std::ranges::find_if(kKinds,
+                                    [&](const FileKind& candidate) { return candidate.isShaped(image); });
+    if (kind == std::end(kKinds))
+        throw failure(
+            u"%1: neither its name nor its header and size are those of a file of the store"_s.arg(path));
+    return *kind;
+}
+
+QByteArray readFile(const QString& path)
+{
+    const std::optional<QByteArray> image = zyn::posix::readWhole(path, kSizeLimit);
+    if (image)
+        return *image;
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw failure(u"%1: no such file"_s.arg(path));
+    if (!info.isFile())
+        throw failure(u"%1: not a regular file"_s.arg(path));
+    if (info.size() > kSizeLimit)
+        throw failure(u"%1: too long for a file of the store"_s.arg(path));
+    throw failure(u"%1: cannot be read"_s.arg(path));
+}
+
+QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileFindings& findings)
+{
+    return {{u"file"_s, path},
+            {u"kind"_s, findings.kind},
+            {u"size"_s, image.size()},
+            {u"sound"_s, findings.isSound()},
+            {u"problems"_s, QJsonArray::fromStringList(findings.problems)},
+            {u"slots"_s, findings.usedSlots.json()}};
+}
+
+QString textReport(const QString& path, const FileFindings& findings)
+{
+    const QString verdict = findings.isSound() ? u"sound"_s : u"not sound"_s;
+    QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), findings.kind,
+                                                     QString::number(findings.usedSlots.count()), verdict)};
+    for (const QString& problem : findings.problems)
+        lines += u"  "_s + problem;
+    const QString report = lines.join(u'\n') + u'\n';
+    return findings.usedSlots.isEmpty() ? report : report + findings.usedSlots.text();
+}
+
+ExitCode inspect(const Invocation& call, Console& console)
+{
+    const QString path = call.argument(0);
+    const QByteArray image = readFile(path);
+    const QString name = QFileInfo(path).fileName();
+    const FileFindings findings = kindOf(path, name, image).check(name, image);
+    if (call.isSet(u"json"_s))
+        console.write(QJsonDocument(jsonReport(path, image, findings)));
+    else
+        console.write(textReport(path, findings));
+    return findings.isSound() ? Done : Failed;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command inspectCommand()
+{
+    return {
+        .name = u"inspect"_s,
+        .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
+        .details =
+            u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
+            "objects with the fields of 'calls list' and slot, the place in the file.\n"_s,
+        .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d, or a copy of one"_s}},
+        .options = {jsonOption()},
+        .run = inspect};
+}
+
+} // namespace zyn::tool

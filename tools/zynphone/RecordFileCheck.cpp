@@ -1,0 +1,130 @@
+// Checks the record file of a list of calls.
+#include "tools/zynphone/RecordFileCheck.h"
+
+#include "recentcall/utility/RecordFile_p.h"
+#include "tools/zynphone/CallText.h"
+
+#include <QtCore/QHash>
+
+#include <algorithm>
+#include <span>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Call = PHONE_ENG_RecentCall;
+
+/// The list whose file has the name @p name.
+RC_CALL_CATEGORY_T listNamed(const QString& name)
+{
+    const auto found = std::ranges::find_if(zyn::kRecordLists, [&](RC_CALL_CATEGORY_T list) {
+        return name == zyn::recordFileName(list).sliced(1);
+    });
+    return found == std::end(zyn::kRecordLists) ? RC_CALL_CATEGORY_NONE : *found;
+}
+
+QStringList headerProblems(const QByteArray& image)
+{
+    zyn::StoreFileHeader header{0, 0};
+    if (image.size() < qsizetype{sizeof header})
+        return {u"the header is cut short"_s};
+    std::memcpy(&header, image.constData(), sizeof header);
+    QStringList problems;
+    if (header.magic != header.kMagic)
+        problems += u"the magic is 0x%1, not 0x%2"_s.arg(header.magic, 8, 16, QLatin1Char('0'))
+                        .arg(header.kMagic, 8, 16, QLatin1Char('0'));
+    if (header.version != header.kVersion)
+        problems += u"the version is %1, not %2"_s.arg(header.version).arg(header.kVersion);
+    return problems;
+}
+
+bool isTerminated(std::span<const char> field)
+{
+    return std::ranges::find(field, '\0') != field.end();
+}
+
+/// What is wrong with the record in @p place of the file of @p list, seen alone.
+QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T list)
+{
+    QStringList problems;
+    if (record.inUse != 1)
+        problems += u"the in-use byte is %1, not 0 or 1"_s.arg(int{record.inUse});
+    if (record.slot != place)
+        problems += u"the record names slot %1"_s.arg(record.slot);
+    if (list != RC_CALL_CATEGORY_NONE && record.category != list)
+        problems += u"the category is %1"_s.arg(categoryWord(record.category));
+    if (!isTerminated(record.phoneNumber))
+        problems += u"the number has no NUL"_s;
+    if (!isTerminated(record.displayName))
+        problems += u"the name has no NUL"_s;
+    if (!isTerminated(record.pttSessionId))
+        problems += u"the session id has no NUL"_s;
+    return problems;
+}
+
+/// Looks at the slots one after the other.
+class SlotCheck
+{
+public:
+    explicit SlotCheck(RC_CALL_CATEGORY_T list)
+        : m_list(list)
+    {}
+
+    void look(const Call& record, int place)
+    {
+        for (const QString& problem : recordProblems(record, place, m_list))
+            report(place, problem);
+        if (const auto other = m_placeOfUid.constFind(record.uid); other != m_placeOfUid.cend())
+            report(place, u"uid %1 is that of slot %2 too"_s.arg(record.uid).arg(*other));
+        else
+            m_placeOfUid.insert(record.uid, place);
+        m_records.push_back(record);
+        m_records.back().slot = place;
+    }
+
+    const QStringList& problems() const { return m_problems; }
+    Table table() const { return Table(slotColumns(), m_records); }
+
+private:
+    void report(int place, const QString& problem) { m_problems += u"slot %1: %2"_s.arg(place).arg(problem); }
+
+    RC_CALL_CATEGORY_T m_list;
+    QHash<int32_t, int> m_placeOfUid;
+    QStringList m_problems;
+    std::vector<Call> m_records;
+};
+
+} // namespace
+
+namespace zyn::tool {
+
+bool isRecordFileName(const QString& name)
+{
+    return listNamed(name) != RC_CALL_CATEGORY_NONE;
+}
+
+bool isRecordFileImage(const QByteArray& image)
+{
+    return image.size() == kRecordFileSize && hasValidHeader(image);
+}
+
+FileFindings checkRecordFile(const QString& name, const QByteArray& image)
+{
+    const RC_CALL_CATEGORY_T list = listNamed(name);
+    QStringList problems = headerProblems(image);
+    const int places = problems.isEmpty() ? std::min(recordCount(image), kRecordSlots) : 0;
+    if (image.size() != kRecordFileSize)
+        problems += u"the size is %1 bytes, not %2"_s.arg(image.size()).arg(kRecordFileSize);
+    SlotCheck check(list);
+    for (int place = 0; place < places; ++place) {
+        if (isRecordInUse(image, place))
+            check.look(recordAt(image, place), place);
+    }
+    const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
+    return {kind, problems + check.problems(), check.table()};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,21 @@
+// Checks the record file of a list of calls.
+#pragma once
+
+#include "tools/zynphone/FileKind.h"
+
+namespace zyn::tool {
+
+bool isRecordFileName(const QString& name);
+bool isRecordFileImage(const QByteArray& image);
+
+/**
+ * Checks header, size and every slot in use.
+ *
+ * The list that the calls must belong to is that of the file's name; a file of another name may hold any. The
+ * slots of a file with a wrong header are not looked at, as they may be anything.
+ */
+FileFindings checkRecordFile(const QString& name, const QByteArray& image);
+
+inline constexpr FileKind kRecordFileKind{isRecordFileName, isRecordFileImage, checkRecordFile};
+
+} // namespace zyn::tool

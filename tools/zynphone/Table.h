@@ -1,0 +1,86 @@
+// Rows of values, as aligned columns for people and as JSON for programs.
+#pragma once
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+#include <QtCore/QJsonValue>
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace zyn::tool {
+
+class Console;
+
+/// One column of rows of type Row.
+template<typename Row>
+struct Column
+{
+    const char* key;   ///< the field's name in JSON, in lower camel case; never changed once published
+    const char* title; ///< for people; null where the column is for programs only
+    QJsonValue (*value)(const Row&);
+    QString (*text)(const Row&) = nullptr; ///< what people read; the value itself where null
+};
+
+/// The lines of @p rows, their cells aligned two blanks apart.
+QString alignedLines(const QList<QStringList>& rows);
+
+class Table
+{
+public:
+    /// @p rows as @p columns show them; both are ranges.
+    template<typename Columns, typename Rows>
+    Table(const Columns& columns, const Rows& rows)
+    {
+        for (const auto& column : columns) {
+            if (column.title)
+                m_titles += QLatin1String(column.title);
+        }
+        for (const auto& row : rows) {
+            QStringList cells;
+            QJsonObject object;
+            for (const auto& column : columns) {
+                const QJsonValue value = column.value(row);
+                object.insert(QLatin1String(column.key), value);
+                if (column.title)
+                    cells += column.text ? column.text(row) : plainText(value);
+            }
+            m_rows += cells;
+            m_objects += object;
+        }
+    }
+
+    bool isEmpty() const { return m_objects.isEmpty(); }
+    qsizetype count() const { return m_objects.size(); }
+
+    /// A line of titles, then a line for each row.
+    QString text() const;
+    /// The first row as one line a column: title and value.
+    QString sheet() const;
+    /// One object for each row.
+    const QJsonArray& json() const { return m_objects; }
+
+private:
+    static QString plainText(const QJsonValue& value);
+
+    QStringList m_titles;
+    QList<QStringList> m_rows;
+    QJsonArray m_objects;
+};
+
+/// Writes @p table, for programs when @p json is set.
+void printTable(Console& console, const Table& table, bool json);
+/// Writes the first row of @p table as a sheet, for programs when @p json is set.
+void printSheet(Console& console, const Table& table, bool json);
+
+/// The JSON field names of @p columns, as a help text lists them.
+template<typename Columns>
+QString fieldNames(const Columns& columns)
+{
+    QStringList names;
+    for (const auto& column : columns)
+        names += QLatin1String(column.key);
+    return names.join(QLatin1String(", "));
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,35 @@
+// zynphone: the handset's phone library on the command line, for people who develop applications.
+#include "tools/zynphone/CallsCommand.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/HandsetCommand.h"
+#include "tools/zynphone/InspectCommand.h"
+#include "tools/zynphone/SettingsCommand.h"
+
+#include <QtCore/QCoreApplication>
+
+using namespace Qt::StringLiterals;
+using namespace zyn::tool;
+
+namespace {
+
+Command zynphoneCommand()
+{
+    return {.name = u"zynphone"_s,
+            .summary = u"Look at the phone library's data and services, and change them"_s,
+            .verbs = {callsCommand(), settingsCommand(), handsetCommand(), inspectCommand()}};
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Console console;
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    const Command tool = zynphoneCommand();
+    const ExitCode code = runCommand(tool, tool.name, application.arguments().mid(1), console);
+    if (console.isSound())
+        return code;
+    console.writeError(u"zynphone: cannot write to standard output"_s);
+    return Failed;
+}
