@@ -182,7 +182,7 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
 {
     if (!fitsOneLine(group) || !isKey(key) || !fitsOneLine(value))
         return false;
-    if (m_path.isEmpty() || m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
+    if (m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
         return false;
     const QString path = resolved(m_path);
     QLockFile lock(path + QLatin1String(".lock"));
