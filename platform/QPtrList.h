@@ -3,6 +3,8 @@
 
 #include <QtCore/QList>
 
+#include <utility>
+
 /**
  * A list of pointers to T.
  *
@@ -98,8 +100,9 @@ public:
         dispose(take(index));
         return true;
     }
-    bool remove(const T* item) { return remove(findRef(item)); }
-    bool removeFirst() { return remove(qsizetype{0}); }
+    /// Does so with @p item, compared as a pointer.
+    bool removeRef(const T* item) { return remove(findRef(item)); }
+    bool removeFirst() { return remove(0); }
     bool removeLast() { return remove(m_items.size() - 1); }
     void clear()
     {

@@ -6,26 +6,32 @@
 
 namespace {
 
+/// @p text without the blanks around it; nothing when it holds a NUL, at which a conversion would end too early.
+QByteArray word(const QByteArray& text)
+{
+    return text.contains('\0') ? QByteArray() : text.trimmed();
+}
+
 std::optional<int> toInt(const QByteArray& text)
 {
     bool ok = false;
-    const int number = text.trimmed().toInt(&ok);
+    const int number = word(text).toInt(&ok);
     return ok ? std::optional(number) : std::nullopt;
 }
 
 std::optional<unsigned int> toUInt(const QByteArray& text)
 {
     bool ok = false;
-    const unsigned int number = text.trimmed().toUInt(&ok);
+    const unsigned int number = word(text).toUInt(&ok);
     return ok ? std::optional(number) : std::nullopt;
 }
 
 std::optional<bool> toBool(const QByteArray& text)
 {
-    const QByteArray word = text.trimmed();
-    if (word == "true" || word == "1")
+    const QByteArray flag = word(text);
+    if (flag == "true" || flag == "1")
         return true;
-    if (word == "false" || word == "0")
+    if (flag == "false" || flag == "0")
         return false;
     return std::nullopt;
 }

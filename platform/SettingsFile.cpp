@@ -3,17 +3,24 @@
 
 #include "platform/posix/File_p.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLockFile>
 #include <QtCore/QSaveFile>
+#include <QtCore/QThread>
 
 #include <chrono>
+#include <tuple>
 
 namespace {
 
 constexpr qsizetype kSizeLimit = 1024 * 1024;
 constexpr std::chrono::milliseconds kLockTimeout{5000};
+constexpr std::chrono::milliseconds kLockPause{2};
+/// From this age on a lock file is taken away unless the kernel's lock on it shows that its holder lives. Nothing else
+/// tells of a holder that was killed before it had written its number, or that nobody has waited for yet.
+constexpr std::chrono::milliseconds kOldLock{2000};
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 struct Line
@@ -30,10 +37,13 @@ Line parse(QByteArrayView text)
     if (text.endsWith('\r'))
         text.chop(1);
     const QByteArrayView trimmed = text.trimmed();
-    if (trimmed.isEmpty() || trimmed.front() == '#' || trimmed.front() == ';' || !text.isValidUtf8())
+    if (trimmed.isEmpty() || trimmed.front() == '#' || trimmed.front() == ';')
         return {};
+    // One that is not UTF-8 is a group all the same: its entries are not those of the group before it.
     if (trimmed.front() == '[' && trimmed.back() == ']')
         return {Line::Group, trimmed.sliced(1, trimmed.size() - 2), {}};
+    if (!text.isValidUtf8())
+        return {};
     const qsizetype equals = text.indexOf('=');
     const QByteArrayView key = equals < 0 ? QByteArrayView() : text.first(equals).trimmed();
     if (key.isEmpty())
@@ -41,11 +51,17 @@ Line parse(QByteArrayView text)
     return {Line::Entry, key, text.sliced(equals + 1)};
 }
 
+/// Where the first line of @p text begins.
+qsizetype firstLine(const QByteArray& text)
+{
+    return text.startsWith(kByteOrderMark) ? qsizetype(sizeof kByteOrderMark - 1) : 0;
+}
+
 /// Calls @p visit(line, begin, end) for each line of @p text; [begin, end) is the line's place, its line end included.
 template<typename Visit>
 void forEachLine(const QByteArray& text, Visit visit)
 {
-    qsizetype begin = text.startsWith(kByteOrderMark) ? qsizetype(sizeof kByteOrderMark - 1) : 0;
+    qsizetype begin = firstLine(text);
     while (begin < text.size()) {
         const qsizetype newline = text.indexOf('\n', begin);
         const qsizetype textEnd = newline < 0 ? text.size() : newline;
@@ -72,7 +88,7 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
 {
     qsizetype entryBegin = -1;
     qsizetype entryEnd = -1;
-    qsizetype groupEnd = group.isEmpty() ? 0 : -1;
+    qsizetype groupEnd = group.isEmpty() ? firstLine(text) : -1;
     bool inGroup = group.isEmpty();
     forEachLine(text, [&](const Line& line, qsizetype begin, qsizetype end) {
         if (line.kind == Line::Group)
@@ -91,15 +107,53 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
         added = (text.isEmpty() ? "[" : "\n[") + group + "]\n" + entry;
         groupEnd = text.size();
     }
-    if (groupEnd > 0 && text.at(groupEnd - 1) != '\n')
+    if (groupEnd > firstLine(text) && text.at(groupEnd - 1) != '\n')
         added.prepend('\n');
     return text.insert(groupEnd, added);
 }
 
+/// The file that @p path names, so that a link and its target are changed under one lock.
+QString resolved(const QString& path)
+{
+    const QString target = QFileInfo(path).canonicalFilePath();
+    return target.isEmpty() ? path : target;
+}
+
+bool syncDirectory(const QString& path)
+{
+    return zyn::posix::sync(zyn::posix::openForReading(path).get());
+}
+
+/// Creates the directory @p path, and those above it, on disk.
+bool makeDirectory(const QString& path)
+{
+    const auto exists = [&] { return QFileInfo(path).isDir(); };
+    if (exists())
+        return true;
+    const QString parent = QFileInfo(path).path();
+    return parent != path && makeDirectory(parent) && (QDir().mkdir(path) || exists()) && syncDirectory(parent);
+}
+
+/// Takes @p lock, or gives up after kLockTimeout. QLockFile's own wait doubles its pauses up to seconds, in which a busy
+/// writer takes the lock many times over.
+bool acquire(QLockFile& lock)
+{
+    lock.setStaleLockTime(kOldLock);
+    const QDeadlineTimer deadline(kLockTimeout);
+    while (!lock.tryLock(0)) {
+        if (lock.error() != QLockFile::LockFailedError || deadline.hasExpired())
+            return false;
+        QThread::msleep(kLockPause.count());
+    }
+    return true;
+}
+
+/// Puts @p text in the place of the file's contents, whole or not at all.
 bool save(const QString& path, const QByteArray& text)
 {
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush()
+           && zyn::posix::sync(file.handle()) && file.commit() && syncDirectory(QFileInfo(path).path());
 }
 
 } // namespace
@@ -128,18 +182,19 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
 {
     if (!fitsOneLine(group) || !isKey(key) || !fitsOneLine(value))
         return false;
-    if (!QDir().mkpath(QFileInfo(m_path).path()))
+    if (m_path.isEmpty() || m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
         return false;
-    QLockFile lock(m_path + QLatin1String(".lock"));
-    if (!lock.tryLock(kLockTimeout.count()))
+    const QString path = resolved(m_path);
+    QLockFile lock(path + QLatin1String(".lock"));
+    if (!acquire(lock))
         return false;
     const std::optional<QByteArray> text =
-        QFileInfo::exists(m_path) ? posix::readWhole(m_path, kSizeLimit) : QByteArray();
+        QFileInfo::exists(path) ? posix::readWhole(path, kSizeLimit) : QByteArray();
     if (!text)
         return false;
     const QByteArray entry = key.toUtf8() + '=' + value.toUtf8() + '\n';
     const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
-    return changed.size() <= kSizeLimit && save(m_path, changed);
+    return changed.size() <= kSizeLimit && save(path, changed);
 }
 
 } // namespace zyn

@@ -11,7 +11,7 @@ using zyn::CommandFrameHeader;
 using zyn::kCommandTimeout;
 using zyn::posix::Clock;
 
-int Socket_WriteCommand(int socket, const UTIL_CommandBody* command)
+int Socket_WriteCommand(int socket, UTIL_CommandBody* command)
 {
     if (!command || command->dataLength < 0 || command->dataLength > zyn::kCommandDataLimit)
         return -1;

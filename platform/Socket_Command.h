@@ -15,7 +15,7 @@
  * @return 0, or -1 on failure: the frame was not sent whole, the data length is negative or above 1 MiB, or it is longer
  *         than the record's buffer
  */
-ZYN_EXPORT int Socket_WriteCommand(int socket, const UTIL_CommandBody* command);
+ZYN_EXPORT int Socket_WriteCommand(int socket, UTIL_CommandBody* command);
 
 /**
  * Reads one command.

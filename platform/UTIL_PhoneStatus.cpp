@@ -4,6 +4,8 @@
 #include "platform/HandsetState_p.h"
 #include "platform/SETUP_SET_Manager.h"
 
+#include <algorithm>
+
 namespace {
 
 int read(const zyn::handset::State& state)
@@ -35,6 +37,6 @@ int TAPI_FIXDIALING_GetStatus(int /*card*/, TAPI_BOOL_STATUS_E* state)
 {
     const int error = read(zyn::handset::kFixedDialingError);
     if (error == 0 && state)
-        *state = static_cast<TAPI_BOOL_STATUS_E>(read(zyn::handset::kFixedDialing) & 0xFF);
+        *state = static_cast<TAPI_BOOL_STATUS_E>(std::clamp(read(zyn::handset::kFixedDialing), 0, 0xFF));
     return error;
 }

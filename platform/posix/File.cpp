@@ -8,20 +8,31 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr mode_t kNewFileMode = 0666; // less the process's umask
+constexpr mode_t kLockFileMode = 0600;
 
-zyn::posix::UniqueFd openFile(const QString& path, int flags)
+zyn::posix::UniqueFd openFile(const QString& path, int flags, mode_t mode = kNewFileMode)
 {
     const QByteArray name = QFile::encodeName(path);
     if (name.contains('\0'))
         return {};
     return zyn::posix::UniqueFd(
-        zyn::posix::retry([&] { return ::open(name.constData(), flags | O_CLOEXEC | O_NONBLOCK, kNewFileMode); }));
+        zyn::posix::retry([&] { return ::open(name.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
+}
+
+/// Whether @p path is still the name of the open file @p fd.
+bool isNamed(const zyn::posix::UniqueFd& fd, const QString& path)
+{
+    struct stat open = {};
+    struct stat named = {};
+    return ::fstat(fd.get(), &open) == 0 && ::lstat(QFile::encodeName(path).constData(), &named) == 0
+           && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
 } // namespace
@@ -41,6 +52,18 @@ UniqueFd openForChanging(const QString& path)
 UniqueFd createNew(const QString& path)
 {
     return openFile(path, O_WRONLY | O_CREAT | O_EXCL);
+}
+
+UniqueFd lockFile(const QString& path)
+{
+    for (;;) {
+        UniqueFd fd = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, kLockFileMode);
+        if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
+            return {};
+        // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
+        if (isNamed(fd, path))
+            return fd;
+    }
 }
 
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset)
@@ -69,6 +92,12 @@ bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)
         offset += n;
     }
     return true;
+}
+
+bool sync(int fd)
+{
+    // A file system that has nothing to bring to disk answers EINVAL.
+    return retry([&] { return ::fsync(fd); }) == 0 || errno == EINVAL;
 }
 
 std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)

@@ -23,11 +23,22 @@ UniqueFd openForChanging(const QString& path);
 /// Creates @p path for writing; fails when anything of that name exists.
 UniqueFd createNew(const QString& path);
 
+/**
+ * Locks the file @p path, created for this user alone when it is missing, for as long as the descriptor is open.
+ *
+ * None, with errno EWOULDBLOCK, while another process holds the lock. The kernel ends the lock of a process that dies;
+ * no name or number of a process decides. Whoever holds the lock may remove the file.
+ */
+UniqueFd lockFile(const QString& path);
+
 /// Reads into @p buffer from @p offset on; the number of bytes read, fewer only at the end of the file; -1 on an error.
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
 
 /// Writes all of @p bytes at @p offset.
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
+
+/// Brings what was written to @p fd to disk; of a directory, the names in it.
+bool sync(int fd);
 
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
 std::optional<QByteArray> readWhole(const QString& path, qsizetype limit);

@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -22,21 +24,20 @@ timeval toTimeval(milliseconds time)
     return value;
 }
 
-/// Whether a transfer that failed with errno should wait for @p events and go on.
-bool mayGoOn(int fd, short events, zyn::posix::Clock::time_point deadline)
+/// Whether a transfer that failed with errno may succeed later. A kernel short of memory is one that is full.
+bool isPassing()
 {
-    return (errno == EAGAIN || errno == EWOULDBLOCK) && zyn::posix::waitFor(fd, events, deadline);
-}
-
-iovec toIovec(std::span<const std::byte> bytes)
-{
-    // sendmsg only reads what an iovec names.
-    return {const_cast<std::byte*>(bytes.data()), bytes.size()};
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS || errno == ENOMEM;
 }
 
 } // namespace
 
 namespace zyn::posix {
+
+iovec toIovec(std::span<const std::byte> bytes)
+{
+    return {const_cast<std::byte*>(bytes.data()), bytes.size()};
+}
 
 UnixAddress unixAddress(const QByteArray& path)
 {
@@ -56,14 +57,52 @@ UniqueFd unixSocket(int flags)
 UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
 {
     UniqueFd fd = unixSocket();
-    if (!fd.isValid())
-        return fd;
+    if (!fd.isValid() || path.size() > kUnixPathLimit)
+        return {};
     const timeval limit = toTimeval(timeout);
     ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     const UnixAddress address = unixAddress(path);
-    if (retry([&] { return ::connect(fd.get(), address.get(), address.length); }) != 0)
-        fd.reset();
+    const auto deadline = Clock::now() + timeout;
+    while (::connect(fd.get(), address.get(), address.length) != 0) {
+        // Each call waits for the whole timeout again: signals that keep coming must not make it endless.
+        if (errno != EINTR || Clock::now() >= deadline)
+            return {};
+    }
     return fd;
+}
+
+UniqueFd connectUnixAtOnce(const QByteArray& path)
+{
+    UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    if (fd.isValid() && ::connect(fd.get(), address.get(), address.length) != 0) {
+        const int error = errno;
+        fd.reset();
+        errno = error;
+    }
+    return fd;
+}
+
+bool isServed(const QByteArray& path)
+{
+    return connectUnixAtOnce(path).isValid() || errno == EAGAIN;
+}
+
+UniqueFd listenUnix(const QByteArray& path, mode_t mode)
+{
+    UniqueFd fd = unixSocket(SOCK_NONBLOCK);
+    const UnixAddress address = unixAddress(path);
+    // The socket's file gets the mode that the socket has when it is bound: it is never open to more users than meant.
+    if (!fd.isValid() || ::fchmod(fd.get(), mode) != 0)
+        return {};
+    if (::bind(fd.get(), address.get(), address.length) != 0 || ::listen(fd.get(), SOMAXCONN) != 0)
+        return {};
+    return fd;
+}
+
+UniqueFd acceptConnection(int listener)
+{
+    return UniqueFd(retry([&] { return ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC); }));
 }
 
 bool isPeerTrusted(int fd)
@@ -76,7 +115,8 @@ bool isPeerTrusted(int fd)
 
 bool waitFor(int fd, short events, Clock::time_point deadline)
 {
-    for (;;) {
+    // poll would skip a negative descriptor and only wait.
+    while (fd >= 0) {
         const auto left = ceil<milliseconds>(deadline - Clock::now()).count();
         pollfd entry = {fd, events, 0};
         const int ready = ::poll(&entry, 1, static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000)));
@@ -87,21 +127,38 @@ bool waitFor(int fd, short events, Clock::time_point deadline)
         if (Clock::now() >= deadline)
             return false;
     }
+    return false;
+}
+
+ssize_t sendSome(int fd, std::span<iovec> blocks)
+{
+    msghdr message = {};
+    message.msg_iov = blocks.data();
+    message.msg_iovlen = blocks.size();
+    const ssize_t n = retry([&] { return ::sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT); });
+    return n < 0 && isPassing() ? 0 : n;
+}
+
+ssize_t receiveSome(int fd, std::span<std::byte> buffer)
+{
+    const ssize_t n = retry([&] { return ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT); });
+    return n < 0 && !isPassing() ? 0 : n;
+}
+
+bool hasPeerClosed(int fd)
+{
+    std::byte byte;
+    const ssize_t n = retry([&] { return ::recv(fd, &byte, sizeof byte, MSG_DONTWAIT | MSG_PEEK); });
+    return n == 0 || (n < 0 && !isPassing());
 }
 
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline)
 {
     while (!first.empty() || !second.empty()) {
         std::array<iovec, 2> blocks{toIovec(first), toIovec(second)};
-        msghdr message = {};
-        message.msg_iov = blocks.data();
-        message.msg_iovlen = blocks.size();
-        const ssize_t n = ::sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (n < 0) {
-            if (errno != EINTR && !mayGoOn(fd, POLLOUT, deadline))
-                return false;
-            continue;
-        }
+        const ssize_t n = sendSome(fd, blocks);
+        if (n < 0 || (n == 0 && !waitFor(fd, POLLOUT, deadline)))
+            return false;
         const size_t fromFirst = std::min(first.size(), static_cast<size_t>(n));
         first = first.subspan(fromFirst);
         second = second.subspan(static_cast<size_t>(n) - fromFirst);
@@ -112,15 +169,10 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
 {
     while (!buffer.empty()) {
-        const ssize_t n = ::recv(fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
-        if (n == 0)
+        const ssize_t n = receiveSome(fd, buffer);
+        if (n == 0 || (n < 0 && !waitFor(fd, POLLIN, deadline)))
             return false;
-        if (n < 0) {
-            if (errno != EINTR && !mayGoOn(fd, POLLIN, deadline))
-                return false;
-            continue;
-        }
-        buffer = buffer.subspan(static_cast<size_t>(n));
+        buffer = buffer.subspan(static_cast<size_t>(std::max<ssize_t>(n, 0)));
     }
     return true;
 }

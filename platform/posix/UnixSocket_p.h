@@ -10,6 +10,8 @@
 #include <span>
 
 #include <sys/socket.h>
+#include <sys/types.h>
+#include <sys/uio.h>
 #include <sys/un.h>
 
 namespace zyn::posix {
@@ -38,15 +40,43 @@ UniqueFd unixSocket(int flags = 0);
  * Connects to the stream socket at @p path.
  *
  * A server whose full backlog keeps the connection waiting is given up after @p timeout. The socket keeps that timeout
- * for its sends.
+ * for its sends. A path above kUnixPathLimit names no server.
  */
 UniqueFd connectUnix(const QByteArray& path, std::chrono::milliseconds timeout);
+
+/// Connects without waiting. On failure errno tells why: EAGAIN for a server whose backlog is full.
+UniqueFd connectUnixAtOnce(const QByteArray& path);
+
+/// Whether a process listens at @p path, be it too busy to take a connection. Does not wait.
+bool isServed(const QByteArray& path);
+
+/// Listens at @p path, which must not exist, with the permissions @p mode and the longest backlog there is. Accepting
+/// from it never waits.
+UniqueFd listenUnix(const QByteArray& path, mode_t mode);
+
+/// The next connection that waits at @p listener, non-blocking; none when none waits or errno tells of a shortage.
+UniqueFd acceptConnection(int listener);
 
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
-/// Waits until @p fd has one of the poll @p events, is closed by its peer, or @p deadline has passed (false).
+/// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first, and
+/// at once for a negative descriptor.
 bool waitFor(int fd, short events, Clock::time_point deadline);
+
+/// The block as a part of a transfer, which only reads it.
+iovec toIovec(std::span<const std::byte> bytes);
+
+/// Sends as much of @p blocks as the socket takes at once: the number of bytes, 0 when it is full, -1 when
+/// the connection is lost.
+ssize_t sendSome(int fd, std::span<iovec> blocks);
+
+/// Receives what has come, at most @p buffer: the number of bytes, 0 at the connection's end, -1 when nothing
+/// is there.
+ssize_t receiveSome(int fd, std::span<std::byte> buffer);
+
+/// Whether the other end has closed the connection and everything it sent has been read.
+bool hasPeerClosed(int fd);
 
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);

@@ -2,7 +2,7 @@
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
 
 #include "platform/UTIL_TimeConversion.h"
-#include "recentcall/utility/FixedText_p.h"
+#include "utility/FixedText_p.h"
 
 #include <QtCore/QByteArray>
 

@@ -1,0 +1,24 @@
+// The lines that a program of the handset writes for whoever looks after it.
+#include "handset/common/Log.h"
+
+#include "platform/posix/UnixSocket_p.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdio>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace zyn::handset {
+
+void log(const QString& text)
+{
+    if (!posix::waitFor(STDERR_FILENO, POLLOUT, posix::Clock::now()))
+        return;
+    const QByteArray line =
+        (QCoreApplication::applicationName() + QLatin1String(": ") + text).toLocal8Bit() + '\n';
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,38 @@
+// What every program of the handset that runs in the background does for itself, before anything else.
+#include "handset/common/Process.h"
+
+#include <algorithm>
+#include <climits>
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace zyn::handset {
+
+void openStandardStreams()
+{
+    int fd = ::open("/dev/null", O_RDWR);
+    while (fd >= 0 && fd <= STDERR_FILENO)
+        fd = ::dup(fd);
+    if (fd > STDERR_FILENO)
+        ::close(fd);
+}
+
+void ignoreBrokenPipes()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+int raiseDescriptorLimit()
+{
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit raised = {limit.rlim_max, limit.rlim_max};
+    if (::setrlimit(RLIMIT_NOFILE, &raised) == 0)
+        limit = raised;
+    return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, INT_MAX));
+}
+
+} // namespace zyn::handset

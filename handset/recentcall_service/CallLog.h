@@ -1,0 +1,57 @@
+// The log of recent calls: what each command does to the store.
+#pragma once
+
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+
+#include <QtCore/QByteArray>
+
+#include <array>
+#include <optional>
+#include <span>
+
+/**
+ * The answered, missed and dialed calls, in a record store of its own.
+ *
+ * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are
+ * read from their files at every operation but an add. What fails is told in the log. To be used from one
+ * thread.
+ */
+class CallLog
+{
+public:
+    /// Makes the files that are missing or damaged, and reads the three lists.
+    CallLog();
+
+    /**
+     * Adds a call, in place of the oldest one when its list is full. Slot and uid are the store's to give.
+     *
+     * A file that turns out missing or damaged is replaced by a fresh one, and the call is added to that.
+     * False when the category names no list that keeps calls, or when the call could not be stored.
+     */
+    bool add(PHONE_ENG_RecentCall record);
+
+    /// Deletes the call with the uid of @p record from the list of its category, wherever it lies.
+    zyn::recentcall::Status remove(const PHONE_ENG_RecentCall& record);
+
+    /// Deletes the selected calls: Success also when there are none, Failure when one of them stays or when
+    /// the category names no list.
+    zyn::recentcall::Status removeAll(const zyn::recentcall::Selection& selection);
+
+    /// The selected calls, newest first, as the data of an answer; nothing when the category names no list.
+    std::optional<QByteArray> list(const zyn::recentcall::Selection& selection);
+
+private:
+    using Calls = QSortedList<PHONE_ENG_RecentCall>;
+
+    void open();
+    qsizetype& countOf(RC_CALL_CATEGORY_T category) { return m_counts[static_cast<size_t>(category)]; }
+    Calls read(std::span<const RC_CALL_CATEGORY_T> lists);
+    bool store(PHONE_ENG_RecentCall& record);
+    bool erase(const PHONE_ENG_RecentCall& record);
+    void eraseOldest(RC_CALL_CATEGORY_T category);
+
+    std::optional<RecentCall_ENG_RecordStore> m_store;
+    /// How many calls each list holds, by category; counted anew whenever a list is read.
+    std::array<qsizetype, RC_CALL_CATEGORY_DIALED + 1> m_counts{};
+};

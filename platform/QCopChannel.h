@@ -1,0 +1,70 @@
+// Named message channels between the handset's processes.
+#pragma once
+
+#include "platform/QCString.h"
+#include "platform/ZynExport.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QObject>
+
+#include <memory>
+
+namespace zyn {
+class ChannelListener;
+}
+
+/**
+ * A listener on a channel: while it exists it is handed every message that any process of the user sends on
+ * it.
+ *
+ * Channel and message names are compared byte for byte and end at their first NUL. The processes find each
+ * other in the directory that ZYN_QCOP_PATH names, else in "zynqcop" under XDG_RUNTIME_DIR, else in
+ * "/tmp/zynqcop-" and the user's number; it must belong to the user alone (mode 0700, no symbolic link), and
+ * is made when missing.
+ */
+class ZYN_EXPORT QCopChannel : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Listens on @p channel: every message sent after the constructor has returned will be received, none
+    /// sent before. A listener that cannot be set up says so on standard error and receives nothing.
+    explicit QCopChannel(const QCString& channel, QObject* parent = nullptr, const char* name = nullptr);
+    ~QCopChannel() override;
+
+    /// The channel's name.
+    QCString channel() const { return m_channel; }
+
+    /**
+     * Sends a message without waiting for any listener, from any thread.
+     *
+     * One thread's messages reach a listener in the order sent. Within an event loop, what follows the first
+     * message of a turn is written when the turn ends. A listener that has left 16 MiB unread is cut off: it
+     * gets nothing more from this thread until it has read what it got before.
+     *
+     * @param message  the message's name
+     * @param data     the payload, at most 16 MiB with the name
+     * @return true when every listener of the channel, if there is any, got the message or will get it; false
+     * for an empty name, a message that is too large, a directory that may not be used, or a listener that
+     * misses it
+     */
+    static bool send(const QCString& channel, const QCString& message, const QByteArray& data);
+    /// Sends a message with an empty payload.
+    static bool send(const QCString& channel, const QCString& message);
+
+    /// The channels that anybody has listened to or sent on, sorted, without those of very long names.
+    static QList<QCString> channels();
+
+    /// Called for each message in the object's thread, from its event loop. Emits received(). It may destroy
+    /// the object.
+    virtual void receive(const QCString& message, const QByteArray& data);
+
+Q_SIGNALS:
+    /// A message has come; not emitted when a class overrides receive() without calling it.
+    void received(const QCString& message, const QByteArray& data);
+
+private:
+    QCString m_channel;
+    std::unique_ptr<zyn::ChannelListener> m_listener;
+};

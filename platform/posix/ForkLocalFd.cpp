@@ -1,0 +1,77 @@
+// Descriptors that stay with the process that opened them when it forks.
+#include "platform/posix/ForkLocalFd_p.h"
+
+#include <mutex>
+#include <set>
+
+#include <fcntl.h>
+#include <pthread.h>
+
+namespace {
+
+struct Registry
+{
+    Registry();
+
+    std::mutex mutex; ///< held across fork, so that the child finds the set whole
+    std::set<int> descriptors;
+    unsigned generation = 0; ///< changes only in a child that has a single thread yet
+};
+
+/// Never destroyed: a process may fork, and close descriptors, until its very end.
+Registry& registry()
+{
+    static Registry& theRegistry = *new Registry;
+    return theRegistry;
+}
+
+void beforeFork()
+{
+    registry().mutex.lock();
+}
+
+void afterForkInParent()
+{
+    registry().mutex.unlock();
+}
+
+void afterForkInChild()
+{
+    ++registry().generation;
+    // Replaced, not closed: their owners still hold the numbers, which must not come to mean something else.
+    const zyn::posix::UniqueFd nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
+    for (const int descriptor : registry().descriptors)
+        ::dup3(nothing.get(), descriptor, O_CLOEXEC);
+    registry().mutex.unlock();
+}
+
+Registry::Registry()
+{
+    ::pthread_atfork(&beforeFork, &afterForkInParent, &afterForkInChild);
+}
+
+} // namespace
+
+namespace zyn::posix {
+
+unsigned forkGeneration()
+{
+    return registry().generation;
+}
+
+ForkLocalFd::ForkLocalFd(UniqueFd fd)
+    : m_fd(std::move(fd))
+{
+    const std::lock_guard lock(registry().mutex);
+    if (m_fd.isValid())
+        registry().descriptors.insert(m_fd.get());
+}
+
+void ForkLocalFd::reset()
+{
+    const std::lock_guard lock(registry().mutex);
+    registry().descriptors.erase(m_fd.get());
+    m_fd.reset();
+}
+
+} // namespace zyn::posix

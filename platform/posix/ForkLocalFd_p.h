@@ -1,0 +1,34 @@
+// Descriptors that stay with the process that opened them when it forks.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+
+namespace zyn::posix {
+
+/// Counts the forks between the process that first asked and this one: differs in a child from what its
+/// parent saw.
+unsigned forkGeneration();
+
+/**
+ * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number.
+ *
+ * Closing on exec does not help a child that never calls it, and a child's copy would keep a socket alive,
+ * and its peers waiting, after the process that serves it has died.
+ */
+class ForkLocalFd
+{
+public:
+    explicit ForkLocalFd(UniqueFd fd);
+    ForkLocalFd(const ForkLocalFd&) = delete;
+    ForkLocalFd& operator=(const ForkLocalFd&) = delete;
+    ~ForkLocalFd() { reset(); }
+
+    bool isValid() const noexcept { return m_fd.isValid(); }
+    int get() const noexcept { return m_fd.get(); }
+    void reset();
+
+private:
+    UniqueFd m_fd;
+};
+
+} // namespace zyn::posix

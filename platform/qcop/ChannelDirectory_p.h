@@ -1,0 +1,69 @@
+// Where the listeners of a channel are found.
+#pragma once
+
+#include "platform/QCString.h"
+#include "platform/posix/UniqueFd_p.h"
+
+#include <QtCore/QList>
+
+#include <optional>
+
+namespace zyn {
+
+/// What decides where the channels of this process are.
+struct ChannelEnvironment
+{
+    QByteArray channelPath; ///< ZYN_QCOP_PATH
+    QByteArray runtimePath; ///< XDG_RUNTIME_DIR
+
+    static ChannelEnvironment current();
+    bool operator==(const ChannelEnvironment&) const = default;
+
+    /// The directory that ZYN_QCOP_PATH names, or "zynqcop" in the user's runtime directory, or, without a
+    /// runtime directory that is the user's alone, one named after the user in /tmp. Empty for a path that is
+    /// not absolute.
+    QByteArray root() const;
+};
+
+/**
+ * The open directory of one channel: one socket for each of its listeners.
+ *
+ * A listener's name is never used a second time, so that a name always means the same listener, or a dead
+ * one; the socket of one that does not listen yet has a hidden name. Sockets are reached through the open
+ * directory, which makes their paths fit a socket's address however long the directory's path is, and keeps
+ * them in the directory that was checked, whatever becomes of the path.
+ */
+class ChannelDirectory
+{
+public:
+    /// Opens the directory of @p channel under @p root; nothing when either is missing or may not be used.
+    static std::optional<ChannelDirectory> open(const QByteArray& root, const QCString& channel);
+    /// The same; what is missing is made first.
+    static std::optional<ChannelDirectory> make(const QByteArray& root, const QCString& channel);
+    /// The channels that have a directory, sorted. One whose name is too long to be told from its directory
+    /// is left out.
+    static QList<QCString> channels(const QByteArray& root);
+
+    int root() const { return m_root.get(); }
+    int fd() const { return m_fd.get(); }
+
+    /// The names of the listeners, living or dead.
+    QList<QByteArray> listeners() const;
+    /// A listening socket that senders find as @p name from now on; none when it could not be made.
+    posix::UniqueFd listenAs(const QByteArray& name) const;
+    /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED
+    /// when it is dead, ENOENT when it has gone, EAGAIN when too many connections wait to be accepted.
+    posix::UniqueFd connectTo(const QByteArray& name) const;
+    void remove(const QByteArray& name) const;
+
+    /// A new listener's name.
+    static QByteArray newName();
+
+private:
+    ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd);
+
+    posix::UniqueFd m_root;
+    posix::UniqueFd m_fd;
+};
+
+} // namespace zyn

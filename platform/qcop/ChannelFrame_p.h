@@ -1,0 +1,75 @@
+// The frame in which a message travels to one listener.
+//
+//     byte 0          length N of the message's name, 1 or more, 32 bits, least significant byte first
+//     byte 4          length P of the payload, 32 bits, least significant byte first
+//     byte 8          the name, N bytes, none of them 0
+//     byte 8 + N      the payload, P bytes
+//
+// N + P is at most 16 MiB. Frames follow each other without anything between them; the listener answers
+// nothing. The channel is not named: each listener has a socket of its own, in the channel's directory.
+#pragma once
+
+#include "platform/QCString.h"
+
+#include <QtCore/QByteArray>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include <sys/uio.h>
+
+namespace zyn {
+
+/// The most bytes that a message's name and payload have together.
+inline constexpr qsizetype kMessageLimit = 16 * 1024 * 1024;
+
+/// A message on its way out. It refers to the name and the payload, which must outlive it.
+class ChannelFrame
+{
+public:
+    static constexpr qsizetype kHeaderSize = 2 * sizeof(uint32_t);
+
+    ChannelFrame(QByteArrayView name, QByteArrayView data);
+
+    /// Whether a listener would take it.
+    bool isValid() const;
+    qsizetype size() const { return kHeaderSize + m_name.size() + m_data.size(); }
+    /// The frame's bytes as parts of one transfer.
+    std::array<iovec, 3> blocks() const;
+    /// Appends the frame's bytes, without the first @p skipped, to @p queue.
+    void appendTo(QByteArray& queue, qsizetype skipped = 0) const;
+
+private:
+    std::array<char, kHeaderSize> m_header;
+    QByteArrayView m_name;
+    QByteArrayView m_data;
+};
+
+/// Takes messages out of a connection's bytes, in whatever pieces they come. Holds no more than has come.
+class ChannelFrameReader
+{
+public:
+    /// Where the connection's next bytes are to be put; as many as were put there are then added.
+    std::span<std::byte> room();
+    void add(qsizetype size);
+
+    /// Takes the next message; false when none is complete.
+    bool next(QCString& name, QByteArray& data);
+    /// Whether bytes are left, of a message that is complete or not.
+    bool hasMore() const { return m_offset < m_filled; }
+    /// Whether what came is no frame. No message follows then.
+    bool isBroken() const { return m_isBroken; }
+
+private:
+    void discardRead();
+
+    QByteArray m_buffer;
+    qsizetype m_offset = 0; ///< what has been read of the buffer
+    qsizetype m_filled = 0; ///< what has been added; the rest is room
+    QCString m_lastName;    ///< shared by messages of the same name in a row
+    bool m_isBroken = false;
+};
+
+} // namespace zyn

@@ -1,0 +1,175 @@
+// A sender's connection to one listener.
+#include "platform/qcop/ChannelPeer_p.h"
+
+#include "platform/posix/UnixSocket_p.h"
+#include "platform/qcop/ChannelDirectory_p.h"
+#include "platform/qcop/ChannelFrame_p.h"
+
+#include <cerrno>
+#include <chrono>
+
+namespace {
+
+/// How much is gathered before it is written: large writes stop paying off beyond it.
+constexpr qsizetype kGatherSize = 64 * 1024;
+/// How often a listener too busy to accept is tried again.
+constexpr std::chrono::milliseconds kRetryInterval{20};
+
+} // namespace
+
+namespace zyn {
+
+ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name)
+    : m_root(root)
+    , m_channel(channel)
+    , m_name(name)
+    , m_nextFlush(kGatherSize)
+{}
+
+ChannelPeer::Result ChannelPeer::take(const ChannelFrame& frame, bool gather)
+{
+    // A lost connection does not tell whether the listener is dead; whether a new one is refused does.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        switch (link()) {
+        case Link::Gone:
+            return Result::Gone;
+        case Link::Failed:
+            return Result::Missed;
+        case Link::Waiting:
+        case Link::Open:
+            if (put(frame, gather))
+                return m_isCutOff ? Result::Missed : Result::Taken;
+        }
+    }
+    return Result::Missed;
+}
+
+/// Makes the connection unless there is one.
+ChannelPeer::Link ChannelPeer::link()
+{
+    if (m_fd.isValid() && !m_isCutOff)
+        return Link::Open;
+    if (m_fd.isValid() && !posix::hasPeerClosed(m_fd.get()))
+        return Link::Failed;
+    m_fd.reset();
+    const Link link = connect();
+    if (link == Link::Open)
+        m_isCutOff = false;
+    return link == Link::Waiting && m_isCutOff ? Link::Failed : link;
+}
+
+ChannelPeer::Link ChannelPeer::connect()
+{
+    const auto directory = ChannelDirectory::open(m_root, m_channel);
+    if (!directory)
+        return Link::Failed;
+    m_fd = directory->connectTo(m_name);
+    if (m_fd.isValid() && posix::isPeerTrusted(m_fd.get()))
+        return Link::Open;
+    const int error = m_fd.isValid() ? EACCES : errno;
+    m_fd.reset();
+    switch (error) {
+    case ECONNREFUSED:
+        directory->remove(m_name);
+        return Link::Gone;
+    case ENOENT:
+        return Link::Gone;
+    case EAGAIN:
+        return Link::Waiting;
+    default:
+        return Link::Failed;
+    }
+}
+
+/// Writes or keeps the message, or cuts the listener off; false when the connection has turned out to be
+/// lost.
+bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
+{
+    const bool isConnected = m_fd.isValid();
+    if (isConnected && !isPending() && !gather)
+        return putAtOnce(frame);
+    const auto isTooMuch = [&] { return isPending() && m_queue.size() + frame.size() > kQueueLimit; };
+    if (isConnected && isTooMuch())
+        flush();
+    if (isTooMuch()) {
+        cutOff();
+        return true;
+    }
+    if (isConnected && !m_fd.isValid())
+        return false;
+    frame.appendTo(m_queue);
+    if (isConnected && (!gather || m_queue.size() >= m_nextFlush))
+        flush();
+    return m_fd.isValid() == isConnected;
+}
+
+bool ChannelPeer::putAtOnce(const ChannelFrame& frame)
+{
+    auto blocks = frame.blocks();
+    const ssize_t n = posix::sendSome(m_fd.get(), blocks);
+    if (n < 0) {
+        disconnect();
+        return false;
+    }
+    frame.appendTo(m_queue, n);
+    return true;
+}
+
+void ChannelPeer::flush()
+{
+    if (!isPending())
+        return;
+    if (const Link state = link(); state != Link::Open) {
+        if (state == Link::Gone)
+            m_queue.clear();
+        return;
+    }
+    std::array blocks{posix::toIovec(std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))))};
+    const ssize_t n = posix::sendSome(m_fd.get(), blocks);
+    if (n < 0)
+        return disconnect();
+    m_queue.remove(0, n);
+    m_nextFlush = m_queue.size() + kGatherSize;
+}
+
+void ChannelPeer::flushFromLoop()
+{
+    flush();
+    const bool isConnected = m_fd.isValid();
+    if (isPending() && isConnected && !m_notifier) {
+        m_notifier = std::make_unique<QSocketNotifier>(m_fd.get(), QSocketNotifier::Write);
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { flushFromLoop(); });
+    }
+    if (m_notifier)
+        m_notifier->setEnabled(isPending());
+    if (isPending() && !isConnected)
+        retryFromLoop();
+}
+
+void ChannelPeer::retryFromLoop()
+{
+    if (!m_retry) {
+        m_retry = std::make_unique<QTimer>();
+        m_retry->setSingleShot(true);
+        m_retry->callOnTimeout([this] { flushFromLoop(); });
+    }
+    m_retry->start(kRetryInterval);
+}
+
+void ChannelPeer::cutOff()
+{
+    m_isCutOff = true;
+    m_queue = QByteArray();
+    m_notifier.reset();
+    // The listener reads up to here, finds the end and closes, which tells that it is back.
+    ::shutdown(m_fd.get(), SHUT_WR);
+}
+
+void ChannelPeer::disconnect()
+{
+    m_notifier.reset();
+    m_fd.reset();
+    m_queue = QByteArray();
+}
+
+} // namespace zyn

@@ -1,0 +1,94 @@
+// Names and requests on the phone channel, and the payload encoding.
+#include "support/StdoutCapture.h"
+#include "utility/PHONE_MsgClient.h"
+#include "utility/PHONE_Payload_p.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+namespace {
+
+constexpr PHONE_Msg::PHONE_MSG_TYPE_T type(int value)
+{
+    return static_cast<PHONE_Msg::PHONE_MSG_TYPE_T>(value);
+}
+
+} // namespace
+
+class tst_PHONE_Msg : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void namesTheTypes();
+    void sendsNothingWithoutAName();
+    void sendsRequests();
+    void writesEveryKindOfField();
+};
+
+void tst_PHONE_Msg::namesTheTypes()
+{
+    const PHONE_Msg message(nullptr, "it");
+    QCOMPARE(message.objectName(), QStringLiteral("it"));
+    QCOMPARE(message.metaObject()->className(), "QCopChannel");
+    QCOMPARE(message.getMsg(type(0)), "PHONE_MSG_0");
+    QCOMPARE(message.getMsg(type(54)), "PHONE_MSG_54");
+    for (const int outside : {55, -1}) {
+        QCOMPARE(message.getMsg(type(outside)), "");
+        QVERIFY(!message.getMsg(type(outside)).isNull());
+    }
+}
+
+void tst_PHONE_Msg::sendsNothingWithoutAName()
+{
+    PHONE_Msg message;
+    QSignalSpy received(&message, &QCopChannel::received);
+    StdoutCapture capture;
+    const bool plain = message.send(type(55));
+    const bool withPayload = message.send(type(-1), "x");
+    const bool last = message.send(type(7), "x");
+    const QString log = QString::fromLatin1(capture.take());
+
+    QVERIFY(!plain && !withPayload && last);
+    const QString pattern = QStringLiteral("@ \n@ \nError in getting message@ \n")
+                                .replace(u'@', QStringLiteral("utility/PHONE_Msg,send,\\d+"));
+    QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(log).hasMatch(),
+             qPrintable(log));
+    QTRY_COMPARE(received.size(), 1);
+    QCOMPARE(received[0], (QVariantList{QByteArray("PHONE_MSG_7"), QByteArray("x")}));
+}
+
+void tst_PHONE_Msg::sendsRequests()
+{
+    PHONE_MsgClient client;
+    QCopChannel server("/ZYN/phone");
+    QByteArrayList requests;
+    connect(&server, &QCopChannel::received, this,
+            [&](const QCString& name, const QByteArray& data) { requests += name + ' ' + data.toHex(); });
+    StdoutCapture capture;
+    client.setRFMode(true);
+    client.setRFMode(false);
+    client.setFearureDBCurrLang(-2);
+    client.resetTotalDuration(true);
+    client.resetTotalDuration(false);
+    const bool sent = client.getTotalByteAndConnectedDuration();
+
+    QVERIFY(capture.take().contains("\nutility/PHONE_MsgClient,getTotalByteAndConnectedDuration,"));
+    QVERIFY(sent);
+    QTRY_COMPARE(requests.size(), 6);
+    QCOMPARE(requests.join(", "), "PHONE_MSG_24 00000001, PHONE_MSG_24 00000000, PHONE_MSG_25 fffffffe, "
+                                  "PHONE_MSG_35 00000000, PHONE_MSG_35 00000001, PHONE_MSG_54 ");
+}
+
+void tst_PHONE_Msg::writesEveryKindOfField()
+{
+    const uint8_t block[] = {1, 2, 3};
+    zyn::PayloadWriter writer;
+    writer.writeInt(-2).writeByte(0xC8).writeBool(true).writeRaw(block);
+    writer.writeText({}).writeText(QStringLiteral("")).writeText(QStringLiteral("AB"));
+    QCOMPARE(writer.payload().toHex(), "fffffffec800000001010203ffffffff000000000000000400410042");
+}
+
+QTEST_GUILESS_MAIN(tst_PHONE_Msg)
+#include "tst_PHONE_Msg.moc"

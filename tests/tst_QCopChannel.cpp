@@ -1,0 +1,561 @@
+// The message channels: who gets which message, in which order, and what other processes can do about it.
+#include "platform/QCopChannel.h"
+#include "platform/posix/UnixSocket_p.h"
+#include "tests/support/Descriptors.h"
+#include "tests/support/Role.h"
+
+#include <QtCore/QEventLoop>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace {
+
+constexpr char kChannel[] = "/ZYN/test";
+constexpr char kChannelDirectory[] = "%2FZYN%2Ftest";
+constexpr qsizetype kLimit = 16 * 1024 * 1024;
+
+/// A payload that tells its sender and its place among the sender's messages.
+QByteArray numbered(const QByteArray& sender, int number, qsizetype size = 0)
+{
+    return (sender + ':' + QByteArray::number(number) + ':').leftJustified(size, '.');
+}
+
+/// A listener that checks that each sender's messages are in order, without a gap.
+class Inbox : public QCopChannel
+{
+public:
+    Inbox() : QCopChannel(kChannel) {}
+
+    void receive(const QCString& message, const QByteArray& data) override
+    {
+        names.append(message);
+        payloads.append(data.first(std::min<qsizetype>(data.size(), 16)));
+        const QList<QByteArray> parts = data.split(':');
+        isInOrder = isInOrder && (parts.size() < 3 || parts[1].toInt() == counts[parts[0]]++);
+        QCopChannel::receive(message, data);
+    }
+
+    QList<QCString> names;
+    QList<QByteArray> payloads;
+    std::map<QByteArray, int> counts;
+    bool isInOrder = true;
+};
+
+/// Runs @p body in an event loop, as its one turn, and leaves the loop at once.
+void inOneTurn(const std::function<void()>& body)
+{
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [&] {
+        body();
+        loop.quit();
+    });
+    loop.exec();
+}
+
+/// Listens until a message "end" comes; fails when a sender's messages have gaps or are not as many as it says.
+int listenRole(const QStringList&)
+{
+    Inbox inbox;
+    QEventLoop loop;
+    QObject::connect(&inbox, &QCopChannel::received, [&](const QCString& name) { name == "end" ? loop.quit() : void(); });
+    role::sayReady();
+    loop.exec();
+    return inbox.isInOrder && inbox.counts["test"] == inbox.payloads.last().toInt() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Sends numbered messages and ends at once: SENDER COUNT SIZE [turn].
+int sendRole(const QStringList& arguments)
+{
+    bool isSent = true;
+    const auto send = [&] {
+        for (int i = 0; i < arguments[1].toInt(); ++i)
+            isSent &= QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[2].toInt()));
+    };
+    arguments.size() > 3 ? inOneTurn(send) : send();
+    return isSent ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Forks within an event loop, with messages of its own gathered; a listener's copy goes with the child.
+int forkRole(const QStringList& arguments)
+{
+    pid_t child = 0;
+    auto listener = std::make_unique<Inbox>();
+    inOneTurn([&] {
+        for (int i = 0; i < 3; ++i)
+            QCopChannel::send(kChannel, "n", numbered("parent", i));
+        child = ::fork();
+        if (child != 0)
+            return;
+        for (int i = 0; i < 3; ++i)
+            QCopChannel::send(kChannel, "n", numbered("child", i));
+        if (arguments.contains(QLatin1String("stay"))) {
+            ::alarm(role::kPatience / 1000);
+            QCopChannel::send(kChannel, QByteArray::number(::getpid()));
+            ::pause();
+        }
+        listener.reset();
+        std::exit(EXIT_SUCCESS);
+    });
+    role::sayReady();
+    if (arguments.contains(QLatin1String("stay")))
+        ::pause();
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    const bool isServed = QTest::qWaitFor([&] { return listener->counts["child"] == 3; }, role::kPatience);
+    return status == 0 && isServed && listener->isInOrder ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+class tst_QCopChannel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void handsEveryMessageToEveryListenerOnce();
+    void refusesWhatIsNoMessage_data();
+    void refusesWhatIsNoMessage();
+    void givesALateListenerNothingSentBefore();
+    void writesTheFirstMessageOfATurnAtOnce();
+    void keepsEachSendersOrder_data();
+    void keepsEachSendersOrder();
+    void removesTheSocketOfADeadListenerOnly();
+    void losesNothingToAStoppedListener();
+    void cutsOffAListenerThatStaysStopped();
+    void connectsLaterToAListenerThatAcceptsNobody();
+    void servesOthersWhenAListenerIsDestroyed();
+    void deliversInANestedLoop();
+    void deliversInTheListenersThread();
+    void refusesADirectoryThatIsNotTheUsersAlone_data();
+    void refusesADirectoryThatIsNotTheUsersAlone();
+    void findsItsDirectory();
+    void closesAConnectionThatSendsGarbage_data();
+    void closesAConnectionThatSendsGarbage();
+    void takesAFrameInPieces();
+    void survivesAFork();
+    void forgetsAListenerWhoseForkedChildLives();
+
+private:
+    QByteArray root() const { return m_folder->path().toLocal8Bit() + "/qcop"; }
+    QByteArray socketPath(const QByteArray& name) const { return root() + '/' + kChannelDirectory + '/' + name; }
+    QStringList sockets() const
+    {
+        return QDir(QString::fromLocal8Bit(socketPath({}))).entryList(QDir::System | QDir::Hidden);
+    }
+    int pid(const QProcess& process) const { return static_cast<int>(process.processId()); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    qsizetype m_descriptors = 0;
+};
+
+void tst_QCopChannel::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    qputenv("ZYN_QCOP_PATH", root() + "-unused");
+    QVERIFY(QCopChannel::send("warm", "up"));
+    m_descriptors = openDescriptors();
+    qputenv("ZYN_QCOP_PATH", root());
+}
+
+void tst_QCopChannel::cleanup()
+{
+    QCOMPARE(sockets(), QStringList());
+    // A sender lets go of the old connections when it sends in another place.
+    qputenv("ZYN_QCOP_PATH", root() + "-unused");
+    QVERIFY(QCopChannel::send("cool", "down"));
+    QTRY_COMPARE(openDescriptors(), m_descriptors); // a thread's go a little after it is done
+}
+
+void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
+{
+    Inbox first;
+    QCopChannel second(kChannel, nullptr, "second");
+    QCOMPARE(second.objectName(), QStringLiteral("second"));
+    QCOMPARE(second.channel(), QCString(kChannel));
+    Inbox otherChannel;
+    QCopChannel other("/zyn/TEST"), longName(QCString(300, 'c')), dots("..");
+    QSignalSpy spy(&second, &QCopChannel::received), otherSpy(&other, &QCopChannel::received);
+    QSignalSpy longSpy(&longName, &QCopChannel::received), dotSpy(&dots, &QCopChannel::received);
+    const QByteArray binary("\0\xff\0", 3), large(1024 * 1024, 'L');
+
+    QVERIFY(QCopChannel::send(kChannel, "empty"));
+    QVERIFY(QCopChannel::send(kChannel, "binary \xe4 name", binary));
+    QVERIFY(QCopChannel::send(kChannel, QCString("large\0cut", 9), large));
+    QVERIFY(QCopChannel::send(QCString(300, 'c'), "long"));
+    QVERIFY(QCopChannel::send("..", "dots"));
+    QCOMPARE(spy.size(), 0); // never inside send
+
+    QTRY_COMPARE(spy.size(), 3);
+    QTRY_COMPARE(first.names, QList<QCString>({"empty", "binary \xe4 name", "large"}));
+    QCOMPARE(spy[0], QVariantList({QByteArray("empty"), QByteArray()}));
+    QCOMPARE(spy[1], QVariantList({QByteArray("binary \xe4 name"), binary}));
+    QCOMPARE(spy[2], QVariantList({QByteArray("large"), large}));
+    QTRY_COMPARE(longSpy.size(), 1);
+    QTRY_COMPARE(dotSpy.size(), 1);
+    QCOMPARE(otherSpy.size(), 0);
+    QCOMPARE(QCopChannel::channels(), QList<QCString>({"..", kChannel, "/zyn/TEST"}));
+}
+
+void tst_QCopChannel::refusesWhatIsNoMessage_data()
+{
+    QTest::addColumn<QCString>("channel");
+    QTest::addColumn<QCString>("message");
+    QTest::addColumn<qsizetype>("size");
+    QTest::addColumn<bool>("isSent");
+    QTest::newRow("no channel") << QCString() << QCString("m") << qsizetype(0) << false;
+    QTest::newRow("a channel that begins with NUL") << QCString("\0c", 2) << QCString("m") << qsizetype(0) << false;
+    QTest::newRow("no name") << QCString(kChannel) << QCString("") << qsizetype(0) << false;
+    QTest::newRow("a name that begins with NUL") << QCString(kChannel) << QCString("\0m", 2) << qsizetype(0) << false;
+    QTest::newRow("one byte too many") << QCString(kChannel) << QCString("m") << kLimit << false;
+    QTest::newRow("as large as may be") << QCString(kChannel) << QCString("m") << kLimit - 1 << true;
+}
+
+void tst_QCopChannel::refusesWhatIsNoMessage()
+{
+    QFETCH(QCString, channel);
+    QFETCH(QCString, message);
+    QFETCH(qsizetype, size);
+    QFETCH(bool, isSent);
+    QCopChannel listener(kChannel);
+    QSignalSpy spy(&listener, &QCopChannel::received);
+    QCOMPARE(QCopChannel::send(channel, message, QByteArray(size, 'x')), isSent);
+    QVERIFY(QCopChannel::send(kChannel, "last") || isSent); // the largest may leave no room
+    QTRY_VERIFY(spy.size() >= 1);
+    QCOMPARE(spy[0][1].toByteArray().size(), isSent ? size : 0);
+}
+
+void tst_QCopChannel::givesALateListenerNothingSentBefore()
+{
+    Inbox early;
+    std::unique_ptr<Inbox> late;
+    inOneTurn([&] {
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(QCopChannel::send(kChannel, "before"));
+        late = std::make_unique<Inbox>();
+        QVERIFY(QCopChannel::send(kChannel, "after"));
+    });
+    QTRY_COMPARE(early.names.size(), 4);
+    QTRY_COMPARE(late->names, QList<QCString>({"after"}));
+}
+
+void tst_QCopChannel::writesTheFirstMessageOfATurnAtOnce()
+{
+    const auto process = role::start(QStringLiteral("listen"));
+    QVERIFY(role::waitReady(*process));
+    inOneTurn([&] {
+        QVERIFY(QCopChannel::send(kChannel, "end", "0"));
+        QCOMPARE(role::finish(*process), EXIT_SUCCESS); // while the turn lasts
+    });
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+}
+
+void tst_QCopChannel::keepsEachSendersOrder_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QStringList>("mode");
+    QTest::newRow("small messages, without a loop") << 0 << QStringList();
+    QTest::newRow("small messages in one turn") << 0 << QStringList(QStringLiteral("turn"));
+    QTest::newRow("more than a socket takes, without a loop") << 4000 << QStringList();
+    QTest::newRow("more than a socket takes in one turn") << 4000 << QStringList(QStringLiteral("turn"));
+}
+
+void tst_QCopChannel::keepsEachSendersOrder()
+{
+    QFETCH(int, size);
+    QFETCH(QStringList, mode);
+    Inbox inbox;
+    std::vector<std::unique_ptr<QProcess>> senders;
+    for (const char* sender : {"a", "b", "c"})
+        senders.push_back(role::start(QStringLiteral("send"), QStringList{QString::fromLatin1(sender),
+                                      QStringLiteral("1000"), QString::number(size)} + mode));
+    QTRY_COMPARE_WITH_TIMEOUT(inbox.names.size(), 3000, role::kPatience);
+    QVERIFY(inbox.isInOrder);
+    for (const auto& sender : senders)
+        QCOMPARE(role::finish(*sender), EXIT_SUCCESS);
+}
+
+void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
+{
+    Inbox living;
+    const auto dead = role::start(QStringLiteral("listen"));
+    QVERIFY(role::waitReady(*dead));
+    const auto halfBorn = zyn::posix::unixSocket();
+    const auto address = zyn::posix::unixAddress(socketPath(".new"));
+    QCOMPARE(::bind(halfBorn.get(), address.get(), address.length), 0);
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    dead->kill();
+    QCOMPARE(role::finish(*dead), -1);
+    QCOMPARE(sockets().size(), 3);
+
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QCOMPARE(sockets().size(), 2);
+    QVERIFY(sockets().contains(QStringLiteral(".new")));
+    QTRY_COMPARE(living.names.size(), 2);
+    ::unlink(socketPath(".new").constData());
+}
+
+void tst_QCopChannel::losesNothingToAStoppedListener()
+{
+    const auto process = role::start(QStringLiteral("listen"));
+    QVERIFY(role::waitReady(*process));
+    for (int i = 0; i < 3000; ++i) {
+        if (i == 1000)
+            ::kill(pid(*process), SIGSTOP);
+        QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i, 4000)));
+    }
+    ::kill(pid(*process), SIGCONT);
+    QVERIFY(QCopChannel::send(kChannel, "end", "3000"));
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+}
+
+void tst_QCopChannel::cutsOffAListenerThatStaysStopped()
+{
+    const auto process = role::start(QStringLiteral("listen"));
+    QVERIFY(role::waitReady(*process));
+    ::kill(pid(*process), SIGSTOP);
+    int sent = 0;
+    while (sent < 4000 && QCopChannel::send(kChannel, "n", numbered("test", sent, 8000)))
+        ++sent;
+    QVERIFY2(sent * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
+    Inbox other;
+    QVERIFY(!QCopChannel::send(kChannel, "n"));
+    QTRY_COMPARE(other.names.size(), 1);
+
+    ::kill(pid(*process), SIGCONT);
+    QTRY_VERIFY_WITH_TIMEOUT(QCopChannel::send(kChannel, "again"), role::kPatience);
+    QVERIFY(QCopChannel::send(kChannel, "end", "-1"));
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+}
+
+void tst_QCopChannel::connectsLaterToAListenerThatAcceptsNobody()
+{
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    auto busy = zyn::posix::listenUnix(socketPath(".busy"), 0600);
+    QCOMPARE(::listen(busy.get(), 0), 0);
+    QCOMPARE(::rename(socketPath(".busy").constData(), socketPath("busy").constData()), 0);
+    const auto intruder = zyn::posix::connectUnixAtOnce(socketPath("busy"));
+    QVERIFY(intruder.isValid());
+    QVERIFY(QCopChannel::send(kChannel, "n", "waits"));
+    QCoreApplication::processEvents();
+
+    QVERIFY(zyn::posix::acceptConnection(busy.get()).isValid());
+    pollfd waiting = {busy.get(), POLLIN, 0};
+    QTRY_COMPARE(::poll(&waiting, 1, 0), 1);
+    const auto sender = zyn::posix::acceptConnection(busy.get());
+    std::array<std::byte, 14> frame;
+    QVERIFY(zyn::posix::receiveAll(sender.get(), frame, zyn::posix::Clock::now() + std::chrono::seconds(20)));
+    QCOMPARE(QByteArray(reinterpret_cast<char*>(frame.data()), frame.size()), QByteArray("\1\0\0\0\5\0\0\0nwaits", 14));
+    ::unlink(socketPath("busy").constData());
+}
+
+void tst_QCopChannel::servesOthersWhenAListenerIsDestroyed()
+{
+    std::array<std::unique_ptr<Inbox>, 4> inboxes;
+    int received = 0;
+    for (size_t i = 0; i < inboxes.size(); ++i) {
+        inboxes[i] = std::make_unique<Inbox>();
+        const auto destroyTwo = [&, i] {
+            if (++received > 1)
+                return;
+            inboxes[(i + 1) % inboxes.size()].reset();
+            inboxes[i].reset();
+        };
+        connect(inboxes[i].get(), &QCopChannel::received, this, destroyTwo);
+    }
+    inOneTurn([] {
+        for (int i = 0; i < 100; ++i)
+            QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
+    });
+    QTRY_COMPARE(received, 1 + 2 * 100);
+}
+
+void tst_QCopChannel::deliversInANestedLoop()
+{
+    Inbox inbox;
+    int depth = 0;
+    QList<int> depths;
+    const auto waitForAll = [&] {
+        depths.append(depth++);
+        if (inbox.names.size() < 3) // waits, as for an answer, for messages that have been read already
+            QTRY_COMPARE(inbox.names.size(), 3);
+        --depth;
+    };
+    connect(&inbox, &QCopChannel::received, this, waitForAll);
+    inOneTurn([] {
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
+    });
+    QTRY_COMPARE(depths, QList<int>({0, 1, 2}));
+    QVERIFY(inbox.isInOrder);
+}
+
+void tst_QCopChannel::deliversInTheListenersThread()
+{
+    QThread thread;
+    thread.start();
+    QObject home;
+    home.moveToThread(&thread);
+    std::unique_ptr<Inbox> there;
+    std::atomic<QThread*> receivedIn = nullptr;
+    const auto listen = [&] {
+        there = std::make_unique<Inbox>();
+        connect(there.get(), &QCopChannel::received, [&] { receivedIn = QThread::currentThread(); });
+    };
+    QMetaObject::invokeMethod(&home, listen, Qt::BlockingQueuedConnection);
+    Inbox here;
+    QMetaObject::invokeMethod(&home, [] { QCopChannel::send(kChannel, "n", "t"); }, Qt::BlockingQueuedConnection);
+    QTRY_COMPARE(here.names.size(), 1);
+    QTRY_COMPARE(receivedIn.load(), &thread);
+    QMetaObject::invokeMethod(&home, [&] { there.reset(); }, Qt::BlockingQueuedConnection);
+    thread.quit();
+    QVERIFY(thread.wait(role::kPatience));
+}
+
+void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone_data()
+{
+    QTest::addColumn<QByteArray>("below");
+    QTest::addColumn<QByteArray>("damage");
+    for (const char* below : {"", kChannelDirectory}) {
+        for (const char* damage : {"open to the group", "open to others", "somebody else's", "a link", "a file"})
+            QTest::addRow("%s: %s", *below ? "channel" : "root", damage) << QByteArray(below) << QByteArray(damage);
+    }
+}
+
+void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
+{
+    QFETCH(QByteArray, below);
+    QFETCH(QByteArray, damage);
+    const QByteArray path = root() + '/' + below;
+    QVERIFY(QCopChannel::send(kChannel, "n")); // has made the directories, and looks again when they change
+    if (damage == "open to the group")
+        QCOMPARE(::chmod(path.constData(), 0710), 0);
+    else if (damage == "open to others")
+        QCOMPARE(::chmod(path.constData(), 0704), 0);
+    else if (damage == "somebody else's" && ::chown(path.constData(), 65534, 65534) != 0)
+        QSKIP("only root can give a directory away");
+    const QByteArray moved = root() + "-moved", bare = path.endsWith('/') ? path.chopped(1) : path;
+    if (damage.startsWith("a ")) {
+        QCOMPARE(::rename(bare.constData(), moved.constData()), 0);
+        if (damage == "a link")
+            QCOMPARE(::symlink(moved.constData(), bare.constData()), 0);
+        else
+            QVERIFY(QFile(QString::fromLocal8Bit(bare)).open(QIODevice::WriteOnly));
+    }
+    QVERIFY(!QCopChannel::send(kChannel, "n"));
+    QTest::ignoreMessage(QtWarningMsg, qPrintable(QString::fromLocal8Bit(
+        "QCopChannel: no listener on \"" + QByteArray(kChannel) + "\" in \"" + root() + '"')));
+    Inbox deaf;
+}
+
+void tst_QCopChannel::findsItsDirectory()
+{
+    const QByteArray runtime = m_folder->path().toLocal8Bit() + "/runtime";
+    const QByteArray own = "/tmp/zynqcop-" + QByteArray::number(::geteuid());
+    const QByteArray oldRuntime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", runtime);
+    qunsetenv("ZYN_QCOP_PATH");
+    const bool wasThere = QFile::exists(QString::fromLocal8Bit(own));
+    QVERIFY(QCopChannel::send(kChannel, "n")); // the runtime directory is missing
+    QVERIFY(QFile::exists(QString::fromLocal8Bit(own)));
+    QCOMPARE(::mkdir(runtime.constData(), 0700), 0);
+    qputenv("XDG_RUNTIME_DIR", runtime + '/');
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QVERIFY(QFile::exists(QString::fromLocal8Bit(runtime + "/zynqcop")));
+    qputenv("ZYN_QCOP_PATH", "relative");
+    QVERIFY(!QCopChannel::send(kChannel, "n"));
+    qputenv("ZYN_QCOP_PATH", root() + QByteArray(100, 'l')); // longer than the address of a socket
+    Inbox inbox;
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QTRY_COMPARE(inbox.names.size(), 1);
+    qputenv("XDG_RUNTIME_DIR", oldRuntime);
+    if (!wasThere)
+        QDir(QString::fromLocal8Bit(own)).removeRecursively();
+}
+
+void tst_QCopChannel::closesAConnectionThatSendsGarbage_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("no name") << QByteArray("\0\0\0\0\1\0\0\0x", 9);
+    QTest::newRow("a name with a NUL") << QByteArray("\2\0\0\0\0\0\0\0\0n", 10);
+    QTest::newRow("a name too long") << QByteArray("\1\0\0\1\0\0\0\0", 8);
+    QTest::newRow("a payload too long") << QByteArray("\1\0\0\0\0\0\0\1", 8);
+    QTest::newRow("lengths that overflow") << QByteArray("\1\0\0\0\xff\xff\xff\xff", 8);
+    QTest::newRow("text") << QByteArray("GET / HTTP/1.1\r\n\r\n");
+    QTest::newRow("a good message first") << QByteArray("\1\0\0\0\0\0\0\0nGARBAGE!", 17);
+}
+
+void tst_QCopChannel::closesAConnectionThatSendsGarbage()
+{
+    QFETCH(QByteArray, bytes);
+    Inbox inbox;
+    QVERIFY(QCopChannel::send(kChannel, "before"));
+    const auto hostile = zyn::posix::connectUnixAtOnce(socketPath(sockets().at(0).toLatin1()));
+    QCOMPARE(::write(hostile.get(), bytes.constData(), size_t(bytes.size())), bytes.size());
+    QTRY_VERIFY(zyn::posix::hasPeerClosed(hostile.get()));
+    QVERIFY(QCopChannel::send(kChannel, "after"));
+    QTRY_COMPARE(inbox.names.last(), QCString("after"));
+    QCOMPARE(inbox.names.size(), bytes.contains("nGARBAGE") ? 3 : 2);
+}
+
+void tst_QCopChannel::takesAFrameInPieces()
+{
+    Inbox inbox;
+    const QByteArray bytes("\3\0\0\0\4\0\0\0onedata\2\0\0\0\0\0\0\0hi", 25);
+    const auto sender = zyn::posix::connectUnixAtOnce(socketPath(sockets().at(0).toLatin1()));
+    for (const char byte : bytes) {
+        QCOMPARE(::write(sender.get(), &byte, 1), 1);
+        QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE(inbox.names, QList<QCString>({"one", "hi"}));
+    QCOMPARE(inbox.payloads, QList<QByteArray>({"data", ""}));
+}
+
+void tst_QCopChannel::survivesAFork()
+{
+    Inbox inbox;
+    const auto process = role::start(QStringLiteral("fork"));
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+    QTRY_COMPARE(inbox.names.size(), 6);
+    QVERIFY(inbox.isInOrder);
+}
+
+void tst_QCopChannel::forgetsAListenerWhoseForkedChildLives()
+{
+    Inbox inbox;
+    const auto process = role::start(QStringLiteral("fork"), {QStringLiteral("stay")});
+    QTRY_COMPARE_WITH_TIMEOUT(inbox.names.size(), 7, role::kPatience);
+    process->kill();
+    QCOMPARE(role::finish(*process), -1);
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QCOMPARE(sockets().size(), 1);
+    const auto child = std::max_element(inbox.names.begin(), inbox.names.end(), [](const auto& a, const auto& b) {
+        return a.toInt() < b.toInt();
+    });
+    QCOMPARE(::kill(child->toInt(), SIGKILL), 0);
+}
+
+int main(int argc, char** argv)
+{
+    return role::testMain<tst_QCopChannel>(argc, argv,
+                                           {{QStringLiteral("listen"), &listenRole},
+                                            {QStringLiteral("send"), &sendRole},
+                                            {QStringLiteral("fork"), &forkRole}});
+}
+
+#include "tst_QCopChannel.moc"

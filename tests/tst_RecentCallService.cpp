@@ -1,0 +1,434 @@
+// The recent-call service, run as the process that it is, through the library and through bare sockets.
+#include "platform/posix/UnixSocket_p.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "tests/support/Role.h"
+#include "tests/support/ScriptedService.h"
+#include "tests/support/StoreFixture.h"
+
+#include <csignal>
+
+using zyn::posix::Clock;
+using zyn::posix::UniqueFd;
+namespace rc = zyn::recentcall;
+
+namespace {
+
+constexpr auto kAnswered = RC_CALL_CATEGORY_ANSWERED;
+constexpr auto kMissed = RC_CALL_CATEGORY_MISSED;
+constexpr auto kDialed = RC_CALL_CATEGORY_DIALED;
+constexpr auto kAll = RC_CALL_CATEGORY_ALL;
+constexpr auto kVoice = RC_CALL_TYPE_VOICE;
+constexpr auto kPatience = std::chrono::milliseconds(role::kPatience);
+const QString kSocket = QStringLiteral("/tmp/zynrecentcallcom/recentcall_interface");
+
+using Uids = QList<int>;
+
+/// What a client may claim about a call: neither uid nor slot are its to say.
+PHONE_ENG_RecentCall claim(RC_CALL_CATEGORY_T category, int uid = 4711, RC_CALL_TYPE_T type = kVoice)
+{
+    PHONE_ENG_RecentCall record(QStringLiteral("+447700900123"), QDateTime::currentDateTime(), 5, true);
+    record.category = category;
+    record.callType = type;
+    record.uid = uid;
+    record.slot = 77;
+    record.reservedB = 0x01020304;
+    return record;
+}
+
+int add(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+{
+    PHONE_ENG_RecentCall record = claim(category, 4711, type);
+    return PHONE_RecentCall_AddRecord(record);
+}
+
+int remove(int uid, RC_CALL_CATEGORY_T category)
+{
+    PHONE_ENG_RecentCall record = claim(category, uid);
+    return PHONE_RecentCall_DeleteRecord(record);
+}
+
+/// The uids of a list in its order; -3 alone when the service does not answer with success.
+Uids uids(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+{
+    QPtrList<RC_RecordInterface> list;
+    if (const int result = RC_Interface().getRecordList(list, category, type); result != 0)
+        return {-result};
+    Uids found;
+    for (const RC_RecordInterface* record : list)
+        found += record->getUID();
+    return found;
+}
+
+QByteArray words(std::initializer_list<int32_t> values)
+{
+    return QByteArray(reinterpret_cast<const char*>(std::data(values)), qsizetype(values.size() * 4));
+}
+
+QByteArray frame(int32_t code, const QByteArray& data)
+{
+    return ScriptedService::frame(code, data);
+}
+
+const QByteArray kGreeting = frame(0, words({0}));
+const QByteArray kListAll = frame(rc::ListRecords, words({kAll, kVoice}));
+const QByteArray kAddMissed = frame(rc::AddRecord, zyn::bytesOf(claim(kMissed)).toByteArray());
+
+void send(const UniqueFd& fd, const QByteArray& bytes)
+{
+    const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
+    zyn::posix::sendAll(fd.get(), block, {}, Clock::now() + kPatience);
+}
+
+/// A connection on which @p bytes were sent.
+UniqueFd client(const QByteArray& bytes)
+{
+    UniqueFd fd = zyn::posix::connectUnix(kSocket.toLatin1(), kPatience);
+    send(fd, bytes);
+    return fd;
+}
+
+/// What the service has sent once it has closed the connection; nothing when it does not close it.
+std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
+{
+    if (!zyn::posix::waitFor(fd.get(), 0, Clock::now() + kPatience))
+        return std::nullopt;
+    QByteArray sent(2'000'000, '\0');
+    const auto buffer = std::as_writable_bytes(std::span(sent.data(), size_t(sent.size())));
+    qsizetype size = 0;
+    for (ssize_t n = 1; n > 0; size += std::max<ssize_t>(n, 0))
+        n = zyn::posix::receiveSome(fd.get(), buffer.subspan(size_t(size)));
+    return sent.first(size);
+}
+
+/// Adds calls until the given number of them was taken, whether or not the service is there all the time.
+int addUntilTaken(const QStringList& arguments)
+{
+    for (int left = arguments.value(0).toInt(); left > 0;)
+        left -= add(kAnswered) == 0 ? 1 : 0;
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+class tst_RecentCallService : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::optional<StoreFixture> m_files;
+    QProcess m_service;
+
+    void start(const QString& options = {}, const QString& before = {})
+    {
+        const QString command = QStringLiteral("%1 exec '%2' --ready-fd 3 %3 3>&1 >/dev/null");
+        m_service.start(
+            QStringLiteral("/bin/sh"),
+            {QStringLiteral("-c"), command.arg(before, QStringLiteral(ZYN_RECENTCALLD), options)});
+        QVERIFY(role::waitReady(m_service));
+    }
+    void tell(int signal) { ::kill(pid_t(m_service.processId()), signal); }
+    /// Ends the service; its exit code, -1 when it was killed.
+    int stop(int signal = SIGTERM)
+    {
+        tell(signal);
+        return role::finish(m_service);
+    }
+    /// Ends the service and gives what it has logged since it told that it listens.
+    QByteArray log()
+    {
+        return stop() == 0 ? m_service.readAllStandardError().split('\n').mid(1).join('\n') : "no clean end";
+    }
+    void overwrite(RC_CALL_CATEGORY_T category, int slot, size_t field, int32_t value)
+    {
+        QByteArray bytes = m_files->read(category);
+        m_files->write(category,
+                       bytes.replace(zyn::recordOffset(slot) + qsizetype(field), 4, words({value})));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_files.emplace();
+        start();
+    }
+    void cleanup()
+    {
+        if (m_service.state() != QProcess::NotRunning)
+            QCOMPARE(stop(), 0);
+        QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + QStringLiteral(".lock")));
+    }
+
+    void keepsEachListAndCallTypeApart_data()
+    {
+        QTest::addColumn<RC_CALL_CATEGORY_T>("category");
+        QTest::addColumn<RC_CALL_TYPE_T>("type");
+        QTest::newRow("answered voice calls") << kAnswered << kVoice;
+        QTest::newRow("missed push-to-talk calls") << kMissed << RC_CALL_TYPE_PTT1;
+        QTest::newRow("dialed calls of a type unknown") << kDialed << RC_CALL_TYPE_T(-9);
+    }
+    void keepsEachListAndCallTypeApart()
+    {
+        QFETCH(RC_CALL_CATEGORY_T, category);
+        QFETCH(RC_CALL_TYPE_T, type);
+        const auto otherCategory = RC_CALL_CATEGORY_T(category % 3 + 1);
+        const auto otherType = RC_CALL_TYPE_PTT2;
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(add(category, type), 0); // uids 0, 1, 2
+        add(otherCategory, type);             // 3
+        add(category, otherType);             // 4
+        QCOMPARE(uids(category, type), Uids({2, 1, 0}));
+        QCOMPARE(uids(kAll, type), Uids({3, 2, 1, 0}));
+
+        QCOMPARE(remove(1, otherCategory), 1);
+        QCOMPARE(remove(1, category), 0);
+        QCOMPARE(remove(1, category), 1);
+        QCOMPARE(uids(category, type), Uids({2, 0}));
+
+        QCOMPARE(PHONE_RecentCall_DeleteAll(category, type), 0);
+        QCOMPARE(PHONE_RecentCall_DeleteAll(category, type), 0);
+        QCOMPARE(uids(kAll, type), Uids({3}));
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, type), 0);
+        QCOMPARE(uids(kAll, type), Uids());
+        QCOMPARE(uids(category, otherType), Uids({4}));
+    }
+
+    void storesTheRecordAsItIs()
+    {
+        PHONE_ENG_RecentCall record = claim(kMissed);
+        PHONE_RecentCall_AddRecord(record);
+        QCOMPARE(uids(kMissed), Uids({0}));
+        record.uid = 0;
+        record.slot = 0;
+        record.inUse = 1;
+        QCOMPARE(zyn::bytesOf(m_files->recordIn(kMissed, 0)), zyn::bytesOf(record));
+    }
+
+    void fullListLosesItsOldest()
+    {
+        m_files->setLimits(50, 3, 0);
+        stop();
+        start();
+        for (int i = 0; i < 5; ++i) {
+            add(kMissed, i == 3 ? RC_CALL_TYPE_PTT1 : kVoice);
+            add(kDialed);
+        }
+        QCOMPARE(uids(kMissed), Uids({4, 2}));
+        QCOMPARE(uids(kMissed, RC_CALL_TYPE_PTT1), Uids({3}));
+        const UniqueFd fd = client(kGreeting + kListAll);
+        ::shutdown(fd.get(), SHUT_WR);
+        QCOMPARE(sentBeforeClose(fd).value_or(QByteArray()).mid(8, 8), words({2, 53}));
+        QCOMPARE(log().count("a call of category 3 refused"), 5);
+    }
+
+    void survivesItsEnd_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("told to end") << SIGTERM << 0;
+        QTest::newRow("interrupted") << SIGINT << 0;
+        QTest::newRow("killed") << SIGKILL << -1;
+    }
+    void survivesItsEnd()
+    {
+        QFETCH(int, signal);
+        QFETCH(int, exitCode);
+        for (const auto category : zyn::kRecordLists)
+            add(category);
+        QCOMPARE(uids(kAll), Uids({2, 1, 0}));
+        QCOMPARE(stop(signal), exitCode);
+        QCOMPARE(QFile::exists(kSocket), exitCode != 0);
+        start();
+        add(kMissed);
+        QCOMPARE(uids(kAll), Uids({3, 2, 1, 0}));
+    }
+
+    void refusesToStartBesideALiveService()
+    {
+        const QByteArray refusal =
+            "zyn-recentcalld: cannot listen on " + kSocket.toLatin1() + ": another service has it\n";
+        QProcess second;
+        for (const bool isLocked : {true, false}) {
+            if (!isLocked)
+                QVERIFY(QFile::remove(kSocket + QStringLiteral(".lock")));
+            second.start(QStringLiteral(ZYN_RECENTCALLD), QStringList());
+            QCOMPARE(role::finish(second), 1);
+            QCOMPARE(second.readAllStandardError(), refusal);
+            QCOMPARE(uids(kAll), Uids());
+        }
+    }
+
+    void closesTheConnectionThatSends_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        const QByteArray record(228, '\1');
+        QTest::newRow("a negative length") << kGreeting + words({rc::AddRecord, -1});
+        QTest::newRow("a length beyond any command's") << kGreeting + words({rc::AddRecord, 0x7FFFFFFF});
+        QTest::newRow("a record one byte short") << kGreeting + frame(rc::AddRecord, record.chopped(1));
+        QTest::newRow("a record one byte long") << kGreeting + frame(rc::DeleteRecord, record + '\1');
+        QTest::newRow("an empty list request") << kGreeting + frame(rc::ListRecords, {});
+        QTest::newRow("an unknown code") << kGreeting + frame(4, words({1, 1}));
+        QTest::newRow("a code beyond a byte") << kGreeting + frame(0x101, record);
+        QTest::newRow("a command before its greeting") << kListAll;
+        QTest::newRow("a greeting twice") << kGreeting + kGreeting;
+        QTest::newRow("a greeting of another kind") << frame(0, words({1}));
+        QTest::newRow("no greeting but noise") << QByteArray(100'000, '\xFF');
+    }
+    void closesTheConnectionThatSends()
+    {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(sentBeforeClose(client(bytes + kAddMissed)), QByteArray());
+        QCOMPARE(uids(kAll), Uids());
+        QCOMPARE(log().count('\n'), 1);
+    }
+
+    void knowsNoOtherCategories()
+    {
+        for (const int number : {0, 5, -1, std::numeric_limits<int>::min()}) {
+            const auto category = RC_CALL_CATEGORY_T(number);
+            QCOMPARE(uids(category), Uids({-3}));
+            QCOMPARE(PHONE_RecentCall_DeleteAll(category, kVoice), 2);
+            QCOMPARE(add(category), 0);
+            QCOMPARE(remove(0, category), 1);
+        }
+        QCOMPARE(uids(kAll), Uids());
+    }
+
+    void dropsClientsThatKeepItWaiting()
+    {
+        stop();
+        start(QStringLiteral("--patience 3000"));
+        for (int i = 0; i < 50; ++i)
+            add(kDialed);
+        const UniqueFd silent = client({});
+        const UniqueFd greetedOnly = client(kGreeting);
+        const UniqueFd stalled = client(kGreeting + kAddMissed.chopped(1));
+        const UniqueFd deaf = client(kGreeting + kListAll.repeated(100));
+        QCOMPARE(uids(kAll).count(), 50);
+        for (const UniqueFd* fd : {&silent, &greetedOnly, &stalled})
+            QCOMPARE(sentBeforeClose(*fd), QByteArray());
+        const qsizetype wholeAnswers = qsizetype{100} * (16 + 50 * 228);
+        QVERIFY(sentBeforeClose(deaf).value_or(QByteArray(wholeAnswers, '\0')).size() < wholeAnswers);
+        QCOMPARE(log().count("in time: connection closed"), 4);
+    }
+
+    void carriesOutWhatFollowsAnAnswerThatNobodyTakes()
+    {
+        for (int i = 0; i < 50; ++i)
+            add(kDialed);
+        client(kGreeting + kListAll.repeated(100) + kAddMissed);
+        QTRY_COMPARE(uids(kMissed), Uids({50}));
+    }
+
+    void clientsWaitForTheirTurnWhenDescriptorsAreShort()
+    {
+        stop();
+        start({}, QStringLiteral("ulimit -n 48;"));
+        std::vector<UniqueFd> crowd(100);
+        for (UniqueFd& fd : crowd)
+            fd = client(kGreeting);
+        QCOMPARE(add(kMissed), 0);
+        send(crowd.front(), kAddMissed);
+        QTRY_COMPARE(m_files->recordIn(kMissed, 0).inUse, 1); // though all the others still wait
+        crowd.clear();
+        QCOMPARE(uids(kMissed), Uids({1, 0}));
+    }
+
+    void carriesOutFirstWhatWasSentBeforeAConnectionWasOpened()
+    {
+        const UniqueFd earlier = client(kGreeting);
+        QCOMPARE(uids(kMissed), Uids());
+        tell(SIGSTOP);
+        send(earlier, kAddMissed);
+        const UniqueFd later = client(kGreeting + kListAll);
+        ::shutdown(later.get(), SHUT_WR);
+        tell(SIGCONT);
+        QCOMPARE(sentBeforeClose(later).value_or(QByteArray()).mid(8, 4), words({1}));
+    }
+
+    void carriesOutAllThatWasSentBeforeItsEnd()
+    {
+        const UniqueFd earlier = client(kGreeting);
+        QCOMPARE(uids(kMissed), Uids());
+        tell(SIGSTOP);
+        for (int i = 0; i < 4; ++i)
+            send(earlier, kAddMissed);
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(add(kMissed), 0);
+        tell(SIGTERM);
+        tell(SIGCONT);
+        QCOMPARE(role::finish(m_service), 0);
+        start();
+        QCOMPARE(uids(kMissed).count(), 8);
+    }
+
+    void losesNoAddOfClientsThatCloseAtOnce()
+    {
+        constexpr int kEach = 500;
+        std::vector<std::unique_ptr<QProcess>> adders(4);
+        for (auto& adder : adders)
+            adder = role::start(QStringLiteral("add"), {QString::number(kEach)});
+        int own = 0;
+        const auto isRunning = [](const auto& adder) { return !adder->waitForFinished(0); };
+        while (std::any_of(adders.begin(), adders.end(), isRunning)) {
+            QCOMPARE(add(kMissed), 0);
+            QCOMPARE(uids(kMissed).count(), std::min(++own, 50));
+            if (own % 20 == 0) {
+                QCOMPARE(stop(), 0);
+                start();
+            }
+        }
+        // Every add that was taken has used one uid.
+        QCOMPARE(uids(kAll).value(0), int(adders.size()) * kEach + own - 1);
+        QCOMPARE(uids(kAnswered).count(), 50);
+    }
+
+    void makesADamagedFileAnew_data()
+    {
+        QTest::addColumn<int>("keptBytes");
+        QTest::addColumn<QByteArray>("addedBytes");
+        QTest::newRow("missing") << -1 << QByteArray();
+        QTest::newRow("cut in its header") << 6 << QByteArray();
+        QTest::newRow("cut between records") << 8 + 228 << QByteArray();
+        QTest::newRow("one byte long") << 11'408 << QByteArray(1, '\0');
+        QTest::newRow("another header") << 0 << QByteArray(11'408, '\6');
+    }
+    void makesADamagedFileAnew()
+    {
+        QFETCH(int, keptBytes);
+        QFETCH(QByteArray, addedBytes);
+        add(kAnswered);
+        add(kMissed);
+        QCOMPARE(uids(kAll), Uids({1, 0}));
+        if (keptBytes < 0)
+            QVERIFY(QFile::remove(m_files->file(kMissed)));
+        else
+            m_files->write(kMissed, m_files->read(kMissed).first(keptBytes) + addedBytes);
+        add(kMissed);
+        QCOMPARE(uids(kAll), Uids({2, 0}));
+        QVERIFY(log().startsWith("zyn-recentcalld: a call of list 2 was not stored"));
+        start();
+        QCOMPARE(uids(kAll), Uids({2, 0}));
+    }
+
+    void believesNoDamagedRecord()
+    {
+        for (int i = 0; i < 3; ++i)
+            add(kMissed);
+        QCOMPARE(uids(kMissed), Uids({2, 1, 0}));
+        overwrite(kMissed, 0, offsetof(PHONE_ENG_RecentCall, category), 0x7FFFFFFF);
+        overwrite(kMissed, 1, offsetof(PHONE_ENG_RecentCall, slot), 2);
+        QCOMPARE(remove(0, kMissed), 0);
+        QCOMPARE(remove(1, kMissed), 2);
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, kVoice), 2);
+        QCOMPARE(uids(kMissed), Uids({1}));
+    }
+};
+
+int main(int argc, char** argv)
+{
+    return role::testMain<tst_RecentCallService>(argc, argv, {{QStringLiteral("add"), addUntilTaken}});
+}
+
+#include "tst_RecentCallService.moc"

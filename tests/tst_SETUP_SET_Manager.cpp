@@ -1,0 +1,440 @@
+// The settings store.
+#include "platform/SETUP_SET_Manager.h"
+#include "support/Descriptors.h"
+#include "support/Role.h"
+#include "support/ScopedFileSizeLimit.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QLockFile>
+#include <QtCore/QTemporaryDir>
+
+#include <climits>
+#include <optional>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kManyWrites = 200;
+constexpr qsizetype kSizeLimit = 1024 * 1024;
+constexpr uid_t kNobody = 65534;
+
+/// The stored text; null when there is none.
+QString textOf(const QString& path, const QString& group, const QString& key)
+{
+    QString value;
+    const bool stored = SETUP_SET_Manager(path, false).getSettingInfo(group, key, value, u"default"_s);
+    return stored ? value : value == u"default" ? QString() : u"not the default"_s;
+}
+
+/// Writes the numbers from 0 to below @p count under keys of its own, saying each once it is stored.
+int writeMany(const QString& path, const QString& prefix, int count)
+{
+    role::sayReady();
+    SETUP_SET_Manager settings(path, false);
+    for (int i = 0; i < count; ++i) {
+        if (!settings.setSettingInfo(u"many"_s, prefix + QString::number(i % kManyWrites), i))
+            return EXIT_FAILURE;
+        std::printf("%d\n", i);
+        std::fflush(stdout);
+    }
+    return EXIT_SUCCESS;
+}
+
+int holdLock(const QString& path)
+{
+    QLockFile lock(path + u".lock"_s);
+    const bool held = lock.lock();
+    role::sayReady();
+    ::pause();
+    return held ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+class tst_SETUP_SET_Manager : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory.emplace();
+        m_descriptors = openDescriptors();
+    }
+    void cleanup()
+    {
+        QCOMPARE(openDescriptors(), m_descriptors);
+        m_directory.reset();
+    }
+
+    void keepsTextAsTyped_data();
+    void keepsTextAsTyped();
+    void refusesWhatALineCannotHold_data();
+    void refusesWhatALineCannotHold();
+    void readsFilesWrittenByHand_data();
+    void readsFilesWrittenByHand();
+    void changesNothingButTheEntry_data();
+    void changesNothingButTheEntry();
+    void convertsNumbersAndFlags_data();
+    void convertsNumbersAndFlags();
+    void givesTheStoredValueAtOnce();
+    void failsWithoutHarm_data();
+    void failsWithoutHarm();
+    void keepsTheFilesModeAndLink();
+    void choosesTheApplicationsFile();
+    void losesNothingBetweenTwoWriters();
+    void survivesKilledWriters();
+    void takesOverTheLockOfTheDead();
+
+private:
+    QString path() const { return m_directory->filePath(u"settings.cfg"_s); }
+    void write(const QByteArray& bytes) const
+    {
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    QByteArray read() const
+    {
+        QFile file(path());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    QStringList files() const
+    {
+        return QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::System | QDir::Hidden);
+    }
+
+    std::optional<QTemporaryDir> m_directory;
+    qsizetype m_descriptors = 0;
+};
+
+void tst_SETUP_SET_Manager::keepsTextAsTyped_data()
+{
+    QTest::addColumn<QString>("group");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+
+    const QStringList values = QStringList{} << u""_s << u" "_s << u"  both ends \t"_s << u"a, b,,c"_s
+                                             << u"\"quoted\" 'x'"_s << u"+49*#21#"_s << u"0012"_s << u"=a=b="_s
+                                             << u"[group]"_s << u"]"_s << u"; # no comment"_s << u"\\n %20 @Invalid()"_s
+                                             << u"Grüße, Ελλάδα, 電話"_s << u"📞👩‍👩‍👧"_s
+                                             << QString(4000, u'9');
+    for (const QString& value : values)
+        QTest::addRow("value '%s'", qPrintable(value.left(20))) << u"Turbo Dialing"_s << u"1"_s << value;
+    for (const QString& group :
+         {u""_s, u"Fixed Dial"_s, u" outer blanks "_s, u"a]b[c"_s, u"[]"_s, u"# ; ="_s, u"電話"_s})
+        QTest::addRow("group '%s'", qPrintable(group)) << group << u"key"_s << u"v"_s;
+    for (const QString& key : {u"0"_s, u"two words"_s, u"a[0]"_s, u"a#b;c"_s, u"Schlüssel"_s, u"a/b\\c"_s})
+        QTest::addRow("key '%s'", qPrintable(key)) << u"g"_s << key << u"v"_s;
+}
+
+void tst_SETUP_SET_Manager::keepsTextAsTyped()
+{
+    QFETCH(const QString, group);
+    QFETCH(const QString, key);
+    QFETCH(const QString, value);
+    SETUP_SET_Manager settings(path(), true);
+    QVERIFY(settings.setSettingInfo(u"other"_s, key, u"another's"_s, true));
+    QVERIFY(settings.setSettingInfo(group, key, value, true));
+    QVERIFY(settings.flush());
+    QCOMPARE(textOf(path(), group, key), value);
+    QCOMPARE(textOf(path(), u"other"_s, key), u"another's"_s);
+    QVERIFY(read().contains(key.toUtf8() + '=' + value.toUtf8() + '\n'));
+    QVERIFY(group.isEmpty() || read().contains("\n[" + group.toUtf8() + "]\n"));
+}
+
+void tst_SETUP_SET_Manager::refusesWhatALineCannotHold_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+
+    const QString half(QChar(0xD83D)); // of a surrogate pair
+    for (const QString& value : {u"a\nk=b"_s, u"a\r"_s, half})
+        QTest::addRow("value '%s'", value.toUtf8().toPercentEncoding().constData()) << u"k"_s << value;
+    for (const QString& key : {u""_s, u" k"_s, u"k\t"_s, u"k=l"_s, u"[k"_s, u"#k"_s, u";k"_s, u"k\nl"_s, half})
+        QTest::addRow("key '%s'", key.toUtf8().toPercentEncoding().constData()) << key << u"v"_s;
+}
+
+void tst_SETUP_SET_Manager::refusesWhatALineCannotHold()
+{
+    QFETCH(const QString, key);
+    QFETCH(const QString, value);
+    write("[g]\nk=old\n");
+    SETUP_SET_Manager settings(path(), false);
+    QVERIFY(!settings.setSettingInfo(u"g"_s, key, value));
+    QVERIFY(!settings.setSettingInfo(u"g]\n[h"_s, u"k"_s, u"v"_s));
+    QCOMPARE(read(), "[g]\nk=old\n");
+    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, u"new"_s));
+    QVERIFY2(!settings.flush(), "a later success must not hide the failure");
+}
+
+void tst_SETUP_SET_Manager::readsFilesWrittenByHand_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("value"); // of k in g; null for the default
+
+    const QString none;
+    QTest::newRow("no final line end") << "[g]\nk=v"_ba << u"v"_s;
+    QTest::newRow("CR LF") << "[g]\r\nk= v \r\n"_ba << u" v "_s;
+    QTest::newRow("byte order mark") << "\xEF\xBB\xBF[g]\nk=v\n"_ba << u"v"_s;
+    QTest::newRow("blanks around names") << " [g]\t\n \tk = v\n"_ba << u" v"_s;
+    QTest::newRow("comments") << "[g]\n#k=1\n;k=2\n  # k=3\nk=v\n#k=4\n"_ba << u"v"_s;
+    QTest::newRow("key twice") << "[g]\nk=1\nk=v\n"_ba << u"v"_s;
+    QTest::newRow("group twice") << "[g]\nk=1\n[h]\nk=2\n[g]\nk=v\n"_ba << u"v"_s;
+    QTest::newRow("only in another group") << "k=0\n[gg]\nk=1\n[G]\nk=2\n[g]\nK=3\n"_ba << none;
+    QTest::newRow("lines of neither form") << "[g]\nk\n=1\n[\n]\nk=v\n[h\n"_ba << u"v"_s;
+    QTest::newRow("Latin-1 line beside it") << "[g]\nk=v\nk=Gr\xFC\xDF"_ba + "e\nl=\xFF\n"_ba << u"v"_s;
+    QTest::newRow("Latin-1 group after it") << "[g]\nk=v\n[Gr\xFCn]\nk=1\n"_ba << u"v"_s;
+    QTest::newRow("NUL bytes") << QByteArray("\0[g]\0\n[g]\nk=a\0b\n", 16) << QString::fromUtf8("a\0b", 3);
+    QTest::newRow("empty file") << ""_ba << none;
+    QTest::newRow("as large as allowed") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit, 'x') << u"v"_s;
+    QTest::newRow("one byte larger") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit + 1, 'x') << none;
+}
+
+void tst_SETUP_SET_Manager::readsFilesWrittenByHand()
+{
+    QFETCH(const QByteArray, text);
+    write(text);
+    QTEST(textOf(path(), u"g"_s, u"k"_s), "value");
+    QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
+}
+
+void tst_SETUP_SET_Manager::changesNothingButTheEntry_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QString>("group");
+    QTest::addColumn<QByteArray>("after"); // k=new stored in the group
+
+    QTest::newRow("no file") << QByteArray() << u"g"_s << "[g]\nk=new\n"_ba;
+    QTest::newRow("no group, no file") << QByteArray() << u""_s << "k=new\n"_ba;
+    QTest::newRow("among comments and damage")
+        << "#c\n\n[g]\n;k=1\nl=\xFF\nk=old\nwhat\n"_ba << u"g"_s << "#c\n\n[g]\n;k=1\nl=\xFF\nk=new\nwhat\n"_ba;
+    QTest::newRow("new key before the blank lines")
+        << "[g]\nl=1\n\n\n[h]\nk=2\n"_ba << u"g"_s << "[g]\nl=1\nk=new\n\n\n[h]\nk=2\n"_ba;
+    QTest::newRow("new key in an empty group") << "[g]\n[h]\nk=2\n"_ba << u"g"_s << "[g]\nk=new\n[h]\nk=2\n"_ba;
+    QTest::newRow("new group") << "[h]\nk=2\n"_ba << u"g"_s << "[h]\nk=2\n\n[g]\nk=new\n"_ba;
+    QTest::newRow("new group, no final line end") << "[h]\nk=2"_ba << u"g"_s << "[h]\nk=2\n\n[g]\nk=new\n"_ba;
+    QTest::newRow("new key, no final line end") << "[g]\nl=2"_ba << u"g"_s << "[g]\nl=2\nk=new\n"_ba;
+    QTest::newRow("last of a key that stands twice")
+        << "[g]\nk=1\nk=2\n[g]\nl=3\n"_ba << u"g"_s << "[g]\nk=1\nk=new\n[g]\nl=3\n"_ba;
+    QTest::newRow("before all groups") << "[g]\nk=1\n"_ba << u""_s << "k=new\n[g]\nk=1\n"_ba;
+    QTest::newRow("before all groups, behind the mark")
+        << "\xEF\xBB\xBF[g]\nk=1\n"_ba << u""_s << "\xEF\xBB\xBFk=new\n[g]\nk=1\n"_ba;
+    QTest::newRow("other lines' CR LF") << "[g]\r\nk=1\r\nl=2\r\n"_ba << u"g"_s << "[g]\r\nk=new\nl=2\r\n"_ba;
+}
+
+void tst_SETUP_SET_Manager::changesNothingButTheEntry()
+{
+    QFETCH(const QByteArray, before);
+    QFETCH(const QString, group);
+    if (!before.isNull())
+        write(before);
+    SETUP_SET_Manager settings(path(), false);
+    QVERIFY(settings.setSettingInfo(group, u"k"_s, u"new"_s));
+    QTEST(read(), "after");
+    QCOMPARE(textOf(path(), group, u"k"_s), u"new"_s);
+    QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
+}
+
+void tst_SETUP_SET_Manager::convertsNumbersAndFlags_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("values"); // as int, unsigned int and bool; - for the default
+
+    const QByteArray rows =
+        "7|7 7 -; 7\t|7 7 -;+7|7 7 -;007|7 7 -;-1|-1 - -;0|0 0 0; 1 |1 1 1;true|- - 1; false |- - 0;"
+        "2147483647|2147483647 2147483647 -;-2147483648|-2147483648 - -;4294967295|- 4294967295 -;"
+        "|- - -; |- - -;True|- - -;yes|- - -;1e3|- - -;0x10|- - -;1.0|- - -;1,000|- - -;1 000|- - -;"
+        "- 1|- - -;\xD9\xA7|- - -;4294967296|- - -;-2147483649|- - -";
+    for (const QByteArray& row : rows.split(';'))
+        QTest::addRow("'%s'", row.constData()) << row.split('|')[0] << row.split('|')[1];
+    QTest::newRow("a NUL behind a number") << QByteArray("7\0x", 3) << "- - -"_ba;
+    QTest::newRow("a NUL behind a flag") << QByteArray("1\0", 2) << "- - -"_ba;
+}
+
+void tst_SETUP_SET_Manager::convertsNumbersAndFlags()
+{
+    QFETCH(const QByteArray, text);
+    write("[g]\nk=" + text + '\n');
+    SETUP_SET_Manager settings(path(), false);
+    const auto get = [&]<typename Value>(Value fallback) {
+        Value value{};
+        const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
+        return stored ? QByteArray::number(value) : value == fallback ? "-"_ba : "not the default"_ba;
+    };
+    QTEST(get(77) + ' ' + get(88U) + ' ' + get(true), "values");
+}
+
+void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
+{
+    SETUP_SET_Manager writer(path(), false);
+    SETUP_SET_Manager reader(path(), false);
+    const auto comesBack = [&]<typename Value>(Value stored, Value other) {
+        Value value{};
+        return writer.setSettingInfo(u"g"_s, u"k"_s, stored) && reader.getSettingInfo(u"g"_s, u"k"_s, value, other) &&
+               value == stored;
+    };
+    QVERIFY(comesBack(INT_MIN, 5) && comesBack(INT_MAX, 5));
+    QVERIFY(comesBack(true, false) && comesBack(false, true));
+    // Values of one length, many of them within one tick of the file's time.
+    for (int i = 1000; i < 1000 + kManyWrites; ++i)
+        QVERIFY(comesBack(i, 5));
+}
+
+void tst_SETUP_SET_Manager::failsWithoutHarm_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("diskSpace"); // the largest file that can be written; -1 for no limit
+    QTest::addColumn<bool>("asNobody");
+
+    QTest::newRow("a file in the directory's place") << u"settings.cfg/setup/x"_s << -1 << false;
+    QTest::newRow("a directory in the file's place") << u"directory"_s << -1 << false;
+    QTest::newRow("a FIFO in the file's place") << u"fifo"_s << -1 << false;
+    QTest::newRow("no room left below 1 MiB") << u"full"_s << -1 << false;
+    QTest::newRow("larger than 1 MiB") << u"huge"_s << -1 << false;
+    QTest::newRow("no path") << QString() << -1 << false;
+    QTest::newRow("a NUL in the path") << QString(u"settings.cfg"_s + QChar::Null) << -1 << false;
+    QTest::newRow("no space for the lock") << u"settings.cfg"_s << 0 << false;
+    QTest::newRow("no space for the file") << u"settings.cfg"_s << 500 << false;
+    QTest::newRow("another user's directory") << u"settings.cfg"_s << -1 << true;
+}
+
+void tst_SETUP_SET_Manager::failsWithoutHarm()
+{
+    QFETCH(const QString, name);
+    QFETCH(const int, diskSpace);
+    QFETCH(const bool, asNobody);
+    QDir::setCurrent(m_directory->path());
+    const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
+    const QByteArray full = old.leftJustified(kSizeLimit - 2, 'x');
+    write(full);
+    QVERIFY(QDir().mkdir(u"directory"_s) && ::mkfifo("fifo", 0600) == 0);
+    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"huge"_s) &&
+            QFile::resize(u"huge"_s, kSizeLimit + 1));
+    write(old);
+    QVERIFY(::chmod(".", 0755) == 0);
+    const QStringList before = files();
+
+    SETUP_SET_Manager settings(name, false);
+    if (asNobody && ::seteuid(kNobody) != 0)
+        QSKIP("only root can be somebody else");
+    std::optional<ScopedFileSizeLimit> limit;
+    if (diskSpace >= 0)
+        limit.emplace(rlim_t(diskSpace));
+    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
+    limit.reset();
+    QVERIFY(!asNobody || ::seteuid(0) == 0);
+    QVERIFY(!stored);
+    QVERIFY(!settings.flush());
+    QCOMPARE(files(), before);
+    QCOMPARE(read(), old);
+    QCOMPARE(textOf(u"full"_s, u"g"_s, u"k"_s), u"old"_s);
+}
+
+void tst_SETUP_SET_Manager::keepsTheFilesModeAndLink()
+{
+    const auto mode = [](const QString& file) {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
+    };
+    const mode_t oldMask = ::umask(027);
+    SETUP_SET_Manager settings(path(), false);
+    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"1"_s);
+    ::umask(oldMask);
+    QVERIFY(stored);
+    QCOMPARE(mode(path()), 0640U);
+
+    const QString link = m_directory->filePath(u"link"_s);
+    QVERIFY(QFile::link(u"settings.cfg"_s, link));
+    QVERIFY(::chmod(QFile::encodeName(path()).constData(), 0604) == 0);
+    SETUP_SET_Manager linked(link, false);
+    QVERIFY(linked.setSettingInfo(u"g"_s, u"k"_s, u"2"_s));
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"2"_s);
+    QCOMPARE(mode(path()), 0604U);
+}
+
+void tst_SETUP_SET_Manager::choosesTheApplicationsFile()
+{
+    const auto store = [](int app) {
+        return SETUP_SET_Manager(AM_Global::Apps(app), true).setSettingInfo(u"g"_s, u"k"_s, app);
+    };
+    const QString configuration = m_directory->filePath(u"configuration"_s);
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configuration));
+    qunsetenv("ZYN_APP_WRITE_PATH");
+    QVERIFY(store(4));
+    qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_directory->filePath(u"Größe 1"_s)));
+    QVERIFY(store(5));
+    qunsetenv("XDG_CONFIG_HOME");
+    qunsetenv("ZYN_APP_WRITE_PATH");
+    QCOMPARE(textOf(configuration + u"/zynphone/setup/zyn_app4.cfg"_s, u"g"_s, u"k"_s), u"4"_s);
+    QCOMPARE(textOf(m_directory->filePath(u"Größe 1/setup/zyn_app5.cfg"_s), u"g"_s, u"k"_s), u"5"_s);
+}
+
+void tst_SETUP_SET_Manager::losesNothingBetweenTwoWriters()
+{
+    write("[g]\nk=stays\n");
+    const QString count = QString::number(kManyWrites);
+    const auto first = role::start(u"writer"_s, {path(), u"a"_s, count});
+    const auto second = role::start(u"writer"_s, {path(), u"b"_s, count});
+    for (QProcess* writer : {first.get(), second.get()}) {
+        while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
+            QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"stays"_s);
+        QCOMPARE(role::finish(*writer), EXIT_SUCCESS);
+    }
+    for (int i = 0; i < kManyWrites; ++i) {
+        QCOMPARE(textOf(path(), u"many"_s, u"a%1"_s.arg(i)), QString::number(i));
+        QCOMPARE(textOf(path(), u"many"_s, u"b%1"_s.arg(i)), QString::number(i));
+    }
+}
+
+void tst_SETUP_SET_Manager::survivesKilledWriters()
+{
+    write("[g]\nk=stays\n");
+    SETUP_SET_Manager settings(path(), false);
+    for (int round = 0; round < 5; ++round) {
+        const auto writer = role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
+        QVERIFY(role::waitReady(*writer));
+        for (int line = 0; line <= round; ++line)
+            QVERIFY(writer->waitForReadyRead(role::kPatience));
+        writer->kill();
+        QCOMPARE(role::finish(*writer), -1);
+        const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
+        QVERIFY(settings.setSettingInfo(u"after"_s, QString::number(round), true));
+        QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"stays"_s);
+        if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
+            QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
+    }
+}
+
+void tst_SETUP_SET_Manager::takesOverTheLockOfTheDead()
+{
+    SETUP_SET_Manager settings(path(), false);
+    const auto holder = role::start(u"holder"_s, {path()});
+    QVERIFY(role::waitReady(*holder));
+    holder->kill();
+    QCOMPARE(role::finish(*holder), -1);
+    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, 1));
+
+    // One killed before it had written its number into the file.
+    QFile nameless(path() + u".lock"_s);
+    QVERIFY(nameless.open(QIODevice::WriteOnly));
+    QVERIFY(nameless.setFileTime(QDateTime::currentDateTime().addSecs(-3), QFileDevice::FileModificationTime));
+    nameless.close();
+    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, 2));
+    QVERIFY(!nameless.exists());
+}
+
+int main(int argc, char** argv)
+{
+    return role::testMain<tst_SETUP_SET_Manager>(
+        argc, argv,
+        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }},
+         {u"holder"_s, [](const QStringList& a) { return holdLock(a.value(0)); }}});
+}
+
+#include "tst_SETUP_SET_Manager.moc"

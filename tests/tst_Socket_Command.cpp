@@ -1,0 +1,298 @@
+// Commands on a socket, and the connection under them. Signals interrupt every wait.
+#include "platform/CommandFrame_p.h"
+#include "platform/CommandTimeout_p.h"
+#include "platform/Socket_Command.h"
+#include "platform/posix/UnixSocket_p.h"
+#include "support/Descriptors.h"
+
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+#include <atomic>
+#include <climits>
+#include <future>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+
+using namespace std::chrono_literals;
+using zyn::kCommandDataLimit;
+using zyn::posix::Clock;
+using zyn::posix::connectUnix;
+using zyn::posix::UniqueFd;
+
+namespace {
+
+constexpr uid_t kNobody = 65534;
+
+using Command = std::unique_ptr<UTIL_CommandBody>;
+
+Command command(int32_t code, const QByteArray& data)
+{
+    auto result = std::make_unique<UTIL_CommandBody>();
+    result->commandId = code;
+    result->dataLength = int32_t(data.size());
+    if (result->AllocateDataBuffer())
+        std::copy(data.begin(), data.end(), result->dataBuffer());
+    return result;
+}
+
+QByteArray header(int32_t code, int32_t length)
+{
+    const auto bytes = zyn::CommandFrameHeader{code, length}.encode();
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
+}
+
+/// The next command on @p socket as the bytes of its frame; null when there is none.
+QByteArray read(const UniqueFd& socket)
+{
+    const Command command(Socket_ReadCommand(socket.get()));
+    if (!command)
+        return {};
+    return header(command->commandId, command->dataLength) + QByteArray(command->dataBuffer(), command->dataLength);
+}
+
+bool send(const UniqueFd& socket, const QByteArray& bytes)
+{
+    const auto span = std::as_bytes(std::span(bytes.constData(), size_t(bytes.size())));
+    return zyn::posix::sendAll(socket.get(), span, {}, Clock::now() + 10s);
+}
+
+/// What comes until the peer closes, but no more than @p limit bytes.
+QByteArray receive(const UniqueFd& socket, qsizetype limit)
+{
+    QByteArray all;
+    std::byte byte;
+    while (all.size() < limit && zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
+        all += char(byte);
+    return all;
+}
+
+std::atomic<int> s_signals = 0;
+
+void waitForASignal()
+{
+    for (const int before = s_signals; s_signals == before;)
+        std::this_thread::yield();
+}
+
+} // namespace
+
+class tst_Socket_Command : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        struct sigaction action = {};
+        action.sa_handler = [](int) { ++s_signals; };
+        const itimerval everyMillisecond = {{0, 1000}, {0, 1000}};
+        QVERIFY(::sigaction(SIGALRM, &action, nullptr) == 0);
+        QVERIFY(::setitimer(ITIMER_REAL, &everyMillisecond, nullptr) == 0);
+    }
+    void init()
+    {
+        m_descriptors = openDescriptors();
+        int pair[2];
+        QVERIFY(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) == 0);
+        m_near.reset(pair[0]);
+        m_far.reset(pair[1]);
+    }
+    void cleanup()
+    {
+        m_near.reset();
+        m_far.reset();
+        QCOMPARE(openDescriptors(), m_descriptors);
+    }
+
+    void writesTheFrame();
+    void carriesEveryCommandWhole_data();
+    void carriesEveryCommandWhole();
+    void refusesAFrameCutShort();
+    void holdsLengthsToTheData_data();
+    void holdsLengthsToTheData();
+    void failsWhenThePeerCloses();
+    void failsAtOnceWithoutASocket();
+    void givesUpASilentPeer();
+    void connectsOrFails();
+    void trustsItsUserAndRoot();
+
+private:
+    UniqueFd listenAt(const QByteArray& name)
+    {
+        UniqueFd listener = zyn::posix::unixSocket();
+        const auto address = zyn::posix::unixAddress(path(name));
+        if (::bind(listener.get(), address.get(), address.length) != 0 || ::listen(listener.get(), 0) != 0)
+            listener.reset();
+        return listener;
+    }
+    QByteArray path(const QByteArray& name) const { return QFile::encodeName(m_directory.path()) + '/' + name; }
+
+    QTemporaryDir m_directory;
+    UniqueFd m_near;
+    UniqueFd m_far;
+    qsizetype m_descriptors = 0;
+};
+
+void tst_Socket_Command::writesTheFrame()
+{
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(0x01020304, "abc").get()), 0);
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(-2, {}).get()), 0);
+    QCOMPARE(receive(m_far, 19).toHex(' '), "04 03 02 01 03 00 00 00 61 62 63 fe ff ff ff 00 00 00 00");
+}
+
+void tst_Socket_Command::carriesEveryCommandWhole_data()
+{
+    QTest::addColumn<int>("size");  // of the data in bytes
+    QTest::addColumn<int>("piece"); // how many bytes come at a time, with a signal before each
+    QTest::addColumn<int>("flags"); // of the socket
+
+    QTest::newRow("no data, byte by byte") << 0 << 1 << 0;
+    QTest::newRow("one number, byte by byte") << 4 << 1 << 0;
+    QTest::newRow("one number, byte by byte, not blocking") << 4 << 1 << O_NONBLOCK;
+    QTest::newRow("a full list in pieces") << 8 + 50 * 228 << 501 << 0;
+    QTest::newRow("the largest, not blocking") << kCommandDataLimit << 50'001 << O_NONBLOCK;
+}
+
+void tst_Socket_Command::carriesEveryCommandWhole()
+{
+    QFETCH(const int, size);
+    QFETCH(const int, piece);
+    QFETCH(const int, flags);
+    QVERIFY(::fcntl(m_near.get(), F_SETFL, flags) == 0);
+    QByteArray data(size, '\0');
+    for (qsizetype i = 0; i < size; ++i)
+        data[i] = char(i * 31 % 251);
+
+    // The peer takes the frame in pieces, and sends it back so.
+    auto peer = std::async(std::launch::async, [&] {
+        QByteArray frame;
+        for (const qsizetype whole = 8 + size; frame.size() < whole; waitForASignal())
+            frame += receive(m_far, std::min<qsizetype>(piece, whole - frame.size()));
+        for (qsizetype i = 0; i < frame.size(); i += piece, waitForASignal())
+            send(m_far, frame.mid(i, piece));
+        return frame;
+    });
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(size - 4, data).get()), 0);
+    QVERIFY(read(m_near) == header(size - 4, size) + data);
+    QVERIFY(peer.get() == header(size - 4, size) + data);
+}
+
+void tst_Socket_Command::refusesAFrameCutShort()
+{
+    const QByteArray frame = header(1, 4) + "data";
+    for (qsizetype length = 0; length <= frame.size(); ++length) {
+        cleanup();
+        init();
+        QVERIFY(send(m_far, frame.first(length)));
+        m_far.reset();
+        QCOMPARE(read(m_near), length == frame.size() ? frame : QByteArray());
+    }
+}
+
+void tst_Socket_Command::holdsLengthsToTheData_data()
+{
+    QTest::addColumn<int>("length");       // said of the 4 bytes "data"
+    QTest::addColumn<QByteArray>("frame"); // that is sent and read; null when it is refused
+
+    QTest::newRow("shorter") << 2 << header(1, 2) + "da";
+    QTest::newRow("nothing") << 0 << header(1, 0);
+    for (const int length : {5, -1, INT_MIN, kCommandDataLimit + 1, INT_MAX})
+        QTest::addRow("%d", length) << length << QByteArray();
+}
+
+void tst_Socket_Command::holdsLengthsToTheData()
+{
+    QFETCH(const int, length);
+    QFETCH(const QByteArray, frame);
+    const Command body = command(1, "data");
+    body->dataLength = length;
+    QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), frame.isNull() ? -1 : 0);
+    QVERIFY(send(m_near, header(1, length) + "data"));
+    QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(), length >= 0 && length <= kCommandDataLimit);
+    m_near.reset();
+    if (!frame.isNull())
+        QCOMPARE(read(m_far), frame); // the written one; the other was made up
+    QCOMPARE(read(m_far), frame);
+}
+
+void tst_Socket_Command::failsWhenThePeerCloses()
+{
+    // Writing to it would end the process if the signal were let through.
+    auto peer = std::async(std::launch::async, [&] {
+        receive(m_far, 1000);
+        m_far.reset();
+    });
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(1, QByteArray(kCommandDataLimit, 'x')).get()), -1);
+    peer.get();
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(1, "data").get()), -1);
+    QCOMPARE(read(m_near), QByteArray());
+}
+
+void tst_Socket_Command::failsAtOnceWithoutASocket()
+{
+    const UniqueFd file(::open("/dev/zero", O_RDWR | O_CLOEXEC));
+    const auto begin = Clock::now();
+    QCOMPARE(Socket_WriteCommand(m_near.get(), nullptr), -1);
+    for (const int fd : {-1, INT_MAX, file.get()}) {
+        QCOMPARE(Socket_WriteCommand(fd, command(1, "data").get()), -1);
+        QVERIFY(!Socket_ReadCommand(fd));
+    }
+    QVERIFY2(Clock::now() - begin < zyn::kCommandTimeout, "waited for what can never come");
+}
+
+void tst_Socket_Command::givesUpASilentPeer()
+{
+    const UniqueFd listener = listenAt("silent");
+    const UniqueFd client = connectUnix(path("silent"), 1s);
+    const UniqueFd server(::accept(listener.get(), nullptr, nullptr));
+    QVERIFY(send(server, header(1, 4) + "dat"));
+    // All three at the same time: a frame that stops, one that never begins, and a peer that takes nothing.
+    const auto begin = Clock::now();
+    auto stops = std::async(std::launch::async, [&] { return read(client); });
+    auto neverBegins = std::async(std::launch::async, [&] { return read(server); });
+    QCOMPARE(Socket_WriteCommand(m_near.get(), command(1, QByteArray(kCommandDataLimit, 'x')).get()), -1);
+    QCOMPARE(stops.get() + neverBegins.get(), QByteArray());
+    QVERIFY2(Clock::now() - begin >= zyn::kCommandTimeout, "gave up too early");
+}
+
+void tst_Socket_Command::connectsOrFails()
+{
+    QVERIFY(!connectUnix(path("missing"), 1s).isValid());
+    listenAt("dead"); // closed at once; its file stays
+    QVERIFY(!connectUnix(path("dead"), 1s).isValid());
+
+    const QByteArray longest(zyn::posix::kUnixPathLimit - path({}).size(), 'x');
+    const UniqueFd listener = listenAt(longest);
+    QVERIFY2(!connectUnix(path(longest + 'x'), 1s).isValid(), "connected to a server of a shorter name");
+
+    // Nobody accepts: each takes a place of the backlog, until one has to wait.
+    std::vector<UniqueFd> clients;
+    do
+        clients.push_back(connectUnix(path(longest), 50ms));
+    while (clients.back().isValid() && clients.size() < 20);
+    QVERIFY(clients.size() > 1 && !clients.back().isValid());
+}
+
+void tst_Socket_Command::trustsItsUserAndRoot()
+{
+    using zyn::posix::isPeerTrusted;
+    QVERIFY(isPeerTrusted(m_near.get()) && !isPeerTrusted(-1));
+    if (::chmod(path({}).constData(), 0777) != 0 || ::seteuid(kNobody) != 0)
+        QSKIP("only root can be somebody else");
+    const bool trustsRoot = isPeerTrusted(m_near.get());
+    const UniqueFd listener = listenAt("nobody");
+    QVERIFY(::seteuid(0) == 0);
+    QVERIFY(trustsRoot);
+    const UniqueFd client = connectUnix(path("nobody"), 1s);
+    QVERIFY(client.isValid() && !isPeerTrusted(client.get()));
+}
+
+QTEST_APPLESS_MAIN(tst_Socket_Command)
+#include "tst_Socket_Command.moc"

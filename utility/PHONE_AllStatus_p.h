@@ -1,0 +1,104 @@
+// The all-status record: the snapshot of all basic status values, as it travels.
+#pragma once
+
+#include "platform/TAPI.h"
+#include "utility/PHONE_PayloadFields_p.h"
+
+#include <QtCore/QByteArray>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace zyn {
+
+/// 92 bytes, little-endian. Reserved bytes are not read.
+struct AllStatus
+{
+    int32_t batteryStatus;
+    int32_t simCardStatus;
+    int32_t pinStatus;
+    int32_t subsidyStatus;
+    int32_t chargeStatus;
+    uint8_t reserved20[8];
+    int32_t powerOnMode;
+    uint8_t batteryCapacity;
+    uint8_t reserved33[3];
+    int32_t signalQuality;
+    int32_t roamingState;
+    uint8_t gprsAttachState;  ///< 1 and 2: attached
+    uint8_t gprsServiceState; ///< 1: available
+    uint8_t reserved46[2];
+    char networkId[16]; ///< Latin-1, ended by a NUL or by the field; empty when not registered
+    int32_t networkStatus;
+    uint8_t reserved68;
+    uint8_t imsi[TAPI_IMSI_LENGTH + 1];
+    uint8_t reserved85[6];
+    uint8_t egprsServiceState; ///< not 0: available
+};
+
+static_assert(std::endian::native == std::endian::little, "the record travels as it is in memory");
+static_assert(offsetof(AllStatus, batteryStatus) == 0);
+static_assert(offsetof(AllStatus, simCardStatus) == 4);
+static_assert(offsetof(AllStatus, pinStatus) == 8);
+static_assert(offsetof(AllStatus, subsidyStatus) == 12);
+static_assert(offsetof(AllStatus, chargeStatus) == 16);
+static_assert(offsetof(AllStatus, powerOnMode) == 28);
+static_assert(offsetof(AllStatus, batteryCapacity) == 32);
+static_assert(offsetof(AllStatus, signalQuality) == 36);
+static_assert(offsetof(AllStatus, roamingState) == 40);
+static_assert(offsetof(AllStatus, gprsAttachState) == 44);
+static_assert(offsetof(AllStatus, gprsServiceState) == 45);
+static_assert(offsetof(AllStatus, networkId) == 48 && sizeof(AllStatus::networkId) == 16);
+static_assert(offsetof(AllStatus, networkStatus) == 64);
+static_assert(offsetof(AllStatus, imsi) == 69 && sizeof(AllStatus::imsi) == 16);
+static_assert(offsetof(AllStatus, egprsServiceState) == 91);
+static_assert(sizeof(AllStatus) == 92 && std::is_trivially_copyable_v<AllStatus>);
+
+/// One field of the record, for whoever goes through them all. Numbers are little-endian, text is Latin-1.
+struct AllStatusField
+{
+    FieldKind kind;
+    const char* name;
+    uint8_t offset;
+    uint8_t size;
+};
+
+#define ZYN_PLACE(member) offsetof(AllStatus, member), sizeof(AllStatus::member)
+
+/// The fields that are read, by their offset.
+inline constexpr AllStatusField kAllStatusFields[] = {
+    {FieldKind::Int, "battery", ZYN_PLACE(batteryStatus)},
+    {FieldKind::Int, "sim-card", ZYN_PLACE(simCardStatus)},
+    {FieldKind::Int, "pin", ZYN_PLACE(pinStatus)},
+    {FieldKind::Int, "subsidy-lock", ZYN_PLACE(subsidyStatus)},
+    {FieldKind::Int, "charger", ZYN_PLACE(chargeStatus)},
+    {FieldKind::Int, "power-on-mode", ZYN_PLACE(powerOnMode)},
+    {FieldKind::Byte, "battery-capacity", ZYN_PLACE(batteryCapacity)},
+    {FieldKind::Int, "signal-quality", ZYN_PLACE(signalQuality)},
+    {FieldKind::Int, "roaming", ZYN_PLACE(roamingState)},
+    {FieldKind::Byte, "gprs-attach", ZYN_PLACE(gprsAttachState)},
+    {FieldKind::Byte, "gprs-service", ZYN_PLACE(gprsServiceState)},
+    {FieldKind::Text, "network-id", ZYN_PLACE(networkId)},
+    {FieldKind::Int, "network", ZYN_PLACE(networkStatus)},
+    {FieldKind::Raw, "imsi", ZYN_PLACE(imsi)},
+    {FieldKind::Byte, "egprs-service", ZYN_PLACE(egprsServiceState)},
+};
+
+#undef ZYN_PLACE
+
+/// The record that @p payload holds; a field that is not there whole is 0.
+inline AllStatus readAllStatus(const QByteArray& payload)
+{
+    AllStatus status = {};
+    for (const AllStatusField& field : kAllStatusFields) {
+        if (field.offset + field.size <= payload.size())
+            std::memcpy(reinterpret_cast<char*>(&status) + field.offset, payload.constData() + field.offset,
+                        field.size);
+    }
+    return status;
+}
+
+} // namespace zyn

@@ -1,0 +1,40 @@
+// Names and sends the messages of the phone channel.
+#include "utility/PHONE_Msg.h"
+
+#include "utility/PHONE_Log.h"
+#include "utility/PHONE_MsgName_p.h"
+
+namespace {
+
+constexpr char kSource[] = "utility/PHONE_Msg";
+
+} // namespace
+
+PHONE_Msg::PHONE_Msg(QObject* parent, const char* name)
+    : QCopChannel(zyn::kPhoneChannel, parent, name)
+{}
+
+PHONE_Msg::~PHONE_Msg() = default;
+
+QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type)
+{
+    return zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
+}
+
+bool PHONE_Msg::send(PHONE_MSG_TYPE_T type)
+{
+    PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
+    const QCString name = getMsg(type);
+    return !name.isEmpty() && QCopChannel::send(zyn::kPhoneChannel, name);
+}
+
+bool PHONE_Msg::send(PHONE_MSG_TYPE_T type, const QByteArray& data)
+{
+    PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
+    const QCString name = getMsg(type);
+    if (name.isEmpty()) {
+        PHONE_Log(kPhoneLogLevel, "Error in getting message");
+        return false;
+    }
+    return QCopChannel::send(zyn::kPhoneChannel, name, data);
+}

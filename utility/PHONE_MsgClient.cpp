@@ -1,0 +1,53 @@
+// Turns the phone server's messages into signals.
+#include "utility/PHONE_MsgClient.h"
+
+#include "utility/PHONE_Log.h"
+#include "utility/PHONE_MsgDecoder_p.h"
+#include "utility/PHONE_MsgSignals_p.h"
+#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_SignalTypes_p.h"
+
+namespace {
+
+QByteArray intPayload(int value)
+{
+    return zyn::PayloadWriter().writeInt(value).payload();
+}
+
+} // namespace
+
+PHONE_MsgClient::PHONE_MsgClient(QObject* parent, const char* name)
+    : PHONE_Msg(parent, name)
+{
+    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    zyn::registerSignalTypes(staticMetaObject);
+}
+
+PHONE_MsgClient::~PHONE_MsgClient() = default;
+
+bool PHONE_MsgClient::getTotalByteAndConnectedDuration()
+{
+    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    return send(PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S);
+}
+
+void PHONE_MsgClient::resetTotalDuration(bool first)
+{
+    send(PHONE_MSG_RESET_TOTAL_DURATION_S, intPayload(first ? 0 : 1));
+}
+
+void PHONE_MsgClient::setFearureDBCurrLang(int language)
+{
+    send(PHONE_MSG_SET_FEATUREDB_LANG_S, intPayload(language));
+}
+
+void PHONE_MsgClient::setRFMode(bool on)
+{
+    send(PHONE_MSG_SET_RFMOD_S, zyn::PayloadWriter().writeBool(on).payload());
+}
+
+void PHONE_MsgClient::receive(const QCString& message, const QByteArray& data)
+{
+    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    zyn::deliver(*this, message, data);
+}

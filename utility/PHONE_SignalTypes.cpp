@@ -1,0 +1,32 @@
+// Lets connections by name queue a class's signals.
+#include "utility/PHONE_SignalTypes_p.h"
+
+#include <QtCore/QMetaMethod>
+#include <QtCore/QMetaType>
+
+namespace {
+
+void registerType(const QByteArray& name, QMetaType type)
+{
+    if (name.contains('['))
+        return;
+    type.id(); // registers the type's own name
+    if (name != type.name())
+        QMetaType::registerNormalizedTypedef(name, type);
+}
+
+} // namespace
+
+namespace zyn {
+
+void registerSignalTypes(const QMetaObject& metaObject)
+{
+    for (int index = metaObject.methodOffset(); index < metaObject.methodCount(); ++index) {
+        const QMetaMethod method = metaObject.method(index);
+        const QList<QByteArray> names = method.parameterTypes();
+        for (int parameter = 0; parameter < method.parameterCount(); ++parameter)
+            registerType(names.at(parameter), method.parameterMetaType(parameter));
+    }
+}
+
+} // namespace zyn
