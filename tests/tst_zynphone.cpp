@@ -119,6 +119,8 @@ void ZynphoneTest::refuses_data()
     row("missing argument", "zynphone inspect", "", "missing argument FILE");
     row("superfluous argument", "zynphone calls list", "all now", "superfluous argument 'now'");
     row("empty type", "zynphone calls list", "--type ''", "unknown type ''; known are voice, ptt1, ptt2");
+    row("empty list to clear", "zynphone calls clear", "''",
+        "unknown list ''; known are answered, missed, dialed, all");
     row("uid that is no number", "zynphone calls delete", "%3",
         "UID '%3' is no whole number from -2147483648 to 2147483647");
     row("unknown state", "zynphone handset set", "battery 3",
@@ -385,9 +387,6 @@ void ZynphoneTest::managesTheServicesCalls()
         "1    dialed    *#06#           2024-03-01T13:00:00  1:02:03   voice  yes   yes\n";
     const QByteArray answered =
         "2    answered  112             2024-03-01T12:00:00  0:00:00   ptt1   no    no\n";
-    const auto list = [this](const char* selection) {
-        return run(words("calls list") + words(selection)).output;
-    };
     QTRY_COMPARE(run(words("calls list")).exitCode, 0);
     QCOMPARE(run(words("calls last-dialed")).error, QByteArray("zynphone: no dialed call\n"));
 

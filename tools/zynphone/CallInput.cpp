@@ -33,7 +33,7 @@ QDateTime startFrom(const Invocation& call)
     if (!call.isSet(u"at"_s))
         return QDateTime::currentDateTime();
     const QString text = call.value(u"at"_s);
-    const QDateTime start = QDateTime::fromString(text, Qt::ISODate);
+    QDateTime start = QDateTime::fromString(text, Qt::ISODate);
     if (!start.isValid())
         throw usageError(u"'%1' is no date and time like 2024-05-31T18:30:00"_s.arg(text));
     const qint64 seconds = start.toSecsSinceEpoch();

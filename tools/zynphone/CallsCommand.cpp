@@ -12,6 +12,8 @@
 #include <QtCore/QFile>
 
 #include <algorithm>
+#include <chrono>
+#include <span>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -36,10 +38,9 @@ CommandError serviceError()
     return failure(u"the recent-call service at %1 could not do it"_s.arg(path));
 }
 
-/// @p word as a list, or as all of them; all of them where it was not given.
-RC_CALL_CATEGORY_T listFrom(const QString& word)
+RC_CALL_CATEGORY_T listNamed(const QString& word)
 {
-    return word.isNull() ? RC_CALL_CATEGORY_ALL : wordNamed(kListsOrAll, word, u"list"_s).value;
+    return wordNamed(kListsOrAll, word, u"list"_s).value;
 }
 
 /// The call types that --type selects.
@@ -68,8 +69,8 @@ std::vector<Call> fetch(RC_CALL_CATEGORY_T list, std::span<const TypeWord> types
 
 ExitCode listCalls(const Invocation& call, Console& console)
 {
-    const std::vector<Call> calls = fetch(listFrom(call.argument(0)), typesFrom(call));
-    printTable(console, Table(callColumns(), calls), call.isSet(u"json"_s));
+    const auto list = call.arguments().isEmpty() ? RC_CALL_CATEGORY_ALL : listNamed(call.argument(0));
+    printTable(console, Table(callColumns(), fetch(list, typesFrom(call))), call.isSet(u"json"_s));
     return Done;
 }
 
@@ -85,10 +86,10 @@ ExitCode addCall(const Invocation& call, Console& console)
 ExitCode deleteCall(const Invocation& call, Console& console)
 {
     const int uid = wholeNumber(call.argument(0), u"UID"_s);
-    const QString list = call.isSet(u"list"_s) ? call.value(u"list"_s) : QString();
-    std::vector<Call> found = fetch(listFrom(list), kTypes);
+    const auto list = call.isSet(u"list"_s) ? listNamed(call.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
+    std::vector<Call> found = fetch(list, kTypes);
     std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
-    if (found.size() > 1 && list.isNull())
+    if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
         throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
     int result = kNoSuchCall;
     if (!found.empty())
@@ -103,7 +104,7 @@ ExitCode deleteCall(const Invocation& call, Console& console)
 
 ExitCode clearCalls(const Invocation& call, Console& console)
 {
-    const RC_CALL_CATEGORY_T list = listFrom(call.argument(0));
+    const RC_CALL_CATEGORY_T list = listNamed(call.argument(0));
     for (const TypeWord& type : typesFrom(call)) {
         const int result = RC_Interface().deleteRecordAll(list, type.value);
         // Nothing to delete is what was asked for.

@@ -2,6 +2,7 @@
 #include "tools/zynphone/Console.h"
 
 #include <cstdio>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -75,7 +76,7 @@ void Console::write(const QByteArray& bytes)
 
 void Console::writeError(const QString& line)
 {
-    if (m_traced)
+    if (std::exchange(m_traced, false))
         std::fputc('\n', stderr);
     std::fputs((printable(line) + QLatin1Char('\n')).toUtf8().constData(), stderr);
 }

@@ -17,7 +17,7 @@ namespace {
 
 using namespace zyn::tool;
 
-constexpr qsizetype kSizeLimit = 16 * 1024 * 1024;
+constexpr qsizetype kSizeLimit = qsizetype{16} * 1024 * 1024;
 
 /// The kinds of file, told by their name or, where a file has been given another one, by header and size.
 constexpr FileKind kKinds[] = {kRecordFileKind};

@@ -7,6 +7,7 @@
 #include <QtCore/QHash>
 
 #include <algorithm>
+#include <cstring>
 #include <span>
 #include <vector>
 
