@@ -372,7 +372,6 @@ void ZynphoneTest::inspectTellsDamage()
 
 void ZynphoneTest::managesTheServicesCalls()
 {
-#ifdef ZYN_RECENTCALLD
     QProcess service;
     service.start(QStringLiteral(ZYN_RECENTCALLD), QStringList());
     const auto endService = qScopeGuard([&service] {
@@ -413,9 +412,6 @@ void ZynphoneTest::managesTheServicesCalls()
     QCOMPARE(outputOf("calls list missed --json"), QByteArray("[]\n"));
     QCOMPARE(outputOf("calls clear answered"), QByteArray("cleared\n"));
     QCOMPARE(outputOf("calls list --json"), QByteArray("[]\n"));
-#else
-    QSKIP("built without the recent-call service");
-#endif
 }
 
 QTEST_GUILESS_MAIN(ZynphoneTest)
