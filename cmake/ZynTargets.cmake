@@ -41,7 +41,8 @@ function(zyn_add_shared_library target)
     if(NOT ZYN_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)
     endif()
-    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH "$ORIGIN")
 endfunction()
 
 # A program of the handset or of the developer; installed into bin/.

@@ -19,6 +19,7 @@ namespace {
 constexpr RC_CALL_CATEGORY_T kAnswered = RC_CALL_CATEGORY_ANSWERED;
 constexpr RC_CALL_CATEGORY_T kMissed = RC_CALL_CATEGORY_MISSED;
 constexpr RC_CALL_CATEGORY_T kDialed = RC_CALL_CATEGORY_DIALED;
+constexpr qsizetype kShownOutput = 1000;
 constexpr int kLargest = std::numeric_limits<int>::max();
 
 QByteArray blankSlot()
@@ -78,8 +79,8 @@ private Q_SLOTS:
         m_fixture.reset();
         const QByteArray output = m_output->take();
         m_output.reset();
-        if (QTest::currentTestFailed())
-            qInfo("captured: %s", output.constData());
+        if (QTest::currentTestFailed()) // what failed was written to the captured output, too
+            qInfo("%s", output.right(kShownOutput).constData());
     }
 
     void findsItsDirectory_data();

@@ -114,6 +114,16 @@ std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)
     return contents;
 }
 
+bool exchangeNames(const QString& first, const QString& second)
+{
+    const QByteArray firstName = QFile::encodeName(first);
+    const QByteArray secondName = QFile::encodeName(second);
+    if (::renameat2(AT_FDCWD, firstName.constData(), AT_FDCWD, secondName.constData(), RENAME_EXCHANGE) == 0)
+        return true;
+    // File systems that cannot exchange can replace.
+    return (errno == EINVAL || errno == ENOSYS) && std::rename(firstName.constData(), secondName.constData()) == 0;
+}
+
 bool renameWithoutReplacing(const QString& from, const QString& to)
 {
     const QByteArray oldName = QFile::encodeName(from);

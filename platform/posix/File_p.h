@@ -43,6 +43,10 @@ bool sync(int fd);
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
 std::optional<QByteArray> readWhole(const QString& path, qsizetype limit);
 
+/// Lets two files change their names with each other at once; where the file system cannot do that, @p first takes the
+/// place of @p second.
+bool exchangeNames(const QString& first, const QString& second);
+
 /// Gives the file @p from the name @p to, unless anything has that name already.
 bool renameWithoutReplacing(const QString& from, const QString& to);
 

@@ -6,7 +6,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
-#include <cstdio>
+#include <algorithm>
 #include <span>
 
 #include <sys/stat.h>
@@ -40,22 +40,45 @@ public:
                && zyn::posix::writeAt(fd.get(), std::as_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
     }
 
-    bool moveTo(const QString& target) { return done(zyn::posix::renameWithoutReplacing(m_path, target)); }
-    bool moveOver(const QString& target)
+    const QString& path() const { return m_path; }
+
+    bool moveTo(const QString& target)
     {
-        return done(std::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(target).constData()) == 0);
+        m_exists = !zyn::posix::renameWithoutReplacing(m_path, target);
+        return !m_exists;
     }
+    /// Puts what @p target was in the place of this file, at once.
+    bool exchangeWith(const QString& target) { return zyn::posix::exchangeNames(m_path, target); }
 
 private:
-    bool done(bool moved)
-    {
-        m_exists = m_exists && !moved;
-        return moved;
-    }
-
     QString m_path;
     bool m_exists = false;
 };
+
+/// Writes into the file @p path what differs between @p written and @p blank.
+bool applyChanges(const QString& path, const QByteArray& blank, const QByteArray& written)
+{
+    const zyn::posix::UniqueFd fd = zyn::posix::openForChanging(path);
+    const auto bytes = std::as_bytes(std::span(written.constData(), static_cast<size_t>(written.size())));
+    for (qsizetype i = 0; i < std::min(blank.size(), written.size()); ++i) {
+        if (blank.at(i) != written.at(i) && !zyn::posix::writeAt(fd.get(), bytes.subspan(size_t(i), 1), off_t{i}))
+            return false;
+    }
+    return true;
+}
+
+/// Replaces the invalid file @p path, unless somebody else has replaced it since it was looked at: their file may hold
+/// calls, so it goes back, along with what was written into ours in between.
+bool replaceInvalidFile(const QString& path, const QByteArray& contents, StagedFile& staged)
+{
+    if (!staged.exchangeWith(path))
+        return false;
+    if (!zyn::isStoreFile(staged.path(), contents.size()))
+        return true;
+    if (!staged.exchangeWith(path))
+        return false;
+    return applyChanges(path, contents, zyn::posix::readWhole(staged.path(), contents.size()).value_or(contents));
+}
 
 } // namespace
 
@@ -81,7 +104,8 @@ bool createStoreFile(const QString& path, const QByteArray& contents)
         return true;
     if (isStoreFile(path, contents.size()))
         return true;
-    return QFileInfo(path).isWritable() && staged.moveOver(path);
+    const QFileInfo invalid(path);
+    return invalid.isFile() && invalid.isWritable() && replaceInvalidFile(path, contents, staged);
 }
 
 } // namespace zyn
