@@ -370,8 +370,9 @@ private Q_SLOTS:
         for (auto& adder : adders)
             adder = role::start(QStringLiteral("add"), {QString::number(kEach)});
         int own = 0;
-        const auto isRunning = [](const auto& adder) { return !adder->waitForFinished(0); };
+        const auto isRunning = [](const auto& adder) { return adder->state() != QProcess::NotRunning; };
         while (std::any_of(adders.begin(), adders.end(), isRunning)) {
+            QCoreApplication::processEvents();
             QCOMPARE(add(kMissed), 0);
             QCOMPARE(uids(kMissed).count(), std::min(++own, 50));
             if (own % 20 == 0) {
@@ -379,6 +380,8 @@ private Q_SLOTS:
                 start();
             }
         }
+        for (const auto& adder : adders)
+            QCOMPARE(role::finish(*adder), 0);
         // Every add that was taken has used one uid.
         QCOMPARE(uids(kAll).value(0), int(adders.size()) * kEach + own - 1);
         QCOMPARE(uids(kAnswered).count(), 50);
