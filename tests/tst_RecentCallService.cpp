@@ -329,10 +329,13 @@ private Q_SLOTS:
         for (UniqueFd& fd : crowd)
             fd = client(kGreeting);
         QCOMPARE(add(kMissed), 0);
-        send(crowd.front(), kAddMissed);
-        QTRY_COMPARE(m_files->recordIn(kMissed, 0).inUse, 1); // though all the others still wait
+        // A client that has its turn is served in full meanwhile.
+        for (int slot = 0; slot < 10; ++slot) {
+            send(crowd.front(), kAddMissed);
+            QTRY_COMPARE(m_files->recordIn(kMissed, slot).inUse, 1);
+        }
         crowd.clear();
-        QCOMPARE(uids(kMissed), Uids({1, 0}));
+        QCOMPARE(uids(kMissed).count(), 11);
     }
 
     void carriesOutFirstWhatWasSentBeforeAConnectionWasOpened()
