@@ -329,10 +329,13 @@ private Q_SLOTS:
         for (UniqueFd& fd : crowd)
             fd = client(kGreeting);
         QCOMPARE(add(kMissed), 0);
-        send(crowd.front(), kAddMissed);
-        QTRY_COMPARE(m_files->recordIn(kMissed, 0).inUse, 1); // though all the others still wait
+        // A client that has its turn is served in full meanwhile.
+        for (int slot = 0; slot < 10; ++slot) {
+            send(crowd.front(), kAddMissed);
+            QTRY_COMPARE(m_files->recordIn(kMissed, slot).inUse, 1);
+        }
         crowd.clear();
-        QCOMPARE(uids(kMissed), Uids({1, 0}));
+        QCOMPARE(uids(kMissed).count(), 11);
     }
 
     void carriesOutFirstWhatWasSentBeforeAConnectionWasOpened()
@@ -370,8 +373,9 @@ private Q_SLOTS:
         for (auto& adder : adders)
             adder = role::start(QStringLiteral("add"), {QString::number(kEach)});
         int own = 0;
-        const auto isRunning = [](const auto& adder) { return !adder->waitForFinished(0); };
+        const auto isRunning = [](const auto& adder) { return adder->state() != QProcess::NotRunning; };
         while (std::any_of(adders.begin(), adders.end(), isRunning)) {
+            QCoreApplication::processEvents();
             QCOMPARE(add(kMissed), 0);
             QCOMPARE(uids(kMissed).count(), std::min(++own, 50));
             if (own % 20 == 0) {
@@ -379,6 +383,8 @@ private Q_SLOTS:
                 start();
             }
         }
+        for (const auto& adder : adders)
+            QCOMPARE(role::finish(*adder), 0);
         // Every add that was taken has used one uid.
         QCOMPARE(uids(kAll).value(0), int(adders.size()) * kEach + own - 1);
         QCOMPARE(uids(kAnswered).count(), 50);
