@@ -15,7 +15,7 @@ void PHONE_Log(int level, const char* format, ...)
     va_end(arguments);
 }
 
-void PHONE_LogEntry(int level, const char* source, const char* function, std::source_location where)
+void PHONE_LogEntry(int level, const char* source, const char* function, int line)
 {
-    PHONE_Log(level, "%s,%s,%d \n", source, function, static_cast<int>(where.line()));
+    PHONE_Log(level, "%s,%s,%d \n", source, function, line);
 }

@@ -1,8 +1,6 @@
 // The library's debug lines. Internal: not installed.
 #pragma once
 
-#include <source_location>
-
 /// The level of the phone side's debug lines.
 inline constexpr int kPhoneLogLevel = 3;
 /// The level of lines that are never printed.
@@ -14,5 +12,4 @@ inline constexpr int kSilentLogLevel = 8;
 
 /// The line that marks the entry into a function: "%s,%s,%d \n" with the source's path without its extension, the
 /// function's name and the line of the call.
-void PHONE_LogEntry(int level, const char* source, const char* function,
-                    std::source_location where = std::source_location::current());
+void PHONE_LogEntry(int level, const char* source, const char* function, int line = __builtin_LINE());
