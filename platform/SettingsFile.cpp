@@ -121,7 +121,7 @@ QString resolved(const QString& path)
 
 bool syncDirectory(const QString& path)
 {
-    return zyn::posix::sync(zyn::posix::openForReading(path).get());
+    return zyn::posix::sync(zyn::posix::openForReading(QFile::encodeName(path)).get());
 }
 
 /// Creates the directory @p path, and those above it, on disk.
@@ -162,7 +162,7 @@ namespace zyn {
 
 std::optional<QByteArray> SettingsFile::value(const QString& group, const QString& key) const
 {
-    const std::optional<QByteArray> text = posix::readWhole(m_path, kSizeLimit);
+    const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSizeLimit);
     if (!text)
         return std::nullopt;
     const QByteArray wantedGroup = group.toUtf8();
@@ -189,7 +189,7 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
     if (!acquire(lock))
         return false;
     const std::optional<QByteArray> text =
-        QFileInfo::exists(path) ? posix::readWhole(path, kSizeLimit) : QByteArray();
+        QFileInfo::exists(path) ? posix::readWhole(QFile::encodeName(path), kSizeLimit) : QByteArray();
     if (!text)
         return false;
     const QByteArray entry = key.toUtf8() + '=' + value.toUtf8() + '\n';

@@ -32,7 +32,7 @@ int limitOf(int32_t category)
     return RecentCall_Setup::instance()->getMaxRecordSize(static_cast<RC_CALL_CATEGORY_T>(category));
 }
 
-QString pathOf(RC_CALL_CATEGORY_T category)
+QByteArray pathOf(RC_CALL_CATEGORY_T category)
 {
     return zyn::storeDirectoryPath() + zyn::recordFileName(category);
 }

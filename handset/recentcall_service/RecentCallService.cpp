@@ -87,7 +87,7 @@ bool RecentCallService::takeSocket()
 {
     RecentCall_dataDir();
     const QByteArray path = QFile::encodeName(socketPath());
-    m_lock = posix::lockFile(lockPath());
+    m_lock = posix::lockFile(QFile::encodeName(lockPath()));
     if (!m_lock.isValid())
         return false;
     if (posix::isServed(path)) {

@@ -3,8 +3,6 @@
 
 #include "platform/posix/Retry_p.h"
 
-#include <QtCore/QFile>
-
 #include <cstdio>
 
 #include <fcntl.h>
@@ -17,21 +15,20 @@ namespace {
 constexpr mode_t kNewFileMode = 0666; // less the process's umask
 constexpr mode_t kLockFileMode = 0600;
 
-zyn::posix::UniqueFd openFile(const QString& path, int flags, mode_t mode = kNewFileMode)
+zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = kNewFileMode)
 {
-    const QByteArray name = QFile::encodeName(path);
-    if (name.contains('\0'))
+    if (path.contains('\0'))
         return {};
     return zyn::posix::UniqueFd(
-        zyn::posix::retry([&] { return ::open(name.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
+        zyn::posix::retry([&] { return ::open(path.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
 }
 
 /// Whether @p path is still the name of the open file @p fd.
-bool isNamed(const zyn::posix::UniqueFd& fd, const QString& path)
+bool isNamed(const zyn::posix::UniqueFd& fd, const QByteArray& path)
 {
     struct stat open = {};
     struct stat named = {};
-    return ::fstat(fd.get(), &open) == 0 && ::lstat(QFile::encodeName(path).constData(), &named) == 0
+    return ::fstat(fd.get(), &open) == 0 && ::lstat(path.constData(), &named) == 0
            && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
@@ -39,22 +36,22 @@ bool isNamed(const zyn::posix::UniqueFd& fd, const QString& path)
 
 namespace zyn::posix {
 
-UniqueFd openForReading(const QString& path)
+UniqueFd openForReading(const QByteArray& path)
 {
     return openFile(path, O_RDONLY);
 }
 
-UniqueFd openForChanging(const QString& path)
+UniqueFd openForChanging(const QByteArray& path)
 {
     return openFile(path, O_RDWR);
 }
 
-UniqueFd createNew(const QString& path)
+UniqueFd createNew(const QByteArray& path)
 {
     return openFile(path, O_WRONLY | O_CREAT | O_EXCL);
 }
 
-UniqueFd lockFile(const QString& path)
+UniqueFd lockFile(const QByteArray& path)
 {
     for (;;) {
         UniqueFd fd = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, kLockFileMode);
@@ -100,7 +97,7 @@ bool sync(int fd)
     return retry([&] { return ::fsync(fd); }) == 0 || errno == EINVAL;
 }
 
-std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)
+std::optional<QByteArray> readWhole(const QByteArray& path, qsizetype limit)
 {
     const UniqueFd fd = openForReading(path);
     struct stat status = {};
@@ -114,28 +111,24 @@ std::optional<QByteArray> readWhole(const QString& path, qsizetype limit)
     return contents;
 }
 
-bool exchangeNames(const QString& first, const QString& second)
+bool exchangeNames(const QByteArray& first, const QByteArray& second)
 {
-    const QByteArray firstName = QFile::encodeName(first);
-    const QByteArray secondName = QFile::encodeName(second);
-    if (::renameat2(AT_FDCWD, firstName.constData(), AT_FDCWD, secondName.constData(), RENAME_EXCHANGE) == 0)
+    if (::renameat2(AT_FDCWD, first.constData(), AT_FDCWD, second.constData(), RENAME_EXCHANGE) == 0)
         return true;
     // File systems that cannot exchange can replace.
-    return (errno == EINVAL || errno == ENOSYS) && std::rename(firstName.constData(), secondName.constData()) == 0;
+    return (errno == EINVAL || errno == ENOSYS) && std::rename(first.constData(), second.constData()) == 0;
 }
 
-bool renameWithoutReplacing(const QString& from, const QString& to)
+bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to)
 {
-    const QByteArray oldName = QFile::encodeName(from);
-    const QByteArray newName = QFile::encodeName(to);
-    if (::renameat2(AT_FDCWD, oldName.constData(), AT_FDCWD, newName.constData(), RENAME_NOREPLACE) == 0)
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
     // File systems that cannot rename this way can link, which never replaces.
-    if (::link(oldName.constData(), newName.constData()) != 0)
+    if (::link(from.constData(), to.constData()) != 0)
         return false;
-    ::unlink(oldName.constData());
+    ::unlink(from.constData());
     return true;
 }
 

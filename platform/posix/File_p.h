@@ -4,7 +4,6 @@
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QString>
 
 #include <cstddef>
 #include <optional>
@@ -14,14 +13,16 @@
 
 namespace zyn::posix {
 
+// Paths are names as the system has them, as QFile::encodeName() gives them.
+
 /// Opens @p path for reading. A FIFO is opened without waiting for its writer.
-UniqueFd openForReading(const QString& path);
+UniqueFd openForReading(const QByteArray& path);
 
 /// Opens @p path for reading and writing; never creates it.
-UniqueFd openForChanging(const QString& path);
+UniqueFd openForChanging(const QByteArray& path);
 
 /// Creates @p path for writing; fails when anything of that name exists.
-UniqueFd createNew(const QString& path);
+UniqueFd createNew(const QByteArray& path);
 
 /**
  * Locks the file @p path, created for this user alone when it is missing, for as long as the descriptor is open.
@@ -29,7 +30,7 @@ UniqueFd createNew(const QString& path);
  * None, with errno EWOULDBLOCK, while another process holds the lock. The kernel ends the lock of a process that dies;
  * no name or number of a process decides. Whoever holds the lock may remove the file.
  */
-UniqueFd lockFile(const QString& path);
+UniqueFd lockFile(const QByteArray& path);
 
 /// Reads into @p buffer from @p offset on; the number of bytes read, fewer only at the end of the file; -1 on an error.
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
@@ -41,13 +42,13 @@ bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
 bool sync(int fd);
 
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
-std::optional<QByteArray> readWhole(const QString& path, qsizetype limit);
+std::optional<QByteArray> readWhole(const QByteArray& path, qsizetype limit);
 
 /// Lets two files change their names with each other at once; where the file system cannot do that, @p first takes the
 /// place of @p second.
-bool exchangeNames(const QString& first, const QString& second);
+bool exchangeNames(const QByteArray& first, const QByteArray& second);
 
 /// Gives the file @p from the name @p to, unless anything has that name already.
-bool renameWithoutReplacing(const QString& from, const QString& to);
+bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to);
 
 } // namespace zyn::posix

@@ -57,10 +57,10 @@ int32_t successor(int32_t uid)
     return uid == std::numeric_limits<int32_t>::max() ? uid : uid + 1;
 }
 
-QString filePath(RC_CALL_CATEGORY_T category)
+QByteArray filePath(RC_CALL_CATEGORY_T category)
 {
-    const QString path = zyn::storeDirectory() + zyn::recordFileName(category);
-    std::printf("%s", path.toLatin1().constData());
+    const QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(category);
+    std::printf("%s", path.constData());
     return path;
 }
 
@@ -68,6 +68,27 @@ const PHONE_ENG_RecentCall& blankRecord()
 {
     static const PHONE_ENG_RecentCall record;
     return record;
+}
+
+/// The file @p path, opened with @p open. A directory that is missing is made for whoever comes next; to look for it
+/// before would cost every operation a system call.
+template<typename Open>
+UniqueFd openOrMakeDirectory(const QByteArray& path, Open open)
+{
+    UniqueFd file = open(path);
+    if (!file.isValid())
+        zyn::makeStoreDirectory();
+    return file;
+}
+
+UniqueFd openForReading(const QByteArray& path)
+{
+    return openOrMakeDirectory(path, zyn::posix::openForReading);
+}
+
+UniqueFd openForChanging(const QByteArray& path)
+{
+    return openOrMakeDirectory(path, zyn::posix::openForChanging);
 }
 
 QByteArray freshFile()
@@ -115,8 +136,9 @@ void RecentCall_ENG_RecordStore::destroy()
 
 RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
 {
+    zyn::makeStoreDirectory();
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
-        const QString path = filePath(category);
+        const QByteArray path = filePath(category);
         if (!zyn::isStoreFile(path, zyn::kRecordFileSize))
             zyn::createStoreFile(path, freshFile());
     }
@@ -138,16 +160,16 @@ bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
     if (!isSlotOf(record.category, record.slot))
         return false;
-    const UniqueFd file = zyn::posix::openForChanging(filePath(record.category));
+    const UniqueFd file = openForChanging(filePath(record.category));
     return file.isValid() && writeSlot(file, record.slot, record);
 }
 
 bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
 {
-    const QString path = filePath(record.category);
+    const QByteArray path = filePath(record.category);
     PHONE_Log(kPhoneLogLevel, "deleting item:");
     record.print();
-    const UniqueFd file = zyn::posix::openForChanging(path);
+    const UniqueFd file = openForChanging(path);
     if (!file.isValid())
         return false;
     PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
@@ -159,7 +181,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
 
 bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 {
-    const UniqueFd file = zyn::posix::openForChanging(filePath(category));
+    const UniqueFd file = openForChanging(filePath(category));
     if (!file.isValid())
         return false;
     const int slots = std::min(maximum(category), zyn::kRecordSlots);
@@ -173,7 +195,7 @@ bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 void RecentCall_ENG_RecordStore::clearAllData()
 {
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
-        const UniqueFd file = zyn::posix::openForChanging(filePath(category));
+        const UniqueFd file = openForChanging(filePath(category));
         for (int slot = 0; file.isValid() && slot < zyn::kRecordSlots; ++slot)
             writeBlankSlot(file, slot);
     }
@@ -183,10 +205,10 @@ void RecentCall_ENG_RecordStore::clearAllData()
 
 void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
 {
-    const QString path = filePath(category);
-    const UniqueFd file = zyn::posix::openForReading(path);
+    const QByteArray path = filePath(category);
+    const UniqueFd file = openForReading(path);
     if (!file.isValid()) {
-        std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.toLatin1().constData());
+        std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.constData());
         return;
     }
     const QByteArray image = readImage(file, maximum(category));

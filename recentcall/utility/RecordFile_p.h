@@ -5,7 +5,6 @@
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <QtCore/QByteArrayView>
-#include <QtCore/QString>
 
 #include <cstring>
 
@@ -51,17 +50,17 @@ inline bool isRecordInUse(QByteArrayView image, int slot)
 }
 
 /// The name of a list's file, with its leading slash; a category without a list of its own has a name that no file has.
-inline QLatin1String recordFileName(RC_CALL_CATEGORY_T category)
+constexpr const char* recordFileName(RC_CALL_CATEGORY_T category)
 {
     switch (category) {
     case RC_CALL_CATEGORY_ANSWERED:
-        return QLatin1String("/rc_a");
+        return "/rc_a";
     case RC_CALL_CATEGORY_MISSED:
-        return QLatin1String("/rc_m");
+        return "/rc_m";
     case RC_CALL_CATEGORY_DIALED:
-        return QLatin1String("/rc_d");
+        return "/rc_d";
     default:
-        return QLatin1String("/rc_e");
+        return "/rc_e";
     }
 }
 

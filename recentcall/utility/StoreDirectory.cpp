@@ -1,24 +1,20 @@
 // The directory of the record files and of the activity log.
 #include "recentcall/utility/StoreDirectory_p.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
+#include <sys/stat.h>
 
 namespace zyn {
 
-QString storeDirectoryPath()
+QByteArray storeDirectoryPath()
 {
-    const QString dataDirectory = QFile::decodeName(qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed());
-    return (dataDirectory.isEmpty() ? QStringLiteral("/tmp") : dataDirectory) + QLatin1String("/phone");
+    const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
+    return (dataDirectory.isEmpty() ? QByteArrayLiteral("/tmp") : dataDirectory) + "/phone";
 }
 
-QString storeDirectory()
+void makeStoreDirectory()
 {
-    const QString path = storeDirectoryPath();
-    if (!QFileInfo::exists(path))
-        QDir().mkdir(path);
-    return path;
+    constexpr mode_t kDirectoryMode = 0777; // less the process's umask
+    ::mkdir(storeDirectoryPath().constData(), kDirectoryMode);
 }
 
 } // namespace zyn

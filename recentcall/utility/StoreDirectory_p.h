@@ -1,15 +1,15 @@
 // The directory of the record files and of the activity log.
 #pragma once
 
-#include <QtCore/QString>
+#include <QtCore/QByteArray>
 
 namespace zyn {
 
 /// The path of the store directory: "/phone" under the directory that the environment variable
 /// ZYN_LOCAL_APP_WRITE_PATH names, blanks around it removed, or under "/tmp" when that is unset or empty.
-QString storeDirectoryPath();
+QByteArray storeDirectoryPath();
 
-/// storeDirectoryPath(), created (one level) when it is missing.
-QString storeDirectory();
+/// Creates the store directory (one level) when it is missing. Only needed once a file in it could not be opened.
+void makeStoreDirectory();
 
 } // namespace zyn

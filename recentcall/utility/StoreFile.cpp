@@ -18,8 +18,8 @@ namespace {
 class StagedFile
 {
 public:
-    explicit StagedFile(const QString& target)
-        : m_path(target + QStringLiteral(".new.%1").arg(::getpid()))
+    explicit StagedFile(const QByteArray& target)
+        : m_path(target + ".new." + QByteArray::number(::getpid()))
     {
     }
     StagedFile(const StagedFile&) = delete;
@@ -27,36 +27,36 @@ public:
     ~StagedFile()
     {
         if (m_exists)
-            QFile::remove(m_path);
+            ::unlink(m_path.constData());
     }
 
     bool write(const QByteArray& contents)
     {
         // A file of this name can only be what a process of the same number left when it was killed.
-        QFile::remove(m_path);
+        ::unlink(m_path.constData());
         const zyn::posix::UniqueFd fd = zyn::posix::createNew(m_path);
         m_exists = fd.isValid();
         return m_exists
                && zyn::posix::writeAt(fd.get(), std::as_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
     }
 
-    const QString& path() const { return m_path; }
+    const QByteArray& path() const { return m_path; }
 
-    bool moveTo(const QString& target)
+    bool moveTo(const QByteArray& target)
     {
         m_exists = !zyn::posix::renameWithoutReplacing(m_path, target);
         return !m_exists;
     }
     /// Puts what @p target was in the place of this file, at once.
-    bool exchangeWith(const QString& target) { return zyn::posix::exchangeNames(m_path, target); }
+    bool exchangeWith(const QByteArray& target) { return zyn::posix::exchangeNames(m_path, target); }
 
 private:
-    QString m_path;
+    QByteArray m_path;
     bool m_exists = false;
 };
 
 /// Writes into the file @p path what differs between @p written and @p blank.
-bool applyChanges(const QString& path, const QByteArray& blank, const QByteArray& written)
+bool applyChanges(const QByteArray& path, const QByteArray& blank, const QByteArray& written)
 {
     const zyn::posix::UniqueFd fd = zyn::posix::openForChanging(path);
     const auto bytes = std::as_bytes(std::span(written.constData(), static_cast<size_t>(written.size())));
@@ -69,7 +69,7 @@ bool applyChanges(const QString& path, const QByteArray& blank, const QByteArray
 
 /// Replaces the invalid file @p path, unless somebody else has replaced it since it was looked at: their file may hold
 /// calls, so it goes back, along with what was written into ours in between.
-bool replaceInvalidFile(const QString& path, const QByteArray& contents, StagedFile& staged)
+bool replaceInvalidFile(const QByteArray& path, const QByteArray& contents, StagedFile& staged)
 {
     if (!staged.exchangeWith(path))
         return false;
@@ -84,7 +84,7 @@ bool replaceInvalidFile(const QString& path, const QByteArray& contents, StagedF
 
 namespace zyn {
 
-bool isStoreFile(const QString& path, qint64 size)
+bool isStoreFile(const QByteArray& path, qint64 size)
 {
     const posix::UniqueFd fd = posix::openForReading(path);
     struct stat status = {};
@@ -95,7 +95,7 @@ bool isStoreFile(const QString& path, qint64 size)
            && header.isValid();
 }
 
-bool createStoreFile(const QString& path, const QByteArray& contents)
+bool createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
     StagedFile staged(path);
     if (!staged.write(contents))
@@ -104,7 +104,7 @@ bool createStoreFile(const QString& path, const QByteArray& contents)
         return true;
     if (isStoreFile(path, contents.size()))
         return true;
-    const QFileInfo invalid(path);
+    const QFileInfo invalid(QFile::decodeName(path));
     return invalid.isFile() && invalid.isWritable() && replaceInvalidFile(path, contents, staged);
 }
 

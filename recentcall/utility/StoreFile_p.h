@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QtCore/QByteArray>
-#include <QtCore/QString>
 
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +34,7 @@ inline bool hasValidHeader(QByteArrayView image)
 }
 
 /// Whether the file at @p path can be read, has @p size bytes and begins with a valid header.
-bool isStoreFile(const QString& path, qint64 size);
+bool isStoreFile(const QByteArray& path, qint64 size);
 
 /**
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
@@ -44,7 +43,7 @@ bool isStoreFile(const QString& path, qint64 size);
  * invalid one is replaced only after looking again, and given back if another process was faster still. What is no regular
  * file, or may not be written, stays.
  */
-bool createStoreFile(const QString& path, const QByteArray& contents);
+bool createStoreFile(const QByteArray& path, const QByteArray& contents);
 
 /// The bytes of a plain structure, as a file holds them.
 template<typename Record>

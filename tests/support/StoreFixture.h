@@ -27,7 +27,7 @@ public:
     QString path() const { return m_directory.path(); }
     QString file(RC_CALL_CATEGORY_T category) const
     {
-        return m_directory.path() + QLatin1String("/phone") + zyn::recordFileName(category);
+        return m_directory.path() + QLatin1String("/phone") + QLatin1String(zyn::recordFileName(category));
     }
 
     QByteArray read(RC_CALL_CATEGORY_T category) const

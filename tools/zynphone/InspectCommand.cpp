@@ -37,7 +37,7 @@ const FileKind& kindOf(const QString& path, const QString& name, const QByteArra
 
 QByteArray readFile(const QString& path)
 {
-    const std::optional<QByteArray> image = zyn::posix::readWhole(path, kSizeLimit);
+    const std::optional<QByteArray> image = zyn::posix::readWhole(QFile::encodeName(path), kSizeLimit);
     if (image)
         return *image;
     const QFileInfo info(path);

@@ -22,7 +22,7 @@ using Call = PHONE_ENG_RecentCall;
 RC_CALL_CATEGORY_T listNamed(const QString& name)
 {
     const auto found = std::ranges::find_if(zyn::kRecordLists, [&](RC_CALL_CATEGORY_T list) {
-        return name == zyn::recordFileName(list).sliced(1);
+        return name == QLatin1String(zyn::recordFileName(list)).sliced(1);
     });
     return found == std::end(zyn::kRecordLists) ? RC_CALL_CATEGORY_NONE : *found;
 }
