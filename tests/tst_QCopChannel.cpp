@@ -123,6 +123,7 @@ int forkRole(const QStringList&)
             QCopChannel::send(QCString("/pid"), QByteArray::number(::getpid()), numbered("child", i));
         ::pause();
     });
+    QCoreApplication::processEvents();
     role::sayReady();
     return ::pause();
 }
