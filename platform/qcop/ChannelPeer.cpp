@@ -52,10 +52,10 @@ ChannelPeer::Link ChannelPeer::link()
     if (m_fd.isValid() && !posix::hasPeerClosed(m_fd.get()))
         return Link::Failed;
     m_fd.reset();
-    const Link link = connect();
-    if (link == Link::Open)
+    const Link made = connect();
+    if (made == Link::Open)
         m_isCutOff = false;
-    return link == Link::Waiting && m_isCutOff ? Link::Failed : link;
+    return made == Link::Waiting && m_isCutOff ? Link::Failed : made;
 }
 
 ChannelPeer::Link ChannelPeer::connect()
@@ -81,8 +81,7 @@ ChannelPeer::Link ChannelPeer::connect()
     }
 }
 
-/// Writes or keeps the message, or cuts the listener off; false when the connection has turned out to be
-/// lost.
+/// Writes or keeps the message, or cuts the listener off; false when the connection turns out to be lost.
 bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
 {
     const bool isConnected = m_fd.isValid();
@@ -159,17 +158,22 @@ void ChannelPeer::retryFromLoop()
 void ChannelPeer::cutOff()
 {
     m_isCutOff = true;
-    m_queue = QByteArray();
-    m_notifier.reset();
+    discard();
     // The listener reads up to here, finds the end and closes, which tells that it is back.
     ::shutdown(m_fd.get(), SHUT_WR);
 }
 
 void ChannelPeer::disconnect()
 {
-    m_notifier.reset();
+    discard();
     m_fd.reset();
+}
+
+void ChannelPeer::discard()
+{
+    m_notifier.reset();
     m_queue = QByteArray();
+    m_nextFlush = kGatherSize;
 }
 
 } // namespace zyn

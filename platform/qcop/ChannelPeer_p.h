@@ -55,6 +55,7 @@ private:
     void retryFromLoop();
     void cutOff();
     void disconnect();
+    void discard();
 
     const QByteArray m_root;
     const QCString m_channel;

@@ -67,7 +67,9 @@ void ChannelSender::endTurnLater()
     m_isTurnOpen = true;
     // Every kind of loop delivers an event, if need be one that starts later.
     QMetaObject::invokeMethod(this, &ChannelSender::endTurn, Qt::QueuedConnection);
-    // A loop that is left in this turn delivers none, and nothing tells of its end as such.
+    // A loop that is left in this turn delivers none. The application's own tells that it ends, and the GLib
+    // dispatcher tells after each turn; with another, what a local loop leaves waits for the next loop,
+    // message or thread's end.
     if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
         dispatcher != m_dispatcher) {
         m_dispatcher = dispatcher;
