@@ -26,6 +26,11 @@ QCopChannel::QCopChannel(const QCString& channel, QObject* parent, const char* n
 
 QCopChannel::~QCopChannel() = default;
 
+bool QCopChannel::isListening() const
+{
+    return m_listener->isListening();
+}
+
 bool QCopChannel::send(const QCString& channel, const QCString& message, const QByteArray& data)
 {
     const QCString channelName = nameOf(channel);

@@ -35,6 +35,8 @@ public:
 
     /// The channel's name.
     QCString channel() const { return m_channel; }
+    /// Whether the listener could be set up.
+    bool isListening() const;
 
     /**
      * Sends a message without waiting for any listener, from any thread.

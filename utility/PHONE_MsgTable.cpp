@@ -21,7 +21,7 @@ constexpr char kPowerOnBanner[] = "*********Client***************";
 // A row each: type and name, fields, log lines, signal.
 // clang-format off
 constexpr PhoneMessage kMessages[] = {
-    {ZYN_TYPE(PHONE_MSG_ALL_STATUS_S), "snapshot", {{Record, "status"}},
+    {ZYN_TYPE(PHONE_MSG_ALL_STATUS_S), "snapshot", {{AllStatusRecord, "status"}},
      {{"PHONE_MSG_ALL_STATUS_S"}},
      emitSnapshot},
     {ZYN_TYPE(PHONE_MSG_POWER_ON_MODE_S), "power-on-mode", {{Int, "mode"}},
@@ -135,9 +135,9 @@ constexpr PhoneMessage kMessages[] = {
     {ZYN_TYPE(PHONE_MSG_SERVICE_ID_AND_NAME_S), "service-id-and-name",
      {{Text, "first"}, {Text, "second"}, {Text, "third"}}, {},
      emits<&Client::signalServiceIdAndName, value(2), value(0), value(1)>},
-    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_0_S), "network-list-0", {{Record, "list"}}, {},
+    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_0_S), "network-list-0", {{NetworkListRecord, "list"}}, {},
      emitNetworkList0},
-    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_1_S), "network-list-1", {{Record, "list"}}, {},
+    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_1_S), "network-list-1", {{NetworkListRecord, "list"}}, {},
      emitNetworkList1},
     {ZYN_TYPE(PHONE_MSG_OPERATOR_LOGO_S), "operator-logo", {{Byte, "value"}},
      {{"logo hide = %d", value(0)}},

@@ -30,8 +30,13 @@ PayloadReader::PayloadReader(const QByteArray& payload)
 /// Whether the next field, @p size bytes long, is there whole.
 bool PayloadReader::has(qint64 size)
 {
-    m_complete = m_complete && size <= m_stream.device()->bytesAvailable();
+    m_complete = m_complete && size <= remaining();
     return m_complete;
+}
+
+qint64 PayloadReader::remaining() const
+{
+    return m_stream.device()->bytesAvailable();
 }
 
 int32_t PayloadReader::readInt()

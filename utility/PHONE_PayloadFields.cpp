@@ -12,26 +12,29 @@ QByteArray readBlock(zyn::PayloadReader& reader, uint8_t size)
     return block;
 }
 
-zyn::FieldValue readField(const zyn::Field& field, zyn::PayloadReader& reader, const QByteArray& payload)
+} // namespace
+
+namespace zyn {
+
+FieldValue readField(const Field& field, PayloadReader& reader, const QByteArray& payload)
 {
     switch (field.kind) {
-    case zyn::FieldKind::Int:
+    case FieldKind::Int:
         return {reader.readInt(), {}, {}};
-    case zyn::FieldKind::Byte:
+    case FieldKind::Byte:
         return {reader.readByte(), {}, {}};
-    case zyn::FieldKind::Text:
+    case FieldKind::Char:
+        return {static_cast<int8_t>(reader.readByte()), {}, {}};
+    case FieldKind::Text:
         return {0, reader.readText(), {}};
-    case zyn::FieldKind::Raw:
+    case FieldKind::Raw:
         return {0, {}, readBlock(reader, field.size)};
-    case zyn::FieldKind::Record:
+    case FieldKind::AllStatusRecord:
+    case FieldKind::NetworkListRecord:
         return {0, {}, payload};
     }
     return {};
 }
-
-} // namespace
-
-namespace zyn {
 
 FieldValues readFields(std::initializer_list<Field> fields, const QByteArray& payload)
 {

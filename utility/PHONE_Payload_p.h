@@ -33,6 +33,8 @@ public:
 
     /// Whether every field that was asked for was there.
     bool isComplete() const { return m_complete; }
+    /// How many bytes have not been read; of use while every field was there.
+    qint64 remaining() const;
 
 private:
     bool has(qint64 size);

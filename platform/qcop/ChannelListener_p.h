@@ -27,6 +27,8 @@ public:
     ChannelListener(const QCString& name, QCopChannel& channel);
     ~ChannelListener() override;
 
+    bool isListening() const { return m_socket.isValid(); }
+
 private:
     void watch();
     void accept();

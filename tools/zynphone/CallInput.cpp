@@ -2,10 +2,9 @@
 #include "tools/zynphone/CallInput.h"
 
 #include "tools/zynphone/CallText.h"
+#include "tools/zynphone/FieldText.h"
 
 #include <QtCore/QDateTime>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -17,16 +16,6 @@ using Call = PHONE_ENG_RecentCall;
 constexpr qsizetype kNumberLimit = sizeof Call::phoneNumber - 1;
 constexpr qsizetype kNameLimit = sizeof Call::displayName - 1;
 constexpr qsizetype kSessionLimit = sizeof Call::pttSessionId - 1;
-
-/// @p text, of @p what, which its field takes as Latin-1 and holds whole.
-QString fieldText(const QString& text, const QString& what, qsizetype limit)
-{
-    if (std::ranges::any_of(text, [](QChar character) { return character.unicode() > 0xFF; }))
-        throw usageError(u"the %1 holds characters that are not Latin-1"_s.arg(what));
-    if (text.size() > limit)
-        throw usageError(u"the %1 has %2 characters; at most %3 fit"_s.arg(what).arg(text.size()).arg(limit));
-    return text;
-}
 
 QDateTime startFrom(const Invocation& call)
 {
@@ -91,8 +80,8 @@ PHONE_ENG_RecentCall callFrom(const Invocation& call)
     record.category = wordNamed(kLists, call.argument(0), u"list"_s).value;
     if (call.argument(1).isEmpty())
         throw usageError(u"the number is empty"_s);
-    record.setPhoneNumber(fieldText(call.argument(1), u"number"_s, kNumberLimit));
-    record.setDisplayName(fieldText(call.value(u"name"_s), u"name"_s, kNameLimit));
+    record.setPhoneNumber(latin1Field(call.argument(1), u"number"_s, kNumberLimit));
+    record.setDisplayName(latin1Field(call.value(u"name"_s), u"name"_s, kNameLimit));
     record.setStartDateTime(startFrom(call));
     if (call.isSet(u"duration"_s))
         record.duration = wholeNumber(call.value(u"duration"_s), u"duration"_s, 0);

@@ -47,9 +47,11 @@ void checkArguments(const Command& command, const QStringList& given)
 {
     qsizetype place = 0;
     for (const Argument& argument : command.arguments) {
-        if (place >= given.size() && argument.count != Argument::Optional)
+        const bool mayMiss = argument.count == Argument::Optional || argument.count == Argument::Any;
+        const bool takesAll = argument.count == Argument::Many || argument.count == Argument::Any;
+        if (place >= given.size() && !mayMiss)
             throw usageError(u"missing argument %1"_s.arg(argument.name));
-        place = argument.count == Argument::Many ? given.size() : place + 1;
+        place = takesAll ? given.size() : place + 1;
     }
     if (place < given.size())
         throw usageError(u"superfluous argument '%1'"_s.arg(given[place]));

@@ -24,6 +24,7 @@ struct Argument
         One,
         Optional,
         Many, ///< one or more; the last of a verb's arguments
+        Any,  ///< none or more; the last of a verb's arguments
     };
 
     QString name; ///< as help and errors write it

@@ -31,6 +31,11 @@ void silenceStandardOutput()
 
 namespace zyn::tool {
 
+QString escaped(QChar character)
+{
+    return QStringLiteral("\\u%1").arg(int{character.unicode()}, 4, 16, QLatin1Char('0'));
+}
+
 QString printable(const QString& text)
 {
     QString result;
@@ -66,7 +71,15 @@ void Console::write(const QString& text)
 
 void Console::write(const QJsonDocument& document)
 {
-    write(document.toJson(QJsonDocument::Compact) + '\n');
+    QString line;
+    for (const QChar character : QString::fromUtf8(document.toJson(QJsonDocument::Compact))) {
+        // Those that JSON allows as they are.
+        if (character.category() == QChar::Other_Control)
+            line += escaped(character);
+        else
+            line += character;
+    }
+    write(line + QLatin1Char('\n'));
 }
 
 void Console::write(const QByteArray& bytes)

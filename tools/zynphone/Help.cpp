@@ -17,6 +17,8 @@ QString syntax(const Argument& argument)
         return u'[' + argument.name + u']';
     case Argument::Many:
         return argument.name + u"..."_s;
+    case Argument::Any:
+        return u'[' + argument.name + u"...]"_s;
     default:
         return argument.name;
     }

@@ -3,7 +3,10 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/HandsetCommand.h"
 #include "tools/zynphone/InspectCommand.h"
+#include "tools/zynphone/MonitorCommand.h"
+#include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
+#include "tools/zynphone/StatusCommand.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -16,7 +19,8 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {callsCommand(), settingsCommand(), handsetCommand(), inspectCommand()}};
+            .verbs = {callsCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(),
+                      statusCommand(), sendCommand()}};
 }
 
 } // namespace

@@ -1,0 +1,42 @@
+// Blocks of bytes of a fixed size, as the tool writes and reads them.
+#include "tools/zynphone/BlockText.h"
+
+#include "tools/zynphone/FieldText.h"
+#include "tools/zynphone/HexText.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1String kHexPrefix("hex:");
+
+bool isGraphic(char character)
+{
+    return character > ' ' && character <= '~';
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+QString blockText(const QByteArray& block)
+{
+    const auto padding = std::ranges::find_if_not(block, isGraphic);
+    const bool isText = std::all_of(padding, block.end(), [](char character) { return character == '\0'; });
+    const QString text = QString::fromLatin1(block.constData(), padding - block.begin());
+    return isText && !text.startsWith(kHexPrefix) ? text : kHexPrefix + hexText(block);
+}
+
+QByteArray blockFrom(const QString& text, const QString& what, qsizetype size)
+{
+    if (!text.startsWith(kHexPrefix))
+        return latin1Field(text, what, size).toLatin1().leftJustified(size, '\0');
+    const QByteArray block = bytesFromHex(text.sliced(kHexPrefix.size()));
+    if (block.size() != size)
+        throw usageError(u"the %1 has %2 bytes, not %3"_s.arg(what).arg(block.size()).arg(size));
+    return block;
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,17 @@
+// Blocks of bytes of a fixed size, as the tool writes and reads them.
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace zyn::tool {
+
+/// The text that @p block holds when that is graphic ASCII followed by nothing but NULs, else "hex:" and
+/// digits.
+QString blockText(const QByteArray& block);
+
+/// The block of @p size bytes that @p text, of @p what, stands for, as blockText() writes it; what follows a
+/// text is NULs. A usage error when it is none.
+QByteArray blockFrom(const QString& text, const QString& what, qsizetype size);
+
+} // namespace zyn::tool

@@ -1,0 +1,135 @@
+// zynphone monitor: the messages of the channels as they come.
+#include "tools/zynphone/MonitorCommand.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "platform/QCopChannel.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/MessageText.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+
+#include <chrono>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// The longest time that a timer takes.
+constexpr int kMaxSeconds = std::numeric_limits<int>::max() / 1000;
+
+QStringList channelsFrom(const Invocation& call)
+{
+    QStringList channels = call.arguments();
+    if (channels.isEmpty()) {
+        for (const char* const channel : zyn::kChannels)
+            channels += QString::fromUtf8(channel);
+    }
+    channels.removeDuplicates();
+    if (channels.contains(QString()))
+        throw usageError(u"the channel's name is empty"_s);
+    return channels;
+}
+
+/// The number that @p option sets, from 1 on.
+std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)
+{
+    if (!call.isSet(option))
+        return std::nullopt;
+    return wholeNumber(call.value(option), u"--"_s + option, 1, highest);
+}
+
+/// Writes messages until as many have come as are wanted.
+class Monitor
+{
+public:
+    Monitor(const Invocation& call, Console& console)
+        : m_console(console)
+        , m_raw(call.isSet(u"raw"_s))
+        , m_json(call.isSet(u"json"_s))
+        , m_left(limitFrom(call, u"count"_s, std::numeric_limits<int>::max()))
+    {}
+
+    void listenOn(const QString& name)
+    {
+        auto channel = std::make_unique<QCopChannel>(name.toUtf8());
+        if (!channel->isListening())
+            throw failure(u"cannot listen on %1"_s.arg(name));
+        QObject::connect(
+            channel.get(), &QCopChannel::received, channel.get(),
+            [this, channel = channel->channel()](const QCString& message, const QByteArray& data) {
+                show({QDateTime::currentDateTime(), channel, message, data});
+            });
+        m_channels.push_back(std::move(channel));
+    }
+
+private:
+    void show(const ReceivedMessage& message)
+    {
+        // More may come in the turn of the event loop that ends it.
+        if (m_left == 0)
+            return;
+        if (m_json)
+            m_console.write(QJsonDocument(messageJson(message, m_raw)));
+        else
+            m_console.write(messageText(message, m_raw) + u'\n');
+        if (m_left)
+            --*m_left;
+        if (m_left == 0 || !m_console.isSound())
+            QCoreApplication::quit();
+    }
+
+    Console& m_console;
+    const bool m_raw;
+    const bool m_json;
+    std::optional<int> m_left; ///< messages; none when there is no limit
+    std::vector<std::unique_ptr<QCopChannel>> m_channels;
+};
+
+ExitCode monitorChannels(const Invocation& call, Console& console)
+{
+    const QStringList channels = channelsFrom(call);
+    const std::optional<int> seconds = limitFrom(call, u"for"_s, kMaxSeconds);
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    Monitor monitor(call, console);
+    for (const QString& channel : channels)
+        monitor.listenOn(channel);
+    if (seconds)
+        QTimer::singleShot(std::chrono::seconds(*seconds), QCoreApplication::instance(),
+                           &QCoreApplication::quit);
+    console.writeError(u"listening on "_s + channels.join(u", "_s));
+    QCoreApplication::exec();
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command monitorCommand()
+{
+    return {.name = u"monitor"_s,
+            .summary = u"Show the messages of channels as they come, until SIGINT or SIGTERM"_s,
+            .details = u"\nA line is time, channel, message, its enumerator and its fields. A field that the "
+                       u"payload does\n"
+                       "not hold is shown as missing, what no field holds as rest, in hexadecimal digits.\n"
+                       "The objects of --json, one a line, have the fields time (UTC), channel, name, known, "
+                       "enumerator\n"
+                       "(null when there is none), fields (an object), missing (names of fields), rest and, "
+                       "with --raw,\n"
+                       "payload.\n"_s,
+            .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
+            .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s),
+                        jsonOption(), valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
+                        valueOption(u"for"_s, u"SECONDS"_s, u"end after that time"_s)},
+            .run = monitorChannels};
+}
+
+} // namespace zyn::tool

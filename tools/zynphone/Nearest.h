@@ -1,0 +1,13 @@
+// The word that somebody may have meant.
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace zyn::tool {
+
+/// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when
+/// that is half of the word or more.
+QString nearestWord(const QString& word, const QStringList& known);
+
+} // namespace zyn::tool

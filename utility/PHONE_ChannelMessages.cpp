@@ -1,0 +1,95 @@
+// The messages of the library's channels, one row each; those of the phone channel have a table of their own.
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include "utility/PHONE_MsgTable_p.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <iterator>
+
+namespace {
+
+using namespace zyn;
+using enum FieldKind;
+using enum Occurrence;
+
+struct ChannelMessage
+{
+    const char* channel;
+    const char* name;
+    const char* enumerator; ///< null when it has none
+    std::initializer_list<Field> fields;
+};
+
+// clang-format off
+constexpr ChannelMessage kMessages[] = {
+    {kVoiceCallChannel, kMakeCall, nullptr,
+     {{Text, "number"}, {Text, "name"}, {Int, "flag"}, {Int, "clir"}, {Int, "dial-mode"}, {Char, "line"}}},
+    {kVoiceCallChannel, kDropCall, nullptr, {}},
+
+    {kPttChannel, kMakePttCall, nullptr,
+     {{Int, "count"}, {Text, "numbers", kMaxPttParties, AsCounted}, {Text, "texts", kMaxPttParties, AsCounted},
+      {Int, "value1"}, {Int, "value2"}}},
+    {kPttChannel, kDropPttCall, nullptr, {}},
+
+    {kRecentCallChannel, "RECENTCALL_MSG_0", "RECENTCALL_MSG_POWEROFF_S", {}},
+    {kRecentCallChannel, "RECENTCALL_MSG_1", "RECENTCALL_MSG_SIMCARD_DIFFED_S", {}},
+    {kRecentCallChannel, "RECENTCALL_MSG_2", "RECENTCALL_MSG_MISSEDCALL_UPDATE_S", {}},
+    {kRecentCallChannel, "RECENTCALL_MSG_3", "RECENTCALL_MSG_SHOW_UI_S", {{Int, "category"}}},
+    {kRecentCallChannel, "RECENTCALL_MSG_4", "RECENTCALL_MSG_SHOW_PAGE_S", {{Int, "page"}}},
+    {kRecentCallChannel, "RECENTCALL_MSG_5", "RECENTCALL_MSG_SHOW_DETAIL_S",
+     {{Int, "category"}, {Int, "index"}}},
+    {kRecentCallChannel, "RECENTCALL_MSG_6", "RECENTCALL_MSG_EXIT_PICKER_S",
+     {{Int, "selected"}, {Text, "number", 0, WhenSet}}},
+    {kRecentCallChannel, "RECENTCALL_MSG_7", "RECENTCALL_MSG_HIDE_UI_S", {}},
+    {kRecentCallChannel, kRecentCallFromCalling, "RECENTCALL_CALLING_MSG", {}},
+    {kRecentCallChannel, kRecentCallFromMessaging, "RECENTCALL_MESSAGE_MSG", {}},
+
+    {kActivityLogChannel, kModifyFavourite, nullptr,
+     {{Text, "old-number"}, {Text, "number"}, {Text, "name"}, {Text, "image"}, {Int, "contact-id"}}},
+};
+// clang-format on
+
+/// Whether the table has as many numbered messages of the recent-call channel as there are, in their order.
+constexpr bool isNumbered()
+{
+    unsigned type = 0;
+    for (const ChannelMessage& message : kMessages) {
+        std::string_view name(message.name);
+        if (!name.starts_with(kRecentCallPrefix))
+            continue;
+        name.remove_prefix(kRecentCallPrefix.size());
+        if (name.size() != 1 || name[0] != static_cast<char>('0' + type++))
+            return false;
+    }
+    return type == kRecentCallTypes;
+}
+
+static_assert(isNumbered());
+
+std::optional<MessageForm> phoneMessageForm(const QCString& name)
+{
+    const std::optional<unsigned> type = messageType(kPhonePrefix, name, kPhoneTypes);
+    if (!type || !phoneMessages()[*type].enumerator)
+        return std::nullopt;
+    const PhoneMessage& message = phoneMessages()[*type];
+    return MessageForm{message.enumerator, message.fields};
+}
+
+} // namespace
+
+namespace zyn {
+
+std::optional<MessageForm> messageForm(const QCString& channel, const QCString& name)
+{
+    if (channel == kPhoneChannel)
+        return phoneMessageForm(name);
+    const auto found = std::ranges::find_if(kMessages, [&](const ChannelMessage& message) {
+        return channel == message.channel && name == message.name;
+    });
+    if (found == std::end(kMessages))
+        return std::nullopt;
+    return MessageForm{found->enumerator, found->fields};
+}
+
+} // namespace zyn

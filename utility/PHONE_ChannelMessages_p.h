@@ -1,0 +1,57 @@
+// The channels of the library: their names, and the messages on each.
+#pragma once
+
+#include "platform/QCString.h"
+#include "utility/PHONE_MsgName_p.h"
+#include "utility/PHONE_PayloadFields_p.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace zyn {
+
+/// @{ Requests to place and end voice calls.
+inline constexpr char kVoiceCallChannel[] = "/ZYN/Phone/LocalPath";
+inline constexpr char kMakeCall[] = "MakeCall";
+inline constexpr char kDropCall[] = "DropCall";
+/// @}
+
+/// @{ Requests to start and end push-to-talk calls, and how many parties one has at most.
+inline constexpr char kPttChannel[] = "/KQ/calling2ptt";
+inline constexpr char kMakePttCall[] = "makePttCall";
+inline constexpr char kDropPttCall[] = "dropPttCall";
+inline constexpr uint8_t kMaxPttParties = 25;
+/// @}
+
+/// @{ The recent-call screens: the prefix of their numbered messages, how many of those there are, and what
+/// the calling and the messaging application send.
+inline constexpr char kRecentCallChannel[] = "/ZYN/recentcall";
+inline constexpr std::string_view kRecentCallPrefix = "RECENTCALL_MSG_";
+inline constexpr unsigned kRecentCallTypes = 8;
+inline constexpr char kRecentCallFromCalling[] = "/KQ/CALLING/RECENTCALL";
+inline constexpr char kRecentCallFromMessaging[] = "/KQ/MMS/RECENTCALL";
+/// @}
+
+/// @{ What the owner of the activity log is told.
+inline constexpr char kActivityLogChannel[] = "ACTIVITY_LOG_CHANNEL";
+inline constexpr char kModifyFavourite[] = "MODIFY_TOPPAL_DETAILS";
+/// @}
+
+/// Every channel of the library.
+inline constexpr const char* kChannels[] = {kPhoneChannel, kVoiceCallChannel, kPttChannel, kRecentCallChannel,
+                                            kActivityLogChannel};
+
+/// What a message is and holds.
+struct MessageForm
+{
+    const char* enumerator; ///< null when the message has none
+    std::span<const Field> fields;
+};
+
+/// The form of the message @p name of @p channel, the phone channel included; nothing when the library has no
+/// such message.
+std::optional<MessageForm> messageForm(const QCString& channel, const QCString& name);
+
+} // namespace zyn
