@@ -33,7 +33,7 @@ void print(const LogLine& line, const FieldValues& values)
 
 namespace zyn {
 
-void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload)
+void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line)
 {
     const std::optional<unsigned> type = messageType(kPhonePrefix, name, kPhoneTypes);
     if (!type)
@@ -43,7 +43,7 @@ void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& pa
     for (const LogLine& line : message.log)
         print(line, values);
     if (message.emitSignals)
-        message.emitSignals(Emitter(client), values);
+        message.emitSignals(Emitter(client, line), values);
 }
 
 } // namespace zyn
