@@ -40,8 +40,8 @@ void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& pa
         return;
     const PhoneMessage& message = phoneMessages()[*type];
     FieldValues values = readFields(message.fields, payload);
-    for (const LogLine& line : message.log)
-        print(line, values);
+    for (const LogLine& logLine : message.log)
+        print(logLine, values);
     if (message.emitSignals)
         message.emitSignals(Emitter(client, line), values);
 }

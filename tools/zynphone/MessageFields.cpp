@@ -31,7 +31,7 @@ public:
     /// The value of @p field, undefined when it is not there whole.
     QJsonValue next(const Field& field)
     {
-        const QJsonValue value = field.occurs == Occurrence::AsCounted ? readList(field) : readOne(field);
+        QJsonValue value = field.occurs == Occurrence::AsCounted ? readList(field) : readOne(field);
         if (!m_reader.isComplete())
             return QJsonValue::Undefined;
         if (m_left == m_payload.size())
