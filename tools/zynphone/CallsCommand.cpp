@@ -29,7 +29,7 @@ constexpr int kNoSuchCall = 1; // of RC_Interface
 /// Why a request failed; the library's result does not tell.
 CommandError serviceError()
 {
-    const QString path = RecentCall_dataDir() + QLatin1String(zyn::recentcall::kSocketName);
+    const QString path = QLatin1String(zyn::recentcall::kSocketPath);
     const zyn::posix::UniqueFd probe = zyn::posix::connectUnix(QFile::encodeName(path), kProbeTimeout);
     if (!probe.isValid())
         return failure(u"no recent-call service at %1"_s.arg(path));
