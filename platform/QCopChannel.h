@@ -42,8 +42,8 @@ public:
      * Sends a message without waiting for any listener, from any thread.
      *
      * One thread's messages reach a listener in the order sent. Within an event loop, what follows the first
-     * message of a turn is written when the turn ends. A listener that has left 16 MiB unread is cut off: it
-     * gets nothing more from this thread until it has read what it got before.
+     * message of a turn is written when the turn ends. A listener for which 16 MiB wait in
+     * this thread's memory misses what does not fit; it still gets, in order, what was accepted before.
      *
      * @param message  the message's name
      * @param data     the payload, at most 16 MiB with the name
