@@ -47,8 +47,8 @@ public:
     int root() const { return m_root.get(); }
     int fd() const { return m_fd.get(); }
 
-    /// The names of the listeners, living or dead.
-    QList<QByteArray> listeners() const;
+    /// The names of the listeners, living or dead; nothing when they could not all be read.
+    std::optional<QList<QByteArray>> listeners() const;
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
     /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED
@@ -61,6 +61,9 @@ public:
 
 private:
     ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd);
+
+    /// Removes the hidden sockets of processes that died before they listened.
+    void removeStillborn() const;
 
     posix::UniqueFd m_root;
     posix::UniqueFd m_fd;

@@ -1,6 +1,7 @@
 // A sender's connection to one listener.
 #include "platform/qcop/ChannelPeer_p.h"
 
+#include "platform/posix/ForkLocalFd_p.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
@@ -25,6 +26,7 @@ ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const 
     : m_root(root)
     , m_channel(channel)
     , m_name(name)
+    , m_generation(posix::forkGeneration())
     , m_nextFlush(kGatherSize)
 {}
 
@@ -126,6 +128,8 @@ void ChannelPeer::flush()
 
 void ChannelPeer::flushFromLoop()
 {
+    if (m_generation != posix::forkGeneration()) // a forked child's loop: what waits here is its parent's
+        return disconnect();
     flush();
     const bool isConnected = m_fd.isValid();
     if (isPending() && isConnected && !m_notifier) {

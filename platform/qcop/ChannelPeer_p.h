@@ -59,6 +59,7 @@ private:
     const QByteArray m_root;
     const QCString m_channel;
     const QByteArray m_name;
+    const unsigned m_generation;
     posix::UniqueFd m_fd;
     QByteArray m_queue;
     qsizetype m_nextFlush;
