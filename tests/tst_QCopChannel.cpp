@@ -473,7 +473,13 @@ void tst_QCopChannel::findsItsDirectory()
     qputenv("XDG_RUNTIME_DIR", folder + '/');
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("zynqcop/%2FZYN%2Ftest"))));
-    qputenv("XDG_RUNTIME_DIR", folder + "/missing");
+    qputenv("XDG_RUNTIME_DIR", folder + "/late");
+    QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere
+    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("late")));
+    QCOMPARE(::chmod((folder + "/late").constData(), 0700), 0);
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("late/zynqcop/%2FZYN%2Ftest"))));
+    qunsetenv("XDG_RUNTIME_DIR");
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QVERIFY(QFile::exists(QStringLiteral("/tmp/zynqcop-%1/%2FZYN%2Ftest").arg(::geteuid())));
     qputenv("ZYN_QCOP_PATH", "relative");

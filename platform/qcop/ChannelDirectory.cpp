@@ -59,9 +59,11 @@ QByteArray ChannelEnvironment::root() const
 {
     if (!channelPath.isEmpty())
         return channelPath.startsWith('/') ? cleanPath(channelPath) : QByteArray();
-    if (runtimePath.startsWith('/') &&
-        posix::openPrivateDirectory(AT_FDCWD, cleanPath(runtimePath)).isValid())
-        return cleanPath(runtimePath) + "/zynqcop";
+    if (!runtimePath.isEmpty()) {
+        const QByteArray path = cleanPath(runtimePath);
+        const bool isUsable = path.startsWith('/') && posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+        return isUsable ? path + "/zynqcop" : QByteArray();
+    }
     return "/tmp/zynqcop-" + QByteArray::number(::geteuid());
 }
 

@@ -19,9 +19,10 @@ struct ChannelEnvironment
     static ChannelEnvironment current();
     bool operator==(const ChannelEnvironment&) const = default;
 
-    /// The directory that ZYN_QCOP_PATH names, or "zynqcop" in the user's runtime directory, or, without a
-    /// runtime directory that is the user's alone, one named after the user in /tmp. Empty for a path that is
-    /// not absolute.
+    /// The directory that ZYN_QCOP_PATH names, else "zynqcop" in XDG_RUNTIME_DIR, else one named after the
+    /// user in /tmp. A set variable is binding, so that no two processes with the same environment ever
+    /// differ: empty when it is not absolute, or while the runtime directory is missing or not the user's
+    /// alone.
     QByteArray root() const;
 };
 
