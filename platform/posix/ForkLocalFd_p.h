@@ -3,6 +3,8 @@
 
 #include "platform/posix/UniqueFd_p.h"
 
+#include <functional>
+
 namespace zyn::posix {
 
 /// Counts the forks between the process that first asked and this one: differs in a child from what its
@@ -18,9 +20,11 @@ unsigned forkGeneration();
 class ForkLocalFd
 {
 public:
-    explicit ForkLocalFd(UniqueFd fd);
-    ForkLocalFd(const ForkLocalFd&) = delete;
-    ForkLocalFd& operator=(const ForkLocalFd&) = delete;
+    /// Owns what @p open returns. No thread forks in between; open must neither fork nor own such a
+    /// descriptor itself.
+    explicit ForkLocalFd(const std::function<UniqueFd()>& open);
+    ForkLocalFd(ForkLocalFd&&) = default;
+    ForkLocalFd& operator=(ForkLocalFd&&) = delete;
     ~ForkLocalFd() { reset(); }
 
     bool isValid() const noexcept { return m_fd.isValid(); }

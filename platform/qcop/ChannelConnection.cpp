@@ -8,7 +8,7 @@
 
 namespace zyn {
 
-ChannelConnection::ChannelConnection(posix::UniqueFd fd, QCopChannel& channel, QObject* parent)
+ChannelConnection::ChannelConnection(posix::ForkLocalFd fd, QCopChannel& channel, QObject* parent)
     : QObject(parent)
     , m_fd(std::move(fd))
     , m_notifier(m_fd.get(), QSocketNotifier::Read, this)

@@ -35,7 +35,7 @@ ChannelListener::ChannelListener(const QCString& name, QCopChannel& channel)
     , m_name(ChannelDirectory::newName())
     , m_generation(posix::forkGeneration())
     , m_channel(channel)
-    , m_socket(listenOn(m_root, m_channelName, m_name))
+    , m_socket([this] { return listenOn(m_root, m_channelName, m_name); })
 {
     if (!m_socket.isValid())
         qWarning("QCopChannel: no listener on \"%s\" in \"%s\"", name.constData(), m_root.constData());
@@ -62,7 +62,7 @@ void ChannelListener::watch()
 
 void ChannelListener::accept()
 {
-    posix::UniqueFd connection = posix::acceptConnection(m_socket.get());
+    posix::ForkLocalFd connection([this] { return posix::acceptConnection(m_socket.get()); });
     if (connection.isValid()) {
         if (posix::isPeerTrusted(connection.get()))
             new ChannelConnection(std::move(connection), m_channel, this);
