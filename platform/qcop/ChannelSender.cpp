@@ -1,7 +1,6 @@
 // What a thread sends on channels.
 #include "platform/qcop/ChannelSender_p.h"
 
-#include "platform/posix/ForkLocalFd_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include <poll.h>
+#include <pthread.h>
 
 namespace {
 
@@ -21,29 +21,24 @@ constexpr std::chrono::milliseconds kDrainStep{20};
 /// How many channels a sender remembers, apart from those on which something is pending.
 constexpr size_t kChannelLimit = 64;
 
-/// The fork generation in which the application object was made: a loop found running in a later one may be
-/// the parent's.
-unsigned s_applicationGeneration = 0;
-
-void noteApplication()
-{
-    s_applicationGeneration = zyn::posix::forkGeneration();
-}
+/// How many of the loops that seem to run in this thread are, as far as known, a forking parent's.
+thread_local int t_foreignLoops = 0;
 
 int loopLevel()
 {
     return QThread::currentThread()->loopLevel();
 }
 
+void followForks()
+{
+    ::pthread_atfork(nullptr, nullptr, [] { t_foreignLoops = loopLevel(); });
+}
+
 } // namespace
 
-Q_COREAPP_STARTUP_FUNCTION(noteApplication)
+Q_COREAPP_STARTUP_FUNCTION(followForks)
 
 namespace zyn {
-
-ChannelSender::ChannelSender()
-    : m_foreignLoops(s_applicationGeneration == posix::forkGeneration() ? 0 : loopLevel())
-{}
 
 bool ChannelSender::send(const QCString& channel, const ChannelFrame& frame)
 {
@@ -53,7 +48,7 @@ bool ChannelSender::send(const QCString& channel, const ChannelFrame& frame)
     if (m_channels.size() >= kChannelLimit && !m_channels.contains(place))
         forgetIdle();
     ChannelPeers& peers = m_channels.try_emplace(place, m_root, channel).first->second;
-    const bool hasTurns = m_tellsTurns && loopLevel() > m_foreignLoops;
+    const bool hasTurns = m_tellsTurns && loopLevel() > t_foreignLoops;
     const bool isTaken = peers.send(frame, m_watch, hasTurns ? m_turn : 0);
     if (!m_isTurnOpen && (hasTurns || peers.isPending())) {
         m_isTurnOpen = true;
@@ -99,7 +94,7 @@ void ChannelSender::watchTurns()
 
 void ChannelSender::noteTurn()
 {
-    m_foreignLoops = std::clamp(loopLevel() - 1, 0, m_foreignLoops);
+    t_foreignLoops = std::clamp(loopLevel() - 1, 0, t_foreignLoops);
     endTurn();
 }
 

@@ -26,8 +26,6 @@ namespace zyn {
 class ChannelSender : public QObject
 {
 public:
-    ChannelSender();
-
     /// Sends to the listeners of @p channel, as QCopChannel::send does.
     bool send(const QCString& channel, const ChannelFrame& frame);
     /// Waits until listeners have taken all that is pending, at most for @p time. Needs nothing of Qt, which
@@ -47,7 +45,6 @@ private:
     std::map<std::pair<QByteArray, QCString>, ChannelPeers> m_channels; ///< by root and name
     QPointer<QAbstractEventDispatcher> m_dispatcher;
     bool m_tellsTurns = false; ///< whether the dispatcher tells the end of every turn
-    int m_foreignLoops;        ///< how many of the running loops are, as far as known, a forking parent's
     quint64 m_turn = 1;
     bool m_isTurnOpen = false;
 };
