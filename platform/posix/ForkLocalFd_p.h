@@ -12,7 +12,8 @@ namespace zyn::posix {
 unsigned forkGeneration();
 
 /**
- * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number.
+ * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number (where
+ * there is a /dev/null when the process first asks).
  *
  * Closing on exec does not help a child that never calls it, and a child's copy would keep a socket alive,
  * and its peers waiting, after the process that serves it has died.
@@ -28,11 +29,14 @@ public:
     ~ForkLocalFd() { reset(); }
 
     bool isValid() const noexcept { return m_fd.isValid(); }
+    /// Whether this process opened it; false for an object that a fork has copied.
+    bool isOwn() const { return m_generation == forkGeneration(); }
     int get() const noexcept { return m_fd.get(); }
     void reset();
 
 private:
     UniqueFd m_fd;
+    unsigned m_generation = forkGeneration();
 };
 
 } // namespace zyn::posix

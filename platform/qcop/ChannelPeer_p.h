@@ -16,8 +16,8 @@ class ChannelFrame;
 /**
  * Keeps the connection to one listener, and in order what the listener has yet to take.
  *
- * Nothing here waits. A listener for which kQueueLimit bytes wait misses what does not fit, until it has taken
- * some of them; what was accepted stays in order and follows.
+ * Nothing here waits. A listener for which kQueueLimit bytes wait misses what does not fit, until it has
+ * taken some of them; what was accepted stays in order and follows.
  */
 class ChannelPeer
 {
