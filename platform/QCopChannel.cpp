@@ -21,6 +21,8 @@ QCopChannel::QCopChannel(const QCString& channel, QObject* parent, const char* n
     , m_channel(nameOf(channel))
     , m_listener(std::make_unique<zyn::ChannelListener>(m_channel, *this))
 {
+    // By this name receivers may be connected with a queue between.
+    qRegisterMetaType<QCString>("QCString");
     setObjectName(QString::fromLatin1(name));
 }
 

@@ -21,7 +21,11 @@ class ChannelListener;
  * Channel and message names are compared byte for byte and end at their first NUL. The processes find each
  * other in the directory that ZYN_QCOP_PATH names, else in "zynqcop" under XDG_RUNTIME_DIR, else in
  * "/tmp/zynqcop-" and the user's number; it must belong to the user alone (mode 0700, no symbolic link), and
- * is made when missing.
+ * is made when missing. A variable that is set and not empty is binding: a relative path, or an
+ * XDG_RUNTIME_DIR that is missing or not the user's alone, is refused, with no other place instead.
+ *
+ * A child made by fork() without exec has its parent's listeners only as objects that receive nothing, writes
+ * none of what its parent sent, and may send and listen itself.
  */
 class ZYN_EXPORT QCopChannel : public QObject
 {
@@ -41,9 +45,14 @@ public:
     /**
      * Sends a message without waiting for any listener, from any thread.
      *
-     * One thread's messages reach a listener in the order sent. Within an event loop, what follows the first
-     * message of a turn is written when the turn ends. A listener that has left 16 MiB unread is cut off: it
-     * gets nothing more from this thread until it has read what it got before.
+     * One thread's messages reach a listener in the order sent. Within an event loop of Qt's GLib dispatcher,
+     * what follows the first message of a turn is written when the turn ends; elsewhere each message is
+     * written at once. A listener for which 16 MiB wait in
+     * this thread's memory misses what does not fit; it still gets, in order, what was accepted before.
+     *
+     * What listeners have not taken yet follows from the thread's event loop, or with its later messages.
+     * A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what
+     * other threads still have pending at exit is lost, as everything is with _exit() or a signal.
      *
      * @param message  the message's name
      * @param data     the payload, at most 16 MiB with the name

@@ -14,13 +14,24 @@ namespace {
 constexpr uint32_t kEvents =
     IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF | IN_ONLYDIR;
 
+int newWatch()
+{
+    return ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+}
+
 } // namespace
 
 namespace zyn::posix {
 
 DirectoryWatch::DirectoryWatch()
-    : m_fd(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    : m_fd(newWatch())
 {}
+
+void DirectoryWatch::restart()
+{
+    m_fd.reset(newWatch());
+    ++m_changes;
+}
 
 void DirectoryWatch::add(int directory)
 {

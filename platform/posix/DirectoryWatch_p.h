@@ -21,6 +21,8 @@ public:
 
     /// Counts the changes in @p directory from now on. Doing so again costs nothing more.
     void add(int directory);
+    /// Forgets all directories, which counts as a change.
+    void restart();
     /// A number that differs from the one before when anything may have changed: always, when watching is
     /// impossible.
     quint64 changes();

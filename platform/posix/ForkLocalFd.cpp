@@ -15,6 +15,7 @@ struct Registry
 
     std::mutex mutex; ///< held across fork, so that the child finds the set whole
     std::set<int> descriptors;
+    const zyn::posix::UniqueFd nothing; ///< kept open: a child might not be able to open it
     unsigned generation = 0; ///< changes only in a child that has a single thread yet
 };
 
@@ -39,13 +40,13 @@ void afterForkInChild()
 {
     ++registry().generation;
     // Replaced, not closed: their owners still hold the numbers, which must not come to mean something else.
-    const zyn::posix::UniqueFd nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
     for (const int descriptor : registry().descriptors)
-        ::dup3(nothing.get(), descriptor, O_CLOEXEC);
+        ::dup3(registry().nothing.get(), descriptor, O_CLOEXEC);
     registry().mutex.unlock();
 }
 
 Registry::Registry()
+    : nothing(::open("/dev/null", O_RDWR | O_CLOEXEC))
 {
     ::pthread_atfork(&beforeFork, &afterForkInParent, &afterForkInChild);
 }
@@ -59,10 +60,10 @@ unsigned forkGeneration()
     return registry().generation;
 }
 
-ForkLocalFd::ForkLocalFd(UniqueFd fd)
-    : m_fd(std::move(fd))
+ForkLocalFd::ForkLocalFd(const std::function<UniqueFd()>& open)
 {
     const std::lock_guard lock(registry().mutex);
+    m_fd = open();
     if (m_fd.isValid())
         registry().descriptors.insert(m_fd.get());
 }

@@ -1,6 +1,7 @@
 // Directories that belong to this user alone.
 #include "platform/posix/PrivateDirectory_p.h"
 
+#include <cerrno>
 #include <memory>
 
 #include <dirent.h>
@@ -45,18 +46,22 @@ UniqueFd makePrivateDirectory(int parent, const QByteArray& name)
     return openPrivateDirectory(parent, name);
 }
 
-QList<QByteArray> visibleEntries(int directory, mode_t type)
+std::optional<QList<QByteArray>> entries(int directory, mode_t type)
 {
-    QList<QByteArray> result;
     UniqueFd fd(::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const std::unique_ptr<DIR, CloseDirectory> stream(::fdopendir(fd.get()));
     if (!stream)
-        return result;
+        return std::nullopt;
     fd.release(); // the stream's now
+    QList<QByteArray> result;
+    errno = 0; // only so does readdir() tell an error from the end
     while (const dirent* entry = ::readdir(stream.get())) {
-        if (entry->d_name[0] != '.' && isOfType(directory, entry->d_name, type))
+        if (isOfType(directory, entry->d_name, type))
             result.append(entry->d_name);
+        errno = 0;
     }
+    if (errno != 0)
+        return std::nullopt;
     return result;
 }
 

@@ -6,6 +6,8 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 
+#include <optional>
+
 #include <sys/types.h>
 
 namespace zyn::posix {
@@ -17,8 +19,9 @@ UniqueFd openPrivateDirectory(int parent, const QByteArray& name);
 /// The same; a missing directory is made first, with mode 0700, in a parent that exists.
 UniqueFd makePrivateDirectory(int parent, const QByteArray& name);
 
-/// The names in @p directory, without the hidden ones, of the file type @p type (S_IFDIR, S_IFSOCK, ...).
-QList<QByteArray> visibleEntries(int directory, mode_t type);
+/// The names in @p directory of the file type @p type (S_IFDIR, S_IFSOCK, ...), hidden ones too; nothing when
+/// they could not all be read.
+std::optional<QList<QByteArray>> entries(int directory, mode_t type);
 
 /// A path to @p name in the open directory @p directory, however long the directory's own path is.
 QByteArray pathThrough(int directory, const QByteArray& name);

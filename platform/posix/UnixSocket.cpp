@@ -145,13 +145,6 @@ ssize_t receiveSome(int fd, std::span<std::byte> buffer)
     return n < 0 && !isPassing() ? 0 : n;
 }
 
-bool hasPeerClosed(int fd)
-{
-    std::byte byte{};
-    const ssize_t n = retry([&] { return ::recv(fd, &byte, sizeof byte, MSG_DONTWAIT | MSG_PEEK); });
-    return n == 0 || (n < 0 && !isPassing());
-}
-
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline)
 {
     while (!first.empty() || !second.empty()) {

@@ -75,9 +75,6 @@ ssize_t sendSome(int fd, std::span<iovec> blocks);
 /// is there.
 ssize_t receiveSome(int fd, std::span<std::byte> buffer);
 
-/// Whether the other end has closed the connection and everything it sent has been read.
-bool hasPeerClosed(int fd);
-
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);
 

@@ -8,7 +8,7 @@
 
 namespace zyn {
 
-ChannelConnection::ChannelConnection(posix::UniqueFd fd, QCopChannel& channel, QObject* parent)
+ChannelConnection::ChannelConnection(posix::ForkLocalFd fd, QCopChannel& channel, QObject* parent)
     : QObject(parent)
     , m_fd(std::move(fd))
     , m_notifier(m_fd.get(), QSocketNotifier::Read, this)
@@ -33,7 +33,8 @@ void ChannelConnection::deliver()
     const QPointer<ChannelConnection> self(this);
     QCString name;
     QByteArray data;
-    while (m_reader.next(name, data)) {
+    // A receiver may have forked: what is left is for the parent's listener alone.
+    while (m_fd.isOwn() && m_reader.next(name, data)) {
         if (m_reader.hasMore())
             deliverInNestedLoop();
         m_channel.receive(name, data);

@@ -16,7 +16,7 @@ namespace zyn {
 class ChannelConnection : public QObject
 {
 public:
-    ChannelConnection(posix::UniqueFd fd, QCopChannel& channel, QObject* parent);
+    ChannelConnection(posix::ForkLocalFd fd, QCopChannel& channel, QObject* parent);
 
 private:
     void read();

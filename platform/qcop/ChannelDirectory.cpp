@@ -10,6 +10,8 @@
 #include <QtCore/QRandomGenerator>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -33,6 +35,11 @@ QByteArray fileName(const QCString& channel)
     return kHashMark + QCryptographicHash::hash(channel, QCryptographicHash::Sha256).toHex();
 }
 
+bool isHidden(const QByteArray& name)
+{
+    return name.startsWith('.');
+}
+
 /// Without slashes at the end, which would make open() follow a symbolic link.
 QByteArray cleanPath(const QByteArray& path)
 {
@@ -52,9 +59,11 @@ QByteArray ChannelEnvironment::root() const
 {
     if (!channelPath.isEmpty())
         return channelPath.startsWith('/') ? cleanPath(channelPath) : QByteArray();
-    if (runtimePath.startsWith('/') &&
-        posix::openPrivateDirectory(AT_FDCWD, cleanPath(runtimePath)).isValid())
-        return cleanPath(runtimePath) + "/zynqcop";
+    if (!runtimePath.isEmpty()) {
+        const QByteArray path = cleanPath(runtimePath);
+        const bool isUsable = path.startsWith('/') && posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+        return isUsable ? path + "/zynqcop" : QByteArray();
+    }
     return "/tmp/zynqcop-" + QByteArray::number(::geteuid());
 }
 
@@ -82,7 +91,7 @@ QList<QCString> ChannelDirectory::channels(const QByteArray& root)
 {
     QList<QCString> result;
     const posix::UniqueFd directory = posix::openPrivateDirectory(AT_FDCWD, root);
-    for (const QByteArray& name : posix::visibleEntries(directory.get(), S_IFDIR)) {
+    for (const QByteArray& name : posix::entries(directory.get(), S_IFDIR).value_or(QList<QByteArray>())) {
         const QCString channel = QCString::fromPercentEncoding(name);
         if (fileName(channel) == name)
             result.append(channel);
@@ -91,15 +100,19 @@ QList<QCString> ChannelDirectory::channels(const QByteArray& root)
     return result;
 }
 
-QList<QByteArray> ChannelDirectory::listeners() const
+std::optional<QList<QByteArray>> ChannelDirectory::listeners() const
 {
-    return posix::visibleEntries(fd(), S_IFSOCK);
+    auto names = posix::entries(fd(), S_IFSOCK);
+    if (names)
+        names->removeIf(&isHidden);
+    return names;
 }
 
 posix::UniqueFd ChannelDirectory::listenAs(const QByteArray& name) const
 {
     // A sender that met the socket between bind and listen would be refused, and take it for a dead one.
     const QByteArray hidden = '.' + name;
+    removeStillborn();
     posix::UniqueFd socket = posix::listenUnix(posix::pathThrough(fd(), hidden), kOwnUserOnly);
     if (!socket.isValid() || ::renameat(fd(), hidden.constData(), fd(), name.constData()) != 0) {
         remove(hidden);
@@ -116,6 +129,16 @@ posix::UniqueFd ChannelDirectory::connectTo(const QByteArray& name) const
 void ChannelDirectory::remove(const QByteArray& name) const
 {
     ::unlinkat(fd(), name.constData(), 0);
+}
+
+void ChannelDirectory::removeStillborn() const
+{
+    for (const QByteArray& name : posix::entries(fd(), S_IFSOCK).value_or(QList<QByteArray>())) {
+        // A refused connection does not tell: a living process may be about to listen.
+        const pid_t owner = name.sliced(1).split('-').first().toInt();
+        if (isHidden(name) && owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH)
+            remove(name);
+    }
 }
 
 QByteArray ChannelDirectory::newName()

@@ -19,9 +19,10 @@ struct ChannelEnvironment
     static ChannelEnvironment current();
     bool operator==(const ChannelEnvironment&) const = default;
 
-    /// The directory that ZYN_QCOP_PATH names, or "zynqcop" in the user's runtime directory, or, without a
-    /// runtime directory that is the user's alone, one named after the user in /tmp. Empty for a path that is
-    /// not absolute.
+    /// The directory that ZYN_QCOP_PATH names, else "zynqcop" in XDG_RUNTIME_DIR, else one named after the
+    /// user in /tmp. A set variable is binding, so that no two processes with the same environment ever
+    /// differ: empty when it is not absolute, or while the runtime directory is missing or not the user's
+    /// alone.
     QByteArray root() const;
 };
 
@@ -47,8 +48,8 @@ public:
     int root() const { return m_root.get(); }
     int fd() const { return m_fd.get(); }
 
-    /// The names of the listeners, living or dead.
-    QList<QByteArray> listeners() const;
+    /// The names of the listeners, living or dead; nothing when they could not all be read.
+    std::optional<QList<QByteArray>> listeners() const;
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
     /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED
@@ -61,6 +62,9 @@ public:
 
 private:
     ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd);
+
+    /// Removes the hidden sockets of processes that died before they listened.
+    void removeStillborn() const;
 
     posix::UniqueFd m_root;
     posix::UniqueFd m_fd;

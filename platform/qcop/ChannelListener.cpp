@@ -33,9 +33,8 @@ ChannelListener::ChannelListener(const QCString& name, QCopChannel& channel)
     , m_root(ChannelEnvironment::current().root())
     , m_channelName(name)
     , m_name(ChannelDirectory::newName())
-    , m_generation(posix::forkGeneration())
     , m_channel(channel)
-    , m_socket(listenOn(m_root, m_channelName, m_name))
+    , m_socket([this] { return listenOn(m_root, m_channelName, m_name); })
 {
     if (!m_socket.isValid())
         qWarning("QCopChannel: no listener on \"%s\" in \"%s\"", name.constData(), m_root.constData());
@@ -48,7 +47,7 @@ ChannelListener::ChannelListener(const QCString& name, QCopChannel& channel)
 ChannelListener::~ChannelListener()
 {
     // A forked child's copy of the object is no listener, and the name is its parent's.
-    if (!m_socket.isValid() || m_generation != posix::forkGeneration())
+    if (!m_socket.isValid() || !m_socket.isOwn())
         return;
     if (const auto directory = ChannelDirectory::open(m_root, m_channelName))
         directory->remove(m_name);
@@ -62,7 +61,7 @@ void ChannelListener::watch()
 
 void ChannelListener::accept()
 {
-    posix::UniqueFd connection = posix::acceptConnection(m_socket.get());
+    posix::ForkLocalFd connection([this] { return posix::acceptConnection(m_socket.get()); });
     if (connection.isValid()) {
         if (posix::isPeerTrusted(connection.get()))
             new ChannelConnection(std::move(connection), m_channel, this);

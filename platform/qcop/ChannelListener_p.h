@@ -36,7 +36,6 @@ private:
     const QByteArray m_root;
     const QCString m_channelName;
     const QByteArray m_name;
-    const unsigned m_generation;
     QCopChannel& m_channel;
     posix::ForkLocalFd m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;

@@ -1,6 +1,7 @@
 // A sender's connection to one listener.
 #include "platform/qcop/ChannelPeer_p.h"
 
+#include "platform/posix/ForkLocalFd_p.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
@@ -12,6 +13,8 @@ namespace {
 
 /// How much is gathered before it is written: large writes stop paying off beyond it.
 constexpr qsizetype kGatherSize = 64 * 1024;
+/// The most memory that is kept while nothing is pending.
+constexpr qsizetype kIdleQueue = 4 * kGatherSize;
 /// How often a listener too busy to accept is tried again.
 constexpr std::chrono::milliseconds kRetryInterval{20};
 
@@ -23,6 +26,7 @@ ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const 
     : m_root(root)
     , m_channel(channel)
     , m_name(name)
+    , m_generation(posix::forkGeneration())
     , m_nextFlush(kGatherSize)
 {}
 
@@ -30,16 +34,13 @@ ChannelPeer::Result ChannelPeer::take(const ChannelFrame& frame, bool gather)
 {
     // A lost connection does not tell whether the listener is dead; whether a new one is refused does.
     for (int attempt = 0; attempt < 2; ++attempt) {
-        switch (link()) {
-        case Link::Gone:
+        const Link state = link();
+        if (state == Link::Gone)
             return Result::Gone;
-        case Link::Failed:
+        if (state == Link::Failed || !makeRoom(frame))
             return Result::Missed;
-        case Link::Waiting:
-        case Link::Open:
-            if (put(frame, gather))
-                return m_isCutOff ? Result::Missed : Result::Taken;
-        }
+        if (put(frame, gather))
+            return Result::Taken;
     }
     return Result::Missed;
 }
@@ -47,15 +48,7 @@ ChannelPeer::Result ChannelPeer::take(const ChannelFrame& frame, bool gather)
 /// Makes the connection unless there is one.
 ChannelPeer::Link ChannelPeer::link()
 {
-    if (m_fd.isValid() && !m_isCutOff)
-        return Link::Open;
-    if (m_fd.isValid() && !posix::hasPeerClosed(m_fd.get()))
-        return Link::Failed;
-    m_fd.reset();
-    const Link made = connect();
-    if (made == Link::Open)
-        m_isCutOff = false;
-    return made == Link::Waiting && m_isCutOff ? Link::Failed : made;
+    return m_fd.isValid() ? Link::Open : connect();
 }
 
 ChannelPeer::Link ChannelPeer::connect()
@@ -81,21 +74,21 @@ ChannelPeer::Link ChannelPeer::connect()
     }
 }
 
-/// Writes or keeps the message, or cuts the listener off; false when the connection turns out to be lost.
+/// Whether the message fits into what may wait, if need be after a write.
+bool ChannelPeer::makeRoom(const ChannelFrame& frame)
+{
+    const auto fits = [&] { return !isPending() || m_queue.size() + frame.size() <= kQueueLimit; };
+    if (!fits() && m_fd.isValid())
+        flush();
+    return fits();
+}
+
+/// Writes or keeps the message; false when the connection turns out to be lost.
 bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
 {
     const bool isConnected = m_fd.isValid();
     if (isConnected && !isPending() && !gather)
         return putAtOnce(frame);
-    const auto isTooMuch = [&] { return isPending() && m_queue.size() + frame.size() > kQueueLimit; };
-    if (isConnected && isTooMuch())
-        flush();
-    if (isTooMuch()) {
-        cutOff();
-        return true;
-    }
-    if (isConnected && !m_fd.isValid())
-        return false;
     frame.appendTo(m_queue);
     if (isConnected && (!gather || m_queue.size() >= m_nextFlush))
         flush();
@@ -128,11 +121,15 @@ void ChannelPeer::flush()
     if (n < 0)
         return disconnect();
     m_queue.remove(0, n);
+    if (!isPending() && m_queue.capacity() > kIdleQueue)
+        m_queue = QByteArray();
     m_nextFlush = m_queue.size() + kGatherSize;
 }
 
 void ChannelPeer::flushFromLoop()
 {
+    if (m_generation != posix::forkGeneration()) // a forked child's loop: what waits here is its parent's
+        return disconnect();
     flush();
     const bool isConnected = m_fd.isValid();
     if (isPending() && isConnected && !m_notifier) {
@@ -155,25 +152,12 @@ void ChannelPeer::retryFromLoop()
     m_retry->start(kRetryInterval);
 }
 
-void ChannelPeer::cutOff()
-{
-    m_isCutOff = true;
-    discard();
-    // The listener reads up to here, finds the end and closes, which tells that it is back.
-    ::shutdown(m_fd.get(), SHUT_WR);
-}
-
 void ChannelPeer::disconnect()
-{
-    discard();
-    m_fd.reset();
-}
-
-void ChannelPeer::discard()
 {
     m_notifier.reset();
     m_queue = QByteArray();
     m_nextFlush = kGatherSize;
+    m_fd.reset();
 }
 
 } // namespace zyn

@@ -16,8 +16,8 @@ class ChannelFrame;
 /**
  * Keeps the connection to one listener, and in order what the listener has yet to take.
  *
- * Nothing here waits. A listener that leaves more than kQueueLimit bytes untaken is cut off: it gets the
- * messages up to some point, then none, until it has read all it got and closed the connection in answer.
+ * Nothing here waits. A listener for which kQueueLimit bytes wait misses what does not fit, until it has
+ * taken some of them; what was accepted stays in order and follows.
  */
 class ChannelPeer
 {
@@ -50,20 +50,19 @@ private:
 
     Link link();
     Link connect();
+    bool makeRoom(const ChannelFrame& frame);
     bool put(const ChannelFrame& frame, bool gather);
     bool putAtOnce(const ChannelFrame& frame);
     void retryFromLoop();
-    void cutOff();
     void disconnect();
-    void discard();
 
     const QByteArray m_root;
     const QCString m_channel;
     const QByteArray m_name;
+    const unsigned m_generation;
     posix::UniqueFd m_fd;
     QByteArray m_queue;
     qsizetype m_nextFlush;
-    bool m_isCutOff = false;
     std::unique_ptr<QSocketNotifier> m_notifier; ///< enabled while connected and pending
     std::unique_ptr<QTimer> m_retry;             ///< runs while pending without a connection
 };

@@ -46,9 +46,11 @@ bool ChannelPeers::refresh(posix::DirectoryWatch& watch)
     // Before the list is read, so that no listener comes unseen in between.
     watch.add(directory->root());
     watch.add(directory->fd());
-    const QList<QByteArray> names = directory->listeners();
-    std::erase_if(m_peers, [&](const auto& entry) { return !names.contains(entry.first); });
-    for (const QByteArray& name : names)
+    const auto names = directory->listeners();
+    if (!names)
+        return false;
+    std::erase_if(m_peers, [&](const auto& entry) { return !names->contains(entry.first); });
+    for (const QByteArray& name : *names)
         m_peers.try_emplace(name, m_root, m_channel, name);
     return true;
 }

@@ -4,6 +4,8 @@
 #include "platform/posix/ForkLocalFd_p.h"
 #include "platform/qcop/ChannelSender_p.h"
 
+#include <QtCore/QThread>
+
 #include <memory>
 
 namespace {
@@ -25,8 +27,7 @@ public:
     ~ThreadSender()
     {
         t_hasEnded = true;
-        if (m_sender && isOwn())
-            m_sender->drain(kDrainTime);
+        end();
     }
 
     ChannelSender& get()
@@ -34,11 +35,20 @@ public:
         if (!m_sender || !isOwn()) {
             m_sender = std::make_unique<ChannelSender>();
             m_generation = zyn::posix::forkGeneration();
+            // Who waits for a QThread does not wait for its thread_local objects.
+            QObject::connect(QThread::currentThread(), &QThread::finished, m_sender.get(), [this] { end(); },
+                             Qt::DirectConnection);
         }
         return *m_sender;
     }
 
 private:
+    void end()
+    {
+        if (m_sender && isOwn())
+            m_sender->drain(kDrainTime);
+        m_sender.reset();
+    }
     /// Whether this process made the sender. What a forked child finds gathered is its parent's to write.
     bool isOwn() const { return m_generation == zyn::posix::forkGeneration(); }
 
