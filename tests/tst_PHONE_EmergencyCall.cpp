@@ -45,8 +45,8 @@ void writeFile(const QByteArray& bytes)
 
 void setState(const zyn::handset::State& state, int value)
 {
-    SETUP_SET_Manager settings(zyn::handset::stateFile(), true);
-    settings.setSettingInfo(QLatin1String(zyn::handset::kGroup), QLatin1String(state.key), value);
+    const auto group = QLatin1String(zyn::handset::kGroup);
+    SETUP_SET_Manager(zyn::handset::stateFile(), true).setSettingInfo(group, QLatin1String(state.key), value);
 }
 
 } // namespace
@@ -60,7 +60,6 @@ private Q_SLOTS:
     void cleanup() { QFile::remove(QString::fromLatin1(kListFile)); }
 
     void judgesEveryPrefixInEveryState();
-    void logsWhatItIsAsked();
     void readsTheListAsFarAsItGoes_data();
     void readsTheListAsFarAsItGoes();
     void findsNothingInWhatIsNoFile();
@@ -72,7 +71,7 @@ private:
 
 void tst_PHONE_EmergencyCall::judgesEveryPrefixInEveryState()
 {
-    StdoutCapture quiet;
+    StdoutCapture output;
     writeFile(record("112") + record("911") + record("xY"));
     for (const int keypad : {-1, 0, 1, 3}) {
         setState(zyn::handset::kKeypadLock, keypad);
@@ -91,38 +90,25 @@ void tst_PHONE_EmergencyCall::judgesEveryPrefixInEveryState()
     }
 }
 
-void tst_PHONE_EmergencyCall::logsWhatItIsAsked()
-{
-    setState(zyn::handset::kKeypadLock, 0);
-    setState(zyn::handset::kSimCard, 3);
-    StdoutCapture output;
-    PHONE_IsEmergencyCallInput(u""_s);
-    PHONE_IsEmergencyCallInput(u"*#"_s);
-    PHONE_IsEmergencyCallInput(u"9"_s);
-    PHONE_IsEmergencyCallInput(u"**0"_s);
-    QCOMPARE(output.take(), QByteArray("Sim card status = 3Sim card status = 3Control code input = **0"));
-}
-
 void tst_PHONE_EmergencyCall::readsTheListAsFarAsItGoes_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QByteArray>("numbers"); // separated by commas
 
     const QByteArray wide(42, '7');
-    QTest::newRow("nothing in it") << QByteArray() << QByteArray();
-    QTest::newRow("in order, with a double")
-        << record("911") + record("112") + record("911") << QByteArray("911,112,911");
-    QTest::newRow("an empty record between")
-        << record("112") + record("") + record("911") << QByteArray("112,911");
-    QTest::newRow("leftovers behind the NUL") << record(QByteArray("112\0999", 7)) << QByteArray("112");
-    QTest::newRow("no NUL") << wide + record("112") + wide << wide + ",112," + wide;
-    QTest::newRow("a short last one with its NUL")
-        << record("999999") + QByteArray("112", 4) << QByteArray("999999,112");
-    QTest::newRow("a short last one without") << record("999999") + "112" << QByteArray("999999");
-    QTest::newRow("a last one short of a byte") << record("112") + wide.chopped(1) << QByteArray("112");
-    QTest::newRow("Latin-1") << record("1\xe9") << QByteArray("1\xe9");
-    QTest::newRow("more than are read")
-        << record("").repeated(1559) + record("112") + record("911") << QByteArray("112");
+    const auto add = [](const char* title, const QByteArray& file, const QByteArray& numbers) {
+        QTest::newRow(title) << file << numbers;
+    };
+    add("nothing in it", "", "");
+    add("in order, with a double", record("911") + record("112") + record("911"), "911,112,911");
+    add("an empty record between", record("112") + record("") + record("911"), "112,911");
+    add("leftovers behind the NUL", record(QByteArray("112\0999", 7)), "112");
+    add("no NUL", wide + record("112") + wide, wide + ",112," + wide);
+    add("a short last one with its NUL", record("999999") + QByteArray("112", 4), "999999,112");
+    add("a short last one without", record("999999") + "112", "999999");
+    add("a last one short of a byte", record("112") + wide.chopped(1), "112");
+    add("Latin-1", record("1\xe9"), "1\xe9");
+    add("more than are read", record("").repeated(1559) + record("112") + record("911"), "112");
 }
 
 void tst_PHONE_EmergencyCall::readsTheListAsFarAsItGoes()

@@ -1,5 +1,4 @@
-// The requests that place and end calls: their bytes on the channels, their way back into signals, their
-// symbols.
+// The requests that place and end calls: their bytes on the channels, their way back into signals, their symbols.
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -19,15 +18,11 @@ namespace {
 
 constexpr char kEnd[] = "end of the test's messages";
 
-PTT_CALL_INFO_T pttCall(uint8_t count)
+/// A call to 77 and others, whose second texts are null.
+PTT_CALL_INFO_T pttCall(int count)
 {
-    PTT_CALL_INFO_T call;
-    std::ranges::fill(call.firstList, QStringLiteral("1"));
-    std::ranges::fill(call.secondList, QStringLiteral("A"));
-    call.firstList[0] = QString();
-    call.count = count;
-    call.firstValue = -2;
-    call.secondValue = 3;
+    PTT_CALL_INFO_T call = {{QStringLiteral("77")}, {}, static_cast<uint8_t>(count), -2, 3};
+    std::fill(std::begin(call.firstList) + 1, std::end(call.firstList), QStringLiteral("1"));
     return call;
 }
 
@@ -62,14 +57,12 @@ const Request kRequests[] = {
     {"the end of a call", zyn::kVoiceCallChannel, [] { PHONE_EndVoiceCall(); return 0; }, 0, "DropCall "},
     {"video calls", zyn::kVoiceCallChannel, [] { PHONE_MakeVideoCall("1"); PHONE_EndVTCall(); return 0; }, 0, ""},
     {"push-to-talk, two parties", zyn::kPttChannel, [] { return PHONE_MakePttCall(pttCall(2)); }, 1,
-     "makePttCall 00000002" "ffffffff000000020031" "000000020041000000020041" "fffffffe00000003"},
+     "makePttCall 00000002" "0000000400370037000000020031" "ffffffffffffffff" "fffffffe00000003"},
     {"push-to-talk, 25 parties", zyn::kPttChannel, [] { return PHONE_MakePttCall(pttCall(25)); }, 1,
-     "makePttCall 00000019" "ffffffff" + QByteArray("000000020031").repeated(24) + QByteArray("000000020041").repeated(25) + "fffffffe00000003"},
-    {"push-to-talk, 26 parties", zyn::kPttChannel, [] { return PHONE_MakePttCall(pttCall(26)); }, 0, ""},
-    {"push-to-talk, nobody", zyn::kPttChannel, [] { return PHONE_MakePttCall(pttCall(0)); }, 0, ""},
+     "makePttCall 00000019" "0000000400370037" + QByteArray("000000020031").repeated(24) + QByteArray("ffffffff").repeated(25) + "fffffffe00000003"},
+    {"push-to-talk, nobody and too many", zyn::kPttChannel, [] { return PHONE_MakePttCall(pttCall(0)) + PHONE_MakePttCall(pttCall(26)); }, 0, ""},
     {"the end of push-to-talk", zyn::kPttChannel, [] { return PHONE_DropPttCall(); }, 1, "dropPttCall "},
-    {"radio on", zyn::kPhoneChannel, [] { PHONE_SetRFMode(true); return 0; }, 0, "PHONE_MSG_24 00000001"},
-    {"radio off", zyn::kPhoneChannel, [] { PHONE_SetRFMode(false); return 0; }, 0, "PHONE_MSG_24 00000000"},
+    {"radio on and off", zyn::kPhoneChannel, [] { PHONE_SetRFMode(true); PHONE_SetRFMode(false); return 0; }, 0, "PHONE_MSG_24 00000001|PHONE_MSG_24 00000000"},
     {"language", zyn::kPhoneChannel, [] { PHONE_SetTAPILanguage(-3); return 0; }, 0, "PHONE_MSG_25 fffffffd"},
 };
 // clang-format on
@@ -93,37 +86,32 @@ private Q_SLOTS:
 
 void tst_PHONE_VoiceCall::sendsToTheByte_data()
 {
-    QTest::addColumn<qsizetype>("index");
+    QTest::addColumn<const Request*>("request");
     for (const Request& request : kRequests)
-        QTest::newRow(request.title) << qsizetype(&request - kRequests);
+        QTest::newRow(request.title) << &request;
 }
 
 void tst_PHONE_VoiceCall::sendsToTheByte()
 {
-    QFETCH(const qsizetype, index);
-    const Request& request = kRequests[index];
+    QFETCH(const Request* const, request);
     QByteArrayList messages;
-    const QCopChannel listener(request.channel);
+    const QCopChannel listener(request->channel);
     connect(&listener, &QCopChannel::received, this, [&](const QCString& message, const QByteArray& data) {
         messages += message + ' ' + data.toHex();
     });
-    QCOMPARE(request.send(), request.result);
-    QVERIFY(QCopChannel::send(request.channel, kEnd));
+    QCOMPARE(request->send(), request->result);
+    QVERIFY(QCopChannel::send(request->channel, kEnd));
     QTRY_VERIFY(messages.contains(QByteArray(kEnd) + ' '));
     messages.removeLast();
-    QCOMPARE(messages.join('|'), request.message);
+    QCOMPARE(messages.join('|'), request->message);
 }
 
 void tst_PHONE_VoiceCall::logsPushToTalk()
 {
     StdoutCapture output;
-    PTT_CALL_INFO_T call = pttCall(1);
-    call.firstList[0] = QStringLiteral("77");
-    PHONE_MakePttCall(call);
-    PHONE_MakePttCall(pttCall(0));
-    PHONE_MakePttCall(pttCall(26));
+    for (const int count : {0, 1, 26})
+        PHONE_MakePttCall(pttCall(count));
     PHONE_DropPttCall();
-    PHONE_EndVoiceCall();
     QCOMPARE(output.take(), QByteArray("send msg to ptt:makePttCall number:77send msg to ptt:dropPttCall "));
 }
 
@@ -133,8 +121,9 @@ void tst_PHONE_VoiceCall::receives_data()
     QTest::addColumn<qsizetype>("length"); // of the payload, of which the call has 25 bytes
     QTest::addColumn<QByteArray>("emitted");
 
-    const auto add = [](const char* title, const QCString& message, qsizetype length,
-                        const QByteArray& emitted) { QTest::newRow(title) << message << length << emitted; };
+    const auto add = [](const char* title, const QCString& message, qsizetype length, const QByteArray& emitted) {
+        QTest::newRow(title) << message << length << emitted;
+    };
     add("a call; any flag is true", "MakeCall", 25, "signalMakeCall(\"1\",\"A\",true,-1,2,-2) ");
     add("bytes behind the call", "MakeCall", 26, "signalMakeCall(\"1\",\"A\",true,-1,2,-2) ");
     add("no line", "MakeCall", 24, "signalMakeCall(\"1\",\"A\",true,-1,2,0) ");
@@ -164,10 +153,9 @@ void tst_PHONE_VoiceCall::offersPlainSymbols()
 {
     void* const library = ::dlopen("libzynphone.so.1", RTLD_NOW | RTLD_NOLOAD);
     QVERIFY(library);
-    const char* const names[] = {"PHONE_VoiceCallInterfaceMakeVoiceCall", "PHONE_VoiceCall_Java_Init",
-                                 "PHONE_VoiceCall_Java_MakeCall",         "PHONE_VoiceCall_Java_EndCall",
-                                 "PHONE_VoiceCall_Java_DialExtension",    "PHONE_VoiceCall_Java_DeInit"};
-    for (const char* name : names)
+    for (const char* name : {"PHONE_VoiceCallInterfaceMakeVoiceCall", "PHONE_VoiceCall_Java_Init",
+                             "PHONE_VoiceCall_Java_MakeCall", "PHONE_VoiceCall_Java_EndCall",
+                             "PHONE_VoiceCall_Java_DialExtension", "PHONE_VoiceCall_Java_DeInit"})
         QVERIFY2(::dlsym(library, name), name);
     ::dlclose(library);
 }
