@@ -47,8 +47,8 @@ public:
      *
      * One thread's messages reach a listener in the order sent. Within an event loop of Qt's GLib dispatcher,
      * what follows the first message of a turn is written when the turn ends; elsewhere each message is
-     * written at once. A listener for which 16 MiB wait in
-     * this thread's memory misses what does not fit; it still gets, in order, what was accepted before.
+     * written at once. A listener for which 16 MiB wait in this thread's memory misses what does not fit; it
+     * still gets, in order, what was accepted before.
      *
      * What listeners have not taken yet follows from the thread's event loop, or with its later messages.
      * A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what

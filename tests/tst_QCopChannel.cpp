@@ -71,10 +71,8 @@ void inOneTurn(const std::function<void()>& body)
 /// What has come over a connection that is only a socket.
 QByteArray receiveBare(const zyn::posix::UniqueFd& connection)
 {
-    QByteArray bytes(100, Qt::Uninitialized);
-    const auto n =
-        zyn::posix::receiveSome(connection.get(), std::as_writable_bytes(std::span(bytes.data(), 100)));
-    return bytes.first(std::max<qsizetype>(n, 0));
+    QByteArray bytes(100, '\0');
+    return bytes.first(std::max<qsizetype>(::recv(connection.get(), bytes.data(), 100, MSG_DONTWAIT), 0));
 }
 
 /// Listens until a message "end" comes; fails when a sender's messages have gaps or are not as many as it
@@ -91,28 +89,27 @@ int listenRole(const QStringList&)
                                                                                     : EXIT_FAILURE;
 }
 
-/// Sends numbered messages and ends: SENDER COUNT SIZE [turn|thread].
+/// Sends a thousand numbered messages and ends: SENDER SIZE alone|turn|thread.
 int sendRole(const QStringList& arguments)
 {
     bool isSent = true;
     const auto send = [&] {
-        for (int i = 0; i < arguments[1].toInt(); ++i)
+        for (int i = 0; i < 1000; ++i)
             isSent &=
-                QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[2].toInt()));
+                QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[1].toInt()));
         role::sayReady();
     };
-    if (arguments.value(3) == QStringLiteral("thread")) {
-        const std::unique_ptr<QThread> thread(QThread::create(send));
+    const std::unique_ptr<QThread> thread(QThread::create(send));
+    if (arguments[2] == QStringLiteral("thread"))
         thread->start();
-        thread->wait();
-    } else {
-        arguments.size() > 3 ? inOneTurn(send) : send();
-    }
+    else
+        arguments[2] == QStringLiteral("turn") ? inOneTurn(send) : send();
+    thread->wait();
     std::exit(isSent ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-/// Listens, and forks in a turn of its loop in which it has gathered messages. One child ends as programs do,
-/// one goes back to the loop, one sends and stays.
+/// Listens, and forks in a turn of its loop in which it has gathered messages. One child goes back to the
+/// loop and then ends as programs do, one sends and stays.
 int forkRole(const QStringList&)
 {
     auto listener = std::make_unique<Inbox>();
@@ -120,12 +117,6 @@ int forkRole(const QStringList&)
     inOneTurn([&] {
         for (int i = 0; i < 3; ++i)
             QCopChannel::send(kChannel, "n", numbered("parent", i));
-        const pid_t leaving = ::fork();
-        if (leaving == 0) {
-            listener.reset();
-            std::exit(EXIT_SUCCESS);
-        }
-        ::waitpid(leaving, nullptr, 0);
         returning = ::fork();
         if (returning == 0 || ::fork() != 0)
             return;
@@ -135,8 +126,10 @@ int forkRole(const QStringList&)
         ::pause();
     });
     QCoreApplication::processEvents();
-    if (returning == 0)
-        std::_Exit(EXIT_SUCCESS);
+    if (returning == 0) {
+        listener.reset();
+        std::exit(EXIT_SUCCESS);
+    }
     ::waitpid(returning, nullptr, 0);
     role::sayReady();
     return ::pause();
@@ -167,7 +160,6 @@ private Q_SLOTS:
     void refusesADirectoryThatIsNotTheUsersAlone_data();
     void refusesADirectoryThatIsNotTheUsersAlone();
     void findsItsDirectory();
-    void closesAConnectionThatSendsGarbage_data();
     void closesAConnectionThatSendsGarbage();
     void survivesForks();
 
@@ -216,7 +208,6 @@ void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
     QCopChannel second(kChannel, nullptr, "second");
     QCOMPARE(second.objectName(), QStringLiteral("second"));
     QCOMPARE(second.channel(), QCString(kChannel));
-    Inbox otherChannel;
     QCopChannel other("/zyn/TEST"), longName(QCString(300, 'c')), dots("..");
     QSignalSpy spy(&second, &QCopChannel::received), otherSpy(&other, &QCopChannel::received);
     QSignalSpy longSpy(&longName, &QCopChannel::received), dotSpy(&dots, &QCopChannel::received);
@@ -231,7 +222,6 @@ void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
 
     QTRY_COMPARE(spy.size(), 3);
     QTRY_COMPARE(first.names, QList<QCString>({"empty", "binary \xe4 name", "large"}));
-    QCOMPARE(spy[0], QVariantList({QByteArray("empty"), QByteArray()}));
     QCOMPARE(spy[1], QVariantList({QByteArray("binary \xe4 name"), binary}));
     QCOMPARE(spy[2], QVariantList({QByteArray("large"), large}));
     QTRY_COMPARE(longSpy.size(), 1);
@@ -243,10 +233,8 @@ void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
 void tst_QCopChannel::refusesWhatIsNoMessage()
 {
     Inbox inbox;
-    QVERIFY(!QCopChannel::send(QCString(), "m"));
-    QVERIFY(!QCopChannel::send(QCString("\0c", 2), "m"));
-    QVERIFY(!QCopChannel::send(kChannel, QCString()));
-    QVERIFY(!QCopChannel::send(kChannel, QCString("\0m", 2)));
+    for (const QCString& nameless : {QCString(), QCString("\0n", 2)})
+        QVERIFY(!QCopChannel::send(nameless, "m") && !QCopChannel::send(kChannel, nameless));
     QVERIFY(!QCopChannel::send(kChannel, "m", QByteArray(kLimit, 'x')));
     QVERIFY(QCopChannel::send(kChannel, "m", QByteArray(kLimit - 1, 'x')));
     QTRY_COMPARE(inbox.names, QList<QCString>({"m"}));
@@ -289,24 +277,22 @@ void tst_QCopChannel::writesTheFirstMessageOfATurnAtOnceTheRestAtItsEnd()
 void tst_QCopChannel::keepsEachSendersOrder_data()
 {
     QTest::addColumn<int>("size");
-    QTest::addColumn<QStringList>("mode");
-    QTest::newRow("small messages, without a loop") << 0 << QStringList();
-    QTest::newRow("small messages in one turn") << 0 << QStringList(QStringLiteral("turn"));
-    QTest::newRow("more than a socket takes, without a loop") << 1000 << QStringList();
-    QTest::newRow("more than a socket takes in one turn") << 1000 << QStringList(QStringLiteral("turn"));
-    QTest::newRow("more than a socket takes, from a thread") << 1000 << QStringList(QStringLiteral("thread"));
+    QTest::addColumn<QString>("mode");
+    for (const int size : {0, 1000}) { // a socket does not take all of the larger ones
+        for (const char* mode : {"alone", "turn", "thread"})
+            QTest::addRow("%d bytes each, sent: %s", size, mode) << size << QString::fromLatin1(mode);
+    }
 }
 
 void tst_QCopChannel::keepsEachSendersOrder()
 {
     QFETCH(int, size);
-    QFETCH(QStringList, mode);
+    QFETCH(QString, mode);
     Inbox inbox;
     std::vector<std::unique_ptr<QProcess>> senders;
     for (const char* sender : {"a", "b", "c"})
-        senders.push_back(role::start(
-            QStringLiteral("send"),
-            QStringList{QString::fromLatin1(sender), QStringLiteral("1000"), QString::number(size)} + mode));
+        senders.push_back(
+            role::start(QStringLiteral("send"), {QString::fromLatin1(sender), QString::number(size), mode}));
     for (const auto& sender : senders)
         QVERIFY(role::waitReady(*sender)); // all is sent before anything is read
     QTRY_COMPARE_WITH_TIMEOUT(inbox.names.size(), 3000, role::kPatience);
@@ -405,10 +391,10 @@ void tst_QCopChannel::servesOthersWhenAListenerIsDestroyed()
     for (size_t i = 0; i < inboxes.size(); ++i) {
         inboxes[i] = std::make_unique<Inbox>();
         const auto destroyTwo = [&, i] {
-            if (++received > 1)
-                return;
-            inboxes[(i + 1) % inboxes.size()].reset();
-            inboxes[i].reset();
+            if (++received == 1) {
+                inboxes[(i + 1) % inboxes.size()].reset();
+                inboxes[i].reset();
+            }
         };
         connect(inboxes[i].get(), &QCopChannel::received, this, destroyTwo);
     }
@@ -441,26 +427,19 @@ void tst_QCopChannel::deliversInANestedLoop()
 
 void tst_QCopChannel::servesEachThreadInItsLoop()
 {
-    Inbox here;
     QSemaphore isListening;
     QThread* receivedIn = nullptr;
     const std::unique_ptr<QThread> thread(QThread::create([&] {
         Inbox there;
         QEventLoop loop;
-        const auto answerAndEnd = [&] {
-            receivedIn = QThread::currentThread();
-            QCopChannel::send(kChannel, "n", numbered("thread", 0));
-            QCopChannel::send(kChannel, "n", numbered("thread", 1));
-            loop.quit();
-        };
-        connect(&there, &QCopChannel::received, &there, answerAndEnd);
+        connect(&there, &QCopChannel::received, &loop, &QEventLoop::quit);
+        connect(&there, &QCopChannel::received, &there, [&] { receivedIn = QThread::currentThread(); });
         isListening.release();
         loop.exec();
     }));
     thread->start();
     QVERIFY(isListening.tryAcquire(1, role::kPatience));
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QTRY_COMPARE(here.counts["thread"], 2);
     QVERIFY(thread->wait(role::kPatience));
     QCOMPARE(receivedIn, thread.get());
 }
@@ -469,10 +448,10 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone_data()
 {
     QTest::addColumn<QByteArray>("below");
     QTest::addColumn<QByteArray>("damage");
-    for (const char* below : {"", "/%2FZYN%2Ftest"}) {
-        for (const char* damage : {"open to the group", "open to others", "somebody else's", "a link"})
-            QTest::addRow("%s: %s", *below ? "channel" : "root", damage)
-                << QByteArray(below) << QByteArray(damage);
+    for (const QByteArray below : {"", "/%2FZYN%2Ftest"}) {
+        for (const QByteArray damage : {"open to others", "somebody else's", "a link"})
+            QTest::addRow("%s: %s", below.isEmpty() ? "root" : "channel", damage.constData())
+                << below << damage;
     }
 }
 
@@ -482,18 +461,15 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
     QFETCH(QByteArray, damage);
     const QByteArray path = root() + below, moved = root() + "-moved";
     QVERIFY(QCopChannel::send(kChannel, "n")); // has made the directories, and looks again when they change
-    if (damage == "open to the group")
+    if (damage == "open to others")
         QCOMPARE(::chmod(path.constData(), 0710), 0);
-    else if (damage == "open to others")
-        QCOMPARE(::chmod(path.constData(), 0704), 0);
     else if (damage == "a link")
         QVERIFY(::rename(path.constData(), moved.constData()) == 0 &&
                 ::symlink(moved.constData(), path.constData()) == 0);
     else if (::chown(path.constData(), 65534, 65534) != 0)
         QSKIP("only root can give a directory away");
     QVERIFY(!QCopChannel::send(kChannel, "n"));
-    const QByteArray warning = "QCopChannel: no listener on \"/ZYN/test\" in \"" + root() + '"';
-    QTest::ignoreMessage(QtWarningMsg, warning.constData());
+    QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"/ZYN/test\" in \"" + root() + '"');
     Inbox deaf;
 }
 
@@ -503,13 +479,9 @@ void tst_QCopChannel::findsItsDirectory()
     const auto oldRuntime =
         qScopeGuard([old = qgetenv("XDG_RUNTIME_DIR")] { qputenv("XDG_RUNTIME_DIR", old); });
     qunsetenv("ZYN_QCOP_PATH");
-    qputenv("XDG_RUNTIME_DIR", folder + '/');
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("zynqcop/%2FZYN%2Ftest"))));
-    qputenv("XDG_RUNTIME_DIR", folder + "/late");
+    qputenv("XDG_RUNTIME_DIR", folder + "/late/");
     QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere
-    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("late")));
-    QCOMPARE(::chmod((folder + "/late").constData(), 0700), 0);
+    QCOMPARE(::mkdir((folder + "/late").constData(), 0700), 0);
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("late/zynqcop/%2FZYN%2Ftest"))));
     qunsetenv("XDG_RUNTIME_DIR");
@@ -523,31 +495,27 @@ void tst_QCopChannel::findsItsDirectory()
     QTRY_COMPARE(inbox.names.size(), 1);
 }
 
-void tst_QCopChannel::closesAConnectionThatSendsGarbage_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("no name") << QByteArray("\0\0\0\0\1\0\0\0x", 9);
-    QTest::newRow("a name with a NUL") << QByteArray("\2\0\0\0\0\0\0\0\0n", 10);
-    QTest::newRow("a name too long") << QByteArray("\1\0\0\1\0\0\0\0", 8);
-    QTest::newRow("a payload too long") << QByteArray("\1\0\0\0\0\0\0\1", 8);
-    QTest::newRow("lengths that overflow") << QByteArray("\1\0\0\0\xff\xff\xff\xff", 8);
-}
-
 void tst_QCopChannel::closesAConnectionThatSendsGarbage()
 {
-    QFETCH(QByteArray, bytes);
-    Inbox inbox;
-    const auto hostile = zyn::posix::connectUnixAtOnce(socketPath(sockets().at(0).toLatin1()));
-    for (const char byte : QByteArray("\3\0\0\0\4\0\0\0onedata\2\0\0\0\0\0\0\0hi", 25)) {
-        QCOMPARE(::write(hostile.get(), &byte, 1), 1);
-        QCoreApplication::processEvents();
+    const QByteArray garbage[] = {{"\0\0\0\0\1\0\0\0x", 9},    // no name
+                                  {"\2\0\0\0\0\0\0\0\0n", 10}, // a name with a NUL
+                                  {"\1\0\0\1\0\0\0\0", 8},     // a name too long
+                                  {"\1\0\0\0\0\0\0\1", 8},     // a payload too long
+                                  {"\1\0\0\0\xff\xff\xff\xff", 8}};
+    for (const QByteArray& bytes : garbage) {
+        Inbox inbox;
+        const auto hostile = zyn::posix::connectUnixAtOnce(socketPath(sockets().at(0).toLatin1()));
+        for (const char byte : QByteArray("\3\0\0\0\4\0\0\0onedata\2\0\0\0\0\0\0\0hi", 25)) {
+            QCOMPARE(::write(hostile.get(), &byte, 1), 1);
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(::write(hostile.get(), bytes.constData(), size_t(bytes.size())), bytes.size());
+        char none;
+        QTRY_COMPARE(::recv(hostile.get(), &none, 1, MSG_DONTWAIT), 0); // the end
+        QVERIFY(QCopChannel::send(kChannel, "after"));
+        QTRY_COMPARE(inbox.names, QList<QCString>({"one", "hi", "after"}));
+        QCOMPARE(inbox.payloads, QList<QByteArray>({"data", "", ""}));
     }
-    QCOMPARE(::write(hostile.get(), bytes.constData(), size_t(bytes.size())), bytes.size());
-    std::byte none;
-    QTRY_COMPARE(zyn::posix::receiveSome(hostile.get(), {&none, 1}), 0); // the end
-    QVERIFY(QCopChannel::send(kChannel, "after"));
-    QTRY_COMPARE(inbox.names, QList<QCString>({"one", "hi", "after"}));
-    QCOMPARE(inbox.payloads, QList<QByteArray>({"data", "", ""}));
 }
 
 void tst_QCopChannel::survivesForks()
