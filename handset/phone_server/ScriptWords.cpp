@@ -6,26 +6,23 @@
 QStringList scriptWords(const QString& line)
 {
     QStringList words;
-    QString word;
+    QString word; // null between words
     bool isQuoted = false;
-    bool hasWord = false;
     for (const QChar character : line) {
-        if (character == QLatin1Char('"')) {
-            isQuoted = !isQuoted;
-            hasWord = true;
-        } else if (character.isSpace() && !isQuoted) {
-            if (hasWord)
+        if (character.isSpace() && !isQuoted) {
+            if (!word.isNull())
                 words += word;
             word.clear();
-            hasWord = false;
+        } else if (character == QLatin1Char('"')) {
+            isQuoted = !isQuoted;
+            word += QLatin1String("");
         } else {
             word += character;
-            hasWord = true;
         }
     }
     if (isQuoted)
         throw ScriptError{QStringLiteral("a quote is not closed")};
-    if (hasWord)
+    if (!word.isNull())
         words += word;
     return words;
 }
