@@ -309,7 +309,7 @@ private Q_SLOTS:
         row("incoming", "1: it is 'incoming number [name]'");
         row("incoming nobody", "1: 'nobody' is no number to call from");
         row("battery-capacity 256", "1: '256' is no whole number from 0 to 255");
-        row("+x answer", "1: 'x' is no whole number from 0 to 2147483647");
+        row("+%2 answer", "1: '%2' is no whole number from 0 to 2147483647");
         row("+5", "1: nothing happens after the delay");
         row("service-name \"Desk", "1: a quote is not closed");
         row("imsi 123", "1: '123' is no pairs of hexadecimal digits, at most 16 of them");
@@ -331,12 +331,23 @@ private Q_SLOTS:
         QTRY_COMPARE(m_statuses->count("4:50"), 1);
     }
 
+    void tellsOfACallThatNobodyTakes_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<int>("changesBeforeItsEnd");
+        QTest::newRow("while it goes on") << QStringLiteral("--step 5") << 4;
+        QTest::newRow("as it ends") << kForLong << 3;
+    }
     void tellsOfACallThatNobodyTakes()
     {
+        QFETCH(QString, options);
+        QFETCH(int, changesBeforeItsEnd);
+        restart(options);
         QCOMPARE(m_recentCalls.stop(), 0);
         PHONE_MakeVoiceCallDirectly("0301");
-        QTRY_COMPARE(m_statuses->count("44"), 4);
+        QTRY_COMPARE(m_statuses->count("44"), changesBeforeItsEnd);
         QVERIFY(m_server.log().contains("never took the call of list 3, type 1, number 0301, "));
+        QTRY_COMPARE(m_statuses->count("44"), 4);
     }
 
     void handsOverTheCallThatItsEndCuts()

@@ -32,7 +32,7 @@ int scriptNumber(const QString& word, int lowest, int highest)
     bool isNumber = false;
     const int number = word.toInt(&isNumber);
     if (!isNumber || number < lowest || number > highest)
-        throw ScriptError{
-            QStringLiteral("'%1' is no whole number from %2 to %3").arg(word).arg(lowest).arg(highest)};
+        throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
+                              .arg(word, QString::number(lowest), QString::number(highest))};
     return number;
 }
