@@ -30,7 +30,7 @@ QString description()
                "Plays the phone server and the phone application: places the calls that others ask "
                "for, over the socket\n%1\nand over the message channels, reports their course, and "
                "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
-               "standard error, the library's trace text to standard output.\n\n%2")
+               "standard error.\n\n%2")
         .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/') +
                  QLatin1String(zyn::voicecall::kSocketName),
              scriptHelp());
