@@ -1,0 +1,38 @@
+// The words of a line of a script.
+#include "handset/phone_server/ScriptWords.h"
+
+#include "handset/phone_server/ScriptError.h"
+
+QStringList scriptWords(const QString& line)
+{
+    QStringList words;
+    QString word; // null between words
+    bool isQuoted = false;
+    for (const QChar character : line) {
+        if (character.isSpace() && !isQuoted) {
+            if (!word.isNull())
+                words += word;
+            word.clear();
+        } else if (character == QLatin1Char('"')) {
+            isQuoted = !isQuoted;
+            word += QLatin1String("");
+        } else {
+            word += character;
+        }
+    }
+    if (isQuoted)
+        throw ScriptError{QStringLiteral("a quote is not closed")};
+    if (!word.isNull())
+        words += word;
+    return words;
+}
+
+int scriptNumber(const QString& word, int lowest, int highest)
+{
+    bool isNumber = false;
+    const int number = word.toInt(&isNumber);
+    if (!isNumber || number < lowest || number > highest)
+        throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
+                              .arg(word, QString::number(lowest), QString::number(highest))};
+    return number;
+}
