@@ -16,6 +16,15 @@ namespace zyn {
 inline constexpr char kVoiceCallChannel[] = "/ZYN/Phone/LocalPath";
 inline constexpr char kMakeCall[] = "MakeCall";
 inline constexpr char kDropCall[] = "DropCall";
+/// How the number of a call is dialed.
+enum DialMode : int {
+    DialOrdinary = 0,
+    DialDirectly = 1,  ///< unchanged
+    DialPrependly = 2, ///< with a prefix put in front
+};
+/// What a request says of a call's identity restriction and line when its sender leaves them open.
+inline constexpr int kDefaultClir = 0;
+inline constexpr int8_t kDefaultLine = 2;
 /// @}
 
 /// @{ Requests to start and end push-to-talk calls, and how many parties one has at most.

@@ -166,6 +166,11 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
     return true;
 }
 
+void shutDown(int fd)
+{
+    ::shutdown(fd, SHUT_RDWR);
+}
+
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
 {
     while (!buffer.empty()) {

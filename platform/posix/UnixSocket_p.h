@@ -81,6 +81,10 @@ bool hasPeerClosed(int fd);
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);
 
+/// Ends both directions of a connection whose descriptor stays open: its end is the next thing to be read, behind what has
+/// come already.
+void shutDown(int fd);
+
 /// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline);
 

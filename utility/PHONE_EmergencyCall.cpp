@@ -1,0 +1,61 @@
+// Tells which numbers may be dialed when dialing is restricted.
+#include "utility/PHONE_EmergencyCall.h"
+
+#include "platform/UTIL_PhoneStatus.h"
+#include "utility/PHONE_EmergencyList_p.h"
+#include "utility/PHONE_Log.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace emergency = zyn::emergency;
+
+namespace {
+
+bool mayBecomeImeiCode(const QString& input)
+{
+    return UTIL_GetKeypadLockStatus() == emergency::kImeiKeypadStatus &&
+           QLatin1String(emergency::kImeiCode).startsWith(input);
+}
+
+bool mayBecomePinCode(const QString& input)
+{
+    const int simCard = UTIL_GetSimCardStatus();
+    PHONE_Log(kPhoneLogLevel, "Sim card status = %d", simCard);
+    if (!emergency::allowsPinCodes(simCard))
+        return false;
+    const bool found = std::ranges::any_of(
+        emergency::kPinCodes, [&](const char* code) { return QLatin1String(code).startsWith(input); });
+    if (found)
+        PHONE_Log(kPhoneLogLevel, "Control code input = %s", input.toLatin1().constData());
+    return found;
+}
+
+bool mayBecomeEmergencyNumber(const QString& input)
+{
+    return std::ranges::any_of(emergency::readList(),
+                               [&](const QString& number) { return number.startsWith(input); });
+}
+
+} // namespace
+
+bool PHONE_IsEmergencyCall(char* number)
+{
+    return number && emergency::readList().contains(QString::fromLatin1(number));
+}
+
+bool PHONE_IsEmergencyCallNumber(char* number)
+{
+    return PHONE_IsEmergencyCall(number);
+}
+
+bool PHONE_IsEmergencyCallInput(QString const& input)
+{
+    return !input.isEmpty() &&
+           (mayBecomeImeiCode(input) || mayBecomePinCode(input) || mayBecomeEmergencyNumber(input));
+}
+
+bool PHONE_IsInputtingEmergencyCall(QString const& input)
+{
+    return PHONE_IsEmergencyCallInput(input);
+}

@@ -1,0 +1,24 @@
+// Tells which numbers may be dialed when dialing is restricted.
+#pragma once
+
+#include "platform/ZynExport.h"
+
+#include <QtCore/QString>
+
+// The emergency numbers are in the file "/tmp/emergency_call", which every question reads anew; a missing or
+// damaged file has none. Texts are compared character by character.
+
+/// Whether @p number (Latin-1) is an emergency number; a null one is none.
+ZYN_EXPORT bool PHONE_IsEmergencyCall(char* number);
+/// The same.
+ZYN_EXPORT bool PHONE_IsEmergencyCallNumber(char* number);
+
+/**
+ * Whether the text typed so far may still become an emergency number or a control code that is allowed now.
+ *
+ * The code that shows the IMEI is allowed while the keypad lock status is 0, the codes that change and
+ * unblock the PINs while the SIM card status is 0 or 3. An empty text may become nothing.
+ */
+ZYN_EXPORT bool PHONE_IsEmergencyCallInput(QString const& input);
+/// The same.
+ZYN_EXPORT bool PHONE_IsInputtingEmergencyCall(QString const& input);

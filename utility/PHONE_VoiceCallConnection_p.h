@@ -1,0 +1,66 @@
+// What the clients of the phone server have in common: a connection, and its replies as they come.
+#pragma once
+
+#include "platform/UTIL_CommandBody.h"
+#include "platform/posix/UniqueFd_p.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QSocketNotifier>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace zyn {
+
+/// Ends the process when there was no memory for an object that nothing works without.
+template<typename Object>
+Object* required(Object* object, const char* name)
+{
+    if (!object)
+        qFatal("ASSERT: no memory for %s", name);
+    return object;
+}
+
+/// A connection to the phone server. It is lost at the first thing that comes and is no reply, and stays
+/// lost.
+class VoiceCallConnection
+{
+public:
+    /// Connects and registers; no descriptor on any failure.
+    static posix::UniqueFd open(voicecall::ClientKind kind);
+
+    /// Takes over @p socket, and has @p slot of @p client called whenever there is something to read.
+    template<typename Client>
+    VoiceCallConnection(int socket, Client* client, void (Client::*slot)(int))
+        : m_socket(socket)
+        , m_notifier(
+              required(new (std::nothrow) QSocketNotifier(socket, QSocketNotifier::Read), "QSocketNotifier"))
+    {
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, client, slot);
+    }
+    ~VoiceCallConnection();
+    VoiceCallConnection(const VoiceCallConnection&) = delete;
+    VoiceCallConnection& operator=(const VoiceCallConnection&) = delete;
+
+    bool isOpen() const { return m_socket.isValid(); }
+
+    /// Sends one command; false when it could not be sent whole, after which nothing more will be.
+    bool send(voicecall::Command command, std::span<const std::byte> data = {});
+
+    /// Tells the server, if it is there, that the client leaves.
+    void sayGoodbye();
+
+    /// Reads what has come on @p socket, the connection's own: a reply for the client's user, or null. May
+    /// lose the connection.
+    std::unique_ptr<UTIL_CommandBody> readReply(int socket);
+
+private:
+    void lose();
+
+    posix::UniqueFd m_socket;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace zyn

@@ -1,0 +1,48 @@
+// Calls of the Java runtime, placed over a connection to the phone server. For C and C++; the symbol names
+// are plain.
+#pragma once
+
+#include "platform/ZynExport.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// One connection in a process, used from one thread, whose event loop reads the server's replies. A
+// connection that is lost stays lost until PHONE_VoiceCall_Java_DeInit() and another
+// PHONE_VoiceCall_Java_Init().
+
+/**
+ * Connects to the phone server, which must run as this user or as root, and registers.
+ *
+ * A server that takes nothing for 5 seconds counts as gone.
+ *
+ * @param callback  called with the low 8 bits of each reply's code that is neither 0 nor 1; it may end the
+ * connection
+ * @return the handle for the other functions, which is 1; 0 when there is a connection already, lost or not,
+ * when
+ *         @p callback is null, or on any failure
+ */
+ZYN_EXPORT int PHONE_VoiceCall_Java_Init(void (*callback)(char));
+
+/**
+ * Asks the server for a call.
+ *
+ * @param number  Latin-1, 1 to 41 characters
+ * @param value   passed on as it is
+ * @return 0 when the request was sent; -1 when not, when the number does not fit, or without a connection
+ */
+ZYN_EXPORT int PHONE_VoiceCall_Java_MakeCall(int handle, const char* number, int value);
+
+/// Asks the server to end the call. @return 0 when the request was sent, else -1
+ZYN_EXPORT int PHONE_VoiceCall_Java_EndCall(int handle);
+
+/// Asks the server to dial one character within the call. @return 0 when the request was sent, else -1
+ZYN_EXPORT int PHONE_VoiceCall_Java_DialExtension(int handle, char character);
+
+/// Says goodbye to the server, while there is a connection, and ends it. Nothing for any handle but 1.
+ZYN_EXPORT void PHONE_VoiceCall_Java_DeInit(int handle);
+
+#ifdef __cplusplus
+}
+#endif
