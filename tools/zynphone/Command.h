@@ -50,13 +50,13 @@ private:
     QCommandLineParser m_parser;
 };
 
-/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further verb. Every level
-/// of help is made from these rows.
+/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further
+/// verb. Every level of help is made from these rows.
 struct Command
 {
     QString name;
-    QString summary;                 ///< one sentence
-    QString details = {};            ///< further lines of the help
+    QString summary;      ///< one sentence
+    QString details = {}; ///< further lines of the help
     std::vector<Command> verbs = {};
     std::vector<Argument> arguments = {};
     QList<QCommandLineOption> options = {};

@@ -117,7 +117,8 @@ ExitCode checkNumber(const QString& number, Console& console, bool json)
     if (json)
         console.write(QJsonDocument(QJsonObject{{u"number"_s, number}, {u"emergency"_s, isEmergency}}));
     else
-        console.write(u"%1 is %2 emergency number\n"_s.arg(printable(number), isEmergency ? u"an"_s : u"no"_s));
+        console.write(
+            u"%1 is %2 emergency number\n"_s.arg(printable(number), isEmergency ? u"an"_s : u"no"_s));
     return Done;
 }
 
@@ -143,7 +144,8 @@ ExitCode writeNumbers(const Invocation& call, Console& /*console*/)
     for (const QString& number : call.arguments())
         numbers += callNumber(number);
     if (numbers.size() > emergency::kRecordLimit)
-        throw usageError(u"%1 numbers; at most %2 are read"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
+        throw usageError(
+            u"%1 numbers; at most %2 are read"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
     if (!emergency::writeList(numbers))
         throw failure(u"cannot write %1"_s.arg(QLatin1String(emergency::kListFile)));
     return Done;
@@ -167,10 +169,11 @@ Command emergencyCommand()
     return {
         .name = u"emergency"_s,
         .summary = u"Show whether a number is an emergency number, or what a text being typed may become"_s,
-        .details = u"\nFor a text the verdict after each key is shown, the emergency numbers and allowed control "
-                   "codes that it\nmay become, and the control codes that a state of the handset forbids. The "
-                   "objects of --json have the\nfields %1; those of forbidden code, state and value.\nThe object "
-                   "for a number has the fields number and emergency.\n"_s.arg(fieldNames(kVerdictColumns)),
+        .details =
+            u"\nFor a text the verdict after each key is shown, the emergency numbers and allowed control "
+            "codes that it\nmay become, and the control codes that a state of the handset forbids. The "
+            "objects of --json have the\nfields %1; those of forbidden code, state and value.\nThe object "
+            "for a number has the fields number and emergency.\n"_s.arg(fieldNames(kVerdictColumns)),
         .verbs = {std::move(list), std::move(write)},
         .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Optional}},
         .options = {valueOption(u"typing"_s, u"TEXT"_s, u"the text, typed key by key"_s), jsonOption()},

@@ -18,7 +18,7 @@ int valueFrom(const Invocation& call, const QString& option)
     return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option) : 0;
 }
 
-PTT_CALL_INFO_T callFrom(const Invocation& call)
+PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
 {
     const QStringList parties = call.arguments();
     if (parties.size() > zyn::kMaxPttParties)
@@ -38,7 +38,7 @@ PTT_CALL_INFO_T callFrom(const Invocation& call)
 
 ExitCode startCall(const Invocation& call, Console& console)
 {
-    const PTT_CALL_INFO_T info = callFrom(call);
+    const PTT_CALL_INFO_T info = pttCallFrom(call);
     requireChannel(zyn::kPttChannel);
     if (PHONE_MakePttCall(info) == 0)
         throw failure(u"the library refuses the call"_s);
@@ -70,10 +70,10 @@ Command pttCommand()
                  .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
                              valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
                  .run = startCall};
-    Command drop{.name = u"drop"_s,
-                 .summary = u"Ask the push-to-talk application to end the call"_s,
-                 .run = dropCall};
-    return {.name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
+    Command drop{
+        .name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
+    return {
+        .name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
 }
 
 } // namespace zyn::tool

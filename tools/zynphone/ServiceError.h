@@ -7,8 +7,8 @@
 
 namespace zyn::tool {
 
-/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the library's
-/// results do not tell.
+/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the
+/// library's results do not tell.
 CommandError serviceError(const QString& service, const QString& path);
 
 } // namespace zyn::tool
