@@ -190,7 +190,8 @@ void ZynphoneTest::helpsAtEveryLevel_data()
           "zynphone calls add LIST NUMBER", "zynphone calls delete UID", "zynphone calls clear LIST",
           "zynphone calls last-dialed", "zynphone settings VERB", "zynphone settings show",
           "zynphone handset VERB", "zynphone handset show", "zynphone handset set NAME VALUE...",
-          "zynphone inspect FILE"})
+          "zynphone inspect FILE", "zynphone monitor [CHANNEL...]", "zynphone status NAME [ARG...]",
+          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]"})
         QTest::newRow(usage) << QString::fromLatin1(usage);
 }
 

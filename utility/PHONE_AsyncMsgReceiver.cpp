@@ -77,7 +77,7 @@ void PHONE_AsyncMsgReceiver::destruction()
 PHONE_AsyncMsgReceiver::PHONE_AsyncMsgReceiver()
     : m_client(std::make_unique<PHONE_MsgClient>(this, nullptr))
 {
-    zyn::registerSignalTypes(staticMetaObject);
+    [[maybe_unused]] static const bool typesAreKnown = zyn::registerSignalTypes(staticMetaObject);
     for (const Route connectRoute : kRoutes)
         connectRoute(m_client.get(), this);
 }

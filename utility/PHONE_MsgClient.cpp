@@ -20,7 +20,7 @@ PHONE_MsgClient::PHONE_MsgClient(QObject* parent, const char* name)
     : PHONE_Msg(parent, name)
 {
     PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
-    zyn::registerSignalTypes(staticMetaObject);
+    [[maybe_unused]] static const bool typesAreKnown = zyn::registerSignalTypes(staticMetaObject);
 }
 
 PHONE_MsgClient::~PHONE_MsgClient() = default;

@@ -33,17 +33,17 @@ void print(const LogLine& line, const FieldValues& values)
 
 namespace zyn {
 
-void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload)
+void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line)
 {
     const std::optional<unsigned> type = messageType(kPhonePrefix, name, kPhoneTypes);
     if (!type)
         return;
     const PhoneMessage& message = phoneMessages()[*type];
     FieldValues values = readFields(message.fields, payload);
-    for (const LogLine& line : message.log)
-        print(line, values);
+    for (const LogLine& logLine : message.log)
+        print(logLine, values);
     if (message.emitSignals)
-        message.emitSignals(Emitter(client), values);
+        message.emitSignals(Emitter(client, line), values);
 }
 
 } // namespace zyn

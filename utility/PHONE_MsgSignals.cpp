@@ -43,7 +43,7 @@ QByteArray asNetworkList(const QByteArray& record)
 void emitNetworkList(const Emitter& emitter, PHONE_UI_NETWORKLIST_TYPE_T kind, const QByteArray& record)
 {
     const QByteArray list = asNetworkList(record);
-    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, "receive");
+    emitter.trace();
     emitter(&Client::signalnetworkListGotten, kind,
             reinterpret_cast<TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S*>(const_cast<char*>(list.constData())));
 }
@@ -109,7 +109,7 @@ void emitProviderName(const Emitter& emitter, FieldValues& values)
 void emitNetworkList0(const Emitter& emitter, FieldValues& values)
 {
     emitNetworkList(emitter, PHONE_UI_NETWORKLIST_TYPE_T{0}, values[0].bytes);
-    PHONE_LogEntry(kPhoneLogLevel, kClientSource, "receive");
+    emitter.trace();
 }
 
 void emitNetworkList1(const Emitter& emitter, FieldValues& values)

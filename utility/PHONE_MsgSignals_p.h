@@ -1,6 +1,7 @@
 // What the messages of the phone channel emit.
 #pragma once
 
+#include "utility/PHONE_Log.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_PayloadFields_p.h"
 
@@ -56,8 +57,10 @@ int32_t number(const FieldValues& values, Argument argument);
 class Emitter
 {
 public:
-    explicit Emitter(PHONE_MsgClient& client)
+    /// @param line  where the client receives, for the trace lines of single messages
+    Emitter(PHONE_MsgClient& client, int line)
         : m_client(&client)
+        , m_line(line)
     {}
 
     template<typename... Parameters, typename... Arguments>
@@ -67,8 +70,12 @@ public:
             std::invoke(signal, *m_client, std::forward<Arguments>(arguments)...);
     }
 
+    /// Prints the trace line of the client's receive().
+    void trace() const { PHONE_LogEntry(kPhoneLogLevel, kClientSource, "receive", m_line); }
+
 private:
     QPointer<PHONE_MsgClient> m_client;
+    int m_line;
 };
 
 /// The argument as the type that a signal takes.

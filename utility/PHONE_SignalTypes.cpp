@@ -19,7 +19,7 @@ void registerType(const QByteArray& name, QMetaType type)
 
 namespace zyn {
 
-void registerSignalTypes(const QMetaObject& metaObject)
+bool registerSignalTypes(const QMetaObject& metaObject)
 {
     for (int index = metaObject.methodOffset(); index < metaObject.methodCount(); ++index) {
         const QMetaMethod method = metaObject.method(index);
@@ -27,6 +27,7 @@ void registerSignalTypes(const QMetaObject& metaObject)
         for (int parameter = 0; parameter < method.parameterCount(); ++parameter)
             registerType(names.at(parameter), method.parameterMetaType(parameter));
     }
+    return true;
 }
 
 } // namespace zyn

@@ -9,8 +9,9 @@ namespace zyn {
  * Makes the argument types of a class's own signals known under the names that the signals give them.
  *
  * Connections by pointer to member need nothing of it. An array is left out: it is a pointer that lives only
- * while its signal is delivered, and a connection that would queue it is better refused.
+ * while its signal is delivered, and a connection that would queue it is better refused. Always true, so that a static
+ * can stand for having been here.
  */
-void registerSignalTypes(const QMetaObject& metaObject);
+bool registerSignalTypes(const QMetaObject& metaObject);
 
 } // namespace zyn

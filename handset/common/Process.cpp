@@ -9,6 +9,13 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+namespace {
+
+/// Descriptors that are not for clients: files, message channels, the loop's own, the listening socket.
+constexpr int kReservedDescriptors = 32;
+
+} // namespace
+
 namespace zyn::handset {
 
 void openStandardStreams()
@@ -25,14 +32,14 @@ void ignoreBrokenPipes()
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-int raiseDescriptorLimit()
+int raiseClientLimit()
 {
     rlimit limit = {};
     ::getrlimit(RLIMIT_NOFILE, &limit);
     const rlimit raised = {limit.rlim_max, limit.rlim_max};
     if (::setrlimit(RLIMIT_NOFILE, &raised) == 0)
         limit = raised;
-    return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, INT_MAX));
+    return std::max(1, static_cast<int>(std::min<rlim_t>(limit.rlim_cur, INT_MAX)) - kReservedDescriptors);
 }
 
 } // namespace zyn::handset

@@ -10,7 +10,8 @@ void openStandardStreams();
 /// A reader that leaves a pipe is no reason to end.
 void ignoreBrokenPipes();
 
-/// Allows the process as many descriptors as it may have, and gives that number.
-int raiseDescriptorLimit();
+/// Allows the process as many descriptors as it may have, and gives how many of them are for clients: 1 or
+/// more.
+int raiseClientLimit();
 
 } // namespace zyn::handset

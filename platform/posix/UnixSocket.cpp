@@ -147,7 +147,7 @@ ssize_t receiveSome(int fd, std::span<std::byte> buffer)
 
 bool hasPeerClosed(int fd)
 {
-    std::byte byte;
+    std::byte byte{};
     const ssize_t n = retry([&] { return ::recv(fd, &byte, sizeof byte, MSG_DONTWAIT | MSG_PEEK); });
     return n == 0 || (n < 0 && !isPassing());
 }

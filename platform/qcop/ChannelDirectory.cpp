@@ -27,7 +27,7 @@ constexpr char kHashMark = '=';
 /// directory.
 QByteArray fileName(const QCString& channel)
 {
-    const QByteArray encoded = channel.toPercentEncoding({}, ".");
+    QByteArray encoded = channel.toPercentEncoding({}, ".");
     if (encoded.size() <= kFileNameLimit)
         return encoded;
     return kHashMark + QCryptographicHash::hash(channel, QCryptographicHash::Sha256).toHex();

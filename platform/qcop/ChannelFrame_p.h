@@ -23,7 +23,7 @@
 namespace zyn {
 
 /// The most bytes that a message's name and payload have together.
-inline constexpr qsizetype kMessageLimit = 16 * 1024 * 1024;
+inline constexpr qsizetype kMessageLimit = qsizetype{16} * 1024 * 1024;
 
 /// A message on its way out. It refers to the name and the payload, which must outlive it.
 class ChannelFrame

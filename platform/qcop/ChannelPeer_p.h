@@ -23,7 +23,7 @@ class ChannelPeer
 {
 public:
     /// The most bytes that wait in memory for one listener, unless a single message is larger.
-    static constexpr qsizetype kQueueLimit = 16 * 1024 * 1024;
+    static constexpr qsizetype kQueueLimit = qsizetype{16} * 1024 * 1024;
 
     enum class Result {
         Taken,  ///< the listener got or will get the message

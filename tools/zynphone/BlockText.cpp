@@ -33,7 +33,7 @@ QByteArray blockFrom(const QString& text, const QString& what, qsizetype size)
 {
     if (!text.startsWith(kHexPrefix))
         return latin1Field(text, what, size).toLatin1().leftJustified(size, '\0');
-    const QByteArray block = bytesFromHex(text.sliced(kHexPrefix.size()));
+    QByteArray block = bytesFromHex(text.sliced(kHexPrefix.size()));
     if (block.size() != size)
         throw usageError(u"the %1 has %2 bytes, not %3"_s.arg(what).arg(block.size()).arg(size));
     return block;

@@ -1,6 +1,8 @@
 // The tool's own output, kept apart from what the library traces.
 #include "tools/zynphone/Console.h"
 
+#include "tools/zynphone/JsonText.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -30,11 +32,6 @@ void silenceStandardOutput()
 } // namespace
 
 namespace zyn::tool {
-
-QString escaped(QChar character)
-{
-    return QStringLiteral("\\u%1").arg(int{character.unicode()}, 4, 16, QLatin1Char('0'));
-}
 
 QString printable(const QString& text)
 {
@@ -71,15 +68,8 @@ void Console::write(const QString& text)
 
 void Console::write(const QJsonDocument& document)
 {
-    QString line;
-    for (const QChar character : QString::fromUtf8(document.toJson(QJsonDocument::Compact))) {
-        // Those that JSON allows as they are.
-        if (character.category() == QChar::Other_Control)
-            line += escaped(character);
-        else
-            line += character;
-    }
-    write(line + QLatin1Char('\n'));
+    // JSON allows all characters from 127 on as they are.
+    write(jsonEscaped(QString::fromUtf8(document.toJson(QJsonDocument::Compact))) + QLatin1Char('\n'));
 }
 
 void Console::write(const QByteArray& bytes)

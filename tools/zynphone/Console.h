@@ -10,9 +10,6 @@ namespace zyn::tool {
 /// @p text with its control characters written as \xNN: stored and received text must not steer a terminal.
 QString printable(const QString& text);
 
-/// @p character as JSON writes it in a text: \uNNNN.
-QString escaped(QChar character);
-
 /**
  * Standard output and standard error of the tool.
  *
@@ -30,7 +27,7 @@ public:
 
     /// Writes @p text as UTF-8, at once.
     void write(const QString& text);
-    /// Writes @p document on one line, its control characters escaped.
+    /// Writes @p document on one line; only printable characters come out.
     void write(const QJsonDocument& document);
     /// Writes one line to standard error, apart from trace text that may stand there without a line end.
     void writeError(const QString& line);

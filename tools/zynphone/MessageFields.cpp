@@ -9,6 +9,8 @@
 #include <QtCore/QJsonArray>
 
 #include <algorithm>
+#include <optional>
+#include <span>
 
 namespace {
 
@@ -31,12 +33,12 @@ public:
     /// The value of @p field, undefined when it is not there whole.
     QJsonValue next(const Field& field)
     {
-        const QJsonValue value = field.occurs == Occurrence::AsCounted ? readList(field) : readOne(field);
+        QJsonValue value = field.occurs == Occurrence::AsCounted ? readList(field) : readOne(field);
         if (!m_reader.isComplete())
             return QJsonValue::Undefined;
         if (m_left == m_payload.size())
             m_first = value.toInt();
-        m_left = m_reader.remaining();
+        m_left = static_cast<qsizetype>(m_reader.remaining());
         return value;
     }
 
@@ -65,8 +67,8 @@ private:
 
     const QByteArray m_payload;
     PayloadReader m_reader;
-    qint64 m_left;
-    int m_first = 0; ///< the first field, when that is a number
+    qsizetype m_left; ///< bytes behind the last field that was there whole
+    int m_first = 0;  ///< the first field, when that is a number
 };
 
 void readInto(MessageFields& message, std::span<const Field> fields, const QByteArray& payload)

@@ -1,8 +1,8 @@
 // A message as one line for people, and as an object for programs.
 #include "tools/zynphone/MessageText.h"
 
-#include "tools/zynphone/Console.h"
 #include "tools/zynphone/HexText.h"
+#include "tools/zynphone/JsonText.h"
 #include "tools/zynphone/MessageFields.h"
 
 #include <QtCore/QJsonArray>
@@ -19,23 +19,10 @@ constexpr qsizetype kChannelWidth = 20;
 constexpr qsizetype kNameWidth = 16;
 constexpr qsizetype kShownRest = 64;
 
-bool isShownAsIs(QChar character)
+QString quoted(QString text)
 {
-    const QChar::Category category = character.category();
-    return (character.isPrint() || character.isSurrogate()) && category != QChar::Separator_Line &&
-           category != QChar::Separator_Paragraph;
-}
-
-QString quoted(const QString& text)
-{
-    QString result(u'"');
-    for (const QChar character : text) {
-        if (character == u'"' || character == u'\\')
-            result += u'\\' + QString(character);
-        else
-            result += isShownAsIs(character) ? QString(character) : escaped(character);
-    }
-    return result + u'"';
+    text.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
+    return u'"' + jsonEscaped(text) + u'"';
 }
 
 /// The name of a channel or a message: quoted unless it is one printable word.

@@ -1,9 +1,8 @@
-// The records of the telephony platform that are a message's whole payload: taken apart, and put together.
+// The records of the telephony platform that are a message's whole payload, taken apart.
 #include "tools/zynphone/RecordFields.h"
 
 #include "platform/TAPI.h"
 #include "tools/zynphone/BlockText.h"
-#include "tools/zynphone/FieldText.h"
 #include "utility/FixedText_p.h"
 #include "utility/PHONE_AllStatus_p.h"
 
@@ -11,9 +10,10 @@
 #include <QtCore/QJsonObject>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -34,11 +34,6 @@ int32_t numberFrom(const QByteArray& bytes)
     return number;
 }
 
-QByteArray imageOf(int32_t number)
-{
-    return QByteArray(reinterpret_cast<const char*>(&number), sizeof number);
-}
-
 QJsonValue allStatusValue(const AllStatusField& field, const QByteArray& bytes)
 {
     switch (field.kind) {
@@ -53,54 +48,21 @@ QJsonValue allStatusValue(const AllStatusField& field, const QByteArray& bytes)
     }
 }
 
-/// The bytes of @p field that @p word stands for.
-QByteArray allStatusBytes(const AllStatusField& field, const QString& word)
-{
-    const QString name = u"--"_s + QLatin1String(field.name);
-    switch (field.kind) {
-    case FieldKind::Int:
-        return imageOf(wholeNumber(word, name));
-    case FieldKind::Byte:
-        return QByteArray(1,
-                          static_cast<char>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
-    case FieldKind::Text:
-        return latin1Field(word, name, field.size - 1).toLatin1().leftJustified(field.size, '\0');
-    default:
-        return blockFrom(word, name, field.size);
-    }
-}
-
-QString allStatusMeaning(const AllStatusField& field)
-{
-    switch (field.kind) {
-    case FieldKind::Int:
-        return u"of a snapshot, a whole number"_s;
-    case FieldKind::Byte:
-        return u"of a snapshot, 0 to 255"_s;
-    case FieldKind::Text:
-        return u"of a snapshot, Latin-1, at most %1 characters"_s.arg(field.size - 1);
-    default:
-        return u"of a snapshot, at most %1 characters, or hex: and %1 bytes"_s.arg(field.size);
-    }
-}
-
-Network networkAt(const QByteArray& payload, qsizetype index)
-{
-    Network network;
-    const qsizetype offset = qsizetype{offsetof(NetworkList, entries)} + index * qsizetype{sizeof network};
-    std::memcpy(&network, payload.constData() + offset, sizeof network);
-    return network;
-}
-
 /// How many bytes the used part of a list of @p networks takes.
 constexpr qsizetype usedSize(qsizetype networks)
 {
     return qsizetype{offsetof(NetworkList, entries)} + networks * qsizetype{sizeof(Network)};
 }
 
-void storeWord(std::span<char> field, const QString& word, const QString& what)
+QJsonArray networksOf(const QByteArray& payload, qsizetype count)
 {
-    storeText(field, latin1Field(word, what, static_cast<qsizetype>(field.size()) - 1).toLatin1());
+    QJsonArray networks;
+    for (qsizetype index = 0; index < count; ++index) {
+        Network network;
+        std::memcpy(&network, payload.constData() + usedSize(index), sizeof network);
+        networks += QJsonObject{{u"id"_s, latin1Text(network.id)}, {u"name"_s, latin1Text(network.name)}};
+    }
+    return networks;
 }
 
 } // namespace
@@ -131,51 +93,13 @@ void readNetworkListInto(MessageFields& message, const QByteArray& payload)
         end = usedSize(0);
     }
     const qsizetype used = std::clamp(qsizetype{count.toInt()}, qsizetype{0}, kMaxNetworks);
-    if (!count.isUndefined() && payload.size() >= usedSize(used)) {
-        QJsonArray list;
-        for (qsizetype index = 0; index < used; ++index) {
-            const Network network = networkAt(payload, index);
-            list += QJsonObject{{u"id"_s, latin1Text(network.id)}, {u"name"_s, latin1Text(network.name)}};
-        }
-        networks = list;
-        end = payload.size() >= qsizetype{sizeof(NetworkList)} ? qsizetype{sizeof(NetworkList)}
-                                                               : usedSize(used);
+    if (end > 0 && payload.size() >= usedSize(used)) {
+        networks = networksOf(payload, used);
+        // The places behind those in use are nobody's, also where they are not sent.
+        end = payload.size() >= usedSize(kMaxNetworks) ? usedSize(kMaxNetworks) : usedSize(used);
     }
     message.values = {{u"count"_s, count}, {u"networks"_s, networks}};
     message.rest = payload.sliced(end);
-}
-
-QList<QCommandLineOption> allStatusOptions()
-{
-    QList<QCommandLineOption> options;
-    for (const AllStatusField& field : kAllStatusFields)
-        options += valueOption(QLatin1String(field.name), u"VALUE"_s, allStatusMeaning(field));
-    return options;
-}
-
-QByteArray allStatusFrom(const Invocation& call)
-{
-    QByteArray record(sizeof(AllStatus), '\0');
-    for (const AllStatusField& field : kAllStatusFields) {
-        if (const QString name = QLatin1String(field.name); call.isSet(name))
-            record.replace(field.offset, field.size, allStatusBytes(field, call.value(name)));
-    }
-    return record;
-}
-
-QByteArray networkListFrom(const QStringList& words)
-{
-    if (words.size() % 2 != 0)
-        throw usageError(u"missing name of network '%1'"_s.arg(words.last()));
-    if (words.size() / 2 > kMaxNetworks)
-        throw usageError(u"%1 networks; at most %2 fit"_s.arg(words.size() / 2).arg(kMaxNetworks));
-    NetworkList list = {};
-    for (qsizetype index = 0; index < words.size(); index += 2) {
-        Network& network = list.entries[list.count++];
-        storeWord(network.id, words[index], u"network id"_s);
-        storeWord(network.name, words[index + 1], u"network name"_s);
-    }
-    return QByteArray(reinterpret_cast<const char*>(&list), sizeof list);
 }
 
 } // namespace zyn::tool

@@ -5,14 +5,16 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Nearest.h"
 #include "tools/zynphone/RecordFields.h"
+#include "tools/zynphone/RecordInput.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/Table.h"
 #include "utility/PHONE_MsgName_p.h"
 #include "utility/PHONE_MsgTable_p.h"
 #include "utility/PHONE_Payload_p.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -94,15 +96,13 @@ QByteArray statusPayload(const PhoneMessage& message, const Invocation& call)
 {
     const QStringList words = call.arguments().mid(1);
     const FieldKind kind = leadingKind(message.fields);
-    if (kind != FieldKind::AllStatusRecord)
-        refuseSnapshotOptions(call);
-    if (kind == FieldKind::NetworkListRecord)
-        return networkListFrom(words);
-    if (kind != FieldKind::AllStatusRecord)
-        return payloadFrom(message, words);
-    if (!words.isEmpty())
-        throw usageError(u"superfluous argument '%1'"_s.arg(words.first()));
-    return allStatusFrom(call);
+    if (kind == FieldKind::AllStatusRecord) {
+        if (!words.isEmpty())
+            throw usageError(u"superfluous argument '%1'"_s.arg(words.first()));
+        return allStatusFrom(call);
+    }
+    refuseSnapshotOptions(call);
+    return kind == FieldKind::NetworkListRecord ? networkListFrom(words) : payloadFrom(message, words);
 }
 
 ExitCode sendStatus(const Invocation& call, Console& console)

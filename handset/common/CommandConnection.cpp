@@ -1,0 +1,186 @@
+// One client of a command socket, as its server sees it.
+#include "handset/common/CommandConnection.h"
+
+#include "handset/common/Log.h"
+#include "platform/posix/UnixSocket_p.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+/// A greeting and a command fit into two.
+constexpr int kReadsPerTurn = 4;
+
+} // namespace
+
+namespace zyn::handset {
+
+CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData,
+                                     std::chrono::milliseconds patience)
+    : m_socket(std::move(socket))
+    , m_readable(m_socket.get(), QSocketNotifier::Read)
+    , m_writable(m_socket.get(), QSocketNotifier::Write)
+    , m_received(CommandFrameHeader::kSize + largestData)
+{
+    m_writable.setEnabled(false);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    m_patience.start();
+    connect(&m_readable, &QSocketNotifier::activated, this, &CommandConnection::serve);
+    connect(&m_writable, &QSocketNotifier::activated, this, &CommandConnection::goOn);
+    connect(&m_patience, &QTimer::timeout, this, &CommandConnection::giveUpUnlessServed);
+}
+
+void CommandConnection::serve()
+{
+    for (int read = 0; read < kReadsPerTurn && isListening(); ++read) {
+        const ssize_t n = posix::receiveSome(m_socket.get(), std::span(m_received).subspan(m_receivedSize));
+        if (n < 0)
+            return;
+        if (n == 0) {
+            if (m_receivedSize > 0)
+                refuse(QStringLiteral("closed in the middle of a command"));
+            end();
+            return;
+        }
+        m_receivedSize += static_cast<size_t>(n);
+        carryOutReceived();
+        watch();
+    }
+}
+
+void CommandConnection::finish()
+{
+    ::shutdown(m_socket.get(), SHUT_RD);
+    while (m_socket.isValid()) {
+        m_unsent.clear();
+        carryOutReceived();
+        serve();
+    }
+}
+
+void CommandConnection::carryOutReceived()
+{
+    while (isListening() && carryOutNext())
+        watchAnew();
+}
+
+/// Carries out the first command received; false when it is not whole yet, or was refused.
+bool CommandConnection::carryOutNext()
+{
+    const auto received = std::span<const std::byte>(m_received).first(m_receivedSize);
+    if (received.size() < CommandFrameHeader::kSize)
+        return false;
+    const auto header = CommandFrameHeader::decode(received.first<CommandFrameHeader::kSize>());
+    if (!header) {
+        refuse(QStringLiteral("sent what is no command"));
+        return false;
+    }
+    if (!admits(*header))
+        return false;
+    const auto data = received.subspan(CommandFrameHeader::kSize);
+    const auto length = static_cast<size_t>(header->dataLength);
+    if (data.size() < length)
+        return false;
+    carryOut(*header, data.first(length));
+    consume(CommandFrameHeader::kSize + length);
+    return m_socket.isValid();
+}
+
+void CommandConnection::consume(size_t bytes)
+{
+    const auto rest = std::span(m_received).first(m_receivedSize).subspan(bytes);
+    std::copy(rest.begin(), rest.end(), m_received.begin());
+    m_receivedSize = rest.size();
+}
+
+void CommandConnection::send(int32_t code, const QByteArray& data)
+{
+    if (!m_socket.isValid())
+        return;
+    const auto header = CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
+    m_unsent += QByteArray(reinterpret_cast<const char*>(header.data()), header.size()) + data;
+    sendUnsent();
+    watch();
+}
+
+/// Sends as much as the client takes; the rest waits until it takes more.
+void CommandConnection::sendUnsent()
+{
+    while (!m_unsent.isEmpty()) {
+        const auto left = std::span(m_unsent.constData(), static_cast<size_t>(m_unsent.size()));
+        std::array blocks{posix::toIovec(std::as_bytes(left))};
+        const ssize_t n = posix::sendSome(m_socket.get(), blocks);
+        if (n == 0)
+            break;
+        // A client that is gone may have sent more before it went: only its answer goes with it.
+        if (n < 0)
+            m_unsent.clear();
+        else
+            m_unsent.remove(0, n);
+    }
+    m_readable.setEnabled(m_unsent.isEmpty());
+    m_writable.setEnabled(!m_unsent.isEmpty());
+}
+
+/// Goes on with what waits to be sent, and behind it with the commands that do.
+void CommandConnection::goOn()
+{
+    sendUnsent();
+    if (!isListening())
+        return;
+    watchAnew();
+    carryOutReceived();
+}
+
+void CommandConnection::allowSilence()
+{
+    m_mayBeSilent = true;
+}
+
+/// Sees to it that the patience runs while the client owes something.
+void CommandConnection::watch()
+{
+    if (m_socket.isValid() && isOwing() && !m_patience.isActive())
+        m_patience.start();
+}
+
+/// The client did what it owed: what it owes now, it has the whole patience for.
+void CommandConnection::watchAnew()
+{
+    m_hasGoneOn = true;
+    m_patience.stop();
+    watch();
+}
+
+/// What has come meanwhile counts, however late this process is to look.
+void CommandConnection::giveUpUnlessServed()
+{
+    m_hasGoneOn = false;
+    if (!m_unsent.isEmpty())
+        goOn();
+    serve();
+    if (m_socket.isValid() && isOwing() && !m_hasGoneOn)
+        refuse(m_unsent.isEmpty() ? QStringLiteral("sent no whole command in time")
+                                  : QStringLiteral("did not take its answer in time"));
+}
+
+void CommandConnection::refuse(const QString& reason)
+{
+    log(QStringLiteral("a client %1: connection closed").arg(reason));
+    end();
+}
+
+void CommandConnection::end()
+{
+    if (!m_socket.isValid())
+        return;
+    m_readable.setEnabled(false);
+    m_writable.setEnabled(false);
+    m_patience.stop();
+    m_socket.reset();
+    Q_EMIT finished();
+}
+
+} // namespace zyn::handset

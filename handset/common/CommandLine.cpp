@@ -1,0 +1,104 @@
+// The command line of a service.
+#include "handset/common/CommandLine.h"
+
+#include "handset/common/Log.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <algorithm>
+#include <optional>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+using zyn::handset::log;
+
+const QString kReadyFd = QStringLiteral("ready-fd");
+
+std::optional<int> number(const QString& text, int minimum)
+{
+    bool isNumber = false;
+    const int value = text.toInt(&isNumber);
+    return isNumber && value >= minimum ? std::optional(value) : std::nullopt;
+}
+
+bool usageError(const QString& text)
+{
+    log(text);
+    return false;
+}
+
+} // namespace
+
+namespace zyn::handset {
+
+CommandLine::CommandLine(const QString& description)
+{
+    m_parser.setApplicationDescription(description);
+    add(QCommandLineOption(kReadyFd,
+                           QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as "
+                                          "clients are served, and close it unless it is a standard stream."),
+                           QStringLiteral("number")));
+}
+
+void CommandLine::addTime(const QString& name, const QString& text, int defaultValue)
+{
+    const QString value = QString::number(defaultValue);
+    add(QCommandLineOption(name, text.arg(value), QStringLiteral("milliseconds"), value));
+    m_times += name;
+}
+
+bool CommandLine::parse()
+{
+    const QCommandLineOption help = m_parser.addHelpOption();
+    const QCommandLineOption version = m_parser.addVersionOption();
+    if (!m_parser.parse(QCoreApplication::arguments()))
+        return usageError(m_parser.errorText());
+    if (m_parser.isSet(help))
+        m_parser.showHelp();
+    if (m_parser.isSet(version))
+        m_parser.showVersion();
+    if (!m_parser.positionalArguments().isEmpty())
+        return usageError(
+            QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
+    return hasTimes() && takeReadyFd();
+}
+
+bool CommandLine::hasTimes() const
+{
+    return std::ranges::all_of(m_times, [this](const QString& name) {
+        return number(value(name), 1) ||
+               usageError(QStringLiteral("--%1 is a number of milliseconds, 1 or more").arg(name));
+    });
+}
+
+bool CommandLine::takeReadyFd()
+{
+    if (!isSet(kReadyFd))
+        return true;
+    const auto fd = number(value(kReadyFd), 0);
+    if (!fd || ::fcntl(*fd, F_GETFD) < 0)
+        return usageError(QStringLiteral("--ready-fd is the number of an open descriptor"));
+    m_readyFd = *fd;
+    return true;
+}
+
+std::chrono::milliseconds CommandLine::time(const QString& name) const
+{
+    return std::chrono::milliseconds(value(name).toInt());
+}
+
+void CommandLine::announce(const QString& path) const
+{
+    log(QStringLiteral("listening on %1").arg(path));
+    if (m_readyFd < 0)
+        return;
+    if (::write(m_readyFd, "ready\n", 6) != 6)
+        log(QStringLiteral("nobody reads descriptor %1").arg(m_readyFd));
+    if (m_readyFd > STDERR_FILENO)
+        ::close(m_readyFd);
+}
+
+} // namespace zyn::handset

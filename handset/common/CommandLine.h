@@ -1,0 +1,45 @@
+// The command line of a service.
+#pragma once
+
+#include <QtCore/QCommandLineOption>
+#include <QtCore/QCommandLineParser>
+
+#include <chrono>
+
+namespace zyn::handset {
+
+/// The exit code of a service that was started with arguments that it does not know.
+inline constexpr int kUsageError = 2;
+
+/// The options that every service has, --help, --version and --ready-fd, and what a service adds to them.
+class CommandLine
+{
+public:
+    explicit CommandLine(const QString& description);
+
+    void add(const QCommandLineOption& option) { m_parser.addOption(option); }
+    /// Adds an option with a number of milliseconds; its text may contain "%1" for the default.
+    void addTime(const QString& name, const QString& text, int defaultValue);
+
+    /// Parses the application's arguments; false, and told in the log, when they are not right. Ends the
+    /// process after --help and --version.
+    bool parse();
+
+    bool isSet(const QString& name) const { return m_parser.isSet(name); }
+    QString value(const QString& name) const { return m_parser.value(name); }
+    /// The value of an option that was added with addTime().
+    std::chrono::milliseconds time(const QString& name) const;
+
+    /// Tells the log that clients are served at @p path, and whoever waits at --ready-fd that they are.
+    void announce(const QString& path) const;
+
+private:
+    bool hasTimes() const;
+    bool takeReadyFd();
+
+    QCommandLineParser m_parser;
+    QStringList m_times;
+    int m_readyFd = -1; ///< -1: none
+};
+
+} // namespace zyn::handset

@@ -1,0 +1,117 @@
+// The server end of a command socket.
+//
+// A QLocalServer would not do: it closes itself for good when accepting fails once, as it does when
+// descriptors run out, and a QLocalSocket stops reading when an answer cannot be sent, and with that loses
+// what the client had sent behind.
+#include "handset/common/CommandServer.h"
+
+#include "handset/common/CommandConnection.h"
+#include "handset/common/Log.h"
+
+#include <QtCore/QSocketNotifier>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto kAcceptPause = 100ms;
+
+} // namespace
+
+namespace zyn::handset {
+
+CommandServer::CommandServer(const QString& path, int maxConnections, Factory factory)
+    : m_maxConnections(maxConnections)
+    , m_factory(std::move(factory))
+    , m_socket(path)
+{
+    m_acceptPause.setSingleShot(true);
+    m_acceptPause.setInterval(kAcceptPause);
+    connect(&m_acceptPause, &QTimer::timeout, this, &CommandServer::resumeAccepting);
+}
+
+CommandServer::~CommandServer()
+{
+    close();
+}
+
+bool CommandServer::listen()
+{
+    if (!m_socket.listen())
+        return false;
+    m_newClient = std::make_unique<QSocketNotifier>(m_socket.descriptor(), QSocketNotifier::Read);
+    connect(m_newClient.get(), &QSocketNotifier::activated, this, &CommandServer::acceptNext);
+    return true;
+}
+
+void CommandServer::close()
+{
+    m_newClient.reset();
+    if (m_socket.isListening()) {
+        m_socket.turnAway();
+        const auto connections = m_connections;
+        for (CommandConnection* connection : connections)
+            connection->finish();
+        for (auto client = m_socket.accept(); client.isValid(); client = m_socket.accept())
+            open(std::move(client))->finish();
+    }
+    m_socket.release();
+}
+
+void CommandServer::acceptNext()
+{
+    posix::UniqueFd client = m_socket.accept();
+    if (!client.isValid()) {
+        if (errno != EAGAIN)
+            pauseAccepting();
+        return;
+    }
+    serveOlder();
+    open(std::move(client))->serve();
+    if (m_connections.size() >= m_maxConnections)
+        m_newClient->setEnabled(false);
+}
+
+/// What came over the connections before a new one was accepted is carried out first.
+void CommandServer::serveOlder()
+{
+    const auto connections = m_connections;
+    for (CommandConnection* connection : connections)
+        connection->serve();
+}
+
+CommandConnection* CommandServer::open(posix::UniqueFd socket)
+{
+    CommandConnection* connection = m_factory(std::move(socket));
+    connection->setParent(this);
+    m_connections.append(connection);
+    connect(connection, &CommandConnection::finished, this, [this, connection] { forget(connection); });
+    return connection;
+}
+
+void CommandServer::forget(CommandConnection* connection)
+{
+    m_connections.removeOne(connection);
+    connection->deleteLater();
+    resumeAccepting();
+}
+
+/// The system is short of something; clients wait in the backlog meanwhile.
+void CommandServer::pauseAccepting()
+{
+    log(QStringLiteral("cannot accept a client now: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
+    m_newClient->setEnabled(false);
+    m_acceptPause.start();
+}
+
+void CommandServer::resumeAccepting()
+{
+    if (m_newClient && m_connections.size() < m_maxConnections)
+        m_newClient->setEnabled(true);
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,64 @@
+// The server end of a command socket.
+#pragma once
+
+#include "handset/common/ServiceSocket.h"
+
+#include <QtCore/QList>
+#include <QtCore/QObject>
+#include <QtCore/QTimer>
+
+#include <functional>
+#include <memory>
+
+class QSocketNotifier;
+
+namespace zyn::handset {
+
+class CommandConnection;
+
+/**
+ * Listens on a command socket and serves its clients.
+ *
+ * Only this user's processes and root's are served. What a client has sent over one connection is carried out
+ * before anything that comes over a connection opened later.
+ */
+class CommandServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Makes the connection for a client that was accepted; the server owns it.
+    using Factory = std::function<CommandConnection*(posix::UniqueFd socket)>;
+
+    /// @param maxConnections  how many connections are open at a time; further clients wait for their turn
+    CommandServer(const QString& path, int maxConnections, Factory factory);
+    /// Closes the server.
+    ~CommandServer() override;
+
+    /// Makes this process the owner of the socket, in place of one that died; false, and told in the log,
+    /// when another one lives.
+    bool take() { return m_socket.take(); }
+    /// Starts to serve clients, once the socket is taken; false, and told in the log, when it cannot be had.
+    bool listen();
+
+    /// Ends: turns new clients away, carries out what the others have sent, and removes the socket.
+    void close();
+
+private:
+    void acceptNext();
+    void serveOlder();
+    CommandConnection* open(posix::UniqueFd socket);
+    void forget(CommandConnection* connection);
+    void pauseAccepting();
+    void resumeAccepting();
+
+    const int m_maxConnections;
+    const Factory m_factory;
+    ServiceSocket m_socket;
+    std::unique_ptr<QSocketNotifier> m_newClient;
+    QTimer m_acceptPause;
+    /// In the order in which they were opened.
+    QList<CommandConnection*> m_connections;
+};
+
+} // namespace zyn::handset

@@ -1,0 +1,53 @@
+// The listening socket of a service, of which one process at a time is the owner.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+
+#include <QtCore/QString>
+
+namespace zyn::handset {
+
+/**
+ * A Unix-domain stream socket at a path that outlives its owner's death.
+ *
+ * Beside the path lies a lock file, named with ".lock" behind it: it tells a dead owner, in whose place the
+ * next one steps, from a live one. Failures are told in the log.
+ */
+class ServiceSocket
+{
+public:
+    /// @param path  in a directory that exists when the socket is taken
+    explicit ServiceSocket(const QString& path);
+    ServiceSocket(const ServiceSocket&) = delete;
+    ServiceSocket& operator=(const ServiceSocket&) = delete;
+    /// Releases the socket.
+    ~ServiceSocket();
+
+    const QString& path() const { return m_path; }
+
+    /// Makes this process the owner, in place of one that died; false when another one lives.
+    bool take();
+    /// Listens, for this user's processes alone; the socket must have been taken.
+    bool listen();
+    bool isListening() const { return m_listener.isValid(); }
+    /// The listening descriptor.
+    int descriptor() const { return m_listener.get(); }
+
+    /// The next client that waits, non-blocking, other users' passed over; none, and errno tells why: EAGAIN
+    /// when none waits.
+    posix::UniqueFd accept();
+
+    /// From here on connecting fails; who is connected already can still be accepted.
+    void turnAway();
+    /// Removes the socket and its lock, for the next owner.
+    void release();
+
+private:
+    bool tell(bool isDone) const;
+
+    const QString m_path;
+    posix::UniqueFd m_lock;
+    posix::UniqueFd m_listener;
+};
+
+} // namespace zyn::handset
