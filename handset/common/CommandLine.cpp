@@ -6,7 +6,6 @@
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
-#include <optional>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -43,10 +42,11 @@ CommandLine::CommandLine(const QString& description)
                            QStringLiteral("number")));
 }
 
-void CommandLine::addTime(const QString& name, const QString& text, int defaultValue)
+void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
 {
-    const QString value = QString::number(defaultValue);
-    add(QCommandLineOption(name, text.arg(value), QStringLiteral("milliseconds"), value));
+    const QString value = defaultValue ? QString::number(*defaultValue) : QString();
+    add(QCommandLineOption(name, defaultValue ? text.arg(value) : text, QStringLiteral("milliseconds"),
+                           value));
     m_times += name;
 }
 
@@ -69,7 +69,7 @@ bool CommandLine::parse()
 bool CommandLine::hasTimes() const
 {
     return std::ranges::all_of(m_times, [this](const QString& name) {
-        return number(value(name), 1) ||
+        return !isSet(name) || number(value(name), 1) ||
                usageError(QStringLiteral("--%1 is a number of milliseconds, 1 or more").arg(name));
     });
 }

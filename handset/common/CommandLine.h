@@ -5,6 +5,7 @@
 #include <QtCore/QCommandLineParser>
 
 #include <chrono>
+#include <optional>
 
 namespace zyn::handset {
 
@@ -18,8 +19,9 @@ public:
     explicit CommandLine(const QString& description);
 
     void add(const QCommandLineOption& option) { m_parser.addOption(option); }
-    /// Adds an option with a number of milliseconds; its text may contain "%1" for the default.
-    void addTime(const QString& name, const QString& text, int defaultValue);
+    /// Adds an option with a number of milliseconds, 1 or more. Its text contains "%1" for the default, if it
+    /// has one.
+    void addTime(const QString& name, const QString& text, std::optional<int> defaultValue = std::nullopt);
 
     /// Parses the application's arguments; false, and told in the log, when they are not right. Ends the
     /// process after --help and --version.

@@ -1,0 +1,125 @@
+// One client of the phone server's socket.
+#include "handset/phone_server/ClientConnection.h"
+
+#include "handset/common/Log.h"
+
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+using namespace zyn::voicecall;
+using zyn::CommandFrameHeader;
+using zyn::handset::CommandRow;
+
+namespace {
+
+/// What a client is told of each state; 0 for those that no call of a client comes to.
+constexpr std::array<int32_t, 6> kReplies = {CallDialing, CallAlerting, 0, CallConnected, CallEnded, 0};
+static_assert(kReplies[static_cast<size_t>(CallState::Connected)] == CallConnected);
+static_assert(kReplies[static_cast<size_t>(CallState::Ended)] == CallEnded);
+
+constexpr size_t kLargestData = std::max(sizeof(SimCall), sizeof(JavaCall));
+
+} // namespace
+
+const CommandRow<ClientConnection> ClientConnection::kCommands[] = {
+    {PHONE_VOICECALL_CMD_REGISTER, sizeof(int32_t), &ClientConnection::registerClient},
+    {PHONE_VOICECALL_CMD_UNREGISTER, 0, &ClientConnection::unregisterClient},
+    {PHONE_VOICECALL_CMD_MAKE_CALL, sizeof(SimCall), &ClientConnection::makeSimCall},
+    {PHONE_VOICECALL_CMD_MAKE_CALL, sizeof(JavaCall), &ClientConnection::makeJavaCall},
+    {PHONE_VOICECALL_CMD_END_CALL, 0, &ClientConnection::endCall},
+    {PHONE_VOICECALL_CMD_DIAL_EXTENSION, 1, &ClientConnection::dialExtension},
+};
+
+ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line,
+                                   std::chrono::milliseconds patience)
+    : CommandConnection(std::move(socket), kLargestData, patience)
+    , m_line(line)
+{
+    connect(&line, &PhoneLine::callChanged, this, &ClientConnection::tell);
+}
+
+bool ClientConnection::admits(const CommandFrameHeader& header)
+{
+    const CommandRow<ClientConnection>* command = rowFor(kCommands, header);
+    if (!command) {
+        refuse(QStringLiteral("sent what is no command"));
+        return false;
+    }
+    const bool isRegistration = command == std::begin(kCommands);
+    if (isRegistration == m_kind.has_value()) {
+        refuse(m_kind ? QStringLiteral("registered a second time")
+                      : QStringLiteral("sent a command before it registered"));
+        return false;
+    }
+    return true;
+}
+
+void ClientConnection::carryOut(const CommandFrameHeader& header, std::span<const std::byte> data)
+{
+    (this->*rowFor(kCommands, header)->carryOut)(data);
+}
+
+void ClientConnection::registerClient(std::span<const std::byte> data)
+{
+    const auto kind = qFromLittleEndian<int32_t>(data.data());
+    if (kind != SimToolkit && kind != Java) {
+        refuse(QStringLiteral("registered as of a kind unknown"));
+        return;
+    }
+    m_kind = kind;
+    allowSilence();
+}
+
+void ClientConnection::unregisterClient(std::span<const std::byte> /*data*/)
+{
+    end();
+}
+
+void ClientConnection::makeSimCall(std::span<const std::byte> data)
+{
+    makeCall(SimToolkit, data.subspan(offsetof(SimCall, number), sizeof(SimCall::number)));
+}
+
+void ClientConnection::makeJavaCall(std::span<const std::byte> data)
+{
+    makeCall(Java, data.subspan(offsetof(JavaCall, number), sizeof(JavaCall::number)));
+}
+
+/// Places a call to @p number, which ends at its first NUL.
+void ClientConnection::makeCall(ClientKind kind, std::span<const std::byte> number)
+{
+    if (m_kind != kind) {
+        refuse(QStringLiteral("sent the call of a client of another kind"));
+        return;
+    }
+    const auto end = std::ranges::find(number, std::byte(0));
+    const QByteArrayView text(number.data(), end - number.begin());
+    const int placed = m_line.place({QString::fromLatin1(text)});
+    if (placed != 0)
+        m_call = placed;
+    send(placed != 0 ? CallDialing : CallFailed);
+}
+
+void ClientConnection::endCall(std::span<const std::byte> /*data*/)
+{
+    if (hasCall())
+        m_line.hangUp();
+}
+
+void ClientConnection::dialExtension(std::span<const std::byte> data)
+{
+    const QString key(QLatin1Char(static_cast<char>(data[0])));
+    if (hasCall() && m_line.isConnected() && isDialable(key))
+        zyn::handset::log(QStringLiteral("call %1: extension %2").arg(m_call).arg(key));
+    else
+        zyn::handset::log(QStringLiteral("an extension without a connected call, or of no key: ignored"));
+}
+
+void ClientConnection::tell(int id, CallState state)
+{
+    if (id == m_call)
+        send(kReplies[static_cast<size_t>(state)]);
+}

@@ -1,0 +1,45 @@
+// One client of the phone server's socket.
+#pragma once
+
+#include "handset/common/CommandConnection.h"
+#include "handset/phone_server/PhoneLine.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallReply_p.h"
+
+#include <optional>
+
+/**
+ * One client: registers, places calls, and is told how they go on.
+ *
+ * It may be silent for as long as it likes once it has registered. A call does not end with the connection
+ * that asked for it.
+ */
+class ClientConnection : public zyn::handset::CommandConnection
+{
+    Q_OBJECT
+
+public:
+    ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds patience);
+
+protected:
+    bool admits(const zyn::CommandFrameHeader& header) override;
+    void carryOut(const zyn::CommandFrameHeader& header, std::span<const std::byte> data) override;
+
+private:
+    static const zyn::handset::CommandRow<ClientConnection> kCommands[6];
+
+    void registerClient(std::span<const std::byte> data);
+    void unregisterClient(std::span<const std::byte> data);
+    void makeSimCall(std::span<const std::byte> data);
+    void makeJavaCall(std::span<const std::byte> data);
+    void endCall(std::span<const std::byte> data);
+    void dialExtension(std::span<const std::byte> data);
+
+    void makeCall(zyn::voicecall::ClientKind kind, std::span<const std::byte> number);
+    void tell(int id, CallState state);
+    bool hasCall() const { return m_line.current() && m_line.currentId() == m_call; }
+
+    PhoneLine& m_line;
+    std::optional<int32_t> m_kind; ///< nothing before it has registered
+    int m_call = 0;                ///< the last call that it has placed
+};

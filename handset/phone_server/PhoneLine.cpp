@@ -1,0 +1,134 @@
+// The handset's one line, and the call on it.
+#include "handset/phone_server/PhoneLine.h"
+
+#include "handset/common/Log.h"
+#include "handset/phone_server/Status.h"
+
+using zyn::handset::log;
+
+PhoneLine::PhoneLine(Pace pace)
+    : m_pace(pace)
+{
+    m_next.setSingleShot(true);
+    m_next.setTimerType(Qt::PreciseTimer);
+    connect(&m_next, &QTimer::timeout, this, [this] { take(CallEvent::Proceed); });
+}
+
+int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type)
+{
+    if (const char* reason = obstacle(party)) {
+        log(QStringLiteral("a call is not placed: %1").arg(QLatin1String(reason)));
+        return 0;
+    }
+    begin(CallCourse::placed(), party, type);
+    return m_id;
+}
+
+bool PhoneLine::ring(const Party& caller)
+{
+    if (!m_hasRadio || m_isClosed)
+        return false;
+    if (m_call)
+        missWhileBusy(caller);
+    else
+        begin(CallCourse::incoming(), caller, RC_CALL_TYPE_VOICE);
+    return true;
+}
+
+const Call* PhoneLine::current() const
+{
+    return m_call && !m_call->course().isOver() ? &*m_call : nullptr;
+}
+
+void PhoneLine::setRadio(bool isOn)
+{
+    m_hasRadio = isOn;
+    if (!isOn)
+        cut();
+}
+
+void PhoneLine::close()
+{
+    m_isClosed = true;
+    cut();
+    m_handOver.finish();
+}
+
+/// Why @p party cannot be called now, or null.
+const char* PhoneLine::obstacle(const Party& party) const
+{
+    if (!isDialable(party.number))
+        return "that is no number";
+    if (m_isClosed)
+        return "the phone is going off";
+    if (!m_hasRadio)
+        return "the radio is off";
+    return m_call ? "the line is busy" : nullptr;
+}
+
+void PhoneLine::begin(CallCourse course, const Party& party, RC_CALL_TYPE_T type)
+{
+    m_call.emplace(course, party, type);
+    ++m_id;
+    goOn();
+}
+
+bool PhoneLine::take(CallEvent event)
+{
+    if (!m_call || !m_call->take(event))
+        return false;
+    goOn();
+    return true;
+}
+
+/// Ends the call on the line from outside.
+void PhoneLine::cut()
+{
+    if (!miss())
+        hangUp();
+}
+
+void PhoneLine::missWhileBusy(const Party& caller)
+{
+    Call call(CallCourse::incoming(), caller);
+    call.take(CallEvent::Miss);
+    log(QStringLiteral("a call from %1 is missed: the line is busy").arg(caller.number));
+    m_handOver.add(call.record(), [] { reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S); });
+}
+
+/// Goes on from the state that the call has come to.
+void PhoneLine::goOn()
+{
+    const CallCourse& course = m_call->course();
+    m_next.stop();
+    if (course.isOver()) {
+        m_handOver.add(m_call->record(), [this] { reportEnd(); });
+        return;
+    }
+    if (course.isPlaced())
+        m_next.start(course.state() == CallState::Connected ? m_pace.talk : m_pace.step);
+    reportChange();
+}
+
+void PhoneLine::reportChange()
+{
+    const CallState state = m_call->course().state();
+    log(QStringLiteral("call %1, %2: %3")
+            .arg(m_id)
+            .arg(m_call->party().number, QLatin1String(nameOf(state))));
+    if (state == CallState::Connected)
+        reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
+    reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
+    Q_EMIT callChanged(m_id, state);
+}
+
+void PhoneLine::reportEnd()
+{
+    if (m_call->course().wasConnected()) {
+        m_totalSeconds += m_call->duration();
+        reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {0, m_call->duration()});
+        reportStatus(PHONE_Msg::PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {0, m_totalSeconds});
+    }
+    reportChange();
+    m_call.reset();
+}

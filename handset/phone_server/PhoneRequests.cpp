@@ -1,0 +1,79 @@
+// Answers the requests of the phone channel.
+#include "handset/phone_server/PhoneRequests.h"
+
+#include "handset/common/Log.h"
+#include "handset/phone_server/PhoneLine.h"
+#include "handset/phone_server/Status.h"
+#include "utility/PHONE_MsgName_p.h"
+#include "utility/PHONE_Payload_p.h"
+
+#include <algorithm>
+#include <iterator>
+
+using zyn::handset::log;
+
+struct PhoneRequests::Request
+{
+    PHONE_MSG_TYPE_T type;
+    bool hasNumber; ///< whether its payload is one number
+    void (PhoneRequests::*answer)(int32_t number);
+};
+
+const PhoneRequests::Request PhoneRequests::kRequests[] = {
+    {PHONE_MSG_SET_RFMOD_S, true, &PhoneRequests::setRadioMode},
+    {PHONE_MSG_SET_FEATUREDB_LANG_S, true, &PhoneRequests::setLanguage},
+    {PHONE_MSG_RESET_TOTAL_DURATION_S, true, &PhoneRequests::resetTotalDuration},
+    {PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S, false, &PhoneRequests::reportTotals},
+};
+
+PhoneRequests::PhoneRequests(PhoneLine& line)
+    : PHONE_Msg(nullptr, nullptr)
+    , m_line(line)
+{}
+
+void PhoneRequests::receive(const QCString& message, const QByteArray& data)
+{
+    const auto type = zyn::messageType(zyn::kPhonePrefix, message, zyn::kPhoneTypes);
+    const auto found = std::ranges::find_if(kRequests, [&](const Request& request) {
+        return type && *type == static_cast<unsigned>(request.type);
+    });
+    if (found == std::end(kRequests))
+        return;
+    zyn::PayloadReader reader(data);
+    const int32_t number = found->hasNumber ? reader.readInt() : 0;
+    if (reader.isComplete())
+        (this->*found->answer)(number);
+    else
+        log(QStringLiteral("%1 comes without its number: ignored").arg(QString::fromLatin1(message)));
+}
+
+void PhoneRequests::setRadioMode(int32_t on)
+{
+    log(on ? QStringLiteral("radio on") : QStringLiteral("radio off"));
+    m_line.setRadio(on != 0);
+    constexpr int32_t kDone = 1;
+    reportStatus(PHONE_MSG_RET_SET_RFMOD_S, {kDone});
+}
+
+void PhoneRequests::setLanguage(int32_t language)
+{
+    log(QStringLiteral("language %1").arg(language));
+    constexpr int32_t kDone = 1;
+    reportStatus(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
+}
+
+/// Kind 0 is the total that is counted here; of kind 1 there is never anything to reset.
+void PhoneRequests::resetTotalDuration(int32_t kind)
+{
+    constexpr int32_t kDone = 0;
+    constexpr int32_t kNoSuchKind = 1;
+    if (kind == 0)
+        m_line.resetTotal();
+    reportStatus(PHONE_MSG_RET_RESET_TOTAL_DURATION_S, {kind, kind == 0 || kind == 1 ? kDone : kNoSuchKind});
+}
+
+void PhoneRequests::reportTotals(int32_t /*unused*/)
+{
+    reportStatus(PHONE_MSG_TOTAL_DATA_BYTES_S, {0, 0, 0, 0});
+    reportStatus(PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {m_line.isConnected() ? 1 : 0, m_line.totalSeconds()});
+}

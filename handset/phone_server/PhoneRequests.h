@@ -1,0 +1,30 @@
+// Answers the requests of the phone channel.
+#pragma once
+
+#include "utility/PHONE_Msg.h"
+
+#include <cstdint>
+
+class PhoneLine;
+
+/// Listens to the phone channel, and answers each request with its status messages.
+class PhoneRequests : public PHONE_Msg
+{
+    Q_OBJECT
+
+public:
+    explicit PhoneRequests(PhoneLine& line);
+
+    void receive(const QCString& message, const QByteArray& data) override;
+
+private:
+    struct Request;
+    static const Request kRequests[];
+
+    void setRadioMode(int32_t on);
+    void setLanguage(int32_t language);
+    void resetTotalDuration(int32_t kind);
+    void reportTotals(int32_t unused);
+
+    PhoneLine& m_line;
+};

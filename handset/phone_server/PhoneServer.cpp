@@ -1,0 +1,54 @@
+// The phone server and the phone application of a desk.
+#include "handset/phone_server/PhoneServer.h"
+
+#include "handset/phone_server/ClientConnection.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+
+namespace {
+
+/// The dial mode of a request to put the prefix in front of the number.
+constexpr int kWithPrefix = 2;
+
+} // namespace
+
+PhoneServer::PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience,
+                         int maxConnections)
+    : m_line(pace)
+    , m_prefix(prefix)
+    , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, patience](zyn::posix::UniqueFd socket) {
+        return new ClientConnection(std::move(socket), m_line, patience);
+    })
+{}
+
+bool PhoneServer::listen()
+{
+    if (!m_clients.take())
+        return false;
+    // Only the owner of the socket answers requests: two servers would place every call twice.
+    listenToVoiceCallRequests();
+    m_pttRequests.emplace(m_line);
+    m_phoneRequests.emplace(m_line);
+    return m_clients.listen();
+}
+
+void PhoneServer::listenToVoiceCallRequests()
+{
+    m_voiceCallRequests.emplace();
+    PHONE_VoiceCallReceiver* requests = &*m_voiceCallRequests;
+    QObject::connect(requests, &PHONE_VoiceCallReceiver::signalMakeCall, &m_line,
+                     [this](const QString& number, const QString& name, bool /*flag*/, int /*clir*/,
+                            int dialMode) { makeCall(number, name, dialMode); });
+    QObject::connect(requests, &PHONE_VoiceCallReceiver::sigDropCall, &m_line, [this] { dropCall(); });
+}
+
+void PhoneServer::makeCall(const QString& number, const QString& name, int dialMode)
+{
+    const bool hasPrefix = dialMode == kWithPrefix && !number.isEmpty();
+    m_line.place({hasPrefix ? m_prefix + number : number, name});
+}
+
+void PhoneServer::dropCall()
+{
+    if (m_line.current() && !m_line.current()->isPtt())
+        m_line.hangUp();
+}

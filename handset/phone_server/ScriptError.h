@@ -1,0 +1,10 @@
+// What is wrong with a line of a script.
+#pragma once
+
+#include <QtCore/QString>
+
+/// Thrown while a line is read, and caught where its number is known.
+struct ScriptError
+{
+    QString text;
+};

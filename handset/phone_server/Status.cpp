@@ -1,0 +1,22 @@
+// The status messages of the phone server.
+#include "handset/phone_server/Status.h"
+
+#include "handset/common/Log.h"
+#include "platform/QCopChannel.h"
+#include "utility/PHONE_MsgName_p.h"
+#include "utility/PHONE_Payload_p.h"
+
+void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, const QByteArray& payload)
+{
+    const QCString message = zyn::messageName(zyn::kPhonePrefix, type, zyn::kPhoneTypes);
+    if (!QCopChannel::send(zyn::kPhoneChannel, message, payload))
+        zyn::handset::log(QStringLiteral("somebody missed %1").arg(QString::fromLatin1(message)));
+}
+
+void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<int32_t> numbers)
+{
+    zyn::PayloadWriter writer;
+    for (const int32_t number : numbers)
+        writer.writeInt(number);
+    reportStatus(type, writer.payload());
+}

@@ -1,0 +1,105 @@
+// zyn-phoned: plays the phone server and the phone application on a desk.
+#include "handset/common/CommandLine.h"
+#include "handset/common/Log.h"
+#include "handset/common/Process.h"
+#include "handset/common/TerminationSignals.h"
+#include "handset/phone_server/PhoneServer.h"
+#include "handset/phone_server/ScriptPlayer.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdlib>
+
+namespace handset = zyn::handset;
+
+namespace {
+
+constexpr int kDefaultStep = 300;
+constexpr int kDefaultPatience = 10'000;
+
+const QString kStep = QStringLiteral("step");
+const QString kTalk = QStringLiteral("talk");
+const QString kPrefix = QStringLiteral("prefix");
+const QString kPatience = QStringLiteral("patience");
+const QString kScript = QStringLiteral("script");
+
+QString description()
+{
+    return QStringLiteral(
+               "Plays the phone server and the phone application: places the calls that others ask "
+               "for, over the socket\n%1\nand over the message channels, reports their course, and "
+               "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
+               "standard error, the library's trace text to standard output.\n\n%2")
+        .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/') +
+                 QLatin1String(zyn::voicecall::kSocketName),
+             scriptHelp());
+}
+
+void addOptions(handset::CommandLine& commandLine)
+{
+    commandLine.addTime(
+        kStep,
+        QStringLiteral("Let a placed call come to its next state after this many milliseconds "
+                       "(%1)."),
+        kDefaultStep);
+    commandLine.addTime(kTalk, QStringLiteral("Let the other party of a placed call hang up after this many "
+                                              "milliseconds (as --step)."));
+    commandLine.addTime(kPatience,
+                        QStringLiteral("Drop a client that does not register, finish a command or take its "
+                                       "replies for this many milliseconds (%1)."),
+                        kDefaultPatience);
+    commandLine.add(QCommandLineOption(
+        kPrefix, QStringLiteral("Put this in front of numbers to be dialed with a prefix (0)."),
+        QStringLiteral("number"), QStringLiteral("0")));
+    commandLine.add(QCommandLineOption(
+        kScript, QStringLiteral("Let happen what this file says, from when clients are served."),
+        QStringLiteral("file")));
+}
+
+/// The script that the command line names, or an empty one; nothing when it is not right.
+std::optional<Script> scriptOf(const handset::CommandLine& commandLine)
+{
+    return commandLine.isSet(kScript) ? readScript(commandLine.value(kScript)) : Script();
+}
+
+bool hasPrefix(const handset::CommandLine& commandLine)
+{
+    if (isDialable(commandLine.value(kPrefix)))
+        return true;
+    handset::log(QStringLiteral("--prefix is a number to dial"));
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    handset::openStandardStreams();
+    handset::ignoreBrokenPipes();
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("zyn-phoned"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    const handset::TerminationSignals terminationSignals;
+
+    handset::CommandLine commandLine(description());
+    addOptions(commandLine);
+    if (!commandLine.parse() || !hasPrefix(commandLine))
+        return handset::kUsageError;
+    const auto script = scriptOf(commandLine);
+    if (!script)
+        return handset::kUsageError;
+
+    const Pace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
+    PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience),
+                       handset::raiseClientLimit());
+    if (!server.listen())
+        return EXIT_FAILURE;
+    ScriptPlayer player(*script, server.line());
+    commandLine.announce(zyn::voicecall::socketPath());
+    player.start();
+    const int exitCode = QCoreApplication::exec();
+    player.stop();
+    server.close();
+    return exitCode;
+}
