@@ -10,31 +10,33 @@
 #include "tools/zynphone/TimeLimit.h"
 #include "tools/zynphone/Words.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallReply_p.h"
 #include "utility/PHONE_VoiceJava.h"
 #include "utility/PHONE_VoiceSTK.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QScopeGuard>
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 using namespace zyn::tool;
+namespace voicecall = zyn::voicecall;
 
-constexpr int kEnded = 5;
-constexpr std::array<Word<int>, 4> kReplies{{
-    {"dialing", 2},
-    {"alerting", 3},
-    {"connected", 4},
-    {"ended", kEnded},
+constexpr std::array<Word<int>, 5> kReplies{{
+    {"dialing", voicecall::CallDialing},
+    {"alerting", voicecall::CallAlerting},
+    {"connected", voicecall::CallConnected},
+    {"ended", voicecall::CallEnded},
+    {"failed", voicecall::CallFailed},
 }};
 
-/// Shows the server's replies until the call has ended.
+/// Shows the server's replies until one is the call's last.
 class Replies
 {
 public:
@@ -45,35 +47,38 @@ public:
     void show(int code)
     {
         // More may come in the turn of the event loop that ends it.
-        if (m_ended)
+        if (isOver())
             return;
         m_console.write(wordFor(kReplies, code) + u'\n');
-        m_ended = code == kEnded;
-        if (m_ended || !m_console.isSound())
+        m_last = code;
+        if (isOver() || !m_console.isSound())
             QCoreApplication::quit();
     }
 
-    bool haveEnded() const { return m_ended; }
+    bool isOver() const { return m_last == voicecall::CallEnded || hasFailed(); }
+    bool hasFailed() const { return m_last == voicecall::CallFailed; }
 
 private:
     Console& m_console;
-    bool m_ended = false;
+    int m_last = 0;
 };
 
 CommandError serverError()
 {
-    return serviceError(u"phone server"_s, zyn::voicecall::socketPath());
+    return serviceError(u"phone server"_s, QLatin1String(voicecall::kSocketDirectory) + u'/' +
+                                               QLatin1String(voicecall::kSocketName));
 }
 
-/// Lets the replies come in until the call, the connection or the time ends, or a signal does.
-void follow(const Replies& replies, const TimeLimit& limit)
+/// Lets the replies come in until the call, the connection or the time is over, or a signal ends it.
+ExitCode follow(const Replies& replies, const TimeLimit& limit)
 {
     const zyn::handset::TerminationSignals signalsThatEnd;
-    const ConnectionWatch watch(zyn::voicecall::kSocketName);
+    const ConnectionWatch watch(voicecall::kSocketName);
     limit.start();
     QCoreApplication::exec();
-    if (watch.isLost() && !replies.haveEnded())
+    if (watch.isLost() && !replies.isOver())
         throw failure(u"the phone server closed the connection"_s);
+    return replies.hasFailed() ? Failed : Done;
 }
 
 /// Where the replies of the Java connection go, of which a process has one and whose callback takes nothing
@@ -92,10 +97,10 @@ ExitCode callFromJava(const Invocation& call, Console& console)
     const auto disconnect = qScopeGuard([handle] { PHONE_VoiceCall_Java_DeInit(handle); });
     if (PHONE_VoiceCall_Java_MakeCall(handle, number.constData(), value) != 0)
         throw serverError();
-    follow(replies, limit);
-    if (!replies.haveEnded())
+    const ExitCode code = follow(replies, limit);
+    if (!replies.isOver())
         PHONE_VoiceCall_Java_EndCall(handle);
-    return Done;
+    return code;
 }
 
 PHONE_VoiceSTK_PARAMETER parameterFrom(const QString& text)
@@ -104,7 +109,7 @@ PHONE_VoiceSTK_PARAMETER parameterFrom(const QString& text)
     const QByteArray bytes = text.startsWith("hex:"_L1)
                                  ? blockFrom(text, u"parameter"_s, sizeof parameter.bytes)
                                  : callNumber(text).toLatin1();
-    std::ranges::copy(bytes, parameter.bytes);
+    std::memcpy(parameter.bytes, bytes.constData(), static_cast<size_t>(bytes.size()));
     return parameter;
 }
 
@@ -119,15 +124,18 @@ ExitCode callFromSimToolkit(const Invocation& call, Console& console)
         throw serverError();
     QObject::connect(client, &PHONE_VoiceSTK::MessageReceived, client,
                      [&replies](int code, char* /*data*/) { replies.show(code); });
-    follow(replies, limit);
-    return Done;
+    return follow(replies, limit);
 }
 
 QString details()
 {
-    return u"\nThe server's replies are shown as they come: dialing, alerting, connected, ended, or their "
-           u"numbers. "
-           "The verb\nends with the call, or with the connection, which is a failure, or on SIGINT or SIGTERM.\n"_s;
+    QStringList words;
+    for (const Word<int>& reply : kReplies)
+        words += QLatin1String(reply.text);
+    return u"\nThe server's replies are shown as they come: %1, or a number for any other. The verb\nends "
+           u"with the "
+           "call, and on SIGINT and SIGTERM; a connection that ends before the call is a failure.\n"_s.arg(
+               words.join(u", "_s));
 }
 
 } // namespace

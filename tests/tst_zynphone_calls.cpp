@@ -1,0 +1,316 @@
+// The tool's verbs for placing calls: what they send, and what they show of what comes back.
+#include "platform/QCopChannel.h"
+#include "support/ScriptedService.h"
+#include "support/Tool.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using tool::run;
+
+/// @{ Fields of a message's payload.
+QByteArray number(int32_t value)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+const QByteArray kNull = number(-1);
+
+QByteArray text(const char* latin1)
+{
+    QByteArray bytes;
+    for (const char* character = latin1; *character; ++character)
+        bytes += '\0' + QByteArray(1, *character);
+    return number(static_cast<int32_t>(bytes.size())) + bytes;
+}
+/// @}
+
+/// @{ Data of a command to the phone server.
+QByteArray word(int32_t value)
+{
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray padded(const char* latin1, qsizetype size)
+{
+    return QByteArray(latin1).leftJustified(size, '\0');
+}
+/// @}
+
+QByteArray commands(std::initializer_list<std::pair<int32_t, QByteArray>> commands)
+{
+    QByteArray bytes;
+    for (const auto& [code, data] : commands)
+        bytes += ScriptedService::frame(code, data);
+    return bytes;
+}
+
+} // namespace
+
+class ZynphoneCallsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void sendsRequests_data();
+    void sendsRequests();
+    void keepsTheEmergencyList();
+    void showsEachKeysVerdict();
+    void keepsSpeedDial();
+    void keepsThePrependSwitch();
+    void showsThePhoneServersAnswer();
+    void followsSocketCalls_data();
+    void followsSocketCalls();
+    void refuses_data();
+    void refuses();
+
+private:
+    std::optional<QTemporaryDir> m_settings;
+};
+
+void ZynphoneCallsTest::init()
+{
+    m_settings.emplace();
+    qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_settings->path()));
+}
+
+void ZynphoneCallsTest::sendsRequests_data()
+{
+    QTest::addColumn<QByteArray>("message");
+    QTest::addColumn<QByteArray>("payload");
+
+    const auto row = [](const char* line, const char* message, const QByteArray& payload) {
+        QTest::newRow(line) << QByteArray(message) << payload;
+    };
+    const QByteArray line2(1, 2);
+    row("dial 555 --name Ann --flag --clir 1 --line 0", "MakeCall",
+        text("555") + text("Ann") + number(1) + number(1) + number(0) + '\0');
+    row("dial +4930", "MakeCall", text("+4930") + kNull + number(0) + number(0) + number(0) + line2);
+    row("dial 123 --direct", "MakeCall", text("123") + kNull + number(0) + number(0) + number(1) + line2);
+    row("dial 123 --prepend", "MakeCall", text("123") + kNull + number(0) + number(0) + number(2) + line2);
+    row("dial %C3%A9 --mode -7 --name '' --flag --clir -2 --line -128", "MakeCall",
+        text("\xE9") + text("") + number(1) + number(-2) + number(-7) + '\x80');
+    row("hangup", "DropCall", "");
+    row("ptt call 1=Ann=Eve 2 3= --value1 -1 --value2 7", "makePttCall",
+        number(3) + text("1") + text("2") + text("3") + text("Ann=Eve") + kNull + text("") + number(-1) +
+            number(7));
+    row("ptt drop", "dropPttCall", "");
+}
+
+void ZynphoneCallsTest::sendsRequests()
+{
+    QFETCH(QByteArray, message);
+    QFETCH(QByteArray, payload);
+    QList<std::pair<QByteArray, QByteArray>> messages;
+    const QCopChannel voice("/ZYN/Phone/LocalPath"), ptt("/KQ/calling2ptt");
+    for (const QCopChannel* channel : {&voice, &ptt}) {
+        connect(channel, &QCopChannel::received, channel, [&](const QCString& name, const QByteArray& data) {
+            messages.append({name, data});
+        });
+    }
+
+    QCOMPARE(run(QTest::currentDataTag()), u"sent\nexit 0"_s);
+
+    QTRY_COMPARE(messages.size(), 1);
+    QCOMPARE(messages[0].first, message);
+    QCOMPARE(messages[0].second.toHex(), payload.toHex());
+}
+
+void ZynphoneCallsTest::keepsTheEmergencyList()
+{
+    QCOMPARE(run("emergency list"), u"NUMBER\nexit 0"_s);
+    QCOMPARE(run("emergency write 999"), u"exit 0"_s);
+    QCOMPARE(run("emergency write 911 112 %2A1%C3%A9"), u"exit 0"_s);
+
+    QFile file(u"/tmp/emergency_call"_s);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), padded("911", 42) + padded("112", 42) + padded("*1\xE9", 42));
+    QVERIFY(file.permissions() & QFile::ReadOther);
+    QCOMPARE(run("emergency list"), u"NUMBER\n911\n112\n*1\u00E9\nexit 0"_s);
+    QCOMPARE(run("emergency list --json"),
+             u"[{\"number\":\"911\"},{\"number\":\"112\"},{\"number\":\"*1\u00E9\"}]\nexit 0"_s);
+    QCOMPARE(run("emergency 112"), u"112 is an emergency number\nexit 0"_s);
+    QCOMPARE(run("emergency 11"), u"11 is no emergency number\nexit 0"_s);
+    QCOMPARE(run("emergency --json 999"), u"{\"emergency\":false,\"number\":\"999\"}\nexit 0"_s);
+}
+
+void ZynphoneCallsTest::showsEachKeysVerdict()
+{
+    run("emergency write 112 **1");
+    QCOMPARE(run("emergency --typing **04*1"),
+             u"TYPED   ACCEPTED  MAY BECOME                                FORBIDDEN\n"
+             "*       yes       *#06#, **04*, **042*, **05*, **052*, **1\n"
+             "**      yes       **04*, **042*, **05*, **052*, **1\n"
+             "**0     yes       **04*, **042*, **05*, **052*\n"
+             "**04    yes       **04*, **042*\n"
+             "**04*   yes       **04*\n"
+             "**04*1  no\n"
+             "exit 0"_s);
+    run("handset set sim-card 1 keypad-lock -1");
+    QCOMPARE(run("emergency --typing *#"),
+             u"TYPED  ACCEPTED  MAY BECOME  FORBIDDEN\n"
+             "*      yes       **1         *#06# (keypad-lock is -1), **04* (sim-card is 1), "
+             "**042* (sim-card is 1), **05* (sim-card is 1), **052* (sim-card is 1)\n"
+             "*#     no                    *#06# (keypad-lock is -1)\n"
+             "exit 0"_s);
+    run("handset set sim-card 3");
+    QCOMPARE(run("emergency --typing * --json"),
+             uR"([{"accepted":true,"forbidden":[{"code":"*#06#","state":"keypad-lock","value":-1}],)"
+             uR"("mayBecome":["**04*","**042*","**05*","**052*","**1"],"typed":"*"}])"
+             u"\nexit 0"_s);
+}
+
+void ZynphoneCallsTest::keepsSpeedDial()
+{
+    QCOMPARE(run("speed-dial first-free"), u"1\nexit 0"_s);
+    for (const char* line : {"speed-dial set 1 +4930", "speed-dial set 2 %20", "speed-dial set 4 112"})
+        QCOMPARE(run(line), u"exit 0"_s);
+    QCOMPARE(run("speed-dial first-free"), u"3\nexit 0"_s);
+    QCOMPARE(run("speed-dial get 4"), u"112\nexit 0"_s);
+    QCOMPARE(run("speed-dial get 3"), u"zynphone: entry 3 is free\nexit 1"_s);
+    QCOMPARE(run("speed-dial list"),
+             u"INDEX  NUMBER\n1      +4930\n2\n3\n4      112\n5\n6\n7\n8\n9\nexit 0"_s);
+    QVERIFY(run("speed-dial list --json")
+                .startsWith(
+                    uR"([{"index":1,"number":"+4930"},{"index":2,"number":" "},{"index":3,"number":""},)"_s));
+    run("speed-dial set 1 ''");
+    QCOMPARE(run("speed-dial first-free"), u"1\nexit 0"_s);
+    for (int index = 1; index <= 9; ++index)
+        run({u"speed-dial"_s, u"set"_s, QString::number(index), u"1"_s});
+    QCOMPARE(run("speed-dial first-free"), u"zynphone: no entry is free\nexit 1"_s);
+
+    qputenv("ZYN_APP_WRITE_PATH", "/dev/null");
+    QCOMPARE(run("speed-dial set 1 1"), u"zynphone: the settings store did not take the number\nexit 1"_s);
+    QCOMPARE(run("prepend on"), u"zynphone: the settings store did not take the switch\nexit 1"_s);
+}
+
+void ZynphoneCallsTest::keepsThePrependSwitch()
+{
+    QCOMPARE(run("prepend show"), u"off\nexit 0"_s);
+    QCOMPARE(run("prepend on"), u"exit 0"_s);
+    QCOMPARE(run("prepend show"), u"on\nexit 0"_s);
+    QCOMPARE(run("prepend off"), u"exit 0"_s);
+    QCOMPARE(run("prepend show"), u"off\nexit 0"_s);
+}
+
+void ZynphoneCallsTest::showsThePhoneServersAnswer()
+{
+    QCOMPARE(run("radio on"), u"zynphone: no answer within 2 seconds\nexit 1"_s);
+
+    QByteArray requests;
+    const QCopChannel server("/ZYN/phone");
+    connect(&server, &QCopChannel::received, &server, [&](const QCString& name, const QByteArray& data) {
+        const bool isRadio = name == "PHONE_MSG_24";
+        if (!isRadio && name != "PHONE_MSG_25")
+            return;
+        requests += name + ' ' + data.toHex() + '\n';
+        QCopChannel::send("/ZYN/phone", isRadio ? "PHONE_MSG_26" : "PHONE_MSG_17", number(99));
+        QCopChannel::send("/ZYN/phone", isRadio ? "PHONE_MSG_17" : "PHONE_MSG_26", data);
+    });
+    QCOMPARE(run("radio on"), u"result 1: done\nexit 0"_s);
+    QCOMPARE(run("radio off"), u"result 0: not done\nexit 1"_s);
+    QCOMPARE(run("language -5"), u"result -5\nexit 0"_s);
+    QCOMPARE(requests, QByteArray("PHONE_MSG_24 00000001\nPHONE_MSG_24 00000000\nPHONE_MSG_25 fffffffb\n"));
+}
+
+void ZynphoneCallsTest::followsSocketCalls_data()
+{
+    QTest::addColumn<QByteArray>("sent");
+    QTest::addColumn<QByteArray>("replies");
+    QTest::addColumn<QString>("shown");
+
+    const auto row = [](const char* line, const QByteArray& sent, const QByteArray& replies,
+                        const char* shown) {
+        QTest::newRow(line) << sent << replies << QString::fromUtf8(shown);
+    };
+    const std::pair<int32_t, QByteArray> java{0, word(1)}, stk{0, word(0)}, end{3, {}}, goodbye{1, {}};
+    const QByteArray course = commands({{1, {}}, {2, {}}, {3, "x"}, {77, {}}, {4, {}}, {5, {}}, {2, {}}});
+    const char* const shownCourse = "dialing\nalerting\n77\nconnected\nended\nexit 0";
+    const char* const lost = "alerting\nzynphone: the phone server closed the connection\nexit 1";
+
+    row("java call 0123456789012345678901234567890123456789%C3%A9 --value -2",
+        commands({java, {2, word(-2) + padded("0123456789012345678901234567890123456789\xE9", 44)}}), course,
+        shownCourse);
+    row("java call 112", commands({java, {2, word(0) + padded("112", 44)}}), commands({{3, {}}}), lost);
+    row("java call 112 --for 1", commands({java, {2, word(0) + padded("112", 44)}, end, goodbye}), {},
+        "exit 0");
+    row("stk call 112", commands({stk, {2, padded("112", 108)}}), commands({{6, {}}}), "failed\nexit 1");
+    row("stk call 113", commands({stk, {2, padded("113", 108)}}), commands({{3, {}}}) + "garbage!", lost);
+    row("stk call 114 --for 1", commands({stk, {2, padded("114", 108)}, goodbye}), {}, "exit 0");
+    static const QByteArray block = "stk call hex:" + QByteArray("00ff").repeated(54);
+    row(block.constData(), commands({stk, {2, QByteArray("\0\xff", 2).repeated(54)}}), course, shownCourse);
+}
+
+void ZynphoneCallsTest::followsSocketCalls()
+{
+    QFETCH(QByteArray, sent);
+    QFETCH(QByteArray, replies);
+    QFETCH(QString, shown);
+    int frames = 0;
+    for (qsizetype at = 0; at < sent.size(); at += 8 + qFromLittleEndian<int32_t>(sent.data() + at + 4))
+        ++frames;
+    const QByteArray directory = "/tmp/zynphonecom";
+    QDir().mkpath(QFile::decodeName(directory));
+    ScriptedService server(directory + "/voicecall_interface", replies, frames);
+
+    QCOMPARE(run(QTest::currentDataTag()), shown);
+
+    QCOMPARE(server.received().toHex(), sent.toHex());
+}
+
+void ZynphoneCallsTest::refuses_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("verb"); ///< null for what the command line cannot be blamed for
+
+    const QString noServer = u"no phone server at /tmp/zynphonecom/voicecall_interface"_s;
+    const auto row = [](const char* line, const QString& message, const QString& verb) {
+        QTest::newRow(line) << message << verb;
+    };
+    row("dial ''", u"the number is empty"_s, u"dial"_s);
+    row("dial 123456789012345678901234567890123456789012", u"the number has 42 characters; at most 41 fit"_s,
+        u"dial"_s);
+    row("dial 1 --name 1234567890123456", u"the name has 16 characters; at most 15 fit"_s, u"dial"_s);
+    row("dial 1 --line 128", u"--line '128' is no whole number from -128 to 127"_s, u"dial"_s);
+    row("dial 1 --direct --prepend", u"--direct and --prepend exclude each other"_s, u"dial"_s);
+    row("dial 1 --prepend --mode 2", u"--prepend and --mode exclude each other"_s, u"dial"_s);
+    row("dial 1 --direct --clir 0", u"--direct takes no --clir"_s, u"dial"_s);
+    row("emergency", u"missing argument NUMBER"_s, u"emergency"_s);
+    row("emergency 112 --typing 1", u"--typing takes no NUMBER"_s, u"emergency"_s);
+    row("emergency --typing ''", u"the text is empty"_s, u"emergency"_s);
+    row("emergency write", u"missing argument NUMBER"_s, u"emergency write"_s);
+    row("emergency write 112 ''", u"the number is empty"_s, u"emergency write"_s);
+    row("speed-dial set 0 112", u"INDEX '0' is no whole number from 1 to 9"_s, u"speed-dial set"_s);
+    row("speed-dial get 10", u"INDEX '10' is no whole number from 1 to 9"_s, u"speed-dial get"_s);
+    row("ptt call 1 =Ann", u"the number is empty"_s, u"ptt call"_s);
+    row("ptt call 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25 26",
+        u"26 parties; at most 25 fit"_s, u"ptt call"_s);
+    row("radio", u"missing verb"_s, u"radio"_s);
+    row("stk call hex:00", u"the parameter has 1 bytes, not 108"_s, u"stk call"_s);
+    row("java call 112 --for 0", u"--for '0' is no whole number from 1 to 2147483"_s, u"java call"_s);
+    row("java call 112", noServer, {});
+    row("stk call 112", noServer, {});
+}
+
+void ZynphoneCallsTest::refuses()
+{
+    QFETCH(QString, message);
+    QFETCH(QString, verb);
+    const QString end = verb.isNull() ? u"exit 1"_s : u"Try 'zynphone %1 --help'.\nexit 2"_s.arg(verb);
+
+    QCOMPARE(run(QTest::currentDataTag()), u"zynphone: "_s + message + u'\n' + end);
+}
+
+QTEST_GUILESS_MAIN(ZynphoneCallsTest)
+#include "tst_zynphone_calls.moc"
