@@ -65,10 +65,10 @@ private Q_SLOTS:
     void init();
     void sendsRequests_data();
     void sendsRequests();
-    void keepsTheEmergencyList();
-    void showsEachKeysVerdict();
-    void keepsSpeedDial();
-    void keepsThePrependSwitch();
+    void answers_data();
+    void answers();
+    void writesEmergencyRecords();
+    void tellsWhatCannotBeWritten();
     void showsThePhoneServersAnswer();
     void followsSocketCalls_data();
     void followsSocketCalls();
@@ -83,6 +83,8 @@ void ZynphoneCallsTest::init()
 {
     m_settings.emplace();
     qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_settings->path()));
+    QFile::remove(u"/tmp/emergency_call"_s);
+    QDir().rmdir(u"/tmp/emergency_call"_s);
 }
 
 void ZynphoneCallsTest::sendsRequests_data()
@@ -127,81 +129,47 @@ void ZynphoneCallsTest::sendsRequests()
     QCOMPARE(messages[0].second.toHex(), payload.toHex());
 }
 
-void ZynphoneCallsTest::keepsTheEmergencyList()
+void ZynphoneCallsTest::answers_data()
 {
-    QCOMPARE(run("emergency list"), u"NUMBER\nexit 0"_s);
-    QCOMPARE(run("emergency write 999"), u"exit 0"_s);
-    QCOMPARE(run("emergency write 911 112 %2A1%C3%A9"), u"exit 0"_s);
+    QTest::addColumn<QStringList>("exchanges");
+
+    QFile file(QFINDTESTDATA("data/zynphone_calls.txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no transcripts");
+    for (const QString& transcript : QString::fromUtf8(file.readAll()).trimmed().split(u"\n# "_s).mid(1)) {
+        const QStringList parts = transcript.split(u"\n$ "_s);
+        QTest::newRow(qPrintable(parts.first())) << parts.mid(1);
+    }
+}
+
+void ZynphoneCallsTest::answers()
+{
+    QFETCH(QStringList, exchanges);
+
+    for (const QString& exchange : exchanges) {
+        const QString line = exchange.section(u'\n', 0, 0);
+        QCOMPARE(line + u'\n' + run(tool::words(line)), exchange);
+    }
+}
+
+void ZynphoneCallsTest::writesEmergencyRecords()
+{
+    run("emergency write 999");
+    QCOMPARE(run("emergency write 911 *1%C3%A9"), u"exit 0"_s);
 
     QFile file(u"/tmp/emergency_call"_s);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), padded("911", 42) + padded("112", 42) + padded("*1\xE9", 42));
+    QCOMPARE(file.readAll(), padded("911", 42) + padded("*1\xE9", 42));
     QVERIFY(file.permissions() & QFile::ReadOther);
-    QCOMPARE(run("emergency list"), u"NUMBER\n911\n112\n*1\u00E9\nexit 0"_s);
-    QCOMPARE(run("emergency list --json"),
-             u"[{\"number\":\"911\"},{\"number\":\"112\"},{\"number\":\"*1\u00E9\"}]\nexit 0"_s);
-    QCOMPARE(run("emergency 112"), u"112 is an emergency number\nexit 0"_s);
-    QCOMPARE(run("emergency 11"), u"11 is no emergency number\nexit 0"_s);
-    QCOMPARE(run("emergency --json 999"), u"{\"emergency\":false,\"number\":\"999\"}\nexit 0"_s);
 }
 
-void ZynphoneCallsTest::showsEachKeysVerdict()
+void ZynphoneCallsTest::tellsWhatCannotBeWritten()
 {
-    run("emergency write 112 **1");
-    QCOMPARE(run("emergency --typing **04*1"),
-             u"TYPED   ACCEPTED  MAY BECOME                                FORBIDDEN\n"
-             "*       yes       *#06#, **04*, **042*, **05*, **052*, **1\n"
-             "**      yes       **04*, **042*, **05*, **052*, **1\n"
-             "**0     yes       **04*, **042*, **05*, **052*\n"
-             "**04    yes       **04*, **042*\n"
-             "**04*   yes       **04*\n"
-             "**04*1  no\n"
-             "exit 0"_s);
-    run("handset set sim-card 1 keypad-lock -1");
-    QCOMPARE(run("emergency --typing *#"),
-             u"TYPED  ACCEPTED  MAY BECOME  FORBIDDEN\n"
-             "*      yes       **1         *#06# (keypad-lock is -1), **04* (sim-card is 1), "
-             "**042* (sim-card is 1), **05* (sim-card is 1), **052* (sim-card is 1)\n"
-             "*#     no                    *#06# (keypad-lock is -1)\n"
-             "exit 0"_s);
-    run("handset set sim-card 3");
-    QCOMPARE(run("emergency --typing * --json"),
-             uR"([{"accepted":true,"forbidden":[{"code":"*#06#","state":"keypad-lock","value":-1}],)"
-             uR"("mayBecome":["**04*","**042*","**05*","**052*","**1"],"typed":"*"}])"
-             u"\nexit 0"_s);
-}
-
-void ZynphoneCallsTest::keepsSpeedDial()
-{
-    QCOMPARE(run("speed-dial first-free"), u"1\nexit 0"_s);
-    for (const char* line : {"speed-dial set 1 +4930", "speed-dial set 2 %20", "speed-dial set 4 112"})
-        QCOMPARE(run(line), u"exit 0"_s);
-    QCOMPARE(run("speed-dial first-free"), u"3\nexit 0"_s);
-    QCOMPARE(run("speed-dial get 4"), u"112\nexit 0"_s);
-    QCOMPARE(run("speed-dial get 3"), u"zynphone: entry 3 is free\nexit 1"_s);
-    QCOMPARE(run("speed-dial list"),
-             u"INDEX  NUMBER\n1      +4930\n2\n3\n4      112\n5\n6\n7\n8\n9\nexit 0"_s);
-    QVERIFY(run("speed-dial list --json")
-                .startsWith(
-                    uR"([{"index":1,"number":"+4930"},{"index":2,"number":" "},{"index":3,"number":""},)"_s));
-    run("speed-dial set 1 ''");
-    QCOMPARE(run("speed-dial first-free"), u"1\nexit 0"_s);
-    for (int index = 1; index <= 9; ++index)
-        run({u"speed-dial"_s, u"set"_s, QString::number(index), u"1"_s});
-    QCOMPARE(run("speed-dial first-free"), u"zynphone: no entry is free\nexit 1"_s);
-
     qputenv("ZYN_APP_WRITE_PATH", "/dev/null");
     QCOMPARE(run("speed-dial set 1 1"), u"zynphone: the settings store did not take the number\nexit 1"_s);
     QCOMPARE(run("prepend on"), u"zynphone: the settings store did not take the switch\nexit 1"_s);
-}
-
-void ZynphoneCallsTest::keepsThePrependSwitch()
-{
-    QCOMPARE(run("prepend show"), u"off\nexit 0"_s);
-    QCOMPARE(run("prepend on"), u"exit 0"_s);
-    QCOMPARE(run("prepend show"), u"on\nexit 0"_s);
-    QCOMPARE(run("prepend off"), u"exit 0"_s);
-    QCOMPARE(run("prepend show"), u"off\nexit 0"_s);
+    QDir().mkdir(u"/tmp/emergency_call"_s);
+    QCOMPARE(run("emergency write 1"), u"zynphone: cannot write /tmp/emergency_call\nexit 1"_s);
 }
 
 void ZynphoneCallsTest::showsThePhoneServersAnswer()

@@ -166,6 +166,12 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
     return number;
 }
 
+int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)
+{
+    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest)
+                              : byDefault;
+}
+
 std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)
 {
     if (!call.isSet(option))

@@ -71,6 +71,10 @@ QCommandLineOption valueOption(const QString& name, const QString& valueName, co
 /// The option of every listing.
 QCommandLineOption jsonOption();
 
+/// The whole number that @p option sets, or @p byDefault when it is not set.
+int numberFrom(const Invocation& call, const QString& option, int byDefault,
+               int lowest = std::numeric_limits<int>::min(), int highest = std::numeric_limits<int>::max());
+
 /// The whole number from 1 to @p highest that @p option sets; nothing when it is not set.
 std::optional<int> limitFrom(const Invocation& call, const QString& option,
                              int highest = std::numeric_limits<int>::max());

@@ -8,7 +8,6 @@
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallSender.h"
 
-#include <cstdint>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -29,25 +28,13 @@ struct Request
     signed char line;
 };
 
-int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)
-{
-    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest)
-                              : byDefault;
-}
-
-int anyNumberFrom(const Invocation& call, const QString& option)
-{
-    using Limits = std::numeric_limits<int>;
-    return numberFrom(call, option, 0, Limits::min(), Limits::max());
-}
-
 Request requestFrom(const Invocation& call)
 {
     using Line = std::numeric_limits<signed char>;
     return {.number = callNumber(call.argument(0)).toLatin1(),
             .name = call.isSet(u"name"_s) ? callName(call.value(u"name"_s)) : QString(),
             .flag = call.isSet(u"flag"_s),
-            .clir = anyNumberFrom(call, u"clir"_s),
+            .clir = numberFrom(call, u"clir"_s, 0),
             .line = static_cast<signed char>(
                 numberFrom(call, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
 }
@@ -89,7 +76,7 @@ ExitCode dial(const Invocation& call, Console& console)
     if (way == "direct"_L1 || way == "prepend"_L1)
         refuseOptionsBesides(way, call);
     Request request = requestFrom(call);
-    const int mode = anyNumberFrom(call, u"mode"_s);
+    const int mode = numberFrom(call, u"mode"_s, 0);
     requireChannel(zyn::kVoiceCallChannel);
     if (way == "direct"_L1)
         PHONE_MakeVoiceCallDirectly(request.number.constData());

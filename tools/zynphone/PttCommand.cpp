@@ -13,11 +13,6 @@ namespace {
 
 using namespace zyn::tool;
 
-int valueFrom(const Invocation& call, const QString& option)
-{
-    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option) : 0;
-}
-
 PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
 {
     const QStringList parties = call.arguments();
@@ -31,8 +26,8 @@ PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
             info.secondList[info.count] = party.mid(equals + 1);
         ++info.count;
     }
-    info.firstValue = valueFrom(call, u"value1"_s);
-    info.secondValue = valueFrom(call, u"value2"_s);
+    info.firstValue = numberFrom(call, u"value1"_s, 0);
+    info.secondValue = numberFrom(call, u"value2"_s, 0);
     return info;
 }
 

@@ -88,7 +88,7 @@ Replies* javaReplies = nullptr;
 ExitCode callFromJava(const Invocation& call, Console& console)
 {
     const QByteArray number = callNumber(call.argument(0)).toLatin1();
-    const int value = call.isSet(u"value"_s) ? wholeNumber(call.value(u"value"_s), u"--value"_s) : 0;
+    const int value = numberFrom(call, u"value"_s, 0);
     const TimeLimit limit(call);
     Replies replies(console);
     javaReplies = &replies;
@@ -132,9 +132,8 @@ QString details()
     QStringList words;
     for (const Word<int>& reply : kReplies)
         words += QLatin1String(reply.text);
-    return u"\nThe server's replies are shown as they come: %1, or a number for any other. The verb\nends "
-           u"with the "
-           "call, and on SIGINT and SIGTERM; a connection that ends before the call is a failure.\n"_s.arg(
+    return u"\nThe server's replies are shown as they come: %1, any other as a number.\n"
+           "The verb ends with the call; a connection that ends first is a failure.\n"_s.arg(
                words.join(u", "_s));
 }
 
