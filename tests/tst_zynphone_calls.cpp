@@ -72,8 +72,6 @@ private Q_SLOTS:
     void showsThePhoneServersAnswer();
     void followsSocketCalls_data();
     void followsSocketCalls();
-    void refuses_data();
-    void refuses();
 
 private:
     std::optional<QTemporaryDir> m_settings;
@@ -235,49 +233,6 @@ void ZynphoneCallsTest::followsSocketCalls()
     QCOMPARE(run(QTest::currentDataTag()), shown);
 
     QCOMPARE(server.received().toHex(), sent.toHex());
-}
-
-void ZynphoneCallsTest::refuses_data()
-{
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("verb"); ///< null for what the command line cannot be blamed for
-
-    const QString noServer = u"no phone server at /tmp/zynphonecom/voicecall_interface"_s;
-    const auto row = [](const char* line, const QString& message, const QString& verb) {
-        QTest::newRow(line) << message << verb;
-    };
-    row("dial ''", u"the number is empty"_s, u"dial"_s);
-    row("dial 123456789012345678901234567890123456789012", u"the number has 42 characters; at most 41 fit"_s,
-        u"dial"_s);
-    row("dial 1 --name 1234567890123456", u"the name has 16 characters; at most 15 fit"_s, u"dial"_s);
-    row("dial 1 --line 128", u"--line '128' is no whole number from -128 to 127"_s, u"dial"_s);
-    row("dial 1 --direct --prepend", u"--direct and --prepend exclude each other"_s, u"dial"_s);
-    row("dial 1 --prepend --mode 2", u"--prepend and --mode exclude each other"_s, u"dial"_s);
-    row("dial 1 --direct --clir 0", u"--direct takes no --clir"_s, u"dial"_s);
-    row("emergency", u"missing argument NUMBER"_s, u"emergency"_s);
-    row("emergency 112 --typing 1", u"--typing takes no NUMBER"_s, u"emergency"_s);
-    row("emergency --typing ''", u"the text is empty"_s, u"emergency"_s);
-    row("emergency write", u"missing argument NUMBER"_s, u"emergency write"_s);
-    row("emergency write 112 ''", u"the number is empty"_s, u"emergency write"_s);
-    row("speed-dial set 0 112", u"INDEX '0' is no whole number from 1 to 9"_s, u"speed-dial set"_s);
-    row("speed-dial get 10", u"INDEX '10' is no whole number from 1 to 9"_s, u"speed-dial get"_s);
-    row("ptt call 1 =Ann", u"the number is empty"_s, u"ptt call"_s);
-    row("ptt call 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25 26",
-        u"26 parties; at most 25 fit"_s, u"ptt call"_s);
-    row("radio", u"missing verb"_s, u"radio"_s);
-    row("stk call hex:00", u"the parameter has 1 bytes, not 108"_s, u"stk call"_s);
-    row("java call 112 --for 0", u"--for '0' is no whole number from 1 to 2147483"_s, u"java call"_s);
-    row("java call 112", noServer, {});
-    row("stk call 112", noServer, {});
-}
-
-void ZynphoneCallsTest::refuses()
-{
-    QFETCH(QString, message);
-    QFETCH(QString, verb);
-    const QString end = verb.isNull() ? u"exit 1"_s : u"Try 'zynphone %1 --help'.\nexit 2"_s.arg(verb);
-
-    QCOMPARE(run(QTest::currentDataTag()), u"zynphone: "_s + message + u'\n' + end);
 }
 
 QTEST_GUILESS_MAIN(ZynphoneCallsTest)
