@@ -1,6 +1,7 @@
 // The state file of the stand-in handset: what a real handset would measure, a developer sets here.
 #pragma once
 
+#include "platform/SETUP_SET_Manager.h"
 #include "platform/SettingsDirectory_p.h"
 
 #include <array>
@@ -35,6 +36,14 @@ inline constexpr std::array kStates{kSimCard, kKeypadLock, kPhoneSystem, kFixedD
 inline QString stateFile()
 {
     return settingsDirectory() + QLatin1String("/zyn_handset.cfg");
+}
+
+/// The state as it is now.
+inline int readState(const State& state)
+{
+    int value = 0;
+    SETUP_SET_Manager(stateFile(), false).getSettingInfo(QLatin1String(kGroup), QLatin1String(state.key), value, 0);
+    return value;
 }
 
 } // namespace zyn::handset

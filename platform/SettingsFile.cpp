@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr qsizetype kSizeLimit = 1024 * 1024;
+constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr std::chrono::milliseconds kLockTimeout{5000};
 constexpr std::chrono::milliseconds kLockPause{2};
 /// From this age on a lock file is taken away unless the kernel's lock on it shows that its holder lives. Nothing else

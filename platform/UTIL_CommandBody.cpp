@@ -3,7 +3,6 @@
 
 #include "platform/CommandFrame_p.h"
 
-#include <algorithm>
 #include <new>
 
 UTIL_CommandBody::UTIL_CommandBody() = default;
@@ -21,10 +20,4 @@ bool UTIL_CommandBody::AllocateDataBuffer()
         return false;
     m_allocated = static_cast<size_t>(dataLength);
     return true;
-}
-
-std::span<std::byte> UTIL_CommandBody::data() const
-{
-    const size_t length = dataLength > 0 ? std::min(static_cast<size_t>(dataLength), m_allocated) : 0;
-    return std::as_writable_bytes(std::span(m_buffer.get(), length));
 }

@@ -3,6 +3,7 @@
 
 #include "platform/ZynExport.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,10 +29,14 @@ public:
     /// The data buffer, owned by the record; null when there is none.
     char* dataBuffer() const { return m_buffer.get(); }
 
-    /// The data: dataLength bytes, but never more than were allocated.
-    std::span<std::byte> data() const;
+    /// @{ The data: dataLength bytes, but never more than were allocated.
+    std::span<std::byte> data() { return std::as_writable_bytes(std::span(m_buffer.get(), usedLength())); }
+    std::span<const std::byte> data() const { return std::as_bytes(std::span(m_buffer.get(), usedLength())); }
+    /// @}
 
 private:
+    size_t usedLength() const { return dataLength > 0 ? std::min(static_cast<size_t>(dataLength), m_allocated) : 0; }
+
     std::unique_ptr<char[]> m_buffer;
     size_t m_allocated = 0;
 };

@@ -13,11 +13,14 @@ install_what_is_missing() {
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    local as_root=(env DEBIAN_FRONTEND=noninteractive)
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "Install ${missing[*]} first: this needs root or sudo" >&2; exit 1; }
+        as_root=(sudo "${as_root[@]}")
+    fi
     echo "Installing ${missing[*]}"
     "${as_root[@]}" apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 # Configures and builds the tree with the preset $1; says what went wrong only when something did.

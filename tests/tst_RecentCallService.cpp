@@ -413,9 +413,34 @@ private Q_SLOTS:
             m_files->write(kMissed, m_files->read(kMissed).first(keptBytes) + addedBytes);
         add(kMissed);
         QCOMPARE(uids(kAll), Uids({2, 0}));
-        QVERIFY(log().startsWith("zyn-recentcalld: a call of list 2 was not stored"));
+        QVERIFY(log().startsWith("zyn-recentcalld: missing or damaged record files are made anew"));
         start();
         QCOMPARE(uids(kAll), Uids({2, 0}));
+    }
+
+    void keepsACallWhoseSlotIsWrong()
+    {
+        for (int i = 0; i < 2; ++i)
+            add(kMissed);
+        QCOMPARE(uids(kMissed), Uids({1, 0}));
+        QCOMPARE(stop(), 0);
+        overwrite(kMissed, 0, offsetof(PHONE_ENG_RecentCall, slot), 5);
+        start();
+        add(kMissed);
+        QCOMPARE(uids(kMissed), Uids({2, 1, 0}));
+        QCOMPARE(remove(0, kMissed), 0);
+        QCOMPARE(uids(kMissed), Uids({2, 1}));
+    }
+
+    void failsForAFileThatItCannotHave()
+    {
+        QVERIFY(QFile::remove(m_files->file(kMissed)));
+        QVERIFY(QDir().mkdir(m_files->file(kMissed)));
+        QPtrList<RC_RecordInterface> list;
+        QCOMPARE(RC_Interface().getRecordList(list, kMissed, kVoice), 3);
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, kVoice), 2);
+        QCOMPARE(remove(0, kMissed), 2);
+        QCOMPARE(RC_Interface().getRecordList(list, kAnswered, kVoice), 0);
     }
 
     void believesNoDamagedRecord()

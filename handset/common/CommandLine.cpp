@@ -2,6 +2,7 @@
 #include "handset/common/CommandLine.h"
 
 #include "handset/common/Log.h"
+#include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -15,6 +16,7 @@ namespace {
 using zyn::handset::log;
 
 const QString kReadyFd = QStringLiteral("ready-fd");
+const QString kTrace = QStringLiteral("trace");
 
 std::optional<int> number(const QString& text, int minimum)
 {
@@ -40,6 +42,8 @@ CommandLine::CommandLine(const QString& description)
                            QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as "
                                           "clients are served, and close it unless it is a standard stream."),
                            QStringLiteral("number")));
+    add(QCommandLineOption(kTrace, QStringLiteral("Leave the library's trace text on standard output, which somebody "
+                                                  "must then read: the service waits for it.")));
 }
 
 void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
@@ -63,7 +67,11 @@ bool CommandLine::parse()
     if (!m_parser.positionalArguments().isEmpty())
         return usageError(
             QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
-    return hasTimes() && takeReadyFd();
+    if (!hasTimes() || !takeReadyFd())
+        return false;
+    if (!isSet(kTrace))
+        discardTraces();
+    return true;
 }
 
 bool CommandLine::hasTimes() const
@@ -79,10 +87,21 @@ bool CommandLine::takeReadyFd()
     if (!isSet(kReadyFd))
         return true;
     const auto fd = number(value(kReadyFd), 0);
-    if (!fd || ::fcntl(*fd, F_GETFD) < 0)
+    const int flags = fd ? ::fcntl(*fd, F_GETFD) : -1;
+    // What this process has opened itself is closed on exec; what it was handed is not.
+    if (flags < 0 || (flags & FD_CLOEXEC) != 0)
         return usageError(QStringLiteral("--ready-fd is the number of an open descriptor"));
     m_readyFd = *fd;
     return true;
+}
+
+/// A pipe that nobody reads would stop the service in the middle of a client's request.
+void CommandLine::discardTraces()
+{
+    if (m_readyFd == STDOUT_FILENO)
+        m_readyFd = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const posix::UniqueFd nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    ::dup2(nowhere.get(), STDOUT_FILENO);
 }
 
 std::chrono::milliseconds CommandLine::time(const QString& name) const

@@ -12,7 +12,7 @@ namespace zyn::handset {
 /// The exit code of a service that was started with arguments that it does not know.
 inline constexpr int kUsageError = 2;
 
-/// The options that every service has, --help, --version and --ready-fd, and what a service adds to them.
+/// The options that every service has, --help, --version, --ready-fd and --trace, and what a service adds to them.
 class CommandLine
 {
 public:
@@ -38,6 +38,7 @@ public:
 private:
     bool hasTimes() const;
     bool takeReadyFd();
+    void discardTraces();
 
     QCommandLineParser m_parser;
     QStringList m_times;

@@ -19,8 +19,8 @@ class CommandConnection;
 /**
  * Listens on a command socket and serves its clients.
  *
- * Only this user's processes and root's are served. What a client has sent over one connection is carried out
- * before anything that comes over a connection opened later.
+ * Only this user's processes and root's are served. A request that was sent over one connection is carried out before
+ * anything that comes over a connection opened later; of a client that sends many, the others wait for the first few.
  */
 class CommandServer : public QObject
 {

@@ -37,6 +37,28 @@ QByteArray pathOf(RC_CALL_CATEGORY_T category)
     return zyn::storeDirectoryPath() + zyn::recordFileName(category);
 }
 
+bool isSound(Lists lists)
+{
+    return std::ranges::all_of(
+        lists, [](RC_CALL_CATEGORY_T list) { return zyn::isStoreFile(pathOf(list), zyn::kRecordFileSize); });
+}
+
+/// Writes into each call of a list the slot that it lies in. The store goes by what the record says: with a wrong slot it
+/// would take the call's place for free.
+void correctSlots(RC_CALL_CATEGORY_T list)
+{
+    const zyn::posix::UniqueFd file = zyn::posix::openForChanging(pathOf(list));
+    const QByteArray image = zyn::posix::readWhole(pathOf(list), zyn::kRecordFileSize).value_or(QByteArray());
+    for (int slot = 0; slot < zyn::recordCount(image); ++slot) {
+        PHONE_ENG_RecentCall record = zyn::recordAt(image, slot);
+        if (record.inUse == 0 || record.slot == slot)
+            continue;
+        log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected").arg(slot).arg(list).arg(record.slot));
+        record.slot = slot;
+        zyn::posix::writeAt(file.get(), std::as_bytes(std::span(&record, 1)), off_t{zyn::recordOffset(slot)});
+    }
+}
+
 /// Whether the slot that @p record names holds it: in a damaged file it may hold another call.
 bool isInItsSlot(const PHONE_ENG_RecentCall& record)
 {
@@ -71,12 +93,8 @@ bool CallLog::add(PHONE_ENG_RecentCall record)
         return false;
     }
     record.inUse = 1;
-    if (store(record))
-        return true;
-    log(QStringLiteral("a call of list %1 was not stored: missing or damaged files are made anew")
-            .arg(record.category));
-    open();
-    if (store(record))
+    // The store writes into a damaged file too; with that the call would be lost when the store is next opened.
+    if (makeSound(list) && store(record))
         return true;
     log(QStringLiteral("a call of list %1 is lost: its file cannot be written").arg(record.category));
     return false;
@@ -87,6 +105,8 @@ rc::Status CallLog::remove(const PHONE_ENG_RecentCall& record)
     const Lists list = listsOf(record.category);
     if (list.size() != 1)
         return rc::NoSuchRecord;
+    if (!makeSound(list))
+        return rc::Failure;
     const Calls calls = read(list);
     const PHONE_ENG_RecentCall* stored = find(calls, record);
     if (!stored)
@@ -97,7 +117,9 @@ rc::Status CallLog::remove(const PHONE_ENG_RecentCall& record)
 rc::Status CallLog::removeAll(const rc::Selection& selection)
 {
     const Lists lists = listsOf(selection.category);
-    rc::Status status = lists.empty() ? rc::Failure : rc::Success;
+    if (lists.empty() || !makeSound(lists))
+        return rc::Failure;
+    rc::Status status = rc::Success;
     for (const PHONE_ENG_RecentCall* call : read(lists)) {
         if (call->callType == selection.callType && !erase(*call))
             status = rc::Failure;
@@ -108,7 +130,7 @@ rc::Status CallLog::removeAll(const rc::Selection& selection)
 std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
 {
     const Lists lists = listsOf(selection.category);
-    if (lists.empty())
+    if (lists.empty() || !makeSound(lists))
         return std::nullopt;
     const Calls calls = read(lists);
     const auto isSelected = [&](const PHONE_ENG_RecentCall* call) {
@@ -128,7 +150,19 @@ std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
 void CallLog::open()
 {
     m_store.emplace();
+    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists)
+        correctSlots(list);
     read(zyn::kRecordLists);
+}
+
+/// Makes the files of @p lists anew when one has gone missing or is damaged; false when that cannot be done.
+bool CallLog::makeSound(Lists lists)
+{
+    if (isSound(lists))
+        return true;
+    log(QStringLiteral("missing or damaged record files are made anew"));
+    open();
+    return isSound(lists);
 }
 
 CallLog::Calls CallLog::read(Lists lists)
@@ -151,10 +185,6 @@ CallLog::Calls CallLog::read(Lists lists)
 
 bool CallLog::store(PHONE_ENG_RecentCall& record)
 {
-    // The store writes into a damaged file too; with that the call would be lost when the store is next
-    // opened.
-    if (!zyn::isStoreFile(pathOf(record.category), zyn::kRecordFileSize))
-        return false;
     if (countOf(record.category) >= limitOf(record.category))
         eraseOldest(record.category);
     if (!m_store->addItem(record))

@@ -13,9 +13,9 @@
 /**
  * The answered, missed and dialed calls, in a record store of its own.
  *
- * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are
- * read from their files at every operation but an add. What fails is told in the log. To be used from one
- * thread.
+ * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are read from
+ * their files at every operation but an add; a file that turns out missing or damaged is made anew first. What fails is
+ * told in the log. To be used from one thread.
  */
 class CallLog
 {
@@ -26,7 +26,6 @@ public:
     /**
      * Adds a call, in place of the oldest one when its list is full. Slot and uid are the store's to give.
      *
-     * A file that turns out missing or damaged is replaced by a fresh one, and the call is added to that.
      * False when the category names no list that keeps calls, or when the call could not be stored.
      */
     bool add(PHONE_ENG_RecentCall record);
@@ -38,15 +37,18 @@ public:
     /// the category names no list.
     zyn::recentcall::Status removeAll(const zyn::recentcall::Selection& selection);
 
-    /// The selected calls, newest first, as the data of an answer; nothing when the category names no list.
+    /// The selected calls, newest first, as the data of an answer; nothing when the category names no list or
+    /// a file cannot be had.
     std::optional<QByteArray> list(const zyn::recentcall::Selection& selection);
 
 private:
     using Calls = QSortedList<PHONE_ENG_RecentCall>;
+    using Lists = std::span<const RC_CALL_CATEGORY_T>;
 
     void open();
+    bool makeSound(Lists lists);
     qsizetype& countOf(RC_CALL_CATEGORY_T category) { return m_counts[static_cast<size_t>(category)]; }
-    Calls read(std::span<const RC_CALL_CATEGORY_T> lists);
+    Calls read(Lists lists);
     bool store(PHONE_ENG_RecentCall& record);
     bool erase(const PHONE_ENG_RecentCall& record);
     void eraseOldest(RC_CALL_CATEGORY_T category);

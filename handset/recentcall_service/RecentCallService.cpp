@@ -12,8 +12,7 @@ RecentCallService::RecentCallService(std::chrono::milliseconds patience, int max
 
 QString RecentCallService::socketPath()
 {
-    return QLatin1String(zyn::recentcall::kSocketDirectory) + QLatin1Char('/') +
-           QLatin1String(zyn::recentcall::kSocketName);
+    return QLatin1String(zyn::recentcall::kSocketPath);
 }
 
 bool RecentCallService::listen()

@@ -1,26 +1,15 @@
 // One client of the recent-call service.
 #include "handset/recentcall_service/ServiceConnection.h"
 
+#include "recentcall/utility/PlainBytes_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
-#include <cstring>
 #include <iterator>
 
 namespace rc = zyn::recentcall;
 using zyn::CommandFrameHeader;
+using zyn::toPlain;
 using zyn::handset::CommandRow;
-
-namespace {
-
-template<typename Plain>
-Plain toPlain(std::span<const std::byte> data)
-{
-    Plain plain;
-    std::memcpy(static_cast<void*>(&plain), data.data(), sizeof plain);
-    return plain;
-}
-
-} // namespace
 
 const CommandRow<ServiceConnection> ServiceConnection::kCommands[] = {
     {zyn::kGreetingCommand, sizeof(int32_t), &ServiceConnection::greet},

@@ -90,22 +90,27 @@ public:
 
 static_assert(std::endian::native == std::endian::little, "records are little-endian and are stored as they are");
 static_assert(offsetof(PHONE_ENG_RecentCall, phoneNumber) == 0);
+static_assert(offsetof(PHONE_ENG_RecentCall, reserved42) == 42);
 static_assert(offsetof(PHONE_ENG_RecentCall, startTime) == 44);
 static_assert(offsetof(PHONE_ENG_RecentCall, duration) == 48);
 static_assert(offsetof(PHONE_ENG_RecentCall, readFlags) == 52);
+static_assert(offsetof(PHONE_ENG_RecentCall, reserved53) == 53);
 static_assert(offsetof(PHONE_ENG_RecentCall, uid) == 56);
 static_assert(offsetof(PHONE_ENG_RecentCall, category) == 60);
 static_assert(offsetof(PHONE_ENG_RecentCall, inUse) == 64);
+static_assert(offsetof(PHONE_ENG_RecentCall, reserved65) == 65);
 static_assert(offsetof(PHONE_ENG_RecentCall, slot) == 68);
 static_assert(offsetof(PHONE_ENG_RecentCall, reservedA) == 72);
 static_assert(offsetof(PHONE_ENG_RecentCall, reservedB) == 76);
 static_assert(offsetof(PHONE_ENG_RecentCall, callType) == 80);
 static_assert(offsetof(PHONE_ENG_RecentCall, pttExtra1) == 84);
 static_assert(offsetof(PHONE_ENG_RecentCall, completed) == 88);
+static_assert(offsetof(PHONE_ENG_RecentCall, reserved89) == 89);
 static_assert(offsetof(PHONE_ENG_RecentCall, pttIdType) == 92);
 static_assert(offsetof(PHONE_ENG_RecentCall, pttExtra2) == 96);
 static_assert(offsetof(PHONE_ENG_RecentCall, pttPartyType) == 100);
 static_assert(offsetof(PHONE_ENG_RecentCall, pttSessionId) == 104);
+static_assert(offsetof(PHONE_ENG_RecentCall, reserved205) == 205);
 static_assert(offsetof(PHONE_ENG_RecentCall, displayName) == 212);
 static_assert(sizeof(PHONE_ENG_RecentCall) == 228 && alignof(PHONE_ENG_RecentCall) == 4);
 static_assert(std::is_trivially_copyable_v<PHONE_ENG_RecentCall> && std::is_standard_layout_v<PHONE_ENG_RecentCall>);

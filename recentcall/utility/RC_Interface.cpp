@@ -2,12 +2,13 @@
 #include "recentcall/utility/RC_Interface.h"
 
 #include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace rc = zyn::recentcall;
+using Record = PHONE_ENG_RecentCall;
 
 namespace {
 
@@ -21,23 +22,17 @@ int requestWithRecord(int (*request)(PHONE_ENG_RecentCall&), const RC_RecordInte
     return rc::interfaceResult(request(copy));
 }
 
-template<typename Plain>
-Plain takePlain(std::span<const std::byte>& data)
-{
-    Plain plain;
-    std::memcpy(static_cast<void*>(&plain), data.data(), sizeof plain);
-    data = data.subspan(sizeof plain);
-    return plain;
-}
-
 /// Appends the records of a successful list answer, whose count and limit are the service's word alone.
 void appendRecords(QPtrList<RC_RecordInterface>& list, std::span<const std::byte> data)
 {
     if (data.size() < sizeof(rc::ListHeader))
         return;
-    const auto header = takePlain<rc::ListHeader>(data);
-    for (int left = std::min(header.count, header.limit); left > 0 && data.size() >= sizeof(PHONE_ENG_RecentCall); --left)
-        list.append(new RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(takePlain<PHONE_ENG_RecentCall>(data))));
+    const auto header = zyn::toPlain<rc::ListHeader>(data);
+    data = data.subspan(sizeof header);
+    for (int left = std::min(header.count, header.limit); left > 0 && data.size() >= sizeof(Record); --left) {
+        list.append(new RC_RecordInterfaceImpl(new Record(zyn::toPlain<Record>(data))));
+        data = data.subspan(sizeof(Record));
+    }
 }
 
 } // namespace

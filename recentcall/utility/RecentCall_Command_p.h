@@ -9,9 +9,10 @@
 
 namespace zyn::recentcall {
 
-/// The directory of the service's socket, and the socket's name in it.
+/// The directory of the service's socket, the socket's name in it, and both together.
 inline constexpr char kSocketDirectory[] = "/tmp/zynrecentcallcom";
 inline constexpr char kSocketName[] = "recentcall_interface";
+inline constexpr char kSocketPath[] = "/tmp/zynrecentcallcom/recentcall_interface";
 
 /// Command codes. Code 0 is the greeting when its data is 4 bytes long and the list request when it is 8.
 enum Command : int32_t {

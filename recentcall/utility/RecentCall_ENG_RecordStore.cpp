@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 
 using zyn::posix::UniqueFd;
@@ -59,7 +60,7 @@ int32_t successor(int32_t uid)
 
 QByteArray filePath(RC_CALL_CATEGORY_T category)
 {
-    const QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(category);
+    QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(category);
     std::printf("%s", path.constData());
     return path;
 }
@@ -70,10 +71,10 @@ const PHONE_ENG_RecentCall& blankRecord()
     return record;
 }
 
-/// The file @p path, opened with @p open. A directory that is missing is made for whoever comes next; to look for it
+/// Opens the record file @p path with @p open. A directory that is missing is made for whoever comes next; to look for it
 /// before would cost every operation a system call.
 template<typename Open>
-UniqueFd openOrMakeDirectory(const QByteArray& path, Open open)
+UniqueFd openRecordFile(const QByteArray& path, Open open)
 {
     UniqueFd file = open(path);
     if (!file.isValid())
@@ -81,20 +82,10 @@ UniqueFd openOrMakeDirectory(const QByteArray& path, Open open)
     return file;
 }
 
-UniqueFd openForReading(const QByteArray& path)
-{
-    return openOrMakeDirectory(path, zyn::posix::openForReading);
-}
-
-UniqueFd openForChanging(const QByteArray& path)
-{
-    return openOrMakeDirectory(path, zyn::posix::openForChanging);
-}
-
 QByteArray freshFile()
 {
     QByteArray contents;
-    contents.reserve(zyn::kRecordFileSize);
+    contents.reserve(static_cast<qsizetype>(zyn::kRecordFileSize));
     contents += zyn::bytesOf(zyn::StoreFileHeader{});
     for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
         contents += zyn::bytesOf(blankRecord());
@@ -111,12 +102,16 @@ bool writeBlankSlot(const UniqueFd& file, int slot)
     return passesSlotCheck(slot) && writeSlot(file, slot, blankRecord());
 }
 
-/// What an open record file holds, up to its slot @p limit.
-QByteArray readImage(const UniqueFd& file, int limit)
+/// What the record file @p path holds, up to its slot @p limit; nothing when it cannot be opened, or is a directory.
+std::optional<QByteArray> readImage(const QByteArray& path, int limit)
 {
-    QByteArray image(zyn::recordOffset(limit), Qt::Uninitialized);
-    const auto buffer = std::span(image.data(), static_cast<size_t>(image.size()));
-    image.truncate(std::max<ssize_t>(0, zyn::posix::readAt(file.get(), std::as_writable_bytes(buffer), 0)));
+    const UniqueFd file = openRecordFile(path, zyn::posix::openForReading);
+    QByteArray image(static_cast<qsizetype>(zyn::recordOffset(limit)), Qt::Uninitialized);
+    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
+    const ssize_t length = zyn::posix::readAt(file.get(), buffer, 0);
+    if (length < 0)
+        return std::nullopt;
+    image.truncate(length);
     return image;
 }
 
@@ -160,7 +155,7 @@ bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
     if (!isSlotOf(record.category, record.slot))
         return false;
-    const UniqueFd file = openForChanging(filePath(record.category));
+    const UniqueFd file = openRecordFile(filePath(record.category), zyn::posix::openForChanging);
     return file.isValid() && writeSlot(file, record.slot, record);
 }
 
@@ -169,7 +164,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
     const QByteArray path = filePath(record.category);
     PHONE_Log(kPhoneLogLevel, "deleting item:");
     record.print();
-    const UniqueFd file = openForChanging(path);
+    const UniqueFd file = openRecordFile(path, zyn::posix::openForChanging);
     if (!file.isValid())
         return false;
     PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
@@ -181,7 +176,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
 
 bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 {
-    const UniqueFd file = openForChanging(filePath(category));
+    const UniqueFd file = openRecordFile(filePath(category), zyn::posix::openForChanging);
     if (!file.isValid())
         return false;
     const int slots = std::min(maximum(category), zyn::kRecordSlots);
@@ -195,7 +190,7 @@ bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 void RecentCall_ENG_RecordStore::clearAllData()
 {
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
-        const UniqueFd file = openForChanging(filePath(category));
+        const UniqueFd file = openRecordFile(filePath(category), zyn::posix::openForChanging);
         for (int slot = 0; file.isValid() && slot < zyn::kRecordSlots; ++slot)
             writeBlankSlot(file, slot);
     }
@@ -206,19 +201,18 @@ void RecentCall_ENG_RecordStore::clearAllData()
 void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
 {
     const QByteArray path = filePath(category);
-    const UniqueFd file = openForReading(path);
-    if (!file.isValid()) {
+    const auto image = readImage(path, maximum(category));
+    if (!image) {
         std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.constData());
         return;
     }
-    const QByteArray image = readImage(file, maximum(category));
-    if (!zyn::hasValidHeader(image))
+    if (!zyn::hasValidHeader(*image))
         return;
-    const int slots = zyn::recordCount(image);
+    const int slots = zyn::recordCount(*image);
     for (int slot = 0; slot < slots; ++slot) {
-        if (!zyn::isRecordInUse(image, slot))
+        if (!zyn::isRecordInUse(*image, slot))
             continue;
-        auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(image, slot));
+        auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(*image, slot));
         if (record->uid >= s_nextUid)
             s_nextUid = successor(record->uid);
         mark(category, record->slot, true);

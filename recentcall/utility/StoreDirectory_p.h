@@ -9,7 +9,7 @@ namespace zyn {
 /// ZYN_LOCAL_APP_WRITE_PATH names, blanks around it removed, or under "/tmp" when that is unset or empty.
 QByteArray storeDirectoryPath();
 
-/// Creates the store directory (one level) when it is missing. Only needed once a file in it could not be opened.
+/// Creates the store directory (one level) unless it exists.
 void makeStoreDirectory();
 
 } // namespace zyn

@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr mode_t kPermissions = 07777;
+
 /// A complete file under a name of its own, from which it is renamed into place; it goes with the object otherwise.
 class StagedFile
 {
@@ -47,6 +49,16 @@ public:
         m_exists = !zyn::posix::renameWithoutReplacing(m_path, target);
         return !m_exists;
     }
+    /// Gives this file the owner and the permissions of @p target, as far as this process may.
+    void takeAfter(const QByteArray& target)
+    {
+        struct stat status = {};
+        if (::stat(target.constData(), &status) != 0)
+            return;
+        ::chmod(m_path.constData(), status.st_mode & kPermissions);
+        [[maybe_unused]] const int result = ::chown(m_path.constData(), status.st_uid, status.st_gid);
+    }
+
     /// Puts what @p target was in the place of this file, at once.
     bool exchangeWith(const QByteArray& target) { return zyn::posix::exchangeNames(m_path, target); }
 
@@ -67,10 +79,19 @@ bool applyChanges(const QByteArray& path, const QByteArray& blank, const QByteAr
     return true;
 }
 
+/// Writes @p contents over the file @p path, which others may see half-written: for a directory that takes no new file.
+bool overwrite(const QByteArray& path, const QByteArray& contents)
+{
+    const zyn::posix::UniqueFd fd = zyn::posix::openForChanging(path);
+    const auto bytes = std::as_bytes(std::span(contents.constData(), static_cast<size_t>(contents.size())));
+    return zyn::posix::writeAt(fd.get(), bytes, 0) && ::ftruncate(fd.get(), off_t{contents.size()}) == 0;
+}
+
 /// Replaces the invalid file @p path, unless somebody else has replaced it since it was looked at: their file may hold
 /// calls, so it goes back, along with what was written into ours in between.
 bool replaceInvalidFile(const QByteArray& path, const QByteArray& contents, StagedFile& staged)
 {
+    staged.takeAfter(path);
     if (!staged.exchangeWith(path))
         return false;
     if (!zyn::isStoreFile(staged.path(), contents.size()))
@@ -98,14 +119,15 @@ bool isStoreFile(const QByteArray& path, qint64 size)
 bool createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
     StagedFile staged(path);
-    if (!staged.write(contents))
-        return false;
-    if (staged.moveTo(path))
+    const bool isStaged = staged.write(contents);
+    if (isStaged && staged.moveTo(path))
         return true;
     if (isStoreFile(path, contents.size()))
         return true;
     const QFileInfo invalid(QFile::decodeName(path));
-    return invalid.isFile() && invalid.isWritable() && replaceInvalidFile(path, contents, staged);
+    if (!invalid.isFile() || !invalid.isWritable())
+        return false;
+    return isStaged ? replaceInvalidFile(path, contents, staged) : overwrite(path, contents);
 }
 
 } // namespace zyn

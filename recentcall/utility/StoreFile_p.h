@@ -1,6 +1,8 @@
 // What every store file has in common: its header, and how it comes into being.
 #pragma once
 
+#include "recentcall/utility/PlainBytes_p.h"
+
 #include <QtCore/QByteArray>
 
 #include <cstddef>
@@ -40,17 +42,10 @@ bool isStoreFile(const QByteArray& path, qint64 size);
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
  *
  * Several processes may do so at the same moment: a missing file is never put over one that appeared meanwhile, and an
- * invalid one is replaced only after looking again, and given back if another process was faster still. What is no regular
+ * invalid one is replaced only after looking again, and given back if another process was faster still. It keeps its owner
+ * and permissions, and is overwritten where the directory takes no new file. What is no regular
  * file, or may not be written, stays.
  */
 bool createStoreFile(const QByteArray& path, const QByteArray& contents);
-
-/// The bytes of a plain structure, as a file holds them.
-template<typename Record>
-QByteArrayView bytesOf(const Record& record)
-{
-    static_assert(std::is_trivially_copyable_v<Record>);
-    return QByteArrayView(reinterpret_cast<const char*>(&record), static_cast<qsizetype>(sizeof record));
-}
 
 } // namespace zyn

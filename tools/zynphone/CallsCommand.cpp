@@ -24,8 +24,7 @@ constexpr int kNoSuchCall = 1; // of RC_Interface
 
 CommandError serviceError()
 {
-    return zyn::tool::serviceError(u"recent-call service"_s,
-                                   RecentCall_dataDir() + QLatin1String(zyn::recentcall::kSocketName));
+    return zyn::tool::serviceError(u"recent-call service"_s, QLatin1String(zyn::recentcall::kSocketPath));
 }
 
 RC_CALL_CATEGORY_T listNamed(const QString& word)
@@ -33,22 +32,31 @@ RC_CALL_CATEGORY_T listNamed(const QString& word)
     return wordNamed(kListsOrAll, word, u"list"_s).value;
 }
 
-/// The call types that --type selects.
-std::span<const TypeWord> typesFrom(const Invocation& call)
+/// The call types that have a word.
+const std::vector<RC_CALL_TYPE_T>& knownTypes()
+{
+    static const std::vector<RC_CALL_TYPE_T> types{RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
+    return types;
+}
+
+/// The call types that --type selects: the three that have a word, unless it names one by its word or number.
+std::vector<RC_CALL_TYPE_T> typesFrom(const Invocation& call)
 {
     const QString word = call.value(u"type"_s);
     if (!call.isSet(u"type"_s) || word == "all"_L1)
-        return kTypes;
-    return {&wordNamed(kTypes, word, u"type"_s), 1};
+        return knownTypes();
+    bool isNumber = false;
+    const int number = word.toInt(&isNumber);
+    return {isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, word, u"type"_s).value};
 }
 
 /// The calls of @p types in @p list, newest first.
-std::vector<Call> fetch(RC_CALL_CATEGORY_T list, std::span<const TypeWord> types)
+std::vector<Call> fetch(RC_CALL_CATEGORY_T list, const std::vector<RC_CALL_TYPE_T>& types)
 {
     std::vector<Call> calls;
-    for (const TypeWord& type : types) {
+    for (const RC_CALL_TYPE_T type : types) {
         QPtrList<RC_RecordInterface> records;
-        if (RC_Interface().getRecordList(records, list, type.value) != 0)
+        if (RC_Interface().getRecordList(records, list, type) != 0)
             throw serviceError();
         for (const RC_RecordInterface* record : records)
             calls.push_back(*static_cast<const RC_RecordInterfaceImpl*>(record)->getData());
@@ -77,7 +85,7 @@ ExitCode deleteCall(const Invocation& call, Console& console)
 {
     const int uid = wholeNumber(call.argument(0), u"UID"_s);
     const auto list = call.isSet(u"list"_s) ? listNamed(call.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
-    std::vector<Call> found = fetch(list, kTypes);
+    std::vector<Call> found = fetch(list, knownTypes());
     std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
     if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
         throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
@@ -95,8 +103,8 @@ ExitCode deleteCall(const Invocation& call, Console& console)
 ExitCode clearCalls(const Invocation& call, Console& console)
 {
     const RC_CALL_CATEGORY_T list = listNamed(call.argument(0));
-    for (const TypeWord& type : typesFrom(call)) {
-        const int result = RC_Interface().deleteRecordAll(list, type.value);
+    for (const RC_CALL_TYPE_T type : typesFrom(call)) {
+        const int result = RC_Interface().deleteRecordAll(list, type);
         // Nothing to delete is what was asked for.
         if (result != 0 && result != kNoSuchCall)
             throw serviceError();
@@ -128,7 +136,7 @@ Command listRow()
             u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
                 fieldNames(callColumns())),
         .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
-        .options = {typeFilter(u"voice, ptt1, ptt2 or all (the default)"_s), jsonOption()},
+        .options = {typeFilter(u"voice, ptt1, ptt2, the number of another type, or all those three (the default)"_s), jsonOption()},
         .run = listCalls};
 }
 
@@ -156,7 +164,7 @@ Command clearRow()
     return {.name = u"clear"_s,
             .summary = u"Delete all calls of a list"_s,
             .arguments = {{u"LIST"_s, u"answered, missed, dialed or all"_s}},
-            .options = {typeFilter(u"only voice, ptt1 or ptt2; all by default"_s)},
+            .options = {typeFilter(u"only voice, ptt1, ptt2 or the number of another type; those three by default"_s)},
             .run = clearCalls};
 }
 

@@ -13,17 +13,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::readState;
 using zyn::handset::State;
 
 const QLatin1String kGroup(zyn::handset::kGroup);
-
-int readState(const State& state)
-{
-    int value = 0;
-    SETUP_SET_Manager(zyn::handset::stateFile(), false)
-        .getSettingInfo(kGroup, QLatin1String(state.key), value, 0);
-    return value;
-}
 
 constexpr Column<State> kColumns[] = {
     {"name", "NAME", [](const State& state) { return QJsonValue(QLatin1String(state.name)); }},

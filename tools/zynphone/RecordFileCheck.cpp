@@ -51,8 +51,6 @@ bool isTerminated(std::span<const char> field)
 QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T list)
 {
     QStringList problems;
-    if (record.inUse != 1)
-        problems += u"the in-use byte is %1, not 0 or 1"_s.arg(int{record.inUse});
     if (record.slot != place)
         problems += u"the record names slot %1"_s.arg(record.slot);
     if (list != RC_CALL_CATEGORY_NONE && record.category != list)
@@ -84,6 +82,12 @@ public:
             m_placeOfUid.insert(record.uid, place);
         m_records.push_back(record);
         m_records.back().slot = place;
+    }
+
+    void lookAtFree(const Call& record, int place)
+    {
+        if (zyn::bytesOf(record) != zyn::bytesOf(Call()))
+            report(place, u"it is free but not blank"_s);
     }
 
     const QStringList& problems() const { return m_problems; }
@@ -123,6 +127,8 @@ FileFindings checkRecordFile(const QString& name, const QByteArray& image)
     for (int place = 0; place < places; ++place) {
         if (isRecordInUse(image, place))
             check.look(recordAt(image, place), place);
+        else
+            check.lookAtFree(recordAt(image, place), place);
     }
     const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
     return {kind, problems + check.problems(), check.table()};
