@@ -5,6 +5,7 @@
 #include "utility/PHONE_VoiceJava_p.h"
 
 #include <cstring>
+#include <utility>
 
 namespace vc = zyn::voicecall;
 

@@ -7,6 +7,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
 
+#include <atomic>
 #include <thread>
 
 #include <poll.h>
@@ -16,18 +17,28 @@
 class ScriptedService
 {
 public:
+    /// What it does when it has answered.
+    enum class End {
+        Close,
+        ReadOn, ///< reads whatever the client sends until that closes
+    };
+
     /// @param frames  how many frames to read before answering
-    ScriptedService(const QByteArray& path, const QByteArray& answer, int frames = 2)
+    ScriptedService(const QByteArray& path, const QByteArray& answer, int frames = 2, End end = End::Close)
         : m_path(path)
         , m_answer(answer)
         , m_frames(frames)
+        , m_end(end)
         , m_listener(zyn::posix::unixSocket())
     {
         const zyn::posix::UnixAddress address = zyn::posix::unixAddress(path);
         QFile::remove(QFile::decodeName(path));
         if (::bind(m_listener.get(), address.get(), address.length) != 0 || ::listen(m_listener.get(), 1) != 0)
             qFatal("cannot listen on %s", path.constData());
-        m_thread = std::thread([this] { serve(); });
+        m_thread = std::thread([this] {
+            serve();
+            m_isDone = true;
+        });
     }
     ScriptedService(const ScriptedService&) = delete;
     ScriptedService& operator=(const ScriptedService&) = delete;
@@ -44,6 +55,9 @@ public:
         m_thread.join();
         return m_received;
     }
+
+    /// Whether it has closed its end of the connection.
+    bool isDone() const { return m_isDone; }
 
     static QByteArray frame(int32_t code, const QByteArray& data = {})
     {
@@ -74,12 +88,17 @@ private:
         }
         zyn::posix::sendAll(client.get(), std::as_bytes(std::span(m_answer.constData(), size_t(m_answer.size()))), {},
                             soon());
+        std::byte byte;
+        while (m_end == End::ReadOn && zyn::posix::receiveAll(client.get(), std::span(&byte, 1), soon()))
+            m_received += static_cast<char>(byte);
     }
 
     QByteArray m_path;
     QByteArray m_answer;
     int m_frames;
+    End m_end;
     zyn::posix::UniqueFd m_listener;
-    std::thread m_thread;
+    std::atomic<bool> m_isDone = false;
     QByteArray m_received;
+    std::thread m_thread;
 };
