@@ -1,15 +1,11 @@
 // The recent-call service, run as the process that it is, through the library and through bare sockets.
-#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
-#include "tests/support/Role.h"
-#include "tests/support/ScriptedService.h"
+#include "tests/support/ServiceProcess.h"
+#include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
 
-#include <csignal>
-
-using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
 namespace rc = zyn::recentcall;
 
@@ -20,7 +16,6 @@ constexpr auto kMissed = RC_CALL_CATEGORY_MISSED;
 constexpr auto kDialed = RC_CALL_CATEGORY_DIALED;
 constexpr auto kAll = RC_CALL_CATEGORY_ALL;
 constexpr auto kVoice = RC_CALL_TYPE_VOICE;
-constexpr auto kPatience = std::chrono::milliseconds(role::kPatience);
 const QString kSocket = QStringLiteral("/tmp/zynrecentcallcom/recentcall_interface");
 
 using Uids = QList<int>;
@@ -61,38 +56,19 @@ Uids uids(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
     return found;
 }
 
-QByteArray words(std::initializer_list<int32_t> values)
-{
-    return QByteArray(reinterpret_cast<const char*>(std::data(values)), qsizetype(values.size() * 4));
-}
-
-QByteArray frame(int32_t code, const QByteArray& data)
-{
-    return ScriptedService::frame(code, data);
-}
-
 const QByteArray kGreeting = frame(0, words({0}));
 const QByteArray kListAll = frame(rc::ListRecords, words({kAll, kVoice}));
 const QByteArray kAddMissed = frame(rc::AddRecord, zyn::bytesOf(claim(kMissed)).toByteArray());
 
-void send(const UniqueFd& fd, const QByteArray& bytes)
-{
-    const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
-    zyn::posix::sendAll(fd.get(), block, {}, Clock::now() + kPatience);
-}
-
-/// A connection on which @p bytes were sent.
 UniqueFd client(const QByteArray& bytes)
 {
-    UniqueFd fd = zyn::posix::connectUnix(kSocket.toLatin1(), kPatience);
-    send(fd, bytes);
-    return fd;
+    return connectAndSend(kSocket, bytes);
 }
 
 /// What the service has sent once it has closed the connection; nothing when it does not close it.
 std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
 {
-    if (!zyn::posix::waitFor(fd.get(), 0, Clock::now() + kPatience))
+    if (!isClosed(fd))
         return std::nullopt;
     QByteArray sent(2'000'000, '\0');
     const auto buffer = std::as_writable_bytes(std::span(sent.data(), size_t(sent.size())));
@@ -118,28 +94,15 @@ class tst_RecentCallService : public QObject
 
 private:
     std::optional<StoreFixture> m_files;
-    QProcess m_service;
+    ServiceProcess m_service;
 
     void start(const QString& options = {}, const QString& before = {})
     {
-        const QString command = QStringLiteral("%1 exec '%2' --ready-fd 3 %3 3>&1 >/dev/null");
-        m_service.start(
-            QStringLiteral("/bin/sh"),
-            {QStringLiteral("-c"), command.arg(before, QStringLiteral(ZYN_RECENTCALLD), options)});
-        QVERIFY(role::waitReady(m_service));
+        QVERIFY(m_service.start(ZYN_RECENTCALLD, options, before));
     }
-    void tell(int signal) { ::kill(pid_t(m_service.processId()), signal); }
-    /// Ends the service; its exit code, -1 when it was killed.
-    int stop(int signal = SIGTERM)
-    {
-        tell(signal);
-        return role::finish(m_service);
-    }
-    /// Ends the service and gives what it has logged since it told that it listens.
-    QByteArray log()
-    {
-        return stop() == 0 ? m_service.readAllStandardError().split('\n').mid(1).join('\n') : "no clean end";
-    }
+    void tell(int signal) { m_service.tell(signal); }
+    int stop(int signal = SIGTERM) { return m_service.stop(signal); }
+    QByteArray log() { return m_service.log(); }
     void overwrite(RC_CALL_CATEGORY_T category, int slot, size_t field, int32_t value)
     {
         QByteArray bytes = m_files->read(category);
@@ -155,7 +118,7 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        if (m_service.state() != QProcess::NotRunning)
+        if (m_service.isRunning())
             QCOMPARE(stop(), 0);
         QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + QStringLiteral(".lock")));
     }
@@ -361,7 +324,7 @@ private Q_SLOTS:
             QCOMPARE(add(kMissed), 0);
         tell(SIGTERM);
         tell(SIGCONT);
-        QCOMPARE(role::finish(m_service), 0);
+        QCOMPARE(m_service.finish(), 0);
         start();
         QCOMPARE(uids(kMissed).count(), 8);
     }

@@ -19,8 +19,8 @@ namespace zyn::handset {
 /**
  * One client: takes what it sends apart into commands, and sends it what it is answered.
  *
- * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that no more
- * than one command's answers are ever held for it. The connection ends when the client closes it, sends
+ * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that what is
+ * held for it does not grow with what it asks. The connection ends when the client closes it, sends
  * anything but a command, or takes longer than its patience for what it owes: to take what it is sent, to go
  * on with a command that it has begun, and, unless it may be silent, to begin the next one. Commands that a
  * client sent before it closed are carried out, whether or not it took its answers.

@@ -111,7 +111,7 @@ std::optional<Script> readScript(const QString& path)
                 script.push_back(stepOf(trimmed, lineNumber));
         }
     } catch (const ScriptError& error) {
-        log(QStringLiteral("%1:%2: %3").arg(path).arg(lineNumber).arg(error.text));
+        log(QStringLiteral("%1:%2: %3").arg(path, QString::number(lineNumber), error.text));
         return std::nullopt;
     }
     return script;

@@ -26,8 +26,8 @@ QByteArray block(const QString& word, qsizetype size)
     const QByteArray digits = word.toLatin1();
     QByteArray bytes = QByteArray::fromHex(digits);
     if (bytes.toHex() != digits.toLower() || bytes.size() > size)
-        throw ScriptError{
-            QStringLiteral("'%1' is no pairs of hexadecimal digits, at most %2 of them").arg(word).arg(size)};
+        throw ScriptError{QStringLiteral("'%1' is no pairs of hexadecimal digits, at most %2 of them")
+                              .arg(word, QString::number(size))};
     return bytes.leftJustified(size, '\0');
 }
 

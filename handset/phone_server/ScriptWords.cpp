@@ -6,26 +6,23 @@
 QStringList scriptWords(const QString& line)
 {
     QStringList words;
-    QString word;
+    QString word; // null between words
     bool isQuoted = false;
-    bool hasWord = false;
     for (const QChar character : line) {
-        if (character == QLatin1Char('"')) {
-            isQuoted = !isQuoted;
-            hasWord = true;
-        } else if (character.isSpace() && !isQuoted) {
-            if (hasWord)
+        if (character.isSpace() && !isQuoted) {
+            if (!word.isNull())
                 words += word;
             word.clear();
-            hasWord = false;
+        } else if (character == QLatin1Char('"')) {
+            isQuoted = !isQuoted;
+            word += QLatin1String("");
         } else {
             word += character;
-            hasWord = true;
         }
     }
     if (isQuoted)
         throw ScriptError{QStringLiteral("a quote is not closed")};
-    if (hasWord)
+    if (!word.isNull())
         words += word;
     return words;
 }
@@ -35,7 +32,7 @@ int scriptNumber(const QString& word, int lowest, int highest)
     bool isNumber = false;
     const int number = word.toInt(&isNumber);
     if (!isNumber || number < lowest || number > highest)
-        throw ScriptError{
-            QStringLiteral("'%1' is no whole number from %2 to %3").arg(word).arg(lowest).arg(highest)};
+        throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
+                              .arg(word, QString::number(lowest), QString::number(highest))};
     return number;
 }

@@ -1,0 +1,375 @@
+// The phone server, run as the process that it is beside a real recent-call service.
+#include "handset/phone_server/CallCourse.h"
+#include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RC_RecordInterface.h"
+#include "tests/support/ServiceProcess.h"
+#include "tests/support/SocketClient.h"
+#include "tests/support/StoreFixture.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_MsgClient.h"
+#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_Ptt.h"
+#include "utility/PHONE_VoiceCall.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallReply_p.h"
+
+using namespace zyn::voicecall;
+using zyn::posix::Clock;
+using zyn::posix::UniqueFd;
+
+namespace {
+
+const QString kForLong = QStringLiteral("--step 20 --talk 3600000 --prefix 0049");
+const QByteArray kRegisterSim = frame(PHONE_VOICECALL_CMD_REGISTER, words({SimToolkit}));
+const QByteArray kRegisterJava = frame(PHONE_VOICECALL_CMD_REGISTER, words({Java}));
+const QByteArray kSimCall = frame(PHONE_VOICECALL_CMD_MAKE_CALL, QByteArray("0301").leftJustified(108, '\0'));
+
+QByteArray javaCall(const QByteArray& number)
+{
+    return frame(PHONE_VOICECALL_CMD_MAKE_CALL, words({7}) + number.leftJustified(44, '\0'));
+}
+
+UniqueFd client(const QByteArray& bytes)
+{
+    return connectAndSend(socketPath(), bytes);
+}
+
+/// The codes of the next @p count replies; -1 for one that does not come.
+QList<int> replies(const UniqueFd& fd, int count)
+{
+    QList<int> codes;
+    while (codes.size() < count) {
+        zyn::CommandFrameHeader::Bytes bytes = {};
+        const auto deadline = Clock::now() + std::chrono::milliseconds(role::kPatience);
+        const bool came = zyn::posix::receiveAll(fd.get(), bytes, deadline);
+        codes += came ? zyn::CommandFrameHeader::decode(bytes).value().code : -1;
+    }
+    return codes;
+}
+
+/// The calls that the recent-call service has, oldest first, voice calls last.
+QByteArrayList calls()
+{
+    QByteArrayList texts;
+    for (const auto type : {RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1}) {
+        QPtrList<RC_RecordInterface> list;
+        if (RC_Interface().getRecordList(list, RC_CALL_CATEGORY_ALL, type) != 0)
+            return {"no answer"};
+        for (const RC_RecordInterface* call : list) {
+            const auto* data = static_cast<const RC_RecordInterfaceImpl*>(call)->getData();
+            texts.prepend(QByteArray::number(data->category) + ' ' + data->getPhoneNumber().toLatin1() + ' ' +
+                          data->getDisplayName().toLatin1() +
+                          (call->getDuration() > 0 ? " talked" : " none"));
+        }
+    }
+    return texts;
+}
+
+/// Records the status messages, and what calls were stored when the end of a call was reported.
+class Statuses : public QCopChannel
+{
+public:
+    Statuses()
+        : QCopChannel(zyn::kPhoneChannel)
+    {}
+    void receive(const QCString& message, const QByteArray& data) override
+    {
+        const int type = message.mid(10).toInt();
+        if (type == 24 || type == 25 || type == 35 || type == 54)
+            return;
+        m_all += type == 44 ? QByteArray("44") : message.mid(10) + ':' + data.toHex();
+        if (type == 44)
+            storedCalls = calls();
+    }
+    qsizetype count(const QByteArray& status) const { return m_all.count(status); }
+    QByteArray all() const { return m_all.join(' '); }
+
+    QByteArrayList storedCalls;
+
+private:
+    QByteArrayList m_all;
+};
+
+} // namespace
+
+class tst_PhoneServer : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::optional<StoreFixture> m_files;
+    std::optional<Statuses> m_statuses;
+    ServiceProcess m_recentCalls;
+    ServiceProcess m_server;
+
+    void restart(const QString& options)
+    {
+        QCOMPARE(m_server.log(), QByteArray());
+        QVERIFY(m_server.start(ZYN_PHONED, options));
+    }
+    QString scriptFile(const QByteArray& text) const
+    {
+        QFile file(m_files->path() + QStringLiteral("/script"));
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            qFatal("cannot write the script");
+        return file.fileName();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_files.emplace();
+        QVERIFY(m_recentCalls.start(ZYN_RECENTCALLD));
+        QVERIFY(m_server.start(ZYN_PHONED, QStringLiteral("--step 5")));
+        m_statuses.emplace();
+    }
+    void cleanup()
+    {
+        for (ServiceProcess* process : {&m_server, &m_recentCalls})
+            QVERIFY(!process->isRunning() || process->stop() == 0);
+        QVERIFY(!QFile::exists(socketPath()) && !QFile::exists(socketPath() + QStringLiteral(".lock")));
+    }
+
+    void courseOfACall_data()
+    {
+        QTest::addColumn<bool>("isPlaced");
+        QTest::addColumn<QByteArray>("events"); // Proceed, Answer, Hang up, Miss
+        QTest::addColumn<QByteArray>("course");
+        QTest::newRow("placed, to its natural end")
+            << true << QByteArray("PPPP") << QByteArray("alerting connected ended - 3 1");
+        QTest::newRow("placed, hung up while it alerts")
+            << true << QByteArray("AMPMHA") << QByteArray("- - alerting - ended - 3 0");
+        QTest::newRow("incoming, answered")
+            << false << QByteArray("PAAMHM") << QByteArray("- connected - - ended - 1 1");
+        QTest::newRow("incoming, turned down") << false << QByteArray("HA") << QByteArray("ended - 1 0");
+        QTest::newRow("incoming, missed") << false << QByteArray("MHA") << QByteArray("missed - - 2 0");
+    }
+    void courseOfACall()
+    {
+        QFETCH(bool, isPlaced);
+        QFETCH(QByteArray, events);
+        using enum CallEvent;
+        const std::map<char, CallEvent> names = {{'P', Proceed}, {'A', Answer}, {'H', HangUp}, {'M', Miss}};
+        CallCourse course = isPlaced ? CallCourse::placed() : CallCourse::incoming();
+        QByteArray text;
+        for (const char event : events)
+            text += (course.take(names.at(event)) ? nameOf(course.state()) : "-") + QByteArray(" ");
+        QVERIFY(course.isOver());
+        text += QByteArray::number(course.category()) + (course.wasConnected() ? " 1" : " 0");
+        QTEST(text, "course");
+    }
+
+    void reportsEachStateAndStoresTheCallFirst()
+    {
+        char number[] = "0301234";
+        PHONE_MakeVoiceCall(number, QStringLiteral("Anna"), false, PHONE_MAKE_CALL_CLIR_T(0), 0);
+        QTRY_COMPARE(m_statuses->count("44"), 4);
+        static const QRegularExpression order(
+            QStringLiteral("^44 44 34:0{7}10{8} 44 34:0{8}(?<seconds>\\w{8}) 33:0{8}\\k<seconds> 44$"));
+        QVERIFY2(order.match(QString::fromLatin1(m_statuses->all())).hasMatch(), m_statuses->all());
+        QCOMPARE(m_statuses->storedCalls, QByteArrayList({"3 0301234 Anna talked"}));
+    }
+
+    void carriesOutEveryRequestForACall()
+    {
+        restart(kForLong);
+        PHONE_MakeVoiceCallPrependly("301234");
+        QTRY_COMPARE(m_statuses->count("44"), 3);
+        PHONE_MakeVoiceCallDirectly("112"); // the line is busy
+        PHONE_DropPttCall();                // that is another call's
+        PHONE_EndVoiceCall();
+        QTRY_COMPARE(m_statuses->count("44"), 4);
+        QCOMPARE(calls(), QByteArrayList({"3 0049301234  talked"}));
+
+        PTT_CALL_INFO_T group;
+        group.firstList[0] = QStringLiteral("4711");
+        group.secondList[0] = QStringLiteral("Team");
+        group.count = 2;
+        PHONE_MakePttCall(group);
+        QTRY_COMPARE(m_statuses->count("44"), 7);
+        QCopChannel::send(zyn::kPttChannel, zyn::kMakePttCall, QByteArray(7, '\1'));
+        PHONE_DropPttCall();
+        QTRY_COMPARE(m_statuses->count("44"), 8);
+        QCOMPARE(calls(), QByteArrayList({"3 4711 Team talked", "3 0049301234  talked"}));
+        const QByteArray log = m_server.log();
+        QVERIFY2(log.contains("not placed: the line is busy") && log.contains("not whole: ignored"), log);
+    }
+
+    void answersRequests()
+    {
+        PHONE_MsgClient requests;
+        QCopChannel::send(zyn::kPhoneChannel, "PHONE_MSG_24", QByteArray(3, '\0')); // cut short: not answered
+        requests.setFearureDBCurrLang(7);
+        requests.resetTotalDuration(true);
+        requests.resetTotalDuration(false);
+        QCopChannel::send(zyn::kPhoneChannel, "PHONE_MSG_35", zyn::PayloadWriter().writeInt(9).payload());
+        requests.getTotalByteAndConnectedDuration();
+        requests.setRFMode(false);
+        QTRY_COMPARE(m_statuses->count("17:00000001"), 1);
+        const UniqueFd fd = client(kRegisterJava + javaCall("0301"));
+        QCOMPARE(replies(fd, 1), QList<int>({CallFailed}));
+        requests.setRFMode(true);
+        QTRY_COMPARE(m_statuses->count("17:00000001"), 2);
+        QCOMPARE(m_statuses->all(), "26:00000001 36:0000000000000000 36:0000000100000000 36:0000000900000001 "
+                                    "31:00000000000000000000000000000000 33:0000000000000000 "
+                                    "17:00000001 17:00000001");
+    }
+
+    void repliesToItsClients_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("SIM toolkit") << kRegisterSim + kSimCall;
+        QTest::newRow("Java") << kRegisterJava + javaCall("0301");
+    }
+    void repliesToItsClients()
+    {
+        QFETCH(QByteArray, bytes);
+        const UniqueFd other = client(kRegisterJava);
+        const UniqueFd fd = client(bytes);
+        QCOMPARE(replies(fd, 4), QList<int>({CallDialing, CallAlerting, CallConnected, CallEnded}));
+        QCOMPARE(calls(), QByteArrayList({"3 0301  talked"}));
+        send(fd, frame(PHONE_VOICECALL_CMD_UNREGISTER));
+        QVERIFY(isClosed(fd));
+        send(other, javaCall("no number"));
+        QCOMPARE(replies(other, 1), QList<int>({CallFailed}));
+    }
+
+    void onlyTheOwnerEndsItsCall()
+    {
+        restart(kForLong);
+        const UniqueFd owner = client(kRegisterJava + javaCall("0301"));
+        QCOMPARE(replies(owner, 3), QList<int>({CallDialing, CallAlerting, CallConnected}));
+        const UniqueFd other = client(kRegisterJava + frame(PHONE_VOICECALL_CMD_END_CALL) + javaCall("0302"));
+        QCOMPARE(replies(other, 1), QList<int>({CallFailed}));
+        send(owner, frame(PHONE_VOICECALL_CMD_DIAL_EXTENSION, "5") + frame(PHONE_VOICECALL_CMD_END_CALL));
+        QCOMPARE(replies(owner, 1), QList<int>({CallEnded}));
+        QVERIFY(m_server.log().contains("call 1: extension 5\n"));
+    }
+
+    void closesTheConnectionThatSends_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("a call before it registers") << javaCall("0301");
+        QTest::newRow("a kind unknown") << frame(PHONE_VOICECALL_CMD_REGISTER, words({2}));
+        QTest::newRow("a registration twice") << kRegisterJava + kRegisterJava;
+        QTest::newRow("the call of another kind") << kRegisterSim + javaCall("0301");
+        QTest::newRow("a call one byte short") << kRegisterSim + frame(2, QByteArray(107, '1'));
+        QTest::newRow("an extension of two bytes") << kRegisterJava + frame(4, "12");
+        QTest::newRow("an unknown code") << kRegisterJava + frame(5);
+        QTest::newRow("a negative length") << kRegisterJava + words({2, -1});
+        QTest::newRow("noise") << QByteArray(50'000, '\xFF');
+    }
+    void closesTheConnectionThatSends()
+    {
+        QFETCH(QByteArray, bytes);
+        QVERIFY(isClosed(client(bytes)));
+        const QByteArray log = m_server.log();
+        QVERIFY2(log.endsWith(": connection closed\n") && log.count('\n') == 1, log);
+    }
+
+    void dropsClientsThatKeepItWaiting()
+    {
+        restart(QStringLiteral("--patience 100 --step 5"));
+        const UniqueFd registered = client(kRegisterJava);
+        const UniqueFd silent = client({});
+        const UniqueFd stalled = client(kRegisterJava + javaCall("0301").chopped(1));
+        QVERIFY(isClosed(silent) && isClosed(stalled));
+        send(registered, javaCall("0301"));
+        QCOMPARE(replies(registered, 1), QList<int>({CallDialing}));
+    }
+
+    void playsAScript()
+    {
+        const QString script = scriptFile("# a day\n\n+20 network 5 26201\nbattery-capacity 200\r\n"
+                                          "service-name \"\"\n imsi 0aFF\nanswer\nincoming #31#30 \"A B\"\n"
+                                          "incoming 0302\n +1 answer\nhangup\n+100 incoming 0303\nhangup\n"
+                                          "+100 incoming +49304\n+1 missed\n+100 charger -1\n");
+        restart(QStringLiteral("--script '%1'").arg(script));
+        QTRY_COMPARE(m_statuses->count("5:ffffffff"), 1);
+        QVERIFY2(
+            m_statuses->all().startsWith("13:000000050000000a00320036003200300031 4:c8 14:00000000 27:0aff" +
+                                         QByteArray(28, '0') + " 44 44 34:0000000100000000 44 34:"),
+            m_statuses->all());
+        QCOMPARE(calls(),
+                 QByteArrayList({"2 0302  none", "1 #31#30 A B talked", "1 0303  none", "2 +49304  none"}));
+        QVERIFY(m_server.log().contains("line 7 of the script means nothing now\n"));
+    }
+
+    void refusesAScriptThatIsWrong_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArray>("error");
+        const auto row = [](const char* text, const char* error) {
+            QTest::newRow(text) << QByteArray(text) << QByteArray(error);
+        };
+        row("\n# fine\nbattery 80", "3: 'battery' is nothing that can happen");
+        row("set-radio-mode 1", "1: 'set-radio-mode' is nothing that can happen");
+        row("network 5", "1: it is 'network status id'");
+        row("answer now", "1: it is 'answer'");
+        row("incoming", "1: it is 'incoming number [name]'");
+        row("incoming nobody", "1: 'nobody' is no number to call from");
+        row("battery-capacity 256", "1: '256' is no whole number from 0 to 255");
+        row("+%2 answer", "1: '%2' is no whole number from 0 to 2147483647");
+        row("+5", "1: nothing happens after the delay");
+        row("service-name \"Desk", "1: a quote is not closed");
+        row("imsi 123", "1: '123' is no pairs of hexadecimal digits, at most 16 of them");
+    }
+    void refusesAScriptThatIsWrong()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QByteArray, error);
+        const QString script = scriptFile(text);
+        QProcess process;
+        process.start(QStringLiteral(ZYN_PHONED), {QStringLiteral("--script"), script});
+        QCOMPARE(role::finish(process), 2);
+        QCOMPARE(process.readAllStandardError(), "zyn-phoned: " + script.toUtf8() + ':' + error + '\n');
+    }
+
+    void understandsTheExample()
+    {
+        restart(QStringLiteral("--script '" ZYN_EXAMPLES "/desk-day.script'"));
+        QTRY_COMPARE(m_statuses->count("4:50"), 1);
+    }
+
+    void tellsOfACallThatNobodyTakes_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<int>("changesBeforeItsEnd");
+        QTest::newRow("while it goes on") << QStringLiteral("--step 5") << 4;
+        QTest::newRow("as it ends") << kForLong << 3;
+    }
+    void tellsOfACallThatNobodyTakes()
+    {
+        QFETCH(QString, options);
+        QFETCH(int, changesBeforeItsEnd);
+        restart(options);
+        QCOMPARE(m_recentCalls.stop(), 0);
+        PHONE_MakeVoiceCallDirectly("0301");
+        QTRY_COMPARE(m_statuses->count("44"), changesBeforeItsEnd);
+        QVERIFY(m_server.log().contains("never took the call of list 3, type 1, number 0301, "));
+        QTRY_COMPARE(m_statuses->count("44"), 4);
+    }
+
+    void handsOverTheCallThatItsEndCuts()
+    {
+        restart(kForLong);
+        PHONE_MakeVoiceCallDirectly("0301");
+        QTRY_COMPARE(m_statuses->count("44"), 3);
+        QCOMPARE(m_server.stop(SIGINT), 0);
+        QCOMPARE(calls(), QByteArrayList({"3 0301  talked"}));
+        QTRY_COMPARE(m_statuses->count("44"), 4);
+    }
+
+    void stepsInForOneThatDiedButNotForALiveOne()
+    {
+        QProcess second;
+        second.start(QStringLiteral(ZYN_PHONED), QStringList());
+        QCOMPARE(role::finish(second), 1);
+        QCOMPARE(m_server.stop(SIGKILL), -1);
+        QVERIFY(m_server.start(ZYN_PHONED));
+        QCOMPARE(replies(client(kRegisterSim + kSimCall), 1), QList<int>({CallDialing}));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_PhoneServer)
+#include "tst_PhoneServer.moc"
