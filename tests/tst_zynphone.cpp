@@ -191,7 +191,8 @@ void ZynphoneTest::helpsAtEveryLevel_data()
           "zynphone calls last-dialed", "zynphone settings VERB", "zynphone settings show",
           "zynphone handset VERB", "zynphone handset show", "zynphone handset set NAME VALUE...",
           "zynphone inspect FILE", "zynphone monitor [CHANNEL...]", "zynphone status NAME [ARG...]",
-          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]"})
+          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]", "zynphone emergency [NUMBER]",
+          "zynphone emergency write NUMBER...", "zynphone ptt call NUMBER[=TEXT]..."})
         QTest::newRow(usage) << QString::fromLatin1(usage);
 }
 
@@ -341,8 +342,8 @@ void ZynphoneTest::inspectTellsDamage_data()
             QByteArray("  slot 1: ").append(problem).append("\n"));
     };
     using Call = PHONE_ENG_RecentCall;
-    row("free but not blank", whole, zyn::recordOffset(1) + qint64(offsetof(Call, inUse)),
-        QByteArray(1, '\0'), 1, "  slot 1: it is free but not blank\n");
+    row("free but not blank", whole, zyn::recordOffset(1) + qint64(offsetof(Call, inUse)), QByteArray(1, '\0'), 1,
+        "  slot 1: it is free but not blank\n");
     slot1("names another slot", offsetof(Call, slot), "\x03", "the record names slot 3");
     slot1("of no list", offsetof(Call, category), "\x09", "the category is 9");
     slot1("number without NUL", 0, QByteArray(42, '1'), "the number has no NUL");
