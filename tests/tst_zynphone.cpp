@@ -191,7 +191,8 @@ void ZynphoneTest::helpsAtEveryLevel_data()
           "zynphone calls last-dialed", "zynphone settings VERB", "zynphone settings show",
           "zynphone handset VERB", "zynphone handset show", "zynphone handset set NAME VALUE...",
           "zynphone inspect FILE", "zynphone monitor [CHANNEL...]", "zynphone status NAME [ARG...]",
-          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]"})
+          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]", "zynphone emergency [NUMBER]",
+          "zynphone emergency write NUMBER...", "zynphone ptt call NUMBER[=TEXT]..."})
         QTest::newRow(usage) << QString::fromLatin1(usage);
 }
 

@@ -1,6 +1,6 @@
 // The tool's monitor, status and send: what is sent is shown, by real processes.
-#include "support/Role.h"
 #include "support/SignalRecorder.h"
+#include "support/Tool.h"
 #include "utility/PHONE_MsgTable_p.h"
 
 #include <QtCore/QFile>
@@ -15,13 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList words(const QString& line)
-{
-    QStringList result;
-    for (const QString& word : line.split(u' ', Qt::SkipEmptyParts))
-        result += word == "''"_L1 ? u""_s : QString::fromUtf8(QByteArray::fromPercentEncoding(word.toUtf8()));
-    return result;
-}
+using tool::run;
+using tool::words;
 
 /// The rows of the file of messages.
 QStringList listing()
@@ -30,16 +25,6 @@ QStringList listing()
     if (!file.open(QIODevice::ReadOnly))
         qFatal("no list of messages");
     return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts).mid(1);
-}
-
-/// Standard output, standard error and exit code of the tool.
-QString run(const QStringList& arguments)
-{
-    QProcess tool;
-    tool.start(QStringLiteral(ZYN_TOOL), arguments);
-    const int exitCode = role::finish(tool);
-    return QString::fromUtf8(tool.readAllStandardOutput() + tool.readAllStandardError()) +
-           u"exit %1"_s.arg(exitCode);
 }
 
 const QString kSent = u"sent\nexit 0"_s;

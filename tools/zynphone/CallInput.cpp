@@ -54,15 +54,36 @@ void setSession(Call& record, const QString& session)
 
 namespace zyn::tool {
 
+QString callNumber(const QString& text)
+{
+    if (text.isEmpty())
+        throw usageError(u"the number is empty"_s);
+    return latin1Field(text, u"number"_s, kNumberLimit);
+}
+
+QString callName(const QString& text)
+{
+    return latin1Field(text, u"name"_s, kNameLimit);
+}
+
+QString callNumberMeaning()
+{
+    return u"Latin-1, at most %1 characters"_s.arg(kNumberLimit);
+}
+
+QString callNameMeaning()
+{
+    return u"Latin-1, at most %1 characters"_s.arg(kNameLimit);
+}
+
 std::vector<Argument> callArguments()
 {
-    return {{u"LIST"_s, u"answered, missed or dialed"_s},
-            {u"NUMBER"_s, u"Latin-1, at most %1 characters"_s.arg(kNumberLimit)}};
+    return {{u"LIST"_s, u"answered, missed or dialed"_s}, {u"NUMBER"_s, callNumberMeaning()}};
 }
 
 QList<QCommandLineOption> callOptions()
 {
-    return {valueOption(u"name"_s, u"NAME"_s, u"Latin-1, at most %1 characters"_s.arg(kNameLimit)),
+    return {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
             valueOption(u"at"_s, u"DATETIME"_s,
                         u"start, ISO 8601, local unless it ends in Z or an offset; now by default"_s),
             valueOption(u"duration"_s, u"SECONDS"_s, u"0 by default"_s),
@@ -78,10 +99,8 @@ PHONE_ENG_RecentCall callFrom(const Invocation& call)
 {
     Call record;
     record.category = wordNamed(kLists, call.argument(0), u"list"_s).value;
-    if (call.argument(1).isEmpty())
-        throw usageError(u"the number is empty"_s);
-    record.setPhoneNumber(latin1Field(call.argument(1), u"number"_s, kNumberLimit));
-    record.setDisplayName(latin1Field(call.value(u"name"_s), u"name"_s, kNameLimit));
+    record.setPhoneNumber(callNumber(call.argument(1)));
+    record.setDisplayName(callName(call.value(u"name"_s)));
     record.setStartDateTime(startFrom(call));
     if (call.isSet(u"duration"_s))
         record.duration = wholeNumber(call.value(u"duration"_s), u"duration"_s, 0);

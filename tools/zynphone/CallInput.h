@@ -8,6 +8,14 @@
 
 namespace zyn::tool {
 
+/// @{ The number or the name of a call; a usage error when it is empty (the number) or more than the fields
+/// of a call hold, as the meanings below say for the help.
+QString callNumber(const QString& text);
+QString callName(const QString& text);
+QString callNumberMeaning();
+QString callNameMeaning();
+/// @}
+
 /// @{ What callFrom() reads.
 std::vector<Argument> callArguments();
 QList<QCommandLineOption> callOptions();

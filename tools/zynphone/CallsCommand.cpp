@@ -1,18 +1,15 @@
 // zynphone calls: the log of recent calls.
 #include "tools/zynphone/CallsCommand.h"
 
-#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
-
-#include <QtCore/QFile>
+#include "tools/zynphone/ServiceError.h"
 
 #include <algorithm>
-#include <chrono>
 #include <span>
 #include <vector>
 
@@ -23,19 +20,11 @@ namespace {
 using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
-constexpr std::chrono::seconds kProbeTimeout{1};
 constexpr int kNoSuchCall = 1; // of RC_Interface
 
-/// Why a request failed; the library's result does not tell.
 CommandError serviceError()
 {
-    const QString path = QLatin1String(zyn::recentcall::kSocketPath);
-    const zyn::posix::UniqueFd probe = zyn::posix::connectUnix(QFile::encodeName(path), kProbeTimeout);
-    if (!probe.isValid())
-        return failure(u"no recent-call service at %1"_s.arg(path));
-    if (!zyn::posix::isPeerTrusted(probe.get()))
-        return failure(u"the recent-call service at %1 belongs to another user"_s.arg(path));
-    return failure(u"the recent-call service at %1 could not do it"_s.arg(path));
+    return zyn::tool::serviceError(u"recent-call service"_s, QLatin1String(zyn::recentcall::kSocketPath));
 }
 
 RC_CALL_CATEGORY_T listNamed(const QString& word)

@@ -57,14 +57,21 @@ void checkArguments(const Command& command, const QStringList& given)
         throw usageError(u"superfluous argument '%1'"_s.arg(given[place]));
 }
 
+/// The verb of @p command of that name, or null.
+const Command* verbNamed(const Command& command, const QString& name)
+{
+    const auto found = std::ranges::find(command.verbs, name, &Command::name);
+    return found == command.verbs.end() ? nullptr : &*found;
+}
+
 const Command& findVerb(const Command& group, const QStringList& given)
 {
     if (given.isEmpty())
         throw usageError(u"missing verb"_s);
-    const auto found = std::ranges::find(group.verbs, given.first(), &Command::name);
-    if (found == group.verbs.end())
+    const Command* verb = verbNamed(group, given.first());
+    if (!verb)
         throw usageError(u"unknown verb '%1'"_s.arg(given.first()));
-    return *found;
+    return *verb;
 }
 
 ExitCode runInvocation(const Command& command, const QString& path, const Invocation& call, Console& console)
@@ -137,6 +144,8 @@ QCommandLineOption jsonOption()
 
 ExitCode runCommand(const Command& command, const QString& path, const QStringList& words, Console& console)
 {
+    if (const Command* verb = command.run ? verbNamed(command, words.value(0)) : nullptr)
+        return runCommand(*verb, path + u' ' + verb->name, words.mid(1), console);
     try {
         return runInvocation(command, path, Invocation(command, words), console);
     } catch (const CommandError& error) {
@@ -155,6 +164,19 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
         throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(
             what, text, QString::number(lowest), QString::number(highest)));
     return number;
+}
+
+int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)
+{
+    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest)
+                              : byDefault;
+}
+
+std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)
+{
+    if (!call.isSet(option))
+        return std::nullopt;
+    return wholeNumber(call.value(option), u"--"_s + option, 1, highest);
 }
 
 } // namespace zyn::tool

@@ -10,6 +10,7 @@
 #include <QtCore/QStringList>
 
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace zyn::tool {
@@ -49,16 +50,17 @@ private:
     QCommandLineParser m_parser;
 };
 
-/// One verb: a group of further verbs, or one that runs. Every level of help is made from these rows.
+/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further
+/// verb. Every level of help is made from these rows.
 struct Command
 {
     QString name;
-    QString summary;                 ///< one sentence
-    QString details = {};            ///< further lines of the help
-    std::vector<Command> verbs = {}; ///< of a group
+    QString summary;      ///< one sentence
+    QString details = {}; ///< further lines of the help
+    std::vector<Command> verbs = {};
     std::vector<Argument> arguments = {};
     QList<QCommandLineOption> options = {};
-    ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a group
+    ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a mere group
 };
 
 /// The options that every verb has.
@@ -68,6 +70,14 @@ QCommandLineOption flagOption(const QString& name, const QString& meaning);
 QCommandLineOption valueOption(const QString& name, const QString& valueName, const QString& meaning);
 /// The option of every listing.
 QCommandLineOption jsonOption();
+
+/// The whole number that @p option sets, or @p byDefault when it is not set.
+int numberFrom(const Invocation& call, const QString& option, int byDefault,
+               int lowest = std::numeric_limits<int>::min(), int highest = std::numeric_limits<int>::max());
+
+/// The whole number from 1 to @p highest that @p option sets; nothing when it is not set.
+std::optional<int> limitFrom(const Invocation& call, const QString& option,
+                             int highest = std::numeric_limits<int>::max());
 
 /// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the
 /// console.

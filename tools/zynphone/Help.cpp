@@ -31,7 +31,8 @@ QString usageLine(const Command& command, const QString& path)
         words += u"VERB"_s;
     for (const Argument& argument : command.arguments)
         words += syntax(argument);
-    return words.join(u' ') + u" [OPTION...]\n"_s;
+    const QString line = words.join(u' ') + u" [OPTION...]\n"_s;
+    return command.run && !command.verbs.empty() ? line + u"       %1 VERB [OPTION...]\n"_s.arg(path) : line;
 }
 
 QStringList optionRow(const QCommandLineOption& option)

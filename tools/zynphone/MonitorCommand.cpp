@@ -5,13 +5,11 @@
 #include "platform/QCopChannel.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/MessageText.h"
+#include "tools/zynphone/TimeLimit.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QTimer>
 
-#include <chrono>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -21,9 +19,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
-
-/// The longest time that a timer takes.
-constexpr int kMaxSeconds = std::numeric_limits<int>::max() / 1000;
 
 QStringList channelsFrom(const Invocation& call)
 {
@@ -38,14 +33,6 @@ QStringList channelsFrom(const Invocation& call)
     return channels;
 }
 
-/// The number that @p option sets, from 1 on.
-std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)
-{
-    if (!call.isSet(option))
-        return std::nullopt;
-    return wholeNumber(call.value(option), u"--"_s + option, 1, highest);
-}
-
 /// Writes messages until as many have come as are wanted.
 class Monitor
 {
@@ -54,7 +41,7 @@ public:
         : m_console(console)
         , m_raw(call.isSet(u"raw"_s))
         , m_json(call.isSet(u"json"_s))
-        , m_left(limitFrom(call, u"count"_s, std::numeric_limits<int>::max()))
+        , m_left(limitFrom(call, u"count"_s))
     {}
 
     void listenOn(const QString& name)
@@ -96,14 +83,12 @@ private:
 ExitCode monitorChannels(const Invocation& call, Console& console)
 {
     const QStringList channels = channelsFrom(call);
-    const std::optional<int> seconds = limitFrom(call, u"for"_s, kMaxSeconds);
+    const TimeLimit timeLimit(call);
     const zyn::handset::TerminationSignals signalsThatEnd;
     Monitor monitor(call, console);
     for (const QString& channel : channels)
         monitor.listenOn(channel);
-    if (seconds)
-        QTimer::singleShot(std::chrono::seconds(*seconds), QCoreApplication::instance(),
-                           &QCoreApplication::quit);
+    timeLimit.start();
     console.writeError(u"listening on "_s + channels.join(u", "_s));
     QCoreApplication::exec();
     return Done;
@@ -128,7 +113,7 @@ Command monitorCommand()
             .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
             .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s),
                         jsonOption(), valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
-                        valueOption(u"for"_s, u"SECONDS"_s, u"end after that time"_s)},
+                        TimeLimit::option()},
             .run = monitorChannels};
 }
 

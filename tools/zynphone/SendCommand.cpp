@@ -85,6 +85,13 @@ void sendMessage(const QString& channel, const QString& message, const QByteArra
     console.write(u"sent\n"_s);
 }
 
+void requireChannel(const char* channel)
+{
+    // Who can listen can send: both need the channels' directory, and nothing else.
+    if (!QCopChannel(channel).isListening())
+        throw failure(u"cannot send on %1"_s.arg(QLatin1String(channel)));
+}
+
 Command sendCommand()
 {
     return {.name = u"send"_s,

@@ -10,4 +10,7 @@ Command sendCommand();
 /// Sends a message, and says so; throws when it cannot be sent.
 void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console);
 
+/// A failure when nothing can be sent on @p channel: for requests that do not tell.
+void requireChannel(const char* channel);
+
 } // namespace zyn::tool

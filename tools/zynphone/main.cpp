@@ -1,11 +1,17 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/DialCommand.h"
+#include "tools/zynphone/EmergencyCommand.h"
 #include "tools/zynphone/HandsetCommand.h"
 #include "tools/zynphone/InspectCommand.h"
 #include "tools/zynphone/MonitorCommand.h"
+#include "tools/zynphone/PttCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
+#include "tools/zynphone/SetupCommand.h"
+#include "tools/zynphone/SocketCallCommand.h"
+#include "tools/zynphone/SpeedDialCommand.h"
 #include "tools/zynphone/StatusCommand.h"
 
 #include <QtCore/QCoreApplication>
@@ -19,8 +25,10 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {callsCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(),
-                      statusCommand(), sendCommand()}};
+            .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(),
+                      prependCommand(), pttCommand(), javaCommand(), stkCommand(), radioCommand(),
+                      languageCommand(), callsCommand(), settingsCommand(), handsetCommand(),
+                      inspectCommand(), monitorCommand(), statusCommand(), sendCommand()}};
 }
 
 } // namespace

@@ -1,0 +1,30 @@
+// Why a service of the handset did not do what was asked.
+#include "tools/zynphone/ServiceError.h"
+
+#include "platform/posix/UnixSocket_p.h"
+
+#include <QtCore/QFile>
+
+#include <chrono>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::seconds kProbeTimeout{1};
+
+} // namespace
+
+namespace zyn::tool {
+
+CommandError serviceError(const QString& service, const QString& path)
+{
+    const posix::UniqueFd probe = posix::connectUnix(QFile::encodeName(path), kProbeTimeout);
+    if (!probe.isValid())
+        return failure(u"no %1 at %2"_s.arg(service, path));
+    if (!posix::isPeerTrusted(probe.get()))
+        return failure(u"the %1 at %2 belongs to another user"_s.arg(service, path));
+    return failure(u"the %1 at %2 could not do it"_s.arg(service, path));
+}
+
+} // namespace zyn::tool
