@@ -54,7 +54,8 @@ QByteArray read(const UniqueFd& socket)
     const Command command(Socket_ReadCommand(socket.get()));
     if (!command)
         return {};
-    return header(command->commandId, command->dataLength) + QByteArray(command->dataBuffer(), command->dataLength);
+    return header(command->commandId, command->dataLength) +
+           QByteArray(command->dataBuffer(), command->dataLength);
 }
 
 bool send(const UniqueFd& socket, const QByteArray& bytes)
@@ -68,7 +69,8 @@ QByteArray receive(const UniqueFd& socket, qsizetype limit)
 {
     QByteArray all;
     std::byte byte;
-    while (all.size() < limit && zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
+    while (all.size() < limit &&
+           zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
         all += char(byte);
     return all;
 }
@@ -111,14 +113,9 @@ private Q_SLOTS:
         QCOMPARE(openDescriptors(), m_descriptors);
     }
 
-    void writesTheFrame();
-    void carriesEveryCommandWhole_data();
     void carriesEveryCommandWhole();
-    void refusesAFrameCutShort();
-    void holdsLengthsToTheData_data();
     void holdsLengthsToTheData();
     void failsWhenThePeerCloses();
-    void failsAtOnceWithoutASocket();
     void givesUpASilentPeer();
     void connectsOrFails();
     void trustsItsUserAndRoot();
@@ -132,7 +129,10 @@ private:
             listener.reset();
         return listener;
     }
-    QByteArray path(const QByteArray& name) const { return QFile::encodeName(m_directory.path()) + '/' + name; }
+    QByteArray path(const QByteArray& name) const
+    {
+        return QFile::encodeName(m_directory.path()) + '/' + name;
+    }
 
     QTemporaryDir m_directory;
     UniqueFd m_near;
@@ -140,86 +140,65 @@ private:
     qsizetype m_descriptors = 0;
 };
 
-void tst_Socket_Command::writesTheFrame()
+void tst_Socket_Command::carriesEveryCommandWhole()
 {
     QCOMPARE(Socket_WriteCommand(m_near.get(), command(0x01020304, "abc").get()), 0);
     QCOMPARE(Socket_WriteCommand(m_near.get(), command(-2, {}).get()), 0);
     QCOMPARE(receive(m_far, 19).toHex(' '), "04 03 02 01 03 00 00 00 61 62 63 fe ff ff ff 00 00 00 00");
-}
 
-void tst_Socket_Command::carriesEveryCommandWhole_data()
-{
-    QTest::addColumn<int>("size");  // of the data in bytes
-    QTest::addColumn<int>("piece"); // how many bytes come at a time, with a signal before each
-    QTest::addColumn<int>("flags"); // of the socket
-
-    QTest::newRow("no data, byte by byte") << 0 << 1 << 0;
-    QTest::newRow("one number, byte by byte") << 4 << 1 << 0;
-    QTest::newRow("one number, byte by byte, not blocking") << 4 << 1 << O_NONBLOCK;
-    QTest::newRow("a full list in pieces") << 8 + 50 * 228 << 501 << 0;
-    QTest::newRow("the largest, not blocking") << kCommandDataLimit << 50'001 << O_NONBLOCK;
-}
-
-void tst_Socket_Command::carriesEveryCommandWhole()
-{
-    QFETCH(const int, size);
-    QFETCH(const int, piece);
-    QFETCH(const int, flags);
-    QVERIFY(::fcntl(m_near.get(), F_SETFL, flags) == 0);
-    QByteArray data(size, '\0');
-    for (qsizetype i = 0; i < size; ++i)
-        data[i] = char(i * 31 % 251);
-
-    // The peer takes the frame in pieces, and sends it back so.
-    auto peer = std::async(std::launch::async, [&] {
-        QByteArray frame;
-        for (const qsizetype whole = 8 + size; frame.size() < whole; waitForASignal())
-            frame += receive(m_far, std::min<qsizetype>(piece, whole - frame.size()));
-        for (qsizetype i = 0; i < frame.size(); i += piece, waitForASignal())
-            send(m_far, frame.mid(i, piece));
-        return frame;
-    });
-    QCOMPARE(Socket_WriteCommand(m_near.get(), command(size - 4, data).get()), 0);
-    QVERIFY(read(m_near) == header(size - 4, size) + data);
-    QVERIFY(peer.get() == header(size - 4, size) + data);
-}
-
-void tst_Socket_Command::refusesAFrameCutShort()
-{
-    const QByteArray frame = header(1, 4) + "data";
-    for (qsizetype length = 0; length <= frame.size(); ++length) {
-        cleanup();
-        init();
-        QVERIFY(send(m_far, frame.first(length)));
-        m_far.reset();
-        QCOMPARE(read(m_near), length == frame.size() ? frame : QByteArray());
+    struct Row
+    {
+        int size;  // of the data in bytes
+        int piece; // how many bytes come at a time, with a signal before each
+        int flags; // of the socket
+    };
+    for (const auto& [size, piece, flags] : {Row{0, 1, 0}, Row{4, 1, O_NONBLOCK}, Row{8 + 50 * 228, 501, 0},
+                                             Row{kCommandDataLimit, 50'001, O_NONBLOCK}}) {
+        QVERIFY(::fcntl(m_near.get(), F_SETFL, flags) == 0);
+        QByteArray frame = header(size - 4, size);
+        for (int i = 0; i < size; ++i)
+            frame += char(i * 31LL % 251);
+        // The peer takes the frame in pieces, and sends it back so.
+        auto peer = std::async(std::launch::async, [this, piece = piece, whole = frame.size()] {
+            QByteArray received;
+            for (; received.size() < whole; waitForASignal())
+                received += receive(m_far, std::min<qsizetype>(piece, whole - received.size()));
+            for (qsizetype i = 0; i < whole; i += piece, waitForASignal())
+                send(m_far, received.mid(i, piece));
+            return received;
+        });
+        QCOMPARE(Socket_WriteCommand(m_near.get(), command(size - 4, frame.sliced(8)).get()), 0);
+        QVERIFY(read(m_near) == frame);
+        QVERIFY(peer.get() == frame);
     }
-}
-
-void tst_Socket_Command::holdsLengthsToTheData_data()
-{
-    QTest::addColumn<int>("length");       // said of the 4 bytes "data"
-    QTest::addColumn<QByteArray>("frame"); // that is sent and read; null when it is refused
-
-    QTest::newRow("shorter") << 2 << header(1, 2) + "da";
-    QTest::newRow("nothing") << 0 << header(1, 0);
-    for (const int length : {5, -1, INT_MIN, kCommandDataLimit + 1, INT_MAX})
-        QTest::addRow("%d", length) << length << QByteArray();
 }
 
 void tst_Socket_Command::holdsLengthsToTheData()
 {
-    QFETCH(const int, length);
-    QFETCH(const QByteArray, frame);
-    const Command body = command(1, "data");
-    body->dataLength = length;
-    QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), frame.isNull() ? -1 : 0);
-    QVERIFY(send(m_near, header(1, length) + "data"));
-    QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(), length >= 0 && length <= kCommandDataLimit);
-    m_near.reset();
-    if (!frame.isNull())
-        QCOMPARE(read(m_far), frame); // the written one; the other was made up
-    QCOMPARE(read(m_far), frame);
+    // Lengths said of the 4 bytes "data".
+    for (const int length : {4, 2, 0, 5, -1, INT_MIN, kCommandDataLimit + 1, INT_MAX}) {
+        cleanup();
+        init();
+        const QByteArray frame =
+            length <= 4 && length >= 0 ? header(1, length) + QByteArray("data").first(length) : "";
+        const Command body = command(1, "data");
+        body->dataLength = length;
+        QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), frame.isEmpty() ? -1 : 0);
+        QVERIFY(send(m_near, header(1, length) + "data"));
+        QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(),
+                 length >= 0 && length <= kCommandDataLimit);
+        m_near.reset();
+        if (!frame.isEmpty())
+            QCOMPARE(read(m_far), frame); // the written one; the other was made up
+        QCOMPARE(read(m_far), frame);
+    }
+    for (qsizetype length = 0; length < 12; ++length) { // of a frame that is cut short
+        cleanup();
+        init();
+        QVERIFY(send(m_far, (header(1, 4) + "data").first(length)));
+        m_far.reset();
+        QCOMPARE(read(m_near), QByteArray());
+    }
 }
 
 void tst_Socket_Command::failsWhenThePeerCloses()
@@ -231,16 +210,11 @@ void tst_Socket_Command::failsWhenThePeerCloses()
     });
     QCOMPARE(Socket_WriteCommand(m_near.get(), command(1, QByteArray(kCommandDataLimit, 'x')).get()), -1);
     peer.get();
-    QCOMPARE(Socket_WriteCommand(m_near.get(), command(1, "data").get()), -1);
-    QCOMPARE(read(m_near), QByteArray());
-}
-
-void tst_Socket_Command::failsAtOnceWithoutASocket()
-{
+    // Without a peer or a socket it fails at once.
     const UniqueFd file(::open("/dev/zero", O_RDWR | O_CLOEXEC));
     const auto begin = Clock::now();
     QCOMPARE(Socket_WriteCommand(m_near.get(), nullptr), -1);
-    for (const int fd : {-1, INT_MAX, file.get()}) {
+    for (const int fd : {m_near.get(), -1, INT_MAX, file.get()}) {
         QCOMPARE(Socket_WriteCommand(fd, command(1, "data").get()), -1);
         QVERIFY(!Socket_ReadCommand(fd));
     }
