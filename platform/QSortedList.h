@@ -13,8 +13,7 @@ public:
     /// Sorts ascending by the items' `==` and `<`; equal items keep their order. The list holds no null item.
     void sort()
     {
-        std::stable_sort(this->begin(), this->end(), [](const T* left, const T* right) {
-            return !(*left == *right) && *left < *right;
-        });
+        std::stable_sort(this->begin(), this->end(),
+                         [](const T* left, const T* right) { return !(*left == *right) && *left < *right; });
     }
 };

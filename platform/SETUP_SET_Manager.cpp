@@ -50,8 +50,7 @@ class SETUP_SET_Manager::Private
 public:
     explicit Private(QString path)
         : file(std::move(path))
-    {
-    }
+    {}
 
     template<typename Value, typename Convert>
     bool get(const QString& group, const QString& key, Value& value, const Value& defaultValue, Convert convert)
@@ -73,13 +72,11 @@ public:
 
 SETUP_SET_Manager::SETUP_SET_Manager(AM_Global::Apps app, bool)
     : d(std::make_unique<Private>(zyn::settingsDirectory() + QStringLiteral("/zyn_app%1.cfg").arg(int{app})))
-{
-}
+{}
 
 SETUP_SET_Manager::SETUP_SET_Manager(QString path, bool)
     : d(std::make_unique<Private>(std::move(path)))
-{
-}
+{}
 
 SETUP_SET_Manager::~SETUP_SET_Manager() = default;
 

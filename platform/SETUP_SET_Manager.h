@@ -12,9 +12,9 @@
  * One settings file: `[group]` lines, each followed by `key=value` lines, UTF-8.
  *
  * A value is every character after the first `=` of its line, blanks included, and a group every character between the
- * outer brackets. Lines that begin with `#` or `;`, and lines that are neither of the two forms or not UTF-8, are passed
- * over when reading and kept when writing. A group ends where the next begins, even one whose name is not UTF-8. Where a
- * key stands twice in a group, the last one counts.
+ * outer brackets. Lines that begin with `#` or `;`, and lines that are neither of the two forms or not UTF-8, are
+ * passed over when reading and kept when writing. A group ends where the next begins, even one whose name is not UTF-8.
+ * Where a key stands twice in a group, the last one counts.
  *
  * Nothing is cached: every get reads the file, and a set is on disk when it returns. Sets of several processes are
  * arbitrated by a lock file beside the settings file, so that none loses another's; a set that does not get the lock
@@ -22,8 +22,8 @@
  * time.
  *
  * Text that a line cannot hold is refused by set: a group, key or value with a line break or that would not come back
- * from UTF-8 as it was (half a surrogate pair, a leading byte order mark), an empty key, a key with `=` or outer blanks,
- * or one that begins with `[`, `#` or `;`.
+ * from UTF-8 as it was (half a surrogate pair, a leading byte order mark), an empty key, a key with `=` or outer
+ * blanks, or one that begins with `[`, `#` or `;`.
  */
 class ZYN_EXPORT SETUP_SET_Manager
 {

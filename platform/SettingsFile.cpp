@@ -78,8 +78,8 @@ bool fitsOneLine(const QString& text)
 
 bool isKey(const QString& key)
 {
-    return !key.isEmpty() && key == key.trimmed() && !key.contains(u'=') && key.front() != u'['
-           && key.front() != u'#' && key.front() != u';' && fitsOneLine(key);
+    return !key.isEmpty() && key == key.trimmed() && !key.contains(u'=') && key.front() != u'[' && key.front() != u'#'
+           && key.front() != u';' && fitsOneLine(key);
 }
 
 /// @p text with @p entry (a whole line) in the place of the last entry of @p key in @p group, or else at the end of
@@ -134,8 +134,8 @@ bool makeDirectory(const QString& path)
     return parent != path && makeDirectory(parent) && (QDir().mkdir(path) || exists()) && syncDirectory(parent);
 }
 
-/// Takes @p lock, or gives up after kLockTimeout. QLockFile's own wait doubles its pauses up to seconds, in which a busy
-/// writer takes the lock many times over.
+/// Takes @p lock, or gives up after kLockTimeout. QLockFile's own wait doubles its pauses up to seconds, in which a
+/// busy writer takes the lock many times over.
 bool acquire(QLockFile& lock)
 {
     lock.setStaleLockTime(kOldLock);

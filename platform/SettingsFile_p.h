@@ -14,8 +14,7 @@ class SettingsFile
 public:
     explicit SettingsFile(QString path)
         : m_path(std::move(path))
-    {
-    }
+    {}
 
     /// The bytes stored under @p key in @p group, read now.
     std::optional<QByteArray> value(const QString& group, const QString& key) const;

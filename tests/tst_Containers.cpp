@@ -79,8 +79,7 @@ void tst_Containers::deletesWhatLeavesAnOwningList()
     QCOMPARE(keys(list), QList<int>({2, 5}));
     const std::unique_ptr<Item> taken(list.take(0));
     QCOMPARE(taken->key, 2);
-    QVERIFY(!list.take(1) && !list.take(-1) && !list.remove(1) && !list.remove(-1) &&
-            !list.removeRef(taken.get()));
+    QVERIFY(!list.take(1) && !list.take(-1) && !list.remove(1) && !list.remove(-1) && !list.removeRef(taken.get()));
     list.clear();
     QCOMPARE(alive(), 1L);
     QCOMPARE(seen, QList<qsizetype>({5, 4, 3, 2, 0}));

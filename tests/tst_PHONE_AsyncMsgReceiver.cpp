@@ -53,10 +53,9 @@ void tst_PHONE_AsyncMsgReceiver::declaresTheClientsSignals()
                 "signalSpnNameExtend(PHONE_SERVICE_PROVIDER_DATA_S)");
     const QByteArrayList relayed = signalsOf(PHONE_AsyncMsgReceiver::staticMetaObject);
     QCOMPARE(relayed.size(), 36);
-    QVERIFY(std::all_of(relayed.begin(), relayed.end(),
-                        [&](const QByteArray& one) { return all.contains(one); }));
-    for (const char* name : {"PowerOnMode", "PowerDown", "SubsidyStatus", "Netid", "ServiceIdAndName",
-                             "ImsiId", "TTYFeatureChanged", "etworkListGotten", "Bytes", "Duration"})
+    QVERIFY(std::all_of(relayed.begin(), relayed.end(), [&](const QByteArray& one) { return all.contains(one); }));
+    for (const char* name : {"PowerOnMode", "PowerDown", "SubsidyStatus", "Netid", "ServiceIdAndName", "ImsiId",
+                             "TTYFeatureChanged", "etworkListGotten", "Bytes", "Duration"})
         QVERIFY2(!relayed.join().contains(name), name);
     QCOMPARE(PHONE_AsyncMsgReceiver::staticMetaObject.className(), "PHONE_AsyncMsgReceiver");
 }
@@ -72,8 +71,7 @@ void tst_PHONE_AsyncMsgReceiver::relaysEachSignal()
     SignalRecorder source(clientOf(relay));
     SignalRecorder recorder(relay);
     for (int type = 0; type < 55; ++type) {
-        clientOf(relay)->receive("PHONE_MSG_" + QByteArray::number(type),
-                                 QByteArray(24, '\0').append(76, '\1'));
+        clientOf(relay)->receive("PHONE_MSG_" + QByteArray::number(type), QByteArray(24, '\0').append(76, '\1'));
         QByteArrayList expected = source.take().split(' ');
         expected.removeIf([&](const QByteArray& emitted) { return !relayed.contains(nameOf(emitted)); });
         QCOMPARE(recorder.take(), expected.join(' '));
@@ -103,8 +101,7 @@ void tst_PHONE_AsyncMsgReceiver::deliversTheProviderUnderEitherName()
     for (const char* signal : signalNames) {
         for (const Qt::ConnectionType type : {Qt::DirectConnection, Qt::QueuedConnection}) {
             QVERIFY(connect(relay, signal, &receiver, SLOT(take(SERVICE_PROVIDER_DATA_S)), type));
-            QVERIFY(
-                connect(relay, signal, &receiver, SLOT(takeRelayed(PHONE_SERVICE_PROVIDER_DATA_S)), type));
+            QVERIFY(connect(relay, signal, &receiver, SLOT(takeRelayed(PHONE_SERVICE_PROVIDER_DATA_S)), type));
             QVERIFY(connect(clientOf(relay), signal, &receiver, SLOT(take(SERVICE_PROVIDER_DATA_S)), type));
         }
     }

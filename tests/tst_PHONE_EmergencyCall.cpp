@@ -77,13 +77,11 @@ void tst_PHONE_EmergencyCall::judgesEveryPrefixInEveryState()
         setState(zyn::handset::kKeypadLock, keypad);
         for (const int sim : {-1, 0, 1, 2, 3, 4}) {
             setState(zyn::handset::kSimCard, sim);
-            const int allowed =
-                Always | (keypad == 0 ? KeypadAllows : 0) | (sim == 0 || sim == 3 ? SimAllows : 0);
+            const int allowed = Always | (keypad == 0 ? KeypadAllows : 0) | (sim == 0 || sim == 3 ? SimAllows : 0);
             for (const auto& [text, when] : kInputs) {
                 const QString input = QLatin1String(text);
                 const bool expected = (when & allowed) != 0;
-                if (PHONE_IsEmergencyCallInput(input) != expected ||
-                    PHONE_IsInputtingEmergencyCall(input) != expected)
+                if (PHONE_IsEmergencyCallInput(input) != expected || PHONE_IsInputtingEmergencyCall(input) != expected)
                     QFAIL(qPrintable(u"%1 at keypad %2, SIM %3"_s.arg(input).arg(keypad).arg(sim)));
             }
         }

@@ -42,8 +42,7 @@ void tst_PHONE_Msg::namesTheTypesAndSendsNothingWithoutAName()
     QVERIFY(!sent[0] && !sent[1] && sent[2]);
     const QString pattern = QStringLiteral("@ \n@ \nError in getting message@ \n")
                                 .replace(u'@', QStringLiteral("utility/PHONE_Msg,send,\\d+"));
-    QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(log).hasMatch(),
-             qPrintable(log));
+    QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(log).hasMatch(), qPrintable(log));
     QTRY_COMPARE(received.size(), 1);
     QCOMPARE(received[0], (QVariantList{QByteArray("PHONE_MSG_7"), QByteArray("x")}));
 }
@@ -53,9 +52,8 @@ void tst_PHONE_Msg::sendsRequests()
     PHONE_MsgClient client;
     QCopChannel server("/ZYN/phone");
     QByteArray requests;
-    connect(&server, &QCopChannel::received, this, [&](const QCString& name, const QByteArray& data) {
-        requests += name + ' ' + data.toHex() + ", ";
-    });
+    connect(&server, &QCopChannel::received, this,
+            [&](const QCString& name, const QByteArray& data) { requests += name + ' ' + data.toHex() + ", "; });
     StdoutCapture capture;
     client.setRFMode(true);
     client.setRFMode(false);

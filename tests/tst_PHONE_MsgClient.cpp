@@ -25,8 +25,8 @@ struct Row
 QByteArray snapshot(const char* gprs, const char* id, const char* egprs)
 {
     return QByteArray("01000000 02000000 03000000 04000000 05000000 ffffffffffffffff feffffff c8ffffff "
-                      "07000000 08000000") +
-           gprs + "ffff" + id + "05000000 ff 000102030405060708090a0b0c0d0e0f ffffffffffff" + egprs;
+                      "07000000 08000000")
+           + gprs + "ffff" + id + "05000000 ff 000102030405060708090a0b0c0d0e0f ffffffffffff" + egprs;
 }
 
 constexpr char kId[] = "32363230310041414141414141414141";
@@ -35,13 +35,11 @@ constexpr char kLongId[] = "31323334353637383930414243444546";
 
 QByteArray snapshotSignals(const char* gprs, const char* registered, const char* egprs)
 {
-    return QByteArray(
-               "signalPowerOnMode(-2) signalSimCardStatus(2) signalPinStatus(3) signalSubsidyStatus(4) "
-               "signalBatteryStatus(1) signalChargeStatus(5) signalBatteryCapacity(200) "
-               "signalSignalQuality(7) "
-               "signalRoamingState(8) ") +
-           gprs + registered + "signalNetworkStatus(5) signalImsiId(000102030405060708090a0b0c0d0e0f) " +
-           egprs;
+    return QByteArray("signalPowerOnMode(-2) signalSimCardStatus(2) signalPinStatus(3) signalSubsidyStatus(4) "
+                      "signalBatteryStatus(1) signalChargeStatus(5) signalBatteryCapacity(200) "
+                      "signalSignalQuality(7) "
+                      "signalRoamingState(8) ")
+           + gprs + registered + "signalNetworkStatus(5) signalImsiId(000102030405060708090a0b0c0d0e0f) " + egprs;
 }
 
 QByteArray banner(const char* line)
@@ -207,8 +205,7 @@ void tst_PHONE_MsgClient::ignoresForeignNames()
         "PHONE_MSG_7|PHONE_MSG_24|PHONE_MSG_25|PHONE_MSG_35|PHONE_MSG_54|PHONE_MSG_55|PHONE_MSG_04|"
         "PHONE_MSG_00|PHONE_MSG_4 |PHONE_MSG_ 4| PHONE_MSG_4|PHONE_MSG_+4|PHONE_MSG_-1|PHONE_MSG_|"
         "PHONE_MSG_4294967300|PHONE_MSG_0x4|PHONE_MSG_4a|phone_msg_4|PHONE_MSG|RECENTCALL_MSG_4|";
-    for (const QByteArray& name :
-         names.split('|') + QByteArrayList{QByteArray(), QByteArray("PHONE_MSG_4", 12)})
+    for (const QByteArray& name : names.split('|') + QByteArrayList{QByteArray(), QByteArray("PHONE_MSG_4", 12)})
         QCOMPARE(receive(client, name, QByteArray(100, '\1')), "<receive>");
     QCOMPARE(recorder.take(), "");
 }
@@ -267,9 +264,7 @@ void tst_PHONE_MsgClient::keepsTheWholeFieldsOfACutSnapshot()
     const int ends[] = {4, 8, 12, 16, 20, 32, 33, 40, 44, 45, 46, 64, 68, 85, 92}; // of the fields
     for (qsizetype length = 0; length < whole.size(); ++length) {
         const QByteArrayList some = emitted(whole.first(length));
-        const auto isWhole = [&](const QByteArray& text) {
-            return all.contains(text) && !none.contains(text);
-        };
+        const auto isWhole = [&](const QByteArray& text) { return all.contains(text) && !none.contains(text); };
         QCOMPARE(std::count_if(some.begin(), some.end(), isWhole),
                  std::count_if(std::begin(ends), std::end(ends), [&](int end) { return end <= length; }));
         for (const QByteArray& text : some)
@@ -283,11 +278,10 @@ void tst_PHONE_MsgClient::handsOutTheNetworkList()
     PHONE_MsgClient client;
     const void* place = nullptr;
     QByteArray record;
-    connect(&client, &PHONE_MsgClient::signalnetworkListGotten, this,
-            [&](PHONE_UI_NETWORKLIST_TYPE_T, List* list) {
-                place = list;
-                record = QByteArray(reinterpret_cast<const char*>(list), sizeof(List));
-            });
+    connect(&client, &PHONE_MsgClient::signalnetworkListGotten, this, [&](PHONE_UI_NETWORKLIST_TYPE_T, List* list) {
+        place = list;
+        record = QByteArray(reinterpret_cast<const char*>(list), sizeof(List));
+    });
 
     const QByteArray whole(sizeof(List) + 1, 'x');
     receive(client, messageName(38), whole);
@@ -309,8 +303,7 @@ void tst_PHONE_MsgClient::endsAMessageWithTheClient()
                 if (recorder.count() == last)
                     client.reset();
             };
-            QCOMPARE(receive(*client, messageName(row.type), QByteArray::fromHex(row.payload)),
-                     "<receive>" + row.log);
+            QCOMPARE(receive(*client, messageName(row.type), QByteArray::fromHex(row.payload)), "<receive>" + row.log);
             QCOMPARE(recorder.count(), last);
         }
     }
@@ -325,10 +318,8 @@ void tst_PHONE_MsgClient::queuesByName()
     for (const QByteArray& signature : signalsOf(PHONE_MsgClient::staticMetaObject)) {
         const QByteArray signal = "2" + signature;
         if (signature.contains('['))
-            QTest::ignoreMessage(QtWarningMsg,
-                                 QRegularExpression(QStringLiteral("Cannot queue arguments of type")));
-        QCOMPARE(bool(connect(&client, signal, &other, signal, Qt::QueuedConnection)),
-                 !signature.contains('['));
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("Cannot queue arguments of type")));
+        QCOMPARE(bool(connect(&client, signal, &other, signal, Qt::QueuedConnection)), !signature.contains('['));
     }
     for (const Row& row : kRows) {
         if (row.emitted.contains("Imsi") || row.emitted.contains("List"))

@@ -96,9 +96,8 @@ void tst_PHONE_VoiceCall::sendsToTheByte()
     QFETCH(const Request* const, request);
     QByteArrayList messages;
     const QCopChannel listener(request->channel);
-    connect(&listener, &QCopChannel::received, this, [&](const QCString& message, const QByteArray& data) {
-        messages += message + ' ' + data.toHex();
-    });
+    connect(&listener, &QCopChannel::received, this,
+            [&](const QCString& message, const QByteArray& data) { messages += message + ' ' + data.toHex(); });
     QCOMPARE(request->send(), request->result);
     QVERIFY(QCopChannel::send(request->channel, kEnd));
     QTRY_VERIFY(messages.contains(QByteArray(kEnd) + ' '));
@@ -153,9 +152,9 @@ void tst_PHONE_VoiceCall::offersPlainSymbols()
 {
     void* const library = ::dlopen("libzynphone.so.1", RTLD_NOW | RTLD_NOLOAD);
     QVERIFY(library);
-    for (const char* name : {"PHONE_VoiceCallInterfaceMakeVoiceCall", "PHONE_VoiceCall_Java_Init",
-                             "PHONE_VoiceCall_Java_MakeCall", "PHONE_VoiceCall_Java_EndCall",
-                             "PHONE_VoiceCall_Java_DialExtension", "PHONE_VoiceCall_Java_DeInit"})
+    for (const char* name :
+         {"PHONE_VoiceCallInterfaceMakeVoiceCall", "PHONE_VoiceCall_Java_Init", "PHONE_VoiceCall_Java_MakeCall",
+          "PHONE_VoiceCall_Java_EndCall", "PHONE_VoiceCall_Java_DialExtension", "PHONE_VoiceCall_Java_DeInit"})
         QVERIFY2(::dlsym(library, name), name);
     ::dlclose(library);
 }

@@ -161,10 +161,12 @@ void tst_PHONE_VoiceClients::isLostWhenARequestWentOutInPart()
     const zyn::posix::UniqueFd server(ends[1]);
     PHONE_VoiceSTK client(ends[0], -1);
     PHONE_VoiceSTK_PARAMETER parameter = {};
-    while (PHONE_VOICESTK_MakeCall(&client, &parameter) == 0) {}
+    while (PHONE_VOICESTK_MakeCall(&client, &parameter) == 0) {
+    }
     // The server takes everything at last; the frame that began must not be followed by another.
     std::array<std::byte, 4096> buffer;
-    while (zyn::posix::receiveSome(server.get(), buffer) > 0) {}
+    while (zyn::posix::receiveSome(server.get(), buffer) > 0) {
+    }
     QCOMPARE(PHONE_VOICESTK_MakeCall(&client, &parameter), -1);
     QCOMPARE(zyn::posix::receiveSome(server.get(), buffer), 0);
     QTRY_COMPARE(openDescriptors(), m_descriptors + 1);

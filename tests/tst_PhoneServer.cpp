@@ -57,9 +57,8 @@ QByteArrayList calls()
             return {"no answer"};
         for (const RC_RecordInterface* call : list) {
             const auto* data = static_cast<const RC_RecordInterfaceImpl*>(call)->getData();
-            texts.prepend(QByteArray::number(data->category) + ' ' + data->getPhoneNumber().toLatin1() + ' ' +
-                          data->getDisplayName().toLatin1() +
-                          (call->getDuration() > 0 ? " talked" : " none"));
+            texts.prepend(QByteArray::number(data->category) + ' ' + data->getPhoneNumber().toLatin1() + ' '
+                          + data->getDisplayName().toLatin1() + (call->getDuration() > 0 ? " talked" : " none"));
         }
     }
     return texts;
@@ -286,12 +285,10 @@ private Q_SLOTS:
                                           "+100 incoming +49304\n+1 missed\n+100 charger -1\n");
         restart(QStringLiteral("--script '%1'").arg(script));
         QTRY_COMPARE(m_statuses->count("5:ffffffff"), 1);
-        QVERIFY2(
-            m_statuses->all().startsWith("13:000000050000000a00320036003200300031 4:c8 14:00000000 27:0aff" +
-                                         QByteArray(28, '0') + " 44 44 34:0000000100000000 44 34:"),
-            m_statuses->all());
-        QCOMPARE(calls(),
-                 QByteArrayList({"2 0302  none", "1 #31#30 A B talked", "1 0303  none", "2 +49304  none"}));
+        QVERIFY2(m_statuses->all().startsWith("13:000000050000000a00320036003200300031 4:c8 14:00000000 27:0aff"
+                                              + QByteArray(28, '0') + " 44 44 34:0000000100000000 44 34:"),
+                 m_statuses->all());
+        QCOMPARE(calls(), QByteArrayList({"2 0302  none", "1 #31#30 A B talked", "1 0303  none", "2 +49304  none"}));
         QVERIFY(m_server.log().contains("line 7 of the script means nothing now\n"));
     }
 

@@ -47,8 +47,7 @@ void tst_PlatformStates::convertsToSeconds()
         {"0001-01-01T00:00:00Z", INT32_MIN},
     };
     for (const auto& [text, seconds] : times)
-        QCOMPARE(UTIL_TimeConversion::toUTC(QDateTime::fromString(QLatin1String(text), Qt::ISODate)),
-                 seconds);
+        QCOMPARE(UTIL_TimeConversion::toUTC(QDateTime::fromString(QLatin1String(text), Qt::ISODate)), seconds);
     QCOMPARE(UTIL_TimeConversion::toUTC(QDateTime(QDate(2026, 2, 30), QTime(1, 1))), 0L); // no such date
 }
 
@@ -60,8 +59,8 @@ void tst_PlatformStates::convertsBackToLocalTime()
     QCOMPARE(UTIL_TimeConversion::fromUTC(LONG_MAX).toSecsSinceEpoch(), INT32_MAX);
     QCOMPARE(UTIL_TimeConversion::fromUTC(LONG_MIN).toSecsSinceEpoch(), INT32_MIN);
     for (const long change : {1774746000L, 1792890000L}) { // 2026-03-29 and 2026-10-25, 01:00 UTC
-        QVERIFY(UTIL_TimeConversion::fromUTC(change).isDaylightTime() !=
-                UTIL_TimeConversion::fromUTC(change - 1).isDaylightTime());
+        QVERIFY(UTIL_TimeConversion::fromUTC(change).isDaylightTime()
+                != UTIL_TimeConversion::fromUTC(change - 1).isDaylightTime());
         for (long seconds = change - 7200; seconds <= change + 7200; seconds += 599)
             QCOMPARE(UTIL_TimeConversion::toUTC(UTIL_TimeConversion::fromUTC(seconds)), seconds);
     }
@@ -81,8 +80,8 @@ void tst_PlatformStates::readsStatesAtEveryCall()
     const auto states = [] {
         TAPI_BOOL_STATUS_E state{9};
         const int error = TAPI_FIXDIALING_GetStatus(1, &state);
-        return QList<int>{UTIL_GetSimCardStatus(), UTIL_GetKeypadLockStatus(), UTIL_GetPhoneSystemStatus(),
-                          state, error};
+        return QList<int>{UTIL_GetSimCardStatus(), UTIL_GetKeypadLockStatus(), UTIL_GetPhoneSystemStatus(), state,
+                          error};
     };
     SETUP_SET_Manager settings(zyn::handset::stateFile(), false);
     for (const auto& [text, value, fixedDialing] : rows) {
@@ -90,8 +89,7 @@ void tst_PlatformStates::readsStatesAtEveryCall()
         QList<int> expected{0, 0, 0, 0, 0};
         QCOMPARE(states(), expected);
         for (qsizetype i = 0; i < expected.size(); ++i) {
-            QVERIFY(settings.setSettingInfo(u"Handset"_s, QLatin1String(zyn::handset::kStates[size_t(i)].key),
-                                            text));
+            QVERIFY(settings.setSettingInfo(u"Handset"_s, QLatin1String(zyn::handset::kStates[size_t(i)].key), text));
             expected[i] = i == 3 ? fixedDialing : value;
             if (i == 4 && value != 0)
                 expected[3] = 9; // untouched by a question that fails

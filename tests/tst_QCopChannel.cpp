@@ -85,8 +85,7 @@ int listenRole(const QStringList&)
                      [&](const QCString& name) { name == "end" ? loop.quit() : void(); });
     role::sayReady();
     loop.exec();
-    return inbox.isInOrder && inbox.counts["test"] == inbox.payloads.last().toInt() ? EXIT_SUCCESS
-                                                                                    : EXIT_FAILURE;
+    return inbox.isInOrder && inbox.counts["test"] == inbox.payloads.last().toInt() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 /// Sends a thousand numbered messages and ends: SENDER SIZE alone|turn|thread.
@@ -95,8 +94,7 @@ int sendRole(const QStringList& arguments)
     bool isSent = true;
     const auto send = [&] {
         for (int i = 0; i < 1000; ++i)
-            isSent &=
-                QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[1].toInt()));
+            isSent &= QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[1].toInt()));
         role::sayReady();
     };
     const std::unique_ptr<QThread> thread(QThread::create(send));
@@ -257,8 +255,7 @@ void tst_QCopChannel::givesALateListenerNothingSentBefore()
 void tst_QCopChannel::writesTheFirstMessageOfATurnAtOnceTheRestAtItsEnd()
 {
     const auto listener = listenBare();
-    const QByteArray first("\1\0\0\0\5\0\0\0nfirst", 14),
-        rest("\1\0\0\0\4\0\0\0nthen\1\0\0\0\4\0\0\0nlast", 26);
+    const QByteArray first("\1\0\0\0\5\0\0\0nfirst", 14), rest("\1\0\0\0\4\0\0\0nthen\1\0\0\0\4\0\0\0nlast", 26);
     zyn::posix::UniqueFd sender;
     QByteArray inTurn;
     inOneTurn([&] {
@@ -450,8 +447,7 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone_data()
     QTest::addColumn<QByteArray>("damage");
     for (const QByteArray below : {"", "/%2FZYN%2Ftest"}) {
         for (const QByteArray damage : {"open to others", "somebody else's", "a link"})
-            QTest::addRow("%s: %s", below.isEmpty() ? "root" : "channel", damage.constData())
-                << below << damage;
+            QTest::addRow("%s: %s", below.isEmpty() ? "root" : "channel", damage.constData()) << below << damage;
     }
 }
 
@@ -464,8 +460,8 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
     if (damage == "open to others")
         QCOMPARE(::chmod(path.constData(), 0710), 0);
     else if (damage == "a link")
-        QVERIFY(::rename(path.constData(), moved.constData()) == 0 &&
-                ::symlink(moved.constData(), path.constData()) == 0);
+        QVERIFY(::rename(path.constData(), moved.constData()) == 0
+                && ::symlink(moved.constData(), path.constData()) == 0);
     else if (::chown(path.constData(), 65534, 65534) != 0)
         QSKIP("only root can give a directory away");
     QVERIFY(!QCopChannel::send(kChannel, "n"));
@@ -476,8 +472,7 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
 void tst_QCopChannel::findsItsDirectory()
 {
     const QByteArray folder = m_folder->path().toLocal8Bit();
-    const auto oldRuntime =
-        qScopeGuard([old = qgetenv("XDG_RUNTIME_DIR")] { qputenv("XDG_RUNTIME_DIR", old); });
+    const auto oldRuntime = qScopeGuard([old = qgetenv("XDG_RUNTIME_DIR")] { qputenv("XDG_RUNTIME_DIR", old); });
     qunsetenv("ZYN_QCOP_PATH");
     qputenv("XDG_RUNTIME_DIR", folder + "/late/");
     QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere

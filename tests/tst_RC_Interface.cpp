@@ -160,9 +160,8 @@ void tst_RC_Interface::mapsTheAnswers()
         QCOMPARE(result([] { return PHONE_RecentCall_DeleteAll(RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE); }),
                  row.plain);
         QCOMPARE(result([&] { return RC_Interface().deleteRecord(wrapper); }), row.interface);
-        QCOMPARE(
-            result([] { return RC_Interface().deleteRecordAll(RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE); }),
-            row.interface);
+        QCOMPARE(result([] { return RC_Interface().deleteRecordAll(RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE); }),
+                 row.interface);
         QCOMPARE(result([&] { return PHONE_RecentCall_Interface().rc_delete(record); }), row.interface);
         QCOMPARE(result([&] { return RC_Interface().addRecord(wrapper); }), 0); // it reads no answer
     }
@@ -202,8 +201,7 @@ void tst_RC_Interface::fetchesAList_data()
     QTest::newRow("more than the limit") << listAnswer(5, 3, 5) << 0 << 3;
     QTest::newRow("fewer than the count claims") << listAnswer(2147483647, 2147483647, 2) << 0 << 2;
     QTest::newRow("a last record cut short")
-        << ScriptedService::frame(0, number(2) + number(2) + recordBytes(0) + recordBytes(1).chopped(1)) << 0
-        << 1;
+        << ScriptedService::frame(0, number(2) + number(2) + recordBytes(0) + recordBytes(1).chopped(1)) << 0 << 1;
     QTest::newRow("a negative count") << listAnswer(-1, 50, 2) << 0 << 0;
     QTest::newRow("a negative limit") << listAnswer(2, -50, 2) << 0 << 0;
     QTest::newRow("no count and limit") << ScriptedService::frame(0, number(1)) << 0 << 0;

@@ -106,8 +106,7 @@ private:
     void overwrite(RC_CALL_CATEGORY_T category, int slot, size_t field, int32_t value)
     {
         QByteArray bytes = m_files->read(category);
-        m_files->write(category,
-                       bytes.replace(zyn::recordOffset(slot) + qsizetype(field), 4, words({value})));
+        m_files->write(category, bytes.replace(zyn::recordOffset(slot) + qsizetype(field), 4, words({value})));
     }
 
 private Q_SLOTS:

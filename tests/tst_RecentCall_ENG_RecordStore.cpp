@@ -120,8 +120,7 @@ void tst_RecentCall_ENG_RecordStore::replacesInvalidFiles()
         return QByteArray(valid).replace(offset, 4, QByteArray::fromHex(hex));
     };
     // Too short, too long, a version with 5 in its high byte alone, and a magic reversed.
-    for (const QByteArray& bytes :
-         {valid, valid.chopped(1), valid + '\0', with(4, "00000005"), with(0, "a0b0c0d0")}) {
+    for (const QByteArray& bytes : {valid, valid.chopped(1), valid + '\0', with(4, "00000005"), with(0, "a0b0c0d0")}) {
         m_fixture->write(kMissed, bytes);
         m_fixture->forgetSingletons();
         store();
@@ -348,8 +347,7 @@ void tst_RecentCall_ENG_RecordStore::readsDamagedFilesWithinTheirBounds()
     const QByteArray whole = m_fixture->read(kAnswered);
     for (qsizetype length = 0; length < 8 + 228 * 6; ++length) {
         m_fixture->write(kAnswered, whole.first(length));
-        QCOMPARE(m_fixture->uids(kAnswered).size(),
-                 length < 8 ? 0 : std::min<qsizetype>((length - 8) / 228, 5));
+        QCOMPARE(m_fixture->uids(kAnswered).size(), length < 8 ? 0 : std::min<qsizetype>((length - 8) / 228, 5));
     }
     for (int byte = 0; byte < 8; ++byte) {
         QByteArray flipped = whole;
@@ -387,9 +385,8 @@ void tst_RecentCall_ENG_RecordStore::tellsWhatItDoes()
     const QByteArray m = phone + "/rc_m";
     const QByteArray d = phone + "/rc_d";
     const QByteArray e = phone + "/rc_e";
-    QCOMPARE(output.take(), a + m + d + m + m + "deleting item:to remove tiem:index0 pos:0" + m +
-                                "deleting item:to remove tiem:index0 pos:99" + a + e + kCannotOpen + e + a +
-                                m + d);
+    QCOMPARE(output.take(), a + m + d + m + m + "deleting item:to remove tiem:index0 pos:0" + m
+                                + "deleting item:to remove tiem:index0 pos:99" + a + e + kCannotOpen + e + a + m + d);
 }
 
 void tst_RecentCall_ENG_RecordStore::failsCleanlyOnAFullDisk()

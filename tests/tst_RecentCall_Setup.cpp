@@ -45,8 +45,7 @@ void tst_RecentCall_Setup::readsTheStoredValues_data()
     QTest::addColumn<QByteArray>("log");
 
     const QList<int> defaults{0, 50, 50, 50, 150, 0};
-    QTest::newRow("nothing stored") << QByteArray() << defaults << 5 << 3
-                                    << QByteArray("RC settings: 50, 50,50,5,3");
+    QTest::newRow("nothing stored") << QByteArray() << defaults << 5 << 3 << QByteArray("RC settings: 50, 50,50,5,3");
     QTest::newRow("all stored") << QByteArray("maxAnsweredCall=20\nmaxMissedCall=30\nmaxDialedCall=10\n"
                                               "maxFrequentCall=9\nviewFromIdleSend=1\n")
                                 << QList<int>{0, 20, 30, 10, 60, 0} << 9 << 1
@@ -54,14 +53,12 @@ void tst_RecentCall_Setup::readsTheStoredValues_data()
     QTest::newRow("limits that do not fit the files are held")
         << QByteArray("maxAnsweredCall=51\nmaxMissedCall=-1\nmaxDialedCall=2147483647\nmaxFrequentCall=999\n")
         << QList<int>{0, 50, 0, 50, 100, 0} << 999 << 3 << QByteArray("RC settings: 50, 0,50,999,3");
-    QTest::newRow("text where numbers belong")
-        << QByteArray("maxAnsweredCall=many\nviewFromIdleSend=\n") << defaults << 5 << 3
-        << QByteArray("RC settings: 50, 50,50,5,3");
+    QTest::newRow("text where numbers belong") << QByteArray("maxAnsweredCall=many\nviewFromIdleSend=\n") << defaults
+                                               << 5 << 3 << QByteArray("RC settings: 50, 50,50,5,3");
     const std::pair<int, int> views[] = {{2, 2}, {3, 5}, {4, 4}, {0, 3}, {7, 3}, {-1, 3}};
     for (const auto& [setting, view] : views) {
-        QTest::addRow("view %d", setting)
-            << "viewFromIdleSend=" + QByteArray::number(setting) << defaults << 5 << view
-            << "RC settings: 50, 50,50,5," + QByteArray::number(view);
+        QTest::addRow("view %d", setting) << "viewFromIdleSend=" + QByteArray::number(setting) << defaults << 5 << view
+                                          << "RC settings: 50, 50,50,5," + QByteArray::number(view);
     }
 }
 
@@ -122,8 +119,8 @@ void tst_RecentCall_Setup::tellsWhetherFixedDialingIsAvailable_data()
     QTest::newRow("another state") << QByteArray() << QByteArray("FixedDialingStatus=2\n") << false;
     QTest::newRow("phone system not ready")
         << QByteArray() << QByteArray("FixedDialingStatus=1\nPhoneSystemStatus=4\n") << false;
-    QTest::newRow("the question fails")
-        << QByteArray() << QByteArray("FixedDialingStatus=1\nFixedDialingError=9\n") << false;
+    QTest::newRow("the question fails") << QByteArray() << QByteArray("FixedDialingStatus=1\nFixedDialingError=9\n")
+                                        << false;
 }
 
 void tst_RecentCall_Setup::tellsWhetherFixedDialingIsAvailable()
@@ -138,8 +135,8 @@ void tst_RecentCall_Setup::tellsWhetherFixedDialingIsAvailable()
     StdoutCapture output;
     QTEST(setup.isFixedDialingAvailable(), "available");
     const QByteArray file = QFile::encodeName(m_fixture->path()) + "/setup/zyn_fixeddial.cfg";
-    QCOMPARE(output.take(), "******** fixed dial flex: " + file + " ********\n" +
-                                (flex == "false" ? "FDN flex is off" : ""));
+    QCOMPARE(output.take(),
+             "******** fixed dial flex: " + file + " ********\n" + (flex == "false" ? "FDN flex is off" : ""));
 }
 
 void tst_RecentCall_Setup::readsTheFavouritesLimitAfresh()

@@ -142,8 +142,7 @@ void tst_SETUP_SET_Manager::refusesWhatALineCannotHold()
     const QString half(QChar(0xD83D)); // of a surrogate pair
     for (const QString& value : {u"a\nk=b"_s, u"a\r"_s, half})
         QVERIFY2(!settings.setSettingInfo(u"g"_s, u"k"_s, value), qPrintable(value));
-    for (const QString& key :
-         {u""_s, u" k"_s, u"k\t"_s, u"k=l"_s, u"[k"_s, u"#k"_s, u";k"_s, u"k\nl"_s, half})
+    for (const QString& key : {u""_s, u" k"_s, u"k\t"_s, u"k=l"_s, u"[k"_s, u"#k"_s, u";k"_s, u"k\nl"_s, half})
         QVERIFY2(!settings.setSettingInfo(u"g"_s, key, u"v"_s), qPrintable(key));
     QVERIFY(!settings.setSettingInfo(u"g]\n[h"_s, u"k"_s, u"v"_s));
     QCOMPARE(read(), "[g]\nk=old\n");
@@ -158,12 +157,10 @@ void tst_SETUP_SET_Manager::readsFilesWrittenByHand_data()
 
     const QString none;
     QTest::newRow("CR LF and blanks around names") << " [g]\t\r\n \tk = v \r\n"_ba << u" v "_s;
-    QTest::newRow("lines that are no entries")
-        << "[g]\n#k=1\n;k=2\n  # k=3\nk\n=1\n[\n]\n[h\nk=v\n#k=4\n"_ba << u"v"_s;
+    QTest::newRow("lines that are no entries") << "[g]\n#k=1\n;k=2\n  # k=3\nk\n=1\n[\n]\n[h\nk=v\n#k=4\n"_ba << u"v"_s;
     QTest::newRow("key and group twice") << "[g]\nk=1\nk=2\n[h]\nk=3\n[g]\nk=v\n"_ba << u"v"_s;
     QTest::newRow("only in another group") << "k=0\n[gg]\nk=1\n[G]\nk=2\n[g]\nK=3\n"_ba << none;
-    QTest::newRow("Latin-1 line and group")
-        << "[g]\nk=v\nk=Gr\xFC\xDF"_ba + "e\n[Gr\xFCn]\nk=1\n"_ba << u"v"_s;
+    QTest::newRow("Latin-1 line and group") << "[g]\nk=v\nk=Gr\xFC\xDF"_ba + "e\n[Gr\xFCn]\nk=1\n"_ba << u"v"_s;
     QTest::newRow("NUL bytes") << QByteArray("\0[g]\0\n[g]\nk=a\0b\n", 16) << QString::fromUtf8("a\0b", 3);
     QTest::newRow("as large as allowed") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit, 'x') << u"v"_s;
     QTest::newRow("one byte larger") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit + 1, 'x') << none;
@@ -185,8 +182,8 @@ void tst_SETUP_SET_Manager::changesNothingButTheEntry_data()
 
     QTest::newRow("no file") << QByteArray() << u"g"_s << "[g]\nk=new\n"_ba;
     QTest::newRow("empty file") << ""_ba << u""_s << "k=new\n"_ba;
-    QTest::newRow("among comments and damage") << "#c\n\n[g]\n;k=1\nl=\xFF\nk=old\nwhat\n"_ba << u"g"_s
-                                               << "#c\n\n[g]\n;k=1\nl=\xFF\nk=new\nwhat\n"_ba;
+    QTest::newRow("among comments and damage")
+        << "#c\n\n[g]\n;k=1\nl=\xFF\nk=old\nwhat\n"_ba << u"g"_s << "#c\n\n[g]\n;k=1\nl=\xFF\nk=new\nwhat\n"_ba;
     QTest::newRow("new key before the blank lines")
         << "[g]\n\n\n[h]\nk=2\n"_ba << u"g"_s << "[g]\nk=new\n\n\n[h]\nk=2\n"_ba;
     QTest::newRow("new group") << "[h]\nk=2\n"_ba << u"g"_s << "[h]\nk=2\n\n[g]\nk=new\n"_ba;
@@ -213,11 +210,10 @@ void tst_SETUP_SET_Manager::changesNothingButTheEntry()
 void tst_SETUP_SET_Manager::convertsNumbersAndFlags()
 {
     // The text, and behind it what it is as int, unsigned int and bool; - for the default.
-    const QByteArray rows =
-        "7\t|7 7 -;+7|7 7 -;007|7 7 -;-1|-1 - -;0|0 0 0; 1 |1 1 1;true|- - 1; false |- - 0;"
-        "2147483647|2147483647 2147483647 -;-2147483648|-2147483648 - -;4294967295|- 4294967295 -;"
-        "|- - -;True|- - -;1e3|- - -;0x10|- - -;1.0|- - -;1,000|- - -;- 1|- - -;\xD9\xA7|- - -;"
-        "4294967296|- - -;-2147483649|- - -;7@x|- - -;1@|- - -";
+    const QByteArray rows = "7\t|7 7 -;+7|7 7 -;007|7 7 -;-1|-1 - -;0|0 0 0; 1 |1 1 1;true|- - 1; false |- - 0;"
+                            "2147483647|2147483647 2147483647 -;-2147483648|-2147483648 - -;4294967295|- 4294967295 -;"
+                            "|- - -;True|- - -;1e3|- - -;0x10|- - -;1.0|- - -;1,000|- - -;- 1|- - -;\xD9\xA7|- - -;"
+                            "4294967296|- - -;-2147483649|- - -;7@x|- - -;1@|- - -";
     for (const QByteArray& row : rows.split(';')) {
         write("[g]\nk=" + row.split('|')[0].replace('@', '\0') + '\n');
         SETUP_SET_Manager settings(path(), false);
@@ -236,8 +232,8 @@ void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
     SETUP_SET_Manager reader(path(), false);
     const auto comesBack = [&]<typename Value>(Value stored, Value other) {
         Value value{};
-        return writer.setSettingInfo(u"g"_s, u"k"_s, stored) &&
-               reader.getSettingInfo(u"g"_s, u"k"_s, value, other) && value == stored;
+        return writer.setSettingInfo(u"g"_s, u"k"_s, stored) && reader.getSettingInfo(u"g"_s, u"k"_s, value, other)
+               && value == stored;
     };
     QVERIFY(comesBack(INT_MIN, 5) && comesBack(INT_MAX, 5));
     QVERIFY(comesBack(true, false) && comesBack(false, true));
@@ -273,8 +269,8 @@ void tst_SETUP_SET_Manager::failsWithoutHarm()
     const QByteArray full = old.leftJustified(kSizeLimit - 2, 'x');
     write(full);
     QVERIFY(::mkfifo("fifo", 0600) == 0 && ::chmod(".", 0755) == 0);
-    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"huge"_s) &&
-            QFile::resize(u"huge"_s, kSizeLimit + 1));
+    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"huge"_s)
+            && QFile::resize(u"huge"_s, kSizeLimit + 1));
     write(old);
     const QStringList before = files();
 
@@ -358,8 +354,7 @@ void tst_SETUP_SET_Manager::survivesKilledWriters()
     write("[g]\nk=stays\n");
     SETUP_SET_Manager settings(path(), false);
     for (int round = 0; round < 5; ++round) {
-        const auto writer =
-            role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
+        const auto writer = role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
         QVERIFY(role::waitReady(*writer));
         for (int line = 0; line <= round; ++line)
             QVERIFY(writer->waitForReadyRead(role::kPatience));
@@ -385,8 +380,7 @@ void tst_SETUP_SET_Manager::takesOverTheLockOfTheDead()
     // One killed before it had written its number into the file.
     QFile nameless(path() + u".lock"_s);
     QVERIFY(nameless.open(QIODevice::WriteOnly));
-    QVERIFY(
-        nameless.setFileTime(QDateTime::currentDateTime().addSecs(-3), QFileDevice::FileModificationTime));
+    QVERIFY(nameless.setFileTime(QDateTime::currentDateTime().addSecs(-3), QFileDevice::FileModificationTime));
     nameless.close();
     QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, 2));
     QVERIFY(!nameless.exists());
@@ -396,8 +390,7 @@ int main(int argc, char** argv)
 {
     return role::testMain<tst_SETUP_SET_Manager>(
         argc, argv,
-        {{u"writer"_s,
-          [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }},
+        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }},
          {u"holder"_s, [](const QStringList& a) { return holdLock(a.value(0)); }}});
 }
 

@@ -54,8 +54,7 @@ QByteArray read(const UniqueFd& socket)
     const Command command(Socket_ReadCommand(socket.get()));
     if (!command)
         return {};
-    return header(command->commandId, command->dataLength) +
-           QByteArray(command->dataBuffer(), command->dataLength);
+    return header(command->commandId, command->dataLength) + QByteArray(command->dataBuffer(), command->dataLength);
 }
 
 bool send(const UniqueFd& socket, const QByteArray& bytes)
@@ -69,8 +68,7 @@ QByteArray receive(const UniqueFd& socket, qsizetype limit)
 {
     QByteArray all;
     std::byte byte;
-    while (all.size() < limit &&
-           zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
+    while (all.size() < limit && zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
         all += char(byte);
     return all;
 }
@@ -129,10 +127,7 @@ private:
             listener.reset();
         return listener;
     }
-    QByteArray path(const QByteArray& name) const
-    {
-        return QFile::encodeName(m_directory.path()) + '/' + name;
-    }
+    QByteArray path(const QByteArray& name) const { return QFile::encodeName(m_directory.path()) + '/' + name; }
 
     QTemporaryDir m_directory;
     UniqueFd m_near;
@@ -152,8 +147,8 @@ void tst_Socket_Command::carriesEveryCommandWhole()
         int piece; // how many bytes come at a time, with a signal before each
         int flags; // of the socket
     };
-    for (const auto& [size, piece, flags] : {Row{0, 1, 0}, Row{4, 1, O_NONBLOCK}, Row{8 + 50 * 228, 501, 0},
-                                             Row{kCommandDataLimit, 50'001, O_NONBLOCK}}) {
+    for (const auto& [size, piece, flags] :
+         {Row{0, 1, 0}, Row{4, 1, O_NONBLOCK}, Row{8 + 50 * 228, 501, 0}, Row{kCommandDataLimit, 50'001, O_NONBLOCK}}) {
         QVERIFY(::fcntl(m_near.get(), F_SETFL, flags) == 0);
         QByteArray frame = header(size - 4, size);
         for (int i = 0; i < size; ++i)
@@ -179,14 +174,12 @@ void tst_Socket_Command::holdsLengthsToTheData()
     for (const int length : {4, 2, 0, 5, -1, INT_MIN, kCommandDataLimit + 1, INT_MAX}) {
         cleanup();
         init();
-        const QByteArray frame =
-            length <= 4 && length >= 0 ? header(1, length) + QByteArray("data").first(length) : "";
+        const QByteArray frame = length <= 4 && length >= 0 ? header(1, length) + QByteArray("data").first(length) : "";
         const Command body = command(1, "data");
         body->dataLength = length;
         QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), frame.isEmpty() ? -1 : 0);
         QVERIFY(send(m_near, header(1, length) + "data"));
-        QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(),
-                 length >= 0 && length <= kCommandDataLimit);
+        QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(), length >= 0 && length <= kCommandDataLimit);
         m_near.reset();
         if (!frame.isEmpty())
             QCOMPARE(read(m_far), frame); // the written one; the other was made up

@@ -84,8 +84,7 @@ QString ZynphoneTest::write(const QString& name, const QByteArray& contents)
 QByteArray ZynphoneTest::missedCalls()
 {
     StoreFixture::startAfresh();
-    for (const auto& [number, name] :
-         {std::pair("+49301", u"J\u00FCrg\u001B"_s), std::pair("*#06#", QString())}) {
+    for (const auto& [number, name] : {std::pair("+49301", u"J\u00FCrg\u001B"_s), std::pair("*#06#", QString())}) {
         PHONE_ENG_RecentCall record = StoreFixture::call(RC_CALL_CATEGORY_MISSED, number);
         record.setDisplayName(name);
         record.duration = 3723;
@@ -102,10 +101,8 @@ void ZynphoneTest::refuses_data()
     QTest::addColumn<QString>("message");
 
     int exitCode = 2;
-    const auto row = [&exitCode](const char* name, const char* path, const char* arguments,
-                                 const char* message) {
-        QTest::newRow(name) << QString::fromUtf8(path) << words(arguments) << exitCode
-                            << QString::fromUtf8(message);
+    const auto row = [&exitCode](const char* name, const char* path, const char* arguments, const char* message) {
+        QTest::newRow(name) << QString::fromUtf8(path) << words(arguments) << exitCode << QString::fromUtf8(message);
     };
     row("no verb", "zynphone", "", "missing verb");
     row("unknown verb", "zynphone", "frob", "unknown verb 'frob'");
@@ -122,8 +119,7 @@ void ZynphoneTest::refuses_data()
         "UID '%1.5' is no whole number from -2147483648 to 2147483647");
     row("unknown state", "zynphone handset set", "battery 3",
         "unknown state 'battery'; 'zynphone handset show' lists them");
-    row("state without its value", "zynphone handset set", "sim-card 1 keypad-lock",
-        "missing value of 'keypad-lock'");
+    row("state without its value", "zynphone handset set", "sim-card 1 keypad-lock", "missing value of 'keypad-lock'");
 
     const auto add = [&row](const char* name, const char* arguments, const char* message) {
         row(name, "zynphone calls add", arguments, message);
@@ -132,15 +128,13 @@ void ZynphoneTest::refuses_data()
     add("empty number", "missed ''", "the number is empty");
     add("number of 42 characters", "missed 123456789012345678901234567890123456789012",
         "the number has 42 characters; at most 41 fit");
-    add("name of 16 characters", "missed 112 --name 1234567890123456",
-        "the name has 16 characters; at most 15 fit");
+    add("name of 16 characters", "missed 112 --name 1234567890123456", "the name has 16 characters; at most 15 fit");
     add("name beyond Latin-1", "missed 112 --name \u0141", "the name holds characters that are not Latin-1");
     add("30th of February", "missed 112 --at 2024-02-30T10:00",
         "'2024-02-30T10:00' is no date and time like 2024-05-31T18:30:00");
     add("a second after the last that fits", "missed 112 --at 2038-01-19T03:14:08Z",
         "'2038-01-19T03:14:08Z' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z");
-    add("negative duration", "missed 112 --duration -1",
-        "duration '-1' is no whole number from 0 to 2147483647");
+    add("negative duration", "missed 112 --duration -1", "duration '-1' is no whole number from 0 to 2147483647");
     add("session of a voice call", "missed 112 --session a", "--session is for the types ptt1 and ptt2");
     add("session of 101 bytes",
         ("missed 112 --type ptt1 --session " + QByteArray("\u00E9").repeated(50) + "a").constData(),
@@ -178,28 +172,26 @@ void ZynphoneTest::refuses()
 void ZynphoneTest::helpsAtEveryLevel()
 {
     for (const char* usage :
-         {"zynphone VERB", "zynphone calls VERB", "zynphone calls list [LIST]",
-          "zynphone calls add LIST NUMBER", "zynphone calls delete UID", "zynphone calls clear LIST",
-          "zynphone calls last-dialed", "zynphone settings VERB", "zynphone settings show",
-          "zynphone handset VERB", "zynphone handset show", "zynphone handset set NAME VALUE...",
-          "zynphone inspect FILE", "zynphone monitor [CHANNEL...]", "zynphone status NAME [ARG...]",
-          "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]", "zynphone emergency [NUMBER]",
-          "zynphone emergency write NUMBER...", "zynphone ptt call NUMBER[=TEXT]..."}) {
+         {"zynphone VERB", "zynphone calls VERB", "zynphone calls list [LIST]", "zynphone calls add LIST NUMBER",
+          "zynphone calls delete UID", "zynphone calls clear LIST", "zynphone calls last-dialed",
+          "zynphone settings VERB", "zynphone settings show", "zynphone handset VERB", "zynphone handset show",
+          "zynphone handset set NAME VALUE...", "zynphone inspect FILE", "zynphone monitor [CHANNEL...]",
+          "zynphone status NAME [ARG...]", "zynphone send CHANNEL MESSAGE [TYPE:VALUE...]",
+          "zynphone emergency [NUMBER]", "zynphone emergency write NUMBER...", "zynphone ptt call NUMBER[=TEXT]..."}) {
         QStringList verbs = words(usage).mid(1);
         verbs.removeIf([](const QString& word) { return word != word.toLower(); });
         const Result result = run(verbs + QStringList{u"--help"_s});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.error, QByteArray());
-        QCOMPARE(result.output.left(result.output.indexOf('\n')),
-                 QByteArray("Usage: ") + usage + " [OPTION...]");
+        QCOMPARE(result.output.left(result.output.indexOf('\n')), QByteArray("Usage: ") + usage + " [OPTION...]");
     }
 }
 
 void ZynphoneTest::keepsTraceOffItsOutput()
 {
     const QByteArray file = path(u"setup/zyn_fixeddial.cfg"_s).toUtf8();
-    const QByteArray trace = "RC settings: 50, 50,50,5,3******** fixed dial flex: " + file +
-                             " ********\n******** fixed dial flex: " + file + " ********\n";
+    const QByteArray trace = "RC settings: 50, 50,50,5,3******** fixed dial flex: " + file
+                             + " ********\n******** fixed dial flex: " + file + " ********\n";
 
     const Result quiet = run(words("settings show"));
     const Result traced = run(words("--trace settings show"));
@@ -269,33 +261,31 @@ void ZynphoneTest::inspectShowsSoundFile()
 
     const Result text = run({u"inspect"_s, file});
     QCOMPARE(text.exitCode, 0);
-    QCOMPARE(
-        QString::fromUtf8(text.output),
-        file +
-            QString::fromUtf8(
-                ": missed calls, 2 in use, sound\n"
-                "SLOT  UID  LIST    NUMBER  NAME      START                DURATION  TYPE   READ  COMPLETED\n"
-                "0     0    missed  +49301  J\u00FCrg\\x1b  2023-11-15T00:13:20  1:02:03   voice  no    no\n"
-                "1     1    missed  *#06#             2023-11-15T00:13:20  1:02:03   voice  no    no\n"));
-    QCOMPARE(
-        run({u"inspect"_s, file, u"--json"_s}).output,
-        R"({"file":")" + name +
-            R"(","kind":"missed calls","problems":[],"size":11408,"slots":[)"
-            R"({"completed":false,"duration":3723,"list":"missed","name":"J)"
-            "\u00FC"
-            R"(rg\u001b","number":"+49301","read":false,"session":"","slot":0,"start":"2023-11-14T22:13:20Z",)"
-            R"("type":"voice","uid":0},{"completed":false,"duration":3723,"list":"missed","name":"",)"
-            R"("number":"*#06#","read":false,"session":"","slot":1,"start":"2023-11-14T22:13:20Z",)"
-            R"("type":"voice","uid":1}],"sound":true})"
-            "\n");
+    QCOMPARE(QString::fromUtf8(text.output),
+             file
+                 + QString::fromUtf8(
+                     ": missed calls, 2 in use, sound\n"
+                     "SLOT  UID  LIST    NUMBER  NAME      START                DURATION  TYPE   READ  COMPLETED\n"
+                     "0     0    missed  +49301  J\u00FCrg\\x1b  2023-11-15T00:13:20  1:02:03   voice  no    no\n"
+                     "1     1    missed  *#06#             2023-11-15T00:13:20  1:02:03   voice  no    no\n"));
+    QCOMPARE(run({u"inspect"_s, file, u"--json"_s}).output,
+             R"({"file":")" + name
+                 + R"(","kind":"missed calls","problems":[],"size":11408,"slots":[)"
+                   R"({"completed":false,"duration":3723,"list":"missed","name":"J)"
+                   "\u00FC"
+                   R"(rg\u001b","number":"+49301","read":false,"session":"","slot":0,"start":"2023-11-14T22:13:20Z",)"
+                   R"("type":"voice","uid":0},{"completed":false,"duration":3723,"list":"missed","name":"",)"
+                   R"("number":"*#06#","read":false,"session":"","slot":1,"start":"2023-11-14T22:13:20Z",)"
+                   R"("type":"voice","uid":1}],"sound":true})"
+                   "\n");
 
     // The name decides what a file is to hold.
     const QByteArray answered = write(u"rc_a"_s, missedCalls()).toUtf8();
     const QByteArray saved = write(u"saved"_s, missedCalls()).toUtf8();
     const Result disagreeing = run({u"inspect"_s, path(u"rc_a"_s)});
-    QVERIFY(disagreeing.output.startsWith(
-        answered + ": answered calls, 2 in use, not sound\n"
-                   "  slot 0: the category is missed\n  slot 1: the category is missed\n"));
+    QVERIFY(disagreeing.output.startsWith(answered
+                                          + ": answered calls, 2 in use, not sound\n"
+                                            "  slot 0: the category is missed\n  slot 1: the category is missed\n"));
     QCOMPARE(disagreeing.exitCode, 1);
     QVERIFY(run({u"inspect"_s, path(u"saved"_s)}).output.startsWith(saved + ": calls, 2 in use, sound\n"));
 }
@@ -341,20 +331,15 @@ void ZynphoneTest::managesTheServicesCalls()
         service.terminate();
         role::finish(service);
     });
-    const QByteArray titles =
-        "UID  LIST      NUMBER  NAME    START                DURATION  TYPE   READ  COMPLETED\n";
-    const QByteArray missed =
-        "0    missed    +49301  J\u00FCrgen  2024-03-01T14:00:00  0:00:00   voice  no    no\n";
-    const QByteArray dialed =
-        "1    dialed    *#06#           2024-03-01T13:00:00  1:02:03   voice  yes   yes\n";
-    const QByteArray answered =
-        "2    answered  112             2024-03-01T12:00:00  0:00:00   ptt1   no    no\n";
+    const QByteArray titles = "UID  LIST      NUMBER  NAME    START                DURATION  TYPE   READ  COMPLETED\n";
+    const QByteArray missed = "0    missed    +49301  J\u00FCrgen  2024-03-01T14:00:00  0:00:00   voice  no    no\n";
+    const QByteArray dialed = "1    dialed    *#06#           2024-03-01T13:00:00  1:02:03   voice  yes   yes\n";
+    const QByteArray answered = "2    answered  112             2024-03-01T12:00:00  0:00:00   ptt1   no    no\n";
     QTRY_COMPARE(run(words("calls list")).exitCode, 0);
     QCOMPARE(run(words("calls last-dialed")).error, QByteArray("zynphone: no dialed call\n"));
 
     // An add is not acknowledged: each is waited for, so that the next gets the next uid.
-    QCOMPARE(outputOf("calls add missed +49301 --name J\u00FCrgen --at 2024-03-01T12:00:00Z"),
-             QByteArray("sent\n"));
+    QCOMPARE(outputOf("calls add missed +49301 --name J\u00FCrgen --at 2024-03-01T12:00:00Z"), QByteArray("sent\n"));
     QTRY_VERIFY(outputOf("calls list").contains("+49301"));
     run(words("calls add dialed *#06# --at 2024-03-01T13:00:00 --duration 3723 --read"));
     QTRY_VERIFY(outputOf("calls list").contains("*#06#"));
@@ -362,9 +347,8 @@ void ZynphoneTest::managesTheServicesCalls()
               "--not-completed"));
     QTRY_COMPARE(outputOf("calls list"), titles + answered + dialed + missed);
 
-    const QByteArray json =
-        R"([{"completed":false,"duration":0,"list":"answered","name":"","number":"112",)"
-        R"("read":false,"session":"&","start":"2024-03-01T10:00:00Z","type":"ptt1","uid":2}])";
+    const QByteArray json = R"([{"completed":false,"duration":0,"list":"answered","name":"","number":"112",)"
+                            R"("read":false,"session":"&","start":"2024-03-01T10:00:00Z","type":"ptt1","uid":2}])";
     QCOMPARE(outputOf("calls list --type ptt1 --json"), QByteArray(json).replace("&", "\u00E9") + '\n');
     QCOMPARE(outputOf("calls last-dialed"), QByteArray("*#06#\n"));
 

@@ -103,8 +103,7 @@ void ZynphoneCallsTest::sendsRequests_data()
         text("\xE9") + text("") + number(1) + number(-2) + number(-7) + '\x80');
     row("hangup", "DropCall", "");
     row("ptt call 1=Ann=Eve 2 3= --value1 -1 --value2 7", "makePttCall",
-        number(3) + text("1") + text("2") + text("3") + text("Ann=Eve") + kNull + text("") + number(-1) +
-            number(7));
+        number(3) + text("1") + text("2") + text("3") + text("Ann=Eve") + kNull + text("") + number(-1) + number(7));
     row("ptt drop", "dropPttCall", "");
 }
 
@@ -196,8 +195,7 @@ void ZynphoneCallsTest::followsSocketCalls_data()
     QTest::addColumn<QByteArray>("replies");
     QTest::addColumn<QString>("shown");
 
-    const auto row = [](const char* line, const QByteArray& sent, const QByteArray& replies,
-                        const char* shown) {
+    const auto row = [](const char* line, const QByteArray& sent, const QByteArray& replies, const char* shown) {
         QTest::newRow(line) << sent << replies << QString::fromUtf8(shown);
     };
     const std::pair<int32_t, QByteArray> java{0, word(1)}, stk{0, word(0)}, end{3, {}}, goodbye{1, {}};
@@ -209,8 +207,7 @@ void ZynphoneCallsTest::followsSocketCalls_data()
         commands({java, {2, word(-2) + padded("0123456789012345678901234567890123456789\xE9", 44)}}), course,
         shownCourse);
     row("java call 112", commands({java, {2, word(0) + padded("112", 44)}}), commands({{3, {}}}), lost);
-    row("java call 112 --for 1", commands({java, {2, word(0) + padded("112", 44)}, end, goodbye}), {},
-        "exit 0");
+    row("java call 112 --for 1", commands({java, {2, word(0) + padded("112", 44)}, end, goodbye}), {}, "exit 0");
     row("stk call 112", commands({stk, {2, padded("112", 108)}}), commands({{6, {}}}), "failed\nexit 1");
     row("stk call 113", commands({stk, {2, padded("113", 108)}}), commands({{3, {}}}) + "garbage!", lost);
     row("stk call 114 --for 1", commands({stk, {2, padded("114", 108)}, goodbye}), {}, "exit 0");

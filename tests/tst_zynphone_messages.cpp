@@ -80,8 +80,7 @@ void compareWithText(const QJsonObject& object, const QString& text)
     QCOMPARE(object[u"known"].toBool(), !text.contains(u"  unknown"));
     const QJsonObject fields = object[u"fields"].toObject();
     for (auto field = fields.begin(); field != fields.end(); ++field) {
-        const QByteArray json =
-            QJsonDocument(QJsonObject{{field.key(), *field}}).toJson(QJsonDocument::Compact);
+        const QByteArray json = QJsonDocument(QJsonObject{{field.key(), *field}}).toJson(QJsonDocument::Compact);
         const QString value = field->isArray() ? u"["_s : QString::fromUtf8(json).section(u':', 1).chopped(1);
         QVERIFY2(text.contains(u' ' + field.key() + u'=' + value), qPrintable(field.key()));
     }
@@ -142,10 +141,9 @@ void ZynphoneMessagesTest::showsWholePayloads()
     QCOMPARE(run(words(u"send /any/%2541 x byte:255"_s)), kSent);
     QCOMPARE(text.nextLine(), u"TIME  /any/%41              x                 unknown  rest=ff payload=ff"_s);
     QCOMPARE(run(words(u"send /ZYN/phone PHONE_MSG_37 text:%C2%9B%5C%E2%80%AE null hex:00"_s)), kSent);
-    QCOMPARE(text.nextLine(),
-             uR"(TIME  /ZYN/phone            PHONE_MSG_37      PHONE_MSG_SERVICE_ID_AND_NAME_S  )"
-             uR"(first="\u009b\\\u202e" second=null third=missing rest=00 )"
-             u"payload=00000006009b005c202effffffff00"_s);
+    QCOMPARE(text.nextLine(), uR"(TIME  /ZYN/phone            PHONE_MSG_37      PHONE_MSG_SERVICE_ID_AND_NAME_S  )"
+                              uR"(first="\u009b\\\u202e" second=null third=missing rest=00 )"
+                              u"payload=00000006009b005c202effffffff00"_s);
     QCOMPARE(json.nextLine().section(u",\"time\":"_s, 0, 0),
              uR"({"channel":"/ZYN/phone","enumerator":"PHONE_MSG_SERVICE_ID_AND_NAME_S",)"
              uR"("fields":{"first":"\u009b\\\u202e","second":null},"known":true,"missing":["third"],)"
@@ -163,13 +161,12 @@ void ZynphoneMessagesTest::clientDecodesStatus_data()
     QTest::newRow("network-list-1 26201 Home")
         << QByteArray("signalnetworkListGotten(1,01000000323632303100000000000000)");
     QTest::newRow("snapshot --sim-card -3 --gprs-attach 2 --network-id 26201 --egprs-service 255")
-        << QByteArray(
-               "signalPowerOnMode(0) signalSimCardStatus(-3) signalPinStatus(0) signalSubsidyStatus(0) "
-               "signalBatteryStatus(0) signalChargeStatus(0) signalBatteryCapacity(0) signalSignalQuality(0) "
-               "signalRoamingState(0) signalGprsAttached(true) signalGprsService(false) "
-               "signalRegisted(\"26201\") "
-               "signalNetworkStatus(0) signalImsiId(00000000000000000000000000000000) "
-               "signalEgprsService(true)");
+        << QByteArray("signalPowerOnMode(0) signalSimCardStatus(-3) signalPinStatus(0) signalSubsidyStatus(0) "
+                      "signalBatteryStatus(0) signalChargeStatus(0) signalBatteryCapacity(0) signalSignalQuality(0) "
+                      "signalRoamingState(0) signalGprsAttached(true) signalGprsService(false) "
+                      "signalRegisted(\"26201\") "
+                      "signalNetworkStatus(0) signalImsiId(00000000000000000000000000000000) "
+                      "signalEgprsService(true)");
 }
 
 void ZynphoneMessagesTest::clientDecodesStatus()
@@ -199,8 +196,7 @@ void ZynphoneMessagesTest::refuses_data()
     row("status power-key --battery 5", "--battery is for 'snapshot'");
     row("status uma-icon 256", "VALUE '256' is no whole number from 0 to 255");
     row("status snapshot --gprs-attach -1", "--gprs-attach '-1' is no whole number from 0 to 255");
-    row("status snapshot --network-id 1234567890123456",
-        "the --network-id has 16 characters; at most 15 fit");
+    row("status snapshot --network-id 1234567890123456", "the --network-id has 16 characters; at most 15 fit");
     row("status imsi 12345678901234567", "the IMSI has 17 characters; at most 16 fit");
     row("status imsi hex:00", "the IMSI has 1 bytes, not 16");
     row("status network-list-0 26201", "missing name of network '26201'");
@@ -218,8 +214,7 @@ void ZynphoneMessagesTest::refuses()
     QFETCH(QString, message);
     const QStringList arguments = words(QString::fromUtf8(QTest::currentDataTag()));
 
-    QCOMPARE(run(arguments),
-             u"zynphone: %1\nTry 'zynphone %2 --help'.\nexit 2"_s.arg(message, arguments.first()));
+    QCOMPARE(run(arguments), u"zynphone: %1\nTry 'zynphone %2 --help'.\nexit 2"_s.arg(message, arguments.first()));
 }
 
 void ZynphoneMessagesTest::tellsThatChannelsCannotBeUsed()

@@ -84,9 +84,8 @@ std::optional<MessageForm> messageForm(const QCString& channel, const QCString& 
 {
     if (channel == kPhoneChannel)
         return phoneMessageForm(name);
-    const auto found = std::ranges::find_if(kMessages, [&](const ChannelMessage& message) {
-        return channel == message.channel && name == message.name;
-    });
+    const auto found = std::ranges::find_if(
+        kMessages, [&](const ChannelMessage& message) { return channel == message.channel && name == message.name; });
     if (found == std::end(kMessages))
         return std::nullopt;
     return MessageForm{found->enumerator, found->fields};

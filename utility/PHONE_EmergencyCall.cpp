@@ -14,8 +14,8 @@ namespace {
 
 bool mayBecomeImeiCode(const QString& input)
 {
-    return UTIL_GetKeypadLockStatus() == emergency::kImeiKeypadStatus &&
-           QLatin1String(emergency::kImeiCode).startsWith(input);
+    return UTIL_GetKeypadLockStatus() == emergency::kImeiKeypadStatus
+           && QLatin1String(emergency::kImeiCode).startsWith(input);
 }
 
 bool mayBecomePinCode(const QString& input)
@@ -24,8 +24,8 @@ bool mayBecomePinCode(const QString& input)
     PHONE_Log(kPhoneLogLevel, "Sim card status = %d", simCard);
     if (!emergency::allowsPinCodes(simCard))
         return false;
-    const bool found = std::ranges::any_of(
-        emergency::kPinCodes, [&](const char* code) { return QLatin1String(code).startsWith(input); });
+    const bool found = std::ranges::any_of(emergency::kPinCodes,
+                                           [&](const char* code) { return QLatin1String(code).startsWith(input); });
     if (found)
         PHONE_Log(kPhoneLogLevel, "Control code input = %s", input.toLatin1().constData());
     return found;
@@ -33,8 +33,7 @@ bool mayBecomePinCode(const QString& input)
 
 bool mayBecomeEmergencyNumber(const QString& input)
 {
-    return std::ranges::any_of(emergency::readList(),
-                               [&](const QString& number) { return number.startsWith(input); });
+    return std::ranges::any_of(emergency::readList(), [&](const QString& number) { return number.startsWith(input); });
 }
 
 } // namespace
@@ -51,8 +50,7 @@ bool PHONE_IsEmergencyCallNumber(char* number)
 
 bool PHONE_IsEmergencyCallInput(QString const& input)
 {
-    return !input.isEmpty() &&
-           (mayBecomeImeiCode(input) || mayBecomePinCode(input) || mayBecomeEmergencyNumber(input));
+    return !input.isEmpty() && (mayBecomeImeiCode(input) || mayBecomePinCode(input) || mayBecomeEmergencyNumber(input));
 }
 
 bool PHONE_IsInputtingEmergencyCall(QString const& input)

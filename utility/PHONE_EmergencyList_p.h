@@ -41,8 +41,8 @@ constexpr bool allowsPinCodes(int simCardStatus)
 inline std::optional<Record> readRecord(int fd, int index)
 {
     Record record = {};
-    const ssize_t length = posix::readAt(fd, std::as_writable_bytes(std::span(record)),
-                                         off_t{index} * static_cast<off_t>(sizeof record));
+    const ssize_t length =
+        posix::readAt(fd, std::as_writable_bytes(std::span(record)), off_t{index} * static_cast<off_t>(sizeof record));
     const bool isWhole = length == static_cast<ssize_t>(sizeof record);
     if (length <= 0 || (!isWhole && !std::memchr(record.data(), '\0', static_cast<size_t>(length))))
         return std::nullopt;

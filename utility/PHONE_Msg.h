@@ -71,8 +71,7 @@ public:
         PHONE_MSG_WIFI_PROFILE_NAME_S = 51,
         PHONE_MSG_UMA_ICON_S = 52,
         PHONE_MSG_SIM_CARD_CHANGED_S = 53,
-        PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S =
-            54, ///< request: report the GPRS and CSD totals, as 31 and 33
+        PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S = 54, ///< request: report the GPRS and CSD totals, as 31 and 33
     };
 
     explicit PHONE_Msg(QObject* parent = nullptr, const char* name = nullptr);

@@ -81,8 +81,7 @@ Q_SIGNALS:
     /// The record lives only while the signal is delivered: it is not for queued connections. It is the
     /// payload itself and is not to be written to; a payload shorter than the record comes as a copy filled
     /// up with zeros.
-    void signalnetworkListGotten(PHONE_UI_NETWORKLIST_TYPE_T kind,
-                                 TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S* list);
+    void signalnetworkListGotten(PHONE_UI_NETWORKLIST_TYPE_T kind, TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S* list);
     void signalGprsActivated(bool activated);
     void signalGprsAttached(bool attached);
     void signalGprsService(bool available);

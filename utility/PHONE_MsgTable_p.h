@@ -19,10 +19,7 @@ struct LogLine
     Argument argument = {};
     const char* banner = nullptr; ///< printed before and after the line
 
-    constexpr bool printsText() const
-    {
-        return std::string_view(format).find("%s") != std::string_view::npos;
-    }
+    constexpr bool printsText() const { return std::string_view(format).find("%s") != std::string_view::npos; }
 };
 
 /// One message type. A request has neither log lines nor signals: the client receives its own and ignores it.

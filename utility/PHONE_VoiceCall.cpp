@@ -6,14 +6,13 @@
 
 // The sender refuses a null number.
 
-void PHONE_MakeVoiceCall(char* number, QString const& name, bool flag, PHONE_MAKE_CALL_CLIR_T clir,
-                         signed char line)
+void PHONE_MakeVoiceCall(char* number, QString const& name, bool flag, PHONE_MAKE_CALL_CLIR_T clir, signed char line)
 {
     PHONE_VoiceCallSender().makeCall(number, name, flag, clir, zyn::DialOrdinary, line);
 }
 
-void PHONE_VoiceCallInterfaceMakeVoiceCall(char* number, QString const& name, bool flag,
-                                           PHONE_MAKE_CALL_CLIR_T clir, signed char line)
+void PHONE_VoiceCallInterfaceMakeVoiceCall(char* number, QString const& name, bool flag, PHONE_MAKE_CALL_CLIR_T clir,
+                                           signed char line)
 {
     PHONE_MakeVoiceCall(number, name, flag, clir, line);
 }

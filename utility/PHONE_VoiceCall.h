@@ -21,8 +21,7 @@ ZYN_EXPORT void PHONE_MakeVoiceCall(char* number, QString const& name, bool flag
                                     signed char line);
 /// The same, under a symbol name that other runtimes can look up.
 extern "C" ZYN_EXPORT void PHONE_VoiceCallInterfaceMakeVoiceCall(char* number, QString const& name, bool flag,
-                                                                 PHONE_MAKE_CALL_CLIR_T clir,
-                                                                 signed char line);
+                                                                 PHONE_MAKE_CALL_CLIR_T clir, signed char line);
 
 /// Asks for a call to the number (Latin-1) as it is, on line 2.
 ZYN_EXPORT void PHONE_MakeVoiceCallDirectly(char const* number);

@@ -27,11 +27,10 @@ inline QString socketPath()
 
 /// What a client asks of the server. The codes 0 and 1 are none of its replies.
 enum Command : int32_t {
-    PHONE_VOICECALL_CMD_REGISTER = 0,   ///< data: ClientKind
-    PHONE_VOICECALL_CMD_UNREGISTER = 1, ///< no data
-    PHONE_VOICECALL_CMD_MAKE_CALL =
-        2,                            ///< data: PHONE_VoiceSTK_PARAMETER or JavaCall, as the client's kind is
-    PHONE_VOICECALL_CMD_END_CALL = 3, ///< no data
+    PHONE_VOICECALL_CMD_REGISTER = 0,       ///< data: ClientKind
+    PHONE_VOICECALL_CMD_UNREGISTER = 1,     ///< no data
+    PHONE_VOICECALL_CMD_MAKE_CALL = 2,      ///< data: PHONE_VoiceSTK_PARAMETER or JavaCall, as the client's kind is
+    PHONE_VOICECALL_CMD_END_CALL = 3,       ///< no data
     PHONE_VOICECALL_CMD_DIAL_EXTENSION = 4, ///< data: the character, 1 byte
 };
 

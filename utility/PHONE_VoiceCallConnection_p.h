@@ -36,8 +36,7 @@ public:
     template<typename Client>
     VoiceCallConnection(int socket, Client* client, void (Client::*slot)(int))
         : m_socket(socket)
-        , m_notifier(
-              required(new (std::nothrow) QSocketNotifier(socket, QSocketNotifier::Read), "QSocketNotifier"))
+        , m_notifier(required(new (std::nothrow) QSocketNotifier(socket, QSocketNotifier::Read), "QSocketNotifier"))
     {
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, client, slot);
     }

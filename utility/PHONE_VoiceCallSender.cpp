@@ -9,8 +9,8 @@ PHONE_VoiceCallSender::PHONE_VoiceCallSender() = default;
 
 PHONE_VoiceCallSender::~PHONE_VoiceCallSender() = default;
 
-bool PHONE_VoiceCallSender::makeCall(const char* number, const QString& name, bool flag, int clir,
-                                     int dialMode, signed char line)
+bool PHONE_VoiceCallSender::makeCall(const char* number, const QString& name, bool flag, int clir, int dialMode,
+                                     signed char line)
 {
     if (!number || *number == '\0')
         return false;

@@ -24,8 +24,7 @@ public:
      * @param line      the line to call on (TAPI_CALL_LINE_E)
      * @return whether the request was sent
      */
-    bool makeCall(const char* number, const QString& name, bool flag, int clir, int dialMode,
-                  signed char line);
+    bool makeCall(const char* number, const QString& name, bool flag, int clir, int dialMode, signed char line);
     /// Asks for a call on line 2 without a name, a flag or a restriction.
     bool makeCall(const char* number, int dialMode);
     /// Asks to end the call.

@@ -50,8 +50,7 @@ int PHONE_VoiceCall_Java_Init(void (*callback)(char))
     zyn::posix::UniqueFd socket = zyn::VoiceCallConnection::open(vc::Java);
     if (!socket.isValid())
         return 0;
-    g_instance =
-        zyn::required(new (std::nothrow) JavaPrivateData(socket.release(), callback), "JavaPrivateData");
+    g_instance = zyn::required(new (std::nothrow) JavaPrivateData(socket.release(), callback), "JavaPrivateData");
     return kHandle;
 }
 

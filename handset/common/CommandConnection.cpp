@@ -16,8 +16,7 @@ constexpr int kReadsPerTurn = 4;
 
 namespace zyn::handset {
 
-CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData,
-                                     std::chrono::milliseconds patience)
+CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds patience)
     : m_socket(std::move(socket))
     , m_readable(m_socket.get(), QSocketNotifier::Read)
     , m_writable(m_socket.get(), QSocketNotifier::Write)

@@ -94,8 +94,7 @@ struct CommandRow
 
 /// The row of @p rows for @p header, or null.
 template<typename Connection, size_t N>
-const CommandRow<Connection>* rowFor(const CommandRow<Connection> (&rows)[N],
-                                     const CommandFrameHeader& header)
+const CommandRow<Connection>* rowFor(const CommandRow<Connection> (&rows)[N], const CommandFrameHeader& header)
 {
     for (const CommandRow<Connection>& row : rows) {
         if (row.code == header.code && row.dataLength == static_cast<size_t>(header.dataLength))

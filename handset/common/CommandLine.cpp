@@ -49,8 +49,7 @@ CommandLine::CommandLine(const QString& description)
 void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
 {
     const QString value = defaultValue ? QString::number(*defaultValue) : QString();
-    add(QCommandLineOption(name, defaultValue ? text.arg(value) : text, QStringLiteral("milliseconds"),
-                           value));
+    add(QCommandLineOption(name, defaultValue ? text.arg(value) : text, QStringLiteral("milliseconds"), value));
     m_times += name;
 }
 
@@ -65,8 +64,7 @@ bool CommandLine::parse()
     if (m_parser.isSet(version))
         m_parser.showVersion();
     if (!m_parser.positionalArguments().isEmpty())
-        return usageError(
-            QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
+        return usageError(QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
     if (!hasTimes() || !takeReadyFd())
         return false;
     if (!isSet(kTrace))
@@ -77,8 +75,8 @@ bool CommandLine::parse()
 bool CommandLine::hasTimes() const
 {
     return std::ranges::all_of(m_times, [this](const QString& name) {
-        return !isSet(name) || number(value(name), 1) ||
-               usageError(QStringLiteral("--%1 is a number of milliseconds, 1 or more").arg(name));
+        return !isSet(name) || number(value(name), 1)
+               || usageError(QStringLiteral("--%1 is a number of milliseconds, 1 or more").arg(name));
     });
 }
 

@@ -16,8 +16,7 @@ void log(const QString& text)
 {
     if (!posix::waitFor(STDERR_FILENO, POLLOUT, posix::Clock::now()))
         return;
-    const QByteArray line =
-        (QCoreApplication::applicationName() + QLatin1String(": ") + text).toLocal8Bit() + '\n';
+    const QByteArray line = (QCoreApplication::applicationName() + QLatin1String(": ") + text).toLocal8Bit() + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
 }
 

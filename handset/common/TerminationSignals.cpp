@@ -20,8 +20,7 @@ TerminationSignals::TerminationSignals()
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(),
-            &QCoreApplication::quit);
+    connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(), &QCoreApplication::quit);
 }
 
 TerminationSignals::~TerminationSignals() = default;

@@ -7,8 +7,8 @@ bool isDialable(const QString& number)
 {
     constexpr qsizetype kLongest = sizeof(PHONE_ENG_RecentCall::phoneNumber) - 1;
     constexpr QLatin1String kCharacters("0123456789*#+pPwW,;");
-    return !number.isEmpty() && number.size() <= kLongest &&
-           std::ranges::all_of(number, [&](QChar character) { return kCharacters.contains(character); });
+    return !number.isEmpty() && number.size() <= kLongest
+           && std::ranges::all_of(number, [&](QChar character) { return kCharacters.contains(character); });
 }
 
 Call::Call(CallCourse course, Party party, RC_CALL_TYPE_T type)

@@ -33,8 +33,7 @@ const CommandRow<ClientConnection> ClientConnection::kCommands[] = {
     {PHONE_VOICECALL_CMD_DIAL_EXTENSION, 1, &ClientConnection::dialExtension},
 };
 
-ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line,
-                                   std::chrono::milliseconds patience)
+ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds patience)
     : CommandConnection(std::move(socket), kLargestData, patience)
     , m_line(line)
 {

@@ -113,9 +113,7 @@ void PhoneLine::goOn()
 void PhoneLine::reportChange()
 {
     const CallState state = m_call->course().state();
-    log(QStringLiteral("call %1, %2: %3")
-            .arg(m_id)
-            .arg(m_call->party().number, QLatin1String(nameOf(state))));
+    log(QStringLiteral("call %1, %2: %3").arg(m_id).arg(m_call->party().number, QLatin1String(nameOf(state))));
     if (state == CallState::Connected)
         reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
     reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);

@@ -34,9 +34,8 @@ PhoneRequests::PhoneRequests(PhoneLine& line)
 void PhoneRequests::receive(const QCString& message, const QByteArray& data)
 {
     const auto type = zyn::messageType(zyn::kPhonePrefix, message, zyn::kPhoneTypes);
-    const auto found = std::ranges::find_if(kRequests, [&](const Request& request) {
-        return type && *type == static_cast<unsigned>(request.type);
-    });
+    const auto found = std::ranges::find_if(
+        kRequests, [&](const Request& request) { return type && *type == static_cast<unsigned>(request.type); });
     if (found == std::end(kRequests))
         return;
     zyn::PayloadReader reader(data);

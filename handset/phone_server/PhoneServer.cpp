@@ -11,8 +11,7 @@ constexpr int kWithPrefix = 2;
 
 } // namespace
 
-PhoneServer::PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience,
-                         int maxConnections)
+PhoneServer::PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
     : m_line(pace)
     , m_prefix(prefix)
     , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, patience](zyn::posix::UniqueFd socket) {
@@ -36,8 +35,9 @@ void PhoneServer::listenToVoiceCallRequests()
     m_voiceCallRequests.emplace();
     PHONE_VoiceCallReceiver* requests = &*m_voiceCallRequests;
     QObject::connect(requests, &PHONE_VoiceCallReceiver::signalMakeCall, &m_line,
-                     [this](const QString& number, const QString& name, bool /*flag*/, int /*clir*/,
-                            int dialMode) { makeCall(number, name, dialMode); });
+                     [this](const QString& number, const QString& name, bool /*flag*/, int /*clir*/, int dialMode) {
+                         makeCall(number, name, dialMode);
+                     });
     QObject::connect(requests, &PHONE_VoiceCallReceiver::sigDropCall, &m_line, [this] { dropCall(); });
 }
 

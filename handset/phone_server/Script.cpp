@@ -57,8 +57,8 @@ Run runOf(const Action& action, const QStringList& values)
 
 Run runOf(const QString& name, const QStringList& values)
 {
-    const auto action = std::ranges::find_if(
-        kActions, [&](const Action& known) { return name == QLatin1String(known.name); });
+    const auto action =
+        std::ranges::find_if(kActions, [&](const Action& known) { return name == QLatin1String(known.name); });
     if (action != std::end(kActions))
         return runOf(*action, values);
     const zyn::PhoneMessage& message = scriptMessage(name);
@@ -119,14 +119,13 @@ std::optional<Script> readScript(const QString& path)
 
 QString scriptHelp()
 {
-    QString help =
-        QStringLiteral("A script has a line for each thing that happens: \"+\" and the milliseconds "
-                       "after the line before, if any, then\n");
+    QString help = QStringLiteral("A script has a line for each thing that happens: \"+\" and the milliseconds "
+                                  "after the line before, if any, then\n");
     for (const Action& action : kActions)
         help += QStringLiteral("  %1\n").arg(QLatin1String(action.usage));
     help += QStringLiteral("or a status message with a value for each field:\n") + scriptMessagesHelp();
-    return help +
-           QStringLiteral("A text with blanks, or none, is put in double quotes; blocks and records are "
-                          "written in hexadecimal digits, with zeros behind what is written. Lines that "
-                          "begin with \"#\" are comments.");
+    return help
+           + QStringLiteral("A text with blanks, or none, is put in double quotes; blocks and records are "
+                            "written in hexadecimal digits, with zeros behind what is written. Lines that "
+                            "begin with \"#\" are comments.");
 }

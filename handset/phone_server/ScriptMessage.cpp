@@ -33,8 +33,7 @@ QByteArray block(const QString& word, qsizetype size)
 
 void write(PayloadWriter& writer, const QByteArray& bytes)
 {
-    writer.writeRaw(
-        std::span(reinterpret_cast<const uint8_t*>(bytes.constData()), static_cast<size_t>(bytes.size())));
+    writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(bytes.constData()), static_cast<size_t>(bytes.size())));
 }
 
 void write(PayloadWriter& writer, const Field& field, const QString& word)

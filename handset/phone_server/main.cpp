@@ -26,35 +26,33 @@ const QString kScript = QStringLiteral("script");
 
 QString description()
 {
-    return QStringLiteral(
-               "Plays the phone server and the phone application: places the calls that others ask "
-               "for, over the socket\n%1\nand over the message channels, reports their course, and "
-               "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
-               "standard error.\n\n%2")
-        .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/') +
-                 QLatin1String(zyn::voicecall::kSocketName),
+    return QStringLiteral("Plays the phone server and the phone application: places the calls that others ask "
+                          "for, over the socket\n%1\nand over the message channels, reports their course, and "
+                          "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
+                          "standard error.\n\n%2")
+        .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/')
+                 + QLatin1String(zyn::voicecall::kSocketName),
              scriptHelp());
 }
 
 void addOptions(handset::CommandLine& commandLine)
 {
-    commandLine.addTime(
-        kStep,
-        QStringLiteral("Let a placed call come to its next state after this many milliseconds "
-                       "(%1)."),
-        kDefaultStep);
+    commandLine.addTime(kStep,
+                        QStringLiteral("Let a placed call come to its next state after this many milliseconds "
+                                       "(%1)."),
+                        kDefaultStep);
     commandLine.addTime(kTalk, QStringLiteral("Let the other party of a placed call hang up after this many "
                                               "milliseconds (as --step)."));
     commandLine.addTime(kPatience,
                         QStringLiteral("Drop a client that does not register, finish a command or take its "
                                        "replies for this many milliseconds (%1)."),
                         kDefaultPatience);
-    commandLine.add(QCommandLineOption(
-        kPrefix, QStringLiteral("Put this in front of numbers to be dialed with a prefix (0)."),
-        QStringLiteral("number"), QStringLiteral("0")));
-    commandLine.add(QCommandLineOption(
-        kScript, QStringLiteral("Let happen what this file says, from when clients are served."),
-        QStringLiteral("file")));
+    commandLine.add(QCommandLineOption(kPrefix,
+                                       QStringLiteral("Put this in front of numbers to be dialed with a prefix (0)."),
+                                       QStringLiteral("number"), QStringLiteral("0")));
+    commandLine.add(QCommandLineOption(kScript,
+                                       QStringLiteral("Let happen what this file says, from when clients are served."),
+                                       QStringLiteral("file")));
 }
 
 /// The script that the command line names, or an empty one; nothing when it is not right.
@@ -91,8 +89,7 @@ int main(int argc, char** argv)
         return handset::kUsageError;
 
     const Pace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
-    PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience),
-                       handset::raiseClientLimit());
+    PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience), handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;
     ScriptPlayer player(*script, server.line());

@@ -43,8 +43,8 @@ bool isSound(Lists lists)
         lists, [](RC_CALL_CATEGORY_T list) { return zyn::isStoreFile(pathOf(list), zyn::kRecordFileSize); });
 }
 
-/// Writes into each call of a list the slot that it lies in. The store goes by what the record says: with a wrong slot it
-/// would take the call's place for free.
+/// Writes into each call of a list the slot that it lies in. The store goes by what the record says: with a wrong slot
+/// it would take the call's place for free.
 void correctSlots(RC_CALL_CATEGORY_T list)
 {
     const zyn::posix::UniqueFd file = zyn::posix::openForChanging(pathOf(list));
@@ -53,7 +53,10 @@ void correctSlots(RC_CALL_CATEGORY_T list)
         PHONE_ENG_RecentCall record = zyn::recordAt(image, slot);
         if (record.inUse == 0 || record.slot == slot)
             continue;
-        log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected").arg(slot).arg(list).arg(record.slot));
+        log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected")
+                .arg(slot)
+                .arg(list)
+                .arg(record.slot));
         record.slot = slot;
         zyn::posix::writeAt(file.get(), std::as_bytes(std::span(&record, 1)), off_t{zyn::recordOffset(slot)});
     }
@@ -70,11 +73,9 @@ bool isInItsSlot(const PHONE_ENG_RecentCall& record)
 }
 
 /// The call with the uid of @p record, or null.
-const PHONE_ENG_RecentCall* find(const QSortedList<PHONE_ENG_RecentCall>& calls,
-                                 const PHONE_ENG_RecentCall& record)
+const PHONE_ENG_RecentCall* find(const QSortedList<PHONE_ENG_RecentCall>& calls, const PHONE_ENG_RecentCall& record)
 {
-    const auto found =
-        std::find_if(calls.begin(), calls.end(), [&](const auto* call) { return *call == record; });
+    const auto found = std::find_if(calls.begin(), calls.end(), [&](const auto* call) { return *call == record; });
     return found == calls.end() ? nullptr : *found;
 }
 
@@ -133,9 +134,7 @@ std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
     if (lists.empty() || !makeSound(lists))
         return std::nullopt;
     const Calls calls = read(lists);
-    const auto isSelected = [&](const PHONE_ENG_RecentCall* call) {
-        return call->callType == selection.callType;
-    };
+    const auto isSelected = [&](const PHONE_ENG_RecentCall* call) { return call->callType == selection.callType; };
     const auto count = std::count_if(calls.begin(), calls.end(), isSelected);
     QByteArray data;
     data.reserve(qsizetype{sizeof(rc::ListHeader)} + count * qsizetype{sizeof(PHONE_ENG_RecentCall)});

@@ -19,8 +19,7 @@ const CommandRow<ServiceConnection> ServiceConnection::kCommands[] = {
     {rc::DeleteAll, sizeof(rc::Selection), &ServiceConnection::removeAll},
 };
 
-ServiceConnection::ServiceConnection(zyn::posix::UniqueFd socket, CallLog& calls,
-                                     std::chrono::milliseconds patience)
+ServiceConnection::ServiceConnection(zyn::posix::UniqueFd socket, CallLog& calls, std::chrono::milliseconds patience)
     : CommandConnection(std::move(socket), sizeof(PHONE_ENG_RecentCall), patience)
     , m_calls(calls)
 {}

@@ -26,10 +26,9 @@ int main(int argc, char** argv)
     const handset::TerminationSignals terminationSignals;
 
     const QString patience = QStringLiteral("patience");
-    handset::CommandLine commandLine(
-        QStringLiteral("Keeps the log of recent calls and answers its socket,\n%1.\n"
-                       "Ends on SIGTERM and SIGINT. Messages go to standard error.")
-            .arg(RecentCallService::socketPath()));
+    handset::CommandLine commandLine(QStringLiteral("Keeps the log of recent calls and answers its socket,\n%1.\n"
+                                                    "Ends on SIGTERM and SIGINT. Messages go to standard error.")
+                                         .arg(RecentCallService::socketPath()));
     commandLine.addTime(patience,
                         QStringLiteral("Drop a client that sends no whole command, or does not take its "
                                        "answer, for this many milliseconds (%1)."),

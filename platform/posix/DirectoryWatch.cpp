@@ -36,8 +36,7 @@ void DirectoryWatch::restart()
 void DirectoryWatch::add(int directory)
 {
     // One directory that cannot be watched makes all counts worthless.
-    if (m_fd.isValid() &&
-        ::inotify_add_watch(m_fd.get(), pathThrough(directory, ".").constData(), kEvents) < 0)
+    if (m_fd.isValid() && ::inotify_add_watch(m_fd.get(), pathThrough(directory, ".").constData(), kEvents) < 0)
         m_fd.reset();
 }
 

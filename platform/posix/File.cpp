@@ -28,8 +28,8 @@ bool isNamed(const zyn::posix::UniqueFd& fd, const QByteArray& path)
 {
     struct stat open = {};
     struct stat named = {};
-    return ::fstat(fd.get(), &open) == 0 && ::lstat(path.constData(), &named) == 0
-           && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+    return ::fstat(fd.get(), &open) == 0 && ::lstat(path.constData(), &named) == 0 && open.st_dev == named.st_dev
+           && open.st_ino == named.st_ino;
 }
 
 } // namespace

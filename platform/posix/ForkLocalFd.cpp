@@ -16,7 +16,7 @@ struct Registry
     std::mutex mutex; ///< held across fork, so that the child finds the set whole
     std::set<int> descriptors;
     const zyn::posix::UniqueFd nothing; ///< kept open: a child might not be able to open it
-    unsigned generation = 0; ///< changes only in a child that has a single thread yet
+    unsigned generation = 0;            ///< changes only in a child that has a single thread yet
 };
 
 /// Never destroyed: a process may fork, and close descriptors, until its very end.

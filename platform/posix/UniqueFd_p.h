@@ -14,12 +14,10 @@ public:
     UniqueFd() = default;
     explicit UniqueFd(int fd) noexcept
         : m_fd(fd)
-    {
-    }
+    {}
     UniqueFd(UniqueFd&& other) noexcept
         : m_fd(other.release())
-    {
-    }
+    {}
     UniqueFd& operator=(UniqueFd&& other) noexcept
     {
         reset(other.release());

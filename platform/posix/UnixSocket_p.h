@@ -60,8 +60,8 @@ UniqueFd acceptConnection(int listener);
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
-/// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first, and
-/// at once for a negative descriptor.
+/// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first,
+/// and at once for a negative descriptor.
 bool waitFor(int fd, short events, Clock::time_point deadline);
 
 /// The block as a part of a transfer, which only reads it.
@@ -78,8 +78,8 @@ ssize_t receiveSome(int fd, std::span<std::byte> buffer);
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);
 
-/// Ends both directions of a connection whose descriptor stays open: its end is the next thing to be read, behind what has
-/// come already.
+/// Ends both directions of a connection whose descriptor stays open: its end is the next thing to be read, behind what
+/// has come already.
 void shutDown(int fd);
 
 /// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.

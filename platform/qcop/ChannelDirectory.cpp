@@ -143,8 +143,7 @@ void ChannelDirectory::removeStillborn() const
 
 QByteArray ChannelDirectory::newName()
 {
-    return QByteArray::number(::getpid()) + '-' +
-           QByteArray::number(QRandomGenerator::system()->generate64(), 16);
+    return QByteArray::number(::getpid()) + '-' + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
 }
 
 } // namespace zyn

@@ -34,8 +34,7 @@ bool ChannelPeers::send(const ChannelFrame& frame, posix::DirectoryWatch& watch,
 
 bool ChannelPeers::isPending() const
 {
-    return std::any_of(m_peers.begin(), m_peers.end(),
-                       [](const auto& entry) { return entry.second.isPending(); });
+    return std::any_of(m_peers.begin(), m_peers.end(), [](const auto& entry) { return entry.second.isPending(); });
 }
 
 bool ChannelPeers::refresh(posix::DirectoryWatch& watch)

@@ -19,9 +19,9 @@ namespace zyn {
  * Sends the messages of one thread, each thread having a sender of its own, so that none waits for another.
  *
  * In a running event loop of a dispatcher that tells the end of every turn, the first message of a turn on a
- * channel is written at once, the others are gathered and written at the turn's end. What listeners do not take at once follows from the loop, or,
- * without one, with later messages and at the latest when the thread or the process ends, for which it waits
- * for a bounded time.
+ * channel is written at once, the others are gathered and written at the turn's end. What listeners do not take at once
+ * follows from the loop, or, without one, with later messages and at the latest when the thread or the process ends,
+ * for which it waits for a bounded time.
  */
 class ChannelSender : public QObject
 {

@@ -36,8 +36,8 @@ public:
             m_sender = std::make_unique<ChannelSender>();
             m_generation = zyn::posix::forkGeneration();
             // Who waits for a QThread does not wait for its thread_local objects.
-            QObject::connect(QThread::currentThread(), &QThread::finished, m_sender.get(), [this] { end(); },
-                             Qt::DirectConnection);
+            QObject::connect(
+                QThread::currentThread(), &QThread::finished, m_sender.get(), [this] { end(); }, Qt::DirectConnection);
         }
         return *m_sender;
     }

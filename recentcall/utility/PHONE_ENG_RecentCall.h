@@ -15,28 +15,29 @@
 /**
  * The record of one call: 228 bytes, stored in files and sent on sockets as they are in memory, little-endian.
  *
- * The offset and width of every field are asserted below. Reserved bytes are zero after init() and are carried unchanged.
- * The identity of a record is its uid: of two records the one with the greater uid is the newer, and the lesser.
+ * The offset and width of every field are asserted below. Reserved bytes are zero after init() and are carried
+ * unchanged. The identity of a record is its uid: of two records the one with the greater uid is the newer, and the
+ * lesser.
  */
 class ZYN_EXPORT PHONE_ENG_RecentCall
 {
 public:
     char phoneNumber[42]; ///< Latin-1, at most 41 characters and a NUL
     char reserved42[2];
-    int32_t startTime;    ///< seconds since 1970 UTC
-    int32_t duration;     ///< as the caller supplies it
-    uint8_t readFlags;    ///< kRead, kStrictRead
+    int32_t startTime; ///< seconds since 1970 UTC
+    int32_t duration;  ///< as the caller supplies it
+    uint8_t readFlags; ///< kRead, kStrictRead
     char reserved53[3];
-    int32_t uid;          ///< given by the store when the record is added
+    int32_t uid; ///< given by the store when the record is added
     RC_CALL_CATEGORY_T category;
-    int8_t inUse;         ///< not 0: the slot that holds the record contains a call
+    int8_t inUse; ///< not 0: the slot that holds the record contains a call
     char reserved65[3];
-    int32_t slot;         ///< place of the record in its list's file, from 0; -1 when none was free
+    int32_t slot; ///< place of the record in its list's file, from 0; -1 when none was free
     int32_t reservedA;
     int32_t reservedB;
     RC_CALL_TYPE_T callType;
-    int32_t pttExtra1;    ///< push-to-talk calls only
-    uint8_t completed;    ///< 0 or 1
+    int32_t pttExtra1; ///< push-to-talk calls only
+    uint8_t completed; ///< 0 or 1
     char reserved89[3];
     RC_PTT_ID_T pttIdType;            ///< push-to-talk calls only
     int32_t pttExtra2;                ///< push-to-talk calls only

@@ -12,18 +12,15 @@ RC_RecordInterface::~RC_RecordInterface() = default;
 
 RC_RecordInterfaceImpl::RC_RecordInterfaceImpl()
     : RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall)
-{
-}
+{}
 
 RC_RecordInterfaceImpl::RC_RecordInterfaceImpl(const QString& number, const QDateTime& start, int duration)
     : RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(number, start, duration))
-{
-}
+{}
 
 RC_RecordInterfaceImpl::RC_RecordInterfaceImpl(PHONE_ENG_RecentCall* record)
     : m_record(record ? record : new PHONE_ENG_RecentCall)
-{
-}
+{}
 
 RC_RecordInterfaceImpl::~RC_RecordInterfaceImpl() = default;
 

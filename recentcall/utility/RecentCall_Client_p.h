@@ -29,8 +29,8 @@ Status statusOf(const UTIL_CommandBody* answer);
 /// The result of the class interfaces for one of the plain functions' results: 0, 1, and 3 for anything else.
 int interfaceResult(int result);
 
-/// Sets @p number to the number of the dialed call with the greatest uid, read from the file; false, and @p number as it
-/// was, when there is none.
+/// Sets @p number to the number of the dialed call with the greatest uid, read from the file; false, and @p number as
+/// it was, when there is none.
 bool lastDialedNumber(QString& number);
 
 } // namespace zyn::recentcall

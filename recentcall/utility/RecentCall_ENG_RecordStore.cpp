@@ -71,8 +71,8 @@ const PHONE_ENG_RecentCall& blankRecord()
     return record;
 }
 
-/// Opens the record file @p path with @p open. A directory that is missing is made for whoever comes next; to look for it
-/// before would cost every operation a system call.
+/// Opens the record file @p path with @p open. A directory that is missing is made for whoever comes next; to look for
+/// it before would cost every operation a system call.
 template<typename Open>
 UniqueFd openRecordFile(const QByteArray& path, Open open)
 {

@@ -16,8 +16,9 @@
  * open, one write of 228 bytes in place and one close. Every operation that uses a file writes the file's path, without
  * a line end, to standard output.
  *
- * What the store knows of the files, the slots in use and the largest uid, it learns from readDataList() alone: a process
- * that adds records reads the three lists first, or it overwrites calls. One process at a time adds and removes.
+ * What the store knows of the files, the slots in use and the largest uid, it learns from readDataList() alone: a
+ * process that adds records reads the three lists first, or it overwrites calls. One process at a time adds and
+ * removes.
  *
  * To be used from one thread. Failures are results; nothing is retried.
  */
@@ -29,8 +30,8 @@ public:
     /// Ends the process's store, if there is one, for all its users. The uid counter goes on.
     static void destroy();
 
-    /// Knows no slot in use. Replaces each of the three files that is missing or invalid (any size but 11 408 bytes, or a
-    /// wrong header) by a fresh one; the calls of an invalid file are lost. What cannot be written is left.
+    /// Knows no slot in use. Replaces each of the three files that is missing or invalid (any size but 11 408 bytes, or
+    /// a wrong header) by a fresh one; the calls of an invalid file are lost. What cannot be written is left.
     RecentCall_ENG_RecordStore();
     RecentCall_ENG_RecordStore(const RecentCall_ENG_RecordStore&) = delete;
     RecentCall_ENG_RecordStore& operator=(const RecentCall_ENG_RecordStore&) = delete;
@@ -44,8 +45,8 @@ public:
      */
     bool addItem(PHONE_ENG_RecentCall& record);
 
-    /// Writes @p record over the slot that it names, in the file of its category. Refuses a slot that is negative, at or
-    /// beyond the category's limit, or 50 or above.
+    /// Writes @p record over the slot that it names, in the file of its category. Refuses a slot that is negative, at
+    /// or beyond the category's limit, or 50 or above.
     bool modifyItem(const PHONE_ENG_RecentCall& record);
 
     /// Frees the slot that @p record names, in the file of its category; the same slots are refused.

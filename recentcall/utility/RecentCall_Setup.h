@@ -10,7 +10,8 @@
  * The recent-call settings of this process.
  *
  * The list limits, the frequent-calls limit and the idle-Send view are read from the phone settings (group
- * "RECENTCALL_SET") when the object is made, and kept; everything else is read at each call. To be used from one thread.
+ * "RECENTCALL_SET") when the object is made, and kept; everything else is read at each call. To be used from one
+ * thread.
  */
 class ZYN_EXPORT RecentCall_Setup
 {
@@ -35,8 +36,8 @@ public:
     /// Whether calls are shown on two lines; false when that is not set.
     bool getTwoLineView();
 
-    /// The switch `Feat_8998` of group "Fixed Dial" in "/setup/zyn_fixeddial.cfg" under ZYN_APP_WRITE_PATH; true when it
-    /// is not set. Names the file on standard output.
+    /// The switch `Feat_8998` of group "Fixed Dial" in "/setup/zyn_fixeddial.cfg" under ZYN_APP_WRITE_PATH; true when
+    /// it is not set. Names the file on standard output.
     bool isFixedDialFlexOn();
     /// Whether the fixed-dialing switch is on and the telephony API tells that fixed dialing is enabled.
     bool isFixedDialingAvailable();

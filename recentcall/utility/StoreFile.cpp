@@ -22,8 +22,7 @@ class StagedFile
 public:
     explicit StagedFile(const QByteArray& target)
         : m_path(target + ".new." + QByteArray::number(::getpid()))
-    {
-    }
+    {}
     StagedFile(const StagedFile&) = delete;
     StagedFile& operator=(const StagedFile&) = delete;
     ~StagedFile()

@@ -42,9 +42,9 @@ bool isStoreFile(const QByteArray& path, qint64 size);
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
  *
  * Several processes may do so at the same moment: a missing file is never put over one that appeared meanwhile, and an
- * invalid one is replaced only after looking again, and given back if another process was faster still. It keeps its owner
- * and permissions, and is overwritten where the directory takes no new file. What is no regular
- * file, or may not be written, stays.
+ * invalid one is replaced only after looking again, and given back if another process was faster still. It keeps its
+ * owner and permissions, and is overwritten where the directory takes no new file. What is no regular file, or may not
+ * be written, stays.
  */
 bool createStoreFile(const QByteArray& path, const QByteArray& contents);
 

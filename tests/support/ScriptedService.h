@@ -81,8 +81,8 @@ private:
                 return;
             const auto header = zyn::CommandFrameHeader::decode(bytes);
             QByteArray data(header ? header->dataLength : 0, '\0');
-            if (!zyn::posix::receiveAll(client.get(), std::as_writable_bytes(std::span(data.data(), size_t(data.size()))),
-                                        soon()))
+            if (!zyn::posix::receiveAll(client.get(),
+                                        std::as_writable_bytes(std::span(data.data(), size_t(data.size()))), soon()))
                 return;
             m_received += QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())) + data;
         }

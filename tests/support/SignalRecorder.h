@@ -48,10 +48,7 @@ public:
 private:
     static int firstSlot() { return QObject::staticMetaObject.methodCount(); }
 
-    static QByteArray quoted(const QString& text)
-    {
-        return text.isNull() ? "null" : '"' + text.toUtf8() + '"';
-    }
+    static QByteArray quoted(const QString& text) { return text.isNull() ? "null" : '"' + text.toUtf8() + '"'; }
 
     static QByteArray render(const QByteArray& name, QMetaType type, void* argument)
     {
@@ -64,16 +61,14 @@ private:
         const QVariant value(type, argument);
         if (type.id() == QMetaType::QString)
             return quoted(value.toString());
-        return type.id() == QMetaType::Bool ? value.toString().toLatin1()
-                                            : QByteArray::number(value.toLongLong());
+        return type.id() == QMetaType::Bool ? value.toString().toLatin1() : QByteArray::number(value.toLongLong());
     }
 
     void record(const QMetaMethod& signal, void** arguments)
     {
         QByteArrayList texts;
         for (int index = 0; index < signal.parameterCount(); ++index)
-            texts +=
-                render(signal.parameterTypes().at(index), signal.parameterMetaType(index), arguments[index]);
+            texts += render(signal.parameterTypes().at(index), signal.parameterMetaType(index), arguments[index]);
         m_signals += signal.name() + '(' + texts.join(',') + ')';
         onSignal();
     }

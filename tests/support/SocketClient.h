@@ -28,8 +28,7 @@ inline void send(const zyn::posix::UniqueFd& fd, const QByteArray& bytes)
 /// A connection to the service at @p path on which @p bytes were sent.
 inline zyn::posix::UniqueFd connectAndSend(const QString& path, const QByteArray& bytes)
 {
-    zyn::posix::UniqueFd fd =
-        zyn::posix::connectUnix(path.toLatin1(), std::chrono::milliseconds(role::kPatience));
+    zyn::posix::UniqueFd fd = zyn::posix::connectUnix(path.toLatin1(), std::chrono::milliseconds(role::kPatience));
     send(fd, bytes);
     return fd;
 }
@@ -37,6 +36,5 @@ inline zyn::posix::UniqueFd connectAndSend(const QString& path, const QByteArray
 /// Whether the service closes the connection.
 inline bool isClosed(const zyn::posix::UniqueFd& fd)
 {
-    return zyn::posix::waitFor(fd.get(), 0,
-                               zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience));
+    return zyn::posix::waitFor(fd.get(), 0, zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience));
 }

@@ -10,7 +10,8 @@
 
 #include <unistd.h>
 
-/// From its construction to take() or its destruction, standard output goes to a file: printf, streams and C code alike.
+/// From its construction to take() or its destruction, standard output goes to a file: printf, streams and C code
+/// alike.
 class StdoutCapture
 {
 public:

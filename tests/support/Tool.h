@@ -13,9 +13,8 @@ inline QStringList words(const QString& line)
 {
     QStringList result;
     for (const QString& word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts))
-        result += word == QLatin1String("''")
-                      ? QLatin1String("")
-                      : QString::fromUtf8(QByteArray::fromPercentEncoding(word.toUtf8()));
+        result += word == QLatin1String("''") ? QLatin1String("")
+                                              : QString::fromUtf8(QByteArray::fromPercentEncoding(word.toUtf8()));
     return result;
 }
 
@@ -26,8 +25,8 @@ inline QString run(const QStringList& arguments)
     process.start(QStringLiteral(ZYN_TOOL), arguments);
     if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, role::kPatience))
         return QStringLiteral("does not end");
-    return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()) +
-           QStringLiteral("exit %1").arg(role::finish(process));
+    return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError())
+           + QStringLiteral("exit %1").arg(role::finish(process));
 }
 
 inline QString run(const char* line)

@@ -83,16 +83,16 @@ std::vector<Argument> callArguments()
 
 QList<QCommandLineOption> callOptions()
 {
-    return {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
-            valueOption(u"at"_s, u"DATETIME"_s,
-                        u"start, ISO 8601, local unless it ends in Z or an offset; now by default"_s),
-            valueOption(u"duration"_s, u"SECONDS"_s, u"0 by default"_s),
-            valueOption(u"type"_s, u"TYPE"_s, u"voice (the default), ptt1 or ptt2"_s),
-            valueOption(u"session"_s, u"ID"_s,
-                        u"of a ptt1 or ptt2 call, at most %1 bytes of UTF-8"_s.arg(kSessionLimit)),
-            flagOption(u"read"_s, u"the user has seen it"_s),
-            flagOption(u"completed"_s, u"the default of answered and dialed calls"_s),
-            flagOption(u"not-completed"_s, u"the default of missed calls"_s)};
+    return {
+        valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
+        valueOption(u"at"_s, u"DATETIME"_s,
+                    u"start, ISO 8601, local unless it ends in Z or an offset; now by default"_s),
+        valueOption(u"duration"_s, u"SECONDS"_s, u"0 by default"_s),
+        valueOption(u"type"_s, u"TYPE"_s, u"voice (the default), ptt1 or ptt2"_s),
+        valueOption(u"session"_s, u"ID"_s, u"of a ptt1 or ptt2 call, at most %1 bytes of UTF-8"_s.arg(kSessionLimit)),
+        flagOption(u"read"_s, u"the user has seen it"_s),
+        flagOption(u"completed"_s, u"the default of answered and dialed calls"_s),
+        flagOption(u"not-completed"_s, u"the default of missed calls"_s)};
 }
 
 PHONE_ENG_RecentCall callFrom(const Invocation& call)

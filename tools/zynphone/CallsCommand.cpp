@@ -132,11 +132,11 @@ Command listRow()
     return {
         .name = u"list"_s,
         .summary = u"List calls, newest first"_s,
-        .details =
-            u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
-                fieldNames(callColumns())),
+        .details = u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
+            fieldNames(callColumns())),
         .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
-        .options = {typeFilter(u"voice, ptt1, ptt2, the number of another type, or all those three (the default)"_s), jsonOption()},
+        .options = {typeFilter(u"voice, ptt1, ptt2, the number of another type, or all those three (the default)"_s),
+                    jsonOption()},
         .run = listCalls};
 }
 
@@ -151,12 +151,11 @@ Command addRow()
 
 Command deleteRow()
 {
-    return {
-        .name = u"delete"_s,
-        .summary = u"Delete one call"_s,
-        .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
-        .options = {valueOption(u"list"_s, u"LIST"_s, u"answered, missed, dialed or all (the default)"_s)},
-        .run = deleteCall};
+    return {.name = u"delete"_s,
+            .summary = u"Delete one call"_s,
+            .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
+            .options = {valueOption(u"list"_s, u"LIST"_s, u"answered, missed, dialed or all (the default)"_s)},
+            .run = deleteCall};
 }
 
 Command clearRow()

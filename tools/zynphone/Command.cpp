@@ -36,8 +36,7 @@ QString parseError(const QCommandLineParser& parser)
 {
     const QStringList unknown = parser.unknownOptionNames();
     if (!unknown.isEmpty())
-        return u"unknown option '%1%2'"_s.arg(unknown.first().size() == 1 ? "-"_L1 : "--"_L1,
-                                              unknown.first());
+        return u"unknown option '%1%2'"_s.arg(unknown.first().size() == 1 ? "-"_L1 : "--"_L1, unknown.first());
     QString text = parser.errorText();
     text.front() = text.front().toLower();
     return text.chopped(1);
@@ -161,15 +160,14 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
     bool ok = false;
     const int number = text.toInt(&ok);
     if (!ok || number < lowest || number > highest)
-        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(
-            what, text, QString::number(lowest), QString::number(highest)));
+        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(what, text, QString::number(lowest),
+                                                                           QString::number(highest)));
     return number;
 }
 
 int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)
 {
-    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest)
-                              : byDefault;
+    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest) : byDefault;
 }
 
 std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)

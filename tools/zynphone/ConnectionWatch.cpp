@@ -29,8 +29,7 @@ QByteArray peerName(int fd)
 int findConnection(const char* socketName)
 {
     const QDir descriptors(QStringLiteral("/proc/self/fd"));
-    for (const QString& entry :
-         descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
+    for (const QString& entry : descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
         if (const int fd = entry.toInt(); peerName(fd) == socketName)
             return fd;
     }
@@ -52,11 +51,10 @@ ConnectionWatch::ConnectionWatch(const char* socketName)
     : m_socket(findConnection(socketName))
     , m_inode(inodeOf(m_socket).value_or(0))
 {
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
-                     &m_context, [this] {
-                         if (isLost())
-                             QCoreApplication::quit();
-                     });
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &m_context, [this] {
+        if (isLost())
+            QCoreApplication::quit();
+    });
 }
 
 bool ConnectionWatch::isLost() const

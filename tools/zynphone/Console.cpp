@@ -47,8 +47,8 @@ QString printable(const QString& text)
 
 Console::Console()
 {
-    m_sound = m_output.open(takeStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered,
-                            QFileDevice::AutoCloseHandle);
+    m_sound =
+        m_output.open(takeStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
     silenceStandardOutput();
 }
 

@@ -35,8 +35,7 @@ Request requestFrom(const Invocation& call)
             .name = call.isSet(u"name"_s) ? callName(call.value(u"name"_s)) : QString(),
             .flag = call.isSet(u"flag"_s),
             .clir = numberFrom(call, u"clir"_s, 0),
-            .line = static_cast<signed char>(
-                numberFrom(call, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
+            .line = static_cast<signed char>(numberFrom(call, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
 }
 
 /// The one of --direct, --prepend and --mode that is set; null when none is.
@@ -65,8 +64,8 @@ void refuseOptionsBesides(const QString& way, const Invocation& call)
 /// Places a call with any dial mode, for which there is no entry point of its own.
 void makeCall(const Request& request, int mode)
 {
-    if (!PHONE_VoiceCallSender().makeCall(request.number.constData(), request.name, request.flag,
-                                          request.clir, mode, request.line))
+    if (!PHONE_VoiceCallSender().makeCall(request.number.constData(), request.name, request.flag, request.clir, mode,
+                                          request.line))
         throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kVoiceCallChannel)));
 }
 
@@ -105,26 +104,24 @@ namespace zyn::tool {
 
 Command dialCommand()
 {
-    return {
-        .name = u"dial"_s,
-        .summary = u"Ask the phone application for a voice call, which does not say what becomes of it"_s,
-        .details =
-            u"\n--direct, --prepend and --mode exclude each other; the first two go with no other option.\n"_s,
-        .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
-        .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
-                    valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
-                    valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(kDefaultLine)),
-                    flagOption(u"flag"_s, u"set the flag that the phone application gives its meaning"_s),
-                    flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
-                    flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),
-                    valueOption(u"mode"_s, u"N"_s, u"any dial mode; 0 by default"_s)},
-        .run = dial};
+    return {.name = u"dial"_s,
+            .summary = u"Ask the phone application for a voice call, which does not say what becomes of it"_s,
+            .details =
+                u"\n--direct, --prepend and --mode exclude each other; the first two go with no other option.\n"_s,
+            .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
+            .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
+                        valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
+                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(kDefaultLine)),
+                        flagOption(u"flag"_s, u"set the flag that the phone application gives its meaning"_s),
+                        flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
+                        flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),
+                        valueOption(u"mode"_s, u"N"_s, u"any dial mode; 0 by default"_s)},
+            .run = dial};
 }
 
 Command hangupCommand()
 {
-    return {
-        .name = u"hangup"_s, .summary = u"Ask the phone application to end the voice call"_s, .run = hangUp};
+    return {.name = u"hangup"_s, .summary = u"Ask the phone application to end the voice call"_s, .run = hangUp};
 }
 
 } // namespace zyn::tool

@@ -33,8 +33,8 @@ std::vector<Code> controlCodes()
 {
     const int keypad = UTIL_GetKeypadLockStatus();
     const int card = UTIL_GetSimCardStatus();
-    std::vector<Code> codes{{QLatin1String(emergency::kImeiCode), handset::kKeypadLock, keypad,
-                             keypad == emergency::kImeiKeypadStatus}};
+    std::vector<Code> codes{
+        {QLatin1String(emergency::kImeiCode), handset::kKeypadLock, keypad, keypad == emergency::kImeiKeypadStatus}};
     for (const char* code : emergency::kPinCodes)
         codes.push_back({QLatin1String(code), handset::kSimCard, card, emergency::allowsPinCodes(card)});
     return codes;
@@ -71,8 +71,8 @@ QJsonValue forbiddenJson(const Verdict& verdict)
 {
     QJsonArray codes;
     for (const Code& code : verdict.forbidden)
-        codes += QJsonObject{
-            {u"code"_s, code.text}, {u"state"_s, QLatin1String(code.state.name)}, {u"value"_s, code.value}};
+        codes +=
+            QJsonObject{{u"code"_s, code.text}, {u"state"_s, QLatin1String(code.state.name)}, {u"value"_s, code.value}};
     return codes;
 }
 
@@ -117,8 +117,7 @@ ExitCode checkNumber(const QString& number, Console& console, bool json)
     if (json)
         console.write(QJsonDocument(QJsonObject{{u"number"_s, number}, {u"emergency"_s, isEmergency}}));
     else
-        console.write(
-            u"%1 is %2 emergency number\n"_s.arg(printable(number), isEmergency ? u"an"_s : u"no"_s));
+        console.write(u"%1 is %2 emergency number\n"_s.arg(printable(number), isEmergency ? u"an"_s : u"no"_s));
     return Done;
 }
 
@@ -144,8 +143,7 @@ ExitCode writeNumbers(const Invocation& call, Console& /*console*/)
     for (const QString& number : call.arguments())
         numbers += callNumber(number);
     if (numbers.size() > emergency::kRecordLimit)
-        throw usageError(
-            u"%1 numbers; at most %2 are read"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
+        throw usageError(u"%1 numbers; at most %2 are read"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
     if (!emergency::writeList(numbers))
         throw failure(u"cannot write %1"_s.arg(QLatin1String(emergency::kListFile)));
     return Done;
@@ -166,18 +164,16 @@ Command emergencyCommand()
                   .summary = u"Replace the list of emergency numbers, as the handset does"_s,
                   .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Many}},
                   .run = writeNumbers};
-    return {
-        .name = u"emergency"_s,
-        .summary = u"Show whether a number is an emergency number, or what a text being typed may become"_s,
-        .details =
-            u"\nFor a text the verdict after each key is shown, the emergency numbers and allowed control "
-            "codes that it\nmay become, and the control codes that a state of the handset forbids. The "
-            "objects of --json have the\nfields %1; those of forbidden code, state and value.\nThe object "
-            "for a number has the fields number and emergency.\n"_s.arg(fieldNames(kVerdictColumns)),
-        .verbs = {std::move(list), std::move(write)},
-        .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Optional}},
-        .options = {valueOption(u"typing"_s, u"TEXT"_s, u"the text, typed key by key"_s), jsonOption()},
-        .run = answer};
+    return {.name = u"emergency"_s,
+            .summary = u"Show whether a number is an emergency number, or what a text being typed may become"_s,
+            .details = u"\nFor a text the verdict after each key is shown, the emergency numbers and allowed control "
+                       "codes that it\nmay become, and the control codes that a state of the handset forbids. The "
+                       "objects of --json have the\nfields %1; those of forbidden code, state and value.\nThe object "
+                       "for a number has the fields number and emergency.\n"_s.arg(fieldNames(kVerdictColumns)),
+            .verbs = {std::move(list), std::move(write)},
+            .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Optional}},
+            .options = {valueOption(u"typing"_s, u"TEXT"_s, u"the text, typed key by key"_s), jsonOption()},
+            .run = answer};
 }
 
 } // namespace zyn::tool

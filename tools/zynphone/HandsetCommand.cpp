@@ -38,8 +38,8 @@ struct Assignment
 
 const State* findState(const QString& name)
 {
-    const auto found = std::ranges::find(zyn::handset::kStates, name,
-                                         [](const State& state) { return QLatin1String(state.name); });
+    const auto found =
+        std::ranges::find(zyn::handset::kStates, name, [](const State& state) { return QLatin1String(state.name); });
     if (found == zyn::handset::kStates.end())
         throw usageError(u"unknown state '%1'; 'zynphone handset show' lists them"_s.arg(name));
     return found;
@@ -78,12 +78,11 @@ Command handsetCommand()
                  .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kColumns)),
                  .options = {jsonOption()},
                  .run = showStates};
-    Command set{
-        .name = u"set"_s,
-        .summary = u"Set one or more states, for every process that asks from now on"_s,
-        .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
-                      {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
-        .run = setStates};
+    Command set{.name = u"set"_s,
+                .summary = u"Set one or more states, for every process that asks from now on"_s,
+                .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
+                              {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
+                .run = setStates};
     return {.name = u"handset"_s,
             .summary = u"The states of the stand-in handset"_s,
             .verbs = {std::move(show), std::move(set)}};

@@ -63,8 +63,8 @@ QString helpText(const Command& command, const QString& path)
     QList<QStringList> options;
     for (const QCommandLineOption& option : command.options + commonOptions())
         options += optionRow(option);
-    return usageLine(command, path) + u'\n' + command.summary + u".\n"_s + command.details +
-           section(u"Verbs"_s, verbs) + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
+    return usageLine(command, path) + u'\n' + command.summary + u".\n"_s + command.details + section(u"Verbs"_s, verbs)
+           + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
 }
 
 } // namespace zyn::tool

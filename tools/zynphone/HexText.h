@@ -20,8 +20,7 @@ inline QByteArray bytesFromHex(const QString& digits)
 {
     const QByteArray text = digits.toUtf8();
     const bool isHex = std::ranges::all_of(text, [](char digit) {
-        return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f') ||
-               (digit >= 'A' && digit <= 'F');
+        return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f') || (digit >= 'A' && digit <= 'F');
     });
     if (!isHex || text.size() % 2 != 0)
         throw usageError(QStringLiteral("'%1' is no even number of hexadecimal digits").arg(digits));

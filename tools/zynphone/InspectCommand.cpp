@@ -24,14 +24,11 @@ constexpr FileKind kKinds[] = {kRecordFileKind};
 
 const FileKind& kindOf(const QString& path, const QString& name, const QByteArray& image)
 {
-    auto kind =
-        std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isNamed(name); });
+    auto kind = std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isNamed(name); });
     if (kind == std::end(kKinds))
-        kind = std::ranges::find_if(kKinds,
-                                    [&](const FileKind& candidate) { return candidate.isShaped(image); });
+        kind = std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isShaped(image); });
     if (kind == std::end(kKinds))
-        throw failure(
-            u"%1: neither its name nor its header and size are those of a file of the store"_s.arg(path));
+        throw failure(u"%1: neither its name nor its header and size are those of a file of the store"_s.arg(path));
     return *kind;
 }
 
@@ -90,15 +87,13 @@ namespace zyn::tool {
 
 Command inspectCommand()
 {
-    return {
-        .name = u"inspect"_s,
-        .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
-        .details =
-            u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
-            "objects with the fields of 'calls list' and slot, the place in the file.\n"_s,
-        .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d, or a copy of one"_s}},
-        .options = {jsonOption()},
-        .run = inspect};
+    return {.name = u"inspect"_s,
+            .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
+            .details = u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
+                       "objects with the fields of 'calls list' and slot, the place in the file.\n"_s,
+            .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d, or a copy of one"_s}},
+            .options = {jsonOption()},
+            .run = inspect};
 }
 
 } // namespace zyn::tool

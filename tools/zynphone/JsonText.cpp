@@ -7,8 +7,8 @@ namespace {
 bool isPrintable(QChar character)
 {
     const QChar::Category category = character.category();
-    return character.isSurrogate() || (character.isPrint() && category != QChar::Separator_Line &&
-                                       category != QChar::Separator_Paragraph);
+    return character.isSurrogate()
+           || (character.isPrint() && category != QChar::Separator_Line && category != QChar::Separator_Paragraph);
 }
 
 } // namespace

@@ -30,8 +30,8 @@ QString word(const QCString& name)
 {
     const QString text = QString::fromUtf8(name);
     const QString inQuotes = quoted(text);
-    const bool isWord = !text.isEmpty() && inQuotes.size() == text.size() + 2 &&
-                        std::ranges::none_of(text, [](QChar character) { return character.isSpace(); });
+    const bool isWord = !text.isEmpty() && inQuotes.size() == text.size() + 2
+                        && std::ranges::none_of(text, [](QChar character) { return character.isSpace(); });
     return isWord ? text : inQuotes;
 }
 
@@ -93,8 +93,7 @@ QString messageText(const ReceivedMessage& message, bool raw)
         values += u"rest="_s + restText(fields.rest);
     if (raw)
         values += u"payload="_s + hexText(message.payload);
-    QStringList columns{message.time.toString(u"HH:mm:ss.zzz"),
-                        word(message.channel).leftJustified(kChannelWidth),
+    QStringList columns{message.time.toString(u"HH:mm:ss.zzz"), word(message.channel).leftJustified(kChannelWidth),
                         word(message.name).leftJustified(kNameWidth), kindText(fields)};
     if (!values.isEmpty())
         columns += values.join(u' ');

@@ -49,11 +49,10 @@ public:
         auto channel = std::make_unique<QCopChannel>(name.toUtf8());
         if (!channel->isListening())
             throw failure(u"cannot listen on %1"_s.arg(name));
-        QObject::connect(
-            channel.get(), &QCopChannel::received, channel.get(),
-            [this, channel = channel->channel()](const QCString& message, const QByteArray& data) {
-                show({QDateTime::currentDateTime(), channel, message, data});
-            });
+        QObject::connect(channel.get(), &QCopChannel::received, channel.get(),
+                         [this, channel = channel->channel()](const QCString& message, const QByteArray& data) {
+                             show({QDateTime::currentDateTime(), channel, message, data});
+                         });
         m_channels.push_back(std::move(channel));
     }
 
@@ -111,9 +110,8 @@ Command monitorCommand()
                        "with --raw,\n"
                        "payload.\n"_s,
             .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
-            .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s),
-                        jsonOption(), valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
-                        TimeLimit::option()},
+            .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s), jsonOption(),
+                        valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option()},
             .run = monitorChannels};
 }
 

@@ -65,10 +65,8 @@ Command pttCommand()
                  .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
                              valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
                  .run = startCall};
-    Command drop{
-        .name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
-    return {
-        .name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
+    Command drop{.name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
+    return {.name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
 }
 
 } // namespace zyn::tool

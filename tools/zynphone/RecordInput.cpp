@@ -36,8 +36,7 @@ QByteArray allStatusBytes(const AllStatusField& field, const QString& word)
     case FieldKind::Int:
         return imageOf(wholeNumber(word, name));
     case FieldKind::Byte:
-        return QByteArray(1,
-                          static_cast<char>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
+        return QByteArray(1, static_cast<char>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
     case FieldKind::Text:
         return latin1Field(word, name, field.size - 1).toLatin1().leftJustified(field.size, '\0');
     default:

@@ -20,12 +20,11 @@ using zyn::PayloadWriter;
 
 using WriteValue = void (*)(PayloadWriter&, const QString& value);
 
-constexpr Word<WriteValue> kNull{
-    "null", [](PayloadWriter& writer, const QString& /*value*/) { writer.writeText(QString()); }};
+constexpr Word<WriteValue> kNull{"null",
+                                 [](PayloadWriter& writer, const QString& /*value*/) { writer.writeText(QString()); }};
 
 constexpr std::array<Word<WriteValue>, 7> kTypes{{
-    {"int",
-     [](PayloadWriter& writer, const QString& value) { writer.writeInt(wholeNumber(value, u"int"_s)); }},
+    {"int", [](PayloadWriter& writer, const QString& value) { writer.writeInt(wholeNumber(value, u"int"_s)); }},
     {"char",
      [](PayloadWriter& writer, const QString& value) {
          using Limits = std::numeric_limits<int8_t>;
@@ -36,15 +35,15 @@ constexpr std::array<Word<WriteValue>, 7> kTypes{{
          const int highest = std::numeric_limits<uint8_t>::max();
          writer.writeByte(static_cast<uint8_t>(wholeNumber(value, u"byte"_s, 0, highest)));
      }},
-    {"bool", [](PayloadWriter& writer,
-                const QString& value) { writer.writeBool(wholeNumber(value, u"bool"_s, 0, 1) == 1); }},
+    {"bool",
+     [](PayloadWriter& writer, const QString& value) { writer.writeBool(wholeNumber(value, u"bool"_s, 0, 1) == 1); }},
     {"text", [](PayloadWriter& writer, const QString& value) { writer.writeText(value); }},
     kNull,
     {"hex",
      [](PayloadWriter& writer, const QString& value) {
          const QByteArray bytes = bytesFromHex(value);
-         writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(bytes.constData()),
-                                   static_cast<size_t>(bytes.size())));
+         writer.writeRaw(
+             std::span(reinterpret_cast<const uint8_t*>(bytes.constData()), static_cast<size_t>(bytes.size())));
      }},
 }};
 

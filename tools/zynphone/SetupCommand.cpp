@@ -49,8 +49,8 @@ public:
         if (!m_channel.isListening())
             throw failure(u"cannot listen on %1"_s.arg(QLatin1String(kPhoneChannel)));
         QObject::connect(&m_channel, &QCopChannel::received, &m_channel,
-                         [this, name = messageName(kPhonePrefix, type, kPhoneTypes)](
-                             const QCString& message, const QByteArray& payload) {
+                         [this, name = messageName(kPhonePrefix, type, kPhoneTypes)](const QCString& message,
+                                                                                     const QByteArray& payload) {
                              if (message == name)
                                  take(payload);
                          });
@@ -113,10 +113,8 @@ Command prependCommand()
 
 Command radioCommand()
 {
-    Command on{
-        .name = u"on"_s, .summary = u"Ask the phone server to switch it on"_s, .run = switchRadio<true>};
-    Command off{
-        .name = u"off"_s, .summary = u"Ask the phone server to switch it off"_s, .run = switchRadio<false>};
+    Command on{.name = u"on"_s, .summary = u"Ask the phone server to switch it on"_s, .run = switchRadio<true>};
+    Command off{.name = u"off"_s, .summary = u"Ask the phone server to switch it off"_s, .run = switchRadio<false>};
     return {.name = u"radio"_s,
             .summary = u"The radio, whose switch answers with a result; 0 is failure"_s,
             .verbs = {std::move(on), std::move(off)}};

@@ -65,8 +65,8 @@ private:
 
 CommandError serverError()
 {
-    return serviceError(u"phone server"_s, QLatin1String(voicecall::kSocketDirectory) + u'/' +
-                                               QLatin1String(voicecall::kSocketName));
+    return serviceError(u"phone server"_s,
+                        QLatin1String(voicecall::kSocketDirectory) + u'/' + QLatin1String(voicecall::kSocketName));
 }
 
 /// Lets the replies come in until the call, the connection or the time is over, or a signal ends it.
@@ -92,8 +92,7 @@ ExitCode callFromJava(const Invocation& call, Console& console)
     const TimeLimit limit(call);
     Replies replies(console);
     javaReplies = &replies;
-    const int handle =
-        PHONE_VoiceCall_Java_Init([](char code) { javaReplies->show(static_cast<uint8_t>(code)); });
+    const int handle = PHONE_VoiceCall_Java_Init([](char code) { javaReplies->show(static_cast<uint8_t>(code)); });
     const auto disconnect = qScopeGuard([handle] { PHONE_VoiceCall_Java_DeInit(handle); });
     if (PHONE_VoiceCall_Java_MakeCall(handle, number.constData(), value) != 0)
         throw serverError();
@@ -106,9 +105,8 @@ ExitCode callFromJava(const Invocation& call, Console& console)
 PHONE_VoiceSTK_PARAMETER parameterFrom(const QString& text)
 {
     PHONE_VoiceSTK_PARAMETER parameter = {};
-    const QByteArray bytes = text.startsWith("hex:"_L1)
-                                 ? blockFrom(text, u"parameter"_s, sizeof parameter.bytes)
-                                 : callNumber(text).toLatin1();
+    const QByteArray bytes = text.startsWith("hex:"_L1) ? blockFrom(text, u"parameter"_s, sizeof parameter.bytes)
+                                                        : callNumber(text).toLatin1();
     std::memcpy(parameter.bytes, bytes.constData(), static_cast<size_t>(bytes.size()));
     return parameter;
 }
@@ -133,8 +131,7 @@ QString details()
     for (const Word<int>& reply : kReplies)
         words += QLatin1String(reply.text);
     return u"\nThe server's replies are shown as they come: %1, any other as a number.\n"
-           "The verb ends with the call; a connection that ends first is a failure.\n"_s.arg(
-               words.join(u", "_s));
+           "The verb ends with the call; a connection that ends first is a failure.\n"_s.arg(words.join(u", "_s));
 }
 
 } // namespace
@@ -143,28 +140,27 @@ namespace zyn::tool {
 
 Command javaCommand()
 {
-    Command call{
-        .name = u"call"_s,
-        .summary = u"Place a call as the Java runtime does, and end it when the time is over"_s,
-        .details = details(),
-        .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
-        .options = {valueOption(u"value"_s, u"N"_s, u"the number in front of the call's; 0 by default"_s),
-                    TimeLimit::option()},
-        .run = callFromJava};
+    Command call{.name = u"call"_s,
+                 .summary = u"Place a call as the Java runtime does, and end it when the time is over"_s,
+                 .details = details(),
+                 .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
+                 .options = {valueOption(u"value"_s, u"N"_s, u"the number in front of the call's; 0 by default"_s),
+                             TimeLimit::option()},
+                 .run = callFromJava};
     return {.name = u"java"_s, .summary = u"Calls of the Java runtime"_s, .verbs = {std::move(call)}};
 }
 
 Command stkCommand()
 {
-    Command call{.name = u"call"_s,
-                 .summary = u"Place a call as the SIM-toolkit application does"_s,
-                 .details = details(),
-                 .arguments = {{u"PARAMETER"_s,
-                                u"hex: and the block's %1 bytes, or the number that it begins with, %2"_s
-                                    .arg(sizeof(PHONE_VoiceSTK_PARAMETER))
-                                    .arg(callNumberMeaning())}},
-                 .options = {TimeLimit::option()},
-                 .run = callFromSimToolkit};
+    Command call{
+        .name = u"call"_s,
+        .summary = u"Place a call as the SIM-toolkit application does"_s,
+        .details = details(),
+        .arguments = {{u"PARAMETER"_s, u"hex: and the block's %1 bytes, or the number that it begins with, %2"_s
+                                           .arg(sizeof(PHONE_VoiceSTK_PARAMETER))
+                                           .arg(callNumberMeaning())}},
+        .options = {TimeLimit::option()},
+        .run = callFromSimToolkit};
     return {.name = u"stk"_s, .summary = u"Calls that the SIM card sets up"_s, .verbs = {std::move(call)}};
 }
 

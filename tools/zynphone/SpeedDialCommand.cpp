@@ -94,9 +94,8 @@ Command speedDialCommand()
                 .summary = u"Set the number of an entry"_s,
                 .arguments = {indexArgument(), {u"NUMBER"_s, u"any text; '' frees the entry"_s}},
                 .run = setEntry};
-    Command firstFree{.name = u"first-free"_s,
-                      .summary = u"Show the lowest index whose entry is free"_s,
-                      .run = showFirstFree};
+    Command firstFree{
+        .name = u"first-free"_s, .summary = u"Show the lowest index whose entry is free"_s, .run = showFirstFree};
     return {.name = u"speed-dial"_s,
             .summary = u"The nine numbers of speed dial"_s,
             .verbs = {std::move(list), std::move(get), std::move(set), std::move(firstFree)}};

@@ -59,8 +59,7 @@ void writeField(PayloadWriter& writer, const Field& field, const QString& word)
     if (field.kind == FieldKind::Int) {
         writer.writeInt(wholeNumber(word, name));
     } else if (field.kind == FieldKind::Byte) {
-        writer.writeByte(
-            static_cast<uint8_t>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
+        writer.writeByte(static_cast<uint8_t>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
     } else if (field.kind == FieldKind::Text) {
         writer.writeText(word);
     } else {
@@ -165,13 +164,12 @@ namespace zyn::tool {
 
 Command statusCommand()
 {
-    return {
-        .name = u"status"_s,
-        .summary = u"Send a status message as the phone server does"_s,
-        .details = nameList(),
-        .arguments = {{u"NAME"_s, u"which status"_s}, {u"ARG"_s, u"as the name takes them"_s, Argument::Any}},
-        .options = allStatusOptions(),
-        .run = sendStatus};
+    return {.name = u"status"_s,
+            .summary = u"Send a status message as the phone server does"_s,
+            .details = nameList(),
+            .arguments = {{u"NAME"_s, u"which status"_s}, {u"ARG"_s, u"as the name takes them"_s, Argument::Any}},
+            .options = allStatusOptions(),
+            .run = sendStatus};
 }
 
 } // namespace zyn::tool

@@ -18,8 +18,7 @@ class TimeLimit
 public:
     static QCommandLineOption option()
     {
-        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"),
-                           QStringLiteral("end after that time"));
+        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), QStringLiteral("end after that time"));
     }
 
     explicit TimeLimit(const Invocation& call)
@@ -30,8 +29,7 @@ public:
     void start() const
     {
         if (m_seconds)
-            QTimer::singleShot(std::chrono::seconds(*m_seconds), QCoreApplication::instance(),
-                               &QCoreApplication::quit);
+            QTimer::singleShot(std::chrono::seconds(*m_seconds), QCoreApplication::instance(), &QCoreApplication::quit);
     }
 
 private:

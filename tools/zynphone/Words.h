@@ -21,8 +21,7 @@ struct Word
 template<typename Words, typename Value>
 QString wordFor(const Words& words, Value value)
 {
-    const auto found =
-        std::ranges::find_if(words, [value](const Word<Value>& word) { return word.value == value; });
+    const auto found = std::ranges::find_if(words, [value](const Word<Value>& word) { return word.value == value; });
     return found == words.end() ? QString::number(value) : QLatin1String(found->text);
 }
 
@@ -31,15 +30,13 @@ QString wordFor(const Words& words, Value value)
 template<typename Words>
 const auto& wordNamed(const Words& words, const QString& text, const QString& what)
 {
-    const auto found =
-        std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
+    const auto found = std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
     if (found != words.end())
         return *found;
     QStringList known;
     for (const auto& word : words)
         known += QLatin1String(word.text);
-    throw usageError(
-        QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, known.join(QLatin1String(", "))));
+    throw usageError(QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, known.join(QLatin1String(", "))));
 }
 
 } // namespace zyn::tool

@@ -25,10 +25,10 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(),
-                      prependCommand(), pttCommand(), javaCommand(), stkCommand(), radioCommand(),
-                      languageCommand(), callsCommand(), settingsCommand(), handsetCommand(),
-                      inspectCommand(), monitorCommand(), statusCommand(), sendCommand()}};
+            .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
+                      pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
+                      settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
+                      sendCommand()}};
 }
 
 } // namespace
