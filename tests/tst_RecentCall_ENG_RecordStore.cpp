@@ -336,6 +336,7 @@ void tst_RecentCall_ENG_RecordStore::goesOnCountingAfterTheLargestUid()
     QCOMPARE(nextAfter(41), 42);
     RecentCall_ENG_RecordStore::destroy();
     QCOMPARE(m_fixture->add(kDialed, "2").uid, 43);
+    QCOMPARE(nextAfter(44), 45); // 44 would have been the next
     QCOMPARE(nextAfter(kLargest), kLargest);
     QCOMPARE(m_fixture->add(kDialed, "4").uid, kLargest);
 }
