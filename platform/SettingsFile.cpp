@@ -178,7 +178,7 @@ std::optional<QByteArray> SettingsFile::value(const QString& group, const QStrin
     return found;
 }
 
-bool SettingsFile::setValue(const QString& group, const QString& key, const QString& value) const
+bool SettingsFile::setValue(const QString& group, const QString& key, const QString& value)
 {
     if (!fitsOneLine(group) || !isKey(key) || !fitsOneLine(value))
         return false;
@@ -186,8 +186,12 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
         return false;
     const QString path = resolved(m_path);
     QLockFile lock(path + QLatin1String(".lock"));
-    if (!acquire(lock))
+    if (m_isLockedOut)
         return false;
+    if (!acquire(lock)) {
+        m_isLockedOut = lock.error() == QLockFile::LockFailedError;
+        return false;
+    }
     const std::optional<QByteArray> text =
         QFileInfo::exists(path) ? posix::readWhole(QFile::encodeName(path), kSizeLimit) : QByteArray();
     if (!text)

@@ -20,10 +20,12 @@ public:
     std::optional<QByteArray> value(const QString& group, const QString& key) const;
 
     /// Stores @p value; false when a line cannot hold it or it could not be brought to disk.
-    bool setValue(const QString& group, const QString& key, const QString& value) const;
+    /// Waits up to 5 seconds for another writer; where that was in vain, later calls fail without waiting.
+    bool setValue(const QString& group, const QString& key, const QString& value);
 
 private:
     QString m_path;
+    bool m_isLockedOut = false; ///< another writer kept its lock for too long
 };
 
 } // namespace zyn

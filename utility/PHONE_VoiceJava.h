@@ -10,7 +10,8 @@ extern "C" {
 
 // One connection in a process, used from one thread, whose event loop reads the server's replies. A
 // connection that is lost stays lost until PHONE_VoiceCall_Java_DeInit() and another
-// PHONE_VoiceCall_Java_Init().
+// PHONE_VoiceCall_Java_Init(). The event loop, a request and the goodbye may each wait up to 5 seconds for a server
+// that stalls; one that sends what is no reply loses the connection.
 
 /**
  * Connects to the phone server, which must run as this user or as root, and registers.

@@ -30,7 +30,8 @@ int PHONE_VOICESTK_MakeCall(PHONE_VoiceSTK* client, PHONE_VoiceSTK_PARAMETER* pa
 }
 
 PHONE_VoiceSTK::PHONE_VoiceSTK(int socket, int)
-    : m_connection(std::make_unique<VoiceCallConnection>(socket, this, &PHONE_VoiceSTK::ReadData))
+    : m_connection(zyn::required(new (std::nothrow) VoiceCallConnection(socket, this, &PHONE_VoiceSTK::ReadData),
+                                 "PHONE_VoiceSTK"))
 {}
 
 PHONE_VoiceSTK::~PHONE_VoiceSTK() = default;

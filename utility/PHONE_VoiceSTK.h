@@ -55,7 +55,7 @@ public:
 
 public Q_SLOTS:
     /// Reads one reply; called when @p socket, which is the client's, has something to read. A negative
-    /// number reads nothing.
+    /// number, and any other than the client's, reads nothing. Waits up to 5 seconds for the rest of a reply.
     void ReadData(int socket);
 
 Q_SIGNALS:

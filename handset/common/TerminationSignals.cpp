@@ -20,7 +20,11 @@ TerminationSignals::TerminationSignals()
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(), &QCoreApplication::quit);
+    connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(), [this] {
+        // The signal stays where it is: a loop that runs while the program ends would see nothing else.
+        m_notifier->setEnabled(false);
+        QCoreApplication::quit();
+    });
 }
 
 TerminationSignals::~TerminationSignals() = default;

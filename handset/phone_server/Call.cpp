@@ -32,7 +32,7 @@ bool Call::take(CallEvent event)
 int Call::duration() const
 {
     constexpr qint64 kSecond = 1000;
-    return m_course.wasConnected() ? static_cast<int>(m_talked / kSecond) + 1 : 0;
+    return m_course.wasConnected() ? std::max(1, static_cast<int>((m_talked + kSecond / 2) / kSecond)) : 0;
 }
 
 PHONE_ENG_RecentCall Call::record() const

@@ -30,7 +30,7 @@ public:
     /// As CallCourse::take().
     bool take(CallEvent event);
 
-    /// How long the parties talked, in seconds, begun ones included; 0 when they never did.
+    /// How long the parties talked, in whole seconds and at least 1; 0 when they never did.
     int duration() const;
     /// What the log of recent calls keeps of a call that is over.
     PHONE_ENG_RecentCall record() const;

@@ -2,14 +2,8 @@
 #include "handset/phone_server/PhoneServer.h"
 
 #include "handset/phone_server/ClientConnection.h"
+#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
-
-namespace {
-
-/// The dial mode of a request to put the prefix in front of the number.
-constexpr int kWithPrefix = 2;
-
-} // namespace
 
 PhoneServer::PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
     : m_line(pace)
@@ -43,7 +37,7 @@ void PhoneServer::listenToVoiceCallRequests()
 
 void PhoneServer::makeCall(const QString& number, const QString& name, int dialMode)
 {
-    const bool hasPrefix = dialMode == kWithPrefix && !number.isEmpty();
+    const bool hasPrefix = dialMode == zyn::DialPrependly && !number.isEmpty();
     m_line.place({hasPrefix ? m_prefix + number : number, name});
 }
 

@@ -17,7 +17,6 @@ namespace {
 using namespace zyn::tool;
 
 /// Where the entry points that take no line place their calls.
-constexpr int kDefaultLine = 2;
 
 struct Request
 {
@@ -35,7 +34,7 @@ Request requestFrom(const Invocation& call)
             .name = call.isSet(u"name"_s) ? callName(call.value(u"name"_s)) : QString(),
             .flag = call.isSet(u"flag"_s),
             .clir = numberFrom(call, u"clir"_s, 0),
-            .line = static_cast<signed char>(numberFrom(call, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
+            .line = static_cast<signed char>(numberFrom(call, u"line"_s, zyn::kDefaultLine, Line::min(), Line::max()))};
 }
 
 /// The one of --direct, --prepend and --mode that is set; null when none is.
@@ -111,7 +110,7 @@ Command dialCommand()
             .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
             .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
                         valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
-                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(kDefaultLine)),
+                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(zyn::kDefaultLine)),
                         flagOption(u"flag"_s, u"set the flag that the phone application gives its meaning"_s),
                         flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
                         flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),

@@ -104,8 +104,10 @@ ExitCode showTyping(const Invocation& call, Console& console)
         throw usageError(u"the text is empty"_s);
     const QStringList numbers = emergency::readList();
     std::vector<Verdict> verdicts;
-    for (qsizetype keys = 1; keys <= text.size(); ++keys)
-        verdicts.push_back(verdictOn(text.left(keys), numbers));
+    for (qsizetype keys = 1; keys <= text.size(); ++keys) {
+        if (!text.at(keys - 1).isHighSurrogate())
+            verdicts.push_back(verdictOn(text.left(keys), numbers));
+    }
     printTable(console, Table(kVerdictColumns, verdicts), call.isSet(u"json"_s));
     return Done;
 }
