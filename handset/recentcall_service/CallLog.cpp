@@ -149,8 +149,10 @@ std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
 void CallLog::open()
 {
     m_store.emplace();
-    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists)
-        correctSlots(list);
+    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
+        if (isSound(Lists(&list, 1)))
+            correctSlots(list);
+    }
     read(zyn::kRecordLists);
 }
 
