@@ -1,0 +1,125 @@
+// The activity log of five favourites on disk.
+#pragma once
+
+#include "platform/QSortedList.h"
+#include "platform/ZynExport.h"
+#include "recentcall/utility/PHONE_ENG_ActivityLog.h"
+
+#include <QtCore/QString>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+/// One of the five places for a favourite, in memory as on disk: 24 bytes, little-endian.
+struct TopPalNumberDetail
+{
+    int32_t nthFileItem = kFree; ///< the place's own number, 0 to 4; kFree when it holds no favourite
+    char phoneNumber[18] = {};   ///< Latin-1, at most 17 characters, padded with NUL
+    char padding[2] = {};        ///< 0 when written, ignored when read
+
+    static constexpr int32_t kFree = -1;
+};
+static_assert(offsetof(TopPalNumberDetail, nthFileItem) == 0);
+static_assert(offsetof(TopPalNumberDetail, phoneNumber) == 4);
+static_assert(offsetof(TopPalNumberDetail, padding) == 22);
+static_assert(sizeof(TopPalNumberDetail) == 24 && std::is_trivially_copyable_v<TopPalNumberDetail>);
+
+/**
+ * The activity log of this process: up to five favourites, and a file of the latest calls and messages of each.
+ *
+ * The files are in the directory of the record files: "topPalsDetails" with the five numbers, and one file a favourite,
+ * named by its number, with as many slots as RecentCall_Setup::getMaxTopPalsAvlItems() says at the start of each
+ * operation (never more than 32767). A file of another size or with a wrong header counts as missing, and
+ * registering its number again replaces it.
+ *
+ * Not guarded: use it from one thread. Several processes may read the same files, but only one may change them.
+ *
+ * Every operation writes what it does to standard output. Where an int is returned it is 1 on success, 0 on failure.
+ */
+class ZYN_EXPORT ActivityLog_ENG_RecordStore
+{
+public:
+    static constexpr int kFavourites = 5;
+
+    /// The store of the process. The first call makes it and the file of the favourites unless there is one; slots that
+    /// hold entries already are known to be used.
+    static ActivityLog_ENG_RecordStore* instance();
+    /// Deletes the store; the index that the next entry will get is kept.
+    static void destroy();
+
+    ActivityLog_ENG_RecordStore(const ActivityLog_ENG_RecordStore&) = delete;
+    ActivityLog_ENG_RecordStore& operator=(const ActivityLog_ENG_RecordStore&) = delete;
+
+    /**
+     * Logs an activity of the favourite whose number the record has, in the lowest free slot. The caller sets inUse.
+     *
+     * There is no eviction: with every slot in use, an entry must be removed first.
+     *
+     * @param rec  gets its topPalsAvlIndex, even when the add fails, and its topPalsAvlPos
+     */
+    int addTopPalsAvlItem(PHONE_ENG_ActivityLog& rec);
+
+    /// Writes the record over the slot topPalsAvlPos of its number's file.
+    int modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& rec);
+
+    /// Empties the slot topPalsAvlPos of the file of the record's number.
+    int removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec);
+
+    /**
+     * Reads the entries of one contact's file, newest first.
+     *
+     * Appends to @p list new records that the list is to delete; what it already holds is sorted with the rest, and of
+     * all only as many as a file has slots are kept. Slots that are in use are remembered as such.
+     *
+     * @return 1 when every slot was read, also when none is in use
+     */
+    int readTopPalsAvlContactRecordList(QSortedList<PHONE_ENG_ActivityLog>& list, const QString& number);
+
+    /// Orders the list by start time, newest first, and removes what is beyond the number of slots of a file, deleting
+    /// it if the list deletes its items. Of equal times, each place goes to the one met first by a selection sort.
+    void sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list);
+
+    /**
+     * Replaces a favourite: @p oldNumber leaves, and its file goes; @p newNumber takes the lowest free place, with a
+     * file of empty slots.
+     *
+     * Either may be empty. A number whose valid file exists is refused, and so is one that cannot name a file: with a
+     * slash or a NUL, ".", "..", or the name of a file that the store directory has for another purpose.
+     *
+     * @return the result for the new number if there is one, else for the old one; 0 when both are empty
+     */
+    int revampTopPalsAvlStorage(const QString& oldNumber, const QString& newNumber);
+
+    /// Sets @p names, an array of 5, to the favourites' numbers, empty for a free place; false only when it is null.
+    bool getCurrentTopPalsFileNames(QString* names);
+
+    /// The place, 0 to 4, of the favourite @p number, to the letter; -1 when it is none, or empty.
+    int8_t getTopPalFileItem(const QString& number) const;
+    /// The lowest free place; -1 when all five are taken.
+    int8_t getValidIndexForTopPalFiles() const;
+
+    /// The path of a file of the activity log, whose directory is created unless it exists; null for a name that is
+    /// empty or leads elsewhere.
+    QString getStoreFileName(const QString& name);
+
+    /// Whether there is a file of the favourites, of its size and with a valid header.
+    bool checkTopPalsDetailsFile(const QString& fileName);
+    /// Whether there is a contact's file, of the size for the present number of slots and with a valid header.
+    bool checkTopPalsFile(const QString& fileName);
+
+    /// @{ What is known of a slot of a favourite. @p pos counts from 0; false for a number that is no favourite and a
+    /// position that no slot has.
+    bool setTopPalsAvlFlag(const QString& number, int pos);
+    bool clearTopPalsAvlFlag(const QString& number, int pos);
+    /// @}
+    /// The lowest slot not known to be used; -1 when there is none, or for a number that is no favourite.
+    int getAvailableTopPalsAvlPos(const QString& number);
+
+private:
+    ActivityLog_ENG_RecordStore();
+    ~ActivityLog_ENG_RecordStore() = default;
+
+    std::array<TopPalNumberDetail, kFavourites> topPalNumberDetails;
+};

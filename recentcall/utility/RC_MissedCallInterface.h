@@ -1,0 +1,80 @@
+// The unread missed calls, for applications.
+#pragma once
+
+#include "platform/QValueList.h"
+#include "platform/ZynExport.h"
+
+#include <QtCore/QDate>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+#include <cstdint>
+#include <memory>
+
+class RecentCall_MsgClient;
+
+/// One unread missed call. The engine gives the members their meaning; the library passes them on unread.
+struct RC_MissedCallItem
+{
+    QDate date;
+    int32_t value = 0;
+    QString first;
+    QString second;
+    uint32_t word1 = 0;
+    uint32_t word2 = 0;
+};
+
+using RC_MissedCallList = QValueList<RC_MissedCallItem>;
+
+/**
+ * The recent-call engine: what knows the unread missed calls.
+ *
+ * Its list is the first virtual operation, which is part of the interface; hence no virtual destructor, and an engine
+ * is not deleted through this class.
+ */
+class ZYN_EXPORT RC_EngineStub
+{
+public:
+    virtual RC_MissedCallList getUnreadMissedCallList() = 0;
+
+protected:
+    RC_EngineStub() = default;
+    RC_EngineStub(const RC_EngineStub&) = default;
+    RC_EngineStub& operator=(const RC_EngineStub&) = default;
+    ~RC_EngineStub() = default;
+};
+
+/// The engine of this process, null until the process sets it. The library neither sets nor deletes it.
+extern ZYN_EXPORT RC_EngineStub* g_rcEngineStub;
+
+/**
+ * Tells when the missed calls change, and hands out those that are unread.
+ *
+ * Use it in the thread of the event loop that receives the channel's messages. Every object of the process emits
+ * dataUpdate() for every change.
+ */
+class ZYN_EXPORT RC_MissedCallInterface : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The shared object, made by the first call.
+    static RC_MissedCallInterface* instance();
+    /// Deletes the shared object; the next instance() makes another.
+    static void destruction();
+
+    RC_MissedCallInterface();
+    ~RC_MissedCallInterface() override;
+
+    /// The engine's list as it is; an empty one, and a line on standard error, when the process has no engine.
+    RC_MissedCallList getUnreadMissedCalls();
+
+Q_SIGNALS:
+    void dataUpdate();
+
+private:
+    struct Holder;
+    void followClient();
+
+    std::unique_ptr<Holder> m_holder;
+};

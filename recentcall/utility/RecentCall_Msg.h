@@ -1,0 +1,56 @@
+// Names and sends the messages of the recent-call screens.
+#pragma once
+
+#include "platform/QCopChannel.h"
+#include "platform/ZynExport.h"
+#include "recentcall/utility/RC_Types.h"
+
+/// A page of the recent-call screens, which give the values their meaning.
+enum RC_PAGE_ID_T : int {};
+
+/// @{ What the calling and the messaging application send, without a payload, to have the recent calls shown.
+inline constexpr char RECENTCALL_CALLING_MSG[] = "/KQ/CALLING/RECENTCALL";
+inline constexpr char RECENTCALL_MESSAGE_MSG[] = "/KQ/MMS/RECENTCALL";
+/// @}
+
+/**
+ * Names and sends the messages of the recent-call screens' channel, "/ZYN/recentcall".
+ *
+ * The operations are static and need no object; an object listens on the channel for as long as it lives. Sending waits
+ * for nobody: true says that the message was handed on, not that the screens run, and one that nobody listens for is
+ * lost.
+ */
+class ZYN_EXPORT RecentCall_Msg : public QCopChannel
+{
+    // No Q_OBJECT: it has no signals of its own, and reports the class name of its base.
+
+public:
+    enum RECENTCALL_MSG_TYPE_T : int {
+        RECENTCALL_MSG_POWEROFF_S = 0,
+        RECENTCALL_MSG_SIMCARD_DIFFED_S = 1,
+        RECENTCALL_MSG_MISSEDCALL_UPDATE_S = 2, ///< the missed calls have changed
+        RECENTCALL_MSG_SHOW_UI_S = 3,           ///< category
+        RECENTCALL_MSG_SHOW_PAGE_S = 4,         ///< page
+        RECENTCALL_MSG_SHOW_DETAIL_S = 5,       ///< category, index
+        RECENTCALL_MSG_EXIT_PICKER_S = 6,       ///< whether a number was picked, and, if so, the number
+        RECENTCALL_MSG_HIDE_UI_S = 7,
+    };
+
+    explicit RecentCall_Msg(QObject* parent = nullptr, const char* name = nullptr);
+    ~RecentCall_Msg() override;
+
+    /// "RECENTCALL_MSG_" and the number of @p type; an empty, not null, name for a type outside 0 to 7.
+    static QCString getMsg(RECENTCALL_MSG_TYPE_T type);
+
+    /// Sends the message of @p type without a payload; false when it could not be handed on, or has no name.
+    static bool send(RECENTCALL_MSG_TYPE_T type);
+    /// Sends the message of @p type with @p data as it is; false when it could not be handed on, or has no name.
+    static bool send(RECENTCALL_MSG_TYPE_T type, const QByteArray& data);
+
+    /// Asks the screens to show the calls of a category.
+    static bool requestShowUI(RC_CALL_CATEGORY_T category);
+    static bool requestShowPage(RC_PAGE_ID_T page);
+    /// @param index  of the call in its category, as the screens count
+    static bool showRecordDetail(int index, RC_CALL_CATEGORY_T category);
+    static bool requestHideUI();
+};
