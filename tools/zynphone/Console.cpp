@@ -77,6 +77,16 @@ void Console::write(const QByteArray& bytes)
     m_sound = m_sound && m_output.write(bytes) == bytes.size();
 }
 
+bool Console::isTerminal() const
+{
+    return ::isatty(descriptor()) == 1;
+}
+
+bool Console::isColourful() const
+{
+    return isTerminal() && qEnvironmentVariableIsEmpty("NO_COLOR");
+}
+
 void Console::writeError(const QString& line)
 {
     if (std::exchange(m_traced, false))

@@ -32,6 +32,12 @@ public:
     /// Writes one line to standard error, apart from trace text that may stand there without a line end.
     void writeError(const QString& line);
 
+    /// The real standard output.
+    int descriptor() const { return m_output.handle(); }
+    bool isTerminal() const;
+    /// Whether colours are welcome: on a terminal, unless NO_COLOR is set and not empty.
+    bool isColourful() const;
+
     /// Whether everything could be written to standard output.
     bool isSound() const { return m_sound; }
 

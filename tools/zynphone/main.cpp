@@ -13,6 +13,7 @@
 #include "tools/zynphone/SocketCallCommand.h"
 #include "tools/zynphone/SpeedDialCommand.h"
 #include "tools/zynphone/StatusCommand.h"
+#include "tools/zynphone/doctor/DoctorCommand.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -28,7 +29,7 @@ Command zynphoneCommand()
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
                       settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
-                      sendCommand()}};
+                      sendCommand(), doctorCommand()}};
 }
 
 } // namespace
