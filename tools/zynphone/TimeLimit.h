@@ -25,6 +25,8 @@ public:
         : m_seconds(limitFrom(call, QStringLiteral("for"), kMaxSeconds))
     {}
 
+    bool isSet() const { return m_seconds.has_value(); }
+
     /// From now on the time runs; nothing ends when none is set.
     void start() const
     {

@@ -14,6 +14,7 @@
 #include "tools/zynphone/SpeedDialCommand.h"
 #include "tools/zynphone/StatusCommand.h"
 #include "tools/zynphone/doctor/DoctorCommand.h"
+#include "tools/zynphone/top/TopCommand.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -29,7 +30,7 @@ Command zynphoneCommand()
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
                       settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
-                      sendCommand(), doctorCommand()}};
+                      sendCommand(), doctorCommand(), topCommand()}};
 }
 
 } // namespace

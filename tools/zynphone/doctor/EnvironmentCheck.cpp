@@ -2,6 +2,7 @@
 #include "platform/SettingsDirectory_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/SwitchFile_p.h"
 #include "tools/zynphone/doctor/Checks.h"
 #include "tools/zynphone/doctor/Fault.h"
 
@@ -94,8 +95,8 @@ constexpr Variable kVariables[] = {
      [] { return u"not set: the store is %1"_s.arg(QFile::decodeName(zyn::storeDirectoryPath())); }},
     {"ZYN_APP_WRITE_PATH", checkSettingsPath,
      [] {
-         return u"not set: the settings are in %1, the feature switches in none of them"_s.arg(
-             zyn::settingsDirectory());
+         return u"not set: the settings are in %1, the feature switches in %2"_s.arg(
+             zyn::settingsDirectory(), QFileInfo(zyn::switchFile(zyn::kFixedDialSwitch)).path());
      }},
 };
 

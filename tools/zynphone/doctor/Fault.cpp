@@ -71,9 +71,9 @@ std::optional<Fault> privateDirectoryFault(const QByteArray& path)
     if (status.st_uid != ::geteuid())
         return Fault{u"it belongs to user %1, not to you, user %2"_s.arg(status.st_uid).arg(::geteuid()),
                      u"name a directory of your own, or run as its owner"_s};
-    return Fault{
-        u"its mode is %1, not 0700: other users could read along"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')),
-        u"chmod 700 %1"_s.arg(shellWord(path))};
+    return Fault{u"its mode is %1, not 0700: other users could read along"_s.arg(status.st_mode & kPermissions, 4, 8,
+                                                                                 QLatin1Char('0')),
+                 u"chmod 700 %1"_s.arg(shellWord(path))};
 }
 
 std::optional<Fault> writableDirectoryFault(const QByteArray& path)

@@ -16,8 +16,8 @@ namespace {
 using namespace zyn;
 using namespace zyn::tool;
 
-/// A byte more than a sound file has: what is longer need not be read to its end.
-constexpr qsizetype kRecordFileLimit = qsizetype{kRecordFileSize} + 1;
+/// Far above the size of every file of the store.
+constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 
 Finding damaged(const QByteArray& path, const QStringList& problems)
 {
@@ -29,8 +29,10 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
 
 Finding checkRecords(const QByteArray& path)
 {
-    const QByteArray image = posix::readWhole(path, kRecordFileLimit).value_or(QByteArray(kRecordFileLimit, '\0'));
-    const FileFindings findings = checkRecordFile(QFile::decodeName(path).section(u'/', -1), image);
+    const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);
+    if (!image)
+        return damaged(path, {u"it is too long"_s});
+    const FileFindings findings = checkRecordFile(QFile::decodeName(path).section(u'/', -1), *image);
     if (!findings.isSound())
         return damaged(path, findings.problems);
     return ok(QFile::decodeName(path), u"%1 %2"_s.arg(findings.usedSlots.count()).arg(findings.kind));
