@@ -54,7 +54,7 @@ namespace zyn::tool {
 bool exists(const QByteArray& path)
 {
     struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0;
+    return ::lstat(path.constData(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 std::optional<Fault> privateDirectoryFault(const QByteArray& path)

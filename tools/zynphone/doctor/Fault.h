@@ -15,7 +15,7 @@ struct Fault
     QString remedy;
 };
 
-/// Whether anything of that name exists, be it a link that leads nowhere.
+/// Whether anything of that name exists, be it a link that leads nowhere or out of this user's reach.
 bool exists(const QByteArray& path);
 
 /// Why @p path is no directory that is this user's alone, as channels need it; nothing when it is one.

@@ -59,12 +59,17 @@ CallSource::CallSource(PhoneState& state, const PHONE_MsgClient& client)
     : m_state(state)
 {
     connect(&m_requests, &PHONE_VoiceCallReceiver::signalMakeCall, this,
-            [this](const QString& number, const QString& name) { begin(u"asked for "_s + partyText(number, name)); });
+            [this](const QString& number, const QString& name) {
+                m_number = number;
+                begin(u"asked for "_s + partyText(number, name));
+            });
     connect(&m_requests, &PHONE_VoiceCallReceiver::sigDropCall, this, [this] { begin(u"asked to hang up"_s); });
     connect(&m_missed, &RC_MissedCallInterface::dataUpdate, this, &CallSource::refresh);
     connect(&client, &PHONE_MsgClient::signalVoiceCallStatChanged, this, [this] {
-        if (const int known = m_newest; refresh(), m_newest != known)
-            return; // the end of the call
+        const auto known = m_newest;
+        refresh();
+        if (m_newest != known)
+            return; // the end of the call, or one that was missed meanwhile
         ++m_changes;
         showCall();
     });
@@ -108,14 +113,17 @@ void CallSource::showMissed(const std::vector<Call>& unread)
 void CallSource::showNewest(const std::vector<Call>& calls)
 {
     if (calls.empty()) {
-        m_newest = 0;
+        m_newest.reset();
         return m_state.set(Item::LastLogged, {});
     }
     const Call& newest = newestOf(calls);
     m_state.set(Item::LastLogged, u"%1 %2, %3"_s.arg(categoryWord(newest.category), partyText(newest),
                                                      newest.getStartDateTime().toString(u"HH:mm:ss")));
-    if (std::exchange(m_newest, newest.uid) != newest.uid)
+    const bool isNew = std::exchange(m_newest, newest.uid) != newest.uid;
+    if (isNew && (m_number.isEmpty() || m_number == newest.getPhoneNumber())) {
+        m_number.clear();
         begin({});
+    }
 }
 
 } // namespace zyn::tool

@@ -6,6 +6,7 @@
 #include "tools/zynphone/top/PhoneState.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 
+#include <optional>
 #include <vector>
 
 class PHONE_MsgClient;
@@ -16,7 +17,7 @@ namespace zyn::tool {
  * Keeps the call in progress, the last logged call and the unread missed calls up to date.
  *
  * Nobody tells who calls: of a call in progress the request to place it is known, and how often its state
- * changed, until the log has a new call. The log is read from its files, which waits for nobody.
+ * changed, until the log has it. The log is read from its files, which waits for nobody.
  */
 class CallSource : public QObject
 {
@@ -39,9 +40,10 @@ private:
     PhoneState& m_state;
     PHONE_VoiceCallReceiver m_requests;
     RC_MissedCallInterface m_missed;
-    QString m_call; ///< empty when none is known
+    QString m_number; ///< of the call that was asked for last
+    QString m_call;   ///< empty when none is known
     int m_changes = 0;
-    int m_newest = 0; ///< the uid of the last logged call
+    std::optional<int> m_newest; ///< the uid of the last logged call
 };
 
 } // namespace zyn::tool
