@@ -10,8 +10,9 @@
 
 namespace {
 
-/// What is longer is no answer to anything.
+/// What is longer is no answer to anything: it is cut, and marked so that it is none.
 constexpr qsizetype kLongestLine = 80;
+constexpr char kCut = '~';
 
 } // namespace
 
@@ -57,6 +58,8 @@ void LineInput::take(char character)
         m_lines += std::exchange(m_line, {});
     else if (m_line.size() < kLongestLine)
         m_line += character;
+    else
+        m_line.back() = kCut;
 }
 
 void LineInput::deliver()
