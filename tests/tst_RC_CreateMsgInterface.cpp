@@ -16,15 +16,10 @@ struct LoadedInterface : QObject
 
 namespace {
 
-// The object has a class of the library's own.
-[[gnu::no_sanitize("vptr")]] bool showPage(LoadedInterface* screens, int page)
+// The object's class is one of the library's own.
+[[gnu::no_sanitize("vptr")]] bool showsAndHides(LoadedInterface* screens)
 {
-    return screens->showPage(page);
-}
-
-[[gnu::no_sanitize("vptr")]] bool hide(LoadedInterface* screens)
-{
-    return screens->hide();
+    return screens->showPage(5) && screens->hide();
 }
 
 } // namespace
@@ -49,13 +44,10 @@ void tst_RC_CreateMsgInterface::servesARunTimeLoader()
 
     const QCopChannel listener("/ZYN/recentcall");
     const QSignalSpy received(&listener, &QCopChannel::received);
-    const QSignalSpy finished(screens, SIGNAL(rcFinished(bool, QString)));
-    QVERIFY(showPage(screens, 5) && hide(screens));
+    QVERIFY(showsAndHides(screens));
     QTRY_COMPARE(received.size(), 2);
     QCOMPARE(received[0], (QVariantList{QByteArray("RECENTCALL_MSG_4"), QByteArray("\0\0\0\5", 4)}));
     QCOMPARE(received[1], (QVariantList{QByteArray("RECENTCALL_MSG_7"), QByteArray()}));
-    QVERIFY(QCopChannel::send("/ZYN/recentcall", "RECENTCALL_MSG_6", QByteArray(4, '\0')));
-    QTRY_COMPARE(finished.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_RC_CreateMsgInterface)

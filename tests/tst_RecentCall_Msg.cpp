@@ -2,7 +2,6 @@
 #include "recentcall/utility/RecentCall_Msg.h"
 #include "support/StdoutCapture.h"
 
-#include <QtCore/QPointer>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
@@ -30,17 +29,11 @@ const Row kRows[] = {
     {"another SIM card", [] { return Msg::send(Msg::RECENTCALL_MSG_SIMCARD_DIFFED_S); }, "RECENTCALL_MSG_1", "", ""},
     {"missed calls", [] { return Msg::send(Msg::RECENTCALL_MSG_MISSEDCALL_UPDATE_S); }, "RECENTCALL_MSG_2", "", ""},
     {"a category", [] { return Msg::requestShowUI(RC_CALL_CATEGORY_ALL); }, "RECENTCALL_MSG_3", "00000004", ""},
-    {"a page", [] { return Msg::requestShowPage(RC_PAGE_ID_T{3}); }, "RECENTCALL_MSG_4", "00000003",
-     "about to send msg:RECENTCALL_MSG_4,para:3"},
-    {"a negative page", [] { return Msg::requestShowPage(RC_PAGE_ID_T{-2}); }, "RECENTCALL_MSG_4", "fffffffe",
-     "about to send msg:RECENTCALL_MSG_4,para:-2"},
-    {"a detail", [] { return Msg::showRecordDetail(12, RC_CALL_CATEGORY_MISSED); }, "RECENTCALL_MSG_5", "000000020000000c",
-     "about to send msg:RECENTCALL_MSG_5,para:2,12"},
+    {"a page", [] { return Msg::requestShowPage(RC_PAGE_ID_T{3}); }, "RECENTCALL_MSG_4", "00000003", "about to send msg:RECENTCALL_MSG_4,para:3"},
+    {"a detail", [] { return Msg::showRecordDetail(12, RC_CALL_CATEGORY_MISSED); }, "RECENTCALL_MSG_5", "000000020000000c", "about to send msg:RECENTCALL_MSG_5,para:2,12"},
     {"a payload as it is", [] { return Msg::send(Msg::RECENTCALL_MSG_EXIT_PICKER_S, "\1x"); }, "RECENTCALL_MSG_6", "0178", ""},
     {"hide", [] { return Msg::requestHideUI(); }, "RECENTCALL_MSG_7", "", "about to send msg:RECENTCALL_MSG_7"},
     {"type 8", [] { return Msg::send(type(8)); }, "", "", ""},
-    {"type -1", [] { return Msg::send(type(-1)); }, "", "", ""},
-    {"type 8 with a payload", [] { return Msg::send(type(8), "x"); }, "", "", "Error in getting message"},
     {"type -1 with a payload", [] { return Msg::send(type(-1), "x"); }, "", "", "Error in getting message"},
 };
 // clang-format on
@@ -53,15 +46,15 @@ class tst_RecentCall_Msg : public QObject
 
 private Q_SLOTS:
     void sendsWhatIsAskedFor();
-    void hasNoNameForOtherTypes();
 };
 
 void tst_RecentCall_Msg::sendsWhatIsAskedFor()
 {
+    for (const int other : {-1, 8, INT_MIN})
+        QVERIFY(Msg::getMsg(type(other)).isEmpty() && !Msg::getMsg(type(other)).isNull());
     const RecentCall_Msg listener(this, "it");
     QVERIFY(listener.parent() == this && listener.objectName() == QStringLiteral("it"));
-    QCOMPARE(listener.channel(), "/ZYN/recentcall");
-    QSignalSpy received(&listener, &QCopChannel::received);
+    const QSignalSpy received(&listener, &QCopChannel::received);
     QList<QVariantList> expected;
     for (const Row& row : kRows) {
         StdoutCapture capture;
@@ -73,12 +66,6 @@ void tst_RecentCall_Msg::sendsWhatIsAskedFor()
     }
     QTRY_COMPARE(received.size(), expected.size());
     QCOMPARE(received.toList(), expected);
-}
-
-void tst_RecentCall_Msg::hasNoNameForOtherTypes()
-{
-    for (const int other : {-1, 8, 10, INT_MIN, INT_MAX})
-        QVERIFY(RecentCall_Msg::getMsg(type(other)).isEmpty() && !RecentCall_Msg::getMsg(type(other)).isNull());
 }
 
 QTEST_GUILESS_MAIN(tst_RecentCall_Msg)
