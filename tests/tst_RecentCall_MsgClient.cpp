@@ -56,10 +56,17 @@ class tst_RecentCall_MsgClient : public QObject
 private Q_SLOTS:
     void cleanup() { RecentCall_MsgClient::destruction(); }
 
+    void hasSignalsThatCanBeQueuedByName(); // before anything else makes their types known
     void decodesAndMayBeDestroyedByAReceiver();
     void ignoresForeignNames();
-    void hasSignalsThatCanBeQueuedByName();
 };
+
+void tst_RecentCall_MsgClient::hasSignalsThatCanBeQueuedByName()
+{
+    RecentCall_MsgClient* const client = RecentCall_MsgClient::instance();
+    for (const QByteArray& signature : signalsOf(RecentCall_MsgClient::staticMetaObject))
+        QVERIFY(connect(client, "2" + signature, client, "2" + signature, Qt::QueuedConnection));
+}
 
 void tst_RecentCall_MsgClient::decodesAndMayBeDestroyedByAReceiver()
 {
@@ -83,13 +90,6 @@ void tst_RecentCall_MsgClient::ignoresForeignNames()
         QCOMPARE(receive(name, QByteArray(100, '\1')), "get message: " + name);
     QCOMPARE(receive(QByteArray("RECENTCALL_MSG_4", 17), {}), "get message: RECENTCALL_MSG_4"); // with its NUL
     QCOMPARE(recorder.take(), "");
-}
-
-void tst_RecentCall_MsgClient::hasSignalsThatCanBeQueuedByName()
-{
-    RecentCall_MsgClient* const client = RecentCall_MsgClient::instance();
-    for (const QByteArray& signature : signalsOf(RecentCall_MsgClient::staticMetaObject))
-        QVERIFY(connect(client, "2" + signature, client, "2" + signature, Qt::QueuedConnection));
 }
 
 QTEST_GUILESS_MAIN(tst_RecentCall_MsgClient)
