@@ -2,6 +2,8 @@
 // tables.
 #include "tools/zynphone/CallText.h"
 
+#include "handset/common/Text.h"
+
 #include <QtCore/QTimeZone>
 
 using namespace Qt::StringLiterals;
@@ -11,17 +13,9 @@ namespace {
 using Call = PHONE_ENG_RecentCall;
 using zyn::tool::CallColumn;
 
-constexpr qint64 kSecondsPerMinute = 60;
-constexpr qint64 kSecondsPerHour = 3600;
-
-/// h:mm:ss; a record may hold any number.
 QString durationText(const Call& call)
 {
-    const qint64 seconds = std::abs(qint64{call.duration});
-    return u"%1%2:%3:%4"_s.arg(call.duration < 0 ? "-"_L1 : ""_L1)
-        .arg(seconds / kSecondsPerHour)
-        .arg(seconds % kSecondsPerHour / kSecondsPerMinute, 2, 10, QLatin1Char('0'))
-        .arg(seconds % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
+    return zyn::handset::durationText(call.duration);
 }
 
 QString localStart(const Call& call)

@@ -1,6 +1,7 @@
 // What is known of the calls: requests, changes and the files of the log.
 #include "tools/zynphone/top/CallSource.h"
 
+#include "handset/recent_calls/RecentCalls.h"
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
@@ -9,6 +10,7 @@
 #include "utility/PHONE_MsgClient.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -98,7 +100,7 @@ void CallSource::refresh()
     std::vector<Call> all = missed;
     for (const RC_CALL_CATEGORY_T list : {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_DIALED})
         std::ranges::move(callsIn(list), std::back_inserter(all));
-    std::erase_if(missed, [](const Call& call) { return (call.readFlags & Call::kRead) != 0; });
+    std::erase_if(missed, std::not_fn(zyn::handset::isUnread));
     showMissed(missed);
     showNewest(all);
 }

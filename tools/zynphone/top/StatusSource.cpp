@@ -1,6 +1,7 @@
 // What the phone server tells of the phone's state.
 #include "tools/zynphone/top/StatusSource.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/top/StateText.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -24,6 +25,11 @@ QString textOf(const Argument& argument)
         return yesNo(argument);
     else
         return QString::number(argument);
+}
+
+QString talkText(UINT32 seconds)
+{
+    return zyn::handset::durationText(static_cast<int>(seconds));
 }
 
 QString bytesText(bool connected, UINT32 total, UINT32 sent, UINT32 received)
@@ -120,11 +126,11 @@ void StatusSource::followCounters()
                             u"session %1: "_s.arg(session) + bytesText(connected, total, sent, received));
             });
     connect(this, &PHONE_MsgClient::signalCurrentConnectedDuration, this, [this](bool connected, UINT32 seconds) {
-        m_state.set(Item::Connection, connected ? u"yes, for %1"_s.arg(secondsText(seconds))
-                                                : u"no, the last for %1"_s.arg(secondsText(seconds)));
+        m_state.set(Item::Connection, connected ? u"yes, for %1"_s.arg(talkText(seconds))
+                                                : u"no, the last for %1"_s.arg(talkText(seconds)));
     });
     connect(this, &PHONE_MsgClient::signalTotalConnectedDuration, this,
-            [this](bool, UINT32 seconds) { m_state.set(Item::ConnectionTotal, secondsText(seconds)); });
+            [this](bool, UINT32 seconds) { m_state.set(Item::ConnectionTotal, talkText(seconds)); });
 }
 
 } // namespace zyn::tool
