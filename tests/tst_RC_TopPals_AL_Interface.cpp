@@ -6,6 +6,7 @@
 #include "support/StdoutCapture.h"
 
 using namespace Qt::StringLiterals;
+using namespace activity;
 
 namespace {
 
@@ -22,20 +23,20 @@ QList<int> unread(const QString& number)
     return {result, details.missedCallCount, details.unreadMsgCount};
 }
 
-void log(RC_CALL_CATEGORY_T category, int msgType, uint8_t readFlags)
+void logEntry(RC_CALL_CATEGORY_T category, int msgType, uint8_t readFlags)
 {
-    PHONE_ENG_ActivityLog record = ActivityLogFixture::entry(u"1234567"_s);
+    PHONE_ENG_ActivityLog record = entry(u"1234567"_s);
     record.category = category;
     record.msgType = msgType;
     record.readFlags = readFlags;
-    ActivityLogFixture::log().addTopPalsAvlItem(record);
+    log().addTopPalsAvlItem(record);
 }
 
 /// Logs a missed call each time that a line comes.
 int logWhenAsked(const QStringList&)
 {
     while (std::getchar() != EOF) {
-        log(RC_CALL_CATEGORY_MISSED, 0, 0);
+        logEntry(RC_CALL_CATEGORY_MISSED, 0, 0);
         role::sayReady();
     }
     return EXIT_SUCCESS;
@@ -86,14 +87,14 @@ void tst_RC_TopPals_AL_Interface::countsWhatIsUnread()
     const ActivityLogFixture fixture;
     StdoutCapture output;
     QCOMPARE(unread(u"0015551234567"_s), (QList{0, 0, 0}));
-    fixture.join(u"1234567"_s);
+    revamp({}, u"1234567"_s);
     QCOMPARE(unread(u"1234567"_s), (QList{1, 0, 0}));
     for (uint8_t readFlags = 0; readFlags < 4; ++readFlags) { // unread is the lowest bit alone
-        log(RC_CALL_CATEGORY_MISSED, 0, readFlags);
-        log(RC_CALL_CATEGORY_ANSWERED, 0, readFlags);
-        log(RC_CALL_CATEGORY_DIALED, -1, readFlags);
+        logEntry(RC_CALL_CATEGORY_MISSED, 0, readFlags);
+        logEntry(RC_CALL_CATEGORY_ANSWERED, 0, readFlags);
+        logEntry(RC_CALL_CATEGORY_DIALED, -1, readFlags);
     }
-    log(RC_CALL_CATEGORY_MISSED, 4, 0); // counts as both
+    logEntry(RC_CALL_CATEGORY_MISSED, 4, 0); // counts as both
     output.take();
     StdoutCapture counted;
     const QList<int> counts = unread(u"0015551234567"_s);
@@ -111,7 +112,7 @@ void tst_RC_TopPals_AL_Interface::countsWhatIsUnread()
 void tst_RC_TopPals_AL_Interface::countsWhatAnotherProcessLogs()
 {
     const ActivityLogFixture fixture;
-    fixture.join(u"1234567"_s);
+    revamp({}, u"1234567"_s);
     const auto owner = role::start(u"owner"_s);
     for (int count = 1; count <= 3; ++count) {
         owner->write("\n");
