@@ -61,7 +61,10 @@ private Q_SLOTS:
     void cleanup()
     {
         m_fixture.reset();
+        const QByteArray output = m_output->take();
         m_output.reset();
+        if (QTest::currentTestFailed()) // what failed was written to the captured output, too
+            qInfo("%s", output.right(1000).constData());
     }
 
     void keepsItsFilesByteForByte();
