@@ -121,6 +121,9 @@ void ZynphoneTopTest::behavesAtAnySize()
     QCOMPARE(terminal.row(1) + terminal.row(2), QString(20, u' '));
     terminal.resize(30, 12);
     QCOMPARE(terminal.find(u"lines more"_s), 11);
+    terminal.resize(80, 24);
+    QVERIFY(terminal.find(u"UMA icon"_s) > 0);
+    QCOMPARE(terminal.row(23).trimmed(), u"q ends"_s); // everything is there
     terminal.resize(1, 1);
     QCOMPARE(terminal.find(u"\u2026"_s), 0);
     terminal.resize(100, 45);
@@ -134,6 +137,7 @@ void ZynphoneTopTest::givesTheTerminalBack_data()
     QTest::addColumn<QByteArray>("keys");
     QTest::newRow("SIGTERM") << SIGTERM << QByteArray();
     QTest::newRow("SIGINT") << 0 << QByteArray("\x03");
+    QTest::newRow("SIGQUIT") << 0 << QByteArray("\x1C");
     QTest::newRow("SIGHUP") << SIGHUP << QByteArray();
     QTest::newRow("q") << 0 << QByteArray("xq");
 }
@@ -186,7 +190,7 @@ void ZynphoneTopTest::writesPlainLinesOnce()
 {
     QCOMPARE(tool::run("top"), u"zynphone: standard output is no terminal; --once writes plain lines\nexit 1"_s);
     const QString state = tool::run("top --once");
-    QVERIFY2(state.contains(u"\nbattery         \u2013\n") && state.contains(u"\nmissed          0 unread\n")
+    QVERIFY2(state.contains(u"\nbattery        \u2013\n") && state.contains(u"\nmissed         0 unread\n")
                  && !state.contains(u'\033') && state.endsWith(u"exit 0"),
              qPrintable(state));
     QVERIFY(!QFile::exists(m_store->path() + u"/phone"_s)); // it makes nothing

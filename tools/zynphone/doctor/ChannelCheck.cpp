@@ -29,7 +29,7 @@ constexpr Audience kAudiences[] = {
     {kPhoneChannel, "an application with a PHONE_MsgClient", true},
     {kVoiceCallChannel, "the phone application, zyn-phoned", false},
     {kPttChannel, "the phone application, zyn-phoned", false},
-    {kRecentCallChannel, "the recent-call screens", false},
+    {kRecentCallChannel, "the recent-call screens, zyn-recents", false},
     {kActivityLogChannel, "the owner of the activity log", false},
 };
 static_assert(std::size(kAudiences) == std::size(kChannels));

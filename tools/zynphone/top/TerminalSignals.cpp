@@ -26,7 +26,7 @@ namespace zyn::tool {
 TerminalSignals::TerminalSignals(std::function<void(int)> handler)
     : m_handler(std::move(handler))
 {
-    const sigset_t signals = setOf({SIGHUP, SIGTSTP, SIGCONT, SIGWINCH});
+    const sigset_t signals = setOf({SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH});
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);

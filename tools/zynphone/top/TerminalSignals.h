@@ -10,7 +10,7 @@
 
 namespace zyn::tool {
 
-/// Delivers SIGHUP, SIGTSTP, SIGCONT and SIGWINCH in the event loop. A program without further threads has one.
+/// Delivers SIGHUP, SIGQUIT, SIGTSTP, SIGCONT and SIGWINCH in the event loop. A program without further threads has one.
 class TerminalSignals
 {
 public:

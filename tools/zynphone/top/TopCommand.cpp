@@ -105,7 +105,7 @@ private:
 
     void handle(int signal)
     {
-        if (signal == SIGHUP)
+        if (signal == SIGHUP || signal == SIGQUIT)
             return QCoreApplication::quit();
         if (signal == SIGTSTP) {
             m_screen.leave();

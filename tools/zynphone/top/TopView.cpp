@@ -2,11 +2,11 @@
 #include "tools/zynphone/top/TopView.h"
 
 #include "tools/zynphone/JsonText.h"
-#include "tools/zynphone/Table.h"
 #include "tools/zynphone/top/Canvas.h"
 #include "tools/zynphone/top/PhoneState.h"
 
-#include <span>
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -36,11 +36,13 @@ constexpr Line kLeft[] = {
     {"charger", Item::Charger, nullptr},
     {"last event", Item::PowerEvent, nullptr},
     kBlank,
-    section("SIM card"),
+    section("SIM card and handset"),
     {"SIM card", Item::SimCard, nullptr},
     {"PIN", Item::Pin, nullptr},
     {"subsidy lock", Item::SubsidyLock, nullptr},
     {"IMSI", Item::Imsi, nullptr},
+    {"keypad lock", Item::KeypadLock, nullptr},
+    {"phone system", Item::PhoneSystem, nullptr},
     kBlank,
     section("Network"),
     {"network", Item::Network, nullptr},
@@ -51,7 +53,13 @@ constexpr Line kLeft[] = {
     {"signal", Item::Signal, nullptr},
     {"service", Item::Service, nullptr},
     {"roaming", Item::Roaming, nullptr},
+    {"UMA icon", Item::Uma, nullptr},
 };
+
+constexpr Item favourite(int place)
+{
+    return static_cast<Item>(static_cast<int>(Item::Favourite0) + place);
+}
 
 constexpr Line kRight[] = {
     section("Calls"),
@@ -60,6 +68,11 @@ constexpr Line kRight[] = {
     {"in total", Item::ConnectionTotal, nullptr},
     {"last logged", Item::LastLogged, nullptr},
     {"missed", Item::Missed, nullptr},
+    {"favourite 1", favourite(0), nullptr},
+    {"favourite 2", favourite(1), nullptr},
+    {"favourite 3", favourite(2), nullptr},
+    {"favourite 4", favourite(3), nullptr},
+    {"favourite 5", favourite(4), nullptr},
     kBlank,
     section("Data"),
     {"GPRS attached", Item::GprsAttached, nullptr},
@@ -73,26 +86,9 @@ constexpr Line kRight[] = {
     section("Wi-Fi"),
     {"profile", Item::WifiProfile, nullptr},
     {"last event", Item::WifiEvent, nullptr},
-    {"UMA icon", Item::Uma, nullptr},
 };
 
-constexpr Line kBelow[] = {
-    section("Handset"),
-    {"keypad lock", Item::KeypadLock, nullptr},
-    {"phone system", Item::PhoneSystem, nullptr},
-};
-
-constexpr Item favourite(int place)
-{
-    return static_cast<Item>(static_cast<int>(Item::Favourite0) + place);
-}
-
-constexpr Line kFavourites[] = {
-    section("Favourites"),        {"1", favourite(0), nullptr}, {"2", favourite(1), nullptr},
-    {"3", favourite(2), nullptr}, {"4", favourite(3), nullptr}, {"5", favourite(4), nullptr},
-};
-
-constexpr std::span<const Line> kColumns[][2] = {{kLeft, kBelow}, {kRight, kFavourites}};
+using Lines = std::vector<Line>;
 
 constexpr int kLabelWidth = 15;
 constexpr int kMinColumns = 24;
@@ -100,17 +96,12 @@ constexpr int kMinRows = 5;
 constexpr int kTwoColumns = 80;
 constexpr QLatin1String kTitle("zynphone top");
 
-/// The lines of one column of two, or of the only one.
-std::vector<Line> linesOf(std::span<const std::span<const Line>[2]> columns)
+/// All lines below each other.
+Lines allLines()
 {
-    std::vector<Line> lines;
-    for (const auto& column : columns) {
-        for (const std::span<const Line> part : column) {
-            if (!lines.empty())
-                lines.push_back(kBlank);
-            lines.insert(lines.end(), part.begin(), part.end());
-        }
-    }
+    Lines lines(std::begin(kLeft), std::end(kLeft));
+    lines.push_back(kBlank);
+    lines.insert(lines.end(), std::begin(kRight), std::end(kRight));
     return lines;
 }
 
@@ -119,35 +110,50 @@ QString textOf(const PhoneState::Value& value)
     return value.text.isNull() ? u"\u2013"_s : value.text;
 }
 
-/// Puts as many of @p lines as there is room for; how many are left out.
-int putLines(const PhoneState& state, Canvas& canvas, const std::vector<Line>& lines, int column, int width)
+/// A part of the canvas, all rows but the first and the last.
+struct Area
 {
-    const int room = canvas.rows() - 3; // below the title and a blank line, above the foot
-    int row = 2;
-    for (const Line& line : lines) {
-        if (row - 2 == room)
-            return static_cast<int>(lines.size()) - room;
-        if (line.label) {
-            const PhoneState::Value& value = state.value(line.item);
-            canvas.put(row, column, kLabelWidth, QLatin1String(line.label), Style::Label);
-            canvas.put(row, column + kLabelWidth, width - kLabelWidth, textOf(value),
-                       value.isAlert ? Style::Alert : Style::Plain);
-        } else {
-            canvas.put(row, column, width, QLatin1String(line.title), Style::Title);
-        }
-        ++row;
-    }
-    return 0;
+    int column;
+    int width;
+    Lines lines;
+};
+
+bool isBlank(const Line& line)
+{
+    return !line.label && *line.title == '\0';
+}
+
+void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row, const Line& line)
+{
+    if (!line.label)
+        return canvas.put(row, area.column, area.width, QLatin1String(line.title), Style::Title);
+    const PhoneState::Value& value = state.value(line.item);
+    canvas.put(row, area.column, kLabelWidth, QLatin1String(line.label), Style::Label);
+    canvas.put(row, area.column + kLabelWidth, area.width - kLabelWidth, textOf(value),
+               value.isAlert ? Style::Alert : Style::Plain);
+}
+
+/// Puts as many lines as there is room for, without those that are blank where that helps; how many are left out.
+int putLines(const PhoneState& state, Canvas& canvas, Area area)
+{
+    const auto room = static_cast<size_t>(canvas.rows() - 2);
+    if (area.lines.size() < room)
+        area.lines.insert(area.lines.begin(), kBlank);
+    if (area.lines.size() > room)
+        std::erase_if(area.lines, isBlank);
+    const size_t count = std::min(area.lines.size(), room);
+    for (size_t index = 0; index < count; ++index)
+        putLine(state, canvas, area, static_cast<int>(index) + 1, area.lines[index]);
+    return static_cast<int>(area.lines.size() - count);
 }
 
 int putColumns(const PhoneState& state, Canvas& canvas)
 {
     if (canvas.columns() < kTwoColumns)
-        return putLines(state, canvas, linesOf(kColumns), 0, canvas.columns());
+        return putLines(state, canvas, {0, canvas.columns(), allLines()});
     const int width = canvas.columns() / 2;
-    const auto columns = std::span(kColumns);
-    return std::max(putLines(state, canvas, linesOf(columns.first(1)), 0, width - 2),
-                    putLines(state, canvas, linesOf(columns.last(1)), width, canvas.columns() - width));
+    return putLines(state, canvas, {0, width - 2, Lines(std::begin(kLeft), std::end(kLeft))})
+           + putLines(state, canvas, {width, canvas.columns() - width, Lines(std::begin(kRight), std::end(kRight))});
 }
 
 } // namespace
@@ -170,14 +176,16 @@ void layOut(const PhoneState& state, Canvas& canvas)
 
 QString stateText(const PhoneState& state)
 {
-    QList<QStringList> rows;
-    for (const Line& line : linesOf(kColumns)) {
+    QString text;
+    for (const Line& line : allLines()) {
         if (line.label)
-            rows += {QLatin1String(line.label), jsonEscaped(textOf(state.value(line.item)))};
+            text += QString(QLatin1String(line.label)).leftJustified(kLabelWidth)
+                    + jsonEscaped(textOf(state.value(line.item)));
         else
-            rows += QStringList{QLatin1String(line.title)};
+            text += QLatin1String(line.title);
+        text += u'\n';
     }
-    return alignedLines(rows);
+    return text;
 }
 
 } // namespace zyn::tool
