@@ -21,6 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr uid_t kNobody = 65534;
+constexpr char kPhoneSocket[] = "/tmp/zynphonecom/voicecall_interface";
 
 /// A desk in directories of its own, with its services.
 class Desk
@@ -145,6 +146,14 @@ void ZynphoneDoctorTest::findsEachFault_data()
         "services     /tmp/zynrecentcallcom/recentcall_interface: nobody serves this socket: no call is logged",
         "start the recent-call service");
     row(
+        "service whose place is taken",
+        [](Desk& desk) {
+            desk.phone.stop();
+            isDone = QFile::copy(QFile::decodeName(desk.path("phone/rc_a")), QLatin1String(kPhoneSocket));
+        },
+        "services     /tmp/zynphonecom/voicecall_interface: it is no socket",
+        "mv /tmp/zynphonecom/voicecall_interface");
+    row(
         "store that is a file",
         [](Desk& desk) {
             desk.write("file", {});
@@ -186,6 +195,7 @@ void ZynphoneDoctorTest::findsEachFault()
     QVERIFY(desk.isSound);
     isDone = true;
     plant(desk);
+    const auto clean = qScopeGuard([] { QFile::remove(QLatin1String(kPhoneSocket)); });
     if (!isDone)
         QSKIP("only root can give a directory away");
     const QString report = tool::run("doctor").replace(QFile::decodeName(desk.path()).chopped(1), u"DESK"_s);

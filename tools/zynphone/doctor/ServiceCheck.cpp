@@ -1,7 +1,6 @@
 // The sockets of the handset's services, and who serves them.
 #include "recentcall/utility/RecentCall_Command_p.h"
 #include "tools/zynphone/doctor/Checks.h"
-#include "tools/zynphone/doctor/Fault.h"
 #include "tools/zynphone/doctor/SocketProbe.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
@@ -43,10 +42,11 @@ Finding checkService(const Service& service)
         return wrong(path, u"nobody serves this socket: %1"_s.arg(QLatin1String(service.loss)), start);
     case SocketProbe::Missing:
         return wrong(path, u"%1 does not run: %2"_s.arg(name, QLatin1String(service.loss)), start);
+    case SocketProbe::NoSocket:
+        return wrong(path, u"it is no socket, so %1 cannot listen"_s.arg(name),
+                     u"move it away: mv %1 %1.old; then %2"_s.arg(path, start));
     default:
-        return wrong(path, u"no connection to %1: %2"_s.arg(name, probe.error),
-                     u"move what is there away: mv %1 %2"_s.arg(shellWord(service.socket),
-                                                                shellWord(service.socket + QByteArray(".old"))));
+        return wrong(path, u"no connection to %1: %2"_s.arg(name, probe.error), u"end it, then %1"_s.arg(start));
     }
 }
 

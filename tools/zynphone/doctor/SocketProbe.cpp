@@ -8,13 +8,25 @@
 #include <cerrno>
 #include <cstring>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 
 SocketProbe SocketProbe::at(const QByteArray& path)
 {
-    return of(posix::connectUnixAtOnce(path));
+    const posix::UniqueFd connection = posix::connectUnixAtOnce(path);
+    const bool isForbidden = !connection.isValid() && errno == EACCES;
+    const SocketProbe probe = of(connection);
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return probe;
+    if (!S_ISSOCK(status.st_mode))
+        return {.state = NoSocket};
+    if (isForbidden)
+        return {.state = Foreign, .user = status.st_uid};
+    return probe;
 }
 
 SocketProbe SocketProbe::of(const posix::UniqueFd& connection)

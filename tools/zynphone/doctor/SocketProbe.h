@@ -21,7 +21,8 @@ struct SocketProbe
         Busy,    ///< served, but too many connections wait to be accepted
         Dead,    ///< left behind by a process that serves it no more
         Missing,
-        Failed, ///< error tells why
+        NoSocket, ///< something else has its name
+        Failed,   ///< error tells why
     };
 
     State state = Missing;
@@ -29,6 +30,7 @@ struct SocketProbe
     uid_t user = 0;    ///< of Foreign
     QString error = {};
 
+    /// Of the socket at @p path.
     static SocketProbe at(const QByteArray& path);
     /// Of what a connection without waiting has given, errno included.
     static SocketProbe of(const posix::UniqueFd& connection);

@@ -20,14 +20,6 @@ using Numbers = std::array<QString, Store::kFavourites>;
 static_assert(int{static_cast<uint8_t>(Item::Favourite4)} - int{static_cast<uint8_t>(Item::Favourite0)} + 1
               == Store::kFavourites);
 
-/// The favourites' numbers as the files have them now.
-Numbers numbersOf(Store& store)
-{
-    Numbers numbers;
-    store.getCurrentTopPalsFileNames(numbers.data());
-    return numbers;
-}
-
 void show(PhoneState& state, Item item, const QString& number)
 {
     TopPals_Missed_Details unread;
@@ -37,10 +29,10 @@ void show(PhoneState& state, Item item, const QString& number)
     if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         return state.set(item, number + u", no file"_s);
     const bool isRead = unread.missedCallCount == 0 && unread.unreadMsgCount == 0;
-    state.set(
-        item,
-        u"%1, %2 missed, %3"_s.arg(number).arg(unread.missedCallCount).arg(counted(unread.unreadMsgCount, "message")),
-        !isRead);
+    state.set(item,
+              u"%1, %2 missed, %3"_s.arg(number, QString::number(unread.missedCallCount),
+                                         counted(unread.unreadMsgCount, "message")),
+              !isRead);
 }
 
 } // namespace
@@ -49,12 +41,13 @@ namespace zyn::tool {
 
 void readFavourites(PhoneState& state)
 {
+    Numbers numbers;
     // The store would make the file of the favourites.
-    if (!isStoreFile(storeDirectoryPath() + '/' + kTopPalsDetailsName, kTopPalsDetailsSize))
-        return;
-    // A store knows the favourites as they were when it was made.
-    Store::destroy();
-    const Numbers numbers = numbersOf(*Store::instance());
+    if (isStoreFile(storeDirectoryPath() + '/' + kTopPalsDetailsName, kTopPalsDetailsSize)) {
+        // A store knows the favourites as they were when it was made.
+        Store::destroy();
+        Store::instance()->getCurrentTopPalsFileNames(numbers.data());
+    }
     for (size_t place = 0; place < numbers.size(); ++place)
         show(state, static_cast<Item>(static_cast<size_t>(Item::Favourite0) + place), numbers.at(place));
 }

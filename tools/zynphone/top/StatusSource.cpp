@@ -106,8 +106,9 @@ void StatusSource::followNames()
                     !isRegistered);
     });
     connect(this, &PHONE_MsgClient::signalSpnNameExtend, this, [this](const SERVICE_PROVIDER_DATA_S& provider) {
-        m_state.set(Item::Provider,
-                    provider.name.isEmpty() ? QString() : u"%1 (%2)"_s.arg(provider.name).arg(provider.flag));
+        m_state.set(Item::Provider, provider.name.isEmpty()
+                                        ? QString()
+                                        : u"%1 (%2)"_s.arg(provider.name, QString::number(provider.flag)));
     });
     connect(this, &PHONE_MsgClient::signalImsiId, this, [this](const UINT8* imsi) {
         m_state.set(Item::Imsi, blockText(QByteArray(reinterpret_cast<const char*>(imsi), TAPI_IMSI_LENGTH + 1)));
@@ -122,8 +123,7 @@ void StatusSource::followCounters()
             });
     connect(this, &PHONE_MsgClient::signalSessionDataBytes, this,
             [this](UINT8 session, bool connected, UINT32 total, UINT32 sent, UINT32 received) {
-                m_state.set(Item::SessionBytes,
-                            u"session %1: "_s.arg(session) + bytesText(connected, total, sent, received));
+                m_state.set(Item::SessionBytes, u"%1: "_s.arg(session) + bytesText(connected, total, sent, received));
             });
     connect(this, &PHONE_MsgClient::signalCurrentConnectedDuration, this, [this](bool connected, UINT32 seconds) {
         m_state.set(Item::Connection, connected ? u"yes, for %1"_s.arg(talkText(seconds))

@@ -10,7 +10,8 @@
 
 namespace zyn::tool {
 
-/// Delivers SIGHUP, SIGQUIT, SIGTSTP, SIGCONT and SIGWINCH in the event loop. A program without further threads has one.
+/// Delivers SIGHUP, SIGQUIT, SIGTSTP, SIGCONT and SIGWINCH in the event loop. A program without further threads has
+/// one.
 class TerminalSignals
 {
 public:

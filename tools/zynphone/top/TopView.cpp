@@ -81,7 +81,7 @@ constexpr Line kRight[] = {
     {"EGPRS", Item::EgprsService, nullptr},
     {"EGPRS sending", Item::EgprsTransmission, nullptr},
     {"bytes", Item::TotalBytes, nullptr},
-    {"bytes", Item::SessionBytes, nullptr},
+    {"session", Item::SessionBytes, nullptr},
     kBlank,
     section("Wi-Fi"),
     {"profile", Item::WifiProfile, nullptr},
