@@ -112,11 +112,10 @@ Finding wrong(const QByteArray& path, const Fault& fault)
 
 QString shellWord(const QByteArray& path)
 {
-    const QString name = nameOf(path);
+    QString name = nameOf(path);
     if (!path.isEmpty() && std::ranges::all_of(path, isPlain))
         return name;
-    QString escaped = name;
-    return u'\'' + escaped.replace(u'\'', u"'\\''"_s) + u'\'';
+    return u'\'' + name.replace(u'\'', u"'\\''"_s) + u'\'';
 }
 
 } // namespace zyn::tool

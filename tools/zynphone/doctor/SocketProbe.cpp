@@ -18,7 +18,7 @@ SocketProbe SocketProbe::at(const QByteArray& path)
 {
     const posix::UniqueFd connection = posix::connectUnixAtOnce(path);
     const bool isForbidden = !connection.isValid() && errno == EACCES;
-    const SocketProbe probe = of(connection);
+    SocketProbe probe = of(connection);
     struct stat status = {};
     if (::lstat(path.constData(), &status) != 0)
         return probe;
