@@ -70,7 +70,8 @@ Finding checkSettingsPath(const QString& variable, const QByteArray& value)
 {
     if (!value.startsWith('/'))
         return relativePath(variable);
-    if (exists(value) && !QFileInfo(QFile::decodeName(value)).isDir())
+    const QFileInfo directory(QFile::decodeName(value));
+    if (directory.exists() && !directory.isDir())
         return wrong(variable, u"%1 is no directory"_s.arg(QFile::decodeName(value)),
                      u"export %1=/a/directory, or unset it"_s.arg(variable));
     return ok(variable, u"the settings are in %1"_s.arg(zyn::settingsDirectory()));
