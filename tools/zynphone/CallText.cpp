@@ -14,21 +14,6 @@ using zyn::tool::CallColumn;
 constexpr qint64 kSecondsPerMinute = 60;
 constexpr qint64 kSecondsPerHour = 3600;
 
-/// h:mm:ss; a record may hold any number.
-QString durationText(const Call& call)
-{
-    const qint64 seconds = std::abs(qint64{call.duration});
-    return u"%1%2:%3:%4"_s.arg(call.duration < 0 ? "-"_L1 : ""_L1)
-        .arg(seconds / kSecondsPerHour)
-        .arg(seconds % kSecondsPerHour / kSecondsPerMinute, 2, 10, QLatin1Char('0'))
-        .arg(seconds % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
-}
-
-QString localStart(const Call& call)
-{
-    return call.getStartDateTime().toString(Qt::ISODate);
-}
-
 /// A session id is stored as UTF-8; the record's own getter reads it as Latin-1.
 QString session(const Call& call)
 {
@@ -43,8 +28,9 @@ constexpr CallColumn kColumns[] = {
     {"number", "NUMBER", [](const Call& call) { return QJsonValue(call.getPhoneNumber()); }},
     {"name", "NAME", [](const Call& call) { return QJsonValue(call.getDisplayName()); }},
     {"start", "START",
-     [](const Call& call) { return QJsonValue(call.getStartDateTime().toUTC().toString(Qt::ISODate)); }, localStart},
-    {"duration", "DURATION", [](const Call& call) { return QJsonValue(call.duration); }, durationText},
+     [](const Call& call) { return QJsonValue(zyn::tool::utcStart(call)); }, zyn::tool::localStart},
+    {"duration", "DURATION", [](const Call& call) { return QJsonValue(call.duration); },
+     zyn::tool::durationText},
     {"type", "TYPE", [](const Call& call) { return QJsonValue(zyn::tool::wordFor(zyn::tool::kTypes, call.callType)); }},
     {"session", nullptr, [](const Call& call) { return QJsonValue(session(call)); }},
     {"read", "READ", [](const Call& call) { return QJsonValue((call.readFlags & Call::kRead) != 0); }},
@@ -58,6 +44,25 @@ namespace zyn::tool {
 QString categoryWord(RC_CALL_CATEGORY_T category)
 {
     return wordFor(kCategories, category);
+}
+
+QString utcStart(const PHONE_ENG_RecentCall& call)
+{
+    return call.getStartDateTime().toUTC().toString(Qt::ISODate);
+}
+
+QString localStart(const PHONE_ENG_RecentCall& call)
+{
+    return call.getStartDateTime().toString(Qt::ISODate);
+}
+
+QString durationText(const PHONE_ENG_RecentCall& call)
+{
+    const qint64 seconds = std::abs(qint64{call.duration});
+    return u"%1%2:%3:%4"_s.arg(call.duration < 0 ? "-"_L1 : ""_L1)
+        .arg(seconds / kSecondsPerHour)
+        .arg(seconds % kSecondsPerHour / kSecondsPerMinute, 2, 10, QLatin1Char('0'))
+        .arg(seconds % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
 }
 
 std::span<const CallColumn> callColumns()

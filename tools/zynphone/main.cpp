@@ -3,6 +3,7 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
+#include "tools/zynphone/FavouritesCommand.h"
 #include "tools/zynphone/HandsetCommand.h"
 #include "tools/zynphone/InspectCommand.h"
 #include "tools/zynphone/MonitorCommand.h"
@@ -27,7 +28,7 @@ Command zynphoneCommand()
             .summary = u"Look at the phone library's data and services, and change them"_s,
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
-                      settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
+                      favouritesCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
                       sendCommand()}};
 }
 
