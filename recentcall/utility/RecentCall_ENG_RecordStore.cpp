@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <span>
 
 using zyn::posix::UniqueFd;
@@ -71,17 +70,6 @@ const PHONE_ENG_RecentCall& blankRecord()
     return record;
 }
 
-/// Opens the record file @p path with @p open. A directory that is missing is made for whoever comes next; to look for
-/// it before would cost every operation a system call.
-template<typename Open>
-UniqueFd openRecordFile(const QByteArray& path, Open open)
-{
-    UniqueFd file = open(path);
-    if (!file.isValid())
-        zyn::makeStoreDirectory();
-    return file;
-}
-
 QByteArray freshFile()
 {
     QByteArray contents;
@@ -100,19 +88,6 @@ bool writeSlot(const UniqueFd& file, int slot, const PHONE_ENG_RecentCall& recor
 bool writeBlankSlot(const UniqueFd& file, int slot)
 {
     return passesSlotCheck(slot) && writeSlot(file, slot, blankRecord());
-}
-
-/// What the record file @p path holds, up to its slot @p limit; nothing when it cannot be opened, or is a directory.
-std::optional<QByteArray> readImage(const QByteArray& path, int limit)
-{
-    const UniqueFd file = openRecordFile(path, zyn::posix::openForReading);
-    QByteArray image(static_cast<qsizetype>(zyn::recordOffset(limit)), Qt::Uninitialized);
-    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
-    const ssize_t length = zyn::posix::readAt(file.get(), buffer, 0);
-    if (length < 0)
-        return std::nullopt;
-    image.truncate(length);
-    return image;
 }
 
 } // namespace
@@ -155,7 +130,7 @@ bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
     if (!isSlotOf(record.category, record.slot))
         return false;
-    const UniqueFd file = openRecordFile(filePath(record.category), zyn::posix::openForChanging);
+    const UniqueFd file = zyn::openStoreFile(filePath(record.category));
     return file.isValid() && writeSlot(file, record.slot, record);
 }
 
@@ -164,7 +139,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
     const QByteArray path = filePath(record.category);
     PHONE_Log(kPhoneLogLevel, "deleting item:");
     record.print();
-    const UniqueFd file = openRecordFile(path, zyn::posix::openForChanging);
+    const UniqueFd file = zyn::openStoreFile(path);
     if (!file.isValid())
         return false;
     PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
@@ -176,7 +151,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
 
 bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 {
-    const UniqueFd file = openRecordFile(filePath(category), zyn::posix::openForChanging);
+    const UniqueFd file = zyn::openStoreFile(filePath(category));
     if (!file.isValid())
         return false;
     const int slots = std::min(maximum(category), zyn::kRecordSlots);
@@ -190,7 +165,7 @@ bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
 void RecentCall_ENG_RecordStore::clearAllData()
 {
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
-        const UniqueFd file = openRecordFile(filePath(category), zyn::posix::openForChanging);
+        const UniqueFd file = zyn::openStoreFile(filePath(category));
         for (int slot = 0; file.isValid() && slot < zyn::kRecordSlots; ++slot)
             writeBlankSlot(file, slot);
     }
@@ -201,7 +176,7 @@ void RecentCall_ENG_RecordStore::clearAllData()
 void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
 {
     const QByteArray path = filePath(category);
-    const auto image = readImage(path, maximum(category));
+    const auto image = zyn::readStoreFile(path, zyn::recordOffset(maximum(category)));
     if (!image) {
         std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.constData());
         return;

@@ -2,6 +2,7 @@
 #include "recentcall/utility/StoreFile_p.h"
 
 #include "platform/posix/File_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -12,16 +13,34 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using zyn::CreateResult;
+
 namespace {
 
 constexpr mode_t kPermissions = 07777;
+
+std::span<const std::byte> bytesOf(const QByteArray& contents)
+{
+    return std::as_bytes(std::span(contents.constData(), static_cast<size_t>(contents.size())));
+}
+
+/// Writes @p contents, which begin with a header, at the start of @p fd. What cannot be written whole tells by its
+/// header alone how far it would come.
+CreateResult writeContents(int fd, const QByteArray& contents)
+{
+    if (zyn::posix::writeAt(fd, bytesOf(contents), 0))
+        return CreateResult::Done;
+    return zyn::posix::writeAt(fd, bytesOf(contents).first(sizeof(zyn::StoreFileHeader)), 0)
+               ? CreateResult::CannotWriteData
+               : CreateResult::CannotWriteHeader;
+}
 
 /// A complete file under a name of its own, from which it is renamed into place; it goes with the object otherwise.
 class StagedFile
 {
 public:
     explicit StagedFile(const QByteArray& target)
-        : m_path(target + ".new." + QByteArray::number(::getpid()))
+        : m_path(target + zyn::kStagedInfix + QByteArray::number(::getpid()))
     {}
     StagedFile(const StagedFile&) = delete;
     StagedFile& operator=(const StagedFile&) = delete;
@@ -31,14 +50,13 @@ public:
             ::unlink(m_path.constData());
     }
 
-    bool write(const QByteArray& contents)
+    CreateResult write(const QByteArray& contents)
     {
         // A file of this name can only be what a process of the same number left when it was killed.
         ::unlink(m_path.constData());
         const zyn::posix::UniqueFd fd = zyn::posix::createNew(m_path);
         m_exists = fd.isValid();
-        return m_exists
-               && zyn::posix::writeAt(fd.get(), std::as_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
+        return m_exists ? writeContents(fd.get(), contents) : CreateResult::CannotOpen;
     }
 
     const QByteArray& path() const { return m_path; }
@@ -70,20 +88,24 @@ private:
 bool applyChanges(const QByteArray& path, const QByteArray& blank, const QByteArray& written)
 {
     const zyn::posix::UniqueFd fd = zyn::posix::openForChanging(path);
-    const auto bytes = std::as_bytes(std::span(written.constData(), static_cast<size_t>(written.size())));
     for (qsizetype i = 0; i < std::min(blank.size(), written.size()); ++i) {
-        if (blank.at(i) != written.at(i) && !zyn::posix::writeAt(fd.get(), bytes.subspan(size_t(i), 1), off_t{i}))
+        if (blank.at(i) != written.at(i)
+            && !zyn::posix::writeAt(fd.get(), bytesOf(written).subspan(size_t(i), 1), off_t{i}))
             return false;
     }
     return true;
 }
 
 /// Writes @p contents over the file @p path, which others may see half-written: for a directory that takes no new file.
-bool overwrite(const QByteArray& path, const QByteArray& contents)
+CreateResult overwrite(const QByteArray& path, const QByteArray& contents)
 {
     const zyn::posix::UniqueFd fd = zyn::posix::openForChanging(path);
-    const auto bytes = std::as_bytes(std::span(contents.constData(), static_cast<size_t>(contents.size())));
-    return zyn::posix::writeAt(fd.get(), bytes, 0) && ::ftruncate(fd.get(), off_t{contents.size()}) == 0;
+    if (!fd.isValid())
+        return CreateResult::CannotOpen;
+    const CreateResult result = writeContents(fd.get(), contents);
+    if (result == CreateResult::Done && ::ftruncate(fd.get(), off_t{contents.size()}) != 0)
+        return CreateResult::CannotWriteData;
+    return result;
 }
 
 /// Replaces the invalid file @p path, unless somebody else has replaced it since it was looked at: their file may hold
@@ -115,18 +137,43 @@ bool isStoreFile(const QByteArray& path, qint64 size)
            && header.isValid();
 }
 
-bool createStoreFile(const QByteArray& path, const QByteArray& contents)
+posix::UniqueFd openStoreFile(const QByteArray& path)
+{
+    posix::UniqueFd fd = posix::openForChanging(path);
+    if (!fd.isValid())
+        makeStoreDirectory();
+    return fd;
+}
+
+std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size)
+{
+    const posix::UniqueFd fd = posix::openForReading(path);
+    if (!fd.isValid()) {
+        makeStoreDirectory();
+        return std::nullopt;
+    }
+    QByteArray image(static_cast<qsizetype>(size), Qt::Uninitialized);
+    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(size)));
+    const ssize_t length = posix::readAt(fd.get(), buffer, 0);
+    if (length < 0)
+        return std::nullopt;
+    image.truncate(length);
+    return image;
+}
+
+CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
     StagedFile staged(path);
-    const bool isStaged = staged.write(contents);
-    if (isStaged && staged.moveTo(path))
-        return true;
-    if (isStoreFile(path, contents.size()))
-        return true;
+    const CreateResult written = staged.write(contents);
+    const bool isStaged = written == CreateResult::Done;
+    if ((isStaged && staged.moveTo(path)) || isStoreFile(path, contents.size()))
+        return CreateResult::Done;
     const QFileInfo invalid(QFile::decodeName(path));
     if (!invalid.isFile() || !invalid.isWritable())
-        return false;
-    return isStaged ? replaceInvalidFile(path, contents, staged) : overwrite(path, contents);
+        return isStaged ? CreateResult::CannotOpen : written;
+    if (!isStaged)
+        return overwrite(path, contents);
+    return replaceInvalidFile(path, contents, staged) ? CreateResult::Done : CreateResult::CannotOpen;
 }
 
 } // namespace zyn

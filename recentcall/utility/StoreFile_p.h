@@ -1,6 +1,7 @@
 // What every store file has in common: its header, and how it comes into being.
 #pragma once
 
+#include "platform/posix/UniqueFd_p.h"
 #include "recentcall/utility/PlainBytes_p.h"
 
 #include <QtCore/QByteArray>
@@ -8,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 namespace zyn {
@@ -38,6 +40,19 @@ inline bool hasValidHeader(QByteArrayView image)
 /// Whether the file at @p path can be read, has @p size bytes and begins with a valid header.
 bool isStoreFile(const QByteArray& path, qint64 size);
 
+/// @{ A store directory that is missing is made for whoever comes next; to look for it before would cost every
+/// operation a system call. Opens the store file @p path for reading and writing; never creates it.
+posix::UniqueFd openStoreFile(const QByteArray& path);
+/// What the store file @p path holds, up to @p size bytes; nothing when it cannot be opened, or is a directory.
+std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size);
+/// @}
+
+/// What keeps a store file from being made.
+enum class CreateResult { Done, CannotOpen, CannotWriteHeader, CannotWriteData };
+
+/// Between a store file's name and the number of the process that makes it: the name under which it is written.
+inline constexpr char kStagedInfix[] = ".new.";
+
 /**
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
  *
@@ -46,6 +61,6 @@ bool isStoreFile(const QByteArray& path, qint64 size);
  * owner and permissions, and is overwritten where the directory takes no new file. What is no regular file, or may not
  * be written, stays.
  */
-bool createStoreFile(const QByteArray& path, const QByteArray& contents);
+CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents);
 
 } // namespace zyn

@@ -1,0 +1,287 @@
+// The activity log of five favourites on disk.
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/TopPalsDetails_p.h"
+#include "recentcall/utility/TopPalsEntries_p.h"
+#include "recentcall/utility/TopPalsFile_p.h"
+#include "recentcall/utility/TopPalsSlots_p.h"
+#include "utility/FixedText_p.h"
+
+#include <QtCore/QFile>
+
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace {
+
+/// The index of the next entry that this process adds; it outlives the store.
+int32_t gTopPalsAvlIndex = 0;
+
+zyn::TopPalsSlots topPalsAvlFlags;
+
+ActivityLog_ENG_RecordStore* s_instance = nullptr;
+
+int32_t successor(int32_t index)
+{
+    return index == std::numeric_limits<int32_t>::max() ? index : index + 1;
+}
+
+} // namespace
+
+ActivityLog_ENG_RecordStore* ActivityLog_ENG_RecordStore::instance()
+{
+    if (!s_instance)
+        s_instance = new ActivityLog_ENG_RecordStore;
+    return s_instance;
+}
+
+void ActivityLog_ENG_RecordStore::destroy()
+{
+    delete std::exchange(s_instance, nullptr);
+}
+
+ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
+{
+    zyn::initTopPalNumberDetails(topPalNumberDetails);
+    topPalsAvlFlags = {};
+    const int slots = zyn::contactSlots();
+    for (int i = 0; i < kFavourites; ++i) {
+        for (const int slot : zyn::usedSlots(zyn::numberOf(topPalNumberDetails.at(size_t(i))), slots))
+            topPalsAvlFlags.mark(i, slot, true);
+    }
+}
+
+int ActivityLog_ENG_RecordStore::addTopPalsAvlItem(PHONE_ENG_ActivityLog& rec)
+{
+    const QString number = rec.getPhoneNumber();
+    std::printf("TP5_AVL:RC Store:addTopPalsAvlItem:ENTER:phoneNumber= %s\n", number.toLatin1().constData());
+    rec.topPalsAvlIndex = gTopPalsAvlIndex;
+    gTopPalsAvlIndex = successor(gTopPalsAvlIndex);
+    const int slots = zyn::contactSlots();
+    const int favourite = getTopPalFileItem(number);
+    const int pos = topPalsAvlFlags.getAvailableTopPalsAvlPos(favourite, slots);
+    if (pos < 0)
+        return 0;
+    rec.topPalsAvlPos = pos;
+    std::printf("TP5_AVL:RC Store:addTopPalsAvlItem(), tp5AvlPos=%d\n", pos);
+    rec.print();
+    return zyn::modifyTopPalsAvlItem(rec, slots) && topPalsAvlFlags.setTopPalsAvlFlag(favourite, pos, slots);
+}
+
+int ActivityLog_ENG_RecordStore::modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& rec)
+{
+    return zyn::modifyTopPalsAvlItem(rec, zyn::contactSlots());
+}
+
+int ActivityLog_ENG_RecordStore::removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec)
+{
+    std::printf("TP5_AVL:RC Store: ENTER: removeTopPalsAvlItem()\n");
+    const QString number = rec.getPhoneNumber();
+    const QString path = zyn::contactPath(number);
+    std::printf("deleting item from %s:", path.toLatin1().constData());
+    rec.print();
+    bool isRemoved = false;
+    if (const auto file = zyn::openStoreFile(QFile::encodeName(path)); file.isValid()) {
+        const int slots = zyn::contactSlots();
+        std::printf("TP5_AVL:RC Store: removeTopPalsAvlItem: index= %d, pos= %d\n", rec.topPalsAvlIndex,
+                    rec.topPalsAvlPos);
+        if (zyn::removeTopPalsAvlFileItem(file.get(), rec.topPalsAvlPos, slots)) {
+            std::printf("TP5_AVL:RC Store: removeTopPalsAvlItem: removeTopPalsAvlFileItem returns SUCCESS:\n");
+            isRemoved = topPalsAvlFlags.clearTopPalsAvlFlag(getTopPalFileItem(number), rec.topPalsAvlPos, slots);
+        }
+    }
+    std::printf("TP5_AVL: RC Store:  EXIT: removeTopPalsAvlItem()\n");
+    return isRemoved;
+}
+
+int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHONE_ENG_ActivityLog>& list,
+                                                                 const QString& number)
+{
+    std::printf("TP5_AVL:RC Store:  ENTER: readTopPalsAvlContactRecordList()\n");
+    bool isRead = false;
+    if (number.isEmpty()) {
+        std::printf("TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), !cr_phoneNumber.isNULL() && "
+                    "r_callList != NULL \n");
+    } else {
+        const QString path = zyn::contactPath(number);
+        const QByteArray shownPath = path.toLatin1();
+        std::printf("TP5_AVL:RC Store:  readTopPalsAvlContactRecordList(), fileName = %s\n", shownPath.constData());
+        const int slots = zyn::contactSlots();
+        if (const auto image = zyn::readStoreFile(QFile::encodeName(path), zyn::contactFileSize(slots))) {
+            std::printf("TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n");
+            isRead = zyn::hasValidHeader(*image) && appendRecords(list, *image, slots);
+            std::printf("TP5_AVL: RC Store: readTopPalsAvlContactRecordList(): r_callList.count() = %d\n",
+                        static_cast<int>(list.count()));
+            if (list.count() > 1)
+                zyn::sortOnTimeStamp(list, slots);
+        } else {
+            std::printf("TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), cannot open file %s\n",
+                        shownPath.constData());
+        }
+    }
+    std::printf("TP5_AVL: RC Store: EXIT: readTopPalsAvlContactRecordList() returns = %d\n", isRead);
+    return isRead;
+}
+
+/// Appends the records in use, up to the end of @p image; whether it holds all @p slots slots.
+bool ActivityLog_ENG_RecordStore::appendRecords(QSortedList<PHONE_ENG_ActivityLog>& list, const QByteArray& image,
+                                                int slots)
+{
+    const int present = zyn::contactRecordCount(image);
+    for (int slot = 0; slot < present; ++slot) {
+        if (!zyn::isContactRecordInUse(image, slot))
+            continue;
+        auto record = std::make_unique<PHONE_ENG_ActivityLog>();
+        zyn::readContactRecord(*record, image, slot);
+        if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
+            std::printf("TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
+                        "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n");
+            gTopPalsAvlIndex = successor(record->getTopPalsAvlIndex());
+        }
+        topPalsAvlFlags.setTopPalsAvlFlag(getTopPalFileItem(record->getPhoneNumber()), record->topPalsAvlPos, slots);
+        list.append(record.release());
+    }
+    if (present == slots)
+        return true;
+    std::printf("TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
+                "callData failed\n");
+    return false;
+}
+
+void ActivityLog_ENG_RecordStore::sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list)
+{
+    zyn::sortOnTimeStamp(list, zyn::contactSlots());
+}
+
+int ActivityLog_ENG_RecordStore::revampTopPalsAvlStorage(const QString& oldNumber, const QString& newNumber)
+{
+    bool result = false;
+    if (oldNumber.isEmpty() && newNumber.isEmpty()) {
+        std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:returns = %d\n", result);
+        return result;
+    }
+    const int slots = zyn::contactSlots();
+    if (!oldNumber.isEmpty())
+        result = dropFavourite(oldNumber, slots);
+    if (!newNumber.isEmpty()) {
+        result = checkTopPalsFileData(newNumber, slots);
+        std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:checkTopPalsFileData-->ret = %d\n",
+                    result);
+    }
+    return result;
+}
+
+bool ActivityLog_ENG_RecordStore::dropFavourite(const QString& number, int slots)
+{
+    const int i = getTopPalFileItem(number);
+    if (i < 0) {
+        std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage: FAILURE: index = %d\n", i);
+        return false;
+    }
+    topPalNumberDetails.at(size_t(i)) = {};
+    const bool isStored = zyn::storeTopPalsDetailsInFile(topPalNumberDetails, i);
+    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:storeTopPalsDetailsInFile-->ret = %d\n",
+                isStored);
+    if (!isStored)
+        return false;
+    std::printf("TP5_AVL:RC Store:createTopPalsDetailsFile:origin = %d\n", zyn::getTp5AvlRecordPos(i, 0, slots));
+    topPalsAvlFlags.clear(i);
+    const bool isRemoved = zyn::removeTopPalsAvlFile(number, slots);
+    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:removeTopPalsAvlFile-->ret = %d\n",
+                isRemoved);
+    return isRemoved;
+}
+
+bool ActivityLog_ENG_RecordStore::checkTopPalsFileData(const QString& number, int slots)
+{
+    const QString path = zyn::contactPath(number);
+    const QByteArray shownPath = path.toLatin1();
+    std::printf("TP5_AVL:RC Store: checkTopPalsFileData, fileName = %s\n", shownPath.constData());
+    if (path.isNull())
+        return false;
+    if (zyn::checkTopPalsFile(path, slots)) {
+        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, FILE ALREADY EXISTS fileName= %s\n",
+                    shownPath.constData());
+        return false;
+    }
+    zyn::makeStoreDirectory();
+    zyn::createActivityLogTopPalsFile(path, slots);
+    const int i = getValidIndexForTopPalFiles();
+    if (i < 0) {
+        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, getValidIndexForTopPalFiles: FAILURE:--> ret= %d\n", 0);
+        return false;
+    }
+    TopPalNumberDetail& entry = topPalNumberDetails.at(size_t(i));
+    entry.nthFileItem = i;
+    zyn::storeText(entry.phoneNumber, number.toLatin1());
+    const bool isStored = zyn::storeTopPalsDetailsInFile(topPalNumberDetails, i);
+    std::printf("TP5_AVL: RC Store: checkTopPalsFileData, storeTopPalsDetailsInFile--> ret= %d\n", isStored);
+    std::printf("TP5_AVL:RC Store:topPalNumberDetails: cr_phoneNumber=%s, nthFileItem=%d\n", entry.phoneNumber,
+                entry.nthFileItem);
+    return isStored;
+}
+
+bool ActivityLog_ENG_RecordStore::getCurrentTopPalsFileNames(QString* names)
+{
+    if (!names)
+        return false;
+    for (const TopPalNumberDetail& place : topPalNumberDetails)
+        *names++ = zyn::numberOf(place);
+    return true;
+}
+
+int8_t ActivityLog_ENG_RecordStore::getTopPalFileItem(const QString& number) const
+{
+    for (int8_t i = 0; !number.isEmpty() && i < kFavourites; ++i) {
+        if (zyn::numberOf(topPalNumberDetails.at(size_t(i))) == number)
+            return i;
+    }
+    return -1;
+}
+
+int8_t ActivityLog_ENG_RecordStore::getValidIndexForTopPalFiles() const
+{
+    for (int8_t i = 0; i < kFavourites; ++i) {
+        if (topPalNumberDetails.at(size_t(i)).nthFileItem == TopPalNumberDetail::kFree)
+            return i;
+    }
+    return -1;
+}
+
+QString ActivityLog_ENG_RecordStore::getStoreFileName(const QString& name)
+{
+    const QString path = zyn::topPalsPath(name);
+    if (!path.isNull())
+        zyn::makeStoreDirectory();
+    return path;
+}
+
+bool ActivityLog_ENG_RecordStore::checkTopPalsDetailsFile(const QString& fileName)
+{
+    return zyn::checkTopPalsDetailsFile(fileName);
+}
+
+bool ActivityLog_ENG_RecordStore::checkTopPalsFile(const QString& fileName)
+{
+    return zyn::checkTopPalsFile(fileName, zyn::contactSlots());
+}
+
+bool ActivityLog_ENG_RecordStore::setTopPalsAvlFlag(const QString& number, int pos)
+{
+    return topPalsAvlFlags.setTopPalsAvlFlag(getTopPalFileItem(number), pos, zyn::contactSlots());
+}
+
+bool ActivityLog_ENG_RecordStore::clearTopPalsAvlFlag(const QString& number, int pos)
+{
+    return topPalsAvlFlags.clearTopPalsAvlFlag(getTopPalFileItem(number), pos, zyn::contactSlots());
+}
+
+int ActivityLog_ENG_RecordStore::getAvailableTopPalsAvlPos(const QString& number)
+{
+    return topPalsAvlFlags.getAvailableTopPalsAvlPos(getTopPalFileItem(number), zyn::contactSlots());
+}

@@ -1,0 +1,82 @@
+// The activity log of the favourites, for applications that do not own it.
+#include "recentcall/utility/RC_TopPals_AL_Interface.h"
+
+#include "platform/QCopChannel.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_Payload_p.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+/// A favourite's file is named by as many characters, the last of its number.
+constexpr qsizetype kKeyLength = 7;
+
+RC_TopPals_AL_Interface* s_instance = nullptr;
+
+void printText(const char* name, const QString& text)
+{
+    std::printf("TP5_AVL: RC_TopPals_AL_Interface:modifyTopPalsContactDetails: %s = %s\n", name,
+                text.toLatin1().constData());
+}
+
+void count(TopPals_Missed_Details& details, const PHONE_ENG_ActivityLog& record)
+{
+    if (record.readFlags & PHONE_ENG_RecentCall::kRead)
+        return;
+    details.missedCallCount += record.category == RC_CALL_CATEGORY_MISSED;
+    details.unreadMsgCount += record.msgType != 0;
+}
+
+} // namespace
+
+RC_TopPals_AL_Interface* RC_TopPals_AL_Interface::instance()
+{
+    if (!s_instance)
+        s_instance = new RC_TopPals_AL_Interface;
+    return s_instance;
+}
+
+void RC_TopPals_AL_Interface::destruction()
+{
+    delete std::exchange(s_instance, nullptr);
+}
+
+bool RC_TopPals_AL_Interface::modifyTopPalsContactDetails(QString oldNumber, TopPals_Details_T details)
+{
+    std::printf("\nTP5_AVL: ENTER: RC_TopPals_AL_Interface::modifyTopPalsContactDetails\n");
+    printText("oldnum", oldNumber);
+    printText("num", details.number);
+    printText("nam", details.name);
+    printText("imageloc", details.imageLocation);
+    std::printf("TP5_AVL: RC_TopPals_AL_Interface:modifyTopPalsContactDetails: contactId = %d\n", details.contactId);
+    const QByteArray payload = zyn::PayloadWriter()
+                                   .writeText(oldNumber)
+                                   .writeText(details.number)
+                                   .writeText(details.name)
+                                   .writeText(details.imageLocation)
+                                   .writeInt(details.contactId)
+                                   .payload();
+    const bool isSent = QCopChannel::send(zyn::kActivityLogChannel, zyn::kModifyFavourite, payload);
+    std::printf("TP5_AVL:EXIT: RC_TopPals_AL_Interface::modifyTopPalsContactDetails: returns = %d\n", isSent);
+    return isSent;
+}
+
+int RC_TopPals_AL_Interface::getUnreadCount(TopPals_Missed_Details& details)
+{
+    std::printf("\nEntering RC_TopPals_AL_Interface::getUnreadCount()");
+    details.missedCallCount = 0;
+    details.unreadMsgCount = 0;
+    QSortedList<PHONE_ENG_ActivityLog> list;
+    list.setAutoDelete(true);
+    ActivityLog_ENG_RecordStore* const store = ActivityLog_ENG_RecordStore::instance();
+    const int result = store->readTopPalsAvlContactRecordList(list, details.number.right(kKeyLength));
+    if (result != 1)
+        list.clear(); // what was read before the failure
+    for (const PHONE_ENG_ActivityLog* record : std::as_const(list))
+        count(details, *record);
+    std::printf("\nExiting RC_TopPals_AL_Interface::getUnreadCount()");
+    return result;
+}
