@@ -47,10 +47,11 @@ void removeLeftover(const QString& key)
         QFile::remove(path);
 }
 
-/// Removes the oldest of @p entries that can be removed: what a damaged entry says of its place may be wrong.
-void removeOldest(const Entries& entries)
+/// Removes the oldest of @p entries of @p key that can be removed: what a damaged entry says of itself may be wrong.
+void removeOldest(const Entries& entries, const QString& key)
 {
     for (qsizetype i = entries.count() - 1; i >= 0; --i) {
+        entries.at(i)->setPhoneNumber(key);
         if (store().removeTopPalsAvlItem(*entries.at(i)) == 1)
             return;
     }
@@ -127,8 +128,10 @@ bool renew(const QString& key)
     Entries entries;
     readEntries(entries, key);
     store().revampTopPalsAvlStorage(key, key);
-    for (qsizetype i = entries.count() - 1; i >= 0; --i)
+    for (qsizetype i = entries.count() - 1; i >= 0; --i) {
+        entries.at(i)->setPhoneNumber(key);
         store().addTopPalsAvlItem(*entries.at(i));
+    }
     return isSound(key);
 }
 
@@ -136,11 +139,11 @@ bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
 {
     entry.setPhoneNumber(key);
     entry.inUse = 1;
-    if (isFavourite(key) && store().getAvailableTopPalsAvlPos(key) < 0) {
-        Entries entries;
-        readEntries(entries, key);
-        removeOldest(entries);
-    }
+    // Read in any case: so the library learns which index comes next.
+    Entries entries;
+    readEntries(entries, key);
+    if (isFavourite(key) && store().getAvailableTopPalsAvlPos(key) < 0)
+        removeOldest(entries, key);
     return store().addTopPalsAvlItem(entry) == 1;
 }
 

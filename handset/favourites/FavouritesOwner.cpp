@@ -4,7 +4,7 @@
 #include "handset/common/Log.h"
 #include "handset/favourites/CallLogReader.h"
 #include "handset/favourites/Favourites.h"
-#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/StoreDirectory_p.h"
@@ -23,7 +23,6 @@ using zyn::handset::log;
 
 namespace {
 
-constexpr char kSeenCallsName[] = "topPalsCalls";
 /// Messages come in bursts; one look serves for a burst.
 constexpr auto kSoon = 100ms;
 /// By then a call whose end was reported is in the log, also where the service had to be tried several times.
@@ -33,7 +32,7 @@ constexpr qsizetype kNumberLimit = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
 
 QString seenCallsPath()
 {
-    return QFile::decodeName(zyn::storeDirectoryPath()) + QLatin1Char('/') + QLatin1String(kSeenCallsName);
+    return QFile::decodeName(zyn::storeDirectoryPath()) + QLatin1Char('/') + QLatin1String(zyn::kSeenCallsName);
 }
 
 /// Whether a call could have @p number, or whether it is empty.

@@ -20,7 +20,7 @@ QString lengthText(const Entry& entry)
 
 constexpr ActivityColumn kColumns[] = {
     {"place", "PLACE", [](const Entry& entry) { return QJsonValue(entry.topPalsAvlPos); }},
-    {"index", "INDEX", [](const Entry& entry) { return QJsonValue(entry.topPalsAvlIndex); }},
+    {"index", nullptr, [](const Entry& entry) { return QJsonValue(entry.topPalsAvlIndex); }},
     {"uid", nullptr, [](const Entry& entry) { return QJsonValue(entry.uid); }},
     {"list", "LIST", [](const Entry& entry) { return QJsonValue(categoryWord(entry.category)); }},
     {"number", nullptr, [](const Entry& entry) { return QJsonValue(entry.getPhoneNumber()); }},

@@ -7,8 +7,6 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/StoreFileProblems.h"
 
-#include <QtCore/QHash>
-
 #include <algorithm>
 #include <deque>
 #include <string_view>
@@ -75,10 +73,6 @@ public:
         }
         for (const QString& problem : entryProblems(entry, slot, m_name))
             report(slot, problem);
-        if (const auto other = m_slotOfIndex.constFind(entry.topPalsAvlIndex); other != m_slotOfIndex.cend())
-            report(slot, u"index %1 is that of slot %2 too"_s.arg(entry.topPalsAvlIndex).arg(*other));
-        else
-            m_slotOfIndex.insert(entry.topPalsAvlIndex, slot);
         entry.topPalsAvlPos = slot;
     }
 
@@ -90,7 +84,6 @@ private:
 
     const QString m_name;
     const Entry m_blank;
-    QHash<int32_t, int> m_slotOfIndex;
     QStringList m_problems;
     std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
 };
