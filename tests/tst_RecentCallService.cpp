@@ -1,7 +1,8 @@
 // The recent-call service, run as the process that it is, through the library and through bare sockets.
+#include "platform/QCopChannel.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
@@ -42,6 +43,13 @@ int remove(int uid, RC_CALL_CATEGORY_T category)
 {
     PHONE_ENG_RecentCall record = claim(category, uid);
     return PHONE_RecentCall_DeleteRecord(record);
+}
+
+void addUnread(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+{
+    PHONE_ENG_RecentCall record = claim(category, 4711, type);
+    record.readFlags = 0;
+    PHONE_RecentCall_AddRecord(record);
 }
 
 /// The uids of a list in its order; -3 alone when the service does not answer with success.
@@ -107,6 +115,19 @@ private:
     {
         QByteArray bytes = m_files->read(category);
         m_files->write(category, bytes.replace(zyn::recordOffset(slot) + qsizetype(field), 4, words({value})));
+    }
+
+    /// The uids of the missed calls that are not read, in the order of their slots.
+    QString unreadOnDisk() const
+    {
+        QStringList found;
+        const QByteArray image = m_files->read(kMissed);
+        for (int slot = 0; slot < zyn::recordCount(image); ++slot) {
+            const PHONE_ENG_RecentCall record = zyn::recordAt(image, slot);
+            if (record.inUse && record.readFlags == 0)
+                found += QString::number(record.uid);
+        }
+        return found.join(QLatin1Char(' '));
     }
 
 private Q_SLOTS:
@@ -230,7 +251,8 @@ private Q_SLOTS:
         QTest::newRow("a record one byte short") << kGreeting + frame(rc::AddRecord, record.chopped(1));
         QTest::newRow("a record one byte long") << kGreeting + frame(rc::DeleteRecord, record + '\1');
         QTest::newRow("an empty list request") << kGreeting + frame(rc::ListRecords, {});
-        QTest::newRow("an unknown code") << kGreeting + frame(4, words({1, 1}));
+        QTest::newRow("an unknown code") << kGreeting + frame(5, words({1, 1}));
+        QTest::newRow("a mark-read one byte short") << kGreeting + frame(rc::MarkRead, record.chopped(1));
         QTest::newRow("a code beyond a byte") << kGreeting + frame(0x101, record);
         QTest::newRow("a command before its greeting") << kListAll;
         QTest::newRow("a greeting twice") << kGreeting + kGreeting;
@@ -403,6 +425,53 @@ private Q_SLOTS:
         QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, kVoice), 2);
         QCOMPARE(remove(0, kMissed), 2);
         QCOMPARE(RC_Interface().getRecordList(list, kAnswered, kVoice), 0);
+    }
+
+    void announcesEachChangeOfTheMissedCalls()
+    {
+        QStringList seen, expected;
+        const QCopChannel channel("/ZYN/recentcall");
+        connect(&channel, &QCopChannel::received, this, [&](const QCString& message, const QByteArray& data) {
+            seen += QString::fromUtf8(message + data + ": ") + unreadOnDisk();
+        });
+        const auto expect = [&](const char* unread) {
+            expected += QStringLiteral("RECENTCALL_MSG_2: ") + QLatin1String(unread);
+            QTRY_COMPARE(seen, expected);
+        };
+        addUnread(kMissed); // uid 0
+        expect("0");
+        addUnread(kDialed); // 1
+        addUnread(kMissed, RC_CALL_TYPE_PTT1);
+        expect("0 2");
+        QCOMPARE(rc::markRead(claim(kMissed, 0)), rc::Success);
+        expect("2");
+        QCOMPARE(rc::markRead(claim(kMissed, 0)), rc::Success);
+        QCOMPARE(rc::markRead(claim(kMissed, 1)), rc::NoSuchRecord);
+        QCOMPARE(rc::markRead(claim(kAll, 2)), rc::NoSuchRecord);
+        QCOMPARE(rc::markRead(claim(kDialed, 1)), rc::Success);
+        QCOMPARE(m_files->recordIn(kDialed, 0).readFlags, PHONE_ENG_RecentCall::kRead);
+        QCOMPARE(remove(2, kMissed), 0);
+        expect("");
+        QCOMPARE(remove(2, kMissed), 1);
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, RC_CALL_TYPE_PTT1), 0);
+        addUnread(kMissed); // 3
+        expect("3");
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, kVoice), 0);
+        expect("");
+        QVERIFY(QFile::remove(m_files->file(kMissed)));
+        QCOMPARE(uids(kMissed), Uids());
+        expect("");
+
+        m_files->setLimits(50, 1, 50);
+        stop();
+        start();
+        addUnread(kMissed);
+        expect("0");
+        addUnread(kMissed);
+        expect("1");
+        QCOMPARE(stop(), 0);
+        QCoreApplication::processEvents();
+        QCOMPARE(seen, expected);
     }
 
     void believesNoDamagedRecord()

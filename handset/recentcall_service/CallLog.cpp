@@ -17,6 +17,8 @@ namespace {
 
 using Lists = std::span<const RC_CALL_CATEGORY_T>;
 
+constexpr RC_CALL_CATEGORY_T kMissed[] = {RC_CALL_CATEGORY_MISSED};
+
 /// The lists that @p category names: one, all three, or none.
 Lists listsOf(int32_t category)
 {
@@ -103,16 +105,12 @@ bool CallLog::add(PHONE_ENG_RecentCall record)
 
 rc::Status CallLog::remove(const PHONE_ENG_RecentCall& record)
 {
-    const Lists list = listsOf(record.category);
-    if (list.size() != 1)
-        return rc::NoSuchRecord;
-    if (!makeSound(list))
-        return rc::Failure;
-    const Calls calls = read(list);
-    const PHONE_ENG_RecentCall* stored = find(calls, record);
-    if (!stored)
-        return rc::NoSuchRecord;
-    return erase(*stored) ? rc::Success : rc::Failure;
+    return changeStored(record, &CallLog::erase);
+}
+
+rc::Status CallLog::markRead(const PHONE_ENG_RecentCall& record)
+{
+    return changeStored(record, &CallLog::setRead);
 }
 
 rc::Status CallLog::removeAll(const rc::Selection& selection)
@@ -162,7 +160,10 @@ bool CallLog::makeSound(Lists lists)
     if (isSound(lists))
         return true;
     log(QStringLiteral("missing or damaged record files are made anew"));
+    const bool wasMissedSound = isSound(kMissed);
     open();
+    if (!wasMissedSound && isSound(kMissed))
+        noteChange(RC_CALL_CATEGORY_MISSED);
     return isSound(lists);
 }
 
@@ -191,6 +192,7 @@ bool CallLog::store(PHONE_ENG_RecentCall& record)
     if (!m_store->addItem(record))
         return false;
     ++countOf(record.category);
+    noteChange(record.category);
     return true;
 }
 
@@ -199,7 +201,40 @@ bool CallLog::erase(const PHONE_ENG_RecentCall& record)
     if (!isInItsSlot(record) || !m_store->removeItem(record))
         return false;
     --countOf(record.category);
+    noteChange(record.category);
     return true;
+}
+
+bool CallLog::setRead(const PHONE_ENG_RecentCall& record)
+{
+    PHONE_ENG_RecentCall seen = record;
+    seen.readFlags |= PHONE_ENG_RecentCall::kRead;
+    if (seen.readFlags == record.readFlags)
+        return true;
+    if (!isInItsSlot(record) || !m_store->modifyItem(seen))
+        return false;
+    noteChange(record.category);
+    return true;
+}
+
+/// Does @p change to the stored call that @p record names by its category and uid.
+rc::Status CallLog::changeStored(const PHONE_ENG_RecentCall& record, Change change)
+{
+    const Lists list = listsOf(record.category);
+    if (list.size() != 1)
+        return rc::NoSuchRecord;
+    if (!makeSound(list))
+        return rc::Failure;
+    const Calls calls = read(list);
+    const PHONE_ENG_RecentCall* stored = find(calls, record);
+    if (!stored)
+        return rc::NoSuchRecord;
+    return (this->*change)(*stored) ? rc::Success : rc::Failure;
+}
+
+void CallLog::noteChange(RC_CALL_CATEGORY_T category)
+{
+    m_hasMissedChange |= category == RC_CALL_CATEGORY_MISSED;
 }
 
 void CallLog::eraseOldest(RC_CALL_CATEGORY_T category)

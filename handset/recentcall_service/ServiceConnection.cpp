@@ -1,7 +1,9 @@
 // One client of the recent-call service.
 #include "handset/recentcall_service/ServiceConnection.h"
 
+#include "handset/common/Log.h"
 #include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/RecentCall_Msg.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include <iterator>
@@ -17,6 +19,7 @@ const CommandRow<ServiceConnection> ServiceConnection::kCommands[] = {
     {rc::AddRecord, sizeof(PHONE_ENG_RecentCall), &ServiceConnection::add},
     {rc::DeleteRecord, sizeof(PHONE_ENG_RecentCall), &ServiceConnection::remove},
     {rc::DeleteAll, sizeof(rc::Selection), &ServiceConnection::removeAll},
+    {rc::MarkRead, sizeof(PHONE_ENG_RecentCall), &ServiceConnection::markRead},
 };
 
 ServiceConnection::ServiceConnection(zyn::posix::UniqueFd socket, CallLog& calls, std::chrono::milliseconds patience)
@@ -43,6 +46,8 @@ bool ServiceConnection::admits(const CommandFrameHeader& header)
 void ServiceConnection::carryOut(const CommandFrameHeader& header, std::span<const std::byte> data)
 {
     (this->*rowFor(kCommands, header)->carryOut)(data);
+    if (m_calls.takeMissedChange() && !RecentCall_Msg::send(RecentCall_Msg::RECENTCALL_MSG_MISSEDCALL_UPDATE_S))
+        zyn::handset::log(QStringLiteral("a change of the missed calls could not be announced"));
 }
 
 void ServiceConnection::greet(std::span<const std::byte> data)
@@ -71,4 +76,9 @@ void ServiceConnection::remove(std::span<const std::byte> data)
 void ServiceConnection::removeAll(std::span<const std::byte> data)
 {
     send(m_calls.removeAll(toPlain<rc::Selection>(data)));
+}
+
+void ServiceConnection::markRead(std::span<const std::byte> data)
+{
+    send(m_calls.markRead(toPlain<PHONE_ENG_RecentCall>(data)));
 }

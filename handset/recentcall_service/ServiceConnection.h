@@ -4,7 +4,8 @@
 #include "handset/common/CommandConnection.h"
 #include "handset/recentcall_service/CallLog.h"
 
-/// One client: turns what it sends into commands for the call log, and sends the answers.
+/// One client: turns what it sends into commands for the call log, and sends the answers. Every command that changes
+/// the missed calls is announced to the handset.
 class ServiceConnection : public zyn::handset::CommandConnection
 {
     Q_OBJECT
@@ -17,13 +18,14 @@ protected:
     void carryOut(const zyn::CommandFrameHeader& header, std::span<const std::byte> data) override;
 
 private:
-    static const zyn::handset::CommandRow<ServiceConnection> kCommands[5];
+    static const zyn::handset::CommandRow<ServiceConnection> kCommands[6];
 
     void greet(std::span<const std::byte> data);
     void list(std::span<const std::byte> data);
     void add(std::span<const std::byte> data);
     void remove(std::span<const std::byte> data);
     void removeAll(std::span<const std::byte> data);
+    void markRead(std::span<const std::byte> data);
 
     CallLog& m_calls;
     bool m_isGreeted = false;

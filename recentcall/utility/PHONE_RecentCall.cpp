@@ -18,13 +18,11 @@ int PHONE_RecentCall_AddRecord(PHONE_ENG_RecentCall& record)
 
 int PHONE_RecentCall_DeleteRecord(PHONE_ENG_RecentCall& record)
 {
-    return rc::statusOf(
-        rc::request(rc::connectToService(), rc::DeleteRecord, std::as_bytes(std::span(&record, 1))).get());
+    return rc::ask(rc::DeleteRecord, std::as_bytes(std::span(&record, 1)));
 }
 
 int PHONE_RecentCall_DeleteAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType)
 {
     const rc::Selection selection{category, callType};
-    return rc::statusOf(
-        rc::request(rc::connectToService(), rc::DeleteAll, std::as_bytes(std::span(&selection, 1))).get());
+    return rc::ask(rc::DeleteAll, std::as_bytes(std::span(&selection, 1)));
 }

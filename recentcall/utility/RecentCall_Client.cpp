@@ -1,4 +1,4 @@
-// What the interfaces to the recent-call service have in common.
+// Requests to the recent-call service, for the library's interfaces and for the programs of the handset.
 #include "recentcall/utility/RecentCall_Client_p.h"
 
 #include "platform/Socket_Command.h"
@@ -36,11 +36,21 @@ std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Com
     return std::unique_ptr<UTIL_CommandBody>(Socket_ReadCommand(connection.get()));
 }
 
+Status ask(Command command, std::span<const std::byte> data)
+{
+    return statusOf(request(connectToService(), command, data).get());
+}
+
 Status statusOf(const UTIL_CommandBody* answer)
 {
     if (!answer || (answer->commandId != Success && answer->commandId != NoSuchRecord))
         return Failure;
     return static_cast<Status>(answer->commandId);
+}
+
+Status markRead(const PHONE_ENG_RecentCall& record)
+{
+    return ask(MarkRead, std::as_bytes(std::span(&record, 1)));
 }
 
 int interfaceResult(int result)

@@ -1,4 +1,4 @@
-// What the interfaces to the recent-call service have in common.
+// Requests to the recent-call service, for the library's interfaces and for the programs of the handset.
 #pragma once
 
 #include "platform/UTIL_CommandBody.h"
@@ -23,8 +23,14 @@ bool post(Command command, std::span<const std::byte> data);
 std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
                                           std::span<const std::byte> data);
 
+/// Sends one command on a connection of its own and gives the status of its answer.
+Status ask(Command command, std::span<const std::byte> data);
+
 /// The status of an answer: its code when that is one of Status, else Failure, as for no answer.
 Status statusOf(const UTIL_CommandBody* answer);
+
+/// Lets the call with the uid of @p record in the list of its category count as read, seen by the user.
+Status markRead(const PHONE_ENG_RecentCall& record);
 
 /// The result of the class interfaces for one of the plain functions' results: 0, 1, and 3 for anything else.
 int interfaceResult(int result);

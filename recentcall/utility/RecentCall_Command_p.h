@@ -20,6 +20,7 @@ enum Command : int32_t {
     AddRecord = 1,    ///< data: the record; not answered
     DeleteRecord = 2, ///< data: the record; answered
     DeleteAll = 3,    ///< data: Selection; answered
+    MarkRead = 4,     ///< data: the record; answered
 };
 
 /// Which calls a list request or a delete-all is about.
