@@ -37,8 +37,8 @@ enum class Change {
 };
 
 /**
- * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done changes nothing, unless a
- * file could not be written.
+ * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done changes nothing,
+ * unless a file could not be written.
  *
  * A file that a favourite of the new number has left goes, and so do the entries of the old one.
  */

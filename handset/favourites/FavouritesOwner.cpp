@@ -39,8 +39,8 @@ QString seenCallsPath()
 bool isNumber(const QString& number)
 {
     return number.size() <= kNumberLimit && std::ranges::all_of(number, [](QChar character) {
-        return character.unicode() <= 0xFF && character.isPrint();
-    });
+               return character.unicode() <= 0xFF && character.isPrint();
+           });
 }
 
 /// The entry of @p entries that was made of @p call, or null.

@@ -24,8 +24,9 @@ int main(int argc, char** argv)
 
     const QString channel = QLatin1String(zyn::kActivityLogChannel);
     handset::CommandLine commandLine(
-        QStringLiteral("Owns the favourites: registers and drops them as announced on the message channel\n%1, and logs "
-                       "their calls.\nEnds on SIGTERM and SIGINT. Messages go to standard error.")
+        QStringLiteral(
+            "Owns the favourites: registers and drops them as announced on the message channel\n%1, and logs "
+            "their calls.\nEnds on SIGTERM and SIGINT. Messages go to standard error.")
             .arg(channel));
     if (!commandLine.parse())
         return handset::kUsageError;

@@ -294,12 +294,14 @@ namespace zyn::tool {
 
 Command favouritesCommand()
 {
-    return {.name = u"favourites"_s,
-            .summary = u"The favourites and their activity log"_s,
-            .details = u"\nA favourite is registered, logged and counted under the last %1 characters of its number.\n"
-                       "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"_s
-                           .arg(kFavouriteKeyLength),
-            .verbs = {listRow(), replaceRow(), logRow(), showRow(), unreadRow(), removeRow(), announceRow()}};
+    return {
+        .name = u"favourites"_s,
+        .summary = u"The favourites and their activity log"_s,
+        .details =
+            u"\nA favourite is registered, logged and counted under the last %1 characters of its number.\n"
+            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"_s.arg(
+                kFavouriteKeyLength),
+        .verbs = {listRow(), replaceRow(), logRow(), showRow(), unreadRow(), removeRow(), announceRow()}};
 }
 
 } // namespace zyn::tool

@@ -28,8 +28,8 @@ Command zynphoneCommand()
             .summary = u"Look at the phone library's data and services, and change them"_s,
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
-                      favouritesCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
-                      sendCommand()}};
+                      favouritesCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(),
+                      statusCommand(), sendCommand()}};
 }
 
 } // namespace
