@@ -25,22 +25,27 @@ public:
     ~StoreFixture() { forgetSingletons(); }
 
     QString path() const { return m_directory.path(); }
+    QString file(const QString& name) const { return m_directory.path() + QLatin1String("/phone/") + name; }
     QString file(RC_CALL_CATEGORY_T category) const
     {
         return m_directory.path() + QLatin1String("/phone") + QLatin1String(zyn::recordFileName(category));
     }
 
-    QByteArray read(RC_CALL_CATEGORY_T category) const
+    /// @{ The whole file @p which: a name, or a list's category.
+    template<typename Which>
+    QByteArray read(const Which& which) const
     {
-        QFile source(file(category));
+        QFile source(file(which));
         return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
     }
-    void write(RC_CALL_CATEGORY_T category, const QByteArray& bytes) const
+    template<typename Which>
+    void write(const Which& which, const QByteArray& bytes) const
     {
-        QFile target(file(category));
+        QFile target(file(which));
         if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size())
             qFatal("cannot write %s", qPrintable(target.fileName()));
     }
+    /// @}
     PHONE_ENG_RecentCall recordIn(RC_CALL_CATEGORY_T category, int slot) const
     {
         return zyn::recordAt(read(category), slot);

@@ -1,0 +1,129 @@
+// The public face of the activity log: what it sends, prints and counts.
+#include "platform/QCopChannel.h"
+#include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "support/ActivityLogFixture.h"
+#include "support/Role.h"
+#include "support/StdoutCapture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+RC_TopPals_AL_Interface& face()
+{
+    return *RC_TopPals_AL_Interface::instance();
+}
+
+/// The result and the counts: of missed calls, and of messages.
+QList<int> unread(const QString& number)
+{
+    TopPals_Missed_Details details = {number, 77, 77};
+    const int result = face().getUnreadCount(details);
+    return {result, details.missedCallCount, details.unreadMsgCount};
+}
+
+void log(RC_CALL_CATEGORY_T category, int msgType, uint8_t readFlags)
+{
+    PHONE_ENG_ActivityLog record = ActivityLogFixture::entry(u"1234567"_s);
+    record.category = category;
+    record.msgType = msgType;
+    record.readFlags = readFlags;
+    ActivityLogFixture::log().addTopPalsAvlItem(record);
+}
+
+/// Logs a missed call each time that a line comes.
+int logWhenAsked(const QStringList&)
+{
+    while (std::getchar() != EOF) {
+        log(RC_CALL_CATEGORY_MISSED, 0, 0);
+        role::sayReady();
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+class tst_RC_TopPals_AL_Interface : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void announcesAFavourite();
+    void countsWhatIsUnread();
+    void countsWhatAnotherProcessLogs();
+};
+
+void tst_RC_TopPals_AL_Interface::announcesAFavourite()
+{
+    QCopChannel channel("ACTIVITY_LOG_CHANNEL");
+    QByteArray received;
+    connect(&channel, &QCopChannel::received, this,
+            [&](const QCString& message, const QByteArray& data) { received += message + ' ' + data.toHex() + '\n'; });
+    StdoutCapture output;
+    const TopPals_Details_T details = {u"N\u00e9"_s, u"12"_s, QString(), -2};
+    const bool isSent = face().modifyTopPalsContactDetails(u""_s, details);
+    const QByteArray told = output.take();
+    QVERIFY(isSent);
+    QTRY_COMPARE(received, "MODIFY_TOPPAL_DETAILS 00000000"
+                           "0000000400310032"
+                           "00000004004e00e9"
+                           "ffffffff"
+                           "fffffffe\n");
+    const QByteArray line = "TP5_AVL: RC_TopPals_AL_Interface:modifyTopPalsContactDetails: ";
+    QCOMPARE(told, "\nTP5_AVL: ENTER: RC_TopPals_AL_Interface::modifyTopPalsContactDetails\n" + line + "oldnum = \n"
+                       + line + "num = 12\n" + line + "nam = N\xE9\n" + line + "imageloc = \n" + line
+                       + "contactId = -2\n"
+                         "TP5_AVL:EXIT: RC_TopPals_AL_Interface::modifyTopPalsContactDetails: returns = 1\n");
+
+    qputenv("ZYN_QCOP_PATH", "relative");
+    QVERIFY(!face().modifyTopPalsContactDetails({}, {}));
+    qunsetenv("ZYN_QCOP_PATH");
+    RC_TopPals_AL_Interface::destruction();
+}
+
+void tst_RC_TopPals_AL_Interface::countsWhatIsUnread()
+{
+    const ActivityLogFixture fixture;
+    StdoutCapture output;
+    QCOMPARE(unread(u"0015551234567"_s), (QList{0, 0, 0}));
+    fixture.join(u"1234567"_s);
+    QCOMPARE(unread(u"1234567"_s), (QList{1, 0, 0}));
+    for (uint8_t readFlags = 0; readFlags < 4; ++readFlags) { // unread is the lowest bit alone
+        log(RC_CALL_CATEGORY_MISSED, 0, readFlags);
+        log(RC_CALL_CATEGORY_ANSWERED, 0, readFlags);
+        log(RC_CALL_CATEGORY_DIALED, -1, readFlags);
+    }
+    log(RC_CALL_CATEGORY_MISSED, 4, 0); // counts as both
+    output.take();
+    StdoutCapture counted;
+    const QList<int> counts = unread(u"0015551234567"_s);
+    const QByteArray told = counted.take();
+    QCOMPARE(counts, (QList{1, 3, 3}));
+    QVERIFY(told.startsWith("\nEntering RC_TopPals_AL_Interface::getUnreadCount()TP5_AVL:RC Store:  ENTER: read"));
+    QVERIFY(told.endsWith(" returns = 1\n\nExiting RC_TopPals_AL_Interface::getUnreadCount()"));
+
+    // A file that ends too early counts for nothing, nor does a number without a file.
+    fixture.write(u"1234567"_s, fixture.read(u"1234567"_s).chopped(1));
+    for (const QString& number : {u"1234567"_s, u"234567"_s, QString(), u"../phone/1234567"_s})
+        QCOMPARE(unread(number), (QList{0, 0, 0}));
+}
+
+void tst_RC_TopPals_AL_Interface::countsWhatAnotherProcessLogs()
+{
+    const ActivityLogFixture fixture;
+    fixture.join(u"1234567"_s);
+    const auto owner = role::start(u"owner"_s);
+    for (int count = 1; count <= 3; ++count) {
+        owner->write("\n");
+        QVERIFY(role::waitReady(*owner));
+        QCOMPARE(unread(u"1234567"_s), (QList{1, count, 0}));
+    }
+    owner->closeWriteChannel();
+    QCOMPARE(role::finish(*owner), 0);
+}
+
+int main(int argc, char** argv)
+{
+    return role::testMain<tst_RC_TopPals_AL_Interface>(argc, argv, {{u"owner"_s, logWhenAsked}});
+}
+#include "tst_RC_TopPals_AL_Interface.moc"
