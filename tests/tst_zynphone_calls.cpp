@@ -105,6 +105,11 @@ void ZynphoneCallsTest::sendsRequests_data()
     row("ptt call 1=Ann=Eve 2 3= --value1 -1 --value2 7", "makePttCall",
         number(3) + text("1") + text("2") + text("3") + text("Ann=Eve") + kNull + text("") + number(-1) + number(7));
     row("ptt drop", "dropPttCall", "");
+    row("recents show missed", "RECENTCALL_MSG_3", number(2));
+    row("recents page picker", "RECENTCALL_MSG_4", number(5));
+    row("recents page -7", "RECENTCALL_MSG_4", number(-7));
+    row("recents detail dialed 12", "RECENTCALL_MSG_5", number(3) + number(12));
+    row("recents hide", "RECENTCALL_MSG_7", "");
 }
 
 void ZynphoneCallsTest::sendsRequests()
@@ -112,8 +117,8 @@ void ZynphoneCallsTest::sendsRequests()
     QFETCH(QByteArray, message);
     QFETCH(QByteArray, payload);
     QList<std::pair<QByteArray, QByteArray>> messages;
-    const QCopChannel voice("/ZYN/Phone/LocalPath"), ptt("/KQ/calling2ptt");
-    for (const QCopChannel* channel : {&voice, &ptt}) {
+    const QCopChannel voice("/ZYN/Phone/LocalPath"), ptt("/KQ/calling2ptt"), recents("/ZYN/recentcall");
+    for (const QCopChannel* channel : {&voice, &ptt, &recents}) {
         connect(channel, &QCopChannel::received, channel, [&](const QCString& name, const QByteArray& data) {
             messages.append({name, data});
         });

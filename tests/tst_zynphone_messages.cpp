@@ -1,4 +1,5 @@
 // The tool's monitor, status and send: what is sent is shown, by real processes.
+#include "support/LineProcess.h"
 #include "support/SignalRecorder.h"
 #include "support/Tool.h"
 #include "utility/PHONE_MsgTable_p.h"
@@ -8,8 +9,6 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QTime>
-
-#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -30,44 +29,27 @@ QStringList listing()
 const QString kSent = u"sent\nexit 0"_s;
 
 /// `zynphone monitor`, listening once it is constructed.
-class Monitor : public QProcess
+class Monitor : public LineProcess
 {
 public:
     explicit Monitor(const char* arguments)
     {
         start(QStringLiteral(ZYN_TOOL), words(QLatin1String("monitor ") + QLatin1String(arguments)));
         setReadChannel(StandardError);
-        greeting = waitForLine();
+        greeting = nextLine();
         setReadChannel(StandardOutput);
     }
 
-    ~Monitor() override { end(SIGTERM); }
-
     /// The next line; where it begins with the local time, TIME stands instead.
-    QString nextLine()
+    QString nextMessage()
     {
-        const QString line = waitForLine();
+        const QString line = nextLine();
         const QTime time = QTime::fromString(line.left(12), u"HH:mm:ss.zzz"_s);
         const int age = (time.secsTo(QTime::currentTime()) + 86'400) % 86'400;
         return time.isValid() && age < 300 ? u"TIME"_s + line.mid(12) : line;
     }
 
-    int end(int signal)
-    {
-        if (processId() != 0)
-            ::kill(static_cast<pid_t>(processId()), signal);
-        return role::finish(*this);
-    }
-
     QString greeting;
-
-private:
-    QString waitForLine()
-    {
-        while (!canReadLine() && waitForReadyRead(role::kPatience)) {
-        }
-        return QString::fromUtf8(readLine()).remove(u'\n');
-    }
 };
 
 /// Checks that an object says what a line of text says; of lists, which look different, only that they are
@@ -119,7 +101,7 @@ void ZynphoneMessagesTest::showsWhatIsSent()
         if (command.startsWith("status"_L1))
             names += words(command)[1] + u' ';
         expected += u"TIME  "_s + row.section(u" -> "_s, 1) + u'\n';
-        const QString line = monitor.nextLine();
+        const QString line = monitor.nextMessage();
         shown += line + u'\n';
         compareWithText(QJsonDocument::fromJson(json.nextLine().toUtf8()).object(), line);
     }
@@ -139,11 +121,11 @@ void ZynphoneMessagesTest::showsWholePayloads()
     Monitor json("--raw --json /ZYN/phone");
     QCOMPARE(text.greeting, u"listening on /any/%41, /ZYN/phone"_s);
     QCOMPARE(run(words(u"send /any/%2541 x byte:255"_s)), kSent);
-    QCOMPARE(text.nextLine(), u"TIME  /any/%41              x                 unknown  rest=ff payload=ff"_s);
+    QCOMPARE(text.nextMessage(), u"TIME  /any/%41              x                 unknown  rest=ff payload=ff"_s);
     QCOMPARE(run(words(u"send /ZYN/phone PHONE_MSG_37 text:%C2%9B%5C%E2%80%AE null hex:00"_s)), kSent);
-    QCOMPARE(text.nextLine(), uR"(TIME  /ZYN/phone            PHONE_MSG_37      PHONE_MSG_SERVICE_ID_AND_NAME_S  )"
-                              uR"(first="\u009b\\\u202e" second=null third=missing rest=00 )"
-                              u"payload=00000006009b005c202effffffff00"_s);
+    QCOMPARE(text.nextMessage(), uR"(TIME  /ZYN/phone            PHONE_MSG_37      PHONE_MSG_SERVICE_ID_AND_NAME_S  )"
+                                 uR"(first="\u009b\\\u202e" second=null third=missing rest=00 )"
+                                 u"payload=00000006009b005c202effffffff00"_s);
     QCOMPARE(json.nextLine().section(u",\"time\":"_s, 0, 0),
              uR"({"channel":"/ZYN/phone","enumerator":"PHONE_MSG_SERVICE_ID_AND_NAME_S",)"
              uR"("fields":{"first":"\u009b\\\u202e","second":null},"known":true,"missing":["third"],)"

@@ -1,12 +1,15 @@
-// The command line of a service.
+// The command line of a program of the handset.
 #include "handset/common/CommandLine.h"
 
 #include "handset/common/Log.h"
+#include "handset/common/Output.h"
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -35,15 +38,17 @@ bool usageError(const QString& text)
 
 namespace zyn::handset {
 
-CommandLine::CommandLine(const QString& description)
+CommandLine::CommandLine(const QString& description, Output* output)
+    : m_output(output)
 {
     m_parser.setApplicationDescription(description);
     add(QCommandLineOption(kReadyFd,
                            QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as "
                                           "clients are served, and close it unless it is a standard stream."),
                            QStringLiteral("number")));
-    add(QCommandLineOption(kTrace, QStringLiteral("Leave the library's trace text on standard output, which somebody "
-                                                  "must then read: the service waits for it.")));
+    add(QCommandLineOption(kTrace, m_output ? QStringLiteral("Show the library's trace text on standard error.")
+                                            : QStringLiteral("Leave the library's trace text on standard output, which "
+                                                             "somebody must then read: the service waits for it.")));
 }
 
 void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
@@ -60,16 +65,25 @@ bool CommandLine::parse()
     if (!m_parser.parse(QCoreApplication::arguments()))
         return usageError(m_parser.errorText());
     if (m_parser.isSet(help))
-        m_parser.showHelp();
+        showAndEnd(m_parser.helpText());
     if (m_parser.isSet(version))
-        m_parser.showVersion();
+        showAndEnd(
+            QStringLiteral("%1 %2\n").arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
     if (!m_parser.positionalArguments().isEmpty())
         return usageError(QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
     if (!hasTimes() || !takeReadyFd())
         return false;
-    if (!isSet(kTrace))
-        discardTraces();
+    directTraces();
     return true;
+}
+
+void CommandLine::showAndEnd(const QString& text)
+{
+    if (m_output)
+        m_output->write(text);
+    else
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+    std::exit(EXIT_SUCCESS);
 }
 
 bool CommandLine::hasTimes() const
@@ -87,15 +101,20 @@ bool CommandLine::takeReadyFd()
     const auto fd = number(value(kReadyFd), 0);
     const int flags = fd ? ::fcntl(*fd, F_GETFD) : -1;
     // What this process has opened itself is closed on exec; what it was handed is not.
-    if (flags < 0 || (flags & FD_CLOEXEC) != 0)
+    const bool isTaken = m_output && fd == STDOUT_FILENO;
+    if (flags < 0 || (flags & FD_CLOEXEC) != 0 || isTaken)
         return usageError(QStringLiteral("--ready-fd is the number of an open descriptor"));
     m_readyFd = *fd;
     return true;
 }
 
 /// A pipe that nobody reads would stop the service in the middle of a client's request.
-void CommandLine::discardTraces()
+void CommandLine::directTraces()
 {
+    if (m_output && isSet(kTrace))
+        m_output->showTrace();
+    if (m_output || isSet(kTrace))
+        return;
     if (m_readyFd == STDOUT_FILENO)
         m_readyFd = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const posix::UniqueFd nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));

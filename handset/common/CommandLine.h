@@ -1,4 +1,4 @@
-// The command line of a service.
+// The command line of a program of the handset.
 #pragma once
 
 #include <QtCore/QCommandLineOption>
@@ -9,14 +9,17 @@
 
 namespace zyn::handset {
 
-/// The exit code of a service that was started with arguments that it does not know.
+class Output;
+
+/// The exit code of a program that was started with arguments that it does not know.
 inline constexpr int kUsageError = 2;
 
-/// The options that every service has, --help, --version, --ready-fd and --trace, and what a service adds to them.
+/// The options that every program has, --help, --version, --ready-fd and --trace, and what a program adds to them.
 class CommandLine
 {
 public:
-    explicit CommandLine(const QString& description);
+    /// @param output  of a program that shows something; the library's trace text is for standard error then
+    explicit CommandLine(const QString& description, Output* output = nullptr);
 
     void add(const QCommandLineOption& option) { m_parser.addOption(option); }
     /// Adds an option with a number of milliseconds, 1 or more. Its text contains "%1" for the default, if it
@@ -36,10 +39,12 @@ public:
     void announce(const QString& path) const;
 
 private:
+    [[noreturn]] void showAndEnd(const QString& text);
     bool hasTimes() const;
     bool takeReadyFd();
-    void discardTraces();
+    void directTraces();
 
+    Output* const m_output;
     QCommandLineParser m_parser;
     QStringList m_times;
     int m_readyFd = -1; ///< -1: none

@@ -2,8 +2,9 @@
 #include "handset/favourites/FavouritesOwner.h"
 
 #include "handset/common/Log.h"
-#include "handset/favourites/CallLogReader.h"
+#include "handset/common/Text.h"
 #include "handset/favourites/Favourites.h"
+#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
@@ -131,7 +132,7 @@ void FavouritesOwner::look()
 
 void FavouritesOwner::takeCalls()
 {
-    const auto calls = readCallLog();
+    const auto calls = zyn::handset::fetchCalls(RC_CALL_CATEGORY_ALL);
     if (calls.has_value() != m_isServed)
         log(calls ? QStringLiteral("the recent-call service answers again")
                   : QStringLiteral("the recent-call service does not answer: its calls are taken later"));
@@ -149,8 +150,9 @@ void FavouritesOwner::takeCalls()
 void FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
 {
     if (!zyn::favourites::isSound(key))
-        log(zyn::favourites::renew(key) ? QStringLiteral("the file of %1 is made anew").arg(key)
-                                        : QStringLiteral("the file of %1 cannot be made").arg(key));
+        log((zyn::favourites::renew(key) ? QStringLiteral("the file of %1 is made anew")
+                                         : QStringLiteral("the file of %1 cannot be made"))
+                .arg(zyn::handset::printable(key)));
     Entries entries;
     if (!zyn::favourites::readEntries(entries, key))
         return;
@@ -164,8 +166,8 @@ void FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
         else if (!m_seen.contains(call) && !isTooOld(entries, key, call))
             fresh.push_back(call);
     }
-    for (const PHONE_ENG_RecentCall& call : fresh)
-        takeCall(key, call);
+    // They come newest first.
+    std::for_each(fresh.rbegin(), fresh.rend(), [&](const PHONE_ENG_RecentCall& call) { takeCall(key, call); });
 }
 
 void FavouritesOwner::takeCall(const QString& key, const PHONE_ENG_RecentCall& call)

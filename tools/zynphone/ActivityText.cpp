@@ -1,6 +1,7 @@
 // Entries of the activity log as the tool writes them.
 #include "tools/zynphone/ActivityText.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/CallText.h"
 
 namespace {
@@ -13,9 +14,9 @@ QString startText(const Entry& entry)
     return localStart(entry);
 }
 
-QString lengthText(const Entry& entry)
+QString durationText(const Entry& entry)
 {
-    return durationText(entry);
+    return zyn::handset::durationText(entry.duration);
 }
 
 constexpr ActivityColumn kColumns[] = {
@@ -26,7 +27,7 @@ constexpr ActivityColumn kColumns[] = {
     {"number", nullptr, [](const Entry& entry) { return QJsonValue(entry.getPhoneNumber()); }},
     {"name", "NAME", [](const Entry& entry) { return QJsonValue(entry.getDisplayName()); }},
     {"start", "START", [](const Entry& entry) { return QJsonValue(utcStart(entry)); }, startText},
-    {"duration", "DURATION", [](const Entry& entry) { return QJsonValue(entry.duration); }, lengthText},
+    {"duration", "DURATION", [](const Entry& entry) { return QJsonValue(entry.duration); }, durationText},
     {"type", nullptr, [](const Entry& entry) { return QJsonValue(wordFor(kTypes, entry.callType)); }},
     {"messageType", "MESSAGE TYPE", [](const Entry& entry) { return QJsonValue(entry.msgType); }},
     {"messageInfo", nullptr, [](const Entry& entry) { return QJsonValue(entry.msgInfo); }},

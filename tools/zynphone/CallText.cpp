@@ -2,6 +2,8 @@
 // tables.
 #include "tools/zynphone/CallText.h"
 
+#include "handset/common/Text.h"
+
 #include <QtCore/QTimeZone>
 
 using namespace Qt::StringLiterals;
@@ -11,8 +13,10 @@ namespace {
 using Call = PHONE_ENG_RecentCall;
 using zyn::tool::CallColumn;
 
-constexpr qint64 kSecondsPerMinute = 60;
-constexpr qint64 kSecondsPerHour = 3600;
+QString durationText(const Call& call)
+{
+    return zyn::handset::durationText(call.duration);
+}
 
 /// A session id is stored as UTF-8; the record's own getter reads it as Latin-1.
 QString session(const Call& call)
@@ -28,7 +32,7 @@ constexpr CallColumn kColumns[] = {
     {"number", "NUMBER", [](const Call& call) { return QJsonValue(call.getPhoneNumber()); }},
     {"name", "NAME", [](const Call& call) { return QJsonValue(call.getDisplayName()); }},
     {"start", "START", [](const Call& call) { return QJsonValue(zyn::tool::utcStart(call)); }, zyn::tool::localStart},
-    {"duration", "DURATION", [](const Call& call) { return QJsonValue(call.duration); }, zyn::tool::durationText},
+    {"duration", "DURATION", [](const Call& call) { return QJsonValue(call.duration); }, durationText},
     {"type", "TYPE", [](const Call& call) { return QJsonValue(zyn::tool::wordFor(zyn::tool::kTypes, call.callType)); }},
     {"session", nullptr, [](const Call& call) { return QJsonValue(session(call)); }},
     {"read", "READ", [](const Call& call) { return QJsonValue((call.readFlags & Call::kRead) != 0); }},
@@ -52,15 +56,6 @@ QString utcStart(const PHONE_ENG_RecentCall& call)
 QString localStart(const PHONE_ENG_RecentCall& call)
 {
     return call.getStartDateTime().toString(Qt::ISODate);
-}
-
-QString durationText(const PHONE_ENG_RecentCall& call)
-{
-    const qint64 seconds = std::abs(qint64{call.duration});
-    return u"%1%2:%3:%4"_s.arg(call.duration < 0 ? "-"_L1 : ""_L1)
-        .arg(seconds / kSecondsPerHour)
-        .arg(seconds % kSecondsPerHour / kSecondsPerMinute, 2, 10, QLatin1Char('0'))
-        .arg(seconds % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
 }
 
 std::span<const CallColumn> callColumns()

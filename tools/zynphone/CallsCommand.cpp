@@ -1,9 +1,9 @@
 // zynphone calls: the log of recent calls.
 #include "tools/zynphone/CallsCommand.h"
 
+#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -18,25 +19,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::kCallTypes;
 using Call = PHONE_ENG_RecentCall;
 
 constexpr int kNoSuchCall = 1; // of RC_Interface
 
-CommandError serviceError()
-{
-    return zyn::tool::serviceError(u"recent-call service"_s, QLatin1String(zyn::recentcall::kSocketPath));
-}
-
 RC_CALL_CATEGORY_T listNamed(const QString& word)
 {
     return wordNamed(kListsOrAll, word, u"list"_s).value;
-}
-
-/// The call types that have a word.
-const std::vector<RC_CALL_TYPE_T>& knownTypes()
-{
-    static const std::vector<RC_CALL_TYPE_T> types{RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
-    return types;
 }
 
 /// The call types that --type selects: the three that have a word, unless it names one by its word or number.
@@ -44,25 +34,19 @@ std::vector<RC_CALL_TYPE_T> typesFrom(const Invocation& call)
 {
     const QString word = call.value(u"type"_s);
     if (!call.isSet(u"type"_s) || word == "all"_L1)
-        return knownTypes();
+        return {kCallTypes.begin(), kCallTypes.end()};
     bool isNumber = false;
     const int number = word.toInt(&isNumber);
     return {isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, word, u"type"_s).value};
 }
 
 /// The calls of @p types in @p list, newest first.
-std::vector<Call> fetch(RC_CALL_CATEGORY_T list, const std::vector<RC_CALL_TYPE_T>& types)
+std::vector<Call> fetch(RC_CALL_CATEGORY_T list, std::span<const RC_CALL_TYPE_T> types)
 {
-    std::vector<Call> calls;
-    for (const RC_CALL_TYPE_T type : types) {
-        QPtrList<RC_RecordInterface> records;
-        if (RC_Interface().getRecordList(records, list, type) != 0)
-            throw serviceError();
-        for (const RC_RecordInterface* record : records)
-            calls.push_back(*static_cast<const RC_RecordInterfaceImpl*>(record)->getData());
-    }
-    std::ranges::stable_sort(calls, [](const Call& left, const Call& right) { return left < right; });
-    return calls;
+    auto calls = zyn::handset::fetchCalls(list, types);
+    if (!calls)
+        throw recentCallServiceError();
+    return std::move(*calls);
 }
 
 ExitCode listCalls(const Invocation& call, Console& console)
@@ -76,7 +60,7 @@ ExitCode addCall(const Invocation& call, Console& console)
 {
     const RC_RecordInterfaceImpl record(new Call(callFrom(call)));
     if (RC_Interface().addRecord(record) != 0)
-        throw serviceError();
+        throw recentCallServiceError();
     console.write(u"sent\n"_s);
     return Done;
 }
@@ -85,7 +69,7 @@ ExitCode deleteCall(const Invocation& call, Console& console)
 {
     const int uid = wholeNumber(call.argument(0), u"UID"_s);
     const auto list = call.isSet(u"list"_s) ? listNamed(call.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
-    std::vector<Call> found = fetch(list, knownTypes());
+    std::vector<Call> found = fetch(list, kCallTypes);
     std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
     if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
         throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
@@ -95,7 +79,7 @@ ExitCode deleteCall(const Invocation& call, Console& console)
     if (result == kNoSuchCall)
         throw failure(u"no such call: %1"_s.arg(uid));
     if (result != 0)
-        throw serviceError();
+        throw recentCallServiceError();
     console.write(u"deleted\n"_s);
     return Done;
 }
@@ -107,7 +91,7 @@ ExitCode clearCalls(const Invocation& call, Console& console)
         const int result = RC_Interface().deleteRecordAll(list, type);
         // Nothing to delete is what was asked for.
         if (result != 0 && result != kNoSuchCall)
-            throw serviceError();
+            throw recentCallServiceError();
     }
     console.write(u"cleared\n"_s);
     return Done;

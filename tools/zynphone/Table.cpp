@@ -3,42 +3,7 @@
 
 #include "tools/zynphone/Console.h"
 
-#include <algorithm>
-
-namespace {
-
-constexpr QLatin1String kGap("  ");
-
-QList<qsizetype> columnWidths(const QList<QStringList>& rows)
-{
-    QList<qsizetype> widths;
-    for (const QStringList& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (qsizetype column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], row[column].size());
-    }
-    return widths;
-}
-
-} // namespace
-
 namespace zyn::tool {
-
-QString alignedLines(const QList<QStringList>& rows)
-{
-    const QList<qsizetype> widths = columnWidths(rows);
-    QString lines;
-    for (const QStringList& row : rows) {
-        QStringList cells;
-        for (qsizetype column = 0; column < row.size(); ++column)
-            cells += row[column].leftJustified(widths[column]);
-        QString line = cells.join(kGap);
-        while (line.endsWith(QLatin1Char(' ')))
-            line.chop(1);
-        lines += line + QLatin1Char('\n');
-    }
-    return lines;
-}
 
 QString Table::text() const
 {

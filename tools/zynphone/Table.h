@@ -1,6 +1,8 @@
 // Rows of values, as aligned columns for people and as JSON for programs.
 #pragma once
 
+#include "handset/common/Text.h"
+
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
 #include <QtCore/QJsonValue>
@@ -22,8 +24,7 @@ struct Column
     QString (*text)(const Row&) = nullptr; ///< what people read; the value itself where null
 };
 
-/// The lines of @p rows, their cells aligned two blanks apart.
-QString alignedLines(const QList<QStringList>& rows);
+using handset::alignedLines;
 
 class Table
 {

@@ -21,8 +21,9 @@ public:
         return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), QStringLiteral("end after that time"));
     }
 
-    explicit TimeLimit(const Invocation& call)
-        : m_seconds(limitFrom(call, QStringLiteral("for"), kMaxSeconds))
+    /// @param option  the one that sets it, if not option()
+    explicit TimeLimit(const Invocation& call, const QString& option = QStringLiteral("for"))
+        : m_seconds(limitFrom(call, option, kMaxSeconds))
     {}
 
     /// From now on the time runs; nothing ends when none is set.

@@ -6,8 +6,10 @@
 #include "tools/zynphone/FavouritesCommand.h"
 #include "tools/zynphone/HandsetCommand.h"
 #include "tools/zynphone/InspectCommand.h"
+#include "tools/zynphone/MissedCommand.h"
 #include "tools/zynphone/MonitorCommand.h"
 #include "tools/zynphone/PttCommand.h"
+#include "tools/zynphone/RecentsCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
 #include "tools/zynphone/SetupCommand.h"
@@ -26,10 +28,10 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
-                      pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
-                      favouritesCommand(), settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(),
-                      statusCommand(), sendCommand()}};
+            .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
+                      pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
+                      callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
+                      handsetCommand(), inspectCommand(), monitorCommand(),   statusCommand(),     sendCommand()}};
 }
 
 } // namespace

@@ -1,0 +1,55 @@
+// What a program shows, kept apart from what the library traces.
+#include "handset/common/Output.h"
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kFirstFreeDescriptor = 3;
+
+/// A copy of standard output, on no descriptor that anybody takes for a standard one.
+int takeStandardOutput()
+{
+    return ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, kFirstFreeDescriptor);
+}
+
+void silenceStandardOutput()
+{
+    const int nowhere = ::open("/dev/null", O_WRONLY);
+    // When the tool was started without a standard output, this is the descriptor already.
+    if (nowhere == STDOUT_FILENO)
+        return;
+    ::dup2(nowhere, STDOUT_FILENO);
+    ::close(nowhere);
+}
+
+} // namespace
+
+namespace zyn::handset {
+
+Output::Output()
+{
+    m_sound =
+        m_output.open(takeStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
+    silenceStandardOutput();
+}
+
+void Output::showTrace()
+{
+    std::fflush(stdout);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    // Otherwise the trace would come after the tool's own lines.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    m_traced = true;
+}
+
+void Output::write(const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    m_sound = m_sound && m_output.write(bytes) == bytes.size();
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,42 @@
+// What a program shows, kept apart from what the library traces.
+#pragma once
+
+#include <QtCore/QFile>
+#include <QtCore/QString>
+
+#include <utility>
+
+namespace zyn::handset {
+
+/**
+ * Standard output of a program that shows something there.
+ *
+ * The library writes trace text without line ends to descriptor 1. While an output lives that descriptor
+ * leads nowhere, or to standard error after showTrace(); write() uses the real standard output, which only
+ * the output knows.
+ */
+class Output
+{
+public:
+    Output();
+
+    /// Lets the library's trace text through, to standard error.
+    void showTrace();
+
+    /// Writes @p text as UTF-8, at once.
+    void write(const QString& text);
+
+    /// Whether everything could be written.
+    bool isSound() const { return m_sound; }
+
+protected:
+    /// Whether trace text may have come since this was last asked.
+    bool takeTraced() { return std::exchange(m_traced, false); }
+
+private:
+    QFile m_output;
+    bool m_sound = false;
+    bool m_traced = false;
+};
+
+} // namespace zyn::handset

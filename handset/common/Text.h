@@ -1,0 +1,19 @@
+// Texts as a terminal shows them.
+#pragma once
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace zyn::handset {
+
+/// @p text with its control characters written as \xNN: stored and received text must not steer a terminal.
+QString printable(const QString& text);
+
+/// The lines of @p rows, their cells aligned two blanks apart.
+QString alignedLines(const QList<QStringList>& rows);
+
+/// A duration in seconds as h:mm:ss; a record may hold any number.
+QString durationText(int seconds);
+
+} // namespace zyn::handset

@@ -1,0 +1,69 @@
+// zyn-idle: plays the idle screen's counter of missed calls in a terminal.
+#include "handset/common/CommandLine.h"
+#include "handset/common/Output.h"
+#include "handset/common/Process.h"
+#include "handset/common/TerminationSignals.h"
+#include "handset/common/Text.h"
+#include "handset/recent_calls/MissedCallEngine.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdlib>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+namespace handset = zyn::handset;
+
+namespace {
+
+QString counterText(const handset::MissedCallEngine& engine, const RC_MissedCallList& unread)
+{
+    if (!engine.isAnswered())
+        return u"missed unknown: the recent-call service does not answer\n"_s;
+    if (unread.isEmpty())
+        return u"missed 0 unread\n"_s;
+    const RC_MissedCallItem& last = unread.first();
+    return u"missed %1 unread, last %2 at %3\n"_s.arg(QString::number(unread.size()), handset::printable(last.first),
+                                                      engine.start(last).toString(u"yyyy-MM-dd HH:mm:ss"));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    handset::openStandardStreams();
+    handset::ignoreBrokenPipes();
+    handset::Output output;
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"zyn-idle"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    const handset::TerminationSignals terminationSignals;
+
+    handset::CommandLine commandLine(u"Plays the idle screen's counter: tells how many missed calls are unread, at the "
+                                     "start and whenever that changes.\nEnds on SIGTERM and SIGINT, and when the "
+                                     "handset is switched off."_s,
+                                     &output);
+    if (!commandLine.parse())
+        return handset::kUsageError;
+
+    const RecentCall_MsgClient& client = *RecentCall_MsgClient::instance();
+    if (!client.isListening())
+        return EXIT_FAILURE;
+    handset::MissedCallEngine engine;
+    RC_MissedCallInterface& missedCalls = *RC_MissedCallInterface::instance();
+    QString shown;
+    const auto show = [&] {
+        const QString text = counterText(engine, missedCalls.getUnreadMissedCalls());
+        if (std::exchange(shown, text) != text)
+            output.write(text);
+    };
+    QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &application, show);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
+    show();
+    commandLine.announce(QString::fromUtf8(client.channel()));
+    const int code = QCoreApplication::exec();
+    RC_MissedCallInterface::destruction();
+    RecentCall_MsgClient::destruction();
+    return code;
+}

@@ -1,0 +1,75 @@
+// What a user types, line by line.
+#include "handset/recentcall_screen/LineInput.h"
+
+#include <array>
+#include <cerrno>
+#include <span>
+#include <utility>
+
+#include <unistd.h>
+
+namespace {
+
+/// What is longer is no answer to anything: it is cut, and marked so that it is none.
+constexpr qsizetype kLongestLine = 80;
+constexpr char kCut = '~';
+
+} // namespace
+
+namespace zyn::handset {
+
+LineInput::LineInput()
+    : m_readable(STDIN_FILENO, QSocketNotifier::Read)
+{
+    m_readable.setEnabled(false);
+    connect(&m_readable, &QSocketNotifier::activated, this, &LineInput::read);
+}
+
+void LineInput::ask()
+{
+    m_isAsked = true;
+    deliver();
+}
+
+void LineInput::cancel()
+{
+    m_isAsked = false;
+    m_readable.setEnabled(false);
+}
+
+void LineInput::read()
+{
+    std::array<char, 256> bytes;
+    const ssize_t n = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+    if (n < 0 && (errno == EAGAIN || errno == EINTR))
+        return;
+    for (const char character : std::span(bytes).first(n > 0 ? static_cast<size_t>(n) : 0))
+        take(character);
+    if (n <= 0) {
+        m_isAtEnd = true;
+        m_lines += std::exchange(m_line, {});
+    }
+    deliver();
+}
+
+void LineInput::take(char character)
+{
+    if (character == '\n')
+        m_lines += std::exchange(m_line, {});
+    else if (m_line.size() < kLongestLine)
+        m_line += character;
+    else
+        m_line.back() = kCut;
+}
+
+void LineInput::deliver()
+{
+    const bool hasAnswer = m_isAsked && (m_isAtEnd || !m_lines.isEmpty());
+    m_readable.setEnabled(m_isAsked && !hasAnswer);
+    if (!hasAnswer)
+        return;
+    m_isAsked = false;
+    Q_EMIT entered(m_lines.isEmpty() ? QString() : QString::fromUtf8(m_lines.takeFirst()));
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,144 @@
+// The recent-call screens.
+#include "handset/recentcall_screen/RecentScreen.h"
+
+#include "handset/common/Log.h"
+#include "handset/common/Output.h"
+#include "handset/recent_calls/RecentCalls.h"
+#include "handset/recentcall_screen/ScreenText.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+
+#include <span>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::handset;
+using Call = PHONE_ENG_RecentCall;
+
+/// The calls of @p page; nothing, and told in the log, when they cannot be had.
+std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
+{
+    auto calls = fetchCalls(page.category);
+    if (!calls)
+        log(u"the recent-call service does not answer"_s);
+    return calls;
+}
+
+/// Lets the unread ones of @p calls count as read.
+void markShown(std::span<const Call> calls)
+{
+    for (const Call& call : calls) {
+        // A service that does not answer would be waited for with every call.
+        if (isUnread(call) && zyn::recentcall::markRead(call) == zyn::recentcall::Failure) {
+            log(u"the recent-call service does not mark calls as read"_s);
+            return;
+        }
+    }
+}
+
+QStringList numbersOf(const std::vector<Call>& calls)
+{
+    QStringList numbers;
+    for (const Call& call : calls)
+        numbers += call.getPhoneNumber();
+    return numbers;
+}
+
+} // namespace
+
+namespace zyn::handset {
+
+RecentScreen::RecentScreen(Output& output, NumberPicker& picker)
+    : m_output(output)
+    , m_picker(picker)
+{}
+
+void RecentScreen::obey(RecentCall_MsgClient& client)
+{
+    connect(&client, &RecentCall_MsgClient::signalShowRecentCall, this, &RecentScreen::showCategory);
+    connect(&client, &RecentCall_MsgClient::signalShowPage, this, &RecentScreen::showPage);
+    connect(&client, &RecentCall_MsgClient::signalShowDetail, this, &RecentScreen::showDetail);
+    connect(&client, &RecentCall_MsgClient::signalHideUI, this, &RecentScreen::hide);
+    connect(&client, &RecentCall_MsgClient::signalMissedCallUpdate, this, &RecentScreen::refresh);
+}
+
+void RecentScreen::showCategory(RC_CALL_CATEGORY_T category, OTHER_COMPONENT_SHOW_UI component)
+{
+    const ScreenPage* const page = pageListing(category);
+    if (!page) {
+        log(u"no page lists calls of category %1"_s.arg(category));
+        return;
+    }
+    if (component != OTHER_COMPONENT_NONE)
+        m_output.write(component == OTHER_COMPONENT_CALLING ? u"for the calling application\n"_s
+                                                            : u"for the messaging application\n"_s);
+    openPage(*page);
+}
+
+void RecentScreen::showPage(RC_PAGE_ID_T number)
+{
+    if (const ScreenPage* const page = pageNumbered(number))
+        openPage(*page);
+    else
+        log(u"there is no page %1"_s.arg(number));
+}
+
+void RecentScreen::openPage(const ScreenPage& page)
+{
+    auto calls = callsOf(page);
+    if (page.asksForNumber) {
+        // Whoever waits for a number is told, too, that there is none.
+        const QStringList numbers = numbersOf(calls.value_or(Calls()));
+        if (calls)
+            draw(page, std::move(*calls));
+        m_picker.open(numbers);
+    } else if (calls) {
+        m_picker.close();
+        draw(page, std::move(*calls));
+    }
+}
+
+void RecentScreen::draw(const ScreenPage& page, Calls calls)
+{
+    m_output.write(pageText(page, calls));
+    m_page = page.asksForNumber ? nullptr : &page;
+    m_calls = std::move(calls);
+    markShown(m_calls);
+}
+
+void RecentScreen::showDetail(RC_CALL_CATEGORY_T category, int index)
+{
+    const ScreenPage* const page = pageListing(category);
+    const auto calls = page ? callsOf(*page) : std::nullopt;
+    if (!calls || index < 0 || std::cmp_greater_equal(index, calls->size())) {
+        log(u"there is no call %1 of category %2"_s.arg(index).arg(category));
+        return;
+    }
+    const Call& call = (*calls)[static_cast<size_t>(index)];
+    m_picker.close();
+    m_output.write(detailText(*page, index, call));
+    m_page = nullptr;
+    markShown(std::span(&call, 1));
+}
+
+void RecentScreen::hide()
+{
+    m_picker.close();
+    m_output.write(u"hidden\n"_s);
+    m_page = nullptr;
+}
+
+/// Draws the list again when other calls are in it. That a call is read now is no reason: drawing makes it so, and the
+/// service announces that.
+void RecentScreen::refresh()
+{
+    if (!m_page)
+        return;
+    auto calls = callsOf(*m_page);
+    if (calls && *calls != m_calls)
+        draw(*m_page, std::move(*calls));
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,65 @@
+// What the recent-call screens show, as text.
+#include "handset/recentcall_screen/ScreenText.h"
+
+#include "handset/common/Text.h"
+#include "handset/recent_calls/RecentCalls.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::handset;
+using Call = PHONE_ENG_RecentCall;
+
+QString listText(const Call& call)
+{
+    const ScreenPage* const page = pageListing(call.category);
+    return page ? QString(QLatin1String(page->name)) : QString::number(call.category);
+}
+
+constexpr struct
+{
+    const char* title;
+    QString (*text)(const Call& call);
+} kColumns[] = {
+    {"NEW", [](const Call& call) { return isUnread(call) ? u"*"_s : QString(); }},
+    {"LIST", listText},
+    {"NUMBER", [](const Call& call) { return printable(call.getPhoneNumber()); }},
+    {"NAME", [](const Call& call) { return printable(call.getDisplayName()); }},
+    {"TIME", [](const Call& call) { return call.getStartDateTime().toString(u"yyyy-MM-dd HH:mm:ss"); }},
+    {"DURATION", [](const Call& call) { return durationText(call.duration); }},
+};
+
+} // namespace
+
+namespace zyn::handset {
+
+QString pageText(const ScreenPage& page, const std::vector<Call>& calls)
+{
+    const QString title = u"%1: %2 calls, %3 unread\n"_s.arg(QLatin1String(page.name))
+                              .arg(calls.size())
+                              .arg(std::ranges::count_if(calls, isUnread));
+    if (calls.empty())
+        return title;
+    QStringList titles{u"ROW"_s};
+    for (const auto& column : kColumns)
+        titles += QLatin1String(column.title);
+    QList<QStringList> rows{titles};
+    for (const Call& call : calls) {
+        QStringList row{QString::number(rows.size() - 1)};
+        for (const auto& column : kColumns)
+            row += column.text(call);
+        rows += row;
+    }
+    return title + alignedLines(rows);
+}
+
+QString detailText(const ScreenPage& page, int index, const Call& call)
+{
+    QList<QStringList> lines;
+    for (const auto& column : kColumns)
+        lines += {QLatin1String(column.title), column.text(call)};
+    return u"%1, row %2\n"_s.arg(QLatin1String(page.name)).arg(index) + alignedLines(lines);
+}
+
+} // namespace zyn::handset

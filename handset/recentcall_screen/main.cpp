@@ -1,0 +1,83 @@
+// zyn-recents: plays the recent-call screens in a terminal.
+#include "handset/common/CommandLine.h"
+#include "handset/common/Log.h"
+#include "handset/common/Output.h"
+#include "handset/common/Process.h"
+#include "handset/common/TerminationSignals.h"
+#include "handset/recentcall_screen/RecentScreen.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+namespace handset = zyn::handset;
+
+namespace {
+
+const QString kPick = u"pick"_s;
+const QString kPickNone = u"none"_s;
+
+QString description()
+{
+    QStringList pages;
+    for (const handset::ScreenPage& page : handset::kScreenPages)
+        pages += u"%1 %2"_s.arg(page.page).arg(QLatin1String(page.name));
+    return u"Plays the recent-call screens: shows what others ask for on the channel\n/ZYN/recentcall, lets the missed "
+           "calls that it has shown count as read,\nand answers the number picker with the number of the row that is "
+           "typed,\nor with none for an empty line or at the end of the input.\nPages: %1. Rows are counted from "
+           "0.\nEnds "
+           "on SIGTERM and SIGINT, and when the handset is switched off."_s.arg(pages.join(u", "_s));
+}
+
+/// What the picker is answered with, when --pick is given: a row, or an empty line for none.
+std::optional<QString> unattendedAnswer(const handset::CommandLine& commandLine)
+{
+    if (!commandLine.isSet(kPick))
+        return std::nullopt;
+    const QString value = commandLine.value(kPick);
+    return value == kPickNone ? QString() : value;
+}
+
+bool isAnswer(const QString& text)
+{
+    bool isNumber = false;
+    return text.isEmpty() || (text.toInt(&isNumber) >= 0 && isNumber);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    handset::openStandardStreams();
+    handset::ignoreBrokenPipes();
+    handset::Output output;
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"zyn-recents"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    const handset::TerminationSignals terminationSignals;
+
+    handset::CommandLine commandLine(description(), &output);
+    commandLine.add(QCommandLineOption(kPick, u"Answer the number picker with the number of this row, or with none."_s,
+                                       u"row|none"_s));
+    if (!commandLine.parse())
+        return handset::kUsageError;
+    const std::optional<QString> answer = unattendedAnswer(commandLine);
+    if (answer && !isAnswer(*answer)) {
+        handset::log(u"--pick is the number of a row, 0 or more, or none"_s);
+        return handset::kUsageError;
+    }
+
+    handset::NumberPicker picker(output, answer);
+    handset::RecentScreen screen(output, picker);
+    RecentCall_MsgClient& client = *RecentCall_MsgClient::instance();
+    if (!client.isListening())
+        return EXIT_FAILURE;
+    screen.obey(client);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
+    commandLine.announce(QString::fromUtf8(client.channel()));
+    const int code = QCoreApplication::exec();
+    picker.close();
+    RecentCall_MsgClient::destruction();
+    return code;
+}

@@ -1,0 +1,281 @@
+// The recent-call screens, the idle screen's counter and the tool's verbs for both, run as the processes that they are.
+#include "platform/QCopChannel.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_MsgInterface.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tests/support/LineProcess.h"
+#include "tests/support/ServiceProcess.h"
+#include "tests/support/StoreFixture.h"
+#include "tests/support/Tool.h"
+
+#include <functional>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using tool::run;
+using Message = RecentCall_Msg;
+
+constexpr auto kMissed = RC_CALL_CATEGORY_MISSED;
+constexpr auto kDialed = RC_CALL_CATEGORY_DIALED;
+constexpr auto kAll = RC_CALL_CATEGORY_ALL;
+constexpr RC_PAGE_ID_T kPicker{5};
+
+void add(RC_CALL_CATEGORY_T category, const char* number, const char* name = "", int duration = 0)
+{
+    PHONE_ENG_RecentCall call(QLatin1String(number), QDateTime::fromSecsSinceEpoch(1'772'366'400), duration);
+    call.category = category;
+    call.setDisplayName(QString::fromLatin1(name));
+    PHONE_RecentCall_AddRecord(call);
+}
+
+/// A program of the handset that shows something, listening once it is constructed. Its log stands among what it shows.
+class Screen : public LineProcess
+{
+public:
+    explicit Screen(const char* program, const QStringList& options = {})
+    {
+        setProcessChannelMode(MergedChannels);
+        start(QLatin1String(program), options);
+        shownAtStart =
+            linesBefore(u"%1: listening on /ZYN/recentcall"_s.arg(QFileInfo(QLatin1String(program)).fileName()));
+    }
+
+    /// What it shows until it is told to hide.
+    QString shown()
+    {
+        Message::requestHideUI();
+        return linesBefore(u"hidden"_s);
+    }
+
+    QString shownAtStart;
+};
+
+class RecentsScreen : public Screen
+{
+public:
+    explicit RecentsScreen(const QStringList& options = {})
+        : Screen(ZYN_RECENTS, options)
+    {}
+};
+
+} // namespace
+
+class tst_RecentScreens : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::optional<StoreFixture> m_files;
+    ServiceProcess m_service;
+
+private Q_SLOTS:
+    void init()
+    {
+        qputenv("TZ", "UTC");
+        m_files.emplace();
+        QVERIFY(m_service.start(ZYN_RECENTCALLD));
+    }
+    void cleanup()
+    {
+        RC_MsgInterface::destruction();
+        RecentCall_MsgClient::destruction();
+        m_service.stop();
+    }
+
+    void showsWhatIsAskedFor_data()
+    {
+        QTest::addColumn<std::function<void()>>("ask");
+        QTest::addColumn<QString>("shown");
+
+        const auto row = [](const char* name, std::function<void()> ask, const char* shown) {
+            QTest::newRow(name) << std::move(ask) << QString::fromUtf8(shown);
+        };
+        const auto list = [](int category) {
+            return [category] { Message::requestShowUI(RC_CALL_CATEGORY_T(category)); };
+        };
+        const auto page = [](int number) { return [number] { Message::requestShowPage(RC_PAGE_ID_T(number)); }; };
+        const auto detail = [](int category, int index) {
+            return [category, index] { Message::showRecordDetail(index, RC_CALL_CATEGORY_T(category)); };
+        };
+        const auto application = [](const char* message) {
+            return [message] { QCopChannel::send("/ZYN/recentcall", message); };
+        };
+#define ALL_CALLS                                                                                                      \
+    "all: 3 calls, 2 unread\n"                                                                                         \
+    "ROW  NEW  LIST    NUMBER   NAME           TIME                 DURATION\n"                                        \
+    "0         dialed  0301     Anna           2026-03-01 12:00:00  1:01:05\n"                                         \
+    "1    *    missed  \\x1b[2J  Eve\\x9b1m\\x0a  2026-03-01 12:00:00  0:00:00\n"                                      \
+    "2    *    missed  445566                  2026-03-01 12:00:00  -0:00:02\n"
+        row("the missed calls", list(kMissed),
+            "missed: 2 calls, 2 unread\n"
+            "ROW  NEW  LIST    NUMBER   NAME           TIME                 DURATION\n"
+            "0    *    missed  \\x1b[2J  Eve\\x9b1m\\x0a  2026-03-01 12:00:00  0:00:00\n"
+            "1    *    missed  445566                  2026-03-01 12:00:00  -0:00:02\n");
+        row("all calls", list(kAll), ALL_CALLS);
+        row("the page of all calls", page(4), ALL_CALLS);
+        row("the calling application", application("/KQ/CALLING/RECENTCALL"),
+            "for the calling application\n" ALL_CALLS);
+        row("the messaging application", application("/KQ/MMS/RECENTCALL"),
+            "for the messaging application\n" ALL_CALLS);
+#undef ALL_CALLS
+        row("an empty list", page(1), "answered: 0 calls, 0 unread\n");
+        row("one call", detail(kDialed, 0),
+            "dialed, row 0\nNEW\nLIST      dialed\nNUMBER    0301\nNAME      Anna\n"
+            "TIME      2026-03-01 12:00:00\nDURATION  1:01:05\n");
+        row("a row behind the last", detail(kMissed, 2), "zyn-recents: there is no call 2 of category 2\n");
+        row("a row before the first", detail(kMissed, -1), "zyn-recents: there is no call -1 of category 2\n");
+        row("a row of no list", detail(5, std::numeric_limits<int>::max()),
+            "zyn-recents: there is no call 2147483647 of category 5\n");
+        row("a category without a page", list(5), "zyn-recents: no page lists calls of category 5\n");
+        row("a page that is none", page(0), "zyn-recents: there is no page 0\n");
+        row(
+            "an empty payload", [] { Message::send(Message::RECENTCALL_MSG_SHOW_PAGE_S); },
+            "zyn-recents: there is no page 0\n");
+    }
+    void showsWhatIsAskedFor()
+    {
+        QFETCH(std::function<void()>, ask);
+        QFETCH(QString, shown);
+        add(kMissed, "445566", "", -2);
+        add(kMissed, "\x1b[2J",
+            "Eve\x9b"
+            "1m\n");
+        add(kDialed, "0301", "Anna", 3665);
+        RecentsScreen screen;
+        ask();
+        QCOMPARE(screen.shown(), shown);
+        // What was shown counts as read, and nothing else.
+        const qsizetype unread = 2 - shown.count(u" * "_s);
+        QVERIFY2(run("missed").startsWith(u"%1 unread\n"_s.arg(unread)), qPrintable(run("missed")));
+    }
+
+    void answersThePicker_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<QStringList>("answers");
+        QTest::newRow("a row") << u""_s << QByteArray("1\n") << QStringList{u"111"_s};
+        QTest::newRow("one line for each time")
+            << u""_s << QByteArray("0\n\n1\n") << QStringList{u"222"_s, {}, u"111"_s};
+        QTest::newRow("a row after lines that are none")
+            << u""_s << QByteArray("2\n-1\nx\x1b\n0 0\n") + QByteArray(500, '0') + "\n99999999999\n1\n"
+            << QStringList{u"111"_s};
+        QTest::newRow("the end of the input, twice") << u""_s << QByteArray() << QStringList{{}, {}};
+        QTest::newRow("a line that ends with the input") << u""_s << QByteArray("1") << QStringList{u"111"_s, {}};
+        QTest::newRow("the same row always") << u"--pick 1"_s << QByteArray() << QStringList{u"111"_s, u"111"_s};
+        QTest::newRow("none always") << u"--pick none"_s << QByteArray("1\n") << QStringList{{}, {}};
+        QTest::newRow("a row that is none always") << u"--pick 2"_s << QByteArray("1\n") << QStringList{{}, {}};
+    }
+    void answersThePicker()
+    {
+        QFETCH(QString, options);
+        QFETCH(QByteArray, input);
+        QFETCH(QStringList, answers);
+        add(kMissed, "111");
+        add(kDialed, "222");
+        RecentsScreen screen(tool::words(options));
+        screen.write(input);
+        screen.closeWriteChannel();
+        for (const QString& answer : answers) {
+            const QString number =
+                answer.isNull() ? u"zynphone: no number was picked\nexit 3"_s : answer + u"\nexit 0"_s;
+            QCOMPARE(run("recents pick --timeout 20"), number);
+        }
+        const QString shown = screen.shown();
+        QVERIFY(shown.startsWith(u"picker: 2 calls, 1 unread\n"));
+        QCOMPARE(shown.count(u"picked"_s), answers.size());
+        QVERIFY(!shown.contains(u'\x1b'));
+    }
+
+    void closesThePickerWithoutAnAnswer_data()
+    {
+        QTest::addColumn<std::function<void(Screen&)>>("close");
+        using Close = std::function<void(Screen&)>;
+        QTest::newRow("hidden") << Close([](Screen&) { Message::requestHideUI(); });
+        QTest::newRow("another page") << Close([](Screen&) { Message::requestShowUI(kAll); });
+        QTest::newRow("a detail") << Close([](Screen&) { Message::showRecordDetail(0, kAll); });
+        QTest::newRow("switched off") << Close([](Screen&) { Message::send(Message::RECENTCALL_MSG_POWEROFF_S); });
+        QTest::newRow("told to end") << Close([](Screen& screen) { QCOMPARE(screen.end(SIGTERM), 0); });
+        QTest::newRow("no service") << Close([](Screen&) {});
+    }
+    void closesThePickerWithoutAnAnswer()
+    {
+        QFETCH(std::function<void(Screen&)>, close);
+        add(kMissed, "111");
+        RecentsScreen screen;
+        if (QTest::currentDataTag() == QByteArray("no service"))
+            m_service.stop();
+        QStringList answers;
+        connect(RC_MsgInterface::instance(), &RC_MsgInterface::rcFinished, this,
+                [&](bool selected, const QString& number) { answers += selected ? number : u"none"_s; });
+        RC_MsgInterface::instance()->requestShowUI(kPicker);
+        // Asked for again it stays open, and what it tells is for both.
+        RC_MsgInterface::instance()->requestShowUI(RC_PAGE_ID_T(0));
+        screen.linesBefore(u"zyn-recents: there is no page 0"_s);
+        close(screen);
+        QTRY_COMPARE(answers, QStringList({u"none"_s, u"none"_s}));
+    }
+
+    void countsMissedCallsLive()
+    {
+        LineProcess follower;
+        follower.start(QStringLiteral(ZYN_TOOL), tool::words(u"missed --follow --json"_s));
+        Screen idle(ZYN_IDLE);
+        RecentsScreen screen;
+        // Who looks late may find the next change made already.
+        const auto waitForUnread = [&](int count) {
+            const QString end = u"\"unread\":%1}"_s.arg(count);
+            QString line = follower.nextLine();
+            while (!line.isEmpty() && !line.endsWith(end))
+                line = follower.nextLine();
+            QVERIFY(!line.isEmpty());
+        };
+        waitForUnread(0);
+        QCOMPARE(idle.shownAtStart, u"missed 0 unread\n"_s);
+        add(kMissed, "445566",
+            "\x1b"
+            "C");
+        QCOMPARE(idle.nextLine(), u"missed 1 unread, last 445566 at 2026-03-01 12:00:00"_s);
+        add(kDialed, "0301");
+        add(kMissed, "\n77");
+        QCOMPARE(idle.nextLine(), u"missed 2 unread, last \\x0a77 at 2026-03-01 12:00:00"_s);
+        waitForUnread(2);
+        QCOMPARE(run("missed --follow --count 1"), u"2 unread\n"
+                                                   "UID  NUMBER  NAME   START                TYPE\n"
+                                                   "2    \\x0a77         2026-03-01T12:00:00  voice\n"
+                                                   "0    445566  \\x1bC  2026-03-01T12:00:00  voice\nexit 0"_s);
+        Message::requestShowUI(kMissed);
+        waitForUnread(0);
+        // The list on the screen follows, and what it shows anew is read at once.
+        add(kMissed, "999");
+        QTRY_VERIFY(m_files->recordIn(kMissed, 2).readFlags == PHONE_ENG_RecentCall::kRead);
+        const QString shown = screen.shown();
+        QCOMPARE(shown.count(u"missed: "_s), 2);
+        QVERIFY(shown.contains(u"missed: 3 calls, 1 unread\n"));
+        QCOMPARE(run("missed"), u"0 unread\nexit 0"_s);
+        QCOMPARE(follower.end(SIGTERM), 0);
+        idle.linesBefore(u"missed 0 unread"_s);
+        QCOMPARE(idle.state(), QProcess::Running);
+        QCOMPARE(idle.end(SIGINT), 0);
+    }
+
+    void tellsThatThereIsNoService()
+    {
+        m_service.stop();
+        QCOMPARE(run("missed"), u"zynphone: no recent-call service at "
+                                "/tmp/zynrecentcallcom/recentcall_interface\nexit 1"_s);
+        QCOMPARE(Screen(ZYN_IDLE).shownAtStart, u"missed unknown: the recent-call service does not answer\n"_s);
+        RecentsScreen screen;
+        Message::requestShowUI(kMissed);
+        QCOMPARE(screen.shown(), u"zyn-recents: the recent-call service does not answer\n"_s);
+        QCOMPARE(screen.end(SIGTERM), 0);
+        QCOMPARE(run("recents pick --timeout 1"), u"zynphone: the screens did not answer\nexit 1"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_RecentScreens)
+
+#include "tst_RecentScreens.moc"
