@@ -150,6 +150,7 @@ void FavouritesTest::setSlots(int count) const
 void FavouritesTest::countsAMissedCallOfAFavourite()
 {
     startService();
+    QVERIFY(add("1234567", 0)); // before it is a favourite's
     startOwner();
     QCOMPARE(run("favourites announce '' 0301234567 --name Anna"), u"sent\nexit 0"_s);
     QTRY_COMPARE(entries("1234567"), QList<int>());
@@ -164,14 +165,14 @@ void FavouritesTest::countsAMissedCallOfAFavourite()
     QCOMPARE(unread("0301234567"), 2);
 
     PHONE_ENG_RecentCall seen = StoreFixture::call(kMissed, "");
-    seen.uid = 0;
+    seen.uid = 1;
     QCOMPARE(zyn::recentcall::markRead(seen), zyn::recentcall::Success);
     QTRY_COMPARE(unread("0301234567"), 1);
     QCOMPARE(m_owner->log(), "zyn-favourites: 1234567 is a favourite now\n"
-                             "zyn-favourites: the call 0 of 1234567 is logged\n"
-                             "zyn-favourites: the call 2 of 1234567 is logged\n"
+                             "zyn-favourites: the call 1 of 1234567 is logged\n"
                              "zyn-favourites: the call 3 of 1234567 is logged\n"
-                             "zyn-favourites: the call 0 of 1234567 has been read\n");
+                             "zyn-favourites: the call 4 of 1234567 is logged\n"
+                             "zyn-favourites: the call 1 of 1234567 has been read\n");
 }
 
 void FavouritesTest::takesNothingTwiceAndLosesNothing()

@@ -88,7 +88,9 @@ FavouritesOwner::FavouritesOwner()
     connect(&m_phone, &PHONE_MsgClient::signalVoiceCallStatChanged, this, &FavouritesOwner::look);
     connect(RecentCall_MsgClient::instance(), &RecentCall_MsgClient::signalMissedCallUpdate, this,
             &FavouritesOwner::look);
-    look();
+    // Before the first announcement: the calls that came before a favourite are not taken.
+    QTimer::singleShot(0, this, &FavouritesOwner::takeCalls);
+    m_later.start();
 }
 
 void FavouritesOwner::receive(const QCString& message, const QByteArray& data)

@@ -13,7 +13,7 @@
 /**
  * Follows the announcements of the favourites' channel, and takes over the favourites' calls from the call log.
  *
- * The call log is looked through shortly after the start, after every voice-call change that the phone server reports
+ * The call log is looked through at the start, after every voice-call change that the phone server reports
  * and after every change of the missed calls, and once more a little later: a finished call may be reported before it
  * is in the log. What cannot be had from the recent-call service is taken at the next look.
  *
