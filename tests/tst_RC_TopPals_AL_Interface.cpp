@@ -6,36 +6,32 @@
 #include "support/StdoutCapture.h"
 
 using namespace Qt::StringLiterals;
+using namespace activity;
 
 namespace {
-
-RC_TopPals_AL_Interface& face()
-{
-    return *RC_TopPals_AL_Interface::instance();
-}
 
 /// The result and the counts: of missed calls, and of messages.
 QList<int> unread(const QString& number)
 {
     TopPals_Missed_Details details = {number, 77, 77};
-    const int result = face().getUnreadCount(details);
+    const int result = RC_TopPals_AL_Interface::instance()->getUnreadCount(details);
     return {result, details.missedCallCount, details.unreadMsgCount};
 }
 
-void log(RC_CALL_CATEGORY_T category, int msgType, uint8_t readFlags)
+void logEntry(RC_CALL_CATEGORY_T category, int msgType, int readFlags)
 {
-    PHONE_ENG_ActivityLog record = ActivityLogFixture::entry(u"1234567"_s);
+    PHONE_ENG_ActivityLog record = entry(u"1234567"_s);
     record.category = category;
     record.msgType = msgType;
-    record.readFlags = readFlags;
-    ActivityLogFixture::log().addTopPalsAvlItem(record);
+    record.readFlags = static_cast<uint8_t>(readFlags);
+    log().addTopPalsAvlItem(record);
 }
 
 /// Logs a missed call each time that a line comes.
 int logWhenAsked(const QStringList&)
 {
     while (std::getchar() != EOF) {
-        log(RC_CALL_CATEGORY_MISSED, 0, 0);
+        logEntry(RC_CALL_CATEGORY_MISSED, 0, 0);
         role::sayReady();
     }
     return EXIT_SUCCESS;
@@ -61,7 +57,7 @@ void tst_RC_TopPals_AL_Interface::announcesAFavourite()
             [&](const QCString& message, const QByteArray& data) { received += message + ' ' + data.toHex() + '\n'; });
     StdoutCapture output;
     const TopPals_Details_T details = {u"N\u00e9"_s, u"12"_s, QString(), -2};
-    const bool isSent = face().modifyTopPalsContactDetails(u""_s, details);
+    const bool isSent = RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(u""_s, details);
     const QByteArray told = output.take();
     QVERIFY(isSent);
     QTRY_COMPARE(received, "MODIFY_TOPPAL_DETAILS 00000000"
@@ -76,7 +72,7 @@ void tst_RC_TopPals_AL_Interface::announcesAFavourite()
                          "TP5_AVL:EXIT: RC_TopPals_AL_Interface::modifyTopPalsContactDetails: returns = 1\n");
 
     qputenv("ZYN_QCOP_PATH", "relative");
-    QVERIFY(!face().modifyTopPalsContactDetails({}, {}));
+    QVERIFY(!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails({}, {}));
     qunsetenv("ZYN_QCOP_PATH");
     RC_TopPals_AL_Interface::destruction();
 }
@@ -86,32 +82,28 @@ void tst_RC_TopPals_AL_Interface::countsWhatIsUnread()
     const ActivityLogFixture fixture;
     StdoutCapture output;
     QCOMPARE(unread(u"0015551234567"_s), (QList{0, 0, 0}));
-    fixture.join(u"1234567"_s);
+    revamp({}, u"1234567"_s);
     QCOMPARE(unread(u"1234567"_s), (QList{1, 0, 0}));
-    for (uint8_t readFlags = 0; readFlags < 4; ++readFlags) { // unread is the lowest bit alone
-        log(RC_CALL_CATEGORY_MISSED, 0, readFlags);
-        log(RC_CALL_CATEGORY_ANSWERED, 0, readFlags);
-        log(RC_CALL_CATEGORY_DIALED, -1, readFlags);
+    for (const int readFlags : {0, 1, 2, 3}) { // unread is the lowest bit alone
+        logEntry(RC_CALL_CATEGORY_MISSED, 0, readFlags);
+        logEntry(RC_CALL_CATEGORY_ANSWERED, 0, readFlags);
+        logEntry(RC_CALL_CATEGORY_DIALED, -1, readFlags);
     }
-    log(RC_CALL_CATEGORY_MISSED, 4, 0); // counts as both
-    output.take();
-    StdoutCapture counted;
-    const QList<int> counts = unread(u"0015551234567"_s);
-    const QByteArray told = counted.take();
-    QCOMPARE(counts, (QList{1, 3, 3}));
-    QVERIFY(told.startsWith("\nEntering RC_TopPals_AL_Interface::getUnreadCount()TP5_AVL:RC Store:  ENTER: read"));
-    QVERIFY(told.endsWith(" returns = 1\n\nExiting RC_TopPals_AL_Interface::getUnreadCount()"));
-
+    logEntry(RC_CALL_CATEGORY_MISSED, 4, 0); // counts as both
+    QCOMPARE(unread(u"0015551234567"_s), (QList{1, 3, 3}));
     // A file that ends too early counts for nothing, nor does a number without a file.
     fixture.write(u"1234567"_s, fixture.read(u"1234567"_s).chopped(1));
-    for (const QString& number : {u"1234567"_s, u"234567"_s, QString(), u"../phone/1234567"_s})
+    for (const QString& number : {u"1234567"_s, u"234567"_s, u"hone/.."_s, QString()})
         QCOMPARE(unread(number), (QList{0, 0, 0}));
+    const QByteArray told = output.take();
+    QVERIFY(told.startsWith("\nEntering RC_TopPals_AL_Interface::getUnreadCount()TP5_AVL:RC Store: ENTER: init"));
+    QVERIFY(told.endsWith(" returns = 0\n\nExiting RC_TopPals_AL_Interface::getUnreadCount()"));
 }
 
 void tst_RC_TopPals_AL_Interface::countsWhatAnotherProcessLogs()
 {
     const ActivityLogFixture fixture;
-    fixture.join(u"1234567"_s);
+    revamp({}, u"1234567"_s);
     const auto owner = role::start(u"owner"_s);
     for (int count = 1; count <= 3; ++count) {
         owner->write("\n");

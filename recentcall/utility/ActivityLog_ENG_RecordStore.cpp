@@ -51,7 +51,8 @@ ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
     topPalsAvlFlags = {};
     const int slots = zyn::contactSlots();
     for (int i = 0; i < kFavourites; ++i) {
-        for (const int slot : zyn::usedSlots(zyn::numberOf(topPalNumberDetails.at(size_t(i))), slots))
+        const QString number = zyn::numberOf(topPalNumberDetails.at(size_t(i)));
+        for (const int slot : zyn::usedSlots(number, slots))
             topPalsAvlFlags.mark(i, slot, true);
     }
 }

@@ -50,7 +50,7 @@ bool load(zyn::TopPalsDetails& places, const QString& path)
     const auto whole = static_cast<size_t>(length) / sizeof(TopPalNumberDetail);
     for (size_t i = 0; i < whole; ++i) {
         places[i].nthFileItem = stored[i].nthFileItem;
-        zyn::storeText(places[i].phoneNumber, zyn::numberOf(stored[i]).toLatin1());
+        zyn::storeText(places[i].phoneNumber, QByteArray(stored[i].phoneNumber, sizeof stored[i].phoneNumber));
     }
     return whole == places.size();
 }
@@ -59,9 +59,10 @@ bool load(zyn::TopPalsDetails& places, const QString& path)
 
 namespace zyn {
 
-QString numberOf(const TopPalNumberDetail& place)
+QLatin1String numberOf(const TopPalNumberDetail& place)
 {
-    return latin1Text(place.phoneNumber);
+    const auto length = static_cast<qsizetype>(qstrnlen(place.phoneNumber, sizeof place.phoneNumber));
+    return QLatin1String(place.phoneNumber, length);
 }
 
 void initTopPalNumberDetails(TopPalsDetails& places)

@@ -9,8 +9,8 @@ namespace zyn {
 
 using TopPalsDetails = std::array<TopPalNumberDetail, ActivityLog_ENG_RecordStore::kFavourites>;
 
-/// The number in the place of a favourite; empty in a free one.
-QString numberOf(const TopPalNumberDetail& place);
+/// The number in a place, as long as that is there; empty in a free one.
+QLatin1String numberOf(const TopPalNumberDetail& place);
 
 // These write what they do to standard output.
 
