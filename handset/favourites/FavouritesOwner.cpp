@@ -93,6 +93,11 @@ FavouritesOwner::FavouritesOwner()
     m_later.start();
 }
 
+FavouritesOwner::~FavouritesOwner()
+{
+    RecentCall_MsgClient::destruction();
+}
+
 void FavouritesOwner::receive(const QCString& message, const QByteArray& data)
 {
     if (message != zyn::kModifyFavourite)

@@ -25,6 +25,7 @@ class FavouritesOwner : public QObject
 
 public:
     FavouritesOwner();
+    ~FavouritesOwner() override;
 
     /// Whether announcements are received.
     bool isListening() const { return m_announcements.isListening(); }
