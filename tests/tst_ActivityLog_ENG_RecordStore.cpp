@@ -35,6 +35,15 @@ QString favourites()
     return log().getCurrentTopPalsFileNames(names.data()) ? names.join(u',') : QString();
 }
 
+/// The parts of a file of test data that begin with @p mark.
+QStringList parts(const QString& name, const QString& mark)
+{
+    QFile file(QFINDTESTDATA(u"data/"_s + name));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no %s", qPrintable(name));
+    return QString::fromLatin1('\n' + file.readAll().chopped(1)).split(u'\n' + mark).mid(1);
+}
+
 /// The newest of @p v first, by a selection sort in its plainest form.
 Records selectionSort(Records v)
 {
@@ -61,23 +70,24 @@ private Q_SLOTS:
     void cleanup()
     {
         m_fixture.reset();
+        const QByteArray output = m_output->take();
         m_output.reset();
+        if (QTest::currentTestFailed()) // what failed was written to the captured output, too
+            qInfo("%s", output.right(1000).constData());
     }
 
     void keepsItsFilesByteForByte();
-    void keepsFiveFavourites();
-    void followsTheNumberOfSlots();
     void overwritesNothingWithoutHavingRead();
     void ordersAsASelectionSortDoes();
     void readsDamagedFilesWithinTheirBounds();
     void replacesDamagedFiles();
     void namesNoFileOfAnotherKind();
-    void failsCleanly();
+    void livesThroughChanges();
     void tellsWhatItDoes();
     void countsItsEntries(); // last: the counter stays
 
 private:
-    void obey(const QStringList& words);
+    QString obey(const QString& line);
 
     std::optional<StdoutCapture> m_output;
     std::optional<ActivityLogFixture> m_fixture;
@@ -114,57 +124,6 @@ void tst_ActivityLog_ENG_RecordStore::keepsItsFilesByteForByte()
     QVERIFY(QDir().rmdir(u"/tmp/phone"_s));
 }
 
-void tst_ActivityLog_ENG_RecordStore::keepsFiveFavourites()
-{
-    for (const char* number : {"a", "b", "c", "d", "e"})
-        QCOMPARE(revamp({}, QLatin1String(number)), 1);
-    QCOMPARE(revamp({}, u"f"_s), 0);
-    QCOMPARE(favourites(), u"a,b,c,d,e"_s);
-    QCOMPARE(add(u"b"_s), 0);
-    for (const QString& number : {u"d"_s, u"b"_s})
-        QCOMPARE(revamp(number, {}), 1);
-    QCOMPARE(log().getTopPalFileItem({}), -1);
-    QCOMPARE(revamp(u"e"_s, u"g"_s), 1); // into the lowest free place, not the one that is left
-    QCOMPARE(add(u"g"_s), 0);            // where an entry of the one before was
-    QCOMPARE(add(u"e"_s), -1);
-    QCOMPARE(revamp(u"x"_s, u"h"_s), 1);
-    ActivityLog_ENG_RecordStore::destroy();
-    QCOMPARE(favourites(), u"a,g,c,h,"_s);
-    QCOMPARE(log().getTopPalFileItem(u"H"_s), -1);
-    QCOMPARE(m_fixture->files(), u"a c f g h topPalsDetails"_s);
-}
-
-void tst_ActivityLog_ENG_RecordStore::followsTheNumberOfSlots()
-{
-    const auto isValid = [&] { return log().checkTopPalsFile(m_fixture->file(u"1"_s)); };
-    revamp({}, u"0"_s);
-    revamp({}, u"1"_s); // not in the first place: its marks must not move
-    for (int slot = 0; slot < 15; ++slot)
-        QCOMPARE(add(u"1"_s, slot), slot);
-    for (const QString& slots : {u"10"_s, u"15"_s, u"0"_s}) {
-        m_fixture->setSlots(slots);
-        QCOMPARE(add(u"1"_s), -1);
-        QCOMPARE(isValid(), slots == u"15");
-        QCOMPARE(read(u"1"_s).size(), 1 + slots.toInt());
-        QCOMPARE(read(u"1"_s).first(), 1);
-    }
-    QCOMPARE(revamp({}, u"2"_s), 1);
-    QCOMPARE(m_fixture->read(u"2"_s), kHeader);
-    m_fixture->setSlots(u"20"_s);
-    for (int slot = 15; slot < 20; ++slot) {
-        QCOMPARE(read(u"1"_s).first(), 0); // cut short
-        QCOMPARE(add(u"1"_s, slot), slot);
-    }
-    QVERIFY(isValid());
-    QCOMPARE(read(u"1"_s).size(), 21);
-    for (const auto& [text, slots] : {std::pair(u"-5"_s, 15), {u"4294967295"_s, 32'767}}) {
-        m_fixture->setSlots(text);
-        QCOMPARE(revamp(u"2"_s, u"2"_s), 1); // makes a file of another size anew
-        QCOMPARE(m_fixture->read(u"2"_s).size(), 8 + 300 * slots);
-        QCOMPARE(add(u"2"_s), 0);
-    }
-}
-
 void tst_ActivityLog_ENG_RecordStore::overwritesNothingWithoutHavingRead()
 {
     for (const QString& number : {u"1"_s, u"2"_s}) {
@@ -180,7 +139,7 @@ void tst_ActivityLog_ENG_RecordStore::overwritesNothingWithoutHavingRead()
     QCOMPARE(add(u"2"_s, 7), 1);
     QCOMPARE(add(u"2"_s, 8), 3);
     QCOMPARE(add(u"1"_s, 9), 3);
-    QCOMPARE(read(u"2"_s), (QList{1, 8, 7, 2, 0}));
+    QCOMPARE(read(u"2"_s), u"1 8 7 2 0"_s);
 }
 
 void tst_ActivityLog_ENG_RecordStore::ordersAsASelectionSortDoes()
@@ -208,15 +167,13 @@ void tst_ActivityLog_ENG_RecordStore::readsDamagedFilesWithinTheirBounds()
     const QByteArray whole = m_fixture->read(u"1"_s);
     for (int length = 0; length <= whole.size() + 1; ++length) {
         m_fixture->write(u"1"_s, whole.leftJustified(length, '\x01', true));
-        QList<int> expected = {length >= whole.size()};
-        for (int start = std::min((length - 8) / 300, 2); start > 0; --start)
-            expected.append(start);
-        QCOMPARE(read(u"1"_s), expected);
+        const QStringList expected = {u"0"_s, u"0 1"_s, u"0 2 1"_s, u"1 2 1"_s};
+        QCOMPARE(read(u"1"_s), expected.at(std::max(length - 8, 0) / 300));
         QCOMPARE(log().checkTopPalsFile(m_fixture->file(u"1"_s)), length == whole.size());
     }
     for (int byte = 0; byte < 8; ++byte) {
         m_fixture->write(u"1"_s, QByteArray(whole).replace(byte, 1, QByteArray(1, char(whole[byte] ^ 0x40))));
-        QCOMPARE(read(u"1"_s), QList{0});
+        QCOMPARE(read(u"1"_s), u"0"_s);
         QVERIFY(!log().checkTopPalsFile(m_fixture->file(u"1"_s)));
     }
     // Foreign places mark nothing, nor does a number that fills its field.
@@ -224,7 +181,7 @@ void tst_ActivityLog_ENG_RecordStore::readsDamagedFilesWithinTheirBounds()
     for (const int pos : {-1, 3, 15, kLargest, -kLargest - 1}) {
         const QByteArray slot = bytes(entry(u"1"_s, 0, pos));
         m_fixture->write(u"1"_s, kHeader + slot.repeated(2) + QByteArray(slot).replace(0, 42, QByteArray(42, '1')));
-        QCOMPARE(read(u"1"_s), (QList{1, 0, 0, 0}));
+        QCOMPARE(read(u"1"_s), u"1 0 0 0"_s);
         QCOMPARE(log().getAvailableTopPalsAvlPos(u"1"_s), 0);
     }
 }
@@ -265,7 +222,7 @@ void tst_ActivityLog_ENG_RecordStore::namesNoFileOfAnotherKind()
                                   u"rc_m"_s, u"rc_d"_s, u"rc_e"_s, u"topPalsLock"_s, u"1.new.1"_s, u"1\0"_s}) {
         QCOMPARE(log().getStoreFileName(number).isNull(), number != kDetails);
         QCOMPARE(revamp({}, number), 0);
-        QCOMPARE(read(number), QList{0});
+        QCOMPARE(read(number), u"0"_s);
         PHONE_ENG_ActivityLog record = entry(number, 0, 0);
         if (!number.contains(QChar::Null)) // which a record cannot hold
             QCOMPARE(log().modifyTopPalsAvlItem(record) + log().removeTopPalsAvlItem(record), 0);
@@ -276,67 +233,59 @@ void tst_ActivityLog_ENG_RecordStore::namesNoFileOfAnotherKind()
     QCOMPARE(favourites(), u"1,11111111111111111,,,"_s);
 }
 
-void tst_ActivityLog_ENG_RecordStore::failsCleanly()
+/// Does what @p line says, within a limited file size if it ends so, and gives the result.
+QString tst_ActivityLog_ENG_RecordStore::obey(const QString& line)
 {
-    revamp({}, u"1"_s);
-    const QByteArray before = m_fixture->read(u"1"_s) + m_fixture->read(kDetails);
-    {
-        const ScopedFileSizeLimit limit(8);
-        QCOMPARE(add(u"1"_s), -1);
-        QCOMPARE(revamp({}, u"2"_s), 0);
-    }
-    QCOMPARE(m_fixture->read(u"1"_s) + m_fixture->read(kDetails), before);
-    QCOMPARE(m_fixture->files(), u"1 topPalsDetails"_s);
-    QCOMPARE(add(u"1"_s), 0);
-    // Only what makes a file makes it, and a directory is none.
-    QDir(m_fixture->file(QString())).removeRecursively();
-    QCOMPARE(add(u"1"_s), -1);
-    QCOMPARE(revamp({}, u"3"_s), 0);
-    QCOMPARE(m_fixture->files(), u"3"_s);
-    QDir().mkdir(m_fixture->file(u"1"_s));
-    QCOMPARE(read(u"1"_s), QList{0});
-}
-
-/// Does what a line of the transcript says.
-void tst_ActivityLog_ENG_RecordStore::obey(const QStringList& words)
-{
+    const QStringList words = line.split(u' ');
     const auto numberAt = [&](int i) { return words.value(i) == u'-' ? QString() : words.value(i); };
     PHONE_ENG_ActivityLog record = entry(numberAt(1), 0, words.value(2).toInt());
     record.topPalsAvlIndex = words.value(3).toInt();
-    const std::map<QString, std::function<void()>> verbs = {
-        {u"start"_s, [] { ActivityLog_ENG_RecordStore::destroy(), log(); }},
-        {u"directory"_s, [&] { qputenv("ZYN_LOCAL_APP_WRITE_PATH", words[1].toLatin1()); }},
-        {u"junk"_s, [&] { m_fixture->write(words[1], QByteArray(700, '\x01')); }},
-        {u"file"_s, [&] { m_fixture->write(words[2], kHeader + bytes(record)); }},
-        {u"revamp"_s, [&] { revamp(numberAt(1), numberAt(2)); }},
-        {u"add"_s, [&] { add(numberAt(1), words[2].toInt()); }},
-        {u"read"_s, [&] { read(numberAt(1)); }},
-        {u"modify"_s, [&] { log().modifyTopPalsAvlItem(record); }},
-        {u"remove"_s, [&] { log().removeTopPalsAvlItem(record); }},
-        {u"mark"_s, [&] { log().setTopPalsAvlFlag(words[1], record.topPalsAvlPos); }},
-        {u"unmark"_s, [&] { log().clearTopPalsAvlFlag(words[1], record.topPalsAvlPos); }},
+    const std::map<QString, std::function<QVariant()>> verbs = {
+        {u"start"_s, [] { return ActivityLog_ENG_RecordStore::destroy(), log(), 0; }},
+        {u"directory"_s, [&] { return qputenv("ZYN_LOCAL_APP_WRITE_PATH", words[1].toLatin1()); }},
+        {u"slots"_s, [&] { return m_fixture->setSlots(words[1]), 1; }},
+        {u"sweep"_s, [&] { return QDir(m_fixture->file(QString())).removeRecursively(), 0; }},
+        {u"mkdir"_s, [&] { return int{QDir().mkdir(m_fixture->file(words[1]))}; }},
+        {u"junk"_s, [&] { return m_fixture->write(words[1], QByteArray(700, '\x01')), 0; }},
+        {u"file"_s, [&] { return m_fixture->write(words[2], kHeader + bytes(record)), 0; }},
+        {u"files"_s, [&] { return m_fixture->files(); }},
+        {u"size"_s, [&] { return m_fixture->read(words[1]).size(); }},
+        {u"favourites"_s, [] { return favourites(); }},
+        {u"place"_s, [&] { return int{log().getTopPalFileItem(numberAt(1))}; }},
+        {u"check"_s, [&] { return int{log().checkTopPalsFile(m_fixture->file(words[1]))}; }},
+        {u"revamp"_s, [&] { return revamp(numberAt(1), numberAt(2)); }},
+        {u"add"_s, [&] { return add(numberAt(1), words.value(2).toInt()); }},
+        {u"read"_s, [&] { return read(numberAt(1)); }},
+        {u"modify"_s, [&] { return log().modifyTopPalsAvlItem(record); }},
+        {u"remove"_s, [&] { return log().removeTopPalsAvlItem(record); }},
+        {u"mark"_s, [&] { return log().setTopPalsAvlFlag(words[1], record.topPalsAvlPos); }},
+        {u"unmark"_s, [&] { return log().clearTopPalsAvlFlag(words[1], record.topPalsAvlPos); }},
     };
-    verbs.at(words[0])();
+    std::optional<ScopedFileSizeLimit> limit;
+    if (line.contains(u" within "_s))
+        limit.emplace(words.last().toUInt());
+    return verbs.at(words[0])().toString();
+}
+
+void tst_ActivityLog_ENG_RecordStore::livesThroughChanges()
+{
+    for (const QString& line : parts(u"activity_log_life.txt"_s, {})) {
+        const QString command = line.section(u" -> "_s, 0, 0);
+        if (!line.startsWith(u'#'))
+            QCOMPARE(command + u" -> "_s + obey(command), line);
+    }
 }
 
 void tst_ActivityLog_ENG_RecordStore::tellsWhatItDoes()
 {
     RecentCall_Setup::instance();
     m_fixture->setSlots(u"2"_s);
-    QFile transcript(QFINDTESTDATA("data/activity_log.txt"));
-    QVERIFY(transcript.open(QIODevice::ReadOnly));
-    for (const QString& exchange :
-         QString::fromLatin1('\n' + transcript.readAll().chopped(1)).split(u"\n$ "_s).mid(1)) {
-        const QString line = exchange.section(u'\n', 0, 0);
+    for (const QString& exchange : parts(u"activity_log.txt"_s, u"$ "_s)) {
+        const QString command = exchange.section(u'\n', 0, 0);
         StdoutCapture output;
-        {
-            std::optional<ScopedFileSizeLimit> limit;
-            if (line.contains(u" within "_s))
-                limit.emplace(line.section(u' ', -1).toUInt());
-            obey(line.split(u' '));
-        }
+        obey(command);
         const QByteArray told = output.take().replace(qgetenv("ZYN_LOCAL_APP_WRITE_PATH") + "/phone", "@");
-        const QByteArrayList lines = (line.toLatin1() + '\n' + told).chopped(1).split('\n');
+        const QByteArrayList lines = (command.toLatin1() + '\n' + told).chopped(1).split('\n');
         QCOMPARE(lines, exchange.toLatin1().split('\n'));
     }
 }

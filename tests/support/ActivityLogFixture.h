@@ -67,14 +67,14 @@ inline int add(const QString& number, int32_t start = 0)
     return log().addTopPalsAvlItem(record) == 1 ? record.topPalsAvlPos : -1;
 }
 
-/// The start times that reading a number's file gives, behind its result.
-inline QList<int> read(const QString& number)
+/// The result of reading a number's file, and the start times that this gives.
+inline QString read(const QString& number)
 {
     QSortedList<PHONE_ENG_ActivityLog> list;
     list.setAutoDelete(true);
-    QList<int> result = {log().readTopPalsAvlContactRecordList(list, number)};
+    QString result = QString::number(log().readTopPalsAvlContactRecordList(list, number));
     for (const PHONE_ENG_ActivityLog* record : list)
-        result.append(record->startTime);
+        result += u' ' + QString::number(record->startTime);
     return result;
 }
 
