@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 using namespace std::chrono_literals;
 using zyn::favourites::Change;
@@ -173,8 +174,12 @@ void FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
         else if (!m_seen.contains(call) && !isTooOld(entries, key, call))
             fresh.push_back(call);
     }
-    // They come newest first.
-    std::for_each(fresh.rbegin(), fresh.rend(), [&](const PHONE_ENG_RecentCall& call) { takeCall(key, call); });
+    // Each takes the place of an older one where the file is full.
+    std::ranges::sort(fresh, [](const PHONE_ENG_RecentCall& left, const PHONE_ENG_RecentCall& right) {
+        return std::pair(left.startTime, left.uid) < std::pair(right.startTime, right.uid);
+    });
+    for (const PHONE_ENG_RecentCall& call : fresh)
+        takeCall(key, call);
 }
 
 void FavouritesOwner::takeCall(const QString& key, const PHONE_ENG_RecentCall& call)
