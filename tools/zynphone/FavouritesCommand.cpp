@@ -10,7 +10,7 @@
 #include "utility/PHONE_ChannelMessages_p.h"
 
 #include <array>
-#include <ranges>
+#include <functional>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -69,7 +69,9 @@ ExitCode showEntries(const Invocation& call, Console& console)
 {
     favourites::Entries entries;
     readInto(entries, favouriteFrom(call));
-    const auto rows = entries | std::views::transform([](const Entry* entry) -> const Entry& { return *entry; });
+    std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
+    for (const Entry* entry : entries)
+        rows.emplace_back(*entry);
     printTable(console, Table(activityColumns(), rows), call.isSet(u"json"_s));
     return Done;
 }

@@ -123,7 +123,7 @@ Argument favouriteArgument()
 
 QString favouriteFrom(const Invocation& call)
 {
-    const QString key = zyn::favouriteKey(callNumber(call.argument(0)));
+    QString key = zyn::favouriteKey(callNumber(call.argument(0)));
     if (!favourites::isFavourite(key))
         throw failure(favourites::describe(Change::NoFavourite, key, QString()));
     return key;
