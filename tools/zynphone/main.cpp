@@ -1,5 +1,6 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
+#include "tools/zynphone/ChartCommand.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
@@ -7,6 +8,7 @@
 #include "tools/zynphone/InspectCommand.h"
 #include "tools/zynphone/MonitorCommand.h"
 #include "tools/zynphone/PttCommand.h"
+#include "tools/zynphone/ReplayCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
 #include "tools/zynphone/SetupCommand.h"
@@ -27,8 +29,8 @@ Command zynphoneCommand()
             .summary = u"Look at the phone library's data and services, and change them"_s,
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
-                      settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
-                      sendCommand()}};
+                      settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), replayCommand(),
+                      chartCommand(), statusCommand(), sendCommand()}};
 }
 
 } // namespace

@@ -1,0 +1,61 @@
+// zynphone chart: a recording as a picture.
+#include "tools/zynphone/ChartCommand.h"
+
+#include "tools/zynphone/ChartSvg.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Recording.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+void writeWhole(const QString& path, const QByteArray& contents)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.commit())
+        throw failure(u"cannot write %1: %2"_s.arg(path, file.errorString()));
+}
+
+ExitCode drawChart(const Invocation& call, Console& console)
+{
+    const QString input = call.argument(0);
+    const QString output = call.value(u"output"_s);
+    if (call.isSet(u"output"_s) && QFileInfo(output) == QFileInfo(input))
+        throw usageError(u"the chart would replace the recording"_s);
+    Recording recording(input);
+    recording.keepOnly(call.values(u"channel"_s));
+    const QByteArray svg = chartSvg(recording.messages(), printable(QFileInfo(input).fileName()));
+    if (call.isSet(u"output"_s))
+        writeWhole(output, svg);
+    else
+        console.write(QString::fromUtf8(svg));
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command chartCommand()
+{
+    return {.name = u"chart"_s,
+            .summary = u"Draw the messages of a recording as a sequence chart in SVG"_s,
+            .details =
+                u"\nA lane is a channel, time runs downwards. From three of a kind on, messages that follow each "
+                u"other in\n"
+                "a lane are one entry. Long pauses are shortened and say so. All that a message holds is in its "
+                "tooltip.\n"_s,
+            .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
+            .options = {QCommandLineOption({u"output"_s, u"o"_s},
+                                           u"write the chart to FILE (also -o), else to standard output"_s, u"FILE"_s),
+                        valueOption(u"channel"_s, u"CHANNEL"_s,
+                                    u"only the messages of that channel, and of each other one so given"_s)},
+            .run = drawChart};
+}
+
+} // namespace zyn::tool
