@@ -14,26 +14,42 @@ namespace {
 
 using namespace zyn::tool;
 
-void writeWhole(const QString& path, const QByteArray& contents)
+constexpr char kStandardOutput[] = "-";
+
+void writeWhole(QFileDevice& file, const QByteArray& contents)
 {
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.flush())
+        throw failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
+}
+
+void writeChart(const QString& path, const QByteArray& svg)
+{
+    // A device or a pipe is written to; a new file must not take its place.
+    const QFileInfo place(path);
+    if (place.exists() && !place.isFile()) {
+        QFile file(path);
+        writeWhole(file, svg);
+        return;
+    }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.commit())
+    writeWhole(file, svg);
+    if (!file.commit())
         throw failure(u"cannot write %1: %2"_s.arg(path, file.errorString()));
 }
 
 ExitCode drawChart(const Invocation& call, Console& console)
 {
     const QString input = call.argument(0);
-    const QString output = call.value(u"output"_s);
-    if (call.isSet(u"output"_s) && QFileInfo(output) == QFileInfo(input))
+    const QString output = call.isSet(u"output"_s) ? call.value(u"output"_s) : QLatin1String(kStandardOutput);
+    if (QFileInfo(output) == QFileInfo(input))
         throw usageError(u"the chart would replace the recording"_s);
     Recording recording(input);
     recording.keepOnly(call.values(u"channel"_s));
     const QByteArray svg = chartSvg(recording.messages(), printable(QFileInfo(input).fileName()));
-    if (call.isSet(u"output"_s))
-        writeWhole(output, svg);
-    else
+    if (output == QLatin1String(kStandardOutput))
         console.write(QString::fromUtf8(svg));
+    else
+        writeChart(output, svg);
     return Done;
 }
 
@@ -52,7 +68,8 @@ Command chartCommand()
                 "tooltip.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
             .options = {QCommandLineOption({u"output"_s, u"o"_s},
-                                           u"write the chart to FILE (also -o), else to standard output"_s, u"FILE"_s),
+                                           u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
+                                           u"FILE"_s),
                         valueOption(u"channel"_s, u"CHANNEL"_s,
                                     u"only the messages of that channel, and of each other one so given"_s)},
             .run = drawChart};

@@ -19,16 +19,16 @@ using namespace zyn::tool;
 /// The next line of @p file without its end; nothing when there is none.
 std::optional<QByteArray> nextLine(QFile& file)
 {
-    QByteArray line = file.readLine(kLongestRecordingLine);
+    QByteArray line = file.readLine(kLongestRecordingLine + 2); // which leaves room for a NUL
     if (file.error() != QFileDevice::NoError)
         throw failure(file.errorString());
     if (line.isEmpty())
         return std::nullopt;
+    if (line.size() > kLongestRecordingLine)
+        throw failure(u"the line is longer than %1 bytes"_s.arg(kLongestRecordingLine));
     // A line that is cut short may look whole: half of a payload is one too.
     if (!line.endsWith('\n'))
-        throw failure(line.size() < kLongestRecordingLine
-                          ? u"the line is cut short"_s
-                          : u"the line is longer than %1 bytes"_s.arg(kLongestRecordingLine));
+        throw failure(u"the line is cut short"_s);
     line.chop(1);
     if (!QByteArrayView(line).isValidUtf8())
         throw failure(u"the line is not UTF-8"_s);

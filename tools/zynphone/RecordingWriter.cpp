@@ -39,7 +39,9 @@ bool RecordingWriter::write(const QCString& channel, const QCString& name, const
 bool RecordingWriter::writeLine(const QByteArray& line)
 {
     const qint64 size = m_file.size();
-    if (m_file.write(line) == line.size())
+    const qint64 written = m_file.write(line);
+    // Only when nothing more can be written the system says why.
+    if (written == line.size() || (written > 0 && m_file.write(line.mid(written)) == line.size() - written))
         return true;
     fail();
     m_file.resize(size);
