@@ -30,7 +30,11 @@ constexpr char16_t kFirstWide = 0x2E80;
 
 QStringList fieldTextsOf(const ReceivedMessage& message)
 {
-    return fieldTexts(messageFields(message.channel, message.name, message.payload));
+    QStringList texts = fieldTexts(messageFields(message.channel, message.name, message.payload));
+    // XML takes no half of a pair, which a text may hold.
+    for (QString& text : texts)
+        text = QString::fromUtf8(text.toUtf8());
+    return texts;
 }
 
 QString payloadText(const QByteArray& payload)
