@@ -3,6 +3,7 @@
 
 #include "tools/zynphone/ChartSvg.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/JsonText.h"
 #include "tools/zynphone/Recording.h"
 
 #include <QtCore/QFileInfo>
@@ -45,7 +46,7 @@ ExitCode drawChart(const Invocation& call, Console& console)
         throw usageError(u"the chart would replace the recording"_s);
     Recording recording(input);
     recording.keepOnly(call.values(u"channel"_s));
-    const QByteArray svg = chartSvg(recording.messages(), printable(QFileInfo(input).fileName()));
+    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(QFileInfo(input).fileName()));
     if (output == QLatin1String(kStandardOutput))
         console.write(QString::fromUtf8(svg));
     else
