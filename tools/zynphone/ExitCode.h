@@ -9,8 +9,8 @@ namespace zyn::tool {
 
 enum ExitCode : int {
     Done = 0,
-    Failed = 1, ///< the handset, a service or a file did not do what was asked, or is not sound
-    Usage = 2,  ///< the command line asks for something that does not exist
+    Failed = 1,        ///< the handset, a service or a file did not do what was asked, or is not sound
+    Usage = 2,         ///< the command line asks for something that does not exist
     Interrupted = 130, ///< a signal ended it before its work was done
 };
 
