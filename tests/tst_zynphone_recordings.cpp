@@ -184,8 +184,9 @@ void ZynphoneRecordingsTest::refusesRecordings_data()
     row("header cut short", kHeader.chopped(1), "1: the line is cut short");
     row("UTF-16", "\xFF\xFE#\0\n"_ba, "1: the line is not UTF-8");
     row("cut short", kHeader + kLine.chopped(1), "2: the line is cut short");
-    row("over-long", kHeader + QByteArray(65 * 1024 * 1024, 'a'), "2: the line is longer than 67108864 bytes");
-    row("large", kHeader + kLine.chopped(1) + QByteArray(32 * 1024 * 1024, '0') + '\n',
+    row("over-long", kHeader + QByteArray(qsizetype{65} * 1024 * 1024, 'a'),
+        "2: the line is longer than 67108864 bytes");
+    row("large", kHeader + kLine.chopped(1) + QByteArray(qsizetype{32} * 1024 * 1024, '0') + '\n',
         "2: the message's name and payload have more than 16777216 bytes");
     line("merged with a newer one", "# zynphone recording, version 2\n", newer);
     line("Latin-1", "2026-03-01T08:15:00.000Z /a b 00 # \xE9\n", "the line is not UTF-8");
@@ -323,6 +324,13 @@ void ZynphoneRecordingsTest::putsChartInPlace()
     QVERIFY(textsOf(run("chart given").section(u"exit"_s, 0, 0).toUtf8()).contains(u"no messages"_s));
     QVERIFY(run("chart given -o ./given").startsWith("zynphone: the chart would replace the recording\n"_L1));
     QCOMPARE(read(path), kHeader);
+    QByteArray lines;
+    for (int i = 0; i < 65; ++i)
+        lines += QByteArray(kLine).replace("/a", "/a" + QByteArray::number(i));
+    write(lines);
+    QCOMPARE(run("chart given"),
+             u"zynphone: a chart has at most 64 channels, not 65; --channel chooses some\nexit 1"_s);
+    write(kLine);
     QCOMPARE(run("chart given -o /nowhere/x"),
              u"zynphone: cannot write /nowhere/x: No such file or directory\nexit 1"_s);
 }

@@ -16,6 +16,7 @@ namespace {
 using namespace zyn::tool;
 
 constexpr char kStandardOutput[] = "-";
+constexpr qsizetype kMostChannels = 64;
 
 void writeWhole(QFileDevice& file, const QByteArray& contents)
 {
@@ -46,6 +47,9 @@ ExitCode drawChart(const Invocation& call, Console& console)
         throw usageError(u"the chart would replace the recording"_s);
     Recording recording(input);
     recording.keepOnly(call.values(u"channel"_s));
+    if (const qsizetype channels = recording.channels().size(); channels > kMostChannels)
+        throw failure(u"a chart has at most %1 channels, not %2; --channel chooses some"_s.arg(
+            QString::number(kMostChannels), QString::number(channels)));
     const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(QFileInfo(input).fileName()));
     if (output == QLatin1String(kStandardOutput))
         console.write(QString::fromUtf8(svg));

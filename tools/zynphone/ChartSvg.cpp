@@ -187,7 +187,7 @@ void Drawing::drawCard(const ChartEntry& entry, const ChartLane& lane)
     for (const QString& line : entry.fields)
         m_svg.text("mono", textLeft, baseline += kLineHeight, line);
     if (!entry.span.isEmpty())
-        m_svg.text("span", textLeft, baseline += kLineHeight, entry.span);
+        m_svg.text("span", textLeft, baseline + kLineHeight, entry.span);
 }
 
 void Drawing::drawBadge(const QString& badge, int right, int baseline)

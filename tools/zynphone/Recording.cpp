@@ -6,7 +6,6 @@
 
 #include <QtCore/QFile>
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -70,13 +69,22 @@ void Recording::keepOnly(const QStringList& channels)
 {
     if (channels.isEmpty())
         return;
-    QList<QCString> wanted;
+    const QSet<QCString> known = this->channels();
+    QSet<QCString> wanted;
     for (const QString& channel : channels) {
         wanted += channel.toUtf8();
-        if (std::ranges::find(m_messages, wanted.last(), &ReceivedMessage::channel) == m_messages.end())
+        if (!known.contains(channel.toUtf8()))
             throw failure(u"%1 holds no message of the channel '%2'"_s.arg(m_path, channel));
     }
     std::erase_if(m_messages, [&wanted](const ReceivedMessage& message) { return !wanted.contains(message.channel); });
+}
+
+QSet<QCString> Recording::channels() const
+{
+    QSet<QCString> channels;
+    for (const ReceivedMessage& message : m_messages)
+        channels += message.channel;
+    return channels;
 }
 
 } // namespace zyn::tool

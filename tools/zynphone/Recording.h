@@ -3,6 +3,7 @@
 
 #include "tools/zynphone/MessageText.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -19,6 +20,9 @@ public:
 
     /// Leaves out what is not on one of @p channels, unless that is empty. A failure when one of them has no message.
     void keepOnly(const QStringList& channels);
+
+    /// The channels that have messages.
+    QSet<QCString> channels() const;
 
     /// In the order of their times, which are UTC.
     const std::vector<ReceivedMessage>& messages() const { return m_messages; }

@@ -61,7 +61,7 @@ QByteArray comment(const ReceivedMessage& message)
 
 QDateTime timeFrom(const QByteArray& word)
 {
-    const QDateTime time = QDateTime::fromString(QString::fromLatin1(word), Qt::ISODateWithMs);
+    QDateTime time = QDateTime::fromString(QString::fromLatin1(word), Qt::ISODateWithMs);
     if (!time.isValid() || timeText(time) != word)
         throw failure(u"'%1' is no time such as 2026-03-01T08:15:00.000Z"_s.arg(shown(word)));
     return time;

@@ -10,7 +10,7 @@
 namespace {
 
 /// Timers take no more than some weeks.
-constexpr qint64 kLongestWait = 60 * 60 * 1000;
+constexpr qint64 kLongestWait = qint64{60} * 60 * 1000;
 /// The farthest that a message may be, in milliseconds: thousands of years.
 constexpr double kFarthest = 1e15;
 
