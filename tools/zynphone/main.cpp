@@ -1,5 +1,6 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
+#include "tools/zynphone/ChartCommand.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
@@ -10,6 +11,7 @@
 #include "tools/zynphone/MonitorCommand.h"
 #include "tools/zynphone/PttCommand.h"
 #include "tools/zynphone/RecentsCommand.h"
+#include "tools/zynphone/ReplayCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
 #include "tools/zynphone/SetupCommand.h"
@@ -31,7 +33,8 @@ Command zynphoneCommand()
             .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
                       pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
                       callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
-                      handsetCommand(), inspectCommand(), monitorCommand(),   statusCommand(),     sendCommand()}};
+                      handsetCommand(), inspectCommand(), monitorCommand(),   replayCommand(),     chartCommand(),
+                      statusCommand(),  sendCommand()}};
 }
 
 } // namespace
