@@ -133,25 +133,12 @@ void ZynphoneCallsTest::sendsRequests()
 
 void ZynphoneCallsTest::answers_data()
 {
-    QTest::addColumn<QStringList>("exchanges");
-
-    QFile file(QFINDTESTDATA("data/zynphone_calls.txt"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no transcripts");
-    for (const QString& transcript : QString::fromUtf8(file.readAll()).trimmed().split(u"\n# "_s).mid(1)) {
-        const QStringList parts = transcript.split(u"\n$ "_s);
-        QTest::newRow(qPrintable(parts.first())) << parts.mid(1);
-    }
+    tool::addTranscripts(QFINDTESTDATA("data/zynphone_calls.txt"));
 }
 
 void ZynphoneCallsTest::answers()
 {
-    QFETCH(QStringList, exchanges);
-
-    for (const QString& exchange : exchanges) {
-        const QString line = exchange.section(u'\n', 0, 0);
-        QCOMPARE(line + u'\n' + run(tool::words(line)), exchange);
-    }
+    tool::followTranscript();
 }
 
 void ZynphoneCallsTest::writesEmergencyRecords()

@@ -169,6 +169,9 @@ void ZynphoneDoctorTest::findsEachFault_data()
         "record file cut short", [](Desk& desk) { ::truncate(desk.path("phone/rc_d").constData(), 100); },
         "store        DESK/phone/rc_d: damaged: the size is 100 bytes, not 11408", "keep a copy");
     row(
+        "contact's file cut short", [](Desk& desk) { desk.write("phone/5550001", "x"); },
+        "store        DESK/phone/5550001: damaged", "zynphone inspect DESK/phone/5550001");
+    row(
         "favourites' file cut short", [](Desk& desk) { desk.write("phone/topPalsDetails", "x"); },
         "store        DESK/phone/topPalsDetails: damaged", "zynphone inspect");
     row(

@@ -1,5 +1,5 @@
 // The tool's monitor, status and send: what is sent is shown, by real processes.
-#include "support/LineProcess.h"
+#include "support/MonitorProcess.h"
 #include "support/SignalRecorder.h"
 #include "support/Tool.h"
 #include "utility/PHONE_MsgTable_p.h"
@@ -8,7 +8,6 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtCore/QTime>
 
 using namespace Qt::StringLiterals;
 
@@ -27,30 +26,6 @@ QStringList listing()
 }
 
 const QString kSent = u"sent\nexit 0"_s;
-
-/// `zynphone monitor`, listening once it is constructed.
-class Monitor : public LineProcess
-{
-public:
-    explicit Monitor(const char* arguments)
-    {
-        start(QStringLiteral(ZYN_TOOL), words(QLatin1String("monitor ") + QLatin1String(arguments)));
-        setReadChannel(StandardError);
-        greeting = nextLine();
-        setReadChannel(StandardOutput);
-    }
-
-    /// The next line; where it begins with the local time, TIME stands instead.
-    QString nextMessage()
-    {
-        const QString line = nextLine();
-        const QTime time = QTime::fromString(line.left(12), u"HH:mm:ss.zzz"_s);
-        const int age = (time.secsTo(QTime::currentTime()) + 86'400) % 86'400;
-        return time.isValid() && age < 300 ? u"TIME"_s + line.mid(12) : line;
-    }
-
-    QString greeting;
-};
 
 /// Checks that an object says what a line of text says; of lists, which look different, only that they are
 /// there.
@@ -90,8 +65,8 @@ private Q_SLOTS:
 
 void ZynphoneMessagesTest::showsWhatIsSent()
 {
-    Monitor monitor("");
-    Monitor json("--json");
+    MonitorProcess monitor(u""_s);
+    MonitorProcess json(u"--json"_s);
     QCOMPARE(monitor.greeting, u"listening on /ZYN/phone, /ZYN/Phone/LocalPath, /KQ/calling2ptt, "
                                "/ZYN/recentcall, ACTIVITY_LOG_CHANNEL"_s);
     QString names, shown, expected;
@@ -117,8 +92,8 @@ void ZynphoneMessagesTest::showsWhatIsSent()
 
 void ZynphoneMessagesTest::showsWholePayloads()
 {
-    Monitor text("--raw /any/%2541 /ZYN/phone");
-    Monitor json("--raw --json /ZYN/phone");
+    MonitorProcess text(u"--raw /any/%2541 /ZYN/phone"_s);
+    MonitorProcess json(u"--raw --json /ZYN/phone"_s);
     QCOMPARE(text.greeting, u"listening on /any/%41, /ZYN/phone"_s);
     QCOMPARE(run(words(u"send /any/%2541 x byte:255"_s)), kSent);
     QCOMPARE(text.nextMessage(), u"TIME  /any/%41              x                 unknown  rest=ff payload=ff"_s);
@@ -211,11 +186,11 @@ void ZynphoneMessagesTest::tellsThatChannelsCannotBeUsed()
 
 void ZynphoneMessagesTest::endsWhenAsked()
 {
-    QCOMPARE(Monitor("/a").end(SIGINT), 0);
-    QCOMPARE(Monitor("/a --json").end(SIGTERM), 0);
-    Monitor timed("/a --for 1");
+    QCOMPARE(MonitorProcess(u"/a"_s).end(SIGINT), 0);
+    QCOMPARE(MonitorProcess(u"/a --json"_s).end(SIGTERM), 0);
+    MonitorProcess timed(u"/a --for 1"_s);
     QCOMPARE(role::finish(timed), 0);
-    Monitor counted("/a --count 2");
+    MonitorProcess counted(u"/a --count 2"_s);
     for (int i = 0; i < 3; ++i)
         run({u"send"_s, u"/a"_s, u"b"_s});
     QCOMPARE(role::finish(counted), 0);

@@ -22,10 +22,10 @@ inline constexpr RC_PAGE_ID_T kPickerPage{5};
 /// What a page number of the screens' messages stands for. The pages of the lists have the numbers of their categories,
 /// and are what is shown when a category is asked for; the screens have no other categories and no other pages.
 inline constexpr ScreenPage kScreenPages[] = {
-    {RC_PAGE_ID_T{RC_CALL_CATEGORY_ANSWERED}, "answered", RC_CALL_CATEGORY_ANSWERED},
-    {RC_PAGE_ID_T{RC_CALL_CATEGORY_MISSED}, "missed", RC_CALL_CATEGORY_MISSED},
-    {RC_PAGE_ID_T{RC_CALL_CATEGORY_DIALED}, "dialed", RC_CALL_CATEGORY_DIALED},
-    {RC_PAGE_ID_T{RC_CALL_CATEGORY_ALL}, "all", RC_CALL_CATEGORY_ALL},
+    {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_ANSWERED}}, "answered", RC_CALL_CATEGORY_ANSWERED},
+    {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_MISSED}}, "missed", RC_CALL_CATEGORY_MISSED},
+    {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_DIALED}}, "dialed", RC_CALL_CATEGORY_DIALED},
+    {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_ALL}}, "all", RC_CALL_CATEGORY_ALL},
     {kPickerPage, "picker", RC_CALL_CATEGORY_ALL, true},
 };
 

@@ -36,9 +36,9 @@ namespace zyn::handset {
 
 QString pageText(const ScreenPage& page, const std::vector<Call>& calls)
 {
-    const QString title = u"%1: %2 calls, %3 unread\n"_s.arg(QLatin1String(page.name))
-                              .arg(calls.size())
-                              .arg(std::ranges::count_if(calls, isUnread));
+    QString title = u"%1: %2 calls, %3 unread\n"_s.arg(QLatin1String(page.name))
+                        .arg(calls.size())
+                        .arg(std::ranges::count_if(calls, isUnread));
     if (calls.empty())
         return title;
     QStringList titles{u"ROW"_s};

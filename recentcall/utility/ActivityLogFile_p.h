@@ -13,6 +13,8 @@ namespace zyn {
 
 /// The file that the owner of the activity log keeps locked, in the store directory.
 inline constexpr char kActivityLogLockName[] = "topPalsLock";
+/// Where that owner keeps which calls of the call log it has looked at, in the store directory.
+inline constexpr char kSeenCallsName[] = "topPalsCalls";
 
 /**
  * The details file, in the store directory.

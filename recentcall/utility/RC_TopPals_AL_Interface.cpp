@@ -3,6 +3,7 @@
 
 #include "platform/QCopChannel.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/FavouriteKey_p.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Payload_p.h"
 
@@ -10,9 +11,6 @@
 #include <utility>
 
 namespace {
-
-/// A favourite's file is named by as many characters, the last of its number.
-constexpr qsizetype kKeyLength = 7;
 
 RC_TopPals_AL_Interface* s_instance = nullptr;
 
@@ -72,7 +70,7 @@ int RC_TopPals_AL_Interface::getUnreadCount(TopPals_Missed_Details& details)
     QSortedList<PHONE_ENG_ActivityLog> list;
     list.setAutoDelete(true);
     ActivityLog_ENG_RecordStore* const store = ActivityLog_ENG_RecordStore::instance();
-    const int result = store->readTopPalsAvlContactRecordList(list, details.number.right(kKeyLength));
+    const int result = store->readTopPalsAvlContactRecordList(list, zyn::favouriteKey(details.number));
     if (result != 1)
         list.clear(); // what was read before the failure
     for (const PHONE_ENG_ActivityLog* record : std::as_const(list))

@@ -33,6 +33,7 @@ bool isForeign(const QString& name)
 {
     static const std::array kNames = {QStringLiteral("."), QStringLiteral(".."),
                                       QString::fromLatin1(zyn::kActivityLogLockName),
+                                      QString::fromLatin1(zyn::kSeenCallsName),
                                       // The names of record files begin with a slash.
                                       QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_ANSWERED) + 1),
                                       QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_MISSED) + 1),

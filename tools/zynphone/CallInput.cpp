@@ -97,9 +97,15 @@ QList<QCommandLineOption> callOptions()
 
 PHONE_ENG_RecentCall callFrom(const Invocation& call)
 {
+    const RC_CALL_CATEGORY_T list = wordNamed(kLists, call.argument(0), u"list"_s).value;
+    return callFrom(call, list, callNumber(call.argument(1)));
+}
+
+PHONE_ENG_RecentCall callFrom(const Invocation& call, RC_CALL_CATEGORY_T list, const QString& number)
+{
     Call record;
-    record.category = wordNamed(kLists, call.argument(0), u"list"_s).value;
-    record.setPhoneNumber(callNumber(call.argument(1)));
+    record.category = list;
+    record.setPhoneNumber(number);
     record.setDisplayName(callName(call.value(u"name"_s)));
     record.setStartDateTime(startFrom(call));
     if (call.isSet(u"duration"_s))

@@ -23,5 +23,7 @@ QList<QCommandLineOption> callOptions();
 
 /// The call that @p call describes. A text that its field does not hold whole is a usage error, never cut.
 PHONE_ENG_RecentCall callFrom(const Invocation& call);
+/// The call of @p list and @p number whose other fields the options describe.
+PHONE_ENG_RecentCall callFrom(const Invocation& call, RC_CALL_CATEGORY_T list, const QString& number);
 
 } // namespace zyn::tool

@@ -18,11 +18,6 @@ QString durationText(const Call& call)
     return zyn::handset::durationText(call.duration);
 }
 
-QString localStart(const Call& call)
-{
-    return call.getStartDateTime().toString(Qt::ISODate);
-}
-
 /// A session id is stored as UTF-8; the record's own getter reads it as Latin-1.
 QString session(const Call& call)
 {
@@ -36,8 +31,7 @@ constexpr CallColumn kColumns[] = {
     {"list", "LIST", [](const Call& call) { return QJsonValue(zyn::tool::categoryWord(call.category)); }},
     {"number", "NUMBER", [](const Call& call) { return QJsonValue(call.getPhoneNumber()); }},
     {"name", "NAME", [](const Call& call) { return QJsonValue(call.getDisplayName()); }},
-    {"start", "START",
-     [](const Call& call) { return QJsonValue(call.getStartDateTime().toUTC().toString(Qt::ISODate)); }, localStart},
+    {"start", "START", [](const Call& call) { return QJsonValue(zyn::tool::utcStart(call)); }, zyn::tool::localStart},
     {"duration", "DURATION", [](const Call& call) { return QJsonValue(call.duration); }, durationText},
     {"type", "TYPE", [](const Call& call) { return QJsonValue(zyn::tool::wordFor(zyn::tool::kTypes, call.callType)); }},
     {"session", nullptr, [](const Call& call) { return QJsonValue(session(call)); }},
@@ -52,6 +46,16 @@ namespace zyn::tool {
 QString categoryWord(RC_CALL_CATEGORY_T category)
 {
     return wordFor(kCategories, category);
+}
+
+QString utcStart(const PHONE_ENG_RecentCall& call)
+{
+    return call.getStartDateTime().toUTC().toString(Qt::ISODate);
+}
+
+QString localStart(const PHONE_ENG_RecentCall& call)
+{
+    return call.getStartDateTime().toString(Qt::ISODate);
 }
 
 std::span<const CallColumn> callColumns()

@@ -36,6 +36,11 @@ inline constexpr std::array<TypeWord, 3> kTypes{{
 
 QString categoryWord(RC_CALL_CATEGORY_T category);
 
+/// @{ The start, ISO 8601.
+QString utcStart(const PHONE_ENG_RecentCall& call);
+QString localStart(const PHONE_ENG_RecentCall& call);
+/// @}
+
 /// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration
 /// (seconds), type, session (of a push-to-talk call, else empty), read, completed.
 std::span<const CallColumn> callColumns();

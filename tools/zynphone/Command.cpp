@@ -119,6 +119,13 @@ QString Invocation::value(const QString& option) const
     return unmarked(m_parser.value(option));
 }
 
+QStringList Invocation::values(const QString& option) const
+{
+    QStringList given = m_parser.values(option);
+    std::ranges::transform(given, given.begin(), unmarked);
+    return given;
+}
+
 QList<QCommandLineOption> commonOptions()
 {
     return {flagOption(u"trace"_s, u"show the library's trace text on standard error"_s),

@@ -45,6 +45,8 @@ public:
     QString argument(qsizetype index) const { return arguments().value(index); }
     bool isSet(const QString& option) const { return m_parser.isSet(option); }
     QString value(const QString& option) const;
+    /// The values of an option that may be given several times.
+    QStringList values(const QString& option) const;
 
 private:
     QCommandLineParser m_parser;

@@ -19,7 +19,7 @@ struct FileFindings
     bool isSound() const { return problems.isEmpty(); }
 };
 
-/// How a kind of file is told from others, by its name or by its bytes, and checked.
+/// How a kind of file is told from others, by its name or else by its bytes, and checked.
 struct FileKind
 {
     bool (*isNamed)(const QString& name);

@@ -3,6 +3,8 @@
 
 #include "platform/posix/File_p.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/ContactFileCheck.h"
+#include "tools/zynphone/FavouritesFileCheck.h"
 #include "tools/zynphone/RecordFileCheck.h"
 
 #include <QtCore/QFileInfo>
@@ -19,8 +21,9 @@ using namespace zyn::tool;
 
 constexpr qsizetype kSizeLimit = qsizetype{16} * 1024 * 1024;
 
-/// The kinds of file, told by their name or, where a file has been given another one, by header and size.
-constexpr FileKind kKinds[] = {kRecordFileKind};
+/// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
+/// come last: their size may be that of a contact's file, too.
+constexpr FileKind kKinds[] = {kFavouritesFileKind, kContactFileKind, kRecordFileKind};
 
 const FileKind& kindOf(const QString& path, const QString& name, const QByteArray& image)
 {
@@ -89,9 +92,13 @@ Command inspectCommand()
 {
     return {.name = u"inspect"_s,
             .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
-            .details = u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
-                       "objects with the fields of 'calls list' and slot, the place in the file.\n"_s,
-            .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d, or a copy of one"_s}},
+            .details =
+                u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
+                "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
+                "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
+                "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"_s,
+            .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
+                                      "named by its number; or a copy of one"_s}},
             .options = {jsonOption()},
             .run = inspect};
 }

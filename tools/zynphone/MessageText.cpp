@@ -25,16 +25,6 @@ QString quoted(QString text)
     return u'"' + jsonEscaped(text) + u'"';
 }
 
-/// The name of a channel or a message: quoted unless it is one printable word.
-QString word(const QCString& name)
-{
-    const QString text = QString::fromUtf8(name);
-    const QString inQuotes = quoted(text);
-    const bool isWord = !text.isEmpty() && inQuotes.size() == text.size() + 2
-                        && std::ranges::none_of(text, [](QChar character) { return character.isSpace(); });
-    return isWord ? text : inQuotes;
-}
-
 QString valueText(const QJsonValue& value)
 {
     switch (value.type()) {
@@ -83,18 +73,33 @@ QString kindText(const MessageFields& fields)
 
 namespace zyn::tool {
 
+QString nameText(const QCString& name)
+{
+    const QString text = QString::fromUtf8(name);
+    const QString inQuotes = quoted(text);
+    const bool isWord = !text.isEmpty() && inQuotes.size() == text.size() + 2
+                        && std::ranges::none_of(text, [](QChar character) { return character.isSpace(); });
+    return isWord ? text : inQuotes;
+}
+
+QStringList fieldTexts(const MessageFields& fields)
+{
+    QStringList texts;
+    for (const NamedValue& field : fields.values)
+        texts += field.name + u'=' + nestedText(field.value);
+    if (!fields.rest.isEmpty())
+        texts += u"rest="_s + restText(fields.rest);
+    return texts;
+}
+
 QString messageText(const ReceivedMessage& message, bool raw)
 {
     const MessageFields fields = messageFields(message.channel, message.name, message.payload);
-    QStringList values;
-    for (const NamedValue& field : fields.values)
-        values += field.name + u'=' + nestedText(field.value);
-    if (!fields.rest.isEmpty())
-        values += u"rest="_s + restText(fields.rest);
+    QStringList values = fieldTexts(fields);
     if (raw)
         values += u"payload="_s + hexText(message.payload);
-    QStringList columns{message.time.toString(u"HH:mm:ss.zzz"), word(message.channel).leftJustified(kChannelWidth),
-                        word(message.name).leftJustified(kNameWidth), kindText(fields)};
+    QStringList columns{message.time.toString(u"HH:mm:ss.zzz"), nameText(message.channel).leftJustified(kChannelWidth),
+                        nameText(message.name).leftJustified(kNameWidth), kindText(fields)};
     if (!values.isEmpty())
         columns += values.join(u' ');
     return columns.join(u"  "_s);

@@ -5,6 +5,7 @@
 #include "platform/QCopChannel.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/MessageText.h"
+#include "tools/zynphone/RecordingWriter.h"
 #include "tools/zynphone/TimeLimit.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
@@ -33,6 +34,19 @@ QStringList channelsFrom(const Invocation& call)
     return channels;
 }
 
+/// What the options say of a recording that exists.
+RecordingWriter::Existing existingFrom(const Invocation& call)
+{
+    using enum RecordingWriter::Existing;
+    const bool replaces = call.isSet(u"force"_s);
+    const bool appends = call.isSet(u"append"_s);
+    if (replaces && appends)
+        throw usageError(u"--force and --append exclude each other"_s);
+    if ((replaces || appends) && !call.isSet(u"record"_s))
+        throw usageError(u"--%1 is for --record"_s.arg(replaces ? u"force"_s : u"append"_s));
+    return replaces ? Replace : appends ? Append : Refuse;
+}
+
 /// Writes messages until as many have come as are wanted.
 class Monitor
 {
@@ -56,12 +70,28 @@ public:
         m_channels.push_back(std::move(channel));
     }
 
+    void recordIn(const QString& path, RecordingWriter::Existing existing) { m_recording.emplace(path, existing); }
+
+    /// Ends in a failure when the recording could not be written.
+    void run()
+    {
+        QCoreApplication::exec();
+        if (m_isBroken)
+            throw failure(m_recording->errorText());
+    }
+
 private:
     void show(const ReceivedMessage& message)
     {
         // More may come in the turn of the event loop that ends it.
-        if (m_left == 0)
+        if (m_left == 0 || m_isBroken)
             return;
+        // First of all, so that a recording never lacks what was shown.
+        m_isBroken = m_recording && !m_recording->write(message.channel, message.name, message.payload);
+        if (m_isBroken) {
+            QCoreApplication::quit();
+            return;
+        }
         if (m_json)
             m_console.write(QJsonDocument(messageJson(message, m_raw)));
         else
@@ -77,19 +107,24 @@ private:
     const bool m_json;
     std::optional<int> m_left; ///< messages; none when there is no limit
     std::vector<std::unique_ptr<QCopChannel>> m_channels;
+    std::optional<RecordingWriter> m_recording;
+    bool m_isBroken = false; ///< whether the recording could not be written
 };
 
 ExitCode monitorChannels(const Invocation& call, Console& console)
 {
     const QStringList channels = channelsFrom(call);
+    const RecordingWriter::Existing existing = existingFrom(call);
     const TimeLimit timeLimit(call);
     const zyn::handset::TerminationSignals signalsThatEnd;
     Monitor monitor(call, console);
     for (const QString& channel : channels)
         monitor.listenOn(channel);
+    if (call.isSet(u"record"_s))
+        monitor.recordIn(call.value(u"record"_s), existing);
     timeLimit.start();
     console.writeError(u"listening on "_s + channels.join(u", "_s));
-    QCoreApplication::exec();
+    monitor.run();
     return Done;
 }
 
@@ -108,10 +143,15 @@ Command monitorCommand()
                        "enumerator\n"
                        "(null when there is none), fields (an object), missing (names of fields), rest and, "
                        "with --raw,\n"
-                       "payload.\n"_s,
+                       "payload.\n"
+                       "With --record each message is in FILE before it is shown; 'replay' sends them again, "
+                       "'chart' draws\nthem.\n"_s,
             .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
             .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s), jsonOption(),
-                        valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option()},
+                        valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option(),
+                        valueOption(u"record"_s, u"FILE"_s, u"record the messages in FILE too, a new file"_s),
+                        flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
+                        flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
             .run = monitorChannels};
 }
 

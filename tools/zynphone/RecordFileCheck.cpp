@@ -3,12 +3,11 @@
 
 #include "recentcall/utility/RecordFile_p.h"
 #include "tools/zynphone/CallText.h"
+#include "tools/zynphone/StoreFileProblems.h"
 
 #include <QtCore/QHash>
 
 #include <algorithm>
-#include <cstring>
-#include <span>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -27,26 +26,6 @@ RC_CALL_CATEGORY_T listNamed(const QString& name)
     return found == std::end(zyn::kRecordLists) ? RC_CALL_CATEGORY_NONE : *found;
 }
 
-QStringList headerProblems(const QByteArray& image)
-{
-    zyn::StoreFileHeader header{0, 0};
-    if (image.size() < qsizetype{sizeof header})
-        return {u"the header is cut short"_s};
-    std::memcpy(&header, image.constData(), sizeof header);
-    QStringList problems;
-    if (header.magic != header.kMagic)
-        problems += u"the magic is 0x%1, not 0x%2"_s.arg(header.magic, 8, 16, QLatin1Char('0'))
-                        .arg(header.kMagic, 8, 16, QLatin1Char('0'));
-    if (header.version != header.kVersion)
-        problems += u"the version is %1, not %2"_s.arg(header.version).arg(header.kVersion);
-    return problems;
-}
-
-bool isTerminated(std::span<const char> field)
-{
-    return std::ranges::find(field, '\0') != field.end();
-}
-
 /// What is wrong with the record in @p place of the file of @p list, seen alone.
 QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T list)
 {
@@ -55,13 +34,7 @@ QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T lis
         problems += u"the record names slot %1"_s.arg(record.slot);
     if (list != RC_CALL_CATEGORY_NONE && record.category != list)
         problems += u"the category is %1"_s.arg(categoryWord(record.category));
-    if (!isTerminated(record.phoneNumber))
-        problems += u"the number has no NUL"_s;
-    if (!isTerminated(record.displayName))
-        problems += u"the name has no NUL"_s;
-    if (!isTerminated(record.pttSessionId))
-        problems += u"the session id has no NUL"_s;
-    return problems;
+    return problems + textProblems(record);
 }
 
 /// Looks at the slots one after the other.
@@ -121,8 +94,7 @@ FileFindings checkRecordFile(const QString& name, const QByteArray& image)
     const RC_CALL_CATEGORY_T list = listNamed(name);
     QStringList problems = headerProblems(image);
     const int places = problems.isEmpty() ? std::min(recordCount(image), kRecordSlots) : 0;
-    if (image.size() != kRecordFileSize)
-        problems += u"the size is %1 bytes, not %2"_s.arg(image.size()).arg(kRecordFileSize);
+    problems += sizeProblems(image, kRecordFileSize);
     SlotCheck check(list);
     for (int place = 0; place < places; ++place) {
         if (isRecordInUse(image, place))

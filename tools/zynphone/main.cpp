@@ -1,14 +1,17 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
+#include "tools/zynphone/ChartCommand.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
+#include "tools/zynphone/FavouritesCommand.h"
 #include "tools/zynphone/HandsetCommand.h"
 #include "tools/zynphone/InspectCommand.h"
 #include "tools/zynphone/MissedCommand.h"
 #include "tools/zynphone/MonitorCommand.h"
 #include "tools/zynphone/PttCommand.h"
 #include "tools/zynphone/RecentsCommand.h"
+#include "tools/zynphone/ReplayCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "tools/zynphone/SettingsCommand.h"
 #include "tools/zynphone/SetupCommand.h"
@@ -29,11 +32,11 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(), prependCommand(),
-                      pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),     languageCommand(),
-                      callsCommand(),   recentsCommand(), missedCommand(),    settingsCommand(),  handsetCommand(),
-                      inspectCommand(), monitorCommand(), statusCommand(),    sendCommand(),      doctorCommand(),
-                      topCommand()}};
+            .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
+                      pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
+                      callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
+                      handsetCommand(), inspectCommand(), monitorCommand(),   replayCommand(),     chartCommand(),
+                      statusCommand(),  sendCommand(),    doctorCommand(),    topCommand()}};
 }
 
 } // namespace

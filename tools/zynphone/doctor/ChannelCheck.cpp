@@ -30,7 +30,7 @@ constexpr Audience kAudiences[] = {
     {kVoiceCallChannel, "the phone application, zyn-phoned", false},
     {kPttChannel, "the phone application, zyn-phoned", false},
     {kRecentCallChannel, "the recent-call screens, zyn-recents", false},
-    {kActivityLogChannel, "the owner of the activity log", false},
+    {kActivityLogChannel, "the owner of the activity log, zyn-favourites", false},
 };
 static_assert(std::size(kAudiences) == std::size(kChannels));
 

@@ -3,10 +3,13 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
+#include "tools/zynphone/ContactFileCheck.h"
+#include "tools/zynphone/FavouritesFileCheck.h"
 #include "tools/zynphone/RecordFileCheck.h"
 #include "tools/zynphone/doctor/Checks.h"
 #include "tools/zynphone/doctor/Fault.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 
 using namespace Qt::StringLiterals;
@@ -27,30 +30,25 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
                  "replaced by an empty one"_s.arg(shellWord(path)));
 }
 
-Finding checkRecords(const QByteArray& path)
+/// Looks into a file with @p check, in words of its kind.
+Finding checkContents(const QByteArray& path, FileFindings (*check)(const QString&, const QByteArray&))
 {
     const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);
     if (!image)
         return damaged(path, {u"it is too long"_s});
-    const FileFindings findings = checkRecordFile(QFile::decodeName(path).section(u'/', -1), *image);
+    const FileFindings findings = check(QFile::decodeName(path).section(u'/', -1), *image);
     if (!findings.isSound())
         return damaged(path, findings.problems);
-    return ok(QFile::decodeName(path), u"%1 %2"_s.arg(findings.usedSlots.count()).arg(findings.kind));
+    return ok(QFile::decodeName(path),
+              u"%1, %2 in use"_s.arg(findings.kind, QString::number(findings.usedSlots.count())));
 }
 
-Finding checkFavourites(const QByteArray& path)
-{
-    if (!isStoreFile(path, kTopPalsDetailsSize))
-        return damaged(path, {u"its header or its size is not that of the favourites' file"_s});
-    return ok(QFile::decodeName(path), u"the favourites"_s);
-}
-
-Finding checkFile(const QByteArray& path, Finding (*check)(const QByteArray&))
+Finding checkFile(const QByteArray& path, const FileKind& kind)
 {
     if (!exists(path))
         return note(QFile::decodeName(path), u"it does not exist yet; its owner makes it"_s);
     const std::optional<Fault> fault = fileFault(path, true);
-    return fault ? wrong(path, *fault) : check(path);
+    return fault ? wrong(path, *fault) : checkContents(path, kind.check);
 }
 
 } // namespace
@@ -66,8 +64,12 @@ Findings checkStore()
         return {wrong(directory, *fault)};
     Findings findings{ok(QFile::decodeName(directory), u"files can be made in it"_s)};
     for (const RC_CALL_CATEGORY_T list : kRecordLists)
-        findings.push_back(checkFile(directory + recordFileName(list), checkRecords));
-    findings.push_back(checkFile(directory + '/' + kTopPalsDetailsName, checkFavourites));
+        findings.push_back(checkFile(directory + recordFileName(list), kRecordFileKind));
+    findings.push_back(checkFile(directory + '/' + kTopPalsDetailsName, kFavouritesFileKind));
+    for (const QString& name : QDir(QFile::decodeName(directory)).entryList(QDir::Files)) {
+        if (isContactFileName(name))
+            findings.push_back(checkFile(directory + '/' + QFile::encodeName(name), kContactFileKind));
+    }
     return findings;
 }
 

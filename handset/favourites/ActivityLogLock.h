@@ -1,0 +1,28 @@
+// The right to change the activity log.
+#pragma once
+
+#include <QtCore/QLockFile>
+#include <QtCore/QString>
+
+namespace zyn::favourites {
+
+/**
+ * The right to change the favourites and their activity log, which one process at a time has: a lock file in the store
+ * directory. It ends with the object, and with the process, however that ends.
+ */
+class ActivityLogLock
+{
+public:
+    ActivityLogLock();
+
+    /// Takes the lock; false when another process has it or the file cannot be made.
+    bool take();
+
+    /// Why take() gave false, with the process that has the lock.
+    QString problem() const;
+
+private:
+    QLockFile m_file;
+};
+
+} // namespace zyn::favourites

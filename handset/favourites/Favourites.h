@@ -1,0 +1,63 @@
+// The favourites and their activity log, under the keys by which they are looked up.
+#pragma once
+
+#include "platform/QSortedList.h"
+#include "recentcall/utility/PHONE_ENG_ActivityLog.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/**
+ * What an owner of the activity log does to it.
+ *
+ * A favourite is registered, logged and looked up under the key of its number (zyn::favouriteKey), and a key is what
+ * these functions take, unless they say number. Whoever calls one that changes anything has the lock.
+ */
+namespace zyn::favourites {
+
+/// Entries that the list deletes.
+using Entries = QSortedList<PHONE_ENG_ActivityLog>;
+
+/// The key of each place, empty for a free one.
+QStringList keys();
+
+bool isFavourite(const QString& key);
+
+/// Appends the entries of a favourite, newest first; false when its file cannot be read whole.
+bool readEntries(Entries& entries, const QString& key);
+
+/// What came of a replacement.
+enum class Change {
+    Done,
+    Same,             ///< both numbers are those of one favourite, which stays as it is
+    NoFavourite,      ///< the old number is none
+    AlreadyFavourite, ///< the new number is one
+    NoPlace,          ///< every place is taken
+    Refused,          ///< the new number cannot name a file, or the files cannot be written
+};
+
+/**
+ * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done changes nothing,
+ * unless a file could not be written.
+ *
+ * A file that a favourite of the new number has left goes, and so do the entries of the old one.
+ */
+Change replace(const QString& oldNumber, const QString& newNumber);
+
+/// What @p change means for these numbers, as a sentence without a full stop.
+QString describe(Change change, const QString& oldNumber, const QString& newNumber);
+
+/// Gives a favourite whose file the library takes for missing a new one, with the entries that can be read and fit.
+bool renew(const QString& key);
+
+/// Whether a favourite's file is of the size that the settings ask for, with a valid header.
+bool isSound(const QString& key);
+
+/**
+ * Adds @p entry under @p key, in place of the oldest entry when no slot is free.
+ *
+ * @return false when the key is no favourite's or the entry could not be written
+ */
+bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key);
+
+} // namespace zyn::favourites

@@ -1,0 +1,405 @@
+// The favourites: their owner, run as the process that it is, and the tool's verbs around it.
+#include "platform/QCopChannel.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
+#include "tests/support/ServiceProcess.h"
+#include "tests/support/StdoutCapture.h"
+#include "tests/support/StoreFixture.h"
+#include "tests/support/Tool.h"
+#include "utility/PHONE_Payload_p.h"
+
+#include <QtCore/QDir>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using tool::run;
+using zyn::PayloadWriter;
+
+namespace {
+
+constexpr auto kMissed = RC_CALL_CATEGORY_MISSED;
+constexpr int kNoon = 1'700'000'000;
+
+/// Hands the recent-call service a call that began @p minute minutes after noon.
+bool add(const char* number, int minute, RC_CALL_CATEGORY_T category = kMissed)
+{
+    PHONE_ENG_RecentCall record(QLatin1String(number), QDateTime::fromSecsSinceEpoch(kNoon + minute * 60), 5);
+    record.category = category;
+    return PHONE_RecentCall_AddRecord(record) == 0;
+}
+
+/// What the phone server sends when a call comes or ends.
+void reportCallChange()
+{
+    QCopChannel::send("/ZYN/phone", "PHONE_MSG_44");
+}
+
+void announce(const QByteArray& payload)
+{
+    QCopChannel::send("ACTIVITY_LOG_CHANNEL", "MODIFY_TOPPAL_DETAILS", payload);
+}
+
+QByteArray announcement(const QString& oldNumber, const QString& newNumber)
+{
+    return PayloadWriter().writeText(oldNumber).writeText(newNumber).writeText({}).writeText({}).writeInt(0).payload();
+}
+
+/// Minutes after noon at which a favourite's entries began, newest first; -1 alone for none that can be read.
+QList<int> entries(const char* key)
+{
+    const StdoutCapture quiet;
+    ActivityLog_ENG_RecordStore::destroy();
+    QSortedList<PHONE_ENG_ActivityLog> list;
+    list.setAutoDelete(true);
+    if (ActivityLog_ENG_RecordStore::instance()->readTopPalsAvlContactRecordList(list, QLatin1String(key)) != 1)
+        return {-1};
+    QList<int> minutes;
+    for (const PHONE_ENG_ActivityLog* entry : list)
+        minutes += (entry->startTime - kNoon) / 60;
+    return minutes;
+}
+
+int unread(const char* number)
+{
+    const StdoutCapture quiet;
+    TopPals_Missed_Details details{QLatin1String(number)};
+    RC_TopPals_AL_Interface::instance()->getUnreadCount(details);
+    return details.missedCallCount;
+}
+
+} // namespace
+
+class FavouritesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void countsAMissedCallOfAFavourite();
+    void takesNothingTwiceAndLosesNothing();
+    void keepsTheNewestEntries();
+    void renewsAFileOfAnotherSize();
+    void followsAnnouncements();
+    void ignoresWhatIsNoAnnouncement();
+    void allowsOneOwner_data();
+    void allowsOneOwner();
+    void answers_data() { tool::addTranscripts(QFINDTESTDATA("data/zynphone_favourites.txt")); }
+    void answers() { tool::followTranscript(); }
+    void inspects();
+
+private:
+    void startService();
+    void startOwner();
+    QString path(const char* name) const { return m_store->path() + u"/phone/"_s + QLatin1String(name); }
+    void write(const char* name, const QByteArray& contents) const;
+    void setSlots(int count) const;
+    QString inspected(const char* name) const;
+
+    std::optional<StoreFixture> m_store;
+    std::optional<ServiceProcess> m_service;
+    std::optional<ServiceProcess> m_owner;
+};
+
+void FavouritesTest::init()
+{
+    qputenv("TZ", "UTC");
+    m_store.emplace();
+    zyn::makeStoreDirectory();
+}
+
+void FavouritesTest::cleanup()
+{
+    for (auto* process : {&m_owner, &m_service}) {
+        if (*process)
+            (*process)->stop();
+        process->reset();
+    }
+    m_store.reset();
+}
+
+void FavouritesTest::startService()
+{
+    m_service.emplace();
+    QVERIFY(m_service->start(ZYN_RECENTCALLD));
+}
+
+void FavouritesTest::startOwner()
+{
+    m_owner.emplace();
+    QVERIFY(m_owner->start(ZYN_FAVOURITES));
+}
+
+void FavouritesTest::write(const char* name, const QByteArray& contents) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
+        qFatal("cannot write %s", name);
+}
+
+void FavouritesTest::setSlots(int count) const
+{
+    QDir(m_store->path()).mkdir(u"setup"_s);
+    write("../setup/zyn_toppals.cfg", "[TopPals-UI]\nMaxItemsToLog=" + QByteArray::number(count) + '\n');
+}
+
+void FavouritesTest::countsAMissedCallOfAFavourite()
+{
+    startService();
+    QVERIFY(add("1234567", 0)); // before it is a favourite's
+    startOwner();
+    QCOMPARE(run("favourites announce '' 0301234567 --name Anna"), u"sent\nexit 0"_s);
+    QTRY_COMPARE(entries("1234567"), QList<int>());
+
+    QVERIFY(add("+49301234567", 1) && add("0309999999", 2) && add("1234567", 3));
+    QTRY_COMPARE(entries("1234567"), QList<int>({3, 1}));
+    QCOMPARE(unread("0301234567"), 2);
+
+    QVERIFY(add("0301234567", 4, RC_CALL_CATEGORY_DIALED));
+    reportCallChange();
+    QTRY_COMPARE(entries("1234567"), QList<int>({4, 3, 1}));
+    QCOMPARE(unread("0301234567"), 2);
+
+    PHONE_ENG_RecentCall seen = StoreFixture::call(kMissed, "");
+    seen.uid = 1;
+    QCOMPARE(zyn::recentcall::markRead(seen), zyn::recentcall::Success);
+    QTRY_COMPARE(unread("0301234567"), 1);
+    QCOMPARE(m_owner->log(), "zyn-favourites: 1234567 is a favourite now\n"
+                             "zyn-favourites: the call 1 of 1234567 is logged\n"
+                             "zyn-favourites: the call 3 of 1234567 is logged\n"
+                             "zyn-favourites: the call 4 of 1234567 is logged\n"
+                             "zyn-favourites: the call 1 of 1234567 has been read\n");
+}
+
+void FavouritesTest::takesNothingTwiceAndLosesNothing()
+{
+    setSlots(3);
+    startService();
+    QCOMPARE(run("favourites replace '' 555"), u"555 is a favourite now\nexit 0"_s);
+    QVERIFY(add("555", 1) && add("556", 2) && add("555", 3));
+    startOwner();
+    QTRY_COMPARE(entries("555"), QList<int>({3, 1}));
+
+    // Killed, while more calls come; what it knew may be lost as well.
+    m_owner->stop(SIGKILL);
+    QVERIFY(add("555", 4));
+    startOwner();
+    QTRY_COMPARE(entries("555"), QList<int>({4, 3, 1}));
+    QTRY_VERIFY(QFile(path("topPalsCalls")).size() == 8 + 4 * 8);
+    m_owner->stop(SIGKILL);
+    QVERIFY(QFile::remove(path("topPalsCalls")));
+    startOwner();
+    QTRY_VERIFY(QFile(path("topPalsCalls")).size() == 8 + 4 * 8);
+    QCOMPARE(entries("555"), QList<int>({4, 3, 1}));
+
+    // An entry that the user has removed does not come back.
+    m_owner->stop();
+    QCOMPARE(run("favourites remove 555 1"), u"removed\nexit 0"_s);
+    startOwner();
+
+    // While the service is down, changes are reported in vain.
+    m_service->stop();
+    reportCallChange();
+    QTest::qWait(300);
+    startService();
+    // The service gives the uid of a deleted call again once it has been started anew.
+    QCOMPARE(run("calls delete 3"), u"deleted\nexit 0"_s);
+    m_service->stop();
+    startService();
+    QVERIFY(add("555", 5));
+    QTRY_COMPARE(entries("555"), QList<int>({5, 4, 1}));
+    QVERIFY(m_owner->log().contains("the recent-call service does not answer: its calls are taken later\n"
+                                    "zyn-favourites: the recent-call service answers again\n"));
+}
+
+void FavouritesTest::keepsTheNewestEntries()
+{
+    setSlots(2);
+    startService();
+    run("favourites replace '' 555");
+    startOwner();
+    for (const int minute : {3, 1, 5, 4, 2})
+        QVERIFY(add("555", minute));
+    QTRY_COMPARE(entries("555"), QList<int>({5, 4}));
+    QVERIFY(add("555", 0));
+    QTRY_VERIFY(QFile(path("topPalsCalls")).size() == 8 + 6 * 8);
+    QCOMPARE(entries("555"), QList<int>({5, 4}));
+    // Entries that say of themselves what is not true stand in nobody's way.
+    m_owner->stop();
+    QFile file(path("555"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    for (const int slot : {0, 1}) {
+        file.seek(zyn::getTopPalsAvlFilePos(slot));
+        file.write("../x\0", 5);
+    }
+    file.close();
+    run("favourites log 555 --at 2030-01-01T00:00:00Z");
+    QCOMPARE(entries("555").size(), 2);
+    QVERIFY(run("favourites show 555").contains(u"2030-01-01T00:00:00"_s));
+}
+
+void FavouritesTest::renewsAFileOfAnotherSize()
+{
+    startService();
+    run("favourites replace '' 555");
+    startOwner();
+    QVERIFY(add("555", 1) && add("555", 2));
+    QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
+    for (const int count : {20, 2}) {
+        setSlots(count);
+        reportCallChange();
+        QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(count));
+        QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
+    }
+}
+
+void FavouritesTest::followsAnnouncements()
+{
+    startOwner();
+    const auto favourites = [] {
+        const StdoutCapture quiet;
+        ActivityLog_ENG_RecordStore::destroy();
+        QString names[5];
+        ActivityLog_ENG_RecordStore::instance()->getCurrentTopPalsFileNames(names);
+        return QStringList(std::begin(names), std::end(names)).join(u' ');
+    };
+    announce(announcement({}, u"0301234567"_s));
+    announce(announcement(u"unknown"_s, u"555"_s));
+    QTRY_COMPARE(favourites(), u"1234567 555   "_s);
+    // The new number is a favourite already: the old one leaves.
+    announce(announcement(u"555"_s, u"+49301234567"_s));
+    QTRY_COMPARE(favourites(), u"1234567    "_s);
+    // Only the name has changed: the log stays.
+    m_owner->stop();
+    run("favourites log 1234567");
+    startOwner();
+    announce(announcement(u"0301234567"_s, u"+49301234567"_s));
+    announce(announcement({}, u"7"_s));
+    QTRY_COMPARE(favourites(), u"1234567 7   "_s);
+    QCOMPARE(unread("1234567"), 1);
+    // What a favourite left behind does not keep it from coming back.
+    m_owner->stop();
+    QFile::remove(path("topPalsDetails"));
+    startOwner();
+    announce(announcement({}, u"1234567"_s));
+    QTRY_COMPARE(favourites(), u"1234567    "_s);
+    QCOMPARE(unread("1234567"), 0);
+}
+
+void FavouritesTest::ignoresWhatIsNoAnnouncement()
+{
+    startOwner();
+    const QByteArray whole = announcement(u"1"_s, u"555"_s);
+    for (qsizetype size = 0; size < whole.size(); ++size)
+        announce(whole.first(size));
+    announce(whole + '\0');
+    announce(QByteArray(1'000'000, '\xFF'));
+    announce(announcement({}, QString(500'000, u'1')));
+    announce(announcement({}, u"12\n3"_s));
+    announce(announcement({}, u"\u0664"_s));
+    announce(announcement({}, {}));
+    announce(announcement({}, u"a/b"_s));
+    announce(announcement({}, u"7"_s));
+    QTRY_COMPARE(entries("7"), QList<int>());
+    QCOMPARE(run("favourites list --json"),
+             u"[{\"entries\":0,\"number\":\"7\",\"place\":0,\"unreadMessages\":0,\"unreadMissedCalls\":0}]\nexit 0"_s);
+    const QByteArray log = m_owner->log();
+    QCOMPARE(log.count("ignored\n"), whole.size() + 6);
+    QCOMPARE(log.count("cannot be made a favourite"), 1);
+}
+
+void FavouritesTest::allowsOneOwner_data()
+{
+    QTest::addColumn<QByteArray>("leftover");
+    QTest::newRow("no lock") << QByteArray();
+    QTest::newRow("one of a process killed too early") << QByteArray("");
+    QTest::newRow("one of a process whose number another one has")
+        << QByteArray::number(QCoreApplication::applicationPid()) + "\ntst_Favourites\n";
+    QTest::newRow("one of another host") << QByteArray("1\nzyn-favourites\nelsewhere\n\n\n");
+}
+
+void FavouritesTest::allowsOneOwner()
+{
+    QFETCH(QByteArray, leftover);
+    if (!leftover.isNull())
+        write("topPalsLock", leftover);
+    startOwner();
+
+    ServiceProcess second;
+    QVERIFY(!second.start(ZYN_FAVOURITES));
+    QCOMPARE(second.finish(), 1);
+    const QString refused = run("favourites replace '' 1");
+    QVERIFY2(refused.contains(u" (zyn-favourites) owns the favourites\nexit 1"_s), qPrintable(refused));
+    for (const char* line : {"favourites log 1", "favourites remove 1", "favourites remove 1 0"})
+        QCOMPARE(run(line), refused);
+    m_owner->stop(SIGKILL);
+    QCOMPARE(run("favourites replace '' 1"), u"1 is a favourite now\nexit 0"_s);
+}
+
+/// What inspect says of a file, without the path and the table.
+QString FavouritesTest::inspected(const char* name) const
+{
+    const QString text = run({u"inspect"_s, path(name)});
+    return text.section(u": "_s, 1).section(u"PLACE "_s, 0, 0);
+}
+
+void FavouritesTest::inspects()
+{
+    setSlots(38); // as large as a record file
+    run("favourites replace '' 555");
+    run("favourites log 555");
+    run("favourites log 555");
+    QCOMPARE(inspected("topPalsDetails"), u"favourites, 1 in use, sound\n"_s);
+    QFile file(path("555"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray sound = file.readAll();
+    QCOMPARE(sound.size(), zyn::kRecordFileSize);
+    for (const char* name : {"555", "copy"}) {
+        write(name, sound);
+        QCOMPARE(inspected(name), u"activities of a favourite, 2 in use, sound\n"_s);
+    }
+
+    QByteArray damaged = sound;
+    PHONE_ENG_ActivityLog entry;
+    std::memset(static_cast<void*>(&entry), '5', sizeof entry);
+    entry.topPalsAvlPos = 3;
+    entry.topPalsAvlIndex = -2;
+    const QByteArray bytes(reinterpret_cast<const char*>(&entry), sizeof entry);
+    damaged.replace(zyn::getTopPalsAvlFilePos(1), bytes.size(), bytes);
+    damaged[zyn::getTopPalsAvlFilePos(2)] = '5';
+    write("555", damaged + '5');
+    QCOMPARE(inspected("555"), QStringLiteral("activities of a favourite, 2 in use, not sound\n"
+                                              "  the size is 11409 bytes, not 11408\n"
+                                              "  slot 1: the entry names slot 3\n  slot 1: the index is -2\n"
+                                              "  slot 1: the number is '%1'\n  slot 1: the read flags are 0x35\n"
+                                              "  slot 1: the flag of its use is 53\n  slot 1: the number has no NUL\n"
+                                              "  slot 1: the name has no NUL\n  slot 1: the session id has no NUL\n"
+                                              "  slot 1: the message has no NUL\n  slot 2: it is free but not blank\n")
+                                   .arg(QString(42, u'5')));
+
+    QByteArray details = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
+    TopPalNumberDetail places[5];
+    places[0].nthFileItem = 0;
+    places[1] = {2, "555"};
+    places[2] = {2, "555"};
+    places[3].phoneNumber[0] = '5';
+    places[4].nthFileItem = 4;
+    std::memset(places[4].phoneNumber, '5', sizeof places[4].phoneNumber);
+    for (const TopPalNumberDetail& place : places)
+        details += zyn::bytesOf(place);
+    write("topPalsDetails", details);
+    QCOMPARE(inspected("topPalsDetails"),
+             u"favourites, 4 in use, not sound\n  place 0: it is taken but has no number\n"
+             "  place 1: it names place 2\n  place 2: its number is that of place 1 too\n"
+             "  place 3: it is free but has a number\n  place 4: the number has no NUL\n"_s);
+    write("topPalsDetails", details.replace(4, 1, "\4").chopped(1));
+    QCOMPARE(inspected("topPalsDetails"), u"favourites, 0 in use, not sound\n  the version is 4, not 5\n"
+                                          "  the size is 127 bytes, not 128\nexit 1"_s);
+}
+
+QTEST_GUILESS_MAIN(FavouritesTest)
+#include "tst_Favourites.moc"

@@ -1,0 +1,128 @@
+// Checks the file of a favourite's calls and messages.
+#include "tools/zynphone/ContactFileCheck.h"
+
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/RecentCall_Setup.h"
+#include "tools/zynphone/ActivityText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/StoreFileProblems.h"
+
+#include <algorithm>
+#include <deque>
+#include <string_view>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Entry = PHONE_ENG_ActivityLog;
+
+constexpr std::string_view kDialedCharacters = "0123456789*#+";
+constexpr uint8_t kKnownReadFlags = Entry::kRead | Entry::kStrictRead;
+
+QByteArrayView imageOf(const Entry& entry)
+{
+    return QByteArrayView(reinterpret_cast<const char*>(&entry), qsizetype{sizeof entry});
+}
+
+QStringList contactSizeProblems(const QByteArray& image)
+{
+    const unsigned int limit = zyn::kMaxContactSlots;
+    const unsigned int slots = std::min(RecentCall_Setup::instance()->getMaxTopPalsAvlItems(), limit);
+    return sizeProblems(image, zyn::contactFileSize(static_cast<int>(slots)));
+}
+
+/// What is wrong with @p entry, in @p slot of the file @p name, seen alone.
+QStringList entryProblems(const Entry& entry, int slot, const QString& name)
+{
+    QStringList problems;
+    if (entry.topPalsAvlPos != slot)
+        problems += u"the entry names slot %1"_s.arg(entry.topPalsAvlPos);
+    if (entry.topPalsAvlIndex < 0)
+        problems += u"the index is %1"_s.arg(entry.topPalsAvlIndex);
+    if (isContactFileName(name) && entry.getPhoneNumber() != name)
+        problems += u"the number is '%1'"_s.arg(printable(entry.getPhoneNumber()));
+    if ((entry.readFlags & ~kKnownReadFlags) != 0)
+        problems += u"the read flags are 0x%1"_s.arg(entry.readFlags, 2, 16, QLatin1Char('0'));
+    if (entry.inUse != 1)
+        problems += u"the flag of its use is %1"_s.arg(int{entry.inUse});
+    problems += textProblems(entry);
+    if (!isTerminated(entry.msgString))
+        problems += u"the message has no NUL"_s;
+    return problems;
+}
+
+/// Looks at the slots one after the other.
+class EntryCheck
+{
+public:
+    explicit EntryCheck(const QString& name)
+        : m_name(name)
+    {}
+
+    void look(const QByteArray& image, int slot)
+    {
+        Entry& entry = m_entries.emplace_back();
+        zyn::readContactRecord(entry, image, slot);
+        if (entry.inUse == 0) {
+            if (imageOf(entry) != imageOf(m_blank))
+                report(slot, u"it is free but not blank"_s);
+            m_entries.pop_back();
+            return;
+        }
+        for (const QString& problem : entryProblems(entry, slot, m_name))
+            report(slot, problem);
+        entry.topPalsAvlPos = slot;
+    }
+
+    const QStringList& problems() const { return m_problems; }
+    Table table() const { return Table(activityColumns(), m_entries); }
+
+private:
+    void report(int slot, const QString& problem) { m_problems += u"slot %1: %2"_s.arg(slot).arg(problem); }
+
+    const QString m_name;
+    const Entry m_blank;
+    QStringList m_problems;
+    std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
+};
+
+} // namespace
+
+namespace zyn::tool {
+
+bool isContactFileName(const QString& name)
+{
+    return !name.isEmpty() && std::ranges::all_of(name, [](QChar character) {
+        return kDialedCharacters.find(character.toLatin1()) != kDialedCharacters.npos;
+    });
+}
+
+bool isContactFileImage(const QByteArray& image)
+{
+    const int slots = contactRecordCount(image);
+    if (!hasValidHeader(image) || image.size() != contactFileSize(slots))
+        return false;
+    Entry entry;
+    const int32_t nowhere = entry.topPalsAvlPos;
+    int known = 0;
+    for (int slot = 0; slot < slots; ++slot) {
+        readContactRecord(entry, image, slot);
+        known += entry.topPalsAvlPos == slot || entry.topPalsAvlPos == nowhere ? 1 : 0;
+    }
+    return known >= slots - known;
+}
+
+FileFindings checkContactFile(const QString& name, const QByteArray& image)
+{
+    QStringList problems = headerProblems(image);
+    const int slots = problems.isEmpty() ? contactRecordCount(image) : 0;
+    problems += contactSizeProblems(image);
+    EntryCheck check(name);
+    for (int slot = 0; slot < slots; ++slot)
+        check.look(image, slot);
+    return {u"activities of a favourite"_s, problems + check.problems(), check.table()};
+}
+
+} // namespace zyn::tool

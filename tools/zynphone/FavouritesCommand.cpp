@@ -1,0 +1,159 @@
+// zynphone favourites: the favourites and their activity log.
+#include "tools/zynphone/FavouritesCommand.h"
+
+#include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "tools/zynphone/ActivityText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/FavouritesEdit.h"
+#include "tools/zynphone/SendCommand.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include <array>
+#include <functional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+namespace favourites = zyn::favourites;
+using Entry = PHONE_ENG_ActivityLog;
+
+struct Favourite
+{
+    int place;
+    QString number;
+    int entries;
+    TopPals_Missed_Details unread;
+};
+
+constexpr Column<Favourite> kFavouriteColumns[] = {
+    {"place", "PLACE", [](const Favourite& favourite) { return QJsonValue(favourite.place); }},
+    {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
+    {"entries", "ENTRIES", [](const Favourite& favourite) { return QJsonValue(favourite.entries); }},
+    {"unreadMissedCalls", "UNREAD MISSED CALLS",
+     [](const Favourite& favourite) { return QJsonValue(favourite.unread.missedCallCount); }},
+    {"unreadMessages", "UNREAD MESSAGES",
+     [](const Favourite& favourite) { return QJsonValue(favourite.unread.unreadMsgCount); }},
+};
+
+constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
+    {"number", "number", [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.number); }},
+    {"unreadMissedCalls", "unread missed calls",
+     [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.missedCallCount); }},
+    {"unreadMessages", "unread messages",
+     [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.unreadMsgCount); }},
+};
+
+ExitCode listFavourites(const Invocation& call, Console& console)
+{
+    std::vector<Favourite> found;
+    const QStringList keys = favourites::keys();
+    for (int place = 0; place < keys.size(); ++place) {
+        if (keys[place].isEmpty())
+            continue;
+        Favourite favourite{place, keys[place], 0, {keys[place]}};
+        favourites::Entries entries;
+        favourites::readEntries(entries, favourite.number);
+        favourite.entries = static_cast<int>(entries.count());
+        RC_TopPals_AL_Interface::instance()->getUnreadCount(favourite.unread);
+        found.push_back(std::move(favourite));
+    }
+    printTable(console, Table(kFavouriteColumns, found), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode showEntries(const Invocation& call, Console& console)
+{
+    favourites::Entries entries;
+    readInto(entries, favouriteFrom(call));
+    std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
+    for (const Entry* entry : entries)
+        rows.emplace_back(*entry);
+    printTable(console, Table(activityColumns(), rows), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode countUnread(const Invocation& call, Console& console)
+{
+    TopPals_Missed_Details unread{call.argument(0)};
+    if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
+        throw failure(u"no favourite's file for %1 can be read"_s.arg(unread.number));
+    printSheet(console, Table(kUnreadColumns, std::array{unread}), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode announce(const Invocation& call, Console& console)
+{
+    const TopPals_Details_T details{call.value(u"name"_s), call.argument(1), call.value(u"image"_s),
+                                    numberFrom(call, u"contact-id"_s, 0)};
+    requireChannel(zyn::kActivityLogChannel);
+    if (!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(call.argument(0), details))
+        throw failure(u"a listener does not take the message"_s);
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+Command listRow()
+{
+    return {.name = u"list"_s,
+            .summary = u"List the favourites with their entries, and what of these is unread"_s,
+            .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kFavouriteColumns)),
+            .options = {jsonOption()},
+            .run = listFavourites};
+}
+
+Command showRow()
+{
+    return {.name = u"show"_s,
+            .summary = u"Show a favourite's calls and messages, newest first"_s,
+            .details = u"\nThe objects of --json have the fields\n%1;\nstart is UTC, duration is in seconds.\n"_s.arg(
+                fieldNames(activityColumns())),
+            .arguments = {favouriteArgument()},
+            .options = {jsonOption()},
+            .run = showEntries};
+}
+
+Command unreadRow()
+{
+    return {.name = u"unread"_s,
+            .summary = u"Count a favourite's unread missed calls and unread messages, as the idle screen does"_s,
+            .details = u"\nThe object of --json has the fields %1.\n"_s.arg(fieldNames(kUnreadColumns)),
+            .arguments = {favouriteArgument()},
+            .options = {jsonOption()},
+            .run = countUnread};
+}
+
+Command announceRow()
+{
+    return {.name = u"announce"_s,
+            .summary = u"Tell the owner of the favourites of a contact's new details"_s,
+            .details = u"\nWhat zyn-favourites makes of it: NEW becomes a favourite in place of OLD.\n"_s,
+            .arguments = {{u"OLD"_s, u"the number before the change; '' for a new favourite"_s},
+                          {u"NEW"_s, u"the number from now on; '' for a favourite that leaves"_s}},
+            .options = {valueOption(u"name"_s, u"NAME"_s, u"of the contact"_s),
+                        valueOption(u"image"_s, u"PATH"_s, u"of the contact's picture"_s),
+                        valueOption(u"contact-id"_s, u"N"_s, u"in the address book; 0 by default"_s)},
+            .run = announce};
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command favouritesCommand()
+{
+    return {
+        .name = u"favourites"_s,
+        .summary = u"The favourites and their activity log"_s,
+        .details =
+            u"\nA favourite is registered, logged and counted under the last %1 characters of its number.\n"
+            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"_s.arg(
+                kFavouriteKeyLength),
+        .verbs = {listRow(), replaceFavouriteCommand(), logFavouriteCommand(), showRow(), unreadRow(),
+                  removeFavouriteCommand(), announceRow()}};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,21 @@
+// What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
+#pragma once
+
+#include "handset/favourites/Favourites.h"
+#include "tools/zynphone/Command.h"
+
+namespace zyn::tool {
+
+Argument favouriteArgument();
+/// The key of the favourite that the first argument names; a failure when it is none.
+QString favouriteFrom(const Invocation& call);
+/// Appends the entries of a favourite, newest first; a failure when they cannot be read.
+void readInto(favourites::Entries& entries, const QString& key);
+
+/// @{ Verbs that write, and refuse while another process owns the favourites.
+Command replaceFavouriteCommand();
+Command logFavouriteCommand();
+Command removeFavouriteCommand();
+/// @}
+
+} // namespace zyn::tool
