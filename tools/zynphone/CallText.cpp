@@ -60,6 +60,13 @@ QString categoryWord(RC_CALL_CATEGORY_T category)
     return wordFor(kCategories, category);
 }
 
+RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, text, what).value;
+}
+
 std::span<const CallColumn> callColumns()
 {
     return slotColumns().subspan(1);

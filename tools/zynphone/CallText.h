@@ -36,6 +36,9 @@ inline constexpr std::array<TypeWord, 3> kTypes{{
 
 QString categoryWord(RC_CALL_CATEGORY_T category);
 
+/// The call type that @p text says by its word or number; a usage error that names @p what when it says none.
+RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what);
+
 /// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration
 /// (seconds), type, session (of a push-to-talk call, else empty), read, completed.
 std::span<const CallColumn> callColumns();

@@ -2,6 +2,7 @@
 #include "tools/zynphone/ServiceError.h"
 
 #include "platform/posix/UnixSocket_p.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
 
 #include <QtCore/QFile>
 
@@ -25,6 +26,11 @@ CommandError serviceError(const QString& service, const QString& path)
     if (!posix::isPeerTrusted(probe.get()))
         return failure(u"the %1 at %2 belongs to another user"_s.arg(service, path));
     return failure(u"the %1 at %2 could not do it"_s.arg(service, path));
+}
+
+CommandError recentCallServiceError()
+{
+    return serviceError(u"recent-call service"_s, QLatin1String(recentcall::kSocketPath));
 }
 
 } // namespace zyn::tool

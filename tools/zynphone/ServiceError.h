@@ -11,4 +11,7 @@ namespace zyn::tool {
 /// library's results do not tell.
 CommandError serviceError(const QString& service, const QString& path);
 
+/// The same of a request to the recent-call service.
+CommandError recentCallServiceError();
+
 } // namespace zyn::tool

@@ -1,5 +1,7 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
+#include "tools/zynphone/Completion.h"
+#include "tools/zynphone/CompletionCommand.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
@@ -28,7 +30,7 @@ Command zynphoneCommand()
             .verbs = {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(),
                       pttCommand(), javaCommand(), stkCommand(), radioCommand(), languageCommand(), callsCommand(),
                       settingsCommand(), handsetCommand(), inspectCommand(), monitorCommand(), statusCommand(),
-                      sendCommand()}};
+                      sendCommand(), completionCommand()}};
 }
 
 } // namespace
@@ -39,7 +41,12 @@ int main(int argc, char** argv)
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
     const Command tool = zynphoneCommand();
-    const ExitCode code = runCommand(tool, tool.name, application.arguments().mid(1), console);
+    const QStringList words = application.arguments().mid(1);
+    ExitCode code = Done;
+    if (words.value(0) == kCompleteVerb)
+        console.write(completions(tool, words.mid(1)));
+    else
+        code = runCommand(tool, tool.name, words, console);
     if (console.isSound())
         return code;
     console.writeError(u"zynphone: cannot write to standard output"_s);
