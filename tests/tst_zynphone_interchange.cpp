@@ -271,8 +271,8 @@ void ZynphoneInterchangeTest::tellsWhatItLeaves()
     }
     QCOMPARE(run({u"calls"_s, u"import"_s, file, u"--strict"_s}),
              shown
-                 + u"zynphone: %1 cannot be read; none was sent\nexit 1"_s.arg(left == 1 ? u"1 call"_s
-                                                                                         : u"%1 calls"_s.arg(left)));
+                 + u"zynphone: %1 cannot be read; none was taken\nexit 1"_s.arg(left == 1 ? u"1 call"_s
+                                                                                          : u"%1 calls"_s.arg(left)));
     QCOMPARE(keptCalls(), QByteArray());
     QCOMPARE(run({u"calls"_s, u"import"_s, file}), u"sent 2 calls, left %1\n"_s.arg(left) + shown + u"exit 1"_s);
     const QJsonArray calls = list("calls list --json");

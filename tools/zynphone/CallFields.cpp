@@ -59,7 +59,7 @@ namespace zyn::tool {
 
 const RecordSchema& callSchema()
 {
-    static const RecordSchema schema{{std::begin(kFields), std::end(kFields)}, bytesOf(Call()).toByteArray()};
+    static const RecordSchema schema{"call", {std::begin(kFields), std::end(kFields)}, bytesOf(Call()).toByteArray()};
     return schema;
 }
 

@@ -4,8 +4,6 @@
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/zynphone/CallFields.h"
 #include "tools/zynphone/CallSelection.h"
-#include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
 #include "tools/zynphone/RecordsFile.h"
 
 using namespace Qt::StringLiterals;
@@ -16,18 +14,19 @@ using namespace zyn::tool;
 
 ExitCode exportCalls(const Invocation& call, Console& console)
 {
-    const QString path = call.arguments().isEmpty() ? QString(kStandardStream) : call.argument(0);
-    const RecordFormat& format = formatFrom(call, path);
-    std::vector<StoredField> fields = callSchema().fields;
-    if (!call.isSet(u"all"_s))
-        std::erase_if(fields, [](const StoredField& field) { return field.presence == StoredField::OfStore; });
+    const RecordsFile file(call, callSchema(), call.argument(0));
     std::vector<QByteArray> records;
     for (const PHONE_ENG_RecentCall& record : fetchCalls(listFrom(call), typesFrom(call)))
         records.push_back(zyn::bytesOf(record).toByteArray());
-    writeText(path, format.write(fields, records), console);
-    if (path != kStandardStream)
-        console.write(u"wrote %1\n"_s.arg(counted(static_cast<qsizetype>(records.size()), "call")));
+    file.write(records, console);
     return Done;
+}
+
+QMap<QString, QStringList> allWords()
+{
+    QMap<QString, QStringList> words = selectionWords();
+    words.insert(RecordsFile::words());
+    return words;
 }
 
 } // namespace
@@ -39,12 +38,11 @@ Command exportRow()
     return {
         .name = u"export"_s,
         .summary = u"Write calls to a file, newest first, with every byte of their records"_s,
-        .details = u"\n'calls import' makes the same calls of it again.\n"_s,
-        .arguments = {{u"FILE"_s, u"what it names is replaced; - (the default) is standard output"_s,
-                       Argument::Optional}},
-        .options = {formatOption(), listOption(), typeOption(),
-                    flagOption(u"all"_s, u"write uid, slot and inUse too, which an import leaves to the service"_s)},
-        .words = formatWords(selectionWords()),
+        .details =
+            u"\nOnly --all writes uid, slot and inUse. 'calls import' makes the same calls again of the others.\n"_s,
+        .arguments = {{u"FILE"_s, u"is replaced; - (the default) is standard output"_s, Argument::Optional}},
+        .options = RecordsFile::exportOptions() + QList{listOption(), typeOption()},
+        .words = allWords(),
         .run = exportCalls};
 }
 

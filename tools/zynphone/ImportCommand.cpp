@@ -22,35 +22,15 @@ Call callOf(const QByteArray& record)
 
 ExitCode importCalls(const Invocation& call, Console& console)
 {
-    const QString path = call.argument(0);
-    const ReadRecords read = readRecords(callSchema(), formatFrom(call, path), path);
-    for (const QString& problem : read.problems)
-        console.writeError(u"zynphone: "_s + problem);
-    const auto left = read.problems.size();
-    if (left > 0 && call.isSet(u"strict"_s))
-        throw failure(u"%1 cannot be read; none was sent"_s.arg(counted(left, "call")));
+    const ReadRecords read = RecordsFile(call, callSchema(), call.argument(0)).read(console);
     std::vector<Call> calls;
     for (const QByteArray& record : read.records)
         calls.push_back(callOf(record));
     sendCalls(calls);
     const QString sent = counted(static_cast<qsizetype>(calls.size()), "call");
+    const auto left = read.problems.size();
     console.write(left == 0 ? u"sent %1\n"_s.arg(sent) : u"sent %1, left %2\n"_s.arg(sent).arg(left));
     return left == 0 ? Done : Failed;
-}
-
-/// The fields that a file may have, as many on a line as are easily read.
-QString fieldList()
-{
-    constexpr qsizetype kLineLength = 90;
-    QString list;
-    qsizetype lineLength = 0;
-    for (const StoredField& field : callSchema().fields) {
-        const QString name = u"  "_s + QLatin1String(field.name);
-        const bool isFull = lineLength + name.size() > kLineLength;
-        lineLength = isFull ? name.size() : lineLength + name.size();
-        list += isFull ? u'\n' + name : name;
-    }
-    return list;
 }
 
 } // namespace
@@ -64,12 +44,12 @@ Command importRow()
         .summary = u"Send the calls of a file to the recent-call service, which gives them new uids"_s,
         .details =
             u"\nIn the file they stand newest first. list, number and start must be there, the other fields may be:\n"
-            "%1\n"
+            "%1"
             "A call that cannot be read is told and left; then the exit code is 1. Of more calls than the lists\n"
-            "hold, the newest stay.\n"_s.arg(fieldList()),
+            "hold, the newest stay.\n"_s.arg(RecordsFile::fieldList(callSchema())),
         .arguments = {{u"FILE"_s, u"as 'calls export' or 'calls list --json' writes it; - is standard input"_s}},
-        .options = {formatOption(), flagOption(u"strict"_s, u"send none unless all can be read"_s)},
-        .words = formatWords(),
+        .options = RecordsFile::importOptions(),
+        .words = RecordsFile::words(),
         .run = importCalls};
 }
 

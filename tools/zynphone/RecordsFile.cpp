@@ -1,7 +1,8 @@
-// A file of records: what the command line says of it, reading and writing.
+// A file of records, as a command line names it.
 #include "tools/zynphone/RecordsFile.h"
 
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/Counted.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -18,39 +19,22 @@ using namespace zyn::tool;
 /// Many times what the largest lists take.
 constexpr qint64 kSizeLimit = qint64{16} * 1024 * 1024;
 
-QString shownName(const QString& path)
+constexpr qsizetype kHelpWidth = 90;
+
+QString nameOf(const StoredField& field)
 {
-    return path == kStandardStream ? u"standard input"_s : path;
+    return QLatin1String(field.name);
 }
 
-bool openForReading(QFile& file, const QString& path)
+const RecordFormat& formatFrom(const Invocation& call, const QString& path)
 {
-    if (path == kStandardStream)
-        return file.open(stdin, QIODevice::ReadOnly);
-    file.setFileName(path);
-    return file.open(QIODevice::ReadOnly);
+    const QString format = u"format"_s;
+    if (call.isSet(format))
+        return *wordNamed(kRecordFormats, call.value(format), format).value;
+    if (path.isNull())
+        return kCsvFormat;
+    return *wordNamed(kRecordFormats, QFileInfo(path).suffix().toLower(), u"file ending"_s).value;
 }
-
-QByteArray readWhole(const QString& path)
-{
-    QFile file;
-    QByteArray bytes;
-    if (openForReading(file, path)) {
-        // A pipe may give less than there is to come.
-        for (QByteArray part = file.read(kSizeLimit); !part.isEmpty() && bytes.size() <= kSizeLimit;
-             part = file.read(kSizeLimit))
-            bytes += part;
-    }
-    if (file.error() != QFileDevice::NoError)
-        throw failure(u"cannot read %1: %2"_s.arg(shownName(path), file.errorString()));
-    if (bytes.size() > kSizeLimit)
-        throw failure(u"%1 is longer than %2 bytes"_s.arg(shownName(path)).arg(kSizeLimit));
-    return bytes;
-}
-
-} // namespace
-
-namespace zyn::tool {
 
 QCommandLineOption formatOption()
 {
@@ -59,36 +43,93 @@ QCommandLineOption formatOption()
                            + u"; the file's ending by default, csv on standard input and output"_s);
 }
 
-QMap<QString, QStringList> formatWords(QMap<QString, QStringList> others)
+bool writeInPlace(QSaveFile& file, const QString& text)
 {
-    others.insert(u"FORMAT"_s, wordTexts(kRecordFormats));
-    return others;
+    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit();
 }
 
-const RecordFormat& formatFrom(const Invocation& call, const QString& path)
+} // namespace
+
+namespace zyn::tool {
+
+QList<QCommandLineOption> RecordsFile::exportOptions()
 {
-    const QString format = u"format"_s;
-    if (call.isSet(format))
-        return *wordNamed(kRecordFormats, call.value(format), format).value;
-    if (path == kStandardStream)
-        return kCsvFormat;
-    return *wordNamed(kRecordFormats, QFileInfo(path).suffix().toLower(), u"file ending"_s).value;
+    return {formatOption(), flagOption(u"all"_s, u"write too what an import leaves to the store"_s)};
 }
 
-ReadRecords readRecords(const RecordSchema& schema, const RecordFormat& format, const QString& path)
+QList<QCommandLineOption> RecordsFile::importOptions()
 {
-    return format.read(schema, readWhole(path), shownName(path));
+    return {formatOption(), flagOption(u"strict"_s, u"take none unless all can be read"_s)};
 }
 
-void writeText(const QString& path, const QString& text, Console& console)
+QMap<QString, QStringList> RecordsFile::words()
 {
-    if (path == kStandardStream) {
+    return {{u"FORMAT"_s, wordTexts(kRecordFormats)}};
+}
+
+QString RecordsFile::fieldList(const RecordSchema& schema)
+{
+    QStringList lines{QString()};
+    for (const StoredField& field : schema.fields) {
+        if (lines.last().size() + nameOf(field).size() > kHelpWidth)
+            lines += QString();
+        lines.last() += u"  "_s + nameOf(field);
+    }
+    return lines.join(u'\n') + u'\n';
+}
+
+RecordsFile::RecordsFile(const Invocation& call, const RecordSchema& schema, const QString& path)
+    : m_call(call)
+    , m_schema(schema)
+    , m_path(path == "-"_L1 || path.isEmpty() ? QString() : path)
+    , m_format(formatFrom(call, m_path))
+{}
+
+void RecordsFile::write(const std::vector<QByteArray>& records, Console& console) const
+{
+    std::vector<StoredField> fields = m_schema.fields;
+    if (!m_call.isSet(u"all"_s))
+        std::erase_if(fields, [](const StoredField& field) { return field.presence == StoredField::OfStore; });
+    const QString text = m_format.write(fields, records);
+    if (m_path.isNull()) {
         console.write(text);
         return;
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())
-        throw failure(u"cannot write %1: %2"_s.arg(path, file.errorString()));
+    QSaveFile file(m_path);
+    if (!writeInPlace(file, text))
+        throw failure(u"cannot write %1: %2"_s.arg(m_path, file.errorString()));
+    console.write(u"wrote %1\n"_s.arg(counted(static_cast<qsizetype>(records.size()), m_schema.thing)));
+}
+
+ReadRecords RecordsFile::read(Console& console) const
+{
+    ReadRecords result = m_format.read(m_schema, readWhole(), inputName());
+    for (const QString& problem : result.problems)
+        console.writeError(u"zynphone: "_s + problem);
+    if (!result.problems.isEmpty() && m_call.isSet(u"strict"_s))
+        throw failure(u"%1 cannot be read; none was taken"_s.arg(counted(result.problems.size(), m_schema.thing)));
+    return result;
+}
+
+QString RecordsFile::inputName() const
+{
+    return m_path.isNull() ? u"standard input"_s : m_path;
+}
+
+QByteArray RecordsFile::readWhole() const
+{
+    QFile file(m_path);
+    const bool isOpen = m_path.isNull() ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    QByteArray bytes;
+    // A pipe may give less than there is to come.
+    for (QByteArray part = isOpen ? file.read(kSizeLimit) : bytes; !part.isEmpty(); part = file.read(kSizeLimit)) {
+        bytes += part;
+        if (bytes.size() > kSizeLimit)
+            throw failure(u"%1 is longer than %2 bytes"_s.arg(inputName()).arg(kSizeLimit));
+    }
+    if (file.error() != QFileDevice::NoError)
+        throw failure(u"cannot read %1: %2"_s.arg(inputName(), file.errorString()));
+    return bytes;
 }
 
 } // namespace zyn::tool

@@ -1,4 +1,4 @@
-// A file of records: what the command line says of it, reading and writing.
+// A file of records, as a command line names it.
 #pragma once
 
 #include "tools/zynphone/Command.h"
@@ -7,25 +7,42 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <vector>
+
 namespace zyn::tool {
 
 class Console;
 
-/// The path that stands for standard input and output.
-inline constexpr QLatin1String kStandardStream("-");
+class RecordsFile
+{
+public:
+    /// @{ What the constructor and the two operations read of a command line, and the words of the options' values.
+    static QList<QCommandLineOption> exportOptions();
+    static QList<QCommandLineOption> importOptions();
+    static QMap<QString, QStringList> words();
+    /// @}
+    /// The fields that a file of such records may have, as a help text lists them.
+    static QString fieldList(const RecordSchema& schema);
 
-/// @{ Which format a file has.
-QCommandLineOption formatOption();
-/// The words of the option's value, and @p others.
-QMap<QString, QStringList> formatWords(QMap<QString, QStringList> others = {});
-/// As the option says, else as the path's ending does; CSV on standard input and output.
-const RecordFormat& formatFrom(const Invocation& call, const QString& path);
-/// @}
+    /// The file at @p path; standard input or output when that is "-" or empty. A usage error when neither its ending
+    /// nor an option tells its format.
+    /// @p call and @p schema must outlive it.
+    RecordsFile(const Invocation& call, const RecordSchema& schema, const QString& path);
 
-/// Reads the file, or standard input, whole, and takes it apart as records of @p schema.
-ReadRecords readRecords(const RecordSchema& schema, const RecordFormat& format, const QString& path);
+    /// Writes @p records, whole or not at all, in place of what the file was.
+    void write(const std::vector<QByteArray>& records, Console& console) const;
 
-/// Writes @p text in place of the file @p path, whole or not at all, or to standard output.
-void writeText(const QString& path, const QString& text, Console& console);
+    /// Reads the file, and tells on the console which records cannot be read; that is a failure when --strict is set.
+    ReadRecords read(Console& console) const;
+
+private:
+    QString inputName() const;
+    QByteArray readWhole() const;
+
+    const Invocation& m_call;
+    const RecordSchema& m_schema;
+    const QString m_path; ///< null for standard input and output
+    const RecordFormat& m_format;
+};
 
 } // namespace zyn::tool

@@ -38,6 +38,7 @@ struct StoredField
 /// A kind of record.
 struct RecordSchema
 {
+    const char* thing; ///< what it is a record of
     std::vector<StoredField> fields;
     QByteArray blank; ///< the record of which no field is set
 };
