@@ -7,8 +7,6 @@
 
 #include <QtCore/QCoreApplication>
 
-#include <ranges>
-
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
@@ -18,8 +16,8 @@ void sendCalls(const std::vector<PHONE_ENG_RecentCall>& calls)
     size_t sent = 0;
     const auto state = [&] { return u"%1 of %2 calls sent"_s.arg(sent).arg(calls.size()); };
     const Progress progress(state);
-    for (const PHONE_ENG_RecentCall& call : std::views::reverse(calls)) {
-        if (RC_Interface().addRecord(RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(call))) != 0)
+    for (auto call = calls.crbegin(); call != calls.crend(); ++call) {
+        if (RC_Interface().addRecord(RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(*call))) != 0)
             throw failure(recentCallServiceError().message() + u"; "_s + state());
         ++sent;
         QCoreApplication::processEvents();

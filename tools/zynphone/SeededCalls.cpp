@@ -113,6 +113,7 @@ std::vector<Call> seededCalls(int count, quint32 seed, const QDateTime& now)
 {
     Caller caller(seed, now);
     std::vector<Call> calls;
+    calls.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         calls.push_back(caller.next());
     return calls;
