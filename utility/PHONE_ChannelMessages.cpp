@@ -1,6 +1,7 @@
 // The messages of the library's channels, one row each; those of the phone channel have a table of their own.
 #include "utility/PHONE_ChannelMessages_p.h"
 
+#include "recentcall/utility/RecentCall_Msg.h"
 #include "utility/PHONE_MsgTable_p.h"
 
 #include <algorithm>
@@ -42,8 +43,8 @@ constexpr ChannelMessage kMessages[] = {
     {kRecentCallChannel, "RECENTCALL_MSG_6", "RECENTCALL_MSG_EXIT_PICKER_S",
      {{Int, "selected"}, {Text, "number", 0, WhenSet}}},
     {kRecentCallChannel, "RECENTCALL_MSG_7", "RECENTCALL_MSG_HIDE_UI_S", {}},
-    {kRecentCallChannel, kRecentCallFromCalling, "RECENTCALL_CALLING_MSG", {}},
-    {kRecentCallChannel, kRecentCallFromMessaging, "RECENTCALL_MESSAGE_MSG", {}},
+    {kRecentCallChannel, RECENTCALL_CALLING_MSG, "RECENTCALL_CALLING_MSG", {}},
+    {kRecentCallChannel, RECENTCALL_MESSAGE_MSG, "RECENTCALL_MESSAGE_MSG", {}},
 
     {kActivityLogChannel, kModifyFavourite, nullptr,
      {{Text, "old-number"}, {Text, "number"}, {Text, "name"}, {Text, "image"}, {Int, "contact-id"}}},

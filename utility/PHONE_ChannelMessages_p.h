@@ -34,13 +34,10 @@ inline constexpr char kDropPttCall[] = "dropPttCall";
 inline constexpr uint8_t kMaxPttParties = 25;
 /// @}
 
-/// @{ The recent-call screens: the prefix of their numbered messages, how many of those there are, and what
-/// the calling and the messaging application send.
+/// @{ The recent-call screens: the prefix of their numbered messages, and how many of those there are.
 inline constexpr char kRecentCallChannel[] = "/ZYN/recentcall";
 inline constexpr std::string_view kRecentCallPrefix = "RECENTCALL_MSG_";
 inline constexpr unsigned kRecentCallTypes = 8;
-inline constexpr char kRecentCallFromCalling[] = "/KQ/CALLING/RECENTCALL";
-inline constexpr char kRecentCallFromMessaging[] = "/KQ/MMS/RECENTCALL";
 /// @}
 
 /// @{ What the owner of the activity log is told.

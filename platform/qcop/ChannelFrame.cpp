@@ -10,7 +10,7 @@
 namespace {
 
 /// How much is read at once: it bounds what one listener does before others have their turn.
-constexpr qsizetype kReadSize = 16 * 1024;
+constexpr qsizetype kReadSize = qsizetype{16} * 1024;
 /// The largest buffer that an idle connection keeps.
 constexpr qsizetype kIdleBuffer = 4 * kReadSize;
 
@@ -80,7 +80,7 @@ bool ChannelFrameReader::next(QCString& name, QByteArray& data)
     const auto dataSize = qFromLittleEndian<uint32_t>(rest.data() + sizeof(uint32_t));
     m_isBroken = !isMessageSize(nameSize, dataSize);
     const QByteArrayView body = rest.sliced(ChannelFrame::kHeaderSize);
-    if (m_isBroken || body.size() < static_cast<qsizetype>(nameSize + dataSize)) {
+    if (m_isBroken || body.size() < qsizetype{nameSize} + qsizetype{dataSize}) {
         discardRead();
         return false;
     }
@@ -90,7 +90,7 @@ bool ChannelFrameReader::next(QCString& name, QByteArray& data)
     }
     name = m_lastName;
     data = body.sliced(nameSize, dataSize).toByteArray();
-    m_offset += ChannelFrame::kHeaderSize + static_cast<qsizetype>(nameSize + dataSize);
+    m_offset += ChannelFrame::kHeaderSize + qsizetype{nameSize} + qsizetype{dataSize};
     return !m_isBroken;
 }
 

@@ -12,7 +12,7 @@
 namespace {
 
 /// How much is gathered before it is written: large writes stop paying off beyond it.
-constexpr qsizetype kGatherSize = 64 * 1024;
+constexpr qsizetype kGatherSize = qsizetype{64} * 1024;
 /// The most memory that is kept while nothing is pending.
 constexpr qsizetype kIdleQueue = 4 * kGatherSize;
 /// How often a listener too busy to accept is tried again.

@@ -29,8 +29,8 @@ using RC_MissedCallList = QValueList<RC_MissedCallItem>;
 /**
  * The recent-call engine: what knows the unread missed calls.
  *
- * Its list is the first virtual operation, which is part of the interface; hence no virtual destructor, and an engine
- * is not deleted through this class.
+ * Its list is the first virtual operation, which is part of the interface; hence no virtual destructor: an engine is
+ * not deleted through this class, and is best a final one.
  */
 class ZYN_EXPORT RC_EngineStub
 {

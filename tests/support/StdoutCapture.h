@@ -1,4 +1,4 @@
-// Captures what is written to standard output, by whatever means.
+// Captures what is written to standard output or to standard error, by whatever means.
 #pragma once
 
 #include "platform/posix/UniqueFd_p.h"
@@ -16,12 +16,8 @@ class StdoutCapture
 {
 public:
     StdoutCapture()
-    {
-        m_file.open();
-        std::fflush(stdout);
-        m_real.reset(::dup(STDOUT_FILENO));
-        ::dup2(m_file.handle(), STDOUT_FILENO);
-    }
+        : StdoutCapture(stdout)
+    {}
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
     ~StdoutCapture() { restore(); }
@@ -34,16 +30,36 @@ public:
         return m_file.readAll();
     }
 
+protected:
+    explicit StdoutCapture(std::FILE* stream)
+        : m_stream(stream)
+    {
+        m_file.open();
+        std::fflush(m_stream);
+        m_real.reset(::dup(::fileno(m_stream)));
+        ::dup2(m_file.handle(), ::fileno(m_stream));
+    }
+
 private:
     void restore()
     {
         if (!m_real.isValid())
             return;
-        std::fflush(stdout);
-        ::dup2(m_real.get(), STDOUT_FILENO);
+        std::fflush(m_stream);
+        ::dup2(m_real.get(), ::fileno(m_stream));
         m_real.reset();
     }
 
+    std::FILE* m_stream;
     QTemporaryFile m_file;
     zyn::posix::UniqueFd m_real;
+};
+
+/// The same for standard error.
+class StderrCapture : public StdoutCapture
+{
+public:
+    StderrCapture()
+        : StdoutCapture(stderr)
+    {}
 };

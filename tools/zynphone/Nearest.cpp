@@ -14,7 +14,7 @@ struct Edits
     qsizetype ofBeginning; ///< when the rest of the second word does not count
     qsizetype ofWhole;
 
-    auto operator<=>(const Edits&) const = default;
+    auto operator<=>(const Edits&) const = default; // NOLINT(modernize-use-nullptr): what it says of the generated code
 };
 
 Edits edits(const QString& from, const QString& to)

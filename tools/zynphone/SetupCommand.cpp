@@ -49,8 +49,8 @@ public:
         if (!m_channel.isListening())
             throw failure(u"cannot listen on %1"_s.arg(QLatin1String(kPhoneChannel)));
         QObject::connect(&m_channel, &QCopChannel::received, &m_channel,
-                         [this, name = messageName(kPhonePrefix, type, kPhoneTypes)](const QCString& message,
-                                                                                     const QByteArray& payload) {
+                         [this, name = messageName(kPhonePrefix, static_cast<unsigned>(type), kPhoneTypes)](
+                             const QCString& message, const QByteArray& payload) {
                              if (message == name)
                                  take(payload);
                          });
