@@ -242,6 +242,7 @@ Command logRow()
             .summary = u"Log a call or a message of a favourite, in place of its oldest entry when its file is full"_s,
             .arguments = {favouriteArgument()},
             .options = options + callOptions(),
+            .words = callWords(),
             .run = logEntry};
 }
 

@@ -3,10 +3,10 @@
 
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
+#include "tools/zynphone/Channels.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/MessageText.h"
 #include "tools/zynphone/TimeLimit.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -23,10 +23,8 @@ using namespace zyn::tool;
 QStringList channelsFrom(const Invocation& call)
 {
     QStringList channels = call.arguments();
-    if (channels.isEmpty()) {
-        for (const char* const channel : zyn::kChannels)
-            channels += QString::fromUtf8(channel);
-    }
+    if (channels.isEmpty())
+        channels = channelNames();
     channels.removeDuplicates();
     if (channels.contains(QString()))
         throw usageError(u"the channel's name is empty"_s);
@@ -112,6 +110,7 @@ Command monitorCommand()
             .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
             .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s), jsonOption(),
                         valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option()},
+            .words = {{u"CHANNEL"_s, channelNames()}},
             .run = monitorChannels};
 }
 
