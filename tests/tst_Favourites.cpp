@@ -82,6 +82,7 @@ private Q_SLOTS:
     void cleanup();
     void countsAMissedCallOfAFavourite();
     void takesNothingTwiceAndLosesNothing();
+    void takesNoCallFromBeforeAFavourite();
     void keepsTheNewestEntries();
     void renewsAFileOfAnotherSize();
     void followsAnnouncements();
@@ -216,6 +217,20 @@ void FavouritesTest::takesNothingTwiceAndLosesNothing()
                                     "zyn-favourites: the recent-call service answers again\n"));
 }
 
+void FavouritesTest::takesNoCallFromBeforeAFavourite()
+{
+    startService();
+    QVERIFY(add("555", 1));
+    m_service->stop();
+    startOwner();
+    announce(announcement({}, u"555"_s));
+    QTRY_COMPARE(entries("555"), QList<int>());
+    startService();
+    const int later = static_cast<int>((QDateTime::currentSecsSinceEpoch() - kNoon) / 60) + 1;
+    QVERIFY(add("555", 2) && add("555", later));
+    QTRY_COMPARE(entries("555"), QList<int>({later}));
+}
+
 void FavouritesTest::keepsTheNewestEntries()
 {
     setSlots(2);
@@ -228,18 +243,20 @@ void FavouritesTest::keepsTheNewestEntries()
     QVERIFY(add("555", 0));
     QTRY_VERIFY(QFile(path("topPalsCalls")).size() == 8 + 6 * 8);
     QCOMPARE(entries("555"), QList<int>({5, 4}));
-    // Entries that say of themselves what is not true stand in nobody's way.
+    // Entries that say of themselves what is not true lead to no other slot and no other file.
     m_owner->stop();
-    QFile file(path("555"));
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    for (const int slot : {0, 1}) {
-        file.seek(zyn::getTopPalsAvlFilePos(slot));
-        file.write("../x\0", 5);
-    }
-    file.close();
-    run("favourites log 555 --at 2030-01-01T00:00:00Z");
-    QCOMPARE(entries("555").size(), 2);
+    run("favourites replace '' 556");
+    run("favourites log 556");
+    const QByteArray other = m_store->read(u"556"_s);
+    QByteArray damaged = m_store->read(u"555"_s);
+    damaged.replace(zyn::getTopPalsAvlFilePos(0), 4, "556", 4);
+    damaged.replace(zyn::getTopPalsAvlFilePos(1) + 232, 4, "\0\0\0", 4);
+    m_store->write(u"555"_s, damaged);
+    QCOMPARE(run("favourites log 555 --at 2030-01-01T00:00:00Z"), u"logged in place 0\nexit 0"_s);
+    QCOMPARE(run("favourites remove 555 1"), u"removed\nexit 0"_s);
+    QCOMPARE(entries("555").size(), 1);
     QVERIFY(run("favourites show 555").contains(u"2030-01-01T00:00:00"_s));
+    QCOMPARE(m_store->read(u"556"_s), other);
 }
 
 void FavouritesTest::renewsAFileOfAnotherSize()
@@ -247,14 +264,28 @@ void FavouritesTest::renewsAFileOfAnotherSize()
     startService();
     run("favourites replace '' 555");
     startOwner();
-    QVERIFY(add("555", 1) && add("555", 2));
-    QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
-    for (const int count : {20, 2}) {
+    for (const int minute : {1, 2, 3, 4, 5})
+        QVERIFY(add("555", minute));
+    QTRY_COMPARE(entries("555").size(), 5);
+    for (const int count : {20, 3}) {
         setSlots(count);
         reportCallChange();
         QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(count));
-        QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
+        QCOMPARE(entries("555"), QList<int>({5, 4, 3, 2, 1}).first(std::min(count, 5)));
     }
+    // Where a file has no slots, what it holds waits for them.
+    setSlots(0);
+    QVERIFY(add("555", 6));
+    QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 6 * 8);
+    setSlots(3);
+    QCOMPARE(entries("555"), QList<int>({5, 4, 3}));
+    // A call that cannot be written is not lost.
+    QVERIFY(QFile::rename(path("555"), path("away")) && QDir().mkdir(path("555")));
+    QVERIFY(add("555", 7) && add("9", 8));
+    QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 7 * 8);
+    QVERIFY(QDir().rmdir(path("555")) && QFile::rename(path("away"), path("555")));
+    reportCallChange();
+    QTRY_COMPARE(entries("555"), QList<int>({7, 5, 4}));
 }
 
 void FavouritesTest::followsAnnouncements()
@@ -381,6 +412,10 @@ void FavouritesTest::inspects()
                                               "  slot 1: the message has no NUL\n  slot 2: it is free but not blank\n")
                                    .arg(QString(42, u'5')));
 
+    write("555", "");
+    QVERIFY(run("favourites list")
+                .endsWith(u"0      555     -        -                    -\n"
+                          "zynphone: the file of 555 cannot be read\nexit 1"_s));
     QByteArray details = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
     TopPalNumberDetail places[5];
     places[0].nthFileItem = 0;
@@ -397,6 +432,8 @@ void FavouritesTest::inspects()
              "  place 1: it names place 2\n  place 2: its number is that of place 1 too\n"
              "  place 3: it is free but has a number\n  place 4: the number has no NUL\n"_s);
     write("topPalsDetails", details.replace(4, 1, "\4").chopped(1));
+    for (const char* line : {"favourites list", "favourites show 555", "favourites unread 555"})
+        QVERIFY(run(line).endsWith(u"topPalsDetails is damaged or cannot be read; see 'zynphone inspect'\nexit 1"_s));
     QCOMPARE(inspected("topPalsDetails"), u"favourites, 0 in use, not sound\n  the version is 4, not 5\n"
                                           "  the size is 127 bytes, not 128\nexit 1"_s);
 }
