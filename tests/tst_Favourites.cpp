@@ -5,9 +5,9 @@
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
+#include "tests/support/ActivityLogFixture.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/StdoutCapture.h"
-#include "tests/support/StoreFixture.h"
 #include "tests/support/Tool.h"
 #include "utility/PHONE_Payload_p.h"
 
@@ -82,6 +82,7 @@ private Q_SLOTS:
     void cleanup();
     void countsAMissedCallOfAFavourite();
     void takesNothingTwiceAndLosesNothing();
+    void takesNoCallFromBeforeAFavourite();
     void keepsTheNewestEntries();
     void renewsAFileOfAnotherSize();
     void followsAnnouncements();
@@ -96,11 +97,10 @@ private:
     void startService();
     void startOwner();
     QString path(const char* name) const { return m_store->path() + u"/phone/"_s + QLatin1String(name); }
-    void write(const char* name, const QByteArray& contents) const;
-    void setSlots(int count) const;
+    void setSlots(int count) const { m_store->setSlots(QString::number(count)); }
     QString inspected(const char* name) const;
 
-    std::optional<StoreFixture> m_store;
+    std::optional<ActivityLogFixture> m_store;
     std::optional<ServiceProcess> m_service;
     std::optional<ServiceProcess> m_owner;
 };
@@ -132,19 +132,6 @@ void FavouritesTest::startOwner()
 {
     m_owner.emplace();
     QVERIFY(m_owner->start(ZYN_FAVOURITES));
-}
-
-void FavouritesTest::write(const char* name, const QByteArray& contents) const
-{
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("cannot write %s", name);
-}
-
-void FavouritesTest::setSlots(int count) const
-{
-    QDir(m_store->path()).mkdir(u"setup"_s);
-    write("../setup/zyn_toppals.cfg", "[TopPals-UI]\nMaxItemsToLog=" + QByteArray::number(count) + '\n');
 }
 
 void FavouritesTest::countsAMissedCallOfAFavourite()
@@ -216,6 +203,20 @@ void FavouritesTest::takesNothingTwiceAndLosesNothing()
                                     "zyn-favourites: the recent-call service answers again\n"));
 }
 
+void FavouritesTest::takesNoCallFromBeforeAFavourite()
+{
+    startService();
+    QVERIFY(add("555", 1));
+    m_service->stop();
+    startOwner();
+    announce(announcement({}, u"555"_s));
+    QTRY_COMPARE(entries("555"), QList<int>());
+    startService();
+    const int later = static_cast<int>((QDateTime::currentSecsSinceEpoch() - kNoon) / 60) + 1;
+    QVERIFY(add("555", 2) && add("555", later));
+    QTRY_COMPARE(entries("555"), QList<int>({later}));
+}
+
 void FavouritesTest::keepsTheNewestEntries()
 {
     setSlots(2);
@@ -228,18 +229,20 @@ void FavouritesTest::keepsTheNewestEntries()
     QVERIFY(add("555", 0));
     QTRY_VERIFY(QFile(path("topPalsCalls")).size() == 8 + 6 * 8);
     QCOMPARE(entries("555"), QList<int>({5, 4}));
-    // Entries that say of themselves what is not true stand in nobody's way.
+    // Entries that say of themselves what is not true lead to no other slot and no other file.
     m_owner->stop();
-    QFile file(path("555"));
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    for (const int slot : {0, 1}) {
-        file.seek(zyn::getTopPalsAvlFilePos(slot));
-        file.write("../x\0", 5);
-    }
-    file.close();
-    run("favourites log 555 --at 2030-01-01T00:00:00Z");
-    QCOMPARE(entries("555").size(), 2);
+    run("favourites replace '' 556");
+    run("favourites log 556");
+    const QByteArray other = m_store->read(u"556"_s);
+    QByteArray damaged = m_store->read(u"555"_s);
+    damaged.replace(zyn::getTopPalsAvlFilePos(0), 4, "556", 4);
+    damaged.replace(zyn::getTopPalsAvlFilePos(1) + 232, 4, "\0\0\0", 4);
+    m_store->write(u"555"_s, damaged);
+    QCOMPARE(run("favourites log 555 --at 2030-01-01T00:00:00Z"), u"logged in place 0\nexit 0"_s);
+    QCOMPARE(run("favourites remove 555 1"), u"removed\nexit 0"_s);
+    QCOMPARE(entries("555").size(), 1);
     QVERIFY(run("favourites show 555").contains(u"2030-01-01T00:00:00"_s));
+    QCOMPARE(m_store->read(u"556"_s), other);
 }
 
 void FavouritesTest::renewsAFileOfAnotherSize()
@@ -247,14 +250,28 @@ void FavouritesTest::renewsAFileOfAnotherSize()
     startService();
     run("favourites replace '' 555");
     startOwner();
-    QVERIFY(add("555", 1) && add("555", 2));
-    QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
-    for (const int count : {20, 2}) {
+    for (const int minute : {1, 2, 3, 4, 5})
+        QVERIFY(add("555", minute));
+    QTRY_COMPARE(entries("555").size(), 5);
+    for (const int count : {20, 3}) {
         setSlots(count);
         reportCallChange();
         QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(count));
-        QTRY_COMPARE(entries("555"), QList<int>({2, 1}));
+        QCOMPARE(entries("555"), QList<int>({5, 4, 3, 2, 1}).first(std::min(count, 5)));
     }
+    // Where a file has no slots, what it holds waits for them.
+    setSlots(0);
+    QVERIFY(add("555", 6));
+    QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 6 * 8);
+    setSlots(3);
+    QCOMPARE(entries("555"), QList<int>({5, 4, 3}));
+    // A call that cannot be written is not lost.
+    QVERIFY(QFile::rename(path("555"), path("away")) && QDir().mkdir(path("555")));
+    QVERIFY(add("555", 7) && add("9", 8));
+    QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 7 * 8);
+    QVERIFY(QDir().rmdir(path("555")) && QFile::rename(path("away"), path("555")));
+    reportCallChange();
+    QTRY_COMPARE(entries("555"), QList<int>({7, 5, 4}));
 }
 
 void FavouritesTest::followsAnnouncements()
@@ -305,8 +322,6 @@ void FavouritesTest::ignoresWhatIsNoAnnouncement()
     announce(announcement({}, u"a/b"_s));
     announce(announcement({}, u"7"_s));
     QTRY_COMPARE(entries("7"), QList<int>());
-    QCOMPARE(run("favourites list --json"),
-             u"[{\"entries\":0,\"number\":\"7\",\"place\":0,\"unreadMessages\":0,\"unreadMissedCalls\":0}]\nexit 0"_s);
     const QByteArray log = m_owner->log();
     QCOMPARE(log.count("ignored\n"), whole.size() + 6);
     QCOMPARE(log.count("cannot be made a favourite"), 1);
@@ -326,7 +341,7 @@ void FavouritesTest::allowsOneOwner()
 {
     QFETCH(QByteArray, leftover);
     if (!leftover.isNull())
-        write("topPalsLock", leftover);
+        m_store->write(u"topPalsLock"_s, leftover);
     startOwner();
 
     ServiceProcess second;
@@ -354,12 +369,10 @@ void FavouritesTest::inspects()
     run("favourites log 555");
     run("favourites log 555");
     QCOMPARE(inspected("topPalsDetails"), u"favourites, 1 in use, sound\n"_s);
-    QFile file(path("555"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray sound = file.readAll();
+    const QByteArray sound = m_store->read(u"555"_s);
     QCOMPARE(sound.size(), zyn::kRecordFileSize);
     for (const char* name : {"555", "copy"}) {
-        write(name, sound);
+        m_store->write(QLatin1String(name), sound);
         QCOMPARE(inspected(name), u"activities of a favourite, 2 in use, sound\n"_s);
     }
 
@@ -371,7 +384,7 @@ void FavouritesTest::inspects()
     const QByteArray bytes(reinterpret_cast<const char*>(&entry), sizeof entry);
     damaged.replace(zyn::getTopPalsAvlFilePos(1), bytes.size(), bytes);
     damaged[zyn::getTopPalsAvlFilePos(2)] = '5';
-    write("555", damaged + '5');
+    m_store->write(u"555"_s, damaged + '5');
     QCOMPARE(inspected("555"), QStringLiteral("activities of a favourite, 2 in use, not sound\n"
                                               "  the size is 11409 bytes, not 11408\n"
                                               "  slot 1: the entry names slot 3\n  slot 1: the index is -2\n"
@@ -381,6 +394,10 @@ void FavouritesTest::inspects()
                                               "  slot 1: the message has no NUL\n  slot 2: it is free but not blank\n")
                                    .arg(QString(42, u'5')));
 
+    m_store->write(u"555"_s, "");
+    QVERIFY(run("favourites list")
+                .endsWith(u"0      555     -        -                    -\n"
+                          "zynphone: the file of 555 cannot be read\nexit 1"_s));
     QByteArray details = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
     TopPalNumberDetail places[5];
     places[0].nthFileItem = 0;
@@ -391,12 +408,14 @@ void FavouritesTest::inspects()
     std::memset(places[4].phoneNumber, '5', sizeof places[4].phoneNumber);
     for (const TopPalNumberDetail& place : places)
         details += zyn::bytesOf(place);
-    write("topPalsDetails", details);
+    m_store->write(u"topPalsDetails"_s, details);
     QCOMPARE(inspected("topPalsDetails"),
              u"favourites, 4 in use, not sound\n  place 0: it is taken but has no number\n"
              "  place 1: it names place 2\n  place 2: its number is that of place 1 too\n"
              "  place 3: it is free but has a number\n  place 4: the number has no NUL\n"_s);
-    write("topPalsDetails", details.replace(4, 1, "\4").chopped(1));
+    m_store->write(u"topPalsDetails"_s, details.replace(4, 1, "\4").chopped(1));
+    for (const char* line : {"favourites list", "favourites show 555", "favourites unread 555"})
+        QVERIFY(run(line).endsWith(u"topPalsDetails is damaged or cannot be read; see 'zynphone inspect'\nexit 1"_s));
     QCOMPARE(inspected("topPalsDetails"), u"favourites, 0 in use, not sound\n  the version is 4, not 5\n"
                                           "  the size is 127 bytes, not 128\nexit 1"_s);
 }

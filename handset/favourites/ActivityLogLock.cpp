@@ -4,8 +4,6 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
-#include <QtCore/QFile>
-
 #include <chrono>
 
 using namespace std::chrono_literals;
@@ -18,7 +16,7 @@ constexpr auto kBirth = 200ms;
 QString lockPath()
 {
     zyn::makeStoreDirectory();
-    return QFile::decodeName(zyn::storeDirectoryPath()) + QLatin1Char('/') + QLatin1String(zyn::kActivityLogLockName);
+    return zyn::storePath(QLatin1String(zyn::kActivityLogLockName));
 }
 
 } // namespace

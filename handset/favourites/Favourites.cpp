@@ -1,12 +1,21 @@
 // The favourites and their activity log, under the keys by which they are looked up.
 #include "handset/favourites/Favourites.h"
 
+#include "platform/posix/File_p.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/TopPalsSlots_p.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QSaveFile>
 
+#include <algorithm>
 #include <array>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 using Store = ActivityLog_ENG_RecordStore;
 
@@ -23,6 +32,62 @@ Store& store()
 void reload()
 {
     Store::destroy();
+}
+
+/// The path of the file of @p key; null when that can name none.
+QString pathOf(const QString& key)
+{
+    return key == QLatin1String(zyn::kTopPalsDetailsName) ? QString() : store().getStoreFileName(key);
+}
+
+std::optional<QByteArray> readFile(const QString& path)
+{
+    return zyn::posix::readWhole(QFile::encodeName(path), zyn::contactFileSize(zyn::kMaxContactSlots));
+}
+
+/// Appends the entries in the first @p slots slots of @p image. What a damaged one says of itself may lead to a slot
+/// that is another's: that with another number than @p key is left out, and the place of each is where it lies.
+void appendEntries(Entries& entries, const QByteArray& image, const QString& key, int slots)
+{
+    for (int slot = 0; slot < slots; ++slot) {
+        if (!zyn::isContactRecordInUse(image, slot))
+            continue;
+        auto entry = std::make_unique<PHONE_ENG_ActivityLog>();
+        zyn::readContactRecord(*entry, image, slot);
+        entry->topPalsAvlPos = slot;
+        if (entry->getPhoneNumber() == key)
+            entries.append(entry.release());
+    }
+}
+
+/// A file of @p slots slots that holds @p entries, from the first slot on.
+QByteArray freshImage(const Entries& entries, int slots)
+{
+    QByteArray image = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
+    for (int slot = 0; slot < entries.count(); ++slot) {
+        entries.at(slot)->topPalsAvlPos = slot;
+        image += zyn::contactRecordBytes(*entries.at(slot));
+    }
+    const PHONE_ENG_ActivityLog blank;
+    return image + zyn::contactRecordBytes(blank).toByteArray().repeated(slots - entries.count());
+}
+
+/// The slot of a full file of @p key that can best be spared: one that holds no entry of @p key, or else the oldest
+/// entry's; -1 when there is none.
+int slotToSpare(const QString& key)
+{
+    Entries entries;
+    if (!readEntries(entries, key))
+        return -1;
+    std::vector<bool> isTaken(static_cast<size_t>(zyn::contactSlots()));
+    for (const PHONE_ENG_ActivityLog* entry : std::as_const(entries)) {
+        if (zyn::isContactSlot(entry->topPalsAvlPos, static_cast<int>(isTaken.size())))
+            isTaken[static_cast<size_t>(entry->topPalsAvlPos)] = true;
+    }
+    const auto other = std::ranges::find(isTaken, false);
+    if (other != isTaken.end())
+        return static_cast<int>(other - isTaken.begin());
+    return entries.isEmpty() ? -1 : entries.getLast()->topPalsAvlPos;
 }
 
 /// Why @p oldKey cannot make room for @p newKey; Done when it can.
@@ -42,19 +107,19 @@ Change obstacle(const QString& oldKey, const QString& newKey)
 /// Deletes what a favourite that is none any more has left: the library would refuse to register it again.
 void removeLeftover(const QString& key)
 {
-    const QString path = store().getStoreFileName(key);
+    const QString path = pathOf(key);
     if (store().checkTopPalsFile(path))
         QFile::remove(path);
 }
 
-/// Removes the oldest of @p entries of @p key that can be removed: what a damaged entry says of itself may be wrong.
-void removeOldest(const Entries& entries, const QString& key)
+/// Lets the library know which index comes next.
+void learnIndex(const QString& key)
 {
-    for (qsizetype i = entries.count() - 1; i >= 0; --i) {
-        entries.at(i)->setPhoneNumber(key);
-        if (store().removeTopPalsAvlItem(*entries.at(i)) == 1)
-            return;
-    }
+    Entries entries;
+    entries.setAutoDelete(true);
+    store().readTopPalsAvlContactRecordList(entries, key);
+    // It has marked the slots that the entries name; anew, it marks those that are used.
+    reload();
 }
 
 } // namespace
@@ -76,7 +141,13 @@ bool isFavourite(const QString& key)
 bool readEntries(Entries& entries, const QString& key)
 {
     entries.setAutoDelete(true);
-    return store().readTopPalsAvlContactRecordList(entries, key) == 1;
+    const int slots = zyn::contactSlots();
+    const auto image = readFile(pathOf(key));
+    if (!image || !zyn::hasValidHeader(*image) || zyn::contactRecordCount(*image) < slots)
+        return false;
+    appendEntries(entries, *image, key, slots);
+    store().sortOnTimeStamp(entries);
+    return true;
 }
 
 Change replace(const QString& oldNumber, const QString& newNumber)
@@ -114,37 +185,51 @@ QString describe(Change change, const QString& oldNumber, const QString& newNumb
     case Change::Refused:
         break;
     }
+    if (newKey.isEmpty())
+        return QStringLiteral("%1 stays a favourite: the files cannot be written").arg(oldKey);
     return QStringLiteral("%1 cannot be made a favourite: it can name no file, or the files cannot be written")
         .arg(newKey);
 }
 
 bool isSound(const QString& key)
 {
-    return store().checkTopPalsFile(store().getStoreFileName(key));
+    return store().checkTopPalsFile(pathOf(key));
 }
 
 bool renew(const QString& key)
 {
+    const int slots = zyn::contactSlots();
+    const QString path = pathOf(key);
+    const auto old = readFile(path);
+    if (slots == 0 || path.isNull() || (!old && QFile::exists(path)))
+        return false;
     Entries entries;
-    readEntries(entries, key);
-    store().revampTopPalsAvlStorage(key, key);
-    for (qsizetype i = entries.count() - 1; i >= 0; --i) {
-        entries.at(i)->setPhoneNumber(key);
-        store().addTopPalsAvlItem(*entries.at(i));
-    }
-    return isSound(key);
+    entries.setAutoDelete(true);
+    if (old && zyn::hasValidHeader(*old))
+        appendEntries(entries, *old, key, zyn::contactRecordCount(*old));
+    store().sortOnTimeStamp(entries); // and keeps the newest
+    const QByteArray image = freshImage(entries, slots);
+    QSaveFile file(path);
+    const bool isMade = file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+    reload();
+    return isMade && isSound(key);
 }
 
 bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
 {
     entry.setPhoneNumber(key);
     entry.inUse = 1;
-    // Read in any case: so the library learns which index comes next.
-    Entries entries;
-    readEntries(entries, key);
-    if (isFavourite(key) && store().getAvailableTopPalsAvlPos(key) < 0)
-        removeOldest(entries, key);
-    return store().addTopPalsAvlItem(entry) == 1;
+    if (!isFavourite(key) || (!isSound(key) && !renew(key)))
+        return false;
+    learnIndex(key);
+    if (store().addTopPalsAvlItem(entry) == 1)
+        return true;
+    if (store().getAvailableTopPalsAvlPos(key) >= 0)
+        return false;
+    // The library has refused the entry for want of a slot, but has given it its index. One write puts it over another,
+    // so that nothing is lost when that fails.
+    entry.topPalsAvlPos = slotToSpare(key);
+    return store().modifyTopPalsAvlItem(entry) == 1;
 }
 
 } // namespace zyn::favourites

@@ -23,7 +23,12 @@ QStringList keys();
 
 bool isFavourite(const QString& key);
 
-/// Appends the entries of a favourite, newest first; false when its file cannot be read whole.
+/**
+ * Appends the entries of a favourite, newest first, each with the place where it lies; one that a damaged file says to
+ * be another number's is left out.
+ *
+ * @return false when the file cannot be read whole
+ */
 bool readEntries(Entries& entries, const QString& key);
 
 /// What came of a replacement.
@@ -47,14 +52,21 @@ Change replace(const QString& oldNumber, const QString& newNumber);
 /// What @p change means for these numbers, as a sentence without a full stop.
 QString describe(Change change, const QString& oldNumber, const QString& newNumber);
 
-/// Gives a favourite whose file the library takes for missing a new one, with the entries that can be read and fit.
+/**
+ * Gives a favourite whose file the library takes for missing a new one, whole and at once, with the newest of the
+ * entries that the old one holds.
+ *
+ * @return false when it could not be written; also, as the old one must stay, when that cannot be read, or when the
+ *         settings ask for a file without slots
+ */
 bool renew(const QString& key);
 
 /// Whether a favourite's file is of the size that the settings ask for, with a valid header.
 bool isSound(const QString& key);
 
 /**
- * Adds @p entry under @p key, in place of the oldest entry when no slot is free.
+ * Adds @p entry under @p key, over the oldest entry when no slot is free; a file that the library takes for missing is
+ * renewed before.
  *
  * @return false when the key is no favourite's or the entry could not be written
  */

@@ -12,10 +12,11 @@
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Payload_p.h"
 
-#include <QtCore/QFile>
+#include <QtCore/QDateTime>
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -30,11 +31,15 @@ constexpr auto kSoon = 100ms;
 /// By then a call whose end was reported is in the log, also where the service had to be tried several times.
 constexpr auto kLater = 1500ms;
 
+/// Between the looks while the service does not answer; each is twice as long as the one before.
+constexpr auto kFirstRetry = 5s;
+constexpr auto kSlowestRetry = 60s;
+
 constexpr qsizetype kNumberLimit = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
 
 QString seenCallsPath()
 {
-    return QFile::decodeName(zyn::storeDirectoryPath()) + QLatin1Char('/') + QLatin1String(zyn::kSeenCallsName);
+    return zyn::storePath(QLatin1String(zyn::kSeenCallsName));
 }
 
 /// Whether a call could have @p number, or whether it is empty.
@@ -66,30 +71,31 @@ void followReading(PHONE_ENG_ActivityLog& entry, const PHONE_ENG_RecentCall& cal
         log(QStringLiteral("the call %1 of %2 has been read").arg(call.uid).arg(entry.getPhoneNumber()));
 }
 
-/// Whether the file of @p key is full of later activities than @p call.
-bool isTooOld(const Entries& entries, const QString& key, const PHONE_ENG_RecentCall& call)
+/// Whether @p entries fill a file, all of them later than @p call.
+bool isTooOld(const Entries& entries, const PHONE_ENG_RecentCall& call)
 {
     return !entries.isEmpty() && call.startTime < entries.getLast()->startTime
-           && ActivityLog_ENG_RecordStore::instance()->getAvailableTopPalsAvlPos(key) < 0;
+           && entries.count() >= zyn::contactSlots();
 }
 
 } // namespace
 
 FavouritesOwner::FavouritesOwner()
     : m_announcements(zyn::kActivityLogChannel)
+    , m_retryDelay(kFirstRetry)
     , m_seen(seenCallsPath())
 {
     m_soon.setSingleShot(true);
     m_soon.setInterval(kSoon);
     m_later.setSingleShot(true);
     m_later.setInterval(kLater);
-    connect(&m_soon, &QTimer::timeout, this, &FavouritesOwner::takeCalls);
-    connect(&m_later, &QTimer::timeout, this, &FavouritesOwner::takeCalls);
+    m_retry.setSingleShot(true);
+    for (const QTimer* timer : {&m_soon, &m_later, &m_retry})
+        connect(timer, &QTimer::timeout, this, &FavouritesOwner::takeCalls);
     connect(&m_announcements, &QCopChannel::received, this, &FavouritesOwner::receive);
     connect(&m_phone, &PHONE_MsgClient::signalVoiceCallStatChanged, this, &FavouritesOwner::look);
     connect(RecentCall_MsgClient::instance(), &RecentCall_MsgClient::signalMissedCallUpdate, this,
-            &FavouritesOwner::look);
-    // Before the first announcement: the calls that came before a favourite are not taken.
+            &FavouritesOwner::lookInAnyCase);
     QTimer::singleShot(0, this, &FavouritesOwner::takeCalls);
     m_later.start();
 }
@@ -121,7 +127,13 @@ void FavouritesOwner::receive(const QCString& message, const QByteArray& data)
 
 void FavouritesOwner::replace(const QString& oldNumber, const QString& newNumber)
 {
+    const QString newKey = zyn::favouriteKey(newNumber);
+    const bool isComing = !newKey.isEmpty() && !zyn::favourites::isFavourite(newKey);
+    if (isComing && m_isServed)
+        takeCalls();
     const Change change = zyn::favourites::replace(oldNumber, newNumber);
+    if (isComing && !m_isServed)
+        m_blindStarts.insert(newKey, QDateTime::currentSecsSinceEpoch());
     log(zyn::favourites::describe(change, oldNumber, newNumber));
     // What was announced holds as far as it can: the one number leaves though the other is there, and comes though the
     // other was not.
@@ -133,6 +145,12 @@ void FavouritesOwner::replace(const QString& oldNumber, const QString& newNumber
 
 void FavouritesOwner::look()
 {
+    if (m_isServed)
+        lookInAnyCase();
+}
+
+void FavouritesOwner::lookInAnyCase()
+{
     if (!m_soon.isActive())
         m_soon.start();
     m_later.start();
@@ -141,29 +159,50 @@ void FavouritesOwner::look()
 void FavouritesOwner::takeCalls()
 {
     const auto calls = zyn::handset::fetchCalls(RC_CALL_CATEGORY_ALL);
-    if (calls.has_value() != m_isServed)
-        log(calls ? QStringLiteral("the recent-call service answers again")
-                  : QStringLiteral("the recent-call service does not answer: its calls are taken later"));
-    m_isServed = calls.has_value();
+    noteService(calls.has_value());
     if (!calls)
         return;
+    Calls seen = *calls;
     for (const QString& key : zyn::favourites::keys()) {
-        if (!key.isEmpty())
-            takeCallsOf(key, *calls);
+        if (key.isEmpty())
+            continue;
+        for (const PHONE_ENG_RecentCall& lost : takeCallsOf(key, *calls))
+            std::erase(seen, lost);
     }
-    if (!m_seen.replaceBy(*calls))
+    m_blindStarts.clear();
+    if (!m_seen.replaceBy(seen))
         log(QStringLiteral("cannot write %1").arg(seenCallsPath()));
 }
 
-void FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
+void FavouritesOwner::noteService(bool isServed)
 {
+    if (isServed != m_isServed)
+        log(isServed ? QStringLiteral("the recent-call service answers again")
+                     : QStringLiteral("the recent-call service does not answer: its calls are taken later"));
+    m_isServed = isServed;
+    if (isServed) {
+        m_retry.stop();
+        m_retryDelay = kFirstRetry;
+        return;
+    }
+    m_soon.stop();
+    m_later.stop();
+    m_retry.start(m_retryDelay);
+    m_retryDelay = std::min<std::chrono::milliseconds>(2 * m_retryDelay, kSlowestRetry);
+}
+
+/// Those that are to be tried again.
+FavouritesOwner::Calls FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
+{
+    if (zyn::contactSlots() == 0)
+        return {};
     if (!zyn::favourites::isSound(key))
         log((zyn::favourites::renew(key) ? QStringLiteral("the file of %1 is made anew")
                                          : QStringLiteral("the file of %1 cannot be made"))
                 .arg(zyn::handset::printable(key)));
     Entries entries;
-    if (!zyn::favourites::readEntries(entries, key))
-        return;
+    zyn::favourites::readEntries(entries, key); // none from a file that cannot be read, nor can a call be added to it
+    const qint64 start = m_blindStarts.value(key, std::numeric_limits<qint64>::min());
     Calls fresh;
     for (const PHONE_ENG_RecentCall& call : calls) {
         if (zyn::favouriteKey(call.getPhoneNumber()) != key)
@@ -171,22 +210,27 @@ void FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
         // An entry may be there though the call counts as new: then this process ended between the two.
         if (PHONE_ENG_ActivityLog* entry = entryOf(entries, call))
             followReading(*entry, call);
-        else if (!m_seen.contains(call) && !isTooOld(entries, key, call))
+        else if (!m_seen.contains(call) && call.startTime >= start && !isTooOld(entries, call))
             fresh.push_back(call);
     }
     // Each takes the place of an older one where the file is full.
     std::ranges::sort(fresh, [](const PHONE_ENG_RecentCall& left, const PHONE_ENG_RecentCall& right) {
         return std::pair(left.startTime, left.uid) < std::pair(right.startTime, right.uid);
     });
-    for (const PHONE_ENG_RecentCall& call : fresh)
-        takeCall(key, call);
+    Calls lost;
+    for (const PHONE_ENG_RecentCall& call : fresh) {
+        if (!takeCall(key, call))
+            lost.push_back(call);
+    }
+    return lost;
 }
 
-void FavouritesOwner::takeCall(const QString& key, const PHONE_ENG_RecentCall& call)
+bool FavouritesOwner::takeCall(const QString& key, const PHONE_ENG_RecentCall& call)
 {
     PHONE_ENG_ActivityLog entry(call);
     const bool isTaken = zyn::favourites::addEntry(entry, key);
     log(QStringLiteral("the call %1 of %2 is %3")
             .arg(call.uid)
-            .arg(key, isTaken ? QLatin1String("logged") : QLatin1String("lost: it cannot be written")));
+            .arg(key, isTaken ? QLatin1String("logged") : QLatin1String("tried again later: it cannot be written")));
+    return isTaken;
 }

@@ -5,9 +5,11 @@
 #include "platform/QCopChannel.h"
 #include "utility/PHONE_MsgClient.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
+#include <chrono>
 #include <vector>
 
 /**
@@ -15,7 +17,13 @@
  *
  * The call log is looked through at the start, after every voice-call change that the phone server reports
  * and after every change of the missed calls, and once more a little later: a finished call may be reported before it
- * is in the log. What cannot be had from the recent-call service is taken at the next look.
+ * is in the log. While the recent-call service does not answer, each look would hold up the announcements: then there
+ * are few, until one succeeds or the service announces something.
+ *
+ * The calls that came before a favourite are not taken. So the call log is looked through before one is registered;
+ * where that fails, the next look that succeeds goes by the times at which the calls began.
+ *
+ * A call that cannot be written is tried again at each look.
  *
  * Everything that happens is told in the log. The process must have the activity log's lock.
  */
@@ -37,14 +45,19 @@ private:
     void replace(const QString& oldNumber, const QString& newNumber);
 
     void look();
+    void lookInAnyCase();
     void takeCalls();
-    void takeCallsOf(const QString& key, const Calls& calls);
-    void takeCall(const QString& key, const PHONE_ENG_RecentCall& call);
+    Calls takeCallsOf(const QString& key, const Calls& calls);
+    bool takeCall(const QString& key, const PHONE_ENG_RecentCall& call);
+    void noteService(bool isServed);
 
     QCopChannel m_announcements;
     PHONE_MsgClient m_phone;
     QTimer m_soon;
     QTimer m_later;
+    QTimer m_retry;
+    std::chrono::milliseconds m_retryDelay;
     SeenCalls m_seen;
-    bool m_isServed = true; ///< whether the recent-call service answered the last time
+    bool m_isServed = true;               ///< whether the recent-call service answered the last time
+    QHash<QString, qint64> m_blindStarts; ///< when the favourites came that came since it does not answer
 };

@@ -3,10 +3,12 @@
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
+#include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <QtCore/QByteArrayView>
 
+#include <algorithm>
 #include <cstring>
 
 namespace zyn {
@@ -46,6 +48,13 @@ static_assert(topPalsDetailsOffset(0) == 8 && topPalsDetailsOffset(3) == 80 && k
  */
 inline constexpr int kMaxContactSlots = 32'767;
 
+/// How many slots a contact's file has, as the settings say at present, 0 to kMaxContactSlots.
+inline int contactSlots()
+{
+    constexpr unsigned int kLimit = kMaxContactSlots;
+    return static_cast<int>(std::min(RecentCall_Setup::instance()->getMaxTopPalsAvlItems(), kLimit));
+}
+
 constexpr qint64 getTopPalsAvlFilePos(int slot)
 {
     return qint64{sizeof(StoreFileHeader)} + qint64{slot} * qint64{sizeof(PHONE_ENG_ActivityLog)};
@@ -74,6 +83,12 @@ inline bool isContactRecordInUse(QByteArrayView image, int slot)
 inline void readContactRecord(PHONE_ENG_ActivityLog& record, QByteArrayView image, int slot)
 {
     std::memcpy(static_cast<void*>(&record), image.data() + getTopPalsAvlFilePos(slot), sizeof record);
+}
+
+/// The bytes of @p record, for as long as it lives.
+inline QByteArrayView contactRecordBytes(const PHONE_ENG_ActivityLog& record)
+{
+    return QByteArrayView(reinterpret_cast<const char*>(&record), qsizetype{sizeof record});
 }
 
 } // namespace zyn

@@ -1,6 +1,8 @@
 // The directory of the record files and of the activity log.
 #include "recentcall/utility/StoreDirectory_p.h"
 
+#include <QtCore/QFile>
+
 #include <sys/stat.h>
 
 namespace zyn {
@@ -9,6 +11,11 @@ QByteArray storeDirectoryPath()
 {
     const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
     return (dataDirectory.isEmpty() ? QByteArrayLiteral("/tmp") : dataDirectory) + "/phone";
+}
+
+QString storePath(const QString& name)
+{
+    return QFile::decodeName(storeDirectoryPath()) + u'/' + name;
 }
 
 void makeStoreDirectory()

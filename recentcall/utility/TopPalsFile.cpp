@@ -2,7 +2,6 @@
 #include "recentcall/utility/TopPalsFile_p.h"
 
 #include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
@@ -82,19 +81,13 @@ QByteArray freshFile(QByteArrayView item, int count)
 
 namespace zyn {
 
-int contactSlots()
-{
-    constexpr unsigned int kLimit = kMaxContactSlots;
-    return static_cast<int>(std::min(RecentCall_Setup::instance()->getMaxTopPalsAvlItems(), kLimit));
-}
-
 QString topPalsPath(const QString& name)
 {
     if (name.isEmpty())
         std::printf("TP5_AVL:RC Store: getStoreFileName(): cr_phoneNumber.isEmpty() == TRUE\n");
     if (name.isEmpty() || isForeign(name))
         return {};
-    return QFile::decodeName(storeDirectoryPath()) + u'/' + name;
+    return storePath(name);
 }
 
 QString contactPath(const QString& number)
@@ -121,8 +114,7 @@ bool createTopPalsDetailsFile(const QString& fileName)
 bool createActivityLogTopPalsFile(const QString& fileName, int slots)
 {
     const PHONE_ENG_ActivityLog blank;
-    const QByteArrayView bytes(reinterpret_cast<const char*>(&blank), qsizetype{sizeof blank});
-    return create(kContact, fileName, freshFile(bytes, slots));
+    return create(kContact, fileName, freshFile(contactRecordBytes(blank), slots));
 }
 
 bool removeTopPalsAvlFile(const QString& number, int slots)

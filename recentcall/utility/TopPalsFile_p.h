@@ -7,9 +7,6 @@ namespace zyn {
 
 // All but the paths write what they do to standard output.
 
-/// How many slots a contact's file has, as the settings say at present, 0 to kMaxContactSlots.
-int contactSlots();
-
 /// The path of a file of the activity log, null for a name that is empty (and a line on standard output) or that a file
 /// of another kind has or may get.
 QString topPalsPath(const QString& name);

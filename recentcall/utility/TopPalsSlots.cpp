@@ -16,7 +16,7 @@ bool TopPalsSlots::setTopPalsAvlFlag(int favourite, int pos, int slots)
     if (favourite >= 0) {
         const int index = getTp5AvlRecordPos(favourite, pos, slots);
         std::printf("TP5_AVL:RC Store: getTp5AvlRecordPos returns value = %d\n", index);
-        isSet = isContactSlot(pos, slots);
+        isSet = isTopPalsAvlLawyalPos(index, slots) && isContactSlot(pos, slots);
         if (isSet)
             mark(favourite, pos, true);
         else

@@ -39,6 +39,12 @@ private:
 /// The number by which the lines on standard output name a slot, held to what an int holds; writes such a line.
 int getTp5AvlRecordPos(int favourite, int pos, int slots);
 
+/// Whether such a number is that of a slot of one of the favourites' files.
+constexpr bool isTopPalsAvlLawyalPos(int index, int slots)
+{
+    return index >= 0 && index < ActivityLog_ENG_RecordStore::kFavourites * slots;
+}
+
 /// Whether a file of @p slots slots has a slot @p pos.
 constexpr bool isContactSlot(int pos, int slots)
 {

@@ -2,7 +2,6 @@
 #include "tools/zynphone/ContactFileCheck.h"
 
 #include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecentCall_Setup.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/StoreFileProblems.h"
@@ -28,9 +27,7 @@ QByteArrayView imageOf(const Entry& entry)
 
 QStringList contactSizeProblems(const QByteArray& image)
 {
-    const unsigned int limit = zyn::kMaxContactSlots;
-    const unsigned int slots = std::min(RecentCall_Setup::instance()->getMaxTopPalsAvlItems(), limit);
-    return sizeProblems(image, zyn::contactFileSize(static_cast<int>(slots)));
+    return sizeProblems(image, zyn::contactFileSize(zyn::contactSlots()));
 }
 
 /// What is wrong with @p entry, in @p slot of the file @p name, seen alone.

@@ -1,13 +1,18 @@
 // zynphone favourites: the favourites and their activity log.
 #include "tools/zynphone/FavouritesCommand.h"
 
+#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "recentcall/utility/StoreDirectory_p.h"
 #include "tools/zynphone/ActivityText.h"
+#include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/FavouritesEdit.h"
 #include "tools/zynphone/SendCommand.h"
 #include "utility/PHONE_ChannelMessages_p.h"
+
+#include <QtCore/QFileInfo>
 
 #include <array>
 #include <functional>
@@ -25,18 +30,17 @@ struct Favourite
 {
     int place;
     QString number;
-    int entries;
-    TopPals_Missed_Details unread;
+    QJsonValue entries = {}; ///< with the next two: how many; null where the file cannot be read
+    QJsonValue unreadCalls = {};
+    QJsonValue unreadMessages = {};
 };
 
 constexpr Column<Favourite> kFavouriteColumns[] = {
     {"place", "PLACE", [](const Favourite& favourite) { return QJsonValue(favourite.place); }},
     {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
-    {"entries", "ENTRIES", [](const Favourite& favourite) { return QJsonValue(favourite.entries); }},
-    {"unreadMissedCalls", "UNREAD MISSED CALLS",
-     [](const Favourite& favourite) { return QJsonValue(favourite.unread.missedCallCount); }},
-    {"unreadMessages", "UNREAD MESSAGES",
-     [](const Favourite& favourite) { return QJsonValue(favourite.unread.unreadMsgCount); }},
+    {"entries", "ENTRIES", [](const Favourite& favourite) { return favourite.entries; }},
+    {"unreadMissedCalls", "UNREAD MISSED CALLS", [](const Favourite& favourite) { return favourite.unreadCalls; }},
+    {"unreadMessages", "UNREAD MESSAGES", [](const Favourite& favourite) { return favourite.unreadMessages; }},
 };
 
 constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
@@ -47,27 +51,54 @@ constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
      [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.unreadMsgCount); }},
 };
 
+/// Whether there are any favourites. The library would make the file that names them, and anew when it is damaged: a
+/// verb that only reads asks this first, and fails in the latter case.
+bool haveFavourites()
+{
+    const QString path = zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName));
+    if (!QFileInfo::exists(path))
+        return false;
+    if (!zyn::isStoreFile(QFile::encodeName(path), zyn::kTopPalsDetailsSize))
+        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(path));
+    return true;
+}
+
+void count(Favourite& favourite)
+{
+    favourites::Entries entries;
+    TopPals_Missed_Details unread{favourite.number};
+    if (!favourites::readEntries(entries, favourite.number)
+        || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
+        return;
+    favourite.entries = static_cast<int>(entries.count());
+    favourite.unreadCalls = unread.missedCallCount;
+    favourite.unreadMessages = unread.unreadMsgCount;
+}
+
 ExitCode listFavourites(const Invocation& call, Console& console)
 {
     std::vector<Favourite> found;
-    const QStringList keys = favourites::keys();
+    QStringList unreadable;
+    const QStringList keys = haveFavourites() ? favourites::keys() : QStringList();
     for (int place = 0; place < keys.size(); ++place) {
         if (keys[place].isEmpty())
             continue;
-        Favourite favourite{place, keys[place], 0, {keys[place]}};
-        favourites::Entries entries;
-        favourites::readEntries(entries, favourite.number);
-        favourite.entries = static_cast<int>(entries.count());
-        RC_TopPals_AL_Interface::instance()->getUnreadCount(favourite.unread);
-        found.push_back(std::move(favourite));
+        Favourite& favourite = found.emplace_back(Favourite{place, keys[place]});
+        count(favourite);
+        if (favourite.entries.isNull())
+            unreadable += favourite.number;
     }
     printTable(console, Table(kFavouriteColumns, found), call.isSet(u"json"_s));
+    if (!unreadable.isEmpty())
+        throw failure(u"the file of %1 cannot be read"_s.arg(unreadable.join(u", "_s)));
     return Done;
 }
 
 ExitCode showEntries(const Invocation& call, Console& console)
 {
     favourites::Entries entries;
+    if (!haveFavourites())
+        throw noFavourite(callNumber(call.argument(0)));
     readInto(entries, favouriteFrom(call));
     std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
     for (const Entry* entry : entries)
@@ -79,7 +110,7 @@ ExitCode showEntries(const Invocation& call, Console& console)
 ExitCode countUnread(const Invocation& call, Console& console)
 {
     TopPals_Missed_Details unread{call.argument(0)};
-    if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
+    if (!haveFavourites() || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         throw failure(u"no favourite's file for %1 can be read"_s.arg(unread.number));
     printSheet(console, Table(kUnreadColumns, std::array{unread}), call.isSet(u"json"_s));
     return Done;
@@ -100,7 +131,10 @@ Command listRow()
 {
     return {.name = u"list"_s,
             .summary = u"List the favourites with their entries, and what of these is unread"_s,
-            .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kFavouriteColumns)),
+            .details =
+                u"\nThe objects of --json have the fields %1;\n"
+                "the last three are null, and '-' in the table, where the file of a favourite cannot be read.\n"_s.arg(
+                    fieldNames(kFavouriteColumns)),
             .options = {jsonOption()},
             .run = listFavourites};
 }
@@ -149,8 +183,10 @@ Command favouritesCommand()
         .name = u"favourites"_s,
         .summary = u"The favourites and their activity log"_s,
         .details =
-            u"\nA favourite is registered, logged and counted under the last %1 characters of its number.\n"
-            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"_s.arg(
+            u"\nA favourite is registered, logged and counted under the last %1 characters of its number: two numbers\n"
+            "that end in the same %1 are one favourite, with one log.\n"
+            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"
+            "They begin a new topPalsDetails where that is damaged; list, show and unread change nothing.\n"_s.arg(
                 kFavouriteKeyLength),
         .verbs = {listRow(), replaceFavouriteCommand(), logFavouriteCommand(), showRow(), unreadRow(),
                   removeFavouriteCommand(), announceRow()}};

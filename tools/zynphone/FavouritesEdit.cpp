@@ -125,8 +125,13 @@ QString favouriteFrom(const Invocation& call)
 {
     QString key = zyn::favouriteKey(callNumber(call.argument(0)));
     if (!favourites::isFavourite(key))
-        throw failure(favourites::describe(Change::NoFavourite, key, QString()));
+        throw noFavourite(key);
     return key;
+}
+
+CommandError noFavourite(const QString& number)
+{
+    return failure(favourites::describe(Change::NoFavourite, number, QString()));
 }
 
 void readInto(favourites::Entries& entries, const QString& key)

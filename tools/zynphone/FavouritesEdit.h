@@ -9,6 +9,8 @@ namespace zyn::tool {
 Argument favouriteArgument();
 /// The key of the favourite that the first argument names; a failure when it is none.
 QString favouriteFrom(const Invocation& call);
+/// The failure of a verb for a number that is no favourite's.
+CommandError noFavourite(const QString& number);
 /// Appends the entries of a favourite, newest first; a failure when they cannot be read.
 void readInto(favourites::Entries& entries, const QString& key);
 

@@ -96,7 +96,8 @@ Command inspectCommand()
                 u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
                 "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
                 "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
-                "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"_s,
+                "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"
+                "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"_s,
             .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
                                       "named by its number; or a copy of one"_s}},
             .options = {jsonOption()},

@@ -20,6 +20,8 @@ QString Table::sheet() const
 
 QString Table::plainText(const QJsonValue& value)
 {
+    if (value.isNull())
+        return QStringLiteral("-");
     if (value.isBool())
         return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
     return value.isDouble() ? QString::number(value.toInteger()) : printable(value.toString());
