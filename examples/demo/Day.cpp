@@ -81,8 +81,10 @@ private:
         const auto match = arrow.match(columns.value(2));
         if (columns.size() != 4 || !match.hasMatch())
             throw DayError{u"it is 'cast  NAME  -> OTHER  COMMAND', or '<-'"_s};
-        day.cast +=
-            {columns[1], match.captured(2), match.captured(1) == "->"_L1, columns[0] == "witness"_L1, columns[3]};
+        const bool isSpeaker = match.captured(1) == "->"_L1;
+        const QString other = match.captured(2);
+        day.cast += {columns[1], isSpeaker ? columns[1] : other, isSpeaker ? other : columns[1],
+                     columns[0] == "witness"_L1, columns[3]};
     }
     void takeStep(QString line, int number)
     {

@@ -10,8 +10,8 @@
 struct Member
 {
     QString name;
-    QString other;          ///< whom its lines come from, or go to
-    bool isSpeaker = false; ///< whether they go to the other
+    QString from; ///< whom its lines come from, and to whom they go: it is one of them
+    QString to;
     bool isWitness = false; ///< whether all that it shows must be called for
     QString command;
 };

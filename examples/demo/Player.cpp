@@ -3,7 +3,6 @@
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
-#include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTimer>
 
@@ -41,7 +40,7 @@ qsizetype longestName(const Day& day)
 {
     qsizetype length = 0;
     for (const Member& member : day.cast)
-        length = std::max({length, member.name.size(), member.other.size()});
+        length = std::max({length, member.from.size(), member.to.size()});
     for (const Step& step : day.steps)
         length = std::max({length, step.who.size(), step.whom.size()});
     return length;
@@ -124,19 +123,32 @@ void Player::ask(const Step& step, const QString& what)
     connect(&command, &Program::changed, this, &Player::changed);
     command.start(what);
     waitUntil([&] { return !command.isRunning(); }, m_pace.limit);
+    if (m_isInterrupted)
+        return;
     const QStringList lines = command.lines().isEmpty() ? QStringList{kNothing} : command.lines();
-    QStringList called;
+    qsizetype next = 0;
+    const auto leaveTo = [&](qsizetype end) {
+        for (; next < end; ++next)
+            m_view.check(false, step.whom, step.who, u"nobody called for: "_s + lines[next]);
+    };
+    bool isCompared = false;
     for (const Expectation& expectation : step.expected) {
-        if (step.isAnswer(expectation))
-            called += filled(expectation.line);
-    }
-    for (qsizetype i = 0; i < std::max(lines.size(), called.size()) && !called.isEmpty(); ++i) {
-        const bool holds = i < lines.size() && i < called.size() && isMatch(lines[i], called[i]);
+        if (!step.isAnswer(expectation))
+            continue;
+        isCompared = true;
         pause(kBeforeLine);
-        m_view.check(holds, step.whom, step.who, lines.value(i));
-        if (!holds)
-            m_view.explain(u"called for: "_s + called.value(i, kNothing));
+        const auto line = std::find_if(lines.begin() + next, lines.end(), [&](const QString& candidate) {
+            return isMatch(candidate, filled(expectation.line));
+        });
+        if (line == lines.end()) {
+            m_view.check(false, step.whom, step.who, u"missing: "_s + expectation.line);
+        } else {
+            leaveTo(line - lines.begin());
+            m_view.check(true, step.whom, step.who, lines[next++]);
+        }
     }
+    if (isCompared)
+        leaveTo(lines.size());
     const bool hasSucceeded = !command.isRunning() && command.exitCode() == 0;
     if (hasSucceeded != (step.verb == Verb::Asks))
         m_view.check(false, step.whom, step.who,
@@ -149,6 +161,8 @@ void Player::end(const Step& step)
     Program& program = m_actors[step.whom].program;
     program.end(step.verb == Verb::Kills ? SIGKILL : SIGTERM);
     waitUntil([&] { return !program.isRunning(); }, m_pace.limit);
+    if (m_isInterrupted)
+        return;
     const bool holds = !program.isRunning() && (step.verb == Verb::Kills || program.exitCode() == 0);
     m_view.check(holds, step.whom, step.who, holds ? u"has ended"_s : u"does not end well"_s);
 }
@@ -162,28 +176,24 @@ void Player::expect(const Expectation& expectation)
     QString seen = line;
     int count = 0;
     for (; count < expectation.times; ++count) {
+        actor.called += line;
         qsizetype found = -1;
         const auto isFound = [&] { return (found = find(actor, line)) >= 0; };
         waitUntil([&] { return isFound() || !actor.program.isRunning(); }, actor.isLate ? kLateLimit : m_pace.limit);
         if (!isFound())
             break;
         actor.taken += found;
-        actor.called += line;
         seen = actor.program.lines().at(found);
     }
     if (m_isInterrupted)
         return;
     pause(kBeforeLine);
     const bool holds = count == expectation.times;
-    const QString text = timesText(expectation.times) + seen;
-    if (member.isSpeaker)
-        m_view.check(holds, member.name, member.other, text);
-    else
-        m_view.check(holds, member.other, member.name, text);
+    m_view.check(holds, member.from, member.to, timesText(expectation.times) + seen);
     if (holds)
         return;
     m_view.explain(
-        u"called for in line %1, seen %2 times; what was seen last:"_s.arg(expectation.lineNumber).arg(count));
+        u"line %1 of the script calls for it; seen %2 times. What came last:"_s.arg(expectation.lineNumber).arg(count));
     explainLast(actor);
     actor.isLate = true;
 }
@@ -229,7 +239,7 @@ void Player::account()
         const QStringList& lines = actor.program.lines();
         const auto [line, called] = std::ranges::mismatch(lines, actor.called, isMatch);
         const bool holds = line == lines.end() && called == actor.called.end();
-        m_view.check(holds, member.other, member.name,
+        m_view.check(holds, member.from, member.to,
                      u"%1 lines seen, %2 called for"_s.arg(lines.size()).arg(actor.called.size()));
         if (!holds)
             m_view.explain(u"line %1 is the first that differs: %2"_s.arg(line - lines.begin() + 1)

@@ -44,7 +44,8 @@ View::View(qsizetype longestName)
 
 void View::chapter(const QString& title)
 {
-    write(kBold, u"\n"_s + title);
+    write(kPlain, QString());
+    write(kBold, title);
 }
 
 void View::act(const QString& from, const QString& to, const QString& what)
@@ -67,7 +68,8 @@ void View::explain(const QString& text)
 bool View::conclude()
 {
     const bool holds = m_held == m_checks;
-    write(holds ? kBold : kRed, u"\n%1 of %2 checks held."_s.arg(m_held).arg(m_checks));
+    write(kPlain, QString());
+    write(holds ? kBold : kRed, u"%1 of %2 checks held."_s.arg(m_held).arg(m_checks));
     return holds;
 }
 
