@@ -29,21 +29,14 @@ struct DayError
     QString text;
 };
 
-/// The columns of a line, which two blanks or more part; the last of @p count takes the rest.
+/// The first columns of a line, which two blanks or more part, and in the last of @p count the rest.
 QStringList columnsOf(const QString& line, qsizetype count)
 {
     static const QRegularExpression gap(u"  +"_s);
-    QStringList columns;
-    QString rest = line.trimmed();
-    while (columns.size() + 1 < count) {
-        const auto match = gap.match(rest);
-        if (!match.hasMatch())
-            break;
-        columns += rest.left(match.capturedStart());
-        rest = rest.mid(match.capturedEnd());
-    }
-    columns += rest;
-    return columns;
+    QStringList columns = line.trimmed().split(gap);
+    const QString rest = columns.mid(count - 1).join(u"  "_s);
+    columns = columns.mid(0, count - 1);
+    return rest.isEmpty() ? columns : columns + QStringList{rest};
 }
 
 /// How often, as "N x" in front of the first column of @p line tells, which is taken away.

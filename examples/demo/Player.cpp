@@ -22,9 +22,6 @@ constexpr auto kBetweenKeys = 250ms;
 constexpr auto kLateLimit = 500ms;
 constexpr int kWokenUp = 1;
 
-/// What stands for the output of a command that prints nothing.
-const QString kNothing = u"(nothing)"_s;
-
 bool isMatch(const QString& line, const QString& pattern)
 {
     const QString escaped = QRegularExpression::escape(pattern).replace(u"\\*"_s, u".*"_s);
@@ -66,29 +63,31 @@ bool Player::play()
         pause(kBeforeStep);
         m_view.act(step.who, step.whom, timesText(step.times) + (step.verbText + u"  "_s + step.what).trimmed());
         for (int number = 1; number <= step.times; ++number)
-            play(step, number);
+            play(step, filled(step.what, number));
         for (const Expectation& expectation : step.expected) {
             if (!step.isAnswer(expectation))
-                expect(expectation);
+                expect(expectation, *m_day.member(expectation.who), m_actors[expectation.who]);
         }
-        tellFailures();
         if (m_isInterrupted)
             return false;
     }
-    account();
+    m_view.chapter(u"What the witnesses have seen, line by line"_s);
+    for (const Member& member : m_day.cast) {
+        if (member.isWitness)
+            compare(member, m_actors[member.name]);
+    }
     return m_view.conclude();
 }
 
-void Player::play(const Step& step, int number)
+void Player::play(const Step& step, const QString& what)
 {
-    const QString what = filled(step.what, number);
     switch (step.verb) {
     case Verb::Starts:
-        start(*m_day.member(step.whom));
+        start(step);
         break;
     case Verb::Tells:
     case Verb::Types:
-        write(what, step);
+        write(step, what);
         break;
     case Verb::Asks:
     case Verb::CannotAsk:
@@ -101,13 +100,14 @@ void Player::play(const Step& step, int number)
     }
 }
 
-void Player::start(const Member& member)
+void Player::start(const Step& step)
 {
-    m_actors[member.name].program.start(filled(member.command));
-    expect({.who = member.name, .line = u"listening on *"_s});
+    const Member& member = *m_day.member(step.whom);
+    m_actors[step.whom].program.start(filled(member.command));
+    expect({step.lineNumber, 1, member.name, u"listening on *"_s}, member, m_actors[step.whom]);
 }
 
-void Player::write(const QString& what, const Step& step)
+void Player::write(const Step& step, const QString& what)
 {
     for (const QChar key : what.split(u" ; "_s).join(u'\n') + u'\n') {
         if (step.verb == Verb::Types)
@@ -119,59 +119,38 @@ void Player::write(const QString& what, const Step& step)
 /// Runs a command to its end, and compares all that it prints with what was called for, if anything was.
 void Player::ask(const Step& step, const QString& what)
 {
-    Program command;
-    connect(&command, &Program::changed, this, &Player::changed);
-    command.start(what);
-    waitUntil([&] { return !command.isRunning(); }, m_pace.limit);
-    if (m_isInterrupted)
-        return;
-    const QStringList lines = command.lines().isEmpty() ? QStringList{kNothing} : command.lines();
-    qsizetype next = 0;
-    const auto leaveTo = [&](qsizetype end) {
-        for (; next < end; ++next)
-            m_view.check(false, step.whom, step.who, u"nobody called for: "_s + lines[next]);
-    };
-    bool isCompared = false;
+    const Member member{step.what, step.whom, step.who, false, what};
+    Actor command;
+    connect(&command.program, &Program::changed, this, &Player::changed);
+    command.program.start(what);
+    waitUntil([&] { return !command.program.isRunning(); }, m_pace.limit);
     for (const Expectation& expectation : step.expected) {
-        if (!step.isAnswer(expectation))
-            continue;
-        isCompared = true;
-        pause(kBeforeLine);
-        const auto line = std::find_if(lines.begin() + next, lines.end(), [&](const QString& candidate) {
-            return isMatch(candidate, filled(expectation.line));
-        });
-        if (line == lines.end()) {
-            m_view.check(false, step.whom, step.who, u"missing: "_s + expectation.line);
-        } else {
-            leaveTo(line - lines.begin());
-            m_view.check(true, step.whom, step.who, lines[next++]);
-        }
+        if (step.isAnswer(expectation))
+            expect(expectation, member, command);
     }
-    if (isCompared)
-        leaveTo(lines.size());
-    const bool hasSucceeded = !command.isRunning() && command.exitCode() == 0;
-    if (hasSucceeded != (step.verb == Verb::Asks))
-        m_view.check(false, step.whom, step.who,
-                     u"exit code %1: %2"_s.arg(command.exitCode()).arg(lines.join(u" / "_s)));
+    const bool hasSucceeded = !command.program.isRunning() && command.program.exitCode() == 0;
+    if (hasSucceeded != (step.verb == Verb::Asks) && !m_isInterrupted)
+        m_view.check(false, member.from, member.to, u"exit code %1"_s.arg(command.program.exitCode()));
+    if (!command.called.isEmpty() && command.called.size() != command.program.lines().size())
+        compare(member, command);
 }
 
 /// Ends a program, and waits for that.
 void Player::end(const Step& step)
 {
     Program& program = m_actors[step.whom].program;
-    program.end(step.verb == Verb::Kills ? SIGKILL : SIGTERM);
+    const bool wasRunning = program.isRunning();
+    program.tell(step.verb == Verb::Kills ? SIGKILL : SIGTERM);
     waitUntil([&] { return !program.isRunning(); }, m_pace.limit);
     if (m_isInterrupted)
         return;
-    const bool holds = !program.isRunning() && (step.verb == Verb::Kills || program.exitCode() == 0);
-    m_view.check(holds, step.whom, step.who, holds ? u"has ended"_s : u"does not end well"_s);
+    const bool holds = wasRunning && !program.isRunning() && (step.verb == Verb::Kills || program.exitCode() == 0);
+    m_view.check(holds, step.whom, step.who, holds ? u"has ended"_s : u"has not ended well, or too early"_s);
 }
 
-/// Waits for a line, or several like it.
-void Player::expect(const Expectation& expectation)
+/// Waits for a line of @p actor, or several like it.
+void Player::expect(const Expectation& expectation, const Member& member, Actor& actor)
 {
-    const Member& member = *m_day.member(expectation.who);
-    Actor& actor = m_actors[member.name];
     const QString line = filled(expectation.line);
     QString seen = line;
     int count = 0;
@@ -188,18 +167,21 @@ void Player::expect(const Expectation& expectation)
     if (m_isInterrupted)
         return;
     pause(kBeforeLine);
-    const bool holds = count == expectation.times;
-    m_view.check(holds, member.from, member.to, timesText(expectation.times) + seen);
-    if (holds)
+    m_view.check(count == expectation.times, member.from, member.to, timesText(expectation.times) + seen);
+    if (count == expectation.times)
         return;
-    m_view.explain(
-        u"line %1 of the script calls for it; seen %2 times. What came last:"_s.arg(expectation.lineNumber).arg(count));
-    explainLast(actor);
     actor.isLate = true;
+    m_view.explain(u"seen %1 times, called for in line %2"_s.arg(count).arg(expectation.lineNumber));
+    constexpr qsizetype kEnough = 3;
+    const QStringList& lines = actor.program.lines();
+    for (const QString& other : lines.mid(std::max<qsizetype>(0, lines.size() - kEnough)))
+        m_view.explain(u"said last: "_s + other);
+    if (!actor.program.isRunning())
+        m_view.explain(u"and has ended, with exit code %1"_s.arg(actor.program.exitCode()));
 }
 
-/// Where @p line is among the lines that were not called for yet; -1 when it is not there yet. Within a step the order
-/// is free: a program that hears from several may hear the later one first.
+/// Where @p line is among the lines that were not called for yet; -1 when it is not there yet. The order is free here:
+/// a program that hears from several may hear the later one first.
 qsizetype Player::find(const Actor& actor, const QString& line) const
 {
     const QStringList& lines = actor.program.lines();
@@ -210,41 +192,16 @@ qsizetype Player::find(const Actor& actor, const QString& line) const
     return -1;
 }
 
-void Player::explainLast(const Actor& actor)
+/// Checks whether all that @p actor has said was called for, in its order.
+void Player::compare(const Member& member, const Actor& actor)
 {
-    constexpr qsizetype kEnough = 3;
     const QStringList& lines = actor.program.lines();
-    for (const QString& line : lines.mid(std::max<qsizetype>(0, lines.size() - kEnough)))
-        m_view.explain(u"  "_s + line);
-}
-
-void Player::tellFailures()
-{
-    for (auto& [name, actor] : m_actors) {
-        if (!actor.program.hasFailed() || std::exchange(actor.isFailed, true))
-            continue;
-        m_view.check(false, name, QString(), u"has ended, with exit code %1"_s.arg(actor.program.exitCode()));
-        explainLast(actor);
-    }
-}
-
-/// Compares what the witnesses have seen with what was called for, in its order.
-void Player::account()
-{
-    m_view.chapter(u"What the witnesses have seen, line by line"_s);
-    for (const Member& member : m_day.cast) {
-        if (!member.isWitness)
-            continue;
-        const Actor& actor = m_actors[member.name];
-        const QStringList& lines = actor.program.lines();
-        const auto [line, called] = std::ranges::mismatch(lines, actor.called, isMatch);
-        const bool holds = line == lines.end() && called == actor.called.end();
-        m_view.check(holds, member.from, member.to,
-                     u"%1 lines seen, %2 called for"_s.arg(lines.size()).arg(actor.called.size()));
-        if (!holds)
-            m_view.explain(u"line %1 is the first that differs: %2"_s.arg(line - lines.begin() + 1)
-                               .arg(line == lines.end() ? QString() : *line));
-    }
+    const auto [line, called] = std::ranges::mismatch(lines, actor.called, isMatch);
+    const bool holds = line == lines.end() && called == actor.called.end();
+    m_view.check(holds, member.from, member.to,
+                 u"%1 lines seen, %2 called for"_s.arg(lines.size()).arg(actor.called.size()));
+    if (!holds)
+        m_view.explain(u"the first that differs: "_s + (line == lines.end() ? *called : *line));
 }
 
 QString Player::filled(QString text, int number) const

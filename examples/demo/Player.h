@@ -48,19 +48,16 @@ private:
         QSet<qsizetype> taken; ///< the lines that were called for
         QStringList called;    ///< what was called for, in its order
         bool isLate = false;   ///< whether it has been waited for in vain
-        bool isFailed = false; ///< whether its end has been told
     };
 
-    void play(const Step& step, int number);
-    void start(const Member& member);
-    void write(const QString& what, const Step& step);
+    void play(const Step& step, const QString& what);
+    void start(const Step& step);
+    void write(const Step& step, const QString& what);
     void ask(const Step& step, const QString& what);
     void end(const Step& step);
-    void expect(const Expectation& expectation);
+    void expect(const Expectation& expectation, const Member& member, Actor& actor);
     qsizetype find(const Actor& actor, const QString& line) const;
-    void explainLast(const Actor& actor);
-    void tellFailures();
-    void account();
+    void compare(const Member& member, const Actor& actor);
 
     QString filled(QString text, int number = 1) const;
     bool waitUntil(const std::function<bool()>& isMet, std::chrono::milliseconds limit);

@@ -26,7 +26,7 @@ Program::Program()
 Program::~Program()
 {
     m_process.disconnect(this);
-    end(SIGTERM);
+    tell(SIGTERM);
     if (!m_process.waitForFinished(kPatience))
         m_process.kill();
 }
@@ -37,14 +37,11 @@ void Program::start(const QString& command)
     words.replaceInStrings(u"''"_s, QString());
     const QString program = words.takeFirst();
     m_prefix = program + u": "_s;
-    m_isToEnd = false;
-    m_wasStarted = true;
     m_process.start(program, words);
 }
 
-void Program::end(int signal)
+void Program::tell(int signal)
 {
-    m_isToEnd = true;
     if (m_process.processId() > 0)
         ::kill(static_cast<pid_t>(m_process.processId()), signal);
 }

@@ -19,13 +19,10 @@ public:
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
 
     void write(const QByteArray& bytes) { m_process.write(bytes); }
-    /// Sends a signal that it is to end by.
-    void end(int signal);
-
+    /// Sends it a signal.
+    void tell(int signal);
     /// How it has ended: its exit code, or -1 when a signal ended it or it could not be started.
     int exitCode() const;
-    /// Whether it ended though nobody had asked it to.
-    bool hasFailed() const { return m_wasStarted && !isRunning() && !m_isToEnd; }
 
     /// Those that are not blank, without the blanks around them and the program's name in front of those of its log.
     const QStringList& lines() const { return m_lines; }
@@ -40,6 +37,4 @@ private:
     QProcess m_process;
     QString m_prefix;
     QStringList m_lines;
-    bool m_wasStarted = false;
-    bool m_isToEnd = false;
 };
