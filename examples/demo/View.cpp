@@ -37,7 +37,7 @@ bool hasUtf8Locale()
 View::View(qsizetype longestName)
     : m_nameWidth(static_cast<int>(longestName))
     , m_isColoured(::isatty(STDOUT_FILENO) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR"))
-    , m_isUtf8(hasUtf8Locale())
+    , m_arrow(m_isColoured && hasUtf8Locale() ? u" → "_s : u" -> "_s)
 {
     m_time.start();
 }
@@ -78,7 +78,7 @@ void View::write(const Row& row, const QString& from, const QString& to, const Q
     const QString time = QString::number(static_cast<double>(m_time.elapsed()) / 1000, 'f', 3);
     write(kPlain, painted(row.markColour, row.mark.leftJustified(kMarkWidth))
                       + painted(kFaint, time.rightJustified(kTimeWidth)) + u"  "_s
-                      + painted(kBlue, from.leftJustified(m_nameWidth)) + (m_isUtf8 ? u" → "_s : u" -> "_s)
+                      + painted(kBlue, from.leftJustified(m_nameWidth)) + m_arrow
                       + painted(kBlue, to.leftJustified(m_nameWidth)) + u"  "_s + painted(row.textColour, what));
 }
 

@@ -34,8 +34,8 @@ private:
     QString painted(const char* colour, const QString& text) const;
 
     const int m_nameWidth;
-    bool m_isColoured;
-    bool m_isUtf8;
+    const bool m_isColoured;
+    const QString m_arrow;
     int m_held = 0;
     int m_checks = 0;
     QElapsedTimer m_time;
