@@ -1,9 +1,10 @@
-// zyn-idle: plays the idle screen's counter of missed calls in a terminal.
+// zyn-idle: plays the idle screen's counters in a terminal.
 #include "handset/common/CommandLine.h"
 #include "handset/common/Output.h"
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
 #include "handset/common/Text.h"
+#include "handset/idle_screen/FavouriteCounters.h"
 #include "handset/recent_calls/MissedCallEngine.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 
@@ -40,10 +41,11 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
     const handset::TerminationSignals terminationSignals;
 
-    handset::CommandLine commandLine(u"Plays the idle screen's counter: tells how many missed calls are unread, at the "
-                                     "start and whenever that changes.\nEnds on SIGTERM and SIGINT, and when the "
-                                     "handset is switched off."_s,
-                                     &output);
+    handset::CommandLine commandLine(
+        u"Plays the idle screen's counters: tells how many missed calls are unread, and what of each "
+        "favourite's\ncalls and messages, at the start and whenever that changes.\nEnds on "
+        "SIGTERM and SIGINT, and when the handset is switched off."_s,
+        &output);
     if (!commandLine.parse())
         return handset::kUsageError;
 
@@ -61,6 +63,7 @@ int main(int argc, char** argv)
     QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &application, show);
     QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
     show();
+    const handset::FavouriteCounters favouriteCounters(output);
     commandLine.announce(QString::fromUtf8(client.channel()));
     const int code = QCoreApplication::exec();
     RC_MissedCallInterface::destruction();

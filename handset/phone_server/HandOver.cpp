@@ -13,7 +13,8 @@ using zyn::handset::log;
 
 namespace {
 
-constexpr int kAttempts = 5;
+/// Together the time in which a service that died is started again.
+constexpr int kAttempts = 15;
 constexpr auto kPause = 200ms;
 
 QString describe(const PHONE_ENG_RecentCall& record)

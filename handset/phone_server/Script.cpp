@@ -81,7 +81,8 @@ std::chrono::milliseconds takeDelay(QStringList& words)
 
 bool isBlank(const QString& line)
 {
-    return line.isEmpty() || line.startsWith(QLatin1Char('#'));
+    const QString trimmed = line.trimmed();
+    return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'));
 }
 
 ScriptStep stepOf(const QString& line, int lineNumber)
@@ -102,19 +103,34 @@ std::optional<Script> readScript(const QString& path)
         return std::nullopt;
     }
     Script script;
-    int lineNumber = 0;
-    try {
-        const QStringList lines = QString::fromUtf8(*text).split(QLatin1Char('\n'));
-        for (const QString& line : lines) {
-            ++lineNumber;
-            if (const QString trimmed = line.trimmed(); !isBlank(trimmed))
-                script.push_back(stepOf(trimmed, lineNumber));
-        }
-    } catch (const ScriptError& error) {
-        log(QStringLiteral("%1:%2: %3").arg(path, QString::number(lineNumber), error.text));
-        return std::nullopt;
+    const QStringList lines = QString::fromUtf8(*text).split(QLatin1Char('\n'));
+    for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber) {
+        const QString& line = lines[lineNumber - 1];
+        auto step = readScriptLine(path, lineNumber, line);
+        if (step)
+            script.push_back(std::move(*step));
+        else if (!isBlank(line))
+            return std::nullopt;
     }
     return script;
+}
+
+std::optional<ScriptStep> readScriptLine(const QString& source, int lineNumber, const QString& line)
+{
+    if (isBlank(line))
+        return std::nullopt;
+    try {
+        return stepOf(line.trimmed(), lineNumber);
+    } catch (const ScriptError& error) {
+        log(QStringLiteral("%1:%2: %3").arg(source, QString::number(lineNumber), error.text));
+        return std::nullopt;
+    }
+}
+
+void runScriptStep(const ScriptStep& step, PhoneLine& line)
+{
+    if (!step.run(line))
+        log(QStringLiteral("line %1 of the script means nothing now").arg(step.lineNumber));
 }
 
 QString scriptHelp()

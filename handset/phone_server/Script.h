@@ -25,5 +25,13 @@ using Script = std::vector<ScriptStep>;
 /// not right.
 std::optional<Script> readScript(const QString& path);
 
+/// The step of one line. Nothing for a blank one and a comment, and for one that is wrong, which is told in the log
+/// with
+/// @p source and @p lineNumber.
+std::optional<ScriptStep> readScriptLine(const QString& source, int lineNumber, const QString& line);
+
+/// Lets @p step happen; one that means nothing at the time is told in the log.
+void runScriptStep(const ScriptStep& step, PhoneLine& line);
+
 /// How a script is written, with the names of all messages.
 QString scriptHelp();

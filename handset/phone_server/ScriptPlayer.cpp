@@ -24,8 +24,6 @@ void ScriptPlayer::waitForNext()
 
 void ScriptPlayer::runNext()
 {
-    const ScriptStep& step = m_script[m_position++];
-    if (!step.run(m_line))
-        log(QStringLiteral("line %1 of the script means nothing now").arg(step.lineNumber));
+    runScriptStep(m_script[m_position++], m_line);
     waitForNext();
 }

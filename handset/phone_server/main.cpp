@@ -4,6 +4,7 @@
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
 #include "handset/phone_server/PhoneServer.h"
+#include "handset/phone_server/ScriptInput.h"
 #include "handset/phone_server/ScriptPlayer.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
@@ -23,6 +24,7 @@ const QString kTalk = QStringLiteral("talk");
 const QString kPrefix = QStringLiteral("prefix");
 const QString kPatience = QStringLiteral("patience");
 const QString kScript = QStringLiteral("script");
+const QString kStandardInput = QStringLiteral("-");
 
 QString description()
 {
@@ -50,15 +52,18 @@ void addOptions(handset::CommandLine& commandLine)
     commandLine.add(QCommandLineOption(kPrefix,
                                        QStringLiteral("Put this in front of numbers to be dialed with a prefix (0)."),
                                        QStringLiteral("number"), QStringLiteral("0")));
-    commandLine.add(QCommandLineOption(kScript,
-                                       QStringLiteral("Let happen what this file says, from when clients are served."),
-                                       QStringLiteral("file")));
+    commandLine.add(
+        QCommandLineOption(kScript,
+                           QStringLiteral("Let happen what this file says, from when clients are served; - for "
+                                          "what standard input says, line by line as it comes."),
+                           QStringLiteral("file")));
 }
 
 /// The script that the command line names, or an empty one; nothing when it is not right.
 std::optional<Script> scriptOf(const handset::CommandLine& commandLine)
 {
-    return commandLine.isSet(kScript) ? readScript(commandLine.value(kScript)) : Script();
+    const QString path = commandLine.value(kScript);
+    return !commandLine.isSet(kScript) || path == kStandardInput ? Script() : readScript(path);
 }
 
 bool hasPrefix(const handset::CommandLine& commandLine)
@@ -93,10 +98,14 @@ int main(int argc, char** argv)
     if (!server.listen())
         return EXIT_FAILURE;
     ScriptPlayer player(*script, server.line());
+    ScriptInput input(server.line());
     commandLine.announce(zyn::voicecall::socketPath());
     player.start();
+    if (commandLine.value(kScript) == kStandardInput)
+        input.start();
     const int exitCode = QCoreApplication::exec();
     player.stop();
+    input.stop();
     server.close();
     return exitCode;
 }

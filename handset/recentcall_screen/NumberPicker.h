@@ -1,7 +1,7 @@
 // The number picker of the recent-call screens.
 #pragma once
 
-#include "handset/recentcall_screen/LineInput.h"
+#include "handset/common/LineInput.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QString>

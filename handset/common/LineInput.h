@@ -14,7 +14,8 @@ class LineInput : public QObject
     Q_OBJECT
 
 public:
-    LineInput();
+    /// @param longestLine  in bytes; what is longer is cut, and marked so that it answers nothing
+    explicit LineInput(qsizetype longestLine = 80);
 
     /// Emits entered() for the next line, as soon as it is there.
     void ask();
@@ -22,7 +23,7 @@ public:
     void cancel();
 
 Q_SIGNALS:
-    /// @p line  without its end, as far as lines are kept; empty at the end of the input.
+    /// @p line  without its end, as far as lines are kept; null at the end of the input.
     void entered(const QString& line);
 
 private:
@@ -30,6 +31,7 @@ private:
     void take(char character);
     void deliver();
 
+    const qsizetype m_longestLine;
     QSocketNotifier m_readable;
     QByteArray m_line;
     QList<QByteArray> m_lines; ///< that nobody has asked for yet

@@ -1,5 +1,5 @@
 // What a user types, line by line.
-#include "handset/recentcall_screen/LineInput.h"
+#include "handset/common/LineInput.h"
 
 #include <array>
 #include <cerrno>
@@ -10,16 +10,16 @@
 
 namespace {
 
-/// What is longer is no answer to anything: it is cut, and marked so that it is none.
-constexpr qsizetype kLongestLine = 80;
+/// The end of a line that was cut.
 constexpr char kCut = '~';
 
 } // namespace
 
 namespace zyn::handset {
 
-LineInput::LineInput()
-    : m_readable(STDIN_FILENO, QSocketNotifier::Read)
+LineInput::LineInput(qsizetype longestLine)
+    : m_longestLine(longestLine)
+    , m_readable(STDIN_FILENO, QSocketNotifier::Read)
 {
     m_readable.setEnabled(false);
     connect(&m_readable, &QSocketNotifier::activated, this, &LineInput::read);
@@ -56,7 +56,7 @@ void LineInput::take(char character)
 {
     if (character == '\n')
         m_lines += std::exchange(m_line, {});
-    else if (m_line.size() < kLongestLine)
+    else if (m_line.size() < m_longestLine)
         m_line += character;
     else
         m_line.back() = kCut;
@@ -69,7 +69,8 @@ void LineInput::deliver()
     if (!hasAnswer)
         return;
     m_isAsked = false;
-    Q_EMIT entered(m_lines.isEmpty() ? QString() : QString::fromUtf8(m_lines.takeFirst()));
+    // An empty line is not the end.
+    Q_EMIT entered(m_lines.isEmpty() ? QString() : QLatin1String("") + QString::fromUtf8(m_lines.takeFirst()));
 }
 
 } // namespace zyn::handset

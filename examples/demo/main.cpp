@@ -1,0 +1,68 @@
+// zyn-day: plays a day of the handset, every side a process of its own, and checks what is seen of it.
+#include "examples/demo/Day.h"
+#include "examples/demo/Player.h"
+#include "handset/common/TerminationSignals.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Lets everything that the programs keep be in @p directory.
+void setEnvironment(const QString& directory)
+{
+    for (const char* name : {"ZYN_LOCAL_APP_WRITE_PATH", "ZYN_APP_WRITE_PATH", "ZYN_QCOP_PATH"})
+        qputenv(name, directory.toLocal8Bit());
+    qputenv("TZ", "UTC");
+    qputenv("PATH", QCoreApplication::applicationDirPath().toLocal8Bit() + ':' + qgetenv("PATH"));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"zyn-day"_s);
+    const zyn::handset::TerminationSignals terminationSignals;
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Plays a day of the handset, every side a process of its own, and compares what is "
+        "seen with what the script calls for.\nThe exit code is 0 when all has held, else "
+        "1. Colour comes on a terminal, unless NO_COLOR is set."_s);
+    parser.addHelpOption();
+    parser.addOption({u"slow"_s, u"Play it at a person's pace."_s});
+    parser.addPositionalArgument(u"script"_s, u"What happens, and what must be seen."_s);
+    parser.process(application);
+    if (parser.positionalArguments().size() != 1) {
+        std::fputs("zyn-day: one script is to be named\n", stderr);
+        return 2;
+    }
+    auto day = readDay(parser.positionalArguments().constFirst());
+    if (!day)
+        return 2;
+
+    const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        std::fprintf(stderr, "zyn-day: %s\n", qPrintable(directory.errorString()));
+        return EXIT_FAILURE;
+    }
+    setEnvironment(directory.path());
+    Player player(std::move(*day), directory.path() + u"/phone"_s, {.isSlow = parser.isSet(u"slow"_s), .limit = 10s});
+    int code = EXIT_FAILURE; // also of a day that is ended early
+    QTimer::singleShot(0, &player, [&] {
+        if (player.play())
+            code = EXIT_SUCCESS;
+        QCoreApplication::quit();
+    });
+    QCoreApplication::exec();
+    return code;
+}

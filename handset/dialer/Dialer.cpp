@@ -1,0 +1,117 @@
+// What a dialer makes of its keys.
+#include "handset/dialer/Dialer.h"
+
+#include "handset/common/Log.h"
+#include "handset/common/Output.h"
+#include "handset/common/Text.h"
+#include "platform/UTIL_PhoneStatus.h"
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_EmergencyCall.h"
+#include "utility/PHONE_EmergencyList_p.h"
+#include "utility/PHONE_VoiceCall.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1String kDigits("0123456789*#+");
+constexpr QLatin1String kCallKeys("\nc");
+constexpr QLatin1String kClearKeys("d\b\x7F");
+constexpr QLatin1String kEndKeys("e");
+constexpr QLatin1String kBlanks(" \r\t");
+
+/// What a call record holds.
+constexpr qsizetype kLongestNumber = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
+
+/// @{ How wide the columns of a line are.
+constexpr int kKeyWidth = 6;
+constexpr int kVerdictWidth = 31;
+/// @}
+
+/// Why only emergency calls may be made now; empty when all may.
+QString restriction()
+{
+    if (UTIL_GetKeypadLockStatus() != zyn::emergency::kImeiKeypadStatus)
+        return u"refused: the keypad is locked"_s;
+    if (!zyn::emergency::allowsPinCodes(UTIL_GetSimCardStatus()))
+        return u"refused: no SIM card is ready"_s;
+    return {};
+}
+
+QString verdictOn(bool mayBecomeEmergency)
+{
+    return mayBecomeEmergency ? u"may be an emergency call"_s : u"no emergency call"_s;
+}
+
+} // namespace
+
+namespace zyn::handset {
+
+void Dialer::press(char key)
+{
+    if (kDigits.contains(QLatin1Char(key)))
+        add(key);
+    else if (kCallKeys.contains(QLatin1Char(key)))
+        call();
+    else if (kClearKeys.contains(QLatin1Char(key)))
+        clear();
+    else if (kEndKeys.contains(QLatin1Char(key)))
+        hangUp();
+    else if (!kBlanks.contains(QLatin1Char(key)))
+        log(u"'%1' is no key"_s.arg(printable(QChar::fromLatin1(key))));
+}
+
+void Dialer::add(char digit)
+{
+    const QString key = QChar::fromLatin1(digit);
+    const QString text = m_text + key;
+    const bool mayBecomeEmergency = PHONE_IsEmergencyCallInput(text);
+    QString refusal = mayBecomeEmergency ? QString() : restriction();
+    if (text.size() > kLongestNumber)
+        refusal = u"refused: the number is full"_s;
+    if (refusal.isEmpty())
+        m_text = text;
+    show(key, refusal.isEmpty() ? verdictOn(mayBecomeEmergency) : refusal);
+}
+
+void Dialer::clear()
+{
+    m_text.chop(1);
+    show(u"clear"_s, verdictOn(PHONE_IsEmergencyCallInput(m_text)));
+}
+
+void Dialer::call()
+{
+    QByteArray number = m_text.toLatin1();
+    const bool isEmergency = PHONE_IsEmergencyCall(number.data());
+    const QString refusal = isEmergency ? QString() : restriction();
+    if (number.isEmpty()) {
+        show(u"call"_s, u"refused: there is no number"_s);
+    } else if (!refusal.isEmpty()) {
+        show(u"call"_s, refusal);
+    } else {
+        PHONE_MakeVoiceCall(number.data(), QString(), false, PHONE_MAKE_CALL_CLIR_T{kDefaultClir}, kDefaultLine);
+        show(u"call"_s, isEmergency ? u"an emergency call is asked for"_s : u"a call is asked for"_s);
+        m_text.clear();
+    }
+}
+
+void Dialer::hangUp()
+{
+    PHONE_EndVoiceCall();
+    show(u"end"_s, u"the end of the call is asked for"_s);
+}
+
+void Dialer::show(const QString& key, const QString& verdict) const
+{
+    m_output.write(u"%1%2%3"_s.arg(key.leftJustified(kKeyWidth), verdict.leftJustified(kVerdictWidth), m_text).trimmed()
+                   + u'\n');
+}
+
+QString Dialer::help()
+{
+    return u"Keys: 0 to 9, *, # and +; Enter or c calls, Backspace or d takes the last key back, e ends the call."_s;
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,56 @@
+// zyn-dialer: plays the dialer in a terminal.
+#include "handset/common/CommandLine.h"
+#include "handset/common/Output.h"
+#include "handset/common/Process.h"
+#include "handset/common/TerminationSignals.h"
+#include "handset/dialer/Dialer.h"
+#include "handset/dialer/KeyInput.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+namespace handset = zyn::handset;
+
+namespace {
+
+const QString kType = u"type"_s;
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    handset::openStandardStreams();
+    handset::ignoreBrokenPipes();
+    handset::Output output;
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"zyn-dialer"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    const handset::TerminationSignals terminationSignals;
+
+    handset::CommandLine commandLine(
+        u"Plays the dialer: tells after each key whether the text may become an emergency call, and asks\nthe phone "
+        "application for the call. While the keypad is locked (handset state keypad-lock not 0)\nor no SIM card is "
+        "ready "
+        "(sim-card neither 0 nor 3), keys that lead to no emergency number are refused.\n%1\nEnds at the end of the "
+        "input, on SIGTERM and on SIGINT."_s.arg(handset::Dialer::help()),
+        &output);
+    commandLine.add(
+        QCommandLineOption(kType, u"Press these keys instead of those of standard input, and end."_s, u"keys"_s));
+    if (!commandLine.parse())
+        return handset::kUsageError;
+
+    handset::Dialer dialer(output);
+    if (commandLine.isSet(kType)) {
+        const QByteArray keys = commandLine.value(kType).toLatin1();
+        for (const char key : keys)
+            dialer.press(key);
+        return EXIT_SUCCESS;
+    }
+    const handset::KeyInput input;
+    QObject::connect(&input, &handset::KeyInput::pressed, &application, [&](char key) { dialer.press(key); });
+    QObject::connect(&input, &handset::KeyInput::ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    commandLine.announce(u"standard input"_s);
+    return QCoreApplication::exec();
+}
