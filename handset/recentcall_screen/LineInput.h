@@ -16,7 +16,8 @@ class LineInput : public QObject
 public:
     LineInput();
 
-    /// Emits entered() for the next line, as soon as it is there.
+    /// Emits entered() for the next line, as soon as it is there. What is typed at a terminal before is no answer: it
+    /// is dropped.
     void ask();
     /// Asks no more.
     void cancel();
@@ -27,6 +28,7 @@ Q_SIGNALS:
 
 private:
     void read();
+    void dropTyped();
     void take(char character);
     void deliver();
 
