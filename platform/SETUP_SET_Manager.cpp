@@ -71,7 +71,7 @@ public:
 };
 
 SETUP_SET_Manager::SETUP_SET_Manager(AM_Global::Apps app, bool)
-    : d(std::make_unique<Private>(zyn::settingsDirectory() + QStringLiteral("/zyn_app%1.cfg").arg(int{app})))
+    : d(std::make_unique<Private>(zyn::settingsFile(app)))
 {}
 
 SETUP_SET_Manager::SETUP_SET_Manager(QString path, bool)

@@ -1,6 +1,8 @@
 // Where the settings files lie.
 #pragma once
 
+#include "platform/AM_Global.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QString>
@@ -15,6 +17,12 @@ inline QString settingsDirectory()
     if (!writePath.isEmpty())
         return writePath + QLatin1String("/setup");
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1String("/zynphone/setup");
+}
+
+/// The settings file of application @p app.
+inline QString settingsFile(AM_Global::Apps app)
+{
+    return settingsDirectory() + QStringLiteral("/zyn_app%1.cfg").arg(int{app});
 }
 
 } // namespace zyn

@@ -25,7 +25,7 @@ constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 struct Line
 {
-    enum Kind { Passive, Group, Entry };
+    enum Kind { Passive, Group, Entry, Stray };
 
     Kind kind = Passive;
     QByteArrayView name;  ///< of the group or of the key
@@ -43,11 +43,11 @@ Line parse(QByteArrayView text)
     if (trimmed.front() == '[' && trimmed.back() == ']')
         return {Line::Group, trimmed.sliced(1, trimmed.size() - 2), {}};
     if (!text.isValidUtf8())
-        return {};
+        return {Line::Stray, {}, {}};
     const qsizetype equals = text.indexOf('=');
     const QByteArrayView key = equals < 0 ? QByteArrayView() : text.first(equals).trimmed();
     if (key.isEmpty())
-        return {};
+        return {Line::Stray, {}, {}};
     return {Line::Entry, key, text.sliced(equals + 1)};
 }
 
@@ -176,6 +176,21 @@ std::optional<QByteArray> SettingsFile::value(const QString& group, const QStrin
             found = line.value.toByteArray();
     });
     return found;
+}
+
+std::optional<QList<int>> SettingsFile::strayLines() const
+{
+    const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSizeLimit);
+    if (!text)
+        return std::nullopt;
+    QList<int> numbers;
+    int number = 0;
+    forEachLine(*text, [&](const Line& line, qsizetype, qsizetype) {
+        ++number;
+        if (line.kind == Line::Stray)
+            numbers.append(number);
+    });
+    return numbers;
 }
 
 bool SettingsFile::setValue(const QString& group, const QString& key, const QString& value)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QList>
 #include <QtCore/QString>
 
 #include <optional>
@@ -18,6 +19,10 @@ public:
 
     /// The bytes stored under @p key in @p group, read now.
     std::optional<QByteArray> value(const QString& group, const QString& key) const;
+
+    /// The numbers, from 1, of the lines that are passed over though they are neither blank nor comments; nothing when
+    /// the file cannot be read.
+    std::optional<QList<int>> strayLines() const;
 
     /// Stores @p value; false when a line cannot hold it or it could not be brought to disk.
     /// Waits up to 5 seconds for another writer; where that was in vain, later calls fail without waiting.

@@ -9,9 +9,10 @@
 
 namespace zyn::voicecall {
 
-/// The directory of the server's socket, and the socket's name in it.
+/// The directory of the server's socket, the socket's name in it, and both together.
 inline constexpr char kSocketDirectory[] = "/tmp/zynphonecom";
 inline constexpr char kSocketName[] = "voicecall_interface";
+inline constexpr char kSocketPath[] = "/tmp/zynphonecom/voicecall_interface";
 
 /// Creates the directory of the server's socket, open to all users, and gives its path with a final slash.
 inline QString PHONE_dataDir()

@@ -46,6 +46,16 @@ void Output::showTrace()
     m_traced = true;
 }
 
+bool Output::isTerminal() const
+{
+    return ::isatty(descriptor()) == 1;
+}
+
+bool Output::isColourful() const
+{
+    return isTerminal() && qEnvironmentVariableIsEmpty("NO_COLOR");
+}
+
 void Output::write(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();

@@ -26,6 +26,12 @@ public:
     /// Writes @p text as UTF-8, at once.
     void write(const QString& text);
 
+    /// The real standard output.
+    int descriptor() const { return m_output.handle(); }
+    bool isTerminal() const;
+    /// Whether colours are welcome: on a terminal, unless NO_COLOR is set and not empty.
+    bool isColourful() const;
+
     /// Whether everything could be written.
     bool isSound() const { return m_sound; }
 

@@ -105,12 +105,19 @@ UniqueFd acceptConnection(int listener)
     return UniqueFd(retry([&] { return ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC); }));
 }
 
-bool isPeerTrusted(int fd)
+std::optional<ucred> peerOf(int fd)
 {
     ucred peer = {};
     socklen_t length = sizeof peer;
-    return ::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && length == sizeof peer
-           && (peer.uid == ::geteuid() || peer.uid == 0);
+    if (::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &length) != 0 || length != sizeof peer)
+        return std::nullopt;
+    return peer;
+}
+
+bool isPeerTrusted(int fd)
+{
+    const std::optional<ucred> peer = peerOf(fd);
+    return peer && (peer->uid == ::geteuid() || peer->uid == 0);
 }
 
 bool waitFor(int fd, short events, Clock::time_point deadline)

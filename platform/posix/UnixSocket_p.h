@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <span>
 
 #include <sys/socket.h>
@@ -56,6 +57,9 @@ UniqueFd listenUnix(const QByteArray& path, mode_t mode);
 
 /// The next connection that waits at @p listener, non-blocking; none when none waits or errno tells of a shortage.
 UniqueFd acceptConnection(int listener);
+
+/// The process at the other end of a connection; nothing when the kernel does not tell.
+std::optional<ucred> peerOf(int fd);
 
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);

@@ -100,6 +100,11 @@ QList<QCString> ChannelDirectory::channels(const QByteArray& root)
     return result;
 }
 
+QByteArray ChannelDirectory::path(const QByteArray& root, const QCString& channel)
+{
+    return root + '/' + fileName(channel);
+}
+
 std::optional<QList<QByteArray>> ChannelDirectory::listeners() const
 {
     auto names = posix::entries(fd(), S_IFSOCK);
@@ -135,8 +140,8 @@ void ChannelDirectory::removeStillborn() const
 {
     for (const QByteArray& name : posix::entries(fd(), S_IFSOCK).value_or(QList<QByteArray>())) {
         // A refused connection does not tell: a living process may be about to listen.
-        const pid_t owner = name.sliced(1).split('-').first().toInt();
-        if (isHidden(name) && owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH)
+        const pid_t process = owner(name.sliced(1));
+        if (isHidden(name) && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
             remove(name);
     }
 }
@@ -144,6 +149,11 @@ void ChannelDirectory::removeStillborn() const
 QByteArray ChannelDirectory::newName()
 {
     return QByteArray::number(::getpid()) + '-' + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
+}
+
+pid_t ChannelDirectory::owner(const QByteArray& name)
+{
+    return name.split('-').first().toInt();
 }
 
 } // namespace zyn

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+#include <sys/types.h>
+
 namespace zyn {
 
 /// What decides where the channels of this process are.
@@ -45,6 +47,9 @@ public:
     /// is left out.
     static QList<QCString> channels(const QByteArray& root);
 
+    /// Where the directory of @p channel under @p root is, or would be.
+    static QByteArray path(const QByteArray& root, const QCString& channel);
+
     int root() const { return m_root.get(); }
     int fd() const { return m_fd.get(); }
 
@@ -59,6 +64,8 @@ public:
 
     /// A new listener's name.
     static QByteArray newName();
+    /// The process whose listener has or had the name @p name; 0 when no listener can have it.
+    static pid_t owner(const QByteArray& name);
 
 private:
     ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd);

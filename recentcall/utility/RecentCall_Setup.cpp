@@ -5,10 +5,9 @@
 #include "platform/TAPI.h"
 #include "platform/UTIL_PhoneStatus.h"
 #include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/SwitchFile_p.h"
 #include "utility/PHONE_Log.h"
 #include "utility/PHONE_Settings_p.h"
-
-#include <QtCore/QFile>
 
 #include <algorithm>
 #include <cstdio>
@@ -56,12 +55,6 @@ RC_CALL_CATEGORY_T toView(int setting)
     default:
         return RC_CALL_CATEGORY_DIALED;
     }
-}
-
-/// The path of a feature-switch file: the bare suffix when the directory is not set.
-QString switchFile(const char* suffix)
-{
-    return QFile::decodeName(qgetenv("ZYN_APP_WRITE_PATH")) + QLatin1String(suffix);
 }
 
 } // namespace
@@ -127,7 +120,7 @@ bool RecentCall_Setup::getTwoLineView()
 
 bool RecentCall_Setup::isFixedDialFlexOn()
 {
-    const QString path = switchFile("/setup/zyn_fixeddial.cfg");
+    const QString path = zyn::switchFile(zyn::kFixedDialSwitch);
     std::printf("******** fixed dial flex: %s ********\n", path.toLatin1().constData());
     SETUP_SET_Manager settings(path, false);
     bool on = true;
@@ -165,7 +158,7 @@ bool RecentCall_Setup::isPttFlexOn()
 
 unsigned int RecentCall_Setup::getMaxTopPalsAvlItems()
 {
-    SETUP_SET_Manager settings(switchFile("/setup/zyn_toppals.cfg"), false);
+    SETUP_SET_Manager settings(zyn::switchFile(zyn::kTopPalsSwitch), false);
     unsigned int items = 0;
     settings.getSettingInfo(QStringLiteral("TopPals-UI"), QStringLiteral("MaxItemsToLog"), items, kDefaultTopPalsItems);
     return items;

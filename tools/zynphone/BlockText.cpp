@@ -21,17 +21,27 @@ bool isGraphic(char character)
 
 namespace zyn::tool {
 
+bool isHexBlock(const QString& text)
+{
+    return text.startsWith(kHexPrefix);
+}
+
+QString hexBlock(const QByteArray& block)
+{
+    return kHexPrefix + hexText(block);
+}
+
 QString blockText(const QByteArray& block)
 {
     const auto padding = std::ranges::find_if_not(block, isGraphic);
     const bool isText = std::all_of(padding, block.end(), [](char character) { return character == '\0'; });
     const QString text = QString::fromLatin1(block.constData(), padding - block.begin());
-    return isText && !text.startsWith(kHexPrefix) ? text : kHexPrefix + hexText(block);
+    return isText && !isHexBlock(text) ? text : hexBlock(block);
 }
 
 QByteArray blockFrom(const QString& text, const QString& what, qsizetype size)
 {
-    if (!text.startsWith(kHexPrefix))
+    if (!isHexBlock(text))
         return latin1Field(text, what, size).toLatin1().leftJustified(size, '\0');
     QByteArray block = bytesFromHex(text.sliced(kHexPrefix.size()));
     if (block.size() != size)

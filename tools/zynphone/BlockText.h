@@ -6,6 +6,11 @@
 
 namespace zyn::tool {
 
+/// @{ A block as "hex:" and the digits of its bytes.
+bool isHexBlock(const QString& text);
+QString hexBlock(const QByteArray& block);
+/// @}
+
 /// The text that @p block holds when that is graphic ASCII followed by nothing but NULs, else "hex:" and
 /// digits.
 QString blockText(const QByteArray& block);

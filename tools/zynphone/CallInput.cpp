@@ -25,9 +25,7 @@ QDateTime startFrom(const Invocation& call)
     QDateTime start = QDateTime::fromString(text, Qt::ISODate);
     if (!start.isValid())
         throw usageError(u"'%1' is no date and time like 2024-05-31T18:30:00"_s.arg(text));
-    const qint64 seconds = start.toSecsSinceEpoch();
-    if (seconds != static_cast<int32_t>(seconds))
-        throw usageError(u"'%1' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z"_s.arg(text));
+    secondsOf(start, text);
     return start;
 }
 
@@ -93,6 +91,11 @@ QList<QCommandLineOption> callOptions()
         flagOption(u"read"_s, u"the user has seen it"_s),
         flagOption(u"completed"_s, u"the default of answered and dialed calls"_s),
         flagOption(u"not-completed"_s, u"the default of missed calls"_s)};
+}
+
+QMap<QString, QStringList> callWords()
+{
+    return {{u"LIST"_s, wordTexts(kLists)}, {u"TYPE"_s, wordTexts(kTypes)}};
 }
 
 PHONE_ENG_RecentCall callFrom(const Invocation& call)

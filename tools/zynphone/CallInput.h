@@ -19,6 +19,7 @@ QString callNameMeaning();
 /// @{ What callFrom() reads.
 std::vector<Argument> callArguments();
 QList<QCommandLineOption> callOptions();
+QMap<QString, QStringList> callWords();
 /// @}
 
 /// The call that @p call describes. A text that its field does not hold whole is a usage error, never cut.

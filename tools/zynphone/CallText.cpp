@@ -58,6 +58,13 @@ QString localStart(const PHONE_ENG_RecentCall& call)
     return call.getStartDateTime().toString(Qt::ISODate);
 }
 
+RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, text, what).value;
+}
+
 std::span<const CallColumn> callColumns()
 {
     return slotColumns().subspan(1);

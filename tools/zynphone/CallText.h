@@ -40,6 +40,8 @@ QString categoryWord(RC_CALL_CATEGORY_T category);
 QString utcStart(const PHONE_ENG_RecentCall& call);
 QString localStart(const PHONE_ENG_RecentCall& call);
 /// @}
+/// The call type that @p text says by its word or number; a usage error that names @p what when it says none.
+RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what);
 
 /// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration
 /// (seconds), type, session (of a push-to-talk call, else empty), read, completed.

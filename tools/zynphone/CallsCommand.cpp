@@ -1,17 +1,17 @@
 // zynphone calls: the log of recent calls.
 #include "tools/zynphone/CallsCommand.h"
 
-#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "tools/zynphone/CallInput.h"
+#include "tools/zynphone/CallSelection.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/ExportCommand.h"
+#include "tools/zynphone/ImportCommand.h"
+#include "tools/zynphone/SeedCommand.h"
 #include "tools/zynphone/ServiceError.h"
 
-#include <algorithm>
-#include <span>
-#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -19,40 +19,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
-using zyn::handset::kCallTypes;
 using Call = PHONE_ENG_RecentCall;
 
 constexpr int kNoSuchCall = 1; // of RC_Interface
 
-RC_CALL_CATEGORY_T listNamed(const QString& word)
-{
-    return wordNamed(kListsOrAll, word, u"list"_s).value;
-}
-
-/// The call types that --type selects: the three that have a word, unless it names one by its word or number.
-std::vector<RC_CALL_TYPE_T> typesFrom(const Invocation& call)
-{
-    const QString word = call.value(u"type"_s);
-    if (!call.isSet(u"type"_s) || word == "all"_L1)
-        return {kCallTypes.begin(), kCallTypes.end()};
-    bool isNumber = false;
-    const int number = word.toInt(&isNumber);
-    return {isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, word, u"type"_s).value};
-}
-
-/// The calls of @p types in @p list, newest first.
-std::vector<Call> fetch(RC_CALL_CATEGORY_T list, std::span<const RC_CALL_TYPE_T> types)
-{
-    auto calls = zyn::handset::fetchCalls(list, types);
-    if (!calls)
-        throw recentCallServiceError();
-    return std::move(*calls);
-}
-
 ExitCode listCalls(const Invocation& call, Console& console)
 {
     const auto list = call.arguments().isEmpty() ? RC_CALL_CATEGORY_ALL : listNamed(call.argument(0));
-    printTable(console, Table(callColumns(), fetch(list, typesFrom(call))), call.isSet(u"json"_s));
+    printTable(console, Table(callColumns(), fetchCalls(list, typesFrom(call))), call.isSet(u"json"_s));
     return Done;
 }
 
@@ -68,8 +42,8 @@ ExitCode addCall(const Invocation& call, Console& console)
 ExitCode deleteCall(const Invocation& call, Console& console)
 {
     const int uid = wholeNumber(call.argument(0), u"UID"_s);
-    const auto list = call.isSet(u"list"_s) ? listNamed(call.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
-    std::vector<Call> found = fetch(list, kCallTypes);
+    const RC_CALL_CATEGORY_T list = listFrom(call);
+    std::vector<Call> found = fetchCalls(list);
     std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
     if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
         throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
@@ -106,22 +80,16 @@ ExitCode showLastDialed(const Invocation& /*call*/, Console& console)
     return Done;
 }
 
-QCommandLineOption typeFilter(const QString& meaning)
-{
-    return valueOption(u"type"_s, u"TYPE"_s, meaning);
-}
-
 Command listRow()
 {
-    return {
-        .name = u"list"_s,
-        .summary = u"List calls, newest first"_s,
-        .details = u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
-            fieldNames(callColumns())),
-        .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
-        .options = {typeFilter(u"voice, ptt1, ptt2, the number of another type, or all those three (the default)"_s),
-                    jsonOption()},
-        .run = listCalls};
+    return {.name = u"list"_s,
+            .summary = u"List calls, newest first"_s,
+            .details = u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
+                fieldNames(callColumns())),
+            .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
+            .options = {typeOption(), jsonOption()},
+            .words = selectionWords(),
+            .run = listCalls};
 }
 
 Command addRow()
@@ -130,6 +98,7 @@ Command addRow()
             .summary = u"Send a call to the recent-call service, which does not say whether it keeps it"_s,
             .arguments = callArguments(),
             .options = callOptions(),
+            .words = callWords(),
             .run = addCall};
 }
 
@@ -138,7 +107,8 @@ Command deleteRow()
     return {.name = u"delete"_s,
             .summary = u"Delete one call"_s,
             .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
-            .options = {valueOption(u"list"_s, u"LIST"_s, u"answered, missed, dialed or all (the default)"_s)},
+            .options = {listOption()},
+            .words = selectionWords(),
             .run = deleteCall};
 }
 
@@ -147,7 +117,8 @@ Command clearRow()
     return {.name = u"clear"_s,
             .summary = u"Delete all calls of a list"_s,
             .arguments = {{u"LIST"_s, u"answered, missed, dialed or all"_s}},
-            .options = {typeFilter(u"only voice, ptt1, ptt2 or the number of another type; those three by default"_s)},
+            .options = {typeOption()},
+            .words = selectionWords(),
             .run = clearCalls};
 }
 
@@ -164,9 +135,10 @@ namespace zyn::tool {
 
 Command callsCommand()
 {
-    return {.name = u"calls"_s,
-            .summary = u"The log of recent calls"_s,
-            .verbs = {listRow(), addRow(), deleteRow(), clearRow(), lastDialedRow()}};
+    return {
+        .name = u"calls"_s,
+        .summary = u"The log of recent calls"_s,
+        .verbs = {listRow(), addRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(), exportRow(), importRow()}};
 }
 
 } // namespace zyn::tool

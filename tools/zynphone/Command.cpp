@@ -47,10 +47,9 @@ void checkArguments(const Command& command, const QStringList& given)
     qsizetype place = 0;
     for (const Argument& argument : command.arguments) {
         const bool mayMiss = argument.count == Argument::Optional || argument.count == Argument::Any;
-        const bool takesAll = argument.count == Argument::Many || argument.count == Argument::Any;
         if (place >= given.size() && !mayMiss)
             throw usageError(u"missing argument %1"_s.arg(argument.name));
-        place = takesAll ? given.size() : place + 1;
+        place = argument.takesAll() ? given.size() : place + 1;
     }
     if (place < given.size())
         throw usageError(u"superfluous argument '%1'"_s.arg(given[place]));

@@ -6,6 +6,7 @@
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QList>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -31,6 +32,8 @@ struct Argument
     QString name; ///< as help and errors write it
     QString meaning;
     Count count = One;
+
+    bool takesAll() const { return count == Many || count == Any; }
 };
 
 /// The words given to a verb, told apart into arguments and options.
@@ -62,6 +65,8 @@ struct Command
     std::vector<Command> verbs = {};
     std::vector<Argument> arguments = {};
     QList<QCommandLineOption> options = {};
+    /// What an argument or an option's value may be, by its name as help writes it, where that is fixed.
+    QMap<QString, QStringList> words = {};
     ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a mere group
 };
 

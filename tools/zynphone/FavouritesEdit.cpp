@@ -155,6 +155,7 @@ Command logFavouriteCommand()
             .summary = u"Log a call or a message of a favourite, in place of its oldest entry when its file is full"_s,
             .arguments = {favouriteArgument()},
             .options = options + callOptions(),
+            .words = callWords(),
             .run = logEntry};
 }
 

@@ -30,6 +30,14 @@ ExitCode showStates(const Invocation& call, Console& console)
     return Done;
 }
 
+QStringList stateNames()
+{
+    QStringList names;
+    for (const State& state : zyn::handset::kStates)
+        names += QLatin1String(state.name);
+    return names;
+}
+
 struct Assignment
 {
     const State* state;
@@ -82,6 +90,7 @@ Command handsetCommand()
                 .summary = u"Set one or more states, for every process that asks from now on"_s,
                 .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
                               {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
+                .words = {{u"NAME"_s, stateNames()}},
                 .run = setStates};
     return {.name = u"handset"_s,
             .summary = u"The states of the stand-in handset"_s,

@@ -3,11 +3,11 @@
 
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
+#include "tools/zynphone/Channels.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/MessageText.h"
 #include "tools/zynphone/RecordingWriter.h"
 #include "tools/zynphone/TimeLimit.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -24,10 +24,8 @@ using namespace zyn::tool;
 QStringList channelsFrom(const Invocation& call)
 {
     QStringList channels = call.arguments();
-    if (channels.isEmpty()) {
-        for (const char* const channel : zyn::kChannels)
-            channels += QString::fromUtf8(channel);
-    }
+    if (channels.isEmpty())
+        channels = channelNames();
     channels.removeDuplicates();
     if (channels.contains(QString()))
         throw usageError(u"the channel's name is empty"_s);
@@ -152,6 +150,7 @@ Command monitorCommand()
                         valueOption(u"record"_s, u"FILE"_s, u"record the messages in FILE too, a new file"_s),
                         flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
                         flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
+            .words = {{u"CHANNEL"_s, channelNames()}},
             .run = monitorChannels};
 }
 

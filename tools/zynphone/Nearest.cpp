@@ -50,4 +50,10 @@ QString nearestWord(const QString& word, const QStringList& known)
     return nearest;
 }
 
+QString suggestion(const QString& word, const QStringList& known)
+{
+    const QString nearest = nearestWord(word, known);
+    return nearest.isNull() ? QString() : QStringLiteral("; did you mean '%1'?").arg(nearest);
+}
+
 } // namespace zyn::tool

@@ -10,4 +10,8 @@ namespace zyn::tool {
 /// that is half of the word or more.
 QString nearestWord(const QString& word, const QStringList& known);
 
+/// The end of an error about an unknown @p word: asks whether the nearest of @p known was meant; empty when there is
+/// none.
+QString suggestion(const QString& word, const QStringList& known);
+
 } // namespace zyn::tool

@@ -99,12 +99,17 @@ ExitCode pick(const Invocation& call, Console& console)
     return Done;
 }
 
-QString pageNames()
+QStringList pageNames()
 {
     QStringList names;
     for (const ScreenPage& page : kScreenPages)
         names += QLatin1String(page.name);
-    return names.join(u", "_s);
+    return names;
+}
+
+QMap<QString, QStringList> listWords()
+{
+    return {{u"LIST"_s, wordTexts(kCategories)}};
 }
 
 const Argument kListArgument{u"LIST"_s, u"answered, missed, dialed, all, extra or none"_s};
@@ -115,6 +120,7 @@ Command showRow()
             .summary = u"Ask for the calls of a list"_s,
             .details = kSendOnly,
             .arguments = {kListArgument},
+            .words = listWords(),
             .run = showList};
 }
 
@@ -123,7 +129,8 @@ Command pageRow()
     return {.name = u"page"_s,
             .summary = u"Ask for a page"_s,
             .details = kSendOnly,
-            .arguments = {{u"PAGE"_s, u"%1, or any number"_s.arg(pageNames())}},
+            .arguments = {{u"PAGE"_s, u"%1, or any number"_s.arg(pageNames().join(u", "_s))}},
+            .words = {{u"PAGE"_s, pageNames()}},
             .run = showPage};
 }
 
@@ -133,6 +140,7 @@ Command detailRow()
             .summary = u"Ask for the details of one call"_s,
             .details = kSendOnly,
             .arguments = {kListArgument, {u"INDEX"_s, u"of the call in the list, newest first, from 0"_s}},
+            .words = listWords(),
             .run = showDetail};
 }
 

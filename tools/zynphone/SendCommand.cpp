@@ -2,6 +2,7 @@
 #include "tools/zynphone/SendCommand.h"
 
 #include "platform/QCopChannel.h"
+#include "tools/zynphone/Channels.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/HexText.h"
 #include "tools/zynphone/Words.h"
@@ -106,6 +107,7 @@ Command sendCommand()
             .arguments = {{u"CHANNEL"_s, u"such as /ZYN/phone"_s},
                           {u"MESSAGE"_s, u"such as PHONE_MSG_13"_s},
                           {u"TYPE:VALUE"_s, u"a field of the payload"_s, Argument::Any}},
+            .words = {{u"CHANNEL"_s, channelNames()}},
             .run = send};
 }
 

@@ -35,17 +35,21 @@ std::vector<const PhoneMessage*> statusMessages()
     return messages;
 }
 
+QStringList statusNames()
+{
+    QStringList names;
+    for (const PhoneMessage* message : statusMessages())
+        names += QLatin1String(message->name);
+    return names;
+}
+
 const PhoneMessage& statusNamed(const QString& name)
 {
-    QStringList known;
     for (const PhoneMessage* message : statusMessages()) {
-        known += QLatin1String(message->name);
-        if (name == known.last())
+        if (name == QLatin1String(message->name))
             return *message;
     }
-    const QString nearest = nearestWord(name, known);
-    throw usageError(nearest.isNull() ? u"unknown status '%1'"_s.arg(name)
-                                      : u"unknown status '%1'; did you mean '%2'?"_s.arg(name, nearest));
+    throw usageError(u"unknown status '%1'"_s.arg(name) + suggestion(name, statusNames()));
 }
 
 QString argumentName(const Field& field)
@@ -169,6 +173,7 @@ Command statusCommand()
             .details = nameList(),
             .arguments = {{u"NAME"_s, u"which status"_s}, {u"ARG"_s, u"as the name takes them"_s, Argument::Any}},
             .options = allStatusOptions(),
+            .words = {{u"NAME"_s, statusNames()}},
             .run = sendStatus};
 }
 

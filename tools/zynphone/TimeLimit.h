@@ -26,6 +26,8 @@ public:
         : m_seconds(limitFrom(call, option, kMaxSeconds))
     {}
 
+    bool isSet() const { return m_seconds.has_value(); }
+
     /// From now on the time runs; nothing ends when none is set.
     void start() const
     {

@@ -25,6 +25,16 @@ QString wordFor(const Words& words, Value value)
     return found == words.end() ? QString::number(value) : QLatin1String(found->text);
 }
 
+/// The texts of @p words.
+template<typename Words>
+QStringList wordTexts(const Words& words)
+{
+    QStringList texts;
+    for (const auto& word : words)
+        texts += QLatin1String(word.text);
+    return texts;
+}
+
 /// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of
 /// them.
 template<typename Words>
@@ -33,10 +43,8 @@ const auto& wordNamed(const Words& words, const QString& text, const QString& wh
     const auto found = std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
     if (found != words.end())
         return *found;
-    QStringList known;
-    for (const auto& word : words)
-        known += QLatin1String(word.text);
-    throw usageError(QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, known.join(QLatin1String(", "))));
+    throw usageError(
+        QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, wordTexts(words).join(QLatin1String(", "))));
 }
 
 } // namespace zyn::tool

@@ -1,6 +1,8 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/zynphone/CallsCommand.h"
 #include "tools/zynphone/ChartCommand.h"
+#include "tools/zynphone/Completion.h"
+#include "tools/zynphone/CompletionCommand.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/DialCommand.h"
 #include "tools/zynphone/EmergencyCommand.h"
@@ -18,6 +20,8 @@
 #include "tools/zynphone/SocketCallCommand.h"
 #include "tools/zynphone/SpeedDialCommand.h"
 #include "tools/zynphone/StatusCommand.h"
+#include "tools/zynphone/doctor/DoctorCommand.h"
+#include "tools/zynphone/top/TopCommand.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -28,13 +32,14 @@ namespace {
 
 Command zynphoneCommand()
 {
-    return {.name = u"zynphone"_s,
-            .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
-                      pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
-                      callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
-                      handsetCommand(), inspectCommand(), monitorCommand(),   replayCommand(),     chartCommand(),
-                      statusCommand(),  sendCommand()}};
+    return {
+        .name = u"zynphone"_s,
+        .summary = u"Look at the phone library's data and services, and change them"_s,
+        .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
+                  pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
+                  callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
+                  handsetCommand(), inspectCommand(), monitorCommand(),   replayCommand(),     chartCommand(),
+                  statusCommand(),  sendCommand(),    doctorCommand(),    topCommand(),        completionCommand()}};
 }
 
 } // namespace
@@ -45,7 +50,12 @@ int main(int argc, char** argv)
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
     const Command tool = zynphoneCommand();
-    const ExitCode code = runCommand(tool, tool.name, application.arguments().mid(1), console);
+    const QStringList words = application.arguments().mid(1);
+    ExitCode code = Done;
+    if (words.value(0) == kCompleteVerb)
+        console.write(completions(tool, words.mid(1)));
+    else
+        code = runCommand(tool, tool.name, words, console);
     if (console.isSound())
         return code;
     console.writeError(u"zynphone: cannot write to standard output"_s);

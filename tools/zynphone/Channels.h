@@ -1,0 +1,18 @@
+// The library's channels by their names.
+#pragma once
+
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include <QtCore/QStringList>
+
+namespace zyn::tool {
+
+inline QStringList channelNames()
+{
+    QStringList names;
+    for (const char* const channel : kChannels)
+        names += QString::fromUtf8(channel);
+    return names;
+}
+
+} // namespace zyn::tool

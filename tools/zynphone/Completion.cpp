@@ -1,0 +1,114 @@
+// What a command line may go on with.
+#include "tools/zynphone/Completion.h"
+
+#include "tools/zynphone/Command.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// Follows the words in front of the one to complete.
+class Place
+{
+public:
+    explicit Place(const Command& tool)
+        : m_command(&tool)
+    {}
+
+    void pass(const QString& word)
+    {
+        if (!m_valueName.isEmpty())
+            m_valueName.clear();
+        else if (isOption(word))
+            m_valueName = word.contains(u'=') ? QString() : valueName(word);
+        else
+            passArgument(word);
+    }
+
+    QStringList candidates(const QString& beginning) const
+    {
+        if (!m_valueName.isEmpty())
+            return m_command->words.value(m_valueName);
+        return isOption(beginning) ? options() : argumentWords();
+    }
+
+private:
+    static bool isOption(const QString& word) { return word.startsWith(u'-'); }
+    QList<QCommandLineOption> allOptions() const { return m_command->options + commonOptions(); }
+
+    /// What the value of the option @p word is called; null when it takes none.
+    QString valueName(const QString& word) const
+    {
+        for (const QCommandLineOption& option : allOptions()) {
+            if (option.names().contains(word.mid(2)))
+                return option.valueName();
+        }
+        return {};
+    }
+
+    void passArgument(const QString& word)
+    {
+        const auto verb = std::ranges::find(m_command->verbs, word, &Command::name);
+        if (m_arguments == 0 && verb != m_command->verbs.end())
+            m_command = &*verb;
+        else
+            ++m_arguments;
+    }
+
+    QStringList options() const
+    {
+        QStringList names;
+        for (const QCommandLineOption& option : allOptions())
+            names += u"--"_s + option.names().constFirst();
+        return names;
+    }
+
+    /// Verbs, and what the argument may be whose turn it is.
+    QStringList argumentWords() const
+    {
+        QStringList words;
+        for (const Command& verb : m_command->verbs) {
+            if (m_arguments == 0)
+                words += verb.name;
+        }
+        const std::vector<Argument>& arguments = m_command->arguments;
+        if (m_arguments < arguments.size())
+            words += m_command->words.value(arguments[m_arguments].name);
+        else if (!arguments.empty() && arguments.back().takesAll())
+            words += m_command->words.value(arguments.back().name);
+        return words;
+    }
+
+    const Command* m_command;
+    size_t m_arguments = 0;
+    QString m_valueName; ///< of the option whose value comes next
+};
+
+} // namespace
+
+namespace zyn::tool {
+
+QString completions(const Command& tool, const QStringList& words)
+{
+    // The shell takes the sign between an option and its value for a word of its own.
+    QStringList before = words;
+    QString beginning = before.isEmpty() ? QString() : before.takeLast();
+    before.removeAll(u"="_s);
+    if (beginning == "="_L1)
+        beginning.clear();
+    Place place(tool);
+    for (const QString& word : before)
+        place.pass(word);
+    QString lines;
+    for (const QString& candidate : place.candidates(beginning)) {
+        if (candidate.startsWith(beginning))
+            lines += candidate + u'\n';
+    }
+    return lines;
+}
+
+} // namespace zyn::tool

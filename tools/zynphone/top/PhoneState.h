@@ -1,0 +1,82 @@
+// The phone's state, as far as it is known.
+#pragma once
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+#include <array>
+#include <cstdint>
+
+namespace zyn::tool {
+
+enum class Item : uint8_t {
+    LastMessage,
+    Battery,
+    BatteryStatus,
+    Charger,
+    PowerEvent,
+    SimCard,
+    Pin,
+    SubsidyLock,
+    Imsi,
+    KeypadLock,
+    PhoneSystem,
+    Network,
+    NetworkId,
+    ServiceName,
+    Provider,
+    HomeZone,
+    Signal,
+    Service,
+    Roaming,
+    GprsAttached,
+    GprsService,
+    GprsActivated,
+    EgprsService,
+    EgprsTransmission,
+    TotalBytes,
+    SessionBytes,
+    WifiProfile,
+    WifiEvent,
+    Uma,
+    Call,
+    Connection,
+    ConnectionTotal,
+    LastLogged,
+    Missed,
+    Favourite0, ///< the first of five
+    Favourite4 = Favourite0 + 4,
+    Count,
+};
+
+/// One text for each item, unknown at first.
+class PhoneState : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Value
+    {
+        QString text; ///< null while it is not known; as it came, so that it may hold anything
+        bool isAlert = false;
+
+        bool operator==(const Value&) const = default;
+    };
+
+    const Value& value(Item item) const { return m_values.at(static_cast<size_t>(item)); }
+    /// An empty @p text becomes "none".
+    void set(Item item, const QString& text, bool isAlert = false);
+    /// The item is not known any more.
+    void forget(Item item);
+
+Q_SIGNALS:
+    /// A value differs from what it was.
+    void changed();
+
+private:
+    void assign(Item item, const Value& value);
+
+    std::array<Value, static_cast<size_t>(Item::Count)> m_values;
+};
+
+} // namespace zyn::tool

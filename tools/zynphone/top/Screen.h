@@ -1,0 +1,47 @@
+// The terminal as a screen that is drawn, and left as it was.
+#pragma once
+
+#include "tools/zynphone/top/Canvas.h"
+
+#include <optional>
+
+#include <termios.h>
+
+namespace zyn::tool {
+
+class Console;
+
+/**
+ * Takes the terminal behind the console: its other screen, without a cursor, and keys as they are pressed.
+ *
+ * Only plain ANSI sequences are used. The destructor gives the terminal back.
+ */
+class Screen
+{
+public:
+    explicit Screen(Console& console);
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+    ~Screen() { leave(); }
+
+    /// @{ Takes the terminal, which shows nothing then, and gives it back. Doing so again changes nothing.
+    void enter();
+    void leave();
+    /// @}
+
+    /// A blank canvas of the terminal's present size.
+    Canvas blank() const;
+    /// Shows @p canvas: where the size is the same, only the cells that differ from what is shown are written.
+    void show(const Canvas& canvas);
+    /// Takes for granted no longer what the terminal shows.
+    void forget() { m_shown.reset(); }
+
+private:
+    Console& m_console;
+    const bool m_inColour;
+    bool m_isTaken = false;
+    std::optional<termios> m_keyboard; ///< as it was found
+    std::optional<Canvas> m_shown;
+};
+
+} // namespace zyn::tool
