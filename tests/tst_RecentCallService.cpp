@@ -465,6 +465,7 @@ private Q_SLOTS:
         m_files->setLimits(50, 1, 50);
         stop();
         start();
+        expect("");
         addUnread(kMissed);
         expect("0");
         addUnread(kMissed);

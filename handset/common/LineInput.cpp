@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -27,6 +28,8 @@ LineInput::LineInput(qsizetype longestLine)
 
 void LineInput::ask()
 {
+    if (::isatty(STDIN_FILENO) != 0)
+        dropTyped();
     m_isAsked = true;
     deliver();
 }
@@ -50,6 +53,16 @@ void LineInput::read()
         m_lines += std::exchange(m_line, {});
     }
     deliver();
+}
+
+void LineInput::dropTyped()
+{
+    // A process in the background would be stopped for touching its terminal.
+    const pid_t foreground = ::tcgetpgrp(STDIN_FILENO);
+    if (foreground == -1 || foreground == ::getpgrp())
+        ::tcflush(STDIN_FILENO, TCIFLUSH);
+    m_line.clear();
+    m_lines.clear();
 }
 
 void LineInput::take(char character)

@@ -17,7 +17,8 @@ public:
     /// @param longestLine  in bytes; what is longer is cut, and marked so that it answers nothing
     explicit LineInput(qsizetype longestLine = 80);
 
-    /// Emits entered() for the next line, as soon as it is there.
+    /// Emits entered() for the next line, as soon as it is there. What is typed at a terminal before is no answer: it
+    /// is dropped.
     void ask();
     /// Asks no more.
     void cancel();
@@ -28,6 +29,7 @@ Q_SIGNALS:
 
 private:
     void read();
+    void dropTyped();
     void take(char character);
     void deliver();
 

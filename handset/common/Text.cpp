@@ -19,6 +19,37 @@ QList<qsizetype> columnWidths(const QList<QStringList>& rows)
     return widths;
 }
 
+constexpr char16_t kFirstOfTwoBytes = 0x100;
+
+QString hex(const char* before, char16_t unit, int digits)
+{
+    return QLatin1String(before) + QStringLiteral("%1").arg(uint{unit}, digits, 16, QLatin1Char('0'));
+}
+
+/// Whether @p character does nothing but show; half of a pair does not.
+bool isPrintable(char32_t character)
+{
+    const QChar::Category category = QChar::category(character);
+    return QChar::isPrint(character) && category != QChar::Separator_Line && category != QChar::Separator_Paragraph;
+}
+
+QString escaped(QStringView text, QString (*escape)(char16_t unit))
+{
+    QString result;
+    while (!text.isEmpty()) {
+        const bool isPair = text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate();
+        const QStringView character = text.first(isPair ? 2 : 1);
+        text = text.sliced(character.size());
+        if (isPrintable(isPair ? QChar::surrogateToUcs4(character[0], character[1]) : character[0].unicode())) {
+            result += character;
+            continue;
+        }
+        for (const QChar unit : character)
+            result += escape(unit.unicode());
+    }
+    return result;
+}
+
 constexpr qint64 kSecondsPerMinute = 60;
 constexpr qint64 kSecondsPerHour = 3600;
 
@@ -28,14 +59,13 @@ namespace zyn::handset {
 
 QString printable(const QString& text)
 {
-    QString result;
-    for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(int{character.unicode()}, 2, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
-    return result;
+    return escaped(text,
+                   [](char16_t unit) { return unit < kFirstOfTwoBytes ? hex("\\x", unit, 2) : hex("\\u", unit, 4); });
+}
+
+QString jsonEscaped(const QString& text)
+{
+    return escaped(text, [](char16_t unit) { return hex("\\u", unit, 4); });
 }
 
 QString alignedLines(const QList<QStringList>& rows)

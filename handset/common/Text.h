@@ -7,8 +7,12 @@
 
 namespace zyn::handset {
 
-/// @p text with its control characters written as \xNN: stored and received text must not steer a terminal.
+/// @p text with every character that is not printable written as \xNN, or \uNNNN: stored and received text must not
+/// steer a terminal.
 QString printable(const QString& text);
+
+/// The same with \uNNNN for all of them, as JSON takes it in a text.
+QString jsonEscaped(const QString& text);
 
 /// The lines of @p rows, their cells aligned two blanks apart.
 QString alignedLines(const QList<QStringList>& rows);

@@ -5,6 +5,7 @@
 #include "handset/common/TerminationSignals.h"
 #include "handset/common/Text.h"
 #include "handset/idle_screen/FavouriteCounters.h"
+#include "handset/recent_calls/Coalescing.h"
 #include "handset/recent_calls/MissedCallEngine.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 
@@ -25,7 +26,8 @@ QString counterText(const handset::MissedCallEngine& engine, const RC_MissedCall
     if (unread.isEmpty())
         return u"missed 0 unread\n"_s;
     const RC_MissedCallItem& last = unread.first();
-    return u"missed %1 unread, last %2 at %3\n"_s.arg(QString::number(unread.size()), handset::printable(last.first),
+    const QString number = last.first.isEmpty() ? u"an unknown number"_s : handset::printable(last.first);
+    return u"missed %1 unread, last %2 at %3\n"_s.arg(QString::number(unread.size()), number,
                                                       engine.start(last).toString(u"yyyy-MM-dd HH:mm:ss"));
 }
 
@@ -60,7 +62,8 @@ int main(int argc, char** argv)
         if (std::exchange(shown, text) != text)
             output.write(text);
     };
-    QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &application, show);
+    handset::Coalescing update(show);
+    QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &update, &handset::Coalescing::trigger);
     QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
     show();
     const handset::FavouriteCounters favouriteCounters(output);
@@ -68,5 +71,5 @@ int main(int argc, char** argv)
     const int code = QCoreApplication::exec();
     RC_MissedCallInterface::destruction();
     RecentCall_MsgClient::destruction();
-    return code;
+    return output.isSound() ? code : EXIT_FAILURE;
 }

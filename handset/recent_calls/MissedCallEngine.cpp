@@ -27,7 +27,7 @@ RC_MissedCallList MissedCallEngine::getUnreadMissedCallList()
 
 RC_MissedCallItem MissedCallEngine::itemOf(const PHONE_ENG_RecentCall& call)
 {
-    const QDateTime start = call.getStartDateTime();
+    const QDateTime start = call.getStartDateTime().toUTC();
     return {.date = start.date(),
             .value = start.time().msecsSinceStartOfDay() / kMillisecondsPerSecond,
             .first = call.getPhoneNumber(),
@@ -38,7 +38,8 @@ RC_MissedCallItem MissedCallEngine::itemOf(const PHONE_ENG_RecentCall& call)
 
 QDateTime MissedCallEngine::start(const RC_MissedCallItem& item)
 {
-    return QDateTime(item.date, QTime::fromMSecsSinceStartOfDay(item.value * kMillisecondsPerSecond));
+    return QDateTime(item.date, QTime::fromMSecsSinceStartOfDay(item.value * kMillisecondsPerSecond), Qt::UTC)
+        .toLocalTime();
 }
 
 } // namespace zyn::handset

@@ -13,14 +13,14 @@ namespace zyn::handset {
  *
  * While it lives it is the engine of the process, which has one at a time. What it makes of a call:
  *
- * | Member   | Content                                          |
- * |----------|--------------------------------------------------|
- * | `date`   | the day on which the call came, local time       |
- * | `value`  | the time of that day, in seconds                 |
- * | `first`  | the number                                       |
- * | `second` | the name, empty when there is none               |
- * | `word1`  | the call's uid                                   |
- * | `word2`  | the call's type, RC_CALL_TYPE_T                  |
+ * | Member   | Content                                    |
+ * |----------|--------------------------------------------|
+ * | `date`   | the day on which the call came, UTC        |
+ * | `value`  | the second of that day                     |
+ * | `first`  | the number                                 |
+ * | `second` | the name, empty when there is none         |
+ * | `word1`  | the call's uid                             |
+ * | `word2`  | the call's type, RC_CALL_TYPE_T            |
  */
 class MissedCallEngine final : public RC_EngineStub
 {
@@ -39,7 +39,7 @@ public:
     static RC_MissedCallItem itemOf(const PHONE_ENG_RecentCall& call);
 
     /// @{ What @p item holds, of those that an engine of this class gives.
-    static QDateTime start(const RC_MissedCallItem& item);
+    static QDateTime start(const RC_MissedCallItem& item); ///< local time
     static int uid(const RC_MissedCallItem& item) { return static_cast<int32_t>(item.word1); }
     static RC_CALL_TYPE_T callType(const RC_MissedCallItem& item)
     {

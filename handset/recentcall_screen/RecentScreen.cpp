@@ -7,6 +7,7 @@
 #include "handset/recentcall_screen/ScreenText.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 
+#include <algorithm>
 #include <span>
 #include <utility>
 
@@ -26,9 +27,18 @@ std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
     return calls;
 }
 
-/// Lets the unread ones of @p calls count as read.
-void markShown(std::span<const Call> calls)
+/// Whether both are the same call, read or not. The uid alone does not tell: uids begin anew with new files.
+bool isSameCall(const Call& left, const Call& right)
 {
+    return left.category == right.category && left.uid == right.uid && left.startTime == right.startTime
+           && left.getPhoneNumber() == right.getPhoneNumber();
+}
+
+/// Lets the unread ones of @p calls count as read, unless @p output could not show them.
+void markShown(std::span<const Call> calls, const Output& output)
+{
+    if (!output.isSound())
+        return;
     for (const Call& call : calls) {
         // A service that does not answer would be waited for with every call.
         if (isUnread(call) && zyn::recentcall::markRead(call) == zyn::recentcall::Failure) {
@@ -53,6 +63,7 @@ namespace zyn::handset {
 RecentScreen::RecentScreen(Output& output, NumberPicker& picker)
     : m_output(output)
     , m_picker(picker)
+    , m_missedUpdate([this] { refresh(); })
 {}
 
 void RecentScreen::obey(RecentCall_MsgClient& client)
@@ -61,7 +72,7 @@ void RecentScreen::obey(RecentCall_MsgClient& client)
     connect(&client, &RecentCall_MsgClient::signalShowPage, this, &RecentScreen::showPage);
     connect(&client, &RecentCall_MsgClient::signalShowDetail, this, &RecentScreen::showDetail);
     connect(&client, &RecentCall_MsgClient::signalHideUI, this, &RecentScreen::hide);
-    connect(&client, &RecentCall_MsgClient::signalMissedCallUpdate, this, &RecentScreen::refresh);
+    connect(&client, &RecentCall_MsgClient::signalMissedCallUpdate, &m_missedUpdate, &Coalescing::trigger);
 }
 
 void RecentScreen::showCategory(RC_CALL_CATEGORY_T category, OTHER_COMPONENT_SHOW_UI component)
@@ -105,7 +116,7 @@ void RecentScreen::draw(const ScreenPage& page, Calls calls)
     m_output.write(pageText(page, calls));
     m_page = page.asksForNumber ? nullptr : &page;
     m_calls = std::move(calls);
-    markShown(m_calls);
+    markShown(m_calls, m_output);
 }
 
 void RecentScreen::showDetail(RC_CALL_CATEGORY_T category, int index)
@@ -120,7 +131,7 @@ void RecentScreen::showDetail(RC_CALL_CATEGORY_T category, int index)
     m_picker.close();
     m_output.write(detailText(*page, index, call));
     m_page = nullptr;
-    markShown(std::span(&call, 1));
+    markShown(std::span(&call, 1), m_output);
 }
 
 void RecentScreen::hide()
@@ -137,7 +148,7 @@ void RecentScreen::refresh()
     if (!m_page)
         return;
     auto calls = callsOf(*m_page);
-    if (calls && *calls != m_calls)
+    if (calls && !std::ranges::equal(*calls, m_calls, isSameCall))
         draw(*m_page, std::move(*calls));
 }
 

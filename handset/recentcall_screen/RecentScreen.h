@@ -1,6 +1,7 @@
 // The recent-call screens.
 #pragma once
 
+#include "handset/recent_calls/Coalescing.h"
 #include "handset/recentcall_screen/NumberPicker.h"
 #include "handset/recentcall_screen/ScreenPage.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -20,7 +21,8 @@ class Output;
  * read.
  *
  * A list on the screen follows the missed calls; the numbers of an open picker stay as they are, since the user goes by
- * their rows. What cannot be shown is told in the log and leaves the screen as it is.
+ * their rows. What cannot be had is told in the log and leaves the screen as it is. What could not be written counts as
+ * unread still.
  */
 class RecentScreen : public QObject
 {
@@ -46,6 +48,7 @@ private:
 
     Output& m_output;
     NumberPicker& m_picker;
+    Coalescing m_missedUpdate;
     const ScreenPage* m_page = nullptr; ///< the list on the screen; null for a detail, a picker or nothing
     Calls m_calls;                      ///< what that list shows
 };

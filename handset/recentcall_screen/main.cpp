@@ -23,11 +23,12 @@ QString description()
     QStringList pages;
     for (const handset::ScreenPage& page : handset::kScreenPages)
         pages += u"%1 %2"_s.arg(page.page).arg(QLatin1String(page.name));
-    return u"Plays the recent-call screens: shows what others ask for on the channel\n/ZYN/recentcall, lets the missed "
-           "calls that it has shown count as read,\nand answers the number picker with the number of the row that is "
-           "typed,\nor with none for an empty line or at the end of the input.\nPages: %1. Rows are counted from "
-           "0.\nEnds "
-           "on SIGTERM and SIGINT, and when the handset is switched off."_s.arg(pages.join(u", "_s));
+    return u"Plays the recent-call screens: shows what others ask for on the channel\n"
+           "/ZYN/recentcall, lets the missed calls that it has shown count as read,\n"
+           "and answers the number picker with the number of the row that is typed,\n"
+           "or with none for an empty line or at the end of the input.\n"
+           "Pages: %1. Rows are counted from 0.\n"
+           "Ends on SIGTERM and SIGINT, and when the handset is switched off."_s.arg(pages.join(u", "_s));
 }
 
 /// What the picker is answered with, when --pick is given: a row, or an empty line for none.
@@ -79,5 +80,5 @@ int main(int argc, char** argv)
     const int code = QCoreApplication::exec();
     picker.close();
     RecentCall_MsgClient::destruction();
-    return code;
+    return output.isSound() ? code : EXIT_FAILURE;
 }

@@ -1,6 +1,7 @@
 // The server end of the recent-call socket.
 #include "handset/recentcall_service/RecentCallService.h"
 
+#include "handset/recentcall_service/Announcement.h"
 #include "handset/recentcall_service/ServiceConnection.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 
@@ -22,5 +23,9 @@ bool RecentCallService::listen()
         return false;
     // The files are this service's alone from here on; nobody is kept waiting while they are read.
     m_calls.emplace();
-    return m_server.listen();
+    if (!m_server.listen())
+        return false;
+    // Whoever has asked before got no answer, or one of a service that has died.
+    announceMissedCalls();
+    return true;
 }

@@ -26,8 +26,8 @@ public:
     /// The path of the socket.
     static QString socketPath();
 
-    /// Starts to listen, in place of a service that died; false, and told in the log, when another one lives
-    /// or the socket cannot be had.
+    /// Starts to listen, in place of a service that died, and announces the missed calls that it has; false, and told
+    /// in the log, when another one lives or the socket cannot be had.
     bool listen();
 
 private:

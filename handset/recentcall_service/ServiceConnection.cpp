@@ -1,9 +1,8 @@
 // One client of the recent-call service.
 #include "handset/recentcall_service/ServiceConnection.h"
 
-#include "handset/common/Log.h"
+#include "handset/recentcall_service/Announcement.h"
 #include "recentcall/utility/PlainBytes_p.h"
-#include "recentcall/utility/RecentCall_Msg.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include <iterator>
@@ -46,8 +45,8 @@ bool ServiceConnection::admits(const CommandFrameHeader& header)
 void ServiceConnection::carryOut(const CommandFrameHeader& header, std::span<const std::byte> data)
 {
     (this->*rowFor(kCommands, header)->carryOut)(data);
-    if (m_calls.takeMissedChange() && !RecentCall_Msg::send(RecentCall_Msg::RECENTCALL_MSG_MISSEDCALL_UPDATE_S))
-        zyn::handset::log(QStringLiteral("a change of the missed calls could not be announced"));
+    if (m_calls.takeMissedChange())
+        announceMissedCalls();
 }
 
 void ServiceConnection::greet(std::span<const std::byte> data)

@@ -3,7 +3,6 @@
 
 #include "tools/zynphone/ChartSvg.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/JsonText.h"
 #include "tools/zynphone/Recording.h"
 
 #include <QtCore/QFileInfo>

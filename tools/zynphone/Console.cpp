@@ -1,8 +1,6 @@
 // The tool's own output, kept apart from what the library traces.
 #include "tools/zynphone/Console.h"
 
-#include "tools/zynphone/JsonText.h"
-
 #include <cstdio>
 
 namespace zyn::tool {

@@ -9,6 +9,7 @@
 
 namespace zyn::tool {
 
+using handset::jsonEscaped;
 using handset::printable;
 
 /// Standard output and standard error of the tool.

@@ -1,11 +1,11 @@
 // The forms in which the fields of stored records are written down.
 #include "tools/zynphone/FieldForms.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/FieldText.h"
 #include "tools/zynphone/HexText.h"
-#include "tools/zynphone/JsonText.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QRegularExpression>
@@ -17,6 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::jsonEscaped;
 
 QJsonValue numberValue(const QByteArray& bytes)
 {

@@ -1,8 +1,8 @@
 // A message as one line for people, and as an object for programs.
 #include "tools/zynphone/MessageText.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/HexText.h"
-#include "tools/zynphone/JsonText.h"
 #include "tools/zynphone/MessageFields.h"
 
 #include <QtCore/QJsonArray>
@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::jsonEscaped;
 
 constexpr qsizetype kChannelWidth = 20;
 constexpr qsizetype kNameWidth = 16;

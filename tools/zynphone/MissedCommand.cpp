@@ -2,6 +2,7 @@
 #include "tools/zynphone/MissedCommand.h"
 
 #include "handset/common/TerminationSignals.h"
+#include "handset/recent_calls/Coalescing.h"
 #include "handset/recent_calls/MissedCallEngine.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
@@ -23,6 +24,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::Coalescing;
 using zyn::handset::MissedCallEngine;
 
 constexpr Column<RC_MissedCallItem> kColumns[] = {
@@ -50,7 +52,7 @@ public:
 
     void show()
     {
-        const Table table(kColumns, RC_MissedCallInterface::instance()->getUnreadMissedCalls());
+        const Table table(kColumns, m_engine.getUnreadMissedCallList());
         if (!m_engine.isAnswered())
             throw recentCallServiceError();
         const QJsonObject object{{u"unread"_s, table.count()}, {u"calls"_s, table.json()}};
@@ -67,11 +69,8 @@ public:
     /// Shows them at each change, until it has been often enough.
     void follow()
     {
-        QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_context, [this] {
-            showAgain();
-            if (isOver())
-                QCoreApplication::quit();
-        });
+        QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
+                         &Coalescing::trigger);
         show();
         if (!isOver())
             QCoreApplication::exec();
@@ -82,14 +81,13 @@ private:
 
     void showAgain()
     {
-        // More may come in the turn of the event loop that ends it.
-        if (isOver())
-            return;
         try {
             show();
         } catch (const CommandError& error) {
             m_console.writeError(u"zynphone: "_s + error.message());
         }
+        if (isOver())
+            QCoreApplication::quit();
     }
 
     Console& m_console;
@@ -97,7 +95,7 @@ private:
     std::optional<int> m_left; ///< none when there is no limit
     std::optional<QJsonObject> m_shown;
     MissedCallEngine m_engine;
-    QObject m_context;
+    Coalescing m_update{[this] { showAgain(); }};
 };
 
 ExitCode showMissed(const Invocation& call, Console& console)
@@ -109,15 +107,15 @@ ExitCode showMissed(const Invocation& call, Console& console)
     }
     const TimeLimit limit(call);
     MissedCalls missed(call, console);
-    requireChannel(zyn::kRecentCallChannel);
-    const auto destroy = qScopeGuard([] {
-        RC_MissedCallInterface::destruction();
-        RecentCall_MsgClient::destruction();
-    });
     if (!follows) {
         missed.show();
         return Done;
     }
+    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
+    const auto destroy = qScopeGuard([] {
+        RC_MissedCallInterface::destruction();
+        RecentCall_MsgClient::destruction();
+    });
     const zyn::handset::TerminationSignals signalsThatEnd;
     limit.start();
     missed.follow();
@@ -137,7 +135,7 @@ Command missedCommand()
             .options = {jsonOption(),
                         flagOption(u"follow"_s, u"show them again at each change, until SIGINT or SIGTERM"_s),
                         valueOption(u"count"_s, u"N"_s, u"with --follow: end after showing them N times"_s),
-                        TimeLimit::option()},
+                        TimeLimit::option(u"with --follow: end after that time"_s)},
             .run = showMissed};
 }
 

@@ -74,14 +74,14 @@ ExitCode hide(const Invocation& /*call*/, Console& console)
 ExitCode pick(const Invocation& call, Console& console)
 {
     const TimeLimit limit(call, u"timeout"_s);
-    requireChannel(zyn::kRecentCallChannel);
+    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
     const zyn::handset::TerminationSignals signalsThatEnd;
     RC_MsgInterface* const screens = RC_MsgInterface::instance();
     const auto destroy = qScopeGuard([] {
         RC_MsgInterface::destruction();
         RecentCall_MsgClient::destruction();
     });
-    std::optional<QString> answer; // null: none was picked
+    std::optional<QString> answer; // empty: none was picked
     QObject::connect(screens, &RC_MsgInterface::rcFinished, screens, [&answer](bool selected, const QString& number) {
         // More may come in the turn of the event loop that ends it.
         if (!answer)
@@ -93,7 +93,7 @@ ExitCode pick(const Invocation& call, Console& console)
     QCoreApplication::exec();
     if (!answer)
         throw failure(u"the screens did not answer"_s);
-    if (answer->isNull())
+    if (answer->isEmpty())
         throw CommandError(NothingPicked, u"no number was picked"_s);
     console.write(printable(*answer) + u'\n');
     return Done;
@@ -148,8 +148,10 @@ Command pickRow()
 {
     return {.name = u"pick"_s,
             .summary = u"Ask for the number picker, and show the number that is picked"_s,
-            .details = u"\nThe exit code is %1 when none was picked, 1 when the screens did not answer.\n"_s.arg(
-                int{NothingPicked}),
+            .details =
+                u"\nWithout --timeout it waits for as long as nobody answers. The exit code is %1 when none was\n"
+                u"picked, 1 when there was no answer before the time was over or SIGINT or SIGTERM came.\n"_s.arg(
+                    int{NothingPicked}),
             .options = {valueOption(u"timeout"_s, u"SECONDS"_s, u"wait no longer for the answer"_s)},
             .run = pick};
 }

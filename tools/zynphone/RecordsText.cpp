@@ -1,9 +1,9 @@
 // Records of any kind as texts: CSV and JSON.
 #include "tools/zynphone/RecordsText.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/CsvText.h"
 #include "tools/zynphone/ExitCode.h"
-#include "tools/zynphone/JsonText.h"
 #include "tools/zynphone/NamedTexts.h"
 
 #include <QtCore/QJsonArray>
@@ -18,6 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::jsonEscaped;
 
 QString csvText(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records)
 {

@@ -85,11 +85,11 @@ void sendMessage(const QString& channel, const QString& message, const QByteArra
     console.write(u"sent\n"_s);
 }
 
-void requireChannel(const char* channel)
+void requireChannel(const char* channel, const QString& use)
 {
     // Who can listen can send: both need the channels' directory, and nothing else.
     if (!QCopChannel(channel).isListening())
-        throw failure(u"cannot send on %1"_s.arg(QLatin1String(channel)));
+        throw failure(u"cannot %1 %2"_s.arg(use, QLatin1String(channel)));
 }
 
 Command sendCommand()

@@ -10,7 +10,7 @@ Command sendCommand();
 /// Sends a message, and says so; throws when it cannot be sent.
 void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console);
 
-/// A failure when nothing can be sent on @p channel: for requests that do not tell.
-void requireChannel(const char* channel);
+/// A failure when the process cannot @p use @p channel: for requests that do not tell.
+void requireChannel(const char* channel, const QString& use = QStringLiteral("send on"));
 
 } // namespace zyn::tool

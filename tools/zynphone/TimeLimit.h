@@ -16,9 +16,9 @@ namespace zyn::tool {
 class TimeLimit
 {
 public:
-    static QCommandLineOption option()
+    static QCommandLineOption option(const QString& text = QStringLiteral("end after that time"))
     {
-        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), QStringLiteral("end after that time"));
+        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), text);
     }
 
     /// @param option  the one that sets it, if not option()

@@ -1,7 +1,7 @@
 // What a screen of a terminal shows, cell by cell.
 #include "tools/zynphone/top/Canvas.h"
 
-#include "tools/zynphone/JsonText.h"
+#include "handset/common/Text.h"
 
 #include <QtCore/QList>
 
@@ -25,7 +25,7 @@ struct Glyph
 std::vector<Glyph> glyphsOf(const QString& text)
 {
     std::vector<Glyph> glyphs;
-    for (char32_t code : zyn::tool::jsonEscaped(text).toUcs4()) {
+    for (char32_t code : zyn::handset::jsonEscaped(text).toUcs4()) {
         const int width = ::wcwidth(static_cast<wchar_t>(code));
         if (width > 0)
             glyphs.push_back({QString::fromUcs4(&code, 1), width});

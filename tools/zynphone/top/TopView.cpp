@@ -1,7 +1,7 @@
 // How the phone's state is laid out.
 #include "tools/zynphone/top/TopView.h"
 
-#include "tools/zynphone/JsonText.h"
+#include "handset/common/Text.h"
 #include "tools/zynphone/top/Canvas.h"
 #include "tools/zynphone/top/PhoneState.h"
 
@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using zyn::handset::jsonEscaped;
 
 struct Line
 {

@@ -1,0 +1,5 @@
+// What the recent-call service tells everybody.
+#pragma once
+
+/// Announces that the missed calls may be others than before; told in the log when that cannot be done.
+void announceMissedCalls();
