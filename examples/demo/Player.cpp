@@ -58,9 +58,11 @@ Player::Player(Day day, QString store, Pace pace)
 bool Player::play()
 {
     for (const Step& step : m_day.steps) {
+        pause(kBeforeStep);
+        if (m_isInterrupted)
+            return false;
         if (!step.chapter.isEmpty())
             m_view.chapter(step.chapter);
-        pause(kBeforeStep);
         m_view.act(step.who, step.whom, timesText(step.times) + (step.verbText + u"  "_s + step.what).trimmed());
         for (int number = 1; number <= step.times; ++number)
             play(step, filled(step.what, number));
@@ -68,9 +70,9 @@ bool Player::play()
             if (!step.isAnswer(expectation))
                 expect(expectation, *m_day.member(expectation.who), m_actors[expectation.who]);
         }
-        if (m_isInterrupted)
-            return false;
     }
+    if (m_isInterrupted)
+        return false;
     m_view.chapter(u"What the witnesses have seen, line by line"_s);
     for (const Member& member : m_day.cast) {
         if (member.isWitness)

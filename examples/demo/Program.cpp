@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include <sys/prctl.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -16,8 +17,11 @@ constexpr int kPatience = 5000; ///< milliseconds that a program may take to end
 Program::Program()
 {
     m_process.setProcessChannelMode(QProcess::MergedChannels);
-    // Whatever ends the one that started it.
-    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    // Only the player hears Ctrl+C, and ends the others; they end with it, too, whatever ends it.
+    m_process.setChildProcessModifier([] {
+        ::setpgid(0, 0);
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    });
     connect(&m_process, &QProcess::readyRead, this, &Program::read);
     connect(&m_process, &QProcess::finished, this, &Program::read);
     connect(&m_process, &QProcess::errorOccurred, this, &Program::changed);
