@@ -15,10 +15,10 @@ namespace {
 /// How long a process may take from making the lock file to writing its number into it.
 constexpr auto kBirth = 200ms;
 
-QString lockPath()
+QString madeStoreDirectory()
 {
     zyn::makeStoreDirectory();
-    return QFile::decodeName(zyn::storeDirectoryPath()) + QLatin1Char('/') + QLatin1String(zyn::kActivityLogLockName);
+    return QFile::decodeName(zyn::storeDirectoryPath());
 }
 
 } // namespace
@@ -26,7 +26,11 @@ QString lockPath()
 namespace zyn::favourites {
 
 ActivityLogLock::ActivityLogLock()
-    : m_file(lockPath())
+    : ActivityLogLock(madeStoreDirectory())
+{}
+
+ActivityLogLock::ActivityLogLock(const QString& directory)
+    : m_file(directory + QLatin1Char('/') + QLatin1String(kActivityLogLockName))
 {
     m_file.setStaleLockTime(0);
 }

@@ -3,10 +3,14 @@
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
+#include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <QtCore/QByteArrayView>
+#include <QtCore/QString>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace zyn {
@@ -74,6 +78,26 @@ inline bool isContactRecordInUse(QByteArrayView image, int slot)
 inline void readContactRecord(PHONE_ENG_ActivityLog& record, QByteArrayView image, int slot)
 {
     std::memcpy(static_cast<void*>(&record), image.data() + getTopPalsAvlFilePos(slot), sizeof record);
+}
+
+/// Whether @p name would lead out of the store directory, or to a file of another kind.
+inline bool isForeignName(const QString& name)
+{
+    static const std::array kNames = {QStringLiteral("."), QStringLiteral(".."),
+                                      QString::fromLatin1(kActivityLogLockName), QString::fromLatin1(kSeenCallsName),
+                                      // The names of record files begin with a slash.
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ANSWERED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_MISSED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_DIALED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ALL) + 1)};
+    return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(kStagedInfix))
+           || std::ranges::find(kNames, name) != kNames.end();
+}
+
+/// Whether the file of a contact may have the name @p number.
+inline bool canNameContactFile(const QString& number)
+{
+    return !number.isEmpty() && number != QLatin1String(kTopPalsDetailsName) && !isForeignName(number);
 }
 
 } // namespace zyn

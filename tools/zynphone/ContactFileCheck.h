@@ -5,6 +5,9 @@
 
 namespace zyn::tool {
 
+/// How many slots the settings of this handset give the file of a favourite.
+int contactSlots();
+
 /// Whether the name is one that a telephone number gives.
 bool isContactFileName(const QString& name);
 /// Whether header and size fit, and most slots know their place: the size alone may be that of a record file.
