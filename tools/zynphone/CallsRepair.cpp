@@ -66,7 +66,7 @@ CallsRepair::CallsRepair(const QString& name, Findings& log)
 bool CallsRepair::isLikely(const QByteArray& record, int slot) const
 {
     const Call call = callOf(record);
-    return call.inUse == 1 && (call.slot == slot || call.category == m_list);
+    return int{call.inUse == 1} + int{call.slot == slot} + int{call.category == m_list} >= 2;
 }
 
 bool CallsRepair::isNewer(const QByteArray& record, const QByteArray& other) const

@@ -7,7 +7,8 @@
 
 namespace zyn::tool {
 
-/// One list's file. A record of a damaged file is taken for one when it names its slot or its list.
+/// One list's file. A record of a damaged file is taken for one when two of these hold: its flag says
+/// that it is in use, it names its slot, it names its list.
 class CallsRepair : public SlotRepair
 {
 public:

@@ -35,7 +35,7 @@ bool ContactRepair::isLikely(const QByteArray& record, int slot) const
 {
     Entry entry;
     read(entry, record);
-    return entry.inUse == 1 && (entry.topPalsAvlPos == slot || entry.getPhoneNumber() == name());
+    return int{entry.inUse == 1} + int{entry.topPalsAvlPos == slot} + int{entry.getPhoneNumber() == name()} >= 2;
 }
 
 bool ContactRepair::isNewer(const QByteArray& record, const QByteArray& other) const

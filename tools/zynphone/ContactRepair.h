@@ -5,7 +5,8 @@
 
 namespace zyn::tool {
 
-/// A record of a damaged file is taken for one when it names its slot or the file's number.
+/// A record of a damaged file is taken for one when two of these hold: its flag says that it is in use, it names its
+/// slot, it has the file's number.
 class ContactRepair : public SlotRepair
 {
 public:

@@ -1,7 +1,6 @@
 // zynphone favourites: the favourites and their activity log.
 #include "tools/zynphone/FavouritesCommand.h"
 
-#include "handset/favourites/ActivityLogLock.h"
 #include "handset/favourites/Favourites.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
@@ -10,6 +9,8 @@
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/FavouritesFileCommand.h"
+#include "tools/zynphone/FavouritesOwnership.h"
 #include "tools/zynphone/FieldText.h"
 #include "tools/zynphone/SendCommand.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -31,20 +32,6 @@ using Entry = PHONE_ENG_ActivityLog;
 /// Of an entry that was made of no call in the call log.
 constexpr int32_t kNoUid = -1;
 constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
-
-/// The right to change the activity log, for as long as it lives.
-class Ownership
-{
-public:
-    Ownership()
-    {
-        if (!m_lock.take())
-            throw failure(m_lock.problem());
-    }
-
-private:
-    favourites::ActivityLogLock m_lock;
-};
 
 struct Favourite
 {
@@ -123,7 +110,7 @@ ExitCode replaceFavourite(const Invocation& call, Console& console)
         throw usageError(u"both numbers are empty"_s);
     if (!newNumber.isEmpty())
         callNumber(newNumber);
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     return tellChange(oldNumber, newNumber, console);
 }
 
@@ -148,7 +135,7 @@ ExitCode logEntry(const Invocation& call, Console& console)
     Entry entry(callFrom(call, listFrom(call), callNumber(call.argument(0))));
     entry.uid = kNoUid;
     setMessage(entry, call);
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     const QString key = favouriteFrom(call);
     if (!favourites::addEntry(entry, key))
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
@@ -191,7 +178,7 @@ ExitCode removeEntry(const Invocation& call, Console& console)
 
 ExitCode remove(const Invocation& call, Console& console)
 {
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     if (call.arguments().size() > 1)
         return removeEntry(call, console);
     return tellChange(callNumber(call.argument(0)), QString(), console);
@@ -300,9 +287,10 @@ Command favouritesCommand()
         .summary = u"The favourites and their activity log"_s,
         .details =
             u"\nA favourite is registered, logged and counted under the last %1 characters of its number.\n"
-            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"_s.arg(
-                kFavouriteKeyLength),
-        .verbs = {listRow(), replaceRow(), logRow(), showRow(), unreadRow(), removeRow(), announceRow()}};
+            "The verbs replace, log, remove and import write: only while no zyn-favourites runs, which does so itself.\n"_s
+                .arg(kFavouriteKeyLength),
+        .verbs = {listRow(), replaceRow(), logRow(), showRow(), unreadRow(), removeRow(), announceRow(),
+                  favouritesExportRow(), favouritesImportRow()}};
 }
 
 } // namespace zyn::tool
