@@ -155,6 +155,7 @@ private Q_SLOTS:
     void repairsAllDamage();
     void keepsTheNewestOfTooMany();
     void givesFavouritesBack();
+    void importsWhatHasAPlace();
     void leavesAStoreInUse();
     void refusesWhatIsNoStore();
 
@@ -342,6 +343,34 @@ void ZynphoneStoreTest::givesFavouritesBack()
         QVERIFY(run({u"favourites"_s, u"export"_s, u"--format"_s, ending}).startsWith(QString::fromUtf8(exported)));
     }
     QCOMPARE(inspect("--verify"), u"*/phone: 0 problems\nexit 0"_s);
+}
+
+void ZynphoneStoreTest::importsWhatHasAPlace()
+{
+    QByteArray text = "favourite,start,message\n";
+    for (const char* number : {"0305550001", "1", "2", "3", "4", "a/b"})
+        text += QByteArray(number) + ",1970-01-01T00:00:09Z,x\n";
+    m_store->write(u"../a.csv"_s, text);
+    const QStringList import{u"favourites"_s, u"import"_s, m_store->path() + u"/a.csv"_s};
+    const auto refused =
+        u"zynphone: no place is free for 4\n"
+        "zynphone: a/b cannot be made a favourite: it can name no file, or the files cannot be written\n"_s;
+    const QList<int> before = records();
+    QCOMPARE(run(import + QStringList{u"--strict"_s}),
+             refused + u"zynphone: 2 favourites cannot be made; none was taken\nexit 1"_s);
+    QCOMPARE(records(), before);
+    QCOMPARE(run(import), u"logged 4 entries of 4 favourites\n"_s + refused + u"exit 1"_s);
+    // What is older than all that a full file holds does not push it out.
+    m_store->setSlots(u"4"_s);
+    inspect("--repair");
+    const QList<int> full = records();
+    run(import);
+    QCOMPARE(records(), full);
+
+    ServiceProcess owner;
+    QVERIFY(owner.start(ZYN_FAVOURITES));
+    QVERIFY(run(import).contains(u"(zyn-favourites) owns the favourites\nexit 1"_s));
+    owner.stop();
 }
 
 QTEST_GUILESS_MAIN(ZynphoneStoreTest)

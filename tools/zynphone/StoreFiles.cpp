@@ -20,10 +20,10 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 
 StoreFiles::StoreFiles(const QString& directory)
-    : m_directory(QDir::cleanPath(directory))
+    : m_directory(QDir::cleanPath(QDir(directory).absolutePath()))
 {
     const QDir dir(m_directory);
-    if (m_directory.isEmpty() || !dir.exists())
+    if (directory.isEmpty() || !dir.exists())
         throw CommandError(NoStore, u"%1: no such directory"_s.arg(directory));
     const QStringList names = dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
     if (std::ranges::none_of(names, isRecordFileName) && std::ranges::none_of(names, isFavouritesFileName))

@@ -22,6 +22,7 @@ public:
     /// that of the favourites.
     explicit StoreFiles(const QString& directory);
 
+    /// Its absolute path.
     const QString& directory() const { return m_directory; }
     QString path(const QString& name) const;
     const Images& images() const { return m_images; }
