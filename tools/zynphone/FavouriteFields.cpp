@@ -23,13 +23,15 @@ using Favourite = TopPalNumberDetail;
 /// Where the entry begins, behind its favourite.
 constexpr size_t kEntry = sizeof(Favourite);
 
-/// Unlike a call in the call log, an entry may be of no list.
+/// Unlike a call in the call log, an entry may be of no list, and of one that has but a number.
 constexpr FieldForm kAnyListForm{[](const QByteArray& bytes) {
                                      return QJsonValue(
                                          categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
                                  },
                                  [](const QString& text, const QString& name, qsizetype) {
-                                     return bytesOfNumber(wordNamed(kCategories, text, name).value);
+                                     bool isNumber = false;
+                                     const int number = text.toInt(&isNumber);
+                                     return bytesOfNumber(isNumber ? number : wordNamed(kCategories, text, name).value);
                                  }};
 
 constexpr StoredField kFavouriteFields[] = {

@@ -12,7 +12,6 @@
 #include "tools/zynphone/RecordsFile.h"
 
 #include <algorithm>
-#include <iterator>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
