@@ -385,14 +385,16 @@ void FavouritesTest::inspects()
     damaged.replace(zyn::getTopPalsAvlFilePos(1), bytes.size(), bytes);
     damaged[zyn::getTopPalsAvlFilePos(2)] = '5';
     m_store->write(u"555"_s, damaged + '5');
-    QCOMPARE(inspected("555"), QStringLiteral("activities of a favourite, 2 in use, not sound\n"
-                                              "  the size is 11409 bytes, not 11408\n"
-                                              "  slot 1: the entry names slot 3\n  slot 1: the index is -2\n"
-                                              "  slot 1: the number is '%1'\n  slot 1: the read flags are 0x35\n"
-                                              "  slot 1: the flag of its use is 53\n  slot 1: the number has no NUL\n"
-                                              "  slot 1: the name has no NUL\n  slot 1: the session id has no NUL\n"
-                                              "  slot 1: the message has no NUL\n  slot 2: it is free but not blank\n")
-                                   .arg(QString(42, u'5')));
+    QCOMPARE(inspected("555"),
+             QStringLiteral("activities of a favourite, 2 in use, not sound\n"
+                            "  the size is 11409 bytes, not 11408\n"
+                            "  slot 1: the entry names slot 3\n  slot 1: the index is -2\n"
+                            "  slot 1: the number is '%1'\n  slot 1: the read flags are 0x35\n"
+                            "  slot 1: the flag of its use is 53\n  slot 1: the flag of its completion is 53\n"
+                            "  slot 1: the number has no NUL\n"
+                            "  slot 1: the name has no NUL\n  slot 1: the session id has no NUL\n"
+                            "  slot 1: the message has no NUL\n  slot 2: it is free but not blank\n")
+                 .arg(QString(42, u'5')));
 
     m_store->write(u"555"_s, "");
     QVERIFY(run("favourites list")

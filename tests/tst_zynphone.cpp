@@ -316,11 +316,13 @@ void ZynphoneTest::inspectTellsDamage()
     damaged.replace(qsizetype(zyn::recordOffset(1)), 228, zyn::bytesOf(record).toByteArray());
     damaged[qsizetype(zyn::recordOffset(2))] = '1';
     const QByteArray all = told(damaged);
-    QCOMPARE(all.left(all.indexOf("SLOT")),
-             "2 in use, not sound\n  the size is 11636 bytes, not 11408\n  slot 1: the record names slot 3\n"
-             "  slot 1: the category is 9\n  slot 1: the number has no NUL\n  slot 1: the name has no NUL\n"
-             "  slot 1: the session id has no NUL\n  slot 1: uid 0 is that of slot 0 too\n"
-             "  slot 2: it is free but not blank\n");
+    QCOMPARE(
+        all.left(all.indexOf("SLOT")),
+        "2 in use, not sound\n  the size is 11636 bytes, not 11408\n  slot 1: the record names slot 3\n"
+        "  slot 1: the category is 9\n  slot 1: the read flags are 0x31\n  slot 1: the flag of its use is 49\n"
+        "  slot 1: the flag of its completion is 49\n  slot 1: the number has no NUL\n  slot 1: the name has no NUL\n"
+        "  slot 1: the session id has no NUL\n  slot 1: uid 0 is that of slot 0 too\n"
+        "  slot 2: it is free but not blank\n");
 }
 
 void ZynphoneTest::managesTheServicesCalls()

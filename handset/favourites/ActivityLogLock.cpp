@@ -4,6 +4,8 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
+#include <QtCore/QFile>
+
 #include <chrono>
 
 using namespace std::chrono_literals;
@@ -13,10 +15,10 @@ namespace {
 /// How long a process may take from making the lock file to writing its number into it.
 constexpr auto kBirth = 200ms;
 
-QString lockPath()
+QString madeStoreDirectory()
 {
     zyn::makeStoreDirectory();
-    return zyn::storePath(QLatin1String(zyn::kActivityLogLockName));
+    return QFile::decodeName(zyn::storeDirectoryPath());
 }
 
 } // namespace
@@ -24,7 +26,11 @@ QString lockPath()
 namespace zyn::favourites {
 
 ActivityLogLock::ActivityLogLock()
-    : m_file(lockPath())
+    : ActivityLogLock(madeStoreDirectory())
+{}
+
+ActivityLogLock::ActivityLogLock(const QString& directory)
+    : m_file(directory + QLatin1Char('/') + QLatin1String(kActivityLogLockName))
 {
     m_file.setStaleLockTime(0);
 }

@@ -14,6 +14,8 @@ class ActivityLogLock
 {
 public:
     ActivityLogLock();
+    /// Of the store in @p directory, which exists.
+    explicit ActivityLogLock(const QString& directory);
 
     /// Takes the lock; false when another process has it or the file cannot be made.
     bool take();

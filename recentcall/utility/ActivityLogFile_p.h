@@ -4,11 +4,14 @@
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
 #include "recentcall/utility/RecentCall_Setup.h"
+#include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <QtCore/QByteArrayView>
+#include <QtCore/QString>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace zyn {
@@ -89,6 +92,26 @@ inline void readContactRecord(PHONE_ENG_ActivityLog& record, QByteArrayView imag
 inline QByteArrayView contactRecordBytes(const PHONE_ENG_ActivityLog& record)
 {
     return QByteArrayView(reinterpret_cast<const char*>(&record), qsizetype{sizeof record});
+}
+
+/// Whether @p name would lead out of the store directory, or to a file of another kind.
+inline bool isForeignName(const QString& name)
+{
+    static const std::array kNames = {QStringLiteral("."), QStringLiteral(".."),
+                                      QString::fromLatin1(kActivityLogLockName), QString::fromLatin1(kSeenCallsName),
+                                      // The names of record files begin with a slash.
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ANSWERED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_MISSED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_DIALED) + 1),
+                                      QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ALL) + 1)};
+    return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(kStagedInfix))
+           || std::ranges::find(kNames, name) != kNames.end();
+}
+
+/// Whether the file of a contact may have the name @p number.
+inline bool canNameContactFile(const QString& number)
+{
+    return !number.isEmpty() && number != QLatin1String(kTopPalsDetailsName) && !isForeignName(number);
 }
 
 } // namespace zyn

@@ -2,13 +2,11 @@
 #include "recentcall/utility/TopPalsFile_p.h"
 
 #include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
 #include <QtCore/QFile>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace {
@@ -26,21 +24,6 @@ constexpr FileKind kDetails = {"checkTopPalsDetailsFile", "createTopPalsDetailsF
                                " createTopPalsDetailsFile:"};
 constexpr FileKind kContact = {"checkTopPalsFile", "createActivityLogTopPalsFile",
                                "  ENTER: createActivityLogTopPalsFile", "  ENTER:"};
-
-/// Whether @p name would lead out of the store directory, or to a file of another kind.
-bool isForeign(const QString& name)
-{
-    static const std::array kNames = {QStringLiteral("."), QStringLiteral(".."),
-                                      QString::fromLatin1(zyn::kActivityLogLockName),
-                                      QString::fromLatin1(zyn::kSeenCallsName),
-                                      // The names of record files begin with a slash.
-                                      QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_ANSWERED) + 1),
-                                      QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_MISSED) + 1),
-                                      QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_DIALED) + 1),
-                                      QString::fromLatin1(zyn::recordFileName(RC_CALL_CATEGORY_ALL) + 1)};
-    return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(zyn::kStagedInfix))
-           || std::ranges::find(kNames, name) != kNames.end();
-}
 
 bool check(const FileKind& kind, const QString& fileName, qint64 size)
 {
@@ -85,7 +68,7 @@ QString topPalsPath(const QString& name)
 {
     if (name.isEmpty())
         std::printf("TP5_AVL:RC Store: getStoreFileName(): cr_phoneNumber.isEmpty() == TRUE\n");
-    if (name.isEmpty() || isForeign(name))
+    if (name.isEmpty() || isForeignName(name))
         return {};
     return storePath(name);
 }

@@ -18,16 +18,10 @@ using namespace zyn::tool;
 using Entry = PHONE_ENG_ActivityLog;
 
 constexpr std::string_view kDialedCharacters = "0123456789*#+";
-constexpr uint8_t kKnownReadFlags = Entry::kRead | Entry::kStrictRead;
 
 QByteArrayView imageOf(const Entry& entry)
 {
     return QByteArrayView(reinterpret_cast<const char*>(&entry), qsizetype{sizeof entry});
-}
-
-QStringList contactSizeProblems(const QByteArray& image)
-{
-    return sizeProblems(image, zyn::contactFileSize(zyn::contactSlots()));
 }
 
 /// What is wrong with @p entry, in @p slot of the file @p name, seen alone.
@@ -40,11 +34,7 @@ QStringList entryProblems(const Entry& entry, int slot, const QString& name)
         problems += u"the index is %1"_s.arg(entry.topPalsAvlIndex);
     if (isContactFileName(name) && entry.getPhoneNumber() != name)
         problems += u"the number is '%1'"_s.arg(printable(entry.getPhoneNumber()));
-    if ((entry.readFlags & ~kKnownReadFlags) != 0)
-        problems += u"the read flags are 0x%1"_s.arg(entry.readFlags, 2, 16, QLatin1Char('0'));
-    if (entry.inUse != 1)
-        problems += u"the flag of its use is %1"_s.arg(int{entry.inUse});
-    problems += textProblems(entry);
+    problems += flagProblems(entry) + textProblems(entry);
     if (!isTerminated(entry.msgString))
         problems += u"the message has no NUL"_s;
     return problems;
@@ -54,8 +44,9 @@ QStringList entryProblems(const Entry& entry, int slot, const QString& name)
 class EntryCheck
 {
 public:
-    explicit EntryCheck(const QString& name)
+    EntryCheck(const QString& name, const QStringList& problems)
         : m_name(name)
+        , m_problems(problems)
     {}
 
     void look(const QByteArray& image, int slot)
@@ -64,24 +55,21 @@ public:
         zyn::readContactRecord(entry, image, slot);
         if (entry.inUse == 0) {
             if (imageOf(entry) != imageOf(m_blank))
-                report(slot, u"it is free but not blank"_s);
+                m_problems.add(slot, u"it is free but not blank"_s);
             m_entries.pop_back();
             return;
         }
-        for (const QString& problem : entryProblems(entry, slot, m_name))
-            report(slot, problem);
+        m_problems.add(slot, entryProblems(entry, slot, m_name));
         entry.topPalsAvlPos = slot;
     }
 
-    const QStringList& problems() const { return m_problems; }
+    const Problems& problems() const { return m_problems; }
     Table table() const { return Table(activityColumns(), m_entries); }
 
 private:
-    void report(int slot, const QString& problem) { m_problems += u"slot %1: %2"_s.arg(slot).arg(problem); }
-
     const QString m_name;
     const Entry m_blank;
-    QStringList m_problems;
+    Problems m_problems;
     std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
 };
 
@@ -115,11 +103,11 @@ FileFindings checkContactFile(const QString& name, const QByteArray& image)
 {
     QStringList problems = headerProblems(image);
     const int slots = problems.isEmpty() ? contactRecordCount(image) : 0;
-    problems += contactSizeProblems(image);
-    EntryCheck check(name);
+    problems += sizeProblems(image, contactFileSize(contactSlots()));
+    EntryCheck check(name, problems);
     for (int slot = 0; slot < slots; ++slot)
         check.look(image, slot);
-    return {u"activities of a favourite"_s, problems + check.problems(), check.table()};
+    return {u"activities of a favourite"_s, kSlotWord, check.problems(), check.table()};
 }
 
 } // namespace zyn::tool

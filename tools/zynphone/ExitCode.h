@@ -12,6 +12,7 @@ enum ExitCode : int {
     Failed = 1,        ///< the handset, a service or a file did not do what was asked, or is not sound
     Usage = 2,         ///< the command line asks for something that does not exist
     NothingPicked = 3, ///< the user was asked and picked nothing
+    NoStore = 4,       ///< the directory is none of a store
     Interrupted = 130, ///< a signal ended it before its work was done
 };
 

@@ -9,6 +9,7 @@
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/FavouritesEdit.h"
+#include "tools/zynphone/FavouritesFileCommand.h"
 #include "tools/zynphone/SendCommand.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
@@ -185,11 +186,12 @@ Command favouritesCommand()
         .details =
             u"\nA favourite is registered, logged and counted under the last %1 characters of its number: two numbers\n"
             "that end in the same %1 are one favourite, with one log.\n"
-            "The verbs replace, log and remove write: only while no zyn-favourites runs, which does so itself.\n"
+            "The verbs replace, log, remove and import write: only while no zyn-favourites runs, which does so "
+            "itself.\n"
             "They begin a new topPalsDetails where that is damaged; list, show and unread change nothing.\n"_s.arg(
                 kFavouriteKeyLength),
         .verbs = {listRow(), replaceFavouriteCommand(), logFavouriteCommand(), showRow(), unreadRow(),
-                  removeFavouriteCommand(), announceRow()}};
+                  removeFavouriteCommand(), announceRow(), favouritesExportRow(), favouritesImportRow()}};
 }
 
 } // namespace zyn::tool

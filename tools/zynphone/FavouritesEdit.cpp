@@ -1,12 +1,12 @@
 // What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
 #include "tools/zynphone/FavouritesEdit.h"
 
-#include "handset/favourites/ActivityLogLock.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/FavouritesOwnership.h"
 #include "tools/zynphone/FieldText.h"
 
 #include <algorithm>
@@ -23,20 +23,6 @@ using Entry = PHONE_ENG_ActivityLog;
 /// Of an entry that was made of no call in the call log.
 constexpr int32_t kNoUid = -1;
 constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
-
-/// The right to change the activity log, for as long as it lives.
-class Ownership
-{
-public:
-    Ownership()
-    {
-        if (!m_lock.take())
-            throw failure(m_lock.problem());
-    }
-
-private:
-    favourites::ActivityLogLock m_lock;
-};
 
 ExitCode tellChange(const QString& oldNumber, const QString& newNumber, Console& console)
 {
@@ -56,7 +42,7 @@ ExitCode replaceFavourite(const Invocation& call, Console& console)
         throw usageError(u"both numbers are empty"_s);
     if (!newNumber.isEmpty())
         callNumber(newNumber);
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     return tellChange(oldNumber, newNumber, console);
 }
 
@@ -81,7 +67,7 @@ ExitCode logEntry(const Invocation& call, Console& console)
     Entry entry(callFrom(call, listFrom(call), callNumber(call.argument(0))));
     entry.uid = kNoUid;
     setMessage(entry, call);
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     const QString key = favouriteFrom(call);
     if (!favourites::addEntry(entry, key))
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
@@ -106,7 +92,7 @@ ExitCode removeEntry(const Invocation& call, Console& console)
 
 ExitCode remove(const Invocation& call, Console& console)
 {
-    const Ownership ownership;
+    const FavouritesOwnership ownership;
     if (call.arguments().size() > 1)
         return removeEntry(call, console);
     return tellChange(callNumber(call.argument(0)), QString(), console);

@@ -26,20 +26,6 @@ constexpr Column<Favourite> kColumns[] = {
     {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
 };
 
-/// How many whole places @p image holds.
-int placeCount(const QByteArray& image)
-{
-    const qint64 length = std::min<qint64>(image.size(), zyn::kTopPalsDetailsSize) - zyn::topPalsDetailsOffset(0);
-    return static_cast<int>(length / qint64{sizeof(TopPalNumberDetail)});
-}
-
-TopPalNumberDetail detailAt(const QByteArray& image, int place)
-{
-    TopPalNumberDetail detail;
-    std::memcpy(&detail, image.constData() + zyn::topPalsDetailsOffset(place), sizeof detail);
-    return detail;
-}
-
 /// What is wrong with @p detail, in @p place, seen alone.
 QStringList placeProblems(const TopPalNumberDetail& detail, int place)
 {
@@ -61,6 +47,19 @@ QStringList placeProblems(const TopPalNumberDetail& detail, int place)
 
 namespace zyn::tool {
 
+int placeCount(const QByteArray& image)
+{
+    const qint64 length = std::min<qint64>(image.size(), kTopPalsDetailsSize) - topPalsDetailsOffset(0);
+    return static_cast<int>(std::max<qint64>(length, 0) / qint64{sizeof(TopPalNumberDetail)});
+}
+
+TopPalNumberDetail detailAt(const QByteArray& image, int place)
+{
+    TopPalNumberDetail detail;
+    std::memcpy(&detail, image.constData() + topPalsDetailsOffset(place), sizeof detail);
+    return detail;
+}
+
 bool isFavouritesFileName(const QString& name)
 {
     return name == QLatin1String(kTopPalsDetailsName);
@@ -73,9 +72,8 @@ bool isFavouritesFileImage(const QByteArray& image)
 
 FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& image)
 {
-    QStringList problems = headerProblems(image);
-    const int places = problems.isEmpty() ? placeCount(image) : 0;
-    problems += sizeProblems(image, kTopPalsDetailsSize);
+    Problems problems(headerProblems(image) + sizeProblems(image, kTopPalsDetailsSize));
+    const int places = hasValidHeader(image) ? placeCount(image) : 0;
     std::vector<Favourite> favourites;
     for (int place = 0; place < places; ++place) {
         const TopPalNumberDetail detail = detailAt(image, place);
@@ -87,10 +85,9 @@ FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& imag
                 found += u"its number is that of place %1 too"_s.arg(other->place);
             favourites.push_back({place, number});
         }
-        for (const QString& problem : found)
-            problems += u"place %1: %2"_s.arg(place).arg(problem);
+        problems.add(place, found);
     }
-    return {u"favourites"_s, problems, Table(kColumns, favourites)};
+    return {u"favourites"_s, kPlaceWord, problems, Table(kColumns, favourites)};
 }
 
 } // namespace zyn::tool

@@ -5,7 +5,10 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ContactFileCheck.h"
 #include "tools/zynphone/FavouritesFileCheck.h"
+#include "tools/zynphone/Findings.h"
 #include "tools/zynphone/RecordFileCheck.h"
+#include "tools/zynphone/StoreFileProblems.h"
+#include "tools/zynphone/StoreInspection.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -18,8 +21,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
-
-constexpr qsizetype kSizeLimit = qsizetype{16} * 1024 * 1024;
 
 /// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
 /// come last: their size may be that of a contact's file, too.
@@ -37,7 +38,7 @@ const FileKind& kindOf(const QString& path, const QString& name, const QByteArra
 
 QByteArray readFile(const QString& path)
 {
-    const std::optional<QByteArray> image = zyn::posix::readWhole(QFile::encodeName(path), kSizeLimit);
+    const std::optional<QByteArray> image = zyn::posix::readWhole(QFile::encodeName(path), kStoreFileLimit);
     if (image)
         return *image;
     const QFileInfo info(path);
@@ -45,7 +46,7 @@ QByteArray readFile(const QString& path)
         throw failure(u"%1: no such file"_s.arg(path));
     if (!info.isFile())
         throw failure(u"%1: not a regular file"_s.arg(path));
-    if (info.size() > kSizeLimit)
+    if (info.size() > kStoreFileLimit)
         throw failure(u"%1: too long for a file of the store"_s.arg(path));
     throw failure(u"%1: cannot be read"_s.arg(path));
 }
@@ -56,7 +57,7 @@ QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileF
             {u"kind"_s, findings.kind},
             {u"size"_s, image.size()},
             {u"sound"_s, findings.isSound()},
-            {u"problems"_s, QJsonArray::fromStringList(findings.problems)},
+            {u"problems"_s, QJsonArray::fromStringList(problemTexts(findings))},
             {u"slots"_s, findings.usedSlots.json()}};
 }
 
@@ -65,13 +66,13 @@ QString textReport(const QString& path, const FileFindings& findings)
     const QString verdict = findings.isSound() ? u"sound"_s : u"not sound"_s;
     QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), findings.kind,
                                                      QString::number(findings.usedSlots.count()), verdict)};
-    for (const QString& problem : findings.problems)
+    for (const QString& problem : problemTexts(findings))
         lines += u"  "_s + problem;
     const QString report = lines.join(u'\n') + u'\n';
     return findings.usedSlots.isEmpty() ? report : report + findings.usedSlots.text();
 }
 
-ExitCode inspect(const Invocation& call, Console& console)
+ExitCode inspectFile(const Invocation& call, Console& console)
 {
     const QString path = call.argument(0);
     const QByteArray image = readFile(path);
@@ -82,6 +83,17 @@ ExitCode inspect(const Invocation& call, Console& console)
     else
         console.write(textReport(path, findings));
     return findings.isSound() ? Done : Failed;
+}
+
+ExitCode inspect(const Invocation& call, Console& console)
+{
+    const bool verifies = call.isSet(u"verify"_s);
+    const bool repairs = call.isSet(u"repair"_s);
+    if (verifies && repairs)
+        throw usageError(u"--verify and --repair exclude each other"_s);
+    if (verifies)
+        return verifyStore(call, console);
+    return repairs ? repairStore(call, console) : inspectFile(call, console);
 }
 
 } // namespace
@@ -97,10 +109,18 @@ Command inspectCommand()
                 "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
                 "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
                 "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"
-                "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"_s,
+                "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"
+                "\n--verify and --repair take the whole store directory. The objects of --json have the fields\n"
+                "directory, sound, and problems of --verify; copy, repairs and left of --repair: objects with\n"
+                "file, slot (null for a file as a whole) and problem or repair. --repair first saves a copy of the\n"
+                "directory beside it, and refuses while a service that writes to the store runs. Whatever does not\n"
+                "fit is told and stays in the copy. The exit code is %1 for what is no store directory.\n"_s.arg(
+                    int{NoStore}),
             .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
                                       "named by its number; or a copy of one"_s}},
-            .options = {jsonOption()},
+            .options = {jsonOption(),
+                        flagOption(u"verify"_s, u"check all files of the store directory FILE, also with each other"_s),
+                        flagOption(u"repair"_s, u"make all files of the store directory FILE sound"_s)},
             .run = inspect};
 }
 

@@ -1,9 +1,15 @@
 // Checks the record file of a list of calls.
 #pragma once
 
+#include "recentcall/utility/RC_Types.h"
 #include "tools/zynphone/FileKind.h"
 
 namespace zyn::tool {
+
+/// The name of the file of @p list.
+QString recordFile(RC_CALL_CATEGORY_T list);
+/// The list whose file has the name @p name; RC_CALL_CATEGORY_NONE for any other.
+RC_CALL_CATEGORY_T listOfFile(const QString& name);
 
 bool isRecordFileName(const QString& name);
 bool isRecordFileImage(const QByteArray& image);

@@ -31,6 +31,18 @@ QStringList sizeProblems(const QByteArray& image, qint64 expected)
     return {u"the size is %1 bytes, not %2"_s.arg(image.size()).arg(expected)};
 }
 
+QStringList flagProblems(const PHONE_ENG_RecentCall& call)
+{
+    QStringList problems;
+    if ((call.readFlags & ~kKnownReadFlags) != 0)
+        problems += u"the read flags are 0x%1"_s.arg(call.readFlags, 2, 16, QLatin1Char('0'));
+    if (call.inUse != 1)
+        problems += u"the flag of its use is %1"_s.arg(int{call.inUse});
+    if (call.completed > 1)
+        problems += u"the flag of its completion is %1"_s.arg(call.completed);
+    return problems;
+}
+
 QStringList textProblems(const PHONE_ENG_RecentCall& call)
 {
     QStringList problems;

@@ -16,6 +16,7 @@ namespace {
 
 using namespace zyn;
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 /// Whoever is to listen on a channel of the library.
 struct Audience
@@ -112,7 +113,7 @@ Findings checkChannel(const QByteArray& root, const QCString& channel)
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 Findings checkChannels()
 {
@@ -137,4 +138,4 @@ Findings checkChannels()
     return findings;
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

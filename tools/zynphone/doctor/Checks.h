@@ -3,7 +3,7 @@
 
 #include "tools/zynphone/doctor/Finding.h"
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 /// The variables that name directories, and what they name.
 Findings checkEnvironment();
@@ -18,4 +18,4 @@ Findings checkSettings();
 /// Which features are switched on.
 Findings checkSwitches();
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -15,6 +15,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 struct Check
 {

@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 /// The directory that a path lies in.
 QByteArray parentOf(const QByteArray& path)
@@ -103,7 +104,7 @@ constexpr Variable kVariables[] = {
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 Findings checkEnvironment()
 {
@@ -116,4 +117,4 @@ Findings checkEnvironment()
     return findings;
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -18,6 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 constexpr mode_t kPermissions = 07777;
 constexpr char kPlainCharacters[] = "/._-+:@%";
@@ -49,7 +50,7 @@ Fault noDirectory(const QByteArray& path)
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 bool exists(const QByteArray& path)
 {
@@ -118,4 +119,4 @@ QString shellWord(const QByteArray& path)
     return u'\'' + name.replace(u'\'', u"'\\''"_s) + u'\'';
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

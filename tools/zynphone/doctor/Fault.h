@@ -7,7 +7,7 @@
 
 #include <optional>
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 struct Fault
 {
@@ -33,4 +33,4 @@ Finding wrong(const QByteArray& path, const Fault& fault);
 /// @p path as a word of a shell's command line.
 QString shellWord(const QByteArray& path);
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

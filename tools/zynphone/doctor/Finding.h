@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 enum class Level {
     Ok,
@@ -38,4 +38,4 @@ inline Finding wrong(QString subject, QString text, QString remedy)
     return {Level::Wrong, std::move(subject), std::move(text), std::move(remedy)};
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -9,6 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 struct Service
 {
@@ -52,7 +53,7 @@ Finding checkService(const Service& service)
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 Findings checkServices()
 {
@@ -62,4 +63,4 @@ Findings checkServices()
     return findings;
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -18,6 +18,7 @@ namespace {
 
 using namespace zyn;
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 struct SettingsPath
 {
@@ -99,7 +100,7 @@ constexpr Switch kSwitches[] = {
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 Findings checkSettings()
 {
@@ -119,4 +120,4 @@ Findings checkSwitches()
     return findings;
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 SocketProbe SocketProbe::at(const QByteArray& path)
 {
@@ -55,4 +55,4 @@ QString processText(pid_t process)
     return name.isEmpty() ? u"process %1"_s.arg(process) : u"process %1 (%2)"_s.arg(process).arg(name);
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -10,7 +10,7 @@ namespace zyn::posix {
 class UniqueFd;
 }
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 /// What connecting to a socket has shown. The connection is closed again at once.
 struct SocketProbe
@@ -39,4 +39,4 @@ struct SocketProbe
 /// "process 123 (zyn-phoned)", without a name when the process has gone.
 QString processText(pid_t process);
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

@@ -18,6 +18,7 @@ namespace {
 
 using namespace zyn;
 using namespace zyn::tool;
+using namespace zyn::tool::doctor;
 
 /// Far above the size of every file of the store.
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
@@ -38,7 +39,7 @@ Finding checkContents(const QByteArray& path, FileFindings (*check)(const QStrin
         return damaged(path, {u"it is too long"_s});
     const FileFindings findings = check(QFile::decodeName(path).section(u'/', -1), *image);
     if (!findings.isSound())
-        return damaged(path, findings.problems);
+        return damaged(path, problemTexts(findings));
     return ok(QFile::decodeName(path),
               u"%1, %2 in use"_s.arg(findings.kind, QString::number(findings.usedSlots.count())));
 }
@@ -53,7 +54,7 @@ Finding checkFile(const QByteArray& path, const FileKind& kind)
 
 } // namespace
 
-namespace zyn::tool {
+namespace zyn::tool::doctor {
 
 Findings checkStore()
 {
@@ -73,4 +74,4 @@ Findings checkStore()
     return findings;
 }
 
-} // namespace zyn::tool
+} // namespace zyn::tool::doctor

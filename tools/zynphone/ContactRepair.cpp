@@ -1,0 +1,65 @@
+// Makes a sound file of a favourite's calls and messages out of a damaged one.
+#include "tools/zynphone/ContactRepair.h"
+
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "tools/zynphone/ContactFileCheck.h"
+
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Entry = PHONE_ENG_ActivityLog;
+
+/// Makes @p entry that of @p record. Not by value: to copy an entry prints.
+void read(Entry& entry, const QByteArray& record)
+{
+    std::memcpy(static_cast<void*>(&entry), record.constData(), sizeof entry);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+ContactRepair::ContactRepair(const QString& name, Findings& log)
+    : SlotRepair(name, contactSlots(), contactRecordBytes(Entry()).toByteArray(), log)
+{}
+
+bool ContactRepair::isLikely(const QByteArray& record, int slot) const
+{
+    Entry entry;
+    read(entry, record);
+    return int{entry.inUse == 1} + int{entry.topPalsAvlPos == slot} + int{entry.getPhoneNumber() == name()} >= 2;
+}
+
+bool ContactRepair::isNewer(const QByteArray& record, const QByteArray& other) const
+{
+    Entry entry;
+    Entry otherEntry;
+    read(entry, record);
+    read(otherEntry, other);
+    return entry.startTime > otherEntry.startTime;
+}
+
+void ContactRepair::correct(QByteArray& record, int from, int to)
+{
+    Entry entry;
+    read(entry, record);
+    if (entry.topPalsAvlPos != from)
+        tell(from, u"the entry names slot %1: put right"_s.arg(entry.topPalsAvlPos));
+    entry.topPalsAvlPos = to;
+    if (entry.topPalsAvlIndex < 0) {
+        tell(from, u"the index is %1: now 0"_s.arg(entry.topPalsAvlIndex));
+        entry.topPalsAvlIndex = 0;
+    }
+    correctCall(entry, from);
+    endText(entry.msgString, from, u"message"_s);
+    if (isContactFileName(name()) && entry.getPhoneNumber() != name()) {
+        tell(from, u"the number is '%1': put right"_s.arg(entry.getPhoneNumber()));
+        entry.setPhoneNumber(name());
+    }
+    record = contactRecordBytes(entry).toByteArray();
+}
+
+} // namespace zyn::tool

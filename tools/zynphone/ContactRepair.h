@@ -1,0 +1,21 @@
+// Makes a sound file of a favourite's calls and messages out of a damaged one.
+#pragma once
+
+#include "tools/zynphone/SlotRepair.h"
+
+namespace zyn::tool {
+
+/// A record of a damaged file is taken for one when two of these hold: its flag says that it is in use, it names its
+/// slot, it has the file's number.
+class ContactRepair : public SlotRepair
+{
+public:
+    ContactRepair(const QString& name, Findings& log);
+
+protected:
+    bool isLikely(const QByteArray& record, int slot) const override;
+    bool isNewer(const QByteArray& record, const QByteArray& other) const override;
+    void correct(QByteArray& record, int from, int to) override;
+};
+
+} // namespace zyn::tool

@@ -1,0 +1,39 @@
+// Makes a sound file of the favourites out of a damaged one.
+#pragma once
+
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "tools/zynphone/Findings.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <array>
+
+namespace zyn::tool {
+
+/// The places that a damaged file tells, but for those whose number is missing, twice there or can name no file: they
+/// become free. Each change is told.
+class FavouritesRepair
+{
+public:
+    FavouritesRepair(const QByteArray& image, Findings& log);
+    /// Five free places, where there is no file.
+    explicit FavouritesRepair(Findings& log)
+        : m_log(log)
+    {}
+
+    /// Gives @p number the lowest free place; false when none is free or a place does not hold the number.
+    bool add(const QString& number);
+
+    QByteArray image() const;
+
+private:
+    void take(const TopPalNumberDetail& found, int place, bool isTrusted);
+    void tell(int place, const QString& text);
+    bool isTaken(const QString& number) const;
+
+    std::array<TopPalNumberDetail, ActivityLog_ENG_RecordStore::kFavourites> m_places;
+    Findings& m_log;
+};
+
+} // namespace zyn::tool

@@ -1,0 +1,21 @@
+// Checks all files of a store directory, each for itself and with the others.
+#pragma once
+
+#include "tools/zynphone/Findings.h"
+#include "tools/zynphone/StoreFiles.h"
+
+namespace zyn::tool {
+
+/**
+ * What is wrong with @p files, by file.
+ *
+ * Beside what the checks of single files find: uids that two lists have, favourites that have no file or can have none,
+ * files of numbers that are no favourite's, files of a process that is gone, and files that are none of a store. A file
+ * that is missing but for those of favourites is nothing wrong: it is made when it is needed.
+ */
+Findings checkStore(const StoreFiles& files);
+
+/// Why the lock file @p path can be nobody's any more; empty when it may be held.
+QString lockProblem(const QString& path);
+
+} // namespace zyn::tool

@@ -1,0 +1,142 @@
+// What makes a damaged store sound again.
+#include "tools/zynphone/StoreRepair.h"
+
+#include "handset/favourites/SeenCalls.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/PlainBytes_p.h"
+#include "tools/zynphone/CallsRepair.h"
+#include "tools/zynphone/ContactRepair.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/RecordFileCheck.h"
+#include "tools/zynphone/StoreCheck.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool writeInPlace(QSaveFile& file, const QByteArray& image)
+{
+    return file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+}
+
+/// The marks that @p image holds whole, behind a header.
+QByteArray repairedSeenCalls(const QByteArray& image)
+{
+    const QByteArray marks = image.mid(qsizetype{sizeof(zyn::StoreFileHeader)});
+    return zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray()
+           + marks.chopped(marks.size() % qsizetype{sizeof(SeenCalls::Mark)});
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+StoreRepair::StoreRepair(const StoreFiles& files)
+    : m_files(files)
+{
+    repairCalls();
+    repairFavourites();
+    repairRest();
+}
+
+void StoreRepair::apply() const
+{
+    for (const auto& [name, image] : m_changed) {
+        QSaveFile file(m_files.path(name));
+        if (!writeInPlace(file, image))
+            throw failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
+    }
+    for (const QString& name : m_removed) {
+        QFile file(m_files.path(name));
+        if (!file.remove())
+            throw failure(u"cannot remove %1: %2"_s.arg(file.fileName(), file.errorString()));
+    }
+}
+
+void StoreRepair::repairCalls()
+{
+    Images images;
+    for (const RC_CALL_CATEGORY_T list : kRecordLists) {
+        const QString name = recordFile(list);
+        const auto file = m_files.images().find(name);
+        if (file != m_files.images().end() && file->second)
+            images.emplace(name, CallsRepair(name, m_log).repaired(*file->second));
+    }
+    renumberCalls(images, m_log);
+    for (const auto& [name, image] : images)
+        change(name, image);
+}
+
+void StoreRepair::repairFavourites()
+{
+    const QString details = QLatin1String(kTopPalsDetailsName);
+    const auto file = m_files.images().find(details);
+    const bool isThere = file != m_files.images().end();
+    if (isThere && !file->second)
+        return;
+    FavouritesRepair repair = isThere ? FavouritesRepair(*file->second, m_log) : FavouritesRepair(m_log);
+    const auto favourites = favouritesIn(repair.image());
+    for (const auto& [name, image] : m_files.images()) {
+        if (image && roleOf(name, favourites) == StoreRole::Contact)
+            repairContact(name, repair, isAmong(favourites, name));
+    }
+    const QByteArray repaired = repair.image();
+    if (isThere || !favouritesIn(repaired).empty())
+        change(details, repaired);
+    addMissingContacts(repaired);
+}
+
+void StoreRepair::repairContact(const QString& name, FavouritesRepair& favourites, bool isRegistered)
+{
+    ContactRepair repair(name, m_log);
+    const QByteArray image = repair.repaired(m_files.image(name));
+    if (!isRegistered && repair.recordCount() == 0) {
+        remove(name, u"removed, as it has no entry and is no favourite's"_s);
+        return;
+    }
+    change(name, image);
+    if (!isRegistered)
+        favourites.add(name);
+}
+
+void StoreRepair::addMissingContacts(const QByteArray& details)
+{
+    for (const auto& [place, number] : favouritesIn(details)) {
+        if (m_files.images().contains(number))
+            continue;
+        Findings shape;
+        change(number, ContactRepair(number, shape).repaired({}));
+        m_log.add(number, u"made, with blank slots"_s);
+    }
+}
+
+void StoreRepair::repairRest()
+{
+    for (const auto& [name, image] : m_files.images()) {
+        const StoreRole role = roleOf(name, {});
+        if (role == StoreRole::Leftover) {
+            remove(name, u"removed"_s);
+        } else if (role == StoreRole::SeenCalls && image && repairedSeenCalls(*image) != *image) {
+            m_log.add(name, u"given a header and whole calls"_s);
+            change(name, repairedSeenCalls(*image));
+        }
+    }
+}
+
+void StoreRepair::change(const QString& name, const QByteArray& image)
+{
+    const auto file = m_files.images().find(name);
+    if (file == m_files.images().end() || file->second != image)
+        m_changed.insert_or_assign(name, image);
+}
+
+void StoreRepair::remove(const QString& name, const QString& why)
+{
+    m_log.add(name, why);
+    m_removed += name;
+}
+
+} // namespace zyn::tool
