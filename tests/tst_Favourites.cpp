@@ -258,7 +258,17 @@ void FavouritesTest::renewsAFileOfAnotherSize()
         reportCallChange();
         QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(count));
         QCOMPARE(entries("555"), QList<int>({5, 4, 3, 2, 1}).first(std::min(count, 5)));
+        QCOMPARE(QFile::exists(path("555.old.1")), count == 3);
     }
+    QCOMPARE(QFile(path("555.old.1")).size(), zyn::contactFileSize(20));
+    QVERIFY(run({u"inspect"_s, u"--verify"_s, m_store->path() + u"/phone"_s})
+                .contains(u"555.old.1: the copy of a file whose entries did not all fit\n"_s));
+    // A wrong header costs no entry.
+    QByteArray damaged = m_store->read(u"555"_s);
+    m_store->write(u"555"_s, damaged.replace(0, 1, "x"));
+    reportCallChange();
+    QTRY_COMPARE(entries("555"), QList<int>({5, 4, 3}));
+    QVERIFY(!QFile::exists(path("555.old.2")));
     // Where a file has no slots, what it holds waits for them.
     setSlots(0);
     QVERIFY(add("555", 6));

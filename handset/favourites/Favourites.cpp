@@ -46,18 +46,38 @@ std::optional<QByteArray> readFile(const QString& path)
 }
 
 /// Appends the entries in the first @p slots slots of @p image. What a damaged one says of itself may lead to a slot
-/// that is another's: that with another number than @p key is left out, and the place of each is where it lies.
+/// that is another's: that with another number than @p key is left out, and the place of each is where it lies. Under
+/// a header that is wrong, only a flag that is 1 says that a slot is in use.
 void appendEntries(Entries& entries, const QByteArray& image, const QString& key, int slots)
 {
+    const bool isTrusted = zyn::hasValidHeader(image);
     for (int slot = 0; slot < slots; ++slot) {
         if (!zyn::isContactRecordInUse(image, slot))
             continue;
         auto entry = std::make_unique<PHONE_ENG_ActivityLog>();
         zyn::readContactRecord(*entry, image, slot);
         entry->topPalsAvlPos = slot;
-        if (entry->getPhoneNumber() == key)
+        if (entry->getPhoneNumber() == key && (isTrusted || entry->inUse == 1))
             entries.append(entry.release());
     }
+}
+
+/// How many slots of @p image are in use, whatever they hold.
+int usedSlots(const QByteArray& image)
+{
+    int used = 0;
+    for (int slot = 0; slot < zyn::contactRecordCount(image); ++slot)
+        used += zyn::isContactRecordInUse(image, slot) ? 1 : 0;
+    return used;
+}
+
+/// Copies the file @p path beside it, under a name that is free; that name, or null when it cannot be copied.
+QString keepCopy(const QString& path)
+{
+    QString copy;
+    for (int number = 1; copy.isNull() || QFile::exists(copy); ++number)
+        copy = path + QLatin1String(zyn::kFormerInfix) + QString::number(number);
+    return QFile::copy(path, copy) ? copy : QString();
 }
 
 /// A file of @p slots slots that holds @p entries, from the first slot on.
@@ -205,12 +225,18 @@ bool renew(const QString& key)
         return false;
     Entries entries;
     entries.setAutoDelete(true);
-    if (old && zyn::hasValidHeader(*old))
+    if (old)
         appendEntries(entries, *old, key, zyn::contactRecordCount(*old));
     store().sortOnTimeStamp(entries); // and keeps the newest
     const QByteArray image = freshImage(entries, slots);
+    const bool isLosing = old && entries.count() < usedSlots(*old);
+    const QString copy = isLosing ? keepCopy(path) : QString();
+    if (isLosing && copy.isNull())
+        return false;
     QSaveFile file(path);
     const bool isMade = file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+    if (!isMade && isLosing)
+        QFile::remove(copy); // else each attempt would leave one
     reload();
     return isMade && isSound(key);
 }

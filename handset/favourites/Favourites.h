@@ -54,10 +54,10 @@ QString describe(Change change, const QString& oldNumber, const QString& newNumb
 
 /**
  * Gives a favourite whose file the library takes for missing a new one, whole and at once, with the newest of the
- * entries that the old one holds.
+ * entries that the old one holds. When that holds more, a copy of it stays beside it: the name, kFormerInfix, a number.
  *
- * @return false when it could not be written; also, as the old one must stay, when that cannot be read, or when the
- *         settings ask for a file without slots
+ * @return false when it could not be written; also, as the old one must stay, when that cannot be read or copied, or
+ * when the settings ask for a file without slots
  */
 bool renew(const QString& key);
 

@@ -20,6 +20,8 @@ namespace zyn {
 inline constexpr char kActivityLogLockName[] = "topPalsLock";
 /// Where that owner keeps which calls of the call log it has looked at, in the store directory.
 inline constexpr char kSeenCallsName[] = "topPalsCalls";
+/// Between a contact file's name and a number, in the name of a copy: what it was before entries of it did not fit.
+inline constexpr char kFormerInfix[] = ".old.";
 
 /**
  * The details file, in the store directory.

@@ -132,6 +132,16 @@ Findings checkStore(const StoreFiles& files)
     return Check(files).findings();
 }
 
+Findings formerFiles(const StoreFiles& files)
+{
+    Findings copies;
+    for (const auto& [name, image] : files.images()) {
+        if (roleOf(name, {}) == StoreRole::Former)
+            copies.add(name, u"the copy of a file whose entries did not all fit"_s);
+    }
+    return copies;
+}
+
 QString lockProblem(const QString& path)
 {
     qint64 process = 0;

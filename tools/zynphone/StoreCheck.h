@@ -15,6 +15,9 @@ namespace zyn::tool {
  */
 Findings checkStore(const StoreFiles& files);
 
+/// The copies of contact files among @p files, which are nothing wrong.
+Findings formerFiles(const StoreFiles& files);
+
 /// Why the lock file @p path can be nobody's any more; empty when it may be held.
 QString lockProblem(const QString& path);
 

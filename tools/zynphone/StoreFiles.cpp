@@ -70,8 +70,9 @@ StoreRole roleOf(const QString& name, const std::map<int, QString>& favourites)
         return StoreRole::SeenCalls;
     if (name.contains(QLatin1String(kStagedInfix)))
         return StoreRole::Leftover;
-    return isContactFileName(name) || (canNameContactFile(name) && isAmong(favourites, name)) ? StoreRole::Contact
-                                                                                              : StoreRole::Stranger;
+    if (isContactFileName(name) || (canNameContactFile(name) && isAmong(favourites, name)))
+        return StoreRole::Contact;
+    return name.contains(QLatin1String(kFormerInfix)) ? StoreRole::Former : StoreRole::Stranger;
 }
 
 bool isAmong(const std::map<int, QString>& favourites, const QString& number)

@@ -10,7 +10,7 @@
 namespace zyn::tool {
 
 /// What a file is in the store, as its name tells.
-enum class StoreRole { Calls, Favourites, Contact, SeenCalls, Lock, Leftover, Stranger };
+enum class StoreRole { Calls, Favourites, Contact, SeenCalls, Lock, Leftover, Former, Stranger };
 
 class StoreFiles
 {

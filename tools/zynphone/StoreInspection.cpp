@@ -100,7 +100,7 @@ ExitCode verifyStore(const Invocation& call, Console& console)
                                                 {u"sound"_s, findings.isEmpty()},
                                                 {u"problems"_s, findings.json("problem")}}));
     else
-        console.write(findings.text()
+        console.write(findings.text() + formerFiles(files).text()
                       + u"%1: %2\n"_s.arg(printable(files.directory()), counted(findings.count(), "problem")));
     return findings.isEmpty() ? Done : Failed;
 }
