@@ -8,12 +8,21 @@
 
 #include <chrono>
 
+#include <sys/stat.h>
+
 using namespace std::chrono_literals;
 
 namespace {
 
 /// How long a process may take from making the lock file to writing its number into it.
 constexpr auto kBirth = 200ms;
+
+/// Whether @p path is the name of something else than a regular file: to read that could take for ever.
+bool isNoFile(const QString& path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISREG(status.st_mode);
+}
 
 QString madeStoreDirectory()
 {
@@ -37,6 +46,8 @@ ActivityLogLock::ActivityLogLock(const QString& directory)
 
 bool ActivityLogLock::take()
 {
+    if (isNoFile(m_file.fileName()))
+        return false;
     if (m_file.tryLock(0))
         return true;
     if (m_file.error() != QLockFile::LockFailedError)

@@ -17,7 +17,7 @@ public:
     /// Of the store in @p directory, which exists.
     explicit ActivityLogLock(const QString& directory);
 
-    /// Takes the lock; false when another process has it or the file cannot be made.
+    /// Takes the lock; false when another process has it or the file cannot be made, as something else has its name.
     bool take();
 
     /// Why take() gave false, with the process that has the lock.
