@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <optional>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -93,6 +95,9 @@ const Damage kDamages[] = {
      "topPalsDetails: the size is 100 bytes, not 128\n"},
     {"place of a favourite", [](const Store& s) { patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(1), "\4"); },
      "topPalsDetails: place 1: it names place 4\n"},
+    {"place that says that it is free",
+     [](const Store& s) { patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(1), "\xFF\xFF\xFF\xFF"); },
+     "5550002: no favourite has this number\ntopPalsDetails: place 1: it is free but has a number\n"},
     {"favourite without a file",
      [](const Store& s) {
          patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(2),
@@ -128,8 +133,11 @@ const Damage kDamages[] = {
      "5550002: the magic is 0xa0b0c035, not 0xa0b0c0d0\n"},
     {"fewer slots", [](const Store& s) { resize(s, kSecond, zyn::contactFileSize(3)); },
      "5550002: the size is 908 bytes, not 4508\n"},
-    {"leftover", [](const Store& s) { s.write(u"rc_a.new.4711"_s, "x"); },
-     "rc_a.new.4711: left over by a process that was making a file\n"},
+    {"leftover", [](const Store& s) { s.write(u"rc_a.new.2147483647"_s, "x"); },
+     "rc_a.new.2147483647: left over by a process that was making a file\n"},
+    {"directory", [](const Store& s) { QDir(s.file(QString())).mkdir(u"rc_d.new.2147483647"_s); },
+     "rc_d.new.2147483647: no regular file that can be read\n",
+     "rc_d.new.2147483647: no regular file that can be read\n"},
     {"lock", [](const Store& s) { s.write(u"topPalsLock"_s, "2147483647\nx\ny\n"); },
      "topPalsLock: process 2147483647, which made it, is gone\n"},
     {"seen calls",
@@ -153,7 +161,8 @@ private Q_SLOTS:
     void repairsEachDamage_data();
     void repairsEachDamage();
     void repairsAllDamage();
-    void keepsTheNewestOfTooMany();
+    void keepsEntriesWithoutASlot();
+    void refusesALockThatIsNoFile();
     void givesFavouritesBack();
     void importsWhatHasAPlace();
     void leavesAStoreInUse();
@@ -266,24 +275,39 @@ void ZynphoneStoreTest::repairsAllDamage()
         if (!QLatin1String(damage.name).contains("short"_L1))
             damage.plant(*m_store);
     }
+    // What a process that lives makes is no leftover.
+    m_store->write(u"rc_m.new."_s + QString::number(QCoreApplication::applicationPid()), "x");
     const QList<int> before = records();
     QVERIFY(before.size() >= 18);
     QVERIFY(inspect("--verify").endsWith(u"exit 1"_s));
     QVERIFY(inspect("--repair").startsWith(u"saved */phone."_s));
-    QCOMPARE(inspect("--verify"), u"note: no file of a store\n*/phone: 1 problem\nexit 1"_s);
+    const auto left = u"note: no file of a store\nrc_d.new.2147483647: no regular file that can be read\n"_s;
+    QCOMPARE(inspect("--verify"), left + u"*/phone: 2 problems\nexit 1"_s);
     QCOMPARE(records(), before);
+    QVERIFY(m_store->files().contains(u"rc_m.new."_s));
     // Once more changes nothing.
-    QCOMPARE(inspect("--repair"), u"note: no file of a store\n*/phone: 0 repairs, 1 problem left\nexit 1"_s);
+    QCOMPARE(inspect("--repair"), left + u"*/phone: 0 repairs, 2 problems left\nexit 1"_s);
 }
 
-void ZynphoneStoreTest::keepsTheNewestOfTooMany()
+void ZynphoneStoreTest::keepsEntriesWithoutASlot()
 {
-    m_store->setSlots(u"2"_s);
-    QVERIFY(inspect("--repair")
-                .contains(u"5550001: slot 0: the record, older than those of 2 other slots, was left in the copy\n"
-                          "5550001: slot 2: moved to slot 0\n5550001: cut to 608 bytes\n"_s));
-    QCOMPARE(inspect("--verify"), u"*/phone: 0 problems\nexit 0"_s);
-    QCOMPARE(records().size(), 16);
+    for (const int slots : {0, 2}) {
+        m_store->setSlots(QString::number(slots));
+        const auto sizes = u"5550001: the size is 4508 bytes, not %1\n5550002: the size is 4508 bytes, not %1\n"_s;
+        QCOMPARE(inspect("--repair"),
+                 sizes.arg(zyn::contactFileSize(slots)) + u"*/phone: 0 repairs, 2 problems left\nexit 1"_s);
+    }
+    // Nor does a wrong header cost one.
+    const QList<int> before = records();
+    patch(*m_store, kFirst, 0, "5");
+    QVERIFY(inspect("--repair").contains(u"5550001: cut to 908 bytes\n"_s));
+    QCOMPARE(records(), before);
+}
+
+void ZynphoneStoreTest::refusesALockThatIsNoFile()
+{
+    QVERIFY(::mkfifo(m_store->file(u"topPalsLock"_s).toLocal8Bit().constData(), 0600) == 0);
+    QVERIFY(inspect("--repair").contains(u"cannot make */phone/topPalsLock"_s));
 }
 
 void ZynphoneStoreTest::leavesAStoreInUse()

@@ -59,9 +59,14 @@ private:
 namespace zyn::tool {
 
 CallsRepair::CallsRepair(const QString& name, Findings& log)
-    : SlotRepair(name, kRecordSlots, bytesOf(Call()).toByteArray(), log)
+    : SlotRepair(name, bytesOf(Call()).toByteArray(), log)
     , m_list(listOfFile(name))
 {}
+
+int CallsRepair::slotsFor(const QByteArray& /*image*/, int /*records*/) const
+{
+    return kRecordSlots;
+}
 
 bool CallsRepair::isLikely(const QByteArray& record, int slot) const
 {

@@ -15,6 +15,7 @@ public:
     CallsRepair(const QString& name, Findings& log);
 
 protected:
+    int slotsFor(const QByteArray& image, int records) const override;
     bool isLikely(const QByteArray& record, int slot) const override;
     bool isNewer(const QByteArray& record, const QByteArray& other) const override;
     void correct(QByteArray& record, int from, int to) override;

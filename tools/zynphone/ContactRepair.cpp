@@ -4,6 +4,7 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "tools/zynphone/ContactFileCheck.h"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -23,8 +24,15 @@ void read(Entry& entry, const QByteArray& record)
 namespace zyn::tool {
 
 ContactRepair::ContactRepair(const QString& name, Findings& log)
-    : SlotRepair(name, contactSlots(), contactRecordBytes(Entry()).toByteArray(), log)
+    : SlotRepair(name, contactRecordBytes(Entry()).toByteArray(), log)
 {}
+
+int ContactRepair::slotsFor(const QByteArray& image, int records) const
+{
+    const int present = contactRecordCount(image);
+    const bool isWhole = hasValidHeader(image) && image.size() == contactFileSize(present);
+    return std::min(std::max({contactSlots(), records, isWhole ? present : 0}), kMaxContactSlots);
+}
 
 bool ContactRepair::isLikely(const QByteArray& record, int slot) const
 {

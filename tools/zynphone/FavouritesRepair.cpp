@@ -30,9 +30,13 @@ QString numberOf(const Detail& detail)
 
 namespace zyn::tool {
 
-FavouritesRepair::FavouritesRepair(const QByteArray& image, Findings& log)
-    : m_log(log)
+FavouritesRepair::FavouritesRepair(const StoreFiles& files, Findings& log)
+    : m_files(files)
+    , m_log(log)
 {
+    if (!files.images().contains(fileName()))
+        return;
+    const QByteArray image = files.image(fileName());
     const bool isTrusted = hasValidHeader(image);
     for (int place = 0; place < placeCount(image); ++place)
         take(detailAt(image, place), place, isTrusted);
@@ -74,8 +78,8 @@ void FavouritesRepair::take(const Detail& found, int place, bool isTrusted)
     if (detail.nthFileItem == Detail::kFree && number.isEmpty())
         return;
     // A header that is wrong says that the rest may be anything.
-    const bool isLikely = isTrusted || detail.nthFileItem == place;
-    if (detail.nthFileItem == Detail::kFree || !isLikely || !canNameContactFile(number) || isTaken(number)) {
+    const bool isLikely = detail.nthFileItem == place || (isTrusted && detail.nthFileItem != Detail::kFree);
+    if (!(isLikely || hasFile(number)) || !canNameContactFile(number) || isTaken(number)) {
         tell(place, u"made free, of the number '%1'"_s.arg(number));
         return;
     }
@@ -88,6 +92,12 @@ void FavouritesRepair::take(const Detail& found, int place, bool isTrusted)
 void FavouritesRepair::tell(int place, const QString& text)
 {
     m_log.add(fileName(), kPlaceWord, place, text);
+}
+
+bool FavouritesRepair::hasFile(const QString& number) const
+{
+    const auto file = m_files.images().find(number);
+    return file != m_files.images().end() && file->second;
 }
 
 bool FavouritesRepair::isTaken(const QString& number) const

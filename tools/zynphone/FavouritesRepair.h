@@ -3,6 +3,7 @@
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "tools/zynphone/Findings.h"
+#include "tools/zynphone/StoreFiles.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -12,15 +13,13 @@
 namespace zyn::tool {
 
 /// The places that a damaged file tells, but for those whose number is missing, twice there or can name no file: they
-/// become free. Each change is told.
+/// become free. A number that has a file in the store is a favourite's, whatever else its place says. Each change is
+/// told.
 class FavouritesRepair
 {
 public:
-    FavouritesRepair(const QByteArray& image, Findings& log);
-    /// Five free places, where there is no file.
-    explicit FavouritesRepair(Findings& log)
-        : m_log(log)
-    {}
+    /// Five free places when @p files have no file of the favourites.
+    FavouritesRepair(const StoreFiles& files, Findings& log);
 
     /// Gives @p number the lowest free place; false when none is free or a place does not hold the number.
     bool add(const QString& number);
@@ -31,8 +30,10 @@ private:
     void take(const TopPalNumberDetail& found, int place, bool isTrusted);
     void tell(int place, const QString& text);
     bool isTaken(const QString& number) const;
+    bool hasFile(const QString& number) const;
 
     std::array<TopPalNumberDetail, ActivityLog_ENG_RecordStore::kFavourites> m_places;
+    const StoreFiles& m_files;
     Findings& m_log;
 };
 

@@ -23,9 +23,8 @@ bool isInUse(const QByteArray& record)
 
 namespace zyn::tool {
 
-SlotRepair::SlotRepair(QString name, int slots, QByteArray blank, Findings& log)
+SlotRepair::SlotRepair(QString name, QByteArray blank, Findings& log)
     : m_name(std::move(name))
-    , m_slots(slots)
     , m_blank(std::move(blank))
     , m_log(log)
 {}
@@ -33,8 +32,9 @@ SlotRepair::SlotRepair(QString name, int slots, QByteArray blank, Findings& log)
 QByteArray SlotRepair::repaired(const QByteArray& image)
 {
     std::vector<Placed> records = recordsIn(image);
-    dropOldest(records);
     m_recordCount = static_cast<int>(records.size());
+    m_slots = slotsFor(image, m_recordCount);
+    dropOldest(records);
     const QByteArray result = arrange(records);
     tellShape(image, result);
     return result;

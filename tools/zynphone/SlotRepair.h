@@ -23,13 +23,15 @@ public:
 
     /// What the file must hold in place of @p image.
     QByteArray repaired(const QByteArray& image);
-    /// How many records in use the last result of repaired() holds.
+    /// How many records in use the last repaired() found.
     int recordCount() const { return m_recordCount; }
 
 protected:
-    /// The file @p name gets @p slots slots, of which a free one holds @p blank.
-    SlotRepair(QString name, int slots, QByteArray blank, Findings& log);
+    /// For the file @p name, of which a free slot holds @p blank.
+    SlotRepair(QString name, QByteArray blank, Findings& log);
 
+    /// How many slots the file that holds @p image gets, in which @p records records were found.
+    virtual int slotsFor(const QByteArray& image, int records) const = 0;
     /// Whether @p record, of @p slot of a file whose header says nothing, is likely to be one.
     virtual bool isLikely(const QByteArray& record, int slot) const = 0;
     /// Whether @p record is newer than @p other.
@@ -59,9 +61,9 @@ private:
     void tellShape(const QByteArray& image, const QByteArray& result);
 
     const QString m_name;
-    const int m_slots;
     const QByteArray m_blank;
     Findings& m_log;
+    int m_slots = 0;
     int m_recordCount = 0;
 };
 

@@ -31,6 +31,13 @@ QStringList seenCallsProblems(const QByteArray& image)
     return problems;
 }
 
+/// Whether @p process cannot be running; as a number from a file it may be anything.
+bool isGone(qint64 process)
+{
+    const auto id = static_cast<pid_t>(process);
+    return id != process || id <= 0 || (::kill(id, 0) != 0 && errno == ESRCH);
+}
+
 class Check
 {
 public:
@@ -54,10 +61,10 @@ private:
         const StoreRole role = roleOf(name, m_favourites);
         if (role == StoreRole::Stranger)
             m_findings.add(name, u"no file of a store"_s);
-        else if (role == StoreRole::Leftover)
-            m_findings.add(name, u"left over by a process that was making a file"_s);
         else if (!image)
             m_findings.add(name, u"no regular file that can be read"_s);
+        else if (role == StoreRole::Leftover && isLeftover(name))
+            m_findings.add(name, u"left over by a process that was making a file"_s);
         else
             lookInto(role, name, *image);
     }
@@ -142,14 +149,18 @@ Findings formerFiles(const StoreFiles& files)
     return copies;
 }
 
+bool isLeftover(const QString& name)
+{
+    const QLatin1String infix(kStagedInfix);
+    return isGone(name.sliced(name.lastIndexOf(infix) + infix.size()).toLongLong());
+}
+
 QString lockProblem(const QString& path)
 {
     qint64 process = 0;
     if (!QLockFile(path).getLockInfo(&process, nullptr, nullptr))
         return u"it names no process"_s;
-    if (::kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH)
-        return {};
-    return u"process %1, which made it, is gone"_s.arg(process);
+    return isGone(process) ? u"process %1, which made it, is gone"_s.arg(process) : QString();
 }
 
 } // namespace zyn::tool

@@ -18,7 +18,10 @@ Findings checkStore(const StoreFiles& files);
 /// The copies of contact files among @p files, which are nothing wrong.
 Findings formerFiles(const StoreFiles& files);
 
-/// Why the lock file @p path can be nobody's any more; empty when it may be held.
+/// Whether the process that made the file @p name, to rename it when it is whole, is gone.
+bool isLeftover(const QString& name);
+
+/// Why the lock file @p path, a regular file, can be nobody's any more; empty when it may be held.
 QString lockProblem(const QString& path);
 
 } // namespace zyn::tool

@@ -27,12 +27,11 @@ public:
         : m_directory(StoreFiles(directory).directory())
         , m_lock(m_directory)
     {
-        if (zyn::posix::isServed(zyn::recentcall::kSocketPath))
-            throw failure(
-                u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(zyn::recentcall::kSocketPath)));
+        refuseIfServed();
         const QString lock = QLatin1String(zyn::kActivityLogLockName);
-        const bool isLeft =
-            StoreFiles(m_directory).images().contains(lock) && !lockProblem(m_directory + u'/' + lock).isEmpty();
+        const StoreFiles::Images images = StoreFiles(m_directory).images();
+        const auto file = images.find(lock);
+        const bool isLeft = file != images.end() && file->second && !lockProblem(m_directory + u'/' + lock).isEmpty();
         if (!m_lock.take())
             throw failure(m_lock.problem() + u"; end it first"_s);
         if (isLeft)
@@ -45,6 +44,7 @@ public:
         const StoreRepair repair(files);
         if (repair.isNeeded()) {
             m_copy = copyStore(files);
+            refuseIfChanged(files);
             apply(repair);
         }
         m_left = checkStore(StoreFiles(m_directory));
@@ -70,6 +70,21 @@ public:
     }
 
 private:
+    static void refuseIfServed()
+    {
+        if (zyn::posix::isServed(zyn::recentcall::kSocketPath))
+            throw failure(
+                u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(zyn::recentcall::kSocketPath)));
+    }
+
+    /// A service that was started since may have stored a call.
+    void refuseIfChanged(const StoreFiles& files) const
+    {
+        refuseIfServed();
+        if (StoreFiles(m_directory).images() != files.images())
+            throw failure(u"the store changed meanwhile, nothing was repaired"_s);
+    }
+
     void apply(const StoreRepair& repair)
     {
         try {

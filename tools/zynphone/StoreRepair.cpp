@@ -13,13 +13,31 @@
 #include <QtCore/QFile>
 #include <QtCore/QSaveFile>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr mode_t kPermissions = 07777;
+
+/// Gives @p file the owner and the permissions of the one that it replaces, as far as this process may.
+void takeAfterOld(const QSaveFile& file)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(file.fileName()).constData(), &status) != 0)
+        return;
+    [[maybe_unused]] const int result = ::fchown(file.handle(), status.st_uid, status.st_gid);
+    ::fchmod(file.handle(), status.st_mode & kPermissions);
+}
+
 bool writeInPlace(QSaveFile& file, const QByteArray& image)
 {
-    return file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    takeAfterOld(file);
+    return file.write(image) == image.size() && file.commit();
 }
 
 /// The marks that @p image holds whole, behind a header.
@@ -77,7 +95,7 @@ void StoreRepair::repairFavourites()
     const bool isThere = file != m_files.images().end();
     if (isThere && !file->second)
         return;
-    FavouritesRepair repair = isThere ? FavouritesRepair(*file->second, m_log) : FavouritesRepair(m_log);
+    FavouritesRepair repair(m_files, m_log);
     const auto favourites = favouritesIn(repair.image());
     for (const auto& [name, image] : m_files.images()) {
         if (image && roleOf(name, favourites) == StoreRole::Contact)
@@ -91,6 +109,8 @@ void StoreRepair::repairFavourites()
 
 void StoreRepair::repairContact(const QString& name, FavouritesRepair& favourites, bool isRegistered)
 {
+    if (contactSlots() == 0)
+        return;
     ContactRepair repair(name, m_log);
     const QByteArray image = repair.repaired(m_files.image(name));
     if (!isRegistered && repair.recordCount() == 0) {
@@ -117,7 +137,7 @@ void StoreRepair::repairRest()
 {
     for (const auto& [name, image] : m_files.images()) {
         const StoreRole role = roleOf(name, {});
-        if (role == StoreRole::Leftover) {
+        if (role == StoreRole::Leftover && image && isLeftover(name)) {
             remove(name, u"removed"_s);
         } else if (role == StoreRole::SeenCalls && image && repairedSeenCalls(*image) != *image) {
             m_log.add(name, u"given a header and whole calls"_s);

@@ -15,10 +15,11 @@ namespace zyn::tool {
  * The repair of a store directory, worked out before anything is changed.
  *
  * Record files, the favourites' file and their contact files get their size, header and blank slots, and records that
- * say where they are; calls with the uid of another get one above all others. A contact file that is no favourite's
- * gets a free place when it has entries, and is removed when it has none. A favourite without a file gets one. Files
- * that a dead process left are removed. What is no file of a store, or cannot be read, stays, and so does a contact
- * file for which no place is free.
+ * say where they are; calls with the uid of another get one above all others. A contact file keeps the slots that it
+ * has beyond those of the settings, and stays as it is when these say that it has none. One that is no favourite's gets
+ * a free place when it has entries, and is removed when it has none. A favourite without a file gets one. Files that a
+ * dead process left are removed. What is no file of a store, or cannot be read, stays, and so does a contact file for
+ * which no place is free.
  */
 class StoreRepair
 {
