@@ -11,6 +11,7 @@
 #include "tools/zynphone/StoreCopy.h"
 #include "tools/zynphone/StoreRepair.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QJsonObject>
 
 using namespace Qt::StringLiterals;
@@ -70,19 +71,23 @@ public:
     }
 
 private:
+    static bool isServed() { return zyn::posix::isServed(zyn::recentcall::kSocketPath); }
+
     static void refuseIfServed()
     {
-        if (zyn::posix::isServed(zyn::recentcall::kSocketPath))
+        if (isServed())
             throw failure(
                 u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(zyn::recentcall::kSocketPath)));
     }
 
-    /// A service that was started since may have stored a call.
+    /// A service that was started since may have stored a call, which the copy may lack.
     void refuseIfChanged(const StoreFiles& files) const
     {
+        if (!isServed() && StoreFiles(m_directory).images() == files.images())
+            return;
+        QDir(m_copy).removeRecursively();
         refuseIfServed();
-        if (StoreFiles(m_directory).images() != files.images())
-            throw failure(u"the store changed meanwhile, nothing was repaired"_s);
+        throw failure(u"the store changed meanwhile, nothing was repaired"_s);
     }
 
     void apply(const StoreRepair& repair)
