@@ -162,6 +162,7 @@ private Q_SLOTS:
     void repairsEachDamage();
     void repairsAllDamage();
     void keepsEntriesWithoutASlot();
+    void followsANewUid();
     void refusesALockThatIsNoFile();
     void givesFavouritesBack();
     void importsWhatHasAPlace();
@@ -302,6 +303,30 @@ void ZynphoneStoreTest::keepsEntriesWithoutASlot()
     patch(*m_store, kFirst, 0, "5");
     QVERIFY(inspect("--repair").contains(u"5550001: cut to 908 bytes\n"_s));
     QCOMPARE(records(), before);
+}
+
+void ZynphoneStoreTest::followsANewUid()
+{
+    // The call in slot 1 of the list gets the uid of slot 0; it has been seen, and is an entry of the first favourite.
+    QByteArray calls = m_store->read(u"rc_m"_s);
+    Call call;
+    std::memcpy(static_cast<void*>(&call), calls.constData() + inSlot(0, 0), sizeof call);
+    const auto uidBytes = zyn::bytesOf(call.uid).toByteArray();
+    patch(*m_store, "rc_m", inSlot(1, 0), QByteArray(kFirst, sizeof kFirst));
+    patch(*m_store, "rc_m", inSlot(1, offsetof(Call, uid)), uidBytes);
+    const QByteArray start = m_store->read(u"rc_m"_s).sliced(inSlot(1, offsetof(Call, startTime)), 4);
+    const qint64 entry = zyn::getTopPalsAvlFilePos(2);
+    patch(*m_store, kFirst, entry + qint64{offsetof(Call, uid)}, uidBytes);
+    patch(*m_store, kFirst, entry + qint64{offsetof(Call, startTime)}, start);
+    const auto category = static_cast<char>(RC_CALL_CATEGORY_MISSED);
+    patch(*m_store, kFirst, entry + qint64{offsetof(Call, category)}, QByteArray(1, category));
+    const QByteArray seen = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray() + uidBytes + start;
+    m_store->write(u"topPalsCalls"_s, seen);
+    QVERIFY(inspect("--repair").endsWith(u"3 repairs, 0 problems left\nexit 0"_s));
+    const QByteArray uid = m_store->read(u"rc_m"_s).sliced(inSlot(1, offsetof(Call, uid)), 4);
+    QVERIFY(uid != uidBytes);
+    QCOMPARE(m_store->read(QLatin1String(kFirst)).sliced(entry + qint64{offsetof(Call, uid)}, 4), uid);
+    QCOMPARE(m_store->read(u"topPalsCalls"_s), seen + uid + start);
 }
 
 void ZynphoneStoreTest::refusesALockThatIsNoFile()

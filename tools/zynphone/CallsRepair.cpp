@@ -92,8 +92,9 @@ void CallsRepair::correct(QByteArray& record, int from, int to)
     record = bytesOf(call).toByteArray();
 }
 
-void renumberCalls(std::map<QString, QByteArray>& images, Findings& log)
+RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& log)
 {
+    RenumberedCalls renumbered;
     FreeUids uids(images);
     QSet<int32_t> seen;
     for (const RC_CALL_CATEGORY_T list : kRecordLists) {
@@ -106,10 +107,12 @@ void renumberCalls(std::map<QString, QByteArray>& images, Findings& log)
                 const int32_t old = std::exchange(call.uid, uids.take());
                 log.add(file->first, kSlotWord, slot, u"uid %1, of another call too: now %2"_s.arg(old).arg(call.uid));
                 file->second.replace(recordOffset(slot), qsizetype{sizeof call}, bytesOf(call).toByteArray());
+                renumbered.push_back({old, call});
             }
             seen.insert(call.uid);
         }
     }
+    return renumbered;
 }
 
 } // namespace zyn::tool

@@ -4,6 +4,7 @@
 #include "tools/zynphone/SlotRepair.h"
 
 #include <map>
+#include <vector>
 
 namespace zyn::tool {
 
@@ -24,8 +25,16 @@ private:
     const RC_CALL_CATEGORY_T m_list;
 };
 
+/// A call that has got another uid.
+struct RenumberedCall
+{
+    int32_t oldUid;
+    PHONE_ENG_RecentCall call;
+};
+using RenumberedCalls = std::vector<RenumberedCall>;
+
 /// Gives each call of the sound record files @p images, by their names, a uid of its own: all but the first of several
-/// get one above all others, so that they count as newer.
-void renumberCalls(std::map<QString, QByteArray>& images, Findings& log);
+/// get one above all others, so that they count as newer. The result is these.
+RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& log);
 
 } // namespace zyn::tool

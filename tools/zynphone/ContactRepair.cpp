@@ -2,7 +2,9 @@
 #include "tools/zynphone/ContactRepair.h"
 
 #include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/FavouriteKey_p.h"
 #include "tools/zynphone/ContactFileCheck.h"
+#include "tools/zynphone/StoreFileProblems.h"
 
 #include <algorithm>
 #include <cstring>
@@ -68,6 +70,24 @@ void ContactRepair::correct(QByteArray& record, int from, int to)
         entry.setPhoneNumber(name());
     }
     record = contactRecordBytes(entry).toByteArray();
+}
+
+void renumberEntries(QByteArray& image, const QString& name, const RenumberedCalls& calls, Findings& log)
+{
+    for (int slot = 0; !calls.empty() && slot < contactRecordCount(image); ++slot) {
+        Entry entry;
+        readContactRecord(entry, image, slot);
+        const auto made = std::ranges::find_if(calls, [&](const RenumberedCall& renumbered) {
+            const PHONE_ENG_RecentCall& call = renumbered.call;
+            return renumbered.oldUid == entry.uid && call.startTime == entry.startTime
+                   && call.category == entry.category && favouriteKey(call.getPhoneNumber()) == name;
+        });
+        if (entry.inUse == 0 || entry.msgType != 0 || made == calls.end())
+            continue;
+        entry.uid = made->call.uid;
+        log.add(name, kSlotWord, slot, u"uid %1, as its call: now %2"_s.arg(made->oldUid).arg(entry.uid));
+        image.replace(getTopPalsAvlFilePos(slot), qsizetype{sizeof entry}, contactRecordBytes(entry).toByteArray());
+    }
 }
 
 } // namespace zyn::tool

@@ -1,6 +1,7 @@
 // Makes a sound file of a favourite's calls and messages out of a damaged one.
 #pragma once
 
+#include "tools/zynphone/CallsRepair.h"
 #include "tools/zynphone/SlotRepair.h"
 
 namespace zyn::tool {
@@ -18,5 +19,8 @@ protected:
     bool isNewer(const QByteArray& record, const QByteArray& other) const override;
     void correct(QByteArray& record, int from, int to) override;
 };
+
+/// Gives the entries that were made of @p calls, in the sound @p image of the file @p name, the uids of these.
+void renumberEntries(QByteArray& image, const QString& name, const RenumberedCalls& calls, Findings& log);
 
 } // namespace zyn::tool

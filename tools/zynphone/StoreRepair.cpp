@@ -4,7 +4,6 @@
 #include "handset/favourites/SeenCalls.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PlainBytes_p.h"
-#include "tools/zynphone/CallsRepair.h"
 #include "tools/zynphone/ContactRepair.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/RecordFileCheck.h"
@@ -48,6 +47,21 @@ QByteArray repairedSeenCalls(const QByteArray& image)
            + marks.chopped(marks.size() % qsizetype{sizeof(SeenCalls::Mark)});
 }
 
+/// The marks of those of @p calls that the sound @p image has under their old uids.
+QByteArray newMarks(const QByteArray& image, const zyn::tool::RenumberedCalls& calls)
+{
+    QByteArray marks;
+    for (const auto& [oldUid, call] : calls) {
+        const QByteArray old = zyn::bytesOf(SeenCalls::Mark{oldUid, call.startTime}).toByteArray();
+        qsizetype at = sizeof(zyn::StoreFileHeader);
+        while (at < image.size() && image.sliced(at, old.size()) != old)
+            at += old.size();
+        if (at < image.size())
+            marks += zyn::bytesOf(SeenCalls::Mark{call.uid, call.startTime}).toByteArray();
+    }
+    return marks;
+}
+
 } // namespace
 
 namespace zyn::tool {
@@ -83,7 +97,7 @@ void StoreRepair::repairCalls()
         if (file != m_files.images().end() && file->second)
             images.emplace(name, CallsRepair(name, m_log).repaired(*file->second));
     }
-    renumberCalls(images, m_log);
+    m_renumbered = renumberCalls(images, m_log);
     for (const auto& [name, image] : images)
         change(name, image);
 }
@@ -112,7 +126,8 @@ void StoreRepair::repairContact(const QString& name, FavouritesRepair& favourite
     if (contactSlots() == 0)
         return;
     ContactRepair repair(name, m_log);
-    const QByteArray image = repair.repaired(m_files.image(name));
+    QByteArray image = repair.repaired(m_files.image(name));
+    renumberEntries(image, name, m_renumbered, m_log);
     if (!isRegistered && repair.recordCount() == 0) {
         remove(name, u"removed, as it has no entry and is no favourite's"_s);
         return;
@@ -139,9 +154,14 @@ void StoreRepair::repairRest()
         const StoreRole role = roleOf(name, {});
         if (role == StoreRole::Leftover && image && isLeftover(name)) {
             remove(name, u"removed"_s);
-        } else if (role == StoreRole::SeenCalls && image && repairedSeenCalls(*image) != *image) {
-            m_log.add(name, u"given a header and whole calls"_s);
-            change(name, repairedSeenCalls(*image));
+        } else if (role == StoreRole::SeenCalls && image) {
+            const QByteArray repaired = repairedSeenCalls(*image);
+            if (repaired != *image)
+                m_log.add(name, u"given a header and whole calls"_s);
+            const QByteArray more = newMarks(repaired, m_renumbered);
+            if (!more.isEmpty())
+                m_log.add(name, u"given the new uids of calls"_s);
+            change(name, repaired + more);
         }
     }
 }

@@ -1,6 +1,7 @@
 // What makes a damaged store sound again.
 #pragma once
 
+#include "tools/zynphone/CallsRepair.h"
 #include "tools/zynphone/FavouritesRepair.h"
 #include "tools/zynphone/Findings.h"
 #include "tools/zynphone/StoreFiles.h"
@@ -47,6 +48,7 @@ private:
 
     const StoreFiles& m_files;
     Findings m_log;
+    RenumberedCalls m_renumbered;
     Images m_changed;
     QStringList m_removed;
 };
