@@ -7,20 +7,15 @@
 #include "tools/zynphone/CallsRepair.h"
 #include "tools/zynphone/ContactRepair.h"
 #include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/OutputFile.h"
 #include "tools/zynphone/RecordFileCheck.h"
 #include "tools/zynphone/StoreCheck.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool writeInPlace(QSaveFile& file, const QByteArray& image)
-{
-    return file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
-}
 
 /// The marks that @p image holds whole, behind a header.
 QByteArray repairedSeenCalls(const QByteArray& image)
@@ -44,11 +39,8 @@ StoreRepair::StoreRepair(const StoreFiles& files)
 
 void StoreRepair::apply() const
 {
-    for (const auto& [name, image] : m_changed) {
-        QSaveFile file(m_files.path(name));
-        if (!writeInPlace(file, image))
-            throw failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
-    }
+    for (const auto& [name, image] : m_changed)
+        writeFile(m_files.path(name), image);
     for (const QString& name : m_removed) {
         QFile file(m_files.path(name));
         if (!file.remove())
