@@ -154,7 +154,10 @@ void ZynphoneRecordingsTest::keepsWhatExists()
 
 void ZynphoneRecordingsTest::endsAtFullDisk()
 {
-    std::optional<ScopedFileSizeLimit> limit(kHeader.size() + 500);
+    std::optional<ScopedFileSizeLimit> limit(kHeader.size() - 1);
+    QCOMPARE(run("monitor --record none /a"), u"zynphone: cannot write none: File too large\nexit 1"_s);
+    QVERIFY(!QFile::exists(u"none"_s));
+    limit.emplace(kHeader.size() + 500);
     MonitorProcess monitor(u"--record full /a"_s);
     limit.reset();
     for (int i = 0; i < 2; ++i)
@@ -269,7 +272,7 @@ void ZynphoneRecordingsTest::endsReplayWhenAsked()
 
 void ZynphoneRecordingsTest::selectsChannels()
 {
-    write(kLine + "2026-03-01T08:15:00.000Z /a%20b c -\n2026-03-01T08:15:00.000Z /d e -\n");
+    write(kLine + "2026-03-01T08:15:00.000Z /a%20b c -\r\n2026-03-01T08:15:00.000Z /d e -\n");
     MonitorProcess monitor(u"--count 2 /a /a%20b /d"_s);
     QCOMPARE(run("replay given --channel /d --channel /a%20b"), u"sent 2 messages\nexit 0"_s);
     QStringList shown{monitor.nextMessage(), monitor.nextMessage()};
@@ -331,6 +334,7 @@ void ZynphoneRecordingsTest::putsChartInPlace()
     QCOMPARE(run("chart given"),
              u"zynphone: a chart has at most 64 channels, not 65; --channel chooses some\nexit 1"_s);
     write(kLine);
+    QCOMPARE(run("chart missing"), u"zynphone: cannot read missing: No such file or directory\nexit 1"_s);
     QCOMPARE(run("chart given -o /nowhere/x"),
              u"zynphone: cannot write /nowhere/x: No such file or directory\nexit 1"_s);
 }
