@@ -9,6 +9,7 @@
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -300,6 +301,17 @@ void ZynphoneRecordingsTest::foldsRepeats()
     QVERIFY(texts.contains(u"0:00.000 \u2013 8:18.000"_s));
     QVERIFY(texts.contains(u"quality=0\u21921"_s));
     QCOMPARE(texts.filter(QRegularExpression(u"^M[0-9]+$"_s)).size(), 20);
+
+    QByteArray lines = kLine;
+    for (int i = 0; i < 600; ++i)
+        lines += std::array{"2026-03-01T08:15:00.000Z /a c -\n", "2026-03-01T08:15:00.000Z /d e -\n",
+                            "2026-03-01T08:15:00.000Z /a f -\n"}[size_t(i % 3)];
+    write(lines);
+    run("chart given -o folded.svg");
+    const QStringList turns = textsOf(read(u"folded.svg"_s));
+    QCOMPARE(turns.count(u"\u00D7 200"_s), 2); // e, and c and f in turn
+    QCOMPARE(turns.filter(QRegularExpression(u"^(b|c|e|f|then f)$"_s)),
+             (QStringList{u"b"_s, u"c"_s, u"then f"_s, u"e"_s}));
 }
 
 void ZynphoneRecordingsTest::escapesTexts()

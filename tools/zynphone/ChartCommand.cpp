@@ -46,10 +46,9 @@ Command chartCommand()
     return {.name = u"chart"_s,
             .summary = u"Draw the messages of a recording as a sequence chart in SVG"_s,
             .details =
-                u"\nA lane is a channel, time runs downwards. From three of a kind on, messages that follow each "
-                u"other in\n"
-                "a lane are one entry. Long pauses are shortened and say so. All that a message holds is in its "
-                "tooltip.\n"_s,
+                u"\nA lane is a channel, time runs downwards. From three of a kind, or three turns of the same\n"
+                "few, on, messages that follow each other in a lane are one entry. Long pauses are shortened and say\n"
+                "so. All that a message holds is in its tooltip.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
             .options = {QCommandLineOption({u"output"_s, u"o"_s},
                                            u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
