@@ -49,7 +49,7 @@ void Output::showTrace()
 
 QString Output::errorString() const
 {
-    return m_output.isOpen() ? m_output.errorString() : qt_error_string(EBADF);
+    return descriptor() < 0 ? qt_error_string(EBADF) : m_output.errorString();
 }
 
 bool Output::isTerminal() const
