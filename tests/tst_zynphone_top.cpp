@@ -6,6 +6,7 @@
 #include "support/Tool.h"
 #include "utility/PHONE_VoiceCallSender.h"
 
+#include <QtCore/QDirIterator>
 #include <QtCore/QSet>
 
 using namespace Qt::StringLiterals;
@@ -189,11 +190,15 @@ void ZynphoneTopTest::endsWithItsTerminal()
 void ZynphoneTopTest::writesPlainLinesOnce()
 {
     QCOMPARE(tool::run("top"), u"zynphone: standard output is no terminal; --once writes plain lines\nexit 1"_s);
+    qputenv("ZYN_QCOP_PATH", QFile::encodeName(m_store->path() + u"/channels"_s));
     const QString state = tool::run("top --once");
+    qunsetenv("ZYN_QCOP_PATH");
     QVERIFY2(state.contains(u"\nbattery        \u2013\n") && state.contains(u"\nmissed         0 unread\n")
                  && !state.contains(u'\033') && state.endsWith(u"exit 0"),
              qPrintable(state));
     QVERIFY(!QFile::exists(m_store->path() + u"/phone"_s)); // it makes nothing
+    QVERIFY(!QDirIterator(m_store->path(), QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories)
+                 .hasNext());
 }
 
 QTEST_GUILESS_MAIN(ZynphoneTopTest)
