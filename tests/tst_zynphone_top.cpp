@@ -48,6 +48,7 @@ private Q_SLOTS:
     void givesTheTerminalBack_data();
     void givesTheTerminalBack();
     void stopsAndGoesOn();
+    void endsWhereNothingIsTaken();
     void endsWithItsTerminal();
     void writesPlainLinesOnce();
 
@@ -122,6 +123,7 @@ void ZynphoneTopTest::behavesAtAnySize()
     QCOMPARE(terminal.row(1) + terminal.row(2), QString(20, u' '));
     terminal.resize(30, 12);
     QCOMPARE(terminal.find(u"lines more"_s), 11);
+    QVERIFY(terminal.find(u"favourite 4"_s) > 0); // the calls come first
     terminal.resize(80, 24);
     QVERIFY(terminal.find(u"UMA icon"_s) > 0);
     QCOMPARE(terminal.row(23).trimmed(), u"q ends"_s); // everything is there
@@ -176,6 +178,18 @@ void ZynphoneTopTest::stopsAndGoesOn()
     QVERIFY(left >= 0 && left < stopped && stopped < output.indexOf(kEnter));
     terminal.type("q");
     QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("over"); }, role::kPatience / 4));
+}
+
+void ZynphoneTopTest::endsWhereNothingIsTaken()
+{
+    Terminal terminal(80, 24);
+    terminal.start(kTool, {u"top"_s});
+    QVERIFY(terminal.find(u"zynphone top"_s) == 0);
+    terminal.type("\x13");
+    QCOMPARE(tool::run("status battery-capacity 154"), u"sent\nexit 0"_s);
+    QTest::qWait(200); // for it to be drawn
+    terminal.tell(SIGTERM);
+    QCOMPARE(role::finish(terminal.process), 0);
 }
 
 void ZynphoneTopTest::endsWithItsTerminal()

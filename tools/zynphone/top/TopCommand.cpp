@@ -98,7 +98,8 @@ private:
     {
         Canvas canvas = m_screen.blank();
         layOut(m_phone.state, canvas);
-        m_screen.show(canvas);
+        if (!m_screen.show(canvas))
+            m_draw.start(kPollInterval); // until its user lets the terminal go on
         if (!m_console.isSound())
             QCoreApplication::quit();
     }
