@@ -100,7 +100,8 @@ std::optional<Fault> writableDirectoryFault(const QByteArray& path)
     if (::access(path.constData(), W_OK | X_OK) != 0)
         return Fault{
             u"you may not write in it; it belongs to user %1, you are user %2"_s.arg(status.st_uid).arg(::geteuid()),
-            u"as its owner: chmod u+rwx %1, or name another directory"_s.arg(shellWord(path))};
+            status.st_uid == ::geteuid() ? u"chmod u+rwx %1"_s.arg(shellWord(path))
+                                         : u"run as its owner, or name another directory"_s};
     return std::nullopt;
 }
 
