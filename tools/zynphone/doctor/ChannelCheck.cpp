@@ -93,12 +93,12 @@ Findings checkListeners(const QByteArray& root, const QCString& channel, const C
     Findings findings;
     QStringList listening;
     std::vector<std::pair<QString, pid_t>> dead;
-    bool isKept = false; // by one that is stopped
+    bool isKept = false; // by one that takes nothing just now
     for (const QByteArray& name : directory.listeners().value_or(QList<QByteArray>())) {
         const pid_t owner = ChannelDirectory::owner(name);
         const SocketProbe probe = SocketProbe::of(directory.connectTo(name));
         const QString path = directoryOf(root, channel) + u'/' + QFile::decodeName(name);
-        isKept = isKept || probe.state == SocketProbe::Stopped;
+        isKept = isKept || probe.state == SocketProbe::Stopped || probe.state == SocketProbe::Busy;
         if (probe.state == SocketProbe::Dead)
             dead.emplace_back(path, owner);
         else if (const auto fault = listenerFault(probe, path, owner))
