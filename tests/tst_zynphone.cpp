@@ -203,7 +203,7 @@ void ZynphoneTest::keepsTraceOffItsOutput()
 void ZynphoneTest::tellsWhatCannotBeWritten()
 {
     const Result output = run(words("handset show"), u"/dev/full"_s);
-    QCOMPARE(output.error, QByteArray("zynphone: cannot write to standard output\n"));
+    QCOMPARE(output.error, QByteArray("zynphone: cannot write to standard output: No space left on device\n"));
     QCOMPARE(output.exitCode, 1);
 
     qputenv("ZYN_APP_WRITE_PATH", "/dev/null");

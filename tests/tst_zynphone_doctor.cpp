@@ -79,7 +79,9 @@ void ZynphoneDoctorTest::findsNothingOnASoundDesk()
 {
     const Desk desk;
     QVERIFY(desk.isSound);
+    Desk::leaveDeadSocket(desk.path("channels/%2FZYN%2Fphone/999999-1")); // which the next message removes
     const QString report = tool::run("doctor");
+    QVERIFY(report.contains(u"999999-1: a dead socket: "));
     QVERIFY2(report.endsWith(u"Nothing is wrong.\nexit 0"), qPrintable(report));
     QVERIFY(!report.contains(u"\nwrong"));
     QVERIFY(report.contains(u"channels     /ZYN/phone: heard by process "_s) && report.contains(u"(zyn-phoned)"));
@@ -101,6 +103,10 @@ void ZynphoneDoctorTest::findsEachFault_data()
         "channel path without a parent", [](Desk& desk) { qputenv("ZYN_QCOP_PATH", desk.path("none/channels")); },
         "environment  ZYN_QCOP_PATH: nobody can make the directory DESK/none/channels", "mkdir -p DESK/none");
     row(
+        "channel path below a file", [](Desk& desk) { qputenv("ZYN_QCOP_PATH", desk.path("phone/rc_a/channels")); },
+        "environment  ZYN_QCOP_PATH: nobody can make the directory DESK/phone/rc_a/channels: above it, it is no",
+        "mv DESK/phone/rc_a DESK/phone/rc_a.old");
+    row(
         "channels of another user",
         [](Desk& desk) { isDone = ::chown(desk.path("channels").constData(), kNobody, kNobody) == 0; },
         "channels     DESK/channels: it belongs to user 65534", "name a directory of your own");
@@ -121,14 +127,33 @@ void ZynphoneDoctorTest::findsEachFault_data()
         "mkdir -p DESK/none\n");
     row(
         "settings path that is a file", [](Desk& desk) { qputenv("ZYN_APP_WRITE_PATH", desk.path("phone/rc_a")); },
-        "environment  ZYN_APP_WRITE_PATH: DESK/phone/rc_a is no directory", "export ZYN_APP_WRITE_PATH=");
+        "environment  ZYN_APP_WRITE_PATH: no settings can be kept in DESK/phone/rc_a: of DESK/phone/rc_a, it is no",
+        "export ZYN_APP_WRITE_PATH=");
     row(
         "nobody listens", [](Desk& desk) { desk.phone.stop(); }, "channels     /ZYN/phone: nobody listens",
         "start an application with a PHONE_MsgClient");
     row(
-        "dead listener", [](Desk& desk) { Desk::leaveDeadSocket(desk.path("channels/%2FZYN%2Fphone/999999-1")); },
+        "dead listener where nobody else listens",
+        [](Desk& desk) {
+            desk.phone.stop();
+            Desk::leaveDeadSocket(desk.path("channels/%2FZYN%2Fphone/999999-1"));
+        },
         "channels     DESK/channels/%2FZYN%2Fphone/999999-1: a dead socket: process 999999 ended",
         "start that program again");
+    row(
+        "stopped listener", [](Desk& desk) { desk.phone.tell(SIGSTOP); }, "channels     DESK/channels/%2FZYN%2Fphone/",
+        "kill -CONT ");
+    row(
+        "stopped service", [](Desk& desk) { desk.phone.tell(SIGSTOP); },
+        "services     /tmp/zynphonecom/voicecall_interface: the phone server, process ", "kill -CONT ");
+    row(
+        "service whose directory is a file",
+        [](Desk& desk) {
+            desk.phone.stop();
+            isDone = ::rename("/tmp/zynphonecom", desk.path("moved").constData()) == 0
+                     && QFile::copy(QFile::decodeName(desk.path("phone/rc_a")), u"/tmp/zynphonecom"_s);
+        },
+        "services     /tmp/zynphonecom: it is no directory", "mv /tmp/zynphonecom /tmp/zynphonecom.old\n");
     row(
         "channel that is a link",
         [](Desk& desk) {
@@ -164,10 +189,10 @@ void ZynphoneDoctorTest::findsEachFault_data()
     row(
         "record file of another version",
         [](Desk& desk) { desk.write("phone/rc_m", QByteArray("\xD0\xC0\xB0\xA0\4", 5).leftJustified(11'408, '\0')); },
-        "store        DESK/phone/rc_m: damaged: the version is 4, not 5", "zynphone inspect DESK/phone/rc_m");
+        "store        DESK/phone/rc_m: damaged: the version is 4, not 5", "zynphone inspect --repair DESK/phone, ");
     row(
         "record file cut short", [](Desk& desk) { ::truncate(desk.path("phone/rc_d").constData(), 100); },
-        "store        DESK/phone/rc_d: damaged: the size is 100 bytes, not 11408", "keep a copy");
+        "store        DESK/phone/rc_d: damaged: the size is 100 bytes, not 11408", "keeps a copy");
     row(
         "contact's file cut short", [](Desk& desk) { desk.write("phone/5550001", "x"); },
         "store        DESK/phone/5550001: damaged", "zynphone inspect DESK/phone/5550001");
@@ -181,6 +206,9 @@ void ZynphoneDoctorTest::findsEachFault_data()
     row(
         "settings too long", [](Desk& desk) { desk.write("setup/zyn_handset.cfg", QByteArray(2'000'000, '\n')); },
         "settings     DESK/setup/zyn_handset.cfg: it is too long", "shorten it to 1 MiB");
+    row(
+        "settings below a file", [](Desk& desk) { qputenv("ZYN_APP_WRITE_PATH", desk.path("phone/rc_a/none")); },
+        "settings     DESK/phone/rc_a: it is no directory", "mv DESK/phone/rc_a DESK/phone/rc_a.old");
     row(
         "settings that are a directory",
         [](Desk& desk) { QDir().mkpath(QFile::decodeName(desk.path("setup/zyn_toppals.cfg"))); },
@@ -198,7 +226,11 @@ void ZynphoneDoctorTest::findsEachFault()
     QVERIFY(desk.isSound);
     isDone = true;
     plant(desk);
-    const auto clean = qScopeGuard([] { QFile::remove(QLatin1String(kPhoneSocket)); });
+    const auto clean = qScopeGuard([&desk] {
+        desk.phone.tell(SIGCONT);
+        QFile::remove(QLatin1String(kPhoneSocket));
+        QFile::remove(u"/tmp/zynphonecom"_s); // where it is no directory
+    });
     if (!isDone)
         QSKIP("only root can give a directory away");
     const QString report = tool::run("doctor").replace(QFile::decodeName(desk.path()).chopped(1), u"DESK"_s);

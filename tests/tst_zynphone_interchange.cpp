@@ -13,6 +13,8 @@
 #include <limits>
 #include <optional>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -195,6 +197,7 @@ void ZynphoneInterchangeTest::tellsWhatItLeaves_data()
     rows("stray-quote", "missed,1\"2,,2024-02-03T10:00:00Z,0,voice,,true,\nmissed,\"1\"2,,,,,,,",
          "@:3: a quotation mark stands where no quoted cell begins or ends\n"
          "@:4: a quotation mark stands where no quoted cell begins or ends\n");
+    rows("open-quote", "missed,\"3,,2024-02-03T10:00:00Z,0,voice,,true,", "@:3: a quotation mark is not closed\n");
     rows("line-feed-in-cell", "missed,\"1\n2\",,,,,,,\nmissed,\"1\n2\n3\",,,,,,,",
          "@:3: start '' is no date and time like 2024-05-31T18:30:00Z or 2024-05-31T20:30:00+02:00\n"
          "@:5: start '' is no date and time like 2024-05-31T18:30:00Z or 2024-05-31T20:30:00+02:00\n");
@@ -233,19 +236,27 @@ void ZynphoneInterchangeTest::tellsWhatItLeaves_data()
     };
     json("none", "", "@:1: no JSON: illegal value\n");
     json("cut-short", "[\n{\"list\":\"missed\"},\n{\"list\"", "@:3: no JSON: unterminated string\n");
-    json("no-array", "{}", "@: no array of objects\n");
-    json("values",
-         R"([{"list":"missed","number":"1","start":"2024-02-03T10:00:00Z"}, 7, {"list":"missed","number":"1"},
+    json("no-array", "\n{}", "@:2: no array of objects\n");
+    json(
+        "values",
+        R"([{"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","name":"\"},{"}, 7, {"list":"missed","number":"1"},
              {"list":"missed","number":null,"start":"2024-02-03T10:00:00Z"},
              {"list":"missed","number":"1\u0000","start":"2024-02-03T10:00:00Z"},
              {"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","session":"\ud800"},
-             {"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","uid":1.5},
-             {"list":"missed","number":2,"start":"2024-02-03T10:00:00Z"}])",
-         "@: record 2: it is no object\n@: record 3: the field 'start' is missing\n"
-         "@: record 4: the field 'number' is neither a text nor a number nor true nor false\n"
-         "@: record 5: the number holds a NUL\n@: record 6: the session holds what UTF-8 does not keep\n"
-         "@: record 7: uid '1.5' is no whole number from -2147483648 to 2147483647\n",
-         true);
+             {"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","uid":1.5}, [[],
+             {}],
+             {"list":"missed","number":1e20,"start":"2024-02-03T10:00:00Z"},
+             {"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","duration":"5"},
+             {"list":"missed","number":"1","start":"2024-02-03T10:00:00Z","read":"true"},
+             {"list":"missed","number":"2","start":"2024-02-03T10:00:00Z"}])",
+        "@:1: record 2: it is no object\n@:1: record 3: the field 'start' is missing\n"
+        "@:2: record 4: the field 'number' is no text\n@:3: record 5: the number holds a NUL\n"
+        "@:4: record 6: the session holds what UTF-8 does not keep\n"
+        "@:5: record 7: uid '1.5' is no whole number from -2147483648 to 2147483647\n"
+        "@:5: record 8: it is no object\n@:7: record 9: the field 'number' is no text\n"
+        "@:8: record 10: the field 'duration' is no number\n"
+        "@:9: record 11: the field 'read' is neither true nor false nor a number\n",
+        true);
 }
 
 void ZynphoneInterchangeTest::tellsWhatItLeaves()
@@ -279,6 +290,12 @@ void ZynphoneInterchangeTest::leavesFilesWhole()
              u"zynphone: cannot write /none/a.csv: No such file or directory\nexit 1"_s);
     QCOMPARE(run("calls import /none/a.csv"),
              u"zynphone: cannot read /none/a.csv: No such file or directory\nexit 1"_s);
+    ::mkfifo(path(u"pipe.csv"_s).toLocal8Bit().constData(), 0600);
+    QProcess reader;
+    reader.start(u"cat"_s, {path(u"pipe.csv"_s)});
+    QCOMPARE(run({u"calls"_s, u"export"_s, path(u"pipe.csv"_s)}), u"wrote 0 calls\nexit 0"_s);
+    QCOMPARE(role::finish(reader), 0);
+    QVERIFY(reader.readAll().startsWith("list,number,"));
     QCOMPARE(run("calls export a.txt"), u"zynphone: unknown file ending 'txt'; known are csv, json\n"
                                         "Try 'zynphone calls export --help'.\nexit 2"_s);
     m_service->stop();

@@ -9,6 +9,7 @@
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -154,7 +155,10 @@ void ZynphoneRecordingsTest::keepsWhatExists()
 
 void ZynphoneRecordingsTest::endsAtFullDisk()
 {
-    std::optional<ScopedFileSizeLimit> limit(kHeader.size() + 500);
+    std::optional<ScopedFileSizeLimit> limit(kHeader.size() - 1);
+    QCOMPARE(run("monitor --record none /a"), u"zynphone: cannot write none: File too large\nexit 1"_s);
+    QVERIFY(!QFile::exists(u"none"_s));
+    limit.emplace(kHeader.size() + 500);
     MonitorProcess monitor(u"--record full /a"_s);
     limit.reset();
     for (int i = 0; i < 2; ++i)
@@ -269,7 +273,7 @@ void ZynphoneRecordingsTest::endsReplayWhenAsked()
 
 void ZynphoneRecordingsTest::selectsChannels()
 {
-    write(kLine + "2026-03-01T08:15:00.000Z /a%20b c -\n2026-03-01T08:15:00.000Z /d e -\n");
+    write(kLine + "2026-03-01T08:15:00.000Z /a%20b c -\r\n2026-03-01T08:15:00.000Z /d e -\n");
     MonitorProcess monitor(u"--count 2 /a /a%20b /d"_s);
     QCOMPARE(run("replay given --channel /d --channel /a%20b"), u"sent 2 messages\nexit 0"_s);
     QStringList shown{monitor.nextMessage(), monitor.nextMessage()};
@@ -297,6 +301,17 @@ void ZynphoneRecordingsTest::foldsRepeats()
     QVERIFY(texts.contains(u"0:00.000 \u2013 8:18.000"_s));
     QVERIFY(texts.contains(u"quality=0\u21921"_s));
     QCOMPARE(texts.filter(QRegularExpression(u"^M[0-9]+$"_s)).size(), 20);
+
+    QByteArray lines = kLine;
+    for (int i = 0; i < 600; ++i)
+        lines += std::array{"2026-03-01T08:15:00.000Z /a c -\n", "2026-03-01T08:15:00.000Z /d e -\n",
+                            "2026-03-01T08:15:00.000Z /a f -\n"}[size_t(i % 3)];
+    write(lines);
+    run("chart given -o folded.svg");
+    const QStringList turns = textsOf(read(u"folded.svg"_s));
+    QCOMPARE(turns.count(u"\u00D7 200"_s), 2); // e, and c and f in turn
+    QCOMPARE(turns.filter(QRegularExpression(u"^(b|c|e|f|then f)$"_s)),
+             (QStringList{u"b"_s, u"c"_s, u"then f"_s, u"e"_s}));
 }
 
 void ZynphoneRecordingsTest::escapesTexts()
@@ -331,6 +346,7 @@ void ZynphoneRecordingsTest::putsChartInPlace()
     QCOMPARE(run("chart given"),
              u"zynphone: a chart has at most 64 channels, not 65; --channel chooses some\nexit 1"_s);
     write(kLine);
+    QCOMPARE(run("chart missing"), u"zynphone: cannot read missing: No such file or directory\nexit 1"_s);
     QCOMPARE(run("chart given -o /nowhere/x"),
              u"zynphone: cannot write /nowhere/x: No such file or directory\nexit 1"_s);
 }

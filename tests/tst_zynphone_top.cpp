@@ -6,6 +6,7 @@
 #include "support/Tool.h"
 #include "utility/PHONE_VoiceCallSender.h"
 
+#include <QtCore/QDirIterator>
 #include <QtCore/QSet>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void givesTheTerminalBack_data();
     void givesTheTerminalBack();
     void stopsAndGoesOn();
+    void endsWhereNothingIsTaken();
     void endsWithItsTerminal();
     void writesPlainLinesOnce();
 
@@ -121,6 +123,7 @@ void ZynphoneTopTest::behavesAtAnySize()
     QCOMPARE(terminal.row(1) + terminal.row(2), QString(20, u' '));
     terminal.resize(30, 12);
     QCOMPARE(terminal.find(u"lines more"_s), 11);
+    QVERIFY(terminal.find(u"favourite 4"_s) > 0); // the calls come first
     terminal.resize(80, 24);
     QVERIFY(terminal.find(u"UMA icon"_s) > 0);
     QCOMPARE(terminal.row(23).trimmed(), u"q ends"_s); // everything is there
@@ -177,6 +180,18 @@ void ZynphoneTopTest::stopsAndGoesOn()
     QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("over"); }, role::kPatience / 4));
 }
 
+void ZynphoneTopTest::endsWhereNothingIsTaken()
+{
+    Terminal terminal(80, 24);
+    terminal.start(kTool, {u"top"_s});
+    QVERIFY(terminal.find(u"zynphone top"_s) == 0);
+    terminal.type("\x13");
+    QCOMPARE(tool::run("status battery-capacity 154"), u"sent\nexit 0"_s);
+    QTest::qWait(200); // for it to be drawn
+    terminal.tell(SIGTERM);
+    QCOMPARE(role::finish(terminal.process), 0);
+}
+
 void ZynphoneTopTest::endsWithItsTerminal()
 {
     Terminal terminal(80, 24);
@@ -189,11 +204,15 @@ void ZynphoneTopTest::endsWithItsTerminal()
 void ZynphoneTopTest::writesPlainLinesOnce()
 {
     QCOMPARE(tool::run("top"), u"zynphone: standard output is no terminal; --once writes plain lines\nexit 1"_s);
+    qputenv("ZYN_QCOP_PATH", QFile::encodeName(m_store->path() + u"/channels"_s));
     const QString state = tool::run("top --once");
+    qunsetenv("ZYN_QCOP_PATH");
     QVERIFY2(state.contains(u"\nbattery        \u2013\n") && state.contains(u"\nmissed         0 unread\n")
                  && !state.contains(u'\033') && state.endsWith(u"exit 0"),
              qPrintable(state));
     QVERIFY(!QFile::exists(m_store->path() + u"/phone"_s)); // it makes nothing
+    QVERIFY(!QDirIterator(m_store->path(), QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories)
+                 .hasNext());
 }
 
 QTEST_GUILESS_MAIN(ZynphoneTopTest)

@@ -1,6 +1,7 @@
 // What a program shows, kept apart from what the library traces.
 #include "handset/common/Output.h"
 
+#include <cerrno>
 #include <cstdio>
 
 #include <fcntl.h>
@@ -44,6 +45,11 @@ void Output::showTrace()
     // Otherwise the trace would come after the tool's own lines.
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     m_traced = true;
+}
+
+QString Output::errorString() const
+{
+    return descriptor() < 0 ? qt_error_string(EBADF) : m_output.errorString();
 }
 
 bool Output::isTerminal() const

@@ -34,6 +34,8 @@ public:
 
     /// Whether everything could be written.
     bool isSound() const { return m_sound; }
+    /// Why it could not.
+    QString errorString() const;
 
 protected:
     /// Whether trace text may have come since this was last asked.

@@ -12,7 +12,8 @@ namespace {
 using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
-constexpr FieldForm kListForm{[](const QByteArray& bytes) {
+constexpr FieldForm kListForm{FieldForm::Text,
+                              [](const QByteArray& bytes) {
                                   return QJsonValue(
                                       categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
                               },
@@ -21,6 +22,7 @@ constexpr FieldForm kListForm{[](const QByteArray& bytes) {
                               }};
 
 constexpr FieldForm kTypeForm{
+    FieldForm::Text,
     [](const QByteArray& bytes) {
         return QJsonValue(wordFor(kTypes, static_cast<RC_CALL_TYPE_T>(numberOfBytes(bytes))));
     },

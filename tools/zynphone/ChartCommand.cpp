@@ -3,10 +3,10 @@
 
 #include "tools/zynphone/ChartSvg.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/OutputFile.h"
 #include "tools/zynphone/Recording.h"
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -17,43 +17,23 @@ using namespace zyn::tool;
 constexpr char kStandardOutput[] = "-";
 constexpr qsizetype kMostChannels = 64;
 
-void writeWhole(QFileDevice& file, const QByteArray& contents)
-{
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.flush())
-        throw failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
-}
-
-void writeChart(const QString& path, const QByteArray& svg)
-{
-    // A device or a pipe is written to; a new file must not take its place.
-    const QFileInfo place(path);
-    if (place.exists() && !place.isFile()) {
-        QFile file(path);
-        writeWhole(file, svg);
-        return;
-    }
-    QSaveFile file(path);
-    writeWhole(file, svg);
-    if (!file.commit())
-        throw failure(u"cannot write %1: %2"_s.arg(path, file.errorString()));
-}
-
 ExitCode drawChart(const Invocation& call, Console& console)
 {
     const QString input = call.argument(0);
     const QString output = call.isSet(u"output"_s) ? call.value(u"output"_s) : QLatin1String(kStandardOutput);
-    if (QFileInfo(output) == QFileInfo(input))
-        throw usageError(u"the chart would replace the recording"_s);
+    const bool isToFile = output != QLatin1String(kStandardOutput);
     Recording recording(input);
+    if (isToFile && QFileInfo(output) == QFileInfo(input))
+        throw usageError(u"the chart would replace the recording"_s);
     recording.keepOnly(call.values(u"channel"_s));
     if (const qsizetype channels = recording.channels().size(); channels > kMostChannels)
         throw failure(u"a chart has at most %1 channels, not %2; --channel chooses some"_s.arg(
             QString::number(kMostChannels), QString::number(channels)));
     const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(QFileInfo(input).fileName()));
-    if (output == QLatin1String(kStandardOutput))
-        console.write(QString::fromUtf8(svg));
+    if (isToFile)
+        writeFile(output, svg);
     else
-        writeChart(output, svg);
+        console.write(QString::fromUtf8(svg));
     return Done;
 }
 
@@ -66,10 +46,9 @@ Command chartCommand()
     return {.name = u"chart"_s,
             .summary = u"Draw the messages of a recording as a sequence chart in SVG"_s,
             .details =
-                u"\nA lane is a channel, time runs downwards. From three of a kind on, messages that follow each "
-                u"other in\n"
-                "a lane are one entry. Long pauses are shortened and say so. All that a message holds is in its "
-                "tooltip.\n"_s,
+                u"\nA lane is a channel, time runs downwards. From three of a kind, or three turns of the same\n"
+                "few, on, messages that follow each other in a lane are one entry. Long pauses are shortened and say\n"
+                "so. All that a message holds is in its tooltip.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
             .options = {QCommandLineOption({u"output"_s, u"o"_s},
                                            u"write the chart to FILE (also -o), else, and for -, to standard output"_s,

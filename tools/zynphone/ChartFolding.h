@@ -9,13 +9,15 @@
 
 namespace zyn::tool {
 
-/// A message, or several of one name that follow each other on their channel.
+/// A message, or several that follow each other on their channel and are of one name, or of names that take turns.
 struct ChartRun
 {
     qsizetype lane;
     std::vector<size_t> messages; ///< their places in the recording, ascending
+    size_t inTurn = 1;            ///< how many of them are a turn; they are whole turns
 
     bool isFold() const { return messages.size() > 1; }
+    size_t turns() const { return messages.size() / inTurn; }
 };
 
 struct ChartRuns
@@ -24,8 +26,8 @@ struct ChartRuns
     std::vector<ChartRun> runs; ///< in the order of their first messages
 };
 
-/// Folds @p messages: from three of a kind on, when no other message came between; from twenty on also across
-/// those of other channels. Fewer show the order in which things happened.
+/// Folds @p messages: from three of a kind, or three turns, on, when no other message came between; from twenty
+/// messages on also across those of other channels. Fewer show the order in which things happened.
 ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages);
 
 } // namespace zyn::tool

@@ -99,13 +99,14 @@ ChartEntry ChartLayout::entryOf(const std::vector<ReceivedMessage>& messages, co
     entry.name = chartName(messages[run.messages.front()]);
     entry.time = timeOf(run.messages.front());
     if (run.isFold()) {
-        entry.badge = u"\u00D7 %1"_s.arg(run.messages.size());
+        entry.badge = u"\u00D7 %1"_s.arg(run.turns());
         entry.span = entry.time + u" \u2013 "_s + timeOf(run.messages.back());
     }
     const int room = cardLimit(qsizetype(m_lanes.size())) - 2 * kCardPadding;
     const int prefix = boldWidth(entry.name.prefix, kNameSize);
     entry.name.own = elidedToWidth(entry.name.own, kNameSize, room - prefix - badgeRoom(entry.badge));
-    entry.fields = chartLines(chartFields(messages, run), fieldColumns(room), kMostLines);
+    entry.fields =
+        chartLines(chartFields(messages, run), fieldColumns(room), std::max(kMostLines, qsizetype(run.inTurn)));
     entry.height = kNameBaseline + lineCount(entry) * kLineHeight + kBelowText;
     return entry;
 }

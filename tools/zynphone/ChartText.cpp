@@ -43,6 +43,22 @@ QString payloadText(const QByteArray& payload)
     return payload.size() > kShownPayload ? shown + u'\u2026' : shown;
 }
 
+/// The name of @p message as its card has it.
+QString fullName(const ReceivedMessage& message)
+{
+    const ChartName name = chartName(message);
+    return elided(name.prefix + name.own, kLongestName);
+}
+
+/// The names that take turns with that of the first message of @p run.
+QStringList laterInTurn(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
+{
+    QStringList names;
+    for (const size_t place : std::span(run.messages).first(run.inTurn).subspan(1))
+        names += u"then "_s + fullName(messages[place]);
+    return names;
+}
+
 /// A field whose values are @p first, @p last and others, all with the field's name.
 QString changeText(const QString& first, const QString& last)
 {
@@ -115,6 +131,8 @@ ChartName chartName(const ReceivedMessage& message)
 
 QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
 {
+    if (run.inTurn > 1)
+        return laterInTurn(messages, run);
     QStringList first = fieldTextsOf(messages[run.messages.front()]);
     QStringList last = first;
     QList<bool> changes(first.size(), false);
@@ -141,6 +159,8 @@ QString chartTooltip(const std::vector<ReceivedMessage>& messages, const ChartRu
         const ReceivedMessage& message = messages[place];
         lines += clock.text(messages.front().time.msecsTo(message.time)) + u"  "_s
                  + message.time.toString(u"HH:mm:ss.zzz") + u" UTC"_s;
+        if (run.inTurn > 1)
+            lines += u"  "_s + fullName(message);
         for (const QString& field : fieldTextsOf(message))
             lines += u"  "_s + field;
         lines += u"  %1 %2"_s.arg(counted(message.payload.size(), "byte"), payloadText(message.payload)).trimmed();

@@ -36,7 +36,8 @@ struct ChartName
 };
 ChartName chartName(const ReceivedMessage& message);
 
-/// The fields of @p run; where they change, what they were first and last.
+/// The fields of @p run; where they change, what they were first and last. The names that follow the first in each turn
+/// when several take turns.
 QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run);
 
 /// All that the messages of @p run hold, as far as somebody would read it.

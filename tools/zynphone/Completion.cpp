@@ -43,8 +43,9 @@ private:
     /// What the value of the option @p word is called; null when it takes none.
     QString valueName(const QString& word) const
     {
+        const QString name = word.mid(word.startsWith("--"_L1) ? 2 : 1);
         for (const QCommandLineOption& option : allOptions()) {
-            if (option.names().contains(word.mid(2)))
+            if (option.names().contains(name))
                 return option.valueName();
         }
         return {};

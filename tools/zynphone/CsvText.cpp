@@ -87,6 +87,8 @@ QByteArray CsvReader::plainCell(QString& problem)
 QByteArray CsvReader::quotedCell(QString& problem)
 {
     QByteArray cell;
+    const qsizetype begin = m_at;
+    const int line = m_line;
     // A quotation mark in the cell is written twice.
     for (++m_at; !atEnd(); ++m_at) {
         if (isAt(kQuote)) {
@@ -102,7 +104,12 @@ QByteArray CsvReader::quotedCell(QString& problem)
         cell += m_text[m_at];
     }
     problem = u"a quotation mark is not closed"_s;
-    return cell;
+    // One mark too many in a row must not take the rows behind it along.
+    m_at = begin;
+    m_line = line;
+    while (!atEnd() && !isAtLineEnd())
+        ++m_at;
+    return {};
 }
 
 } // namespace zyn::tool

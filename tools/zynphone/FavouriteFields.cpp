@@ -24,7 +24,8 @@ using Favourite = TopPalNumberDetail;
 constexpr size_t kEntry = sizeof(Favourite);
 
 /// Unlike a call in the call log, an entry may be of no list, and of one that has but a number.
-constexpr FieldForm kAnyListForm{[](const QByteArray& bytes) {
+constexpr FieldForm kAnyListForm{FieldForm::Text,
+                                 [](const QByteArray& bytes) {
                                      return QJsonValue(
                                          categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
                                  },

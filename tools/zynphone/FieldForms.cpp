@@ -122,11 +122,11 @@ QByteArray timeBytes(const QString& text, const QString& name, qsizetype /*size*
 
 namespace zyn::tool {
 
-const FieldForm kNumberForm{numberValue, numberBytes};
-const FieldForm kFlagForm{flagValue, flagBytes};
-const FieldForm kLatin1Form{latin1Value, latin1Bytes};
-const FieldForm kUtf8Form{utf8Value, utf8Bytes};
-const FieldForm kBlockForm{blockValue, blockFrom};
-const FieldForm kTimeForm{timeValue, timeBytes};
+const FieldForm kNumberForm{FieldForm::Number, numberValue, numberBytes};
+const FieldForm kFlagForm{FieldForm::Flag, flagValue, flagBytes};
+const FieldForm kLatin1Form{FieldForm::Text, latin1Value, latin1Bytes};
+const FieldForm kUtf8Form{FieldForm::Text, utf8Value, utf8Bytes};
+const FieldForm kBlockForm{FieldForm::Text, blockValue, blockFrom};
+const FieldForm kTimeForm{FieldForm::Text, timeValue, timeBytes};
 
 } // namespace zyn::tool

@@ -28,7 +28,7 @@ std::optional<QByteArray> nextLine(QFile& file)
     // A line that is cut short may look whole: half of a payload is one too.
     if (!line.endsWith('\n'))
         throw failure(u"the line is cut short"_s);
-    line.chop(1);
+    line.chop(line.endsWith("\r\n") ? 2 : 1);
     if (!QByteArrayView(line).isValidUtf8())
         throw failure(u"the line is not UTF-8"_s);
     return line;

@@ -14,20 +14,26 @@ namespace zyn::tool {
 RecordingWriter::RecordingWriter(const QString& path, Existing existing)
     : m_file(path)
 {
-    const bool isNew = existing != Existing::Append || !m_file.exists();
+    const bool wasThere = m_file.exists();
+    const bool isNew = existing != Existing::Append || !wasThere;
     if (!isNew) {
         const Recording before(path);
         if (!before.messages().empty())
             m_start = std::max(m_start, before.messages().back().time);
-    } else if (existing == Existing::Refuse && m_file.exists()) {
+    } else if (existing == Existing::Refuse && wasThere) {
         throw failure(u"%1 exists; --force replaces it, --append adds to it"_s.arg(path));
     }
     const QIODevice::OpenMode mode = !isNew                          ? QIODevice::Append
                                      : existing == Existing::Replace ? QIODevice::Truncate
                                                                      : QIODevice::NewOnly;
     const bool isOpen = m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode) || fail();
-    if (!isOpen || (isNew && !writeLine(recordingHeader() + '\n')))
+    if (!isOpen)
         throw failure(m_error);
+    if (isNew && !writeLine(recordingHeader() + '\n')) {
+        if (!wasThere)
+            m_file.remove();
+        throw failure(m_error);
+    }
     m_sinceStart.start();
 }
 

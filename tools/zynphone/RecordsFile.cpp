@@ -3,10 +3,10 @@
 
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Counted.h"
+#include "tools/zynphone/OutputFile.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 
 #include <cstdio>
 
@@ -41,11 +41,6 @@ QCommandLineOption formatOption()
     return valueOption(u"format"_s, u"FORMAT"_s,
                        wordTexts(kRecordFormats).join(u" or "_s)
                            + u"; the file's ending by default, csv on standard input and output"_s);
-}
-
-bool writeInPlace(QSaveFile& file, const QString& text)
-{
-    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit();
 }
 
 } // namespace
@@ -95,9 +90,7 @@ void RecordsFile::write(const std::vector<QByteArray>& records, Console& console
         console.write(text);
         return;
     }
-    QSaveFile file(m_path);
-    if (!writeInPlace(file, text))
-        throw failure(u"cannot write %1: %2"_s.arg(m_path, file.errorString()));
+    writeFile(m_path, text.toUtf8());
     console.write(u"wrote %1\n"_s.arg(counted(static_cast<qsizetype>(records.size()), m_schema.thing)));
 }
 

@@ -29,7 +29,7 @@ public:
     /// @p call and @p schema must outlive it.
     RecordsFile(const Invocation& call, const RecordSchema& schema, const QString& path);
 
-    /// Writes @p records, whole or not at all, in place of what the file was.
+    /// Writes @p records, whole or not at all, in place of what the file was; a device or a pipe is written to.
     void write(const std::vector<QByteArray>& records, Console& console) const;
 
     /// Reads the file, and tells on the console which records cannot be read; that is a failure when --strict is set.

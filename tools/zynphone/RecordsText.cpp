@@ -4,6 +4,7 @@
 #include "handset/common/Text.h"
 #include "tools/zynphone/CsvText.h"
 #include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/JsonElements.h"
 #include "tools/zynphone/NamedTexts.h"
 
 #include <QtCore/QJsonArray>
@@ -117,6 +118,17 @@ QString jsonText(const std::vector<StoredField>& fields, const std::vector<QByte
     return u"[\n"_s + lines.join(u",\n"_s) + (lines.isEmpty() ? u"]\n"_s : u"\n]\n"_s);
 }
 
+void requireKind(const StoredField& field, const QJsonValue& value)
+{
+    const FieldForm::Kind kind = field.form->kind;
+    const bool isRight =
+        kind == FieldForm::Text ? value.isString() : value.isDouble() || (kind == FieldForm::Flag && value.isBool());
+    if (isRight)
+        return;
+    constexpr std::array kWanted{"no text", "no number", "neither true nor false nor a number"};
+    throw failure(u"the field '%1' is %2"_s.arg(QLatin1String(field.name), QLatin1String(kWanted[kind])));
+}
+
 QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
 {
     if (!value.isObject())
@@ -126,8 +138,7 @@ QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
     std::vector<NamedText> texts;
     for (auto member = object.begin(); member != object.end(); ++member) {
         const StoredField& field = fieldNamed(schema, member.key());
-        if (!member->isString() && !member->isDouble() && !member->isBool())
-            throw failure(u"the field '%1' is neither a text nor a number nor true nor false"_s.arg(member.key()));
+        requireKind(field, *member);
         given.push_back(&field);
         texts.emplace_back(&field, member->toVariant().toString());
     }
@@ -135,20 +146,27 @@ QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
     return recordOf(schema, texts);
 }
 
+int lineAt(const QByteArray& text, qsizetype offset)
+{
+    return 1 + static_cast<int>(text.first(std::clamp<qsizetype>(offset, 0, text.size())).count('\n'));
+}
+
 ReadRecords readJson(const RecordSchema& schema, const QByteArray& text, const QString& name)
 {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
-        const auto line = 1 + text.first(std::min(qsizetype{error.offset}, text.size())).count('\n');
-        throw failure(linePlace(name, static_cast<int>(line)) + u"no JSON: "_s + error.errorString());
+        throw failure(linePlace(name, lineAt(text, error.offset)) + u"no JSON: "_s + error.errorString());
     }
     if (!document.isArray())
-        throw failure(u"%1: no array of objects"_s.arg(name));
+        throw failure(linePlace(name, lineAt(text, text.indexOf('{'))) + u"no array of objects"_s);
     ReadRecords result;
+    JsonElements elements(text);
     int number = 0;
-    for (const QJsonValue value : document.array())
-        addTo(result, u"%1: record %2: "_s.arg(name).arg(++number), [&] { return recordOfObject(schema, value); });
+    for (const QJsonValue value : document.array()) {
+        const QString place = linePlace(name, elements.nextLine()) + u"record %1: "_s.arg(++number);
+        addTo(result, place, [&] { return recordOfObject(schema, value); });
+    }
     return result;
 }
 

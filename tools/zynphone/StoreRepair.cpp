@@ -6,38 +6,15 @@
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/zynphone/ContactRepair.h"
 #include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/OutputFile.h"
 #include "tools/zynphone/RecordFileCheck.h"
 #include "tools/zynphone/StoreCheck.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr mode_t kPermissions = 07777;
-
-/// Gives @p file the owner and the permissions of the one that it replaces, as far as this process may.
-void takeAfterOld(const QSaveFile& file)
-{
-    struct stat status = {};
-    if (::stat(QFile::encodeName(file.fileName()).constData(), &status) != 0)
-        return;
-    [[maybe_unused]] const int result = ::fchown(file.handle(), status.st_uid, status.st_gid);
-    ::fchmod(file.handle(), status.st_mode & kPermissions);
-}
-
-bool writeInPlace(QSaveFile& file, const QByteArray& image)
-{
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    takeAfterOld(file);
-    return file.write(image) == image.size() && file.commit();
-}
 
 /// The marks that @p image holds whole, behind a header.
 QByteArray repairedSeenCalls(const QByteArray& image)
@@ -76,11 +53,8 @@ StoreRepair::StoreRepair(const StoreFiles& files)
 
 void StoreRepair::apply() const
 {
-    for (const auto& [name, image] : m_changed) {
-        QSaveFile file(m_files.path(name));
-        if (!writeInPlace(file, image))
-            throw failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
-    }
+    for (const auto& [name, image] : m_changed)
+        writeFile(m_files.path(name), image);
     for (const QString& name : m_removed) {
         QFile file(m_files.path(name));
         if (!file.remove())

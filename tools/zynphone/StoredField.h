@@ -15,6 +15,14 @@ namespace zyn::tool {
 /// How the bytes of a field are written as a value: two fields with other bytes have other values.
 struct FieldForm
 {
+    /// What a value is in JSON.
+    enum Kind {
+        Text,
+        Number,
+        Flag, ///< true, false or a number
+    };
+
+    Kind kind;
     QJsonValue (*value)(const QByteArray& bytes);
     /// The bytes, @p size of them, of the field @p name that @p text stands for; a usage error when it stands for none.
     QByteArray (*bytes)(const QString& text, const QString& name, qsizetype size);

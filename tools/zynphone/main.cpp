@@ -58,6 +58,6 @@ int main(int argc, char** argv)
         code = runCommand(tool, tool.name, words, console);
     if (console.isSound())
         return code;
-    console.writeError(u"zynphone: cannot write to standard output"_s);
+    console.writeError(u"zynphone: cannot write to standard output: "_s + console.errorString());
     return Failed;
 }

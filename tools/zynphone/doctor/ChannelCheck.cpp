@@ -62,6 +62,8 @@ QString directoryOf(const QByteArray& root, const QCString& channel)
 /// What is wrong with one listener; nothing when it listens.
 std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& path, pid_t owner)
 {
+    if (probe.state == SocketProbe::Stopped || (probe.state == SocketProbe::Busy && isStopped(owner)))
+        return wrong(path, u"%1 listens, but it is stopped"_s.arg(processText(owner)), u"kill -CONT %1"_s.arg(owner));
     switch (probe.state) {
     case SocketProbe::Foreign:
         return wrong(path, u"the listener belongs to user %1, and gets nothing from you"_s.arg(probe.user),
@@ -69,9 +71,6 @@ std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& pa
     case SocketProbe::Busy:
         return wrong(path, u"%1 takes none of its messages"_s.arg(processText(owner)),
                      u"see what it does: its event loop does not run"_s);
-    case SocketProbe::Dead:
-        return wrong(path, u"a dead socket: %1 ended without closing it"_s.arg(processText(owner)),
-                     u"start that program again if it is missed; the next message here removes the socket"_s);
     case SocketProbe::Failed:
         return wrong(path, u"no connection to %1: %2"_s.arg(processText(owner), probe.error),
                      u"start that program again"_s);
@@ -80,35 +79,53 @@ std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& pa
     }
 }
 
+/// The next message on the channel removes it: it tells of a loss only where nobody else listens.
+Finding deadSocket(const QString& path, pid_t owner, bool isHeard)
+{
+    const QString text = u"a dead socket: %1 ended without closing it"_s.arg(processText(owner));
+    return isHeard ? note(path, text + u"; the next message here removes it"_s)
+                   : wrong(path, text,
+                           u"start that program again if it is missed; the next message here removes the socket"_s);
+}
+
 Findings checkListeners(const QByteArray& root, const QCString& channel, const ChannelDirectory& directory)
 {
     Findings findings;
     QStringList listening;
+    std::vector<std::pair<QString, pid_t>> dead;
+    bool isKept = false; // by one that takes nothing just now
     for (const QByteArray& name : directory.listeners().value_or(QList<QByteArray>())) {
         const pid_t owner = ChannelDirectory::owner(name);
         const SocketProbe probe = SocketProbe::of(directory.connectTo(name));
         const QString path = directoryOf(root, channel) + u'/' + QFile::decodeName(name);
-        if (const auto fault = listenerFault(probe, path, owner))
+        isKept = isKept || probe.state == SocketProbe::Stopped || probe.state == SocketProbe::Busy;
+        if (probe.state == SocketProbe::Dead)
+            dead.emplace_back(path, owner);
+        else if (const auto fault = listenerFault(probe, path, owner))
             findings.push_back(*fault);
         else if (probe.state == SocketProbe::Served)
             listening += processText(owner);
     }
+    for (const auto& [path, owner] : dead)
+        findings.push_back(deadSocket(path, owner, !listening.isEmpty()));
     listening.sort();
     if (!listening.isEmpty())
         findings.push_back(ok(QString::fromUtf8(channel), u"heard by %1"_s.arg(listening.join(u", "_s))));
-    else
+    else if (!isKept)
         findings.push_back(nobody(channel));
     return findings;
 }
 
 Findings checkChannel(const QByteArray& root, const QCString& channel)
 {
-    if (const auto directory = ChannelDirectory::open(root, channel))
-        return checkListeners(root, channel, *directory);
     const QByteArray path = ChannelDirectory::path(root, channel);
     if (!exists(path))
         return {nobody(channel)};
-    return {wrong(path, privateDirectoryFault(path).value_or(Fault{u"it cannot be used"_s, u"remove it"_s}))};
+    if (const auto fault = privateDirectoryFault(path))
+        return {wrong(path, *fault)};
+    if (const auto directory = ChannelDirectory::open(root, channel))
+        return checkListeners(root, channel, *directory);
+    return {wrong(path, {u"it cannot be used"_s, u"remove it"_s})};
 }
 
 } // namespace

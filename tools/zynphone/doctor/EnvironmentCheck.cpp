@@ -15,12 +15,6 @@ namespace {
 using namespace zyn::tool;
 using namespace zyn::tool::doctor;
 
-/// The directory that a path lies in.
-QByteArray parentOf(const QByteArray& path)
-{
-    return QFile::encodeName(QFileInfo(QFile::decodeName(path)).path());
-}
-
 Finding relativePath(const QString& variable)
 {
     return wrong(variable, u"it holds no absolute path, so every process looks elsewhere or nowhere"_s,
@@ -36,7 +30,7 @@ Finding checkChannelPath(const QString& variable, const QByteArray& value)
     if (above)
         return wrong(variable,
                      u"nobody can make the directory %1: above it, %2"_s.arg(QFile::decodeName(value), above->text),
-                     u"mkdir -p %1"_s.arg(shellWord(parentOf(root))));
+                     above->remedy);
     return ok(variable, u"the channels are in %1"_s.arg(QFile::decodeName(root)));
 }
 
@@ -44,15 +38,16 @@ Finding checkRuntimePath(const QString& variable, const QByteArray& value)
 {
     if (!zyn::ChannelEnvironment::current().channelPath.isEmpty())
         return ok(variable, u"not looked at, since ZYN_QCOP_PATH is set"_s);
-    const QByteArray root = zyn::ChannelEnvironment::current().root();
-    if (!root.isEmpty())
-        return ok(variable, u"the channels are in %1"_s.arg(QFile::decodeName(root)));
     if (!value.startsWith('/'))
         return relativePath(variable);
-    const Fault fault = privateDirectoryFault(value).value_or(
-        Fault{u"it may not be used"_s, u"name a directory that is yours alone"_s});
-    return wrong(variable, u"no channel can be used with %1: %2"_s.arg(QFile::decodeName(value), fault.text),
-                 u"%1, or unset %2 for every process alike"_s.arg(fault.remedy, variable));
+    const QByteArray root = zyn::ChannelEnvironment::current().root();
+    std::optional<Fault> fault = privateDirectoryFault(value);
+    if (!fault && root.isEmpty())
+        fault = {u"it may not be used"_s, u"name a directory that is yours alone"_s};
+    if (!fault)
+        return ok(variable, u"the channels are in %1"_s.arg(QFile::decodeName(root)));
+    return wrong(variable, u"no channel can be used with %1: %2"_s.arg(QFile::decodeName(value), fault->text),
+                 u"%1, or unset %2 for every process alike"_s.arg(fault->remedy, variable));
 }
 
 Finding checkDataPath(const QString& variable, const QByteArray& value)
@@ -71,10 +66,12 @@ Finding checkSettingsPath(const QString& variable, const QByteArray& value)
 {
     if (!value.startsWith('/'))
         return relativePath(variable);
-    const QFileInfo directory(QFile::decodeName(value));
-    if (directory.exists() && !directory.isDir())
-        return wrong(variable, u"%1 is no directory"_s.arg(QFile::decodeName(value)),
-                     u"export %1=/a/directory, or unset it"_s.arg(variable));
+    const QByteArray part = existingPart(QFile::encodeName(zyn::settingsDirectory()));
+    if (const auto fault = writableDirectoryFault(part))
+        return wrong(variable,
+                     u"no settings can be kept in %1: of %2, %3"_s.arg(QFile::decodeName(value),
+                                                                       QFile::decodeName(part), fault->text),
+                     u"export %1=/a/directory, or %2"_s.arg(variable, fault->remedy));
     return ok(variable, u"the settings are in %1"_s.arg(zyn::settingsDirectory()));
 }
 

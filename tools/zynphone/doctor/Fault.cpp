@@ -3,7 +3,7 @@
 
 #include "platform/posix/PrivateDirectory_p.h"
 
-#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
@@ -58,9 +58,22 @@ bool exists(const QByteArray& path)
     return ::lstat(path.constData(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
+QByteArray parentOf(const QByteArray& path)
+{
+    return QFile::encodeName(QFileInfo(nameOf(path)).path());
+}
+
+QByteArray existingPart(QByteArray path)
+{
+    while (!exists(path) && parentOf(path) != path)
+        path = parentOf(path);
+    return path;
+}
+
 std::optional<Fault> privateDirectoryFault(const QByteArray& path)
 {
-    if (posix::openPrivateDirectory(AT_FDCWD, path).isValid())
+    const bool isPrivate = posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+    if (isPrivate && ::access(path.constData(), R_OK | W_OK | X_OK) == 0)
         return std::nullopt;
     struct stat status = {};
     if (::lstat(path.constData(), &status) != 0)
@@ -72,8 +85,8 @@ std::optional<Fault> privateDirectoryFault(const QByteArray& path)
     if (status.st_uid != ::geteuid())
         return Fault{u"it belongs to user %1, not to you, user %2"_s.arg(status.st_uid).arg(::geteuid()),
                      u"name a directory of your own, or run as its owner"_s};
-    return Fault{u"its mode is %1, not 0700: other users could read along"_s.arg(status.st_mode & kPermissions, 4, 8,
-                                                                                 QLatin1Char('0')),
+    const QString harm = isPrivate ? u"you may not read, write and enter it"_s : u"other users could read along"_s;
+    return Fault{u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')).arg(harm),
                  u"chmod 700 %1"_s.arg(shellWord(path))};
 }
 
@@ -87,7 +100,8 @@ std::optional<Fault> writableDirectoryFault(const QByteArray& path)
     if (::access(path.constData(), W_OK | X_OK) != 0)
         return Fault{
             u"you may not write in it; it belongs to user %1, you are user %2"_s.arg(status.st_uid).arg(::geteuid()),
-            u"as its owner: chmod u+rwx %1, or name another directory"_s.arg(shellWord(path))};
+            status.st_uid == ::geteuid() ? u"chmod u+rwx %1"_s.arg(shellWord(path))
+                                         : u"run as its owner, or name another directory"_s};
     return std::nullopt;
 }
 

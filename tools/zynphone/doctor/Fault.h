@@ -18,6 +18,12 @@ struct Fault
 /// Whether anything of that name exists, be it a link that leads nowhere or out of this user's reach.
 bool exists(const QByteArray& path);
 
+/// The directory that @p path lies in.
+QByteArray parentOf(const QByteArray& path);
+
+/// @p path, or the nearest directory above it that exists; a file where one is in the way.
+QByteArray existingPart(QByteArray path);
+
 /// Why @p path is no directory that is this user's alone, as channels need it; nothing when it is one.
 std::optional<Fault> privateDirectoryFault(const QByteArray& path);
 

@@ -1,6 +1,7 @@
 // The sockets of the handset's services, and who serves them.
 #include "recentcall/utility/RecentCall_Command_p.h"
 #include "tools/zynphone/doctor/Checks.h"
+#include "tools/zynphone/doctor/Fault.h"
 #include "tools/zynphone/doctor/SocketProbe.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
@@ -24,15 +25,32 @@ constexpr Service kServices[] = {
     {zyn::voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
 };
 
+/// Why the directory of a socket that nobody could be reached at keeps everybody away; nothing when it does not.
+std::optional<Finding> directoryFault(const Service& service, const SocketProbe& probe)
+{
+    const QByteArray directory = parentOf(service.socket);
+    const bool isUnreached = probe.state == SocketProbe::Dead || probe.state == SocketProbe::Missing
+                             || probe.state == SocketProbe::NoSocket || probe.state == SocketProbe::Failed;
+    if (!isUnreached || !exists(directory))
+        return std::nullopt;
+    const std::optional<Fault> fault = writableDirectoryFault(directory);
+    return fault ? std::optional(wrong(directory, *fault)) : std::nullopt;
+}
+
 Finding checkService(const Service& service)
 {
     const QString path = QLatin1String(service.socket);
     const QString name = QLatin1String(service.name);
     const QString start = u"start %1: %2 &"_s.arg(name, QLatin1String(service.program));
     const SocketProbe probe = SocketProbe::at(service.socket);
+    if (const auto fault = directoryFault(service, probe))
+        return *fault;
     switch (probe.state) {
     case SocketProbe::Served:
         return ok(path, u"served by %1"_s.arg(processText(probe.process)));
+    case SocketProbe::Stopped:
+        return wrong(path, u"%1, %2, serves it, but it is stopped"_s.arg(name, processText(probe.process)),
+                     u"kill -CONT %1"_s.arg(probe.process));
     case SocketProbe::Foreign:
         return wrong(path, u"%1 there belongs to user %2, whom the library does not trust"_s.arg(name).arg(probe.user),
                      u"end that user's, then %1"_s.arg(start));

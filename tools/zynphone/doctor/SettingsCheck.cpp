@@ -63,9 +63,9 @@ Finding checkFile(const SettingsPath& file)
 /// Settings are changed by files that are made beside them.
 Findings checkDirectory()
 {
-    const QByteArray directory = QFile::encodeName(settingsDirectory());
-    const auto fault = exists(directory) ? writableDirectoryFault(directory) : std::nullopt;
-    return fault ? Findings{wrong(directory, *fault)} : Findings{};
+    const QByteArray part = existingPart(QFile::encodeName(settingsDirectory()));
+    const auto fault = writableDirectoryFault(part);
+    return fault ? Findings{wrong(part, *fault)} : Findings{};
 }
 
 Finding checkEmergencyList()

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,7 +25,7 @@ SocketProbe SocketProbe::at(const QByteArray& path)
         return probe;
     if (!S_ISSOCK(status.st_mode))
         return {.state = NoSocket};
-    if (isForbidden)
+    if (isForbidden && status.st_uid != ::geteuid())
         return {.state = Foreign, .user = status.st_uid};
     return probe;
 }
@@ -34,7 +35,9 @@ SocketProbe SocketProbe::of(const posix::UniqueFd& connection)
     const int error = errno;
     if (connection.isValid()) {
         const ucred peer = posix::peerOf(connection.get()).value_or(ucred{});
-        return {posix::isPeerTrusted(connection.get()) ? Served : Foreign, peer.pid, peer.uid, {}};
+        if (!posix::isPeerTrusted(connection.get()))
+            return {Foreign, peer.pid, peer.uid, {}};
+        return {isStopped(peer.pid) ? Stopped : Served, peer.pid, peer.uid, {}};
     }
     switch (error) {
     case EAGAIN:
@@ -46,6 +49,17 @@ SocketProbe SocketProbe::of(const posix::UniqueFd& connection)
     default:
         return {.state = Failed, .error = QString::fromLocal8Bit(std::strerror(error))};
     }
+}
+
+bool isStopped(pid_t process)
+{
+    QFile file(u"/proc/%1/stat"_s.arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    // Number, name in parentheses, which may hold any character, and state.
+    const QByteArray fields = file.readAll();
+    const QByteArray state = fields.mid(fields.lastIndexOf(") ") + 2, 1);
+    return state == "T" || state == "t";
 }
 
 QString processText(pid_t process)

@@ -17,6 +17,7 @@ struct SocketProbe
 {
     enum State {
         Served,
+        Stopped, ///< the process that serves it is stopped
         Foreign, ///< served by another user's process, which the library does not talk to
         Busy,    ///< served, but too many connections wait to be accepted
         Dead,    ///< left behind by a process that serves it no more
@@ -26,7 +27,7 @@ struct SocketProbe
     };
 
     State state = Missing;
-    pid_t process = 0; ///< of Served and Foreign; 0 where it is not known
+    pid_t process = 0; ///< of Served, Stopped and Foreign; 0 where it is not known
     uid_t user = 0;    ///< of Foreign
     QString error = {};
 
@@ -35,6 +36,9 @@ struct SocketProbe
     /// Of what a connection without waiting has given, errno included.
     static SocketProbe of(const posix::UniqueFd& connection);
 };
+
+/// Whether @p process is stopped, by a signal or a debugger.
+bool isStopped(pid_t process);
 
 /// "process 123 (zyn-phoned)", without a name when the process has gone.
 QString processText(pid_t process);

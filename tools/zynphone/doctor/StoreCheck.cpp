@@ -27,8 +27,8 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
 {
     const QString more = problems.size() > 1 ? u" (and %1 more)"_s.arg(problems.size() - 1) : QString();
     return wrong(QFile::decodeName(path), u"damaged: %1%2"_s.arg(problems.first(), more),
-                 u"look at it with zynphone inspect %1 and keep a copy; one without a valid header or size is "
-                 "replaced by an empty one"_s.arg(shellWord(path)));
+                 u"zynphone inspect --repair %1, which keeps a copy; zynphone inspect %2 shows the file"_s.arg(
+                     shellWord(storeDirectoryPath()), shellWord(path)));
 }
 
 /// Looks into a file with @p check, in words of its kind.

@@ -3,6 +3,7 @@
 
 #include "handset/recent_calls/RecentCalls.h"
 #include "platform/posix/File_p.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 #include "tools/zynphone/CallText.h"
@@ -75,6 +76,12 @@ CallSource::CallSource(PhoneState& state, const PHONE_MsgClient& client)
         ++m_changes;
         showCall();
     });
+}
+
+/// The client that m_missed has made for the process would leave its socket behind.
+CallSource::~CallSource()
+{
+    RecentCall_MsgClient::destruction();
 }
 
 void CallSource::begin(const QString& call)

@@ -26,6 +26,7 @@ class CallSource : public QObject
 public:
     /// Neither is owned.
     CallSource(PhoneState& state, const PHONE_MsgClient& client);
+    ~CallSource() override;
 
     bool isListening() const { return m_requests.isListening(); }
     /// Reads the log again.

@@ -1,15 +1,19 @@
 // The terminal as a screen that is drawn, and left as it was.
 #include "tools/zynphone/top/Screen.h"
 
+#include "platform/posix/UnixSocket_p.h"
 #include "tools/zynphone/Console.h"
 
 #include <array>
+#include <chrono>
 #include <utility>
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -24,6 +28,9 @@ constexpr QLatin1String kClear("\033[0m\033[2J");
 constexpr winsize kUsualSize{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
 /// No terminal is larger; whoever sets a size may set any.
 constexpr int kMaxSize = 1000;
+
+/// How long a terminal that takes no output is waited for before it is given back without a word.
+constexpr std::chrono::milliseconds kLeaveTime = 200ms;
 
 /// By style.
 constexpr std::array<const char*, 4> kStyles{"\033[0m", "\033[0;1m", "\033[0;36m", "\033[0;1;31m"};
@@ -86,7 +93,6 @@ void Screen::enter()
         keyboard.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
         ::tcsetattr(STDIN_FILENO, TCSANOW, &keyboard);
     }
-    m_console.write(kEnter);
     forget();
 }
 
@@ -94,7 +100,8 @@ void Screen::leave()
 {
     if (!std::exchange(m_isTaken, false))
         return;
-    m_console.write(kLeave);
+    if (std::exchange(m_isEntered, false) && hasRoom(kLeaveTime))
+        m_console.write(kLeave);
     if (const auto keyboard = std::exchange(m_keyboard, std::nullopt))
         ::tcsetattr(STDIN_FILENO, TCSANOW, &*keyboard);
 }
@@ -107,13 +114,22 @@ Canvas Screen::blank() const
     return Canvas(std::min(int{size.ws_col}, kMaxSize), std::min(int{size.ws_row}, kMaxSize));
 }
 
-void Screen::show(const Canvas& canvas)
+bool Screen::hasRoom(std::chrono::milliseconds patience) const
+{
+    return posix::waitFor(m_console.descriptor(), POLLOUT, posix::Clock::now() + patience);
+}
+
+bool Screen::show(const Canvas& canvas)
 {
     if (!m_isTaken)
-        return;
+        return true;
+    if (!hasRoom(0ms))
+        return false;
     QString text;
+    if (!std::exchange(m_isEntered, true))
+        text = kEnter;
     if (!m_shown || m_shown->columns() != canvas.columns() || m_shown->rows() != canvas.rows()) {
-        text = kClear;
+        text += kClear;
         m_shown.emplace(canvas.columns(), canvas.rows());
     }
     Drawing drawing(m_inColour);
@@ -123,6 +139,7 @@ void Screen::show(const Canvas& canvas)
     if (!text.isEmpty())
         m_console.write(text);
     m_shown = canvas;
+    return true;
 }
 
 } // namespace zyn::tool

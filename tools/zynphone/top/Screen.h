@@ -3,6 +3,7 @@
 
 #include "tools/zynphone/top/Canvas.h"
 
+#include <chrono>
 #include <optional>
 
 #include <termios.h>
@@ -24,7 +25,8 @@ public:
     Screen& operator=(const Screen&) = delete;
     ~Screen() { leave(); }
 
-    /// @{ Takes the terminal, which shows nothing then, and gives it back. Doing so again changes nothing.
+    /// @{ Takes the terminal, whose other screen comes with what is shown first, and gives it back. Doing so again
+    /// changes nothing.
     void enter();
     void leave();
     /// @}
@@ -32,14 +34,18 @@ public:
     /// A blank canvas of the terminal's present size.
     Canvas blank() const;
     /// Shows @p canvas: where the size is the same, only the cells that differ from what is shown are written.
-    void show(const Canvas& canvas);
+    /// False when the terminal takes no output just now, and was not waited for.
+    bool show(const Canvas& canvas);
     /// Takes for granted no longer what the terminal shows.
     void forget() { m_shown.reset(); }
 
 private:
+    bool hasRoom(std::chrono::milliseconds patience) const;
+
     Console& m_console;
     const bool m_inColour;
     bool m_isTaken = false;
+    bool m_isEntered = false;          ///< whether the other screen is shown
     std::optional<termios> m_keyboard; ///< as it was found
     std::optional<Canvas> m_shown;
 };

@@ -78,8 +78,8 @@ class Top
 public:
     explicit Top(Console& console)
         : m_console(console)
-        , m_screen(console)
         , m_signals([this](int signal) { handle(signal); })
+        , m_screen(console)
         , m_keys(STDIN_FILENO, QSocketNotifier::Read)
     {
         m_draw.setSingleShot(true);
@@ -98,7 +98,8 @@ private:
     {
         Canvas canvas = m_screen.blank();
         layOut(m_phone.state, canvas);
-        m_screen.show(canvas);
+        if (!m_screen.show(canvas))
+            m_draw.start(kPollInterval); // until its user lets the terminal go on
         if (!m_console.isSound())
             QCoreApplication::quit();
     }
@@ -130,9 +131,9 @@ private:
     }
 
     Console& m_console;
-    Phone m_phone; // before the screen: what it has to say against its channels is not for that
+    Phone m_phone;             // before the screen: what it has to say against its channels is not for that
+    TerminalSignals m_signals; // before the screen: no signal ends the process while that has the terminal
     Screen m_screen;
-    TerminalSignals m_signals;
     QSocketNotifier m_keys;
     QTimer m_draw;
 };

@@ -97,12 +97,19 @@ constexpr int kMinRows = 5;
 constexpr int kTwoColumns = 80;
 constexpr QLatin1String kTitle("zynphone top");
 
-/// All lines below each other.
+bool isBlank(const Line& line)
+{
+    return !line.label && *line.title == '\0';
+}
+
+/// All lines below each other, the calls first: they are looked for most.
 Lines allLines()
 {
-    Lines lines(std::begin(kLeft), std::end(kLeft));
+    const auto* const endOfCalls = std::ranges::find_if(kRight, isBlank);
+    Lines lines(std::begin(kRight), endOfCalls);
     lines.push_back(kBlank);
-    lines.insert(lines.end(), std::begin(kRight), std::end(kRight));
+    lines.insert(lines.end(), std::begin(kLeft), std::end(kLeft));
+    lines.insert(lines.end(), endOfCalls, std::end(kRight));
     return lines;
 }
 
@@ -118,11 +125,6 @@ struct Area
     int width;
     Lines lines;
 };
-
-bool isBlank(const Line& line)
-{
-    return !line.label && *line.title == '\0';
-}
 
 void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row, const Line& line)
 {
