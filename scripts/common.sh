@@ -28,5 +28,5 @@ build_preset() {
     echo "Building ($1)"
     mkdir -p build
     cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" >&2; return 1; }
-    cmake --build "build/$1"
+    cmake --build "build/$1" "${@:2}"
 }
