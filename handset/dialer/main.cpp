@@ -1,8 +1,6 @@
 // zyn-dialer: plays the dialer in a terminal.
 #include "handset/common/CommandLine.h"
-#include "handset/common/Output.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
+#include "handset/common/TerminalProgram.h"
 #include "handset/dialer/Dialer.h"
 #include "handset/dialer/KeyInput.h"
 
@@ -21,13 +19,8 @@ const QString kType = u"type"_s;
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    handset::Output output;
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-dialer"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    handset::TerminalProgram program(argc, argv, u"zyn-dialer"_s, QStringLiteral(ZYN_VERSION));
+    handset::Output& output = program.output;
 
     handset::CommandLine commandLine(
         u"Plays the dialer: tells after each key whether the text may become an emergency call, and asks\nthe phone "
@@ -49,8 +42,9 @@ int main(int argc, char** argv)
         return EXIT_SUCCESS;
     }
     const handset::KeyInput input;
-    QObject::connect(&input, &handset::KeyInput::pressed, &application, [&](char key) { dialer.press(key); });
-    QObject::connect(&input, &handset::KeyInput::ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    QObject::connect(&input, &handset::KeyInput::pressed, &program.application, [&](char key) { dialer.press(key); });
+    QObject::connect(&input, &handset::KeyInput::ended, &program.application, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
     commandLine.announce(u"standard input"_s);
     return QCoreApplication::exec();
 }

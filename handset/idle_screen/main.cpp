@@ -1,8 +1,6 @@
 // zyn-idle: plays the idle screen's counters in a terminal.
 #include "handset/common/CommandLine.h"
-#include "handset/common/Output.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
+#include "handset/common/TerminalProgram.h"
 #include "handset/common/Text.h"
 #include "handset/idle_screen/FavouriteCounters.h"
 #include "handset/recent_calls/Coalescing.h"
@@ -35,13 +33,8 @@ QString counterText(const handset::MissedCallEngine& engine, const RC_MissedCall
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    handset::Output output;
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-idle"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    handset::TerminalProgram program(argc, argv, u"zyn-idle"_s, QStringLiteral(ZYN_VERSION));
+    handset::Output& output = program.output;
 
     handset::CommandLine commandLine(
         u"Plays the idle screen's counters: tells how many missed calls are unread, and what of each "
@@ -64,7 +57,7 @@ int main(int argc, char** argv)
     };
     handset::Coalescing update(show);
     QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &update, &handset::Coalescing::trigger);
-    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
     show();
     const handset::FavouriteCounters favouriteCounters(output);
     commandLine.announce(QString::fromUtf8(client.channel()));

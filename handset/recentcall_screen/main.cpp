@@ -1,9 +1,7 @@
 // zyn-recents: plays the recent-call screens in a terminal.
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
-#include "handset/common/Output.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
+#include "handset/common/TerminalProgram.h"
 #include "handset/recentcall_screen/RecentScreen.h"
 
 #include <QtCore/QCoreApplication>
@@ -50,13 +48,8 @@ bool isAnswer(const QString& text)
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    handset::Output output;
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-recents"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    handset::TerminalProgram program(argc, argv, u"zyn-recents"_s, QStringLiteral(ZYN_VERSION));
+    handset::Output& output = program.output;
 
     handset::CommandLine commandLine(description(), &output);
     commandLine.add(QCommandLineOption(kPick, u"Answer the number picker with the number of this row, or with none."_s,
@@ -75,7 +68,7 @@ int main(int argc, char** argv)
     if (!client.isListening())
         return EXIT_FAILURE;
     screen.obey(client);
-    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &QCoreApplication::quit);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
     commandLine.announce(QString::fromUtf8(client.channel()));
     const int code = QCoreApplication::exec();
     picker.close();

@@ -1,8 +1,6 @@
 // zyn-statusbar: plays the status bar in a terminal.
 #include "handset/common/CommandLine.h"
-#include "handset/common/Output.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
+#include "handset/common/TerminalProgram.h"
 #include "handset/status_bar/StatusBar.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/PHONE_MsgName_p.h"
@@ -14,13 +12,8 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    handset::Output output;
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-statusbar"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    handset::TerminalProgram program(argc, argv, u"zyn-statusbar"_s, QStringLiteral(ZYN_VERSION));
+    handset::Output& output = program.output;
 
     handset::CommandLine commandLine(u"Plays the status bar: shows a line for each phone status that the relay passes "
                                      "on, as it comes.\nNumbers are the phone server's own.\nEnds on SIGTERM and "

@@ -19,11 +19,6 @@ using Entry = PHONE_ENG_ActivityLog;
 
 constexpr std::string_view kDialedCharacters = "0123456789*#+";
 
-QByteArrayView imageOf(const Entry& entry)
-{
-    return QByteArrayView(reinterpret_cast<const char*>(&entry), qsizetype{sizeof entry});
-}
-
 /// What is wrong with @p entry, in @p slot of the file @p name, seen alone.
 QStringList entryProblems(const Entry& entry, int slot, const QString& name)
 {
@@ -54,7 +49,7 @@ public:
         Entry& entry = m_entries.emplace_back();
         zyn::readContactRecord(entry, image, slot);
         if (entry.inUse == 0) {
-            if (imageOf(entry) != imageOf(m_blank))
+            if (zyn::contactRecordBytes(entry) != zyn::contactRecordBytes(m_blank))
                 m_problems.add(slot, u"it is free but not blank"_s);
             m_entries.pop_back();
             return;
