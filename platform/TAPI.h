@@ -50,8 +50,8 @@ struct TAPI_NETWORK_PREFERED_ENTRY_S
  */
 struct TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S
 {
-    int32_t count; ///< how many entries are in use, from the first
-    TAPI_NETWORK_PREFERED_ENTRY_S entries[64];
+    int32_t count;                             ///< how many entries are in use, from the first
+    TAPI_NETWORK_PREFERED_ENTRY_S entries[64]; ///< the networks; those behind count have no meaning
 };
 
 static_assert(offsetof(TAPI_NETWORK_PREFERED_ENTRY_S, id) == 0);
