@@ -22,6 +22,7 @@ function(zyn_configure_target target)
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
     set_target_properties(${target} PROPERTIES
         AUTOMOC ON
+        AUTOGEN_ORIGIN_DEPENDS OFF
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         C_VISIBILITY_PRESET hidden
