@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <type_traits>
 
-using UINT8 = uint8_t;
-using UINT32 = uint32_t;
+using UINT8 = uint8_t;   ///< one byte, 0 to 255
+using UINT32 = uint32_t; ///< 0 to 4294967295
 
 /// @{ States and results of the telephony platform, which gives their values a meaning; they are passed on as
 /// they come.

@@ -1,5 +1,4 @@
-// Calls of the Java runtime, placed over a connection to the phone server. For C and C++; the symbol names
-// are plain.
+// Calls of the Java runtime, placed over a connection to the phone server. For C and C++, by plain symbol names.
 #pragma once
 
 #include "platform/ZynExport.h"
