@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kManyWrites = 200;
-constexpr qsizetype kSizeLimit = 1024 * 1024;
+constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr uid_t kNobody = 65534;
 
 /// The stored text; null when there is none.
