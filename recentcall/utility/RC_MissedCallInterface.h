@@ -74,7 +74,5 @@ Q_SIGNALS:
 
 private:
     struct Holder;
-    void followClient();
-
     std::unique_ptr<Holder> m_holder;
 };
