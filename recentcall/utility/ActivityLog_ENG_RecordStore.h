@@ -5,7 +5,6 @@
 #include "platform/ZynExport.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
 
-#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 #include <array>
@@ -122,10 +121,6 @@ public:
 private:
     ActivityLog_ENG_RecordStore();
     ~ActivityLog_ENG_RecordStore() = default;
-
-    bool appendRecords(QSortedList<PHONE_ENG_ActivityLog>& list, const QByteArray& image, int slots);
-    bool dropFavourite(const QString& number, int slots);
-    bool checkTopPalsFileData(const QString& number, int slots);
 
     std::array<TopPalNumberDetail, kFavourites> topPalNumberDetails;
 };

@@ -6,8 +6,8 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QString>
+#include <QtCore/QtGlobal>
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -89,7 +89,7 @@ public:
     void print() const;
 };
 
-static_assert(std::endian::native == std::endian::little, "records are little-endian and are stored as they are");
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "records are little-endian and are stored as they are");
 static_assert(offsetof(PHONE_ENG_RecentCall, phoneNumber) == 0);
 static_assert(offsetof(PHONE_ENG_RecentCall, reserved42) == 42);
 static_assert(offsetof(PHONE_ENG_RecentCall, startTime) == 44);

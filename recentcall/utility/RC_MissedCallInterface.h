@@ -80,7 +80,5 @@ Q_SIGNALS:
 
 private:
     struct Holder;
-    void followClient();
-
     std::unique_ptr<Holder> m_holder;
 };

@@ -57,7 +57,6 @@ private Q_SLOTS:
 
 private:
     RC_MsgInterface();
-    bool askForPage(RC_PAGE_ID_T page);
 };
 
 /// RC_MsgInterface::instance(), under a symbol name that a run-time loader can look up.

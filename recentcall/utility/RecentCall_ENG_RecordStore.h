@@ -71,10 +71,6 @@ public:
     void readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category);
 
 private:
-    int freeSlot(RC_CALL_CATEGORY_T category) const;
-    bool isMarked(RC_CALL_CATEGORY_T category, int slot) const;
-    void mark(RC_CALL_CATEGORY_T category, int slot, bool inUse);
-
     std::array<uint32_t, 5> m_slotBitmap{};
 };
 
