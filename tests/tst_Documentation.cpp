@@ -59,9 +59,23 @@ const QString& sources()
     return text;
 }
 
-QSet<QString> asSet(const QStringList& names)
+QStringList sorted(QStringList names)
 {
-    return QSet<QString>(names.begin(), names.end());
+    names.sort();
+    names.removeDuplicates();
+    return names;
+}
+
+QString difference(const QStringList& documented, const QStringList& actual)
+{
+    QStringList rows;
+    for (const QString& row : documented + actual) {
+        if (!actual.contains(row))
+            rows += u"a row of nothing: "_s + row;
+        if (!documented.contains(row))
+            rows += u"no row for: "_s + row;
+    }
+    return rows.isEmpty() && documented != actual ? u"another order"_s : rows.join(u'\n');
 }
 
 /// How long a record, file or frame is, and a row "offset | size | field" for each of its fields.
@@ -298,10 +312,10 @@ template<typename Client>
 QByteArray emissionProblem(Client& client, const Message& message, const QString& cell)
 {
     SignalRecorder recorder(&client);
-    QSet<QString> documented;
+    QStringList documented;
     for (const QString& turn : cell.split(u';'))
         documented += capturesOf(turn, kBackticked).join(u' ');
-    QSet<QString> emitted;
+    QStringList emitted;
     for (const int number : {0, 1, 5, 0x105}) {
         QMap<QString, QString> shown;
         client.receive(message.name.toLatin1(), samplePayload(message.fields, number, shown));
@@ -311,8 +325,7 @@ QByteArray emissionProblem(Client& client, const Message& message, const QString
             return text.toUtf8() + ", documented as " + expected.toUtf8();
         emitted += capturesOf(text, u"(\\w+)\\("_s).join(u' ');
     }
-    return documented == emitted ? QByteArray()
-                                 : QByteArray("emits ") + QStringList(emitted.values()).join(u"; "_s).toUtf8();
+    return difference(sorted(documented), sorted(emitted)).toUtf8();
 }
 
 QByteArray emissionProblem(const Message& message, const QString& cell)
@@ -359,7 +372,7 @@ void tst_Documentation::laysOutFilesAndFrames()
         QStringList rows;
         for (const QStringList& row : table.rows)
             rows += table.text(row, {"Offset", "Size", "Field"});
-        QCOMPARE(rows, layout.rows);
+        QCOMPARE(difference(rows, layout.rows), QString());
         QCOMPARE(caption.captured(2).remove(QRegularExpression(u"(?<=\\d) (?=\\d)"_s)), layout.size);
     }
     const QStringList inOthers{u"StoreFileHeader"_s, u"SeenCalls::Mark"_s, u"TopPalNumberDetail"_s,
@@ -383,7 +396,8 @@ void tst_Documentation::numbersEnumerators()
                 QCOMPARE(table.cell(row, "Length"), layoutOf(record).size);
         }
         rows.removeDuplicates();
-        QCOMPARE(rows, undocumented.take(capturesOf(table.caption, u"`([\\w:]+)`:$"_s).value(0)));
+        const QString name = capturesOf(table.caption, u"`([\\w:]+)`:$"_s).value(0);
+        QCOMPARE(difference(rows, undocumented.take(name)), QString());
     }
     QCOMPARE(undocumented.keys(), QStringList());
 }
@@ -392,7 +406,7 @@ void tst_Documentation::namesConstantsAndSettings()
 {
     QStringList documented;
     QStringList states;
-    QSet<QString> columns;
+    QStringList columns;
     for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
         for (const QStringList& row : table.rows) {
             if (table.has("Constant"))
@@ -400,17 +414,18 @@ void tst_Documentation::namesConstantsAndSettings()
             if (table.has("Word") && table.has("Key"))
                 states += table.text(row, {"Key", "Word"});
             if (table.heading.contains("CSV"_L1))
-                columns += asSet(capturesOf(table.cell(row, "Field"), kBackticked));
+                columns += capturesOf(table.cell(row, "Field"), kBackticked);
             for (const QString& key : capturesOf(table.cell(row, "Group") + table.cell(row, "Key"), kBackticked))
                 QVERIFY2(key.toInt() > 0 || sources().contains(u'"' + key + u'"'), qPrintable(key));
         }
     }
-    QCOMPARE(documented, constants());
-    QCOMPARE(columns, asSet(capturesOf(sources(), u"\\{\"(\\w+)\",\\s(?:kEntry \\+ )?offsetof"_s)));
+    QCOMPARE(difference(documented, constants()), QString());
+    const QStringList columnsInCode = capturesOf(sources(), u"\\{\"(\\w+)\",\\s(?:kEntry \\+ )?offsetof"_s);
+    QCOMPARE(difference(sorted(columns), sorted(columnsInCode)), QString());
     QStringList actual;
     for (const zyn::handset::State& state : zyn::handset::kStates)
         actual += QLatin1String(state.key) + " | "_L1 + QLatin1String(state.name);
-    QCOMPARE(states, actual);
+    QCOMPARE(difference(states, actual), QString());
 }
 
 void tst_Documentation::listsMessages()
@@ -433,7 +448,7 @@ void tst_Documentation::listsMessages()
             QVERIFY2(problem.isEmpty(), (row.constFirst().toUtf8() + ": " + problem).constData());
         }
     }
-    QCOMPARE(documented, actual);
+    QCOMPARE(difference(documented, actual), QString());
 }
 
 void tst_Documentation::listsSignals()
@@ -450,7 +465,7 @@ void tst_Documentation::listsSignals()
         for (const QStringList& row : table.has("Relayed") ? table.rows : QList<QStringList>())
             documented += table.text(row, {"Signal", "Relayed"});
     }
-    QCOMPARE(documented, actual);
+    QCOMPARE(difference(documented, actual), QString());
 }
 
 void tst_Documentation::namesWhatThereIs_data()
