@@ -32,7 +32,7 @@ endfunction()
 
 # The language, and the youngest of the library's headers that the sources include.
 function(zyn_require_cxx20)
-    if(cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES AND NOT DEFINED ZYN_HAS_CXX20)
+    if(cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES AND NOT ZYN_HAS_CXX20)
         try_compile(ZYN_HAS_CXX20
             SOURCE_FROM_CONTENT span.cpp "#include <span>\nint main() { return int(std::span<int>().size()); }\n"
             CXX_STANDARD 20 CXX_STANDARD_REQUIRED ON)
