@@ -481,7 +481,7 @@ void tst_Documentation::namesWhatThereIs_data()
 void tst_Documentation::namesWhatThereIs()
 {
     QFETCH(const QString, document);
-    const QString text = readText(kSource + document);
+    const QString text = readText(kSource + document).remove(QRegularExpression(u"```[^`]*```"_s));
     QVERIFY(!text.isEmpty());
     QStringList missing;
     for (const QString& link : capturesOf(text, u"\\]\\(([^):]+)\\)"_s)) {
@@ -503,7 +503,7 @@ void tst_Documentation::namesWhatThereIs()
                 missing += token;
         }
     }
-    QCOMPARE(missing, QStringList());
+    QCOMPARE(missing.join(u' '), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_Documentation)
