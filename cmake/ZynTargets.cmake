@@ -1,5 +1,10 @@
 # What every target of this project has in common. Set on our own targets only, so that a parent project keeps its flags.
 
+# Everything finds the libraries from where it stands, in whatever prefix that is.
+file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set(ZYN_LIBRARY_RPATH "$ORIGIN")
+set(ZYN_PROGRAM_RPATH "$ORIGIN/${libraries_from_programs}")
+
 add_library(zyn_options INTERFACE)
 target_compile_features(zyn_options INTERFACE cxx_std_20)
 target_compile_definitions(zyn_options INTERFACE
@@ -22,6 +27,7 @@ function(zyn_configure_target target)
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
     set_target_properties(${target} PROPERTIES
         AUTOMOC ON
+        AUTOGEN_ORIGIN_DEPENDS OFF
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         C_VISIBILITY_PRESET hidden
@@ -45,18 +51,31 @@ function(zyn_add_shared_library target)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)
     endif()
     set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-        INSTALL_RPATH "$ORIGIN")
+        INSTALL_RPATH "${ZYN_LIBRARY_RPATH}")
 endfunction()
 
-# A program of the handset or of the developer; installed into bin/.
+# The system's own prefix is searched anyway: what @p target has put into @p folder there carries no path of its own.
+function(zyn_install_without_rpath target folder component)
+    install(CODE "
+if(CMAKE_INSTALL_PREFIX MATCHES \"^/(usr/?)?$\")
+    set(file \"${folder}/$<TARGET_FILE_NAME:${target}>\")
+    cmake_path(ABSOLUTE_PATH file BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
+    file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}\${file}\")
+endif()" COMPONENT ${component})
+endfunction()
+
+# A program of the handset or of the developer; installed into bin/ unless NO_INSTALL is given.
 function(zyn_add_program target)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "NO_INSTALL" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})
     zyn_configure_target(${target})
     target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES})
     set_target_properties(${target} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin
-        INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    set_property(GLOBAL APPEND PROPERTY ZYN_PROGRAMS ${target})
+        INSTALL_RPATH "${ZYN_PROGRAM_RPATH}")
+    if(NOT ARG_NO_INSTALL)
+        install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zynphone-tools)
+        zyn_install_without_rpath(${target} ${CMAKE_INSTALL_BINDIR} zynphone-tools)
+        set_property(GLOBAL APPEND PROPERTY ZYN_PROGRAMS ${target})
+    endif()
 endfunction()

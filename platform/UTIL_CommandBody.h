@@ -11,7 +11,7 @@
 class ZYN_EXPORT UTIL_CommandBody
 {
 public:
-    int32_t commandId = 0;
+    int32_t commandId = 0; ///< the code of the command, or of the reply to one
     /// Length of the data in bytes, 0 to 1048576; set it before AllocateDataBuffer().
     int32_t dataLength = 0;
 

@@ -13,6 +13,7 @@ install_what_is_missing() {
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
+    command -v apt-get >/dev/null || { echo "Install ${missing[*]} first: there is no apt-get here to do it" >&2; exit 1; }
     local as_root=(env DEBIAN_FRONTEND=noninteractive)
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || { echo "Install ${missing[*]} first: this needs root or sudo" >&2; exit 1; }
@@ -21,6 +22,11 @@ install_what_is_missing() {
     echo "Installing ${missing[*]}"
     "${as_root[@]}" apt-get update -qq
     "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# Makes what the Debian packages are made with one of the needed packages.
+need_packaging() {
+    zyn_packages+=(binutils dpkg-dev file)
 }
 
 # Configures and builds the tree with the preset $1; says what went wrong only when something did.

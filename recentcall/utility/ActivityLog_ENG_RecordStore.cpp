@@ -262,7 +262,7 @@ int8_t ActivityLog_ENG_RecordStore::getValidIndexForTopPalFiles() const
 
 QString ActivityLog_ENG_RecordStore::getStoreFileName(const QString& name)
 {
-    const QString path = zyn::topPalsPath(name);
+    QString path = zyn::topPalsPath(name);
     if (!path.isNull())
         zyn::makeStoreDirectory();
     return path;

@@ -1,0 +1,61 @@
+# The Debian packages, one for each component of an installation; their texts are in packaging/. See scripts/package.
+set(packaging ${PROJECT_SOURCE_DIR}/packaging)
+
+# The newest entry of the changelog numbers the packages.
+file(STRINGS ${packaging}/changelog entry LIMIT_COUNT 1)
+if(NOT entry MATCHES "^zynphone \\(${PROJECT_VERSION}-([0-9]+)\\) ")
+    message(FATAL_ERROR "packaging/changelog has no entry for ${PROJECT_VERSION} at its top")
+endif()
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${CMAKE_MATCH_1})
+set(version ${PROJECT_VERSION}-${CMAKE_MATCH_1})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME zynphone)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
+set(CPACK_PACKAGE_CONTACT "ZynPhone developers <developers@zynphone.invalid>")
+set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev zynphone-tools)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_SOURCE zynphone)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+# Each package's programs and libraries need what they are linked to; our own libraries are in no package yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+foreach(library IN ITEMS zynphone zynplatform)
+    get_target_property(folder ${library} BINARY_DIR)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${folder})
+endforeach()
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+# What one package has beside its texts. CPack knows no field for MULTIARCH: it stands in the line after the section's.
+function(zyn_package component)
+    cmake_parse_arguments(ARG "" "SECTION;MULTIARCH" "DEPENDS;CONTROL_EXTRA" ${ARGN})
+    string(TOUPPER ${component} COMPONENT)
+    if(ARG_MULTIARCH)
+        string(APPEND ARG_SECTION "\nMulti-Arch: ${ARG_MULTIARCH}")
+    endif()
+    list(JOIN ARG_DEPENDS ", " ARG_DEPENDS)
+    file(READ ${packaging}/${component}/description description)
+    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_NAME ${component} PARENT_SCOPE)
+    set(CPACK_DEBIAN_${COMPONENT}_DESCRIPTION "${description}" PARENT_SCOPE)
+    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_SECTION "${ARG_SECTION}" PARENT_SCOPE)
+    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_DEPENDS "${ARG_DEPENDS}" PARENT_SCOPE)
+    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_CONTROL_EXTRA "${ARG_CONTROL_EXTRA}" PARENT_SCOPE)
+endfunction()
+
+# CPack makes maintainer scripts that call ldconfig, unless it is given others. There are none: the trigger does it.
+set(no_scripts ${packaging}/none/postinst ${packaging}/none/postrm)
+
+zyn_package(libzynphone1 SECTION libs MULTIARCH same
+    CONTROL_EXTRA ${packaging}/libzynphone1/triggers ${no_scripts})
+zyn_package(libzynphone-dev SECTION libdevel DEPENDS "libzynphone1 (= ${version})" qt6-base-dev)
+zyn_package(zynphone-tools SECTION devel DEPENDS "libzynphone1 (= ${version})")
+
+# Installed as it is into the system, only below another root.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_PROJECT_CONFIG_FILE ${packaging}/requirements.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${packaging}/finish.cmake)
+include(CPack)

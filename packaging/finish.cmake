@@ -1,0 +1,30 @@
+# Run by cpack when each component is in its folder: adds what only a package has, and makes the rest as a package must be.
+find_program(gzip gzip REQUIRED)
+find_program(strip strip REQUIRED)
+
+foreach(package IN LISTS CPACK_COMPONENTS_ALL)
+    set(usr ${CPACK_TEMPORARY_DIRECTORY}/${package}/usr)
+    set(doc ${usr}/share/doc/${package})
+    file(MAKE_DIRECTORY ${doc} ${usr}/share/lintian/overrides)
+    foreach(text IN ITEMS
+        copyright=${doc}/copyright
+        changelog=${doc}/changelog.Debian
+        ../CHANGELOG.md=${doc}/changelog
+        lintian-overrides=${usr}/share/lintian/overrides/${package})
+        string(REPLACE "=" ";" text ${text})
+        list(POP_FRONT text source)
+        file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/${source} ${text})
+        file(CHMOD ${text} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+    endforeach()
+
+    # Compressed without a time: of the same files comes the same package.
+    file(GLOB pages ${usr}/share/man/man*/*.[0-9])
+    execute_process(COMMAND ${gzip} -9 -n ${doc}/changelog.Debian ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
+
+    file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.*)
+    if(binaries)
+        execute_process(COMMAND ${strip} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
+            COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    execute_process(COMMAND find ${usr} -type d -exec chmod 755 {} + COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
