@@ -45,7 +45,6 @@ static void on_reply(char code)
 int main(int argc, char** argv)
 {
     struct phone phone;
-    int handle, result, key;
 
     if (argc != 2) {
         fprintf(stderr, "usage: %s NUMBER\n", argv[0]);
@@ -55,16 +54,16 @@ int main(int argc, char** argv)
         fprintf(stderr, "There is no phone library here: %s\n", dlerror());
         return EXIT_FAILURE;
     }
-    handle = phone.init(on_reply);
+    const int handle = phone.init(on_reply);
     if (handle == 0) {
         fputs("There is no phone server here.\n", stderr);
         return EXIT_FAILURE;
     }
-    result = phone.make_call(handle, argv[1], 0);
+    int result = phone.make_call(handle, argv[1], 0);
     if (result == 0)
         printf("A call to %s is asked for.\n", argv[1]);
     fflush(stdout);
-    while (result == 0 && (key = getchar()) != EOF) {
+    for (int key = 0; result == 0 && (key = getchar()) != EOF;) {
         if (key != '\n')
             result = phone.dial_extension(handle, (char)key);
     }
