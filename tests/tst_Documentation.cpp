@@ -480,7 +480,7 @@ void tst_Documentation::namesWhatThereIs_data()
 void tst_Documentation::namesWhatThereIs()
 {
     QFETCH(const QString, document);
-    const QString text = readText(kSource + document);
+    const QString text = readText(kSource + document).remove(QRegularExpression(u"```[^`]*```"_s));
     QVERIFY(!text.isEmpty());
     QStringList missing;
     for (const QString& link : capturesOf(text, u"\\]\\(([^):]+)\\)"_s)) {
@@ -502,7 +502,7 @@ void tst_Documentation::namesWhatThereIs()
                 missing += token;
         }
     }
-    QCOMPARE(missing, QStringList());
+    QCOMPARE(missing.join(u' '), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_Documentation)
