@@ -30,7 +30,7 @@ bool isLocked()
 /// What the dialer's display holds after @p key.
 QString type(const QString& number, QChar key, Screen& screen)
 {
-    const QString typed = number + key;
+    QString typed = number + key;
     if (PHONE_IsEmergencyCallInput(typed)) {
         screen.show(typed + QStringLiteral(" may become an emergency call"));
         return typed;

@@ -9,25 +9,26 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-struct phone {
+struct phone
+{
     int (*init)(void (*on_reply)(char code));
-    int (*make_call)(int handle, const char *number, int value);
+    int (*make_call)(int handle, const char* number, int value);
     int (*dial_extension)(int handle, char character);
     int (*end_call)(int handle);
     void (*deinit)(int handle);
 };
 
 /* Looks up what a pointer to a function is to point at; dlsym() tells functions and data not apart, standard C does. */
-static int find(void *library, const char *name, void *function)
+static int find(void* library, const char* name, void* function)
 {
-    void *const symbol = dlsym(library, name);
-    *(void **)function = symbol;
+    void* const symbol = dlsym(library, name);
+    *(void**)function = symbol;
     return symbol != NULL;
 }
 
-static int load(struct phone *phone)
+static int load(struct phone* phone)
 {
-    void *const library = dlopen("libzynphone.so.1", RTLD_NOW);
+    void* const library = dlopen("libzynphone.so.1", RTLD_NOW);
     return library && find(library, "PHONE_VoiceCall_Java_Init", &phone->init)
            && find(library, "PHONE_VoiceCall_Java_MakeCall", &phone->make_call)
            && find(library, "PHONE_VoiceCall_Java_DialExtension", &phone->dial_extension)
@@ -41,10 +42,9 @@ static void on_reply(char code)
     printf("The phone server replies %d.\n", code);
 }
 
-int main(int argc, char **argv)
+int main(int argc, char** argv)
 {
     struct phone phone;
-    int handle, result, key;
 
     if (argc != 2) {
         fprintf(stderr, "usage: %s NUMBER\n", argv[0]);
@@ -54,16 +54,16 @@ int main(int argc, char **argv)
         fprintf(stderr, "There is no phone library here: %s\n", dlerror());
         return EXIT_FAILURE;
     }
-    handle = phone.init(on_reply);
+    const int handle = phone.init(on_reply);
     if (handle == 0) {
         fputs("There is no phone server here.\n", stderr);
         return EXIT_FAILURE;
     }
-    result = phone.make_call(handle, argv[1], 0);
+    int result = phone.make_call(handle, argv[1], 0);
     if (result == 0)
         printf("A call to %s is asked for.\n", argv[1]);
     fflush(stdout);
-    while (result == 0 && (key = getchar()) != EOF) {
+    for (int key = 0; result == 0 && (key = getchar()) != EOF;) {
         if (key != '\n')
             result = phone.dial_extension(handle, (char)key);
     }

@@ -35,7 +35,7 @@ QByteArray SlotRepair::repaired(const QByteArray& image)
     m_recordCount = static_cast<int>(records.size());
     m_slots = slotsFor(image, m_recordCount);
     dropOldest(records);
-    const QByteArray result = arrange(records);
+    QByteArray result = arrange(records);
     tellShape(image, result);
     return result;
 }
