@@ -27,6 +27,7 @@ function(zyn_configure_target target)
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
     set_target_properties(${target} PROPERTIES
         AUTOMOC ON
+        AUTOGEN_ORIGIN_DEPENDS OFF
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         C_VISIBILITY_PRESET hidden
@@ -41,8 +42,11 @@ function(zyn_add_shared_library target)
     add_library(ZynPhone::${target} ALIAS ${target})
     zyn_configure_target(${target})
     target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
-    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_compile_features(${target} PUBLIC cxx_std_17)
     target_link_libraries(${target} PUBLIC Qt6::Core)
+    set(exports ${PROJECT_SOURCE_DIR}/abi/lib${target}.map)
+    target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
     if(NOT ZYN_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)
     endif()

@@ -1,16 +1,22 @@
-// The recent-call list of a handset, in one screen of code: prints the calls of all lists, newest first.
+// The recent-call list of a handset: the calls of all lists, newest first.
+//
+// On a desk: zyn-recentcalld &
+//            zynphone calls add missed 112
+//            recent_calls
 #include <QtCore/QTextStream>
 
 #include <recentcall/utility/RC_Interface.h>
 
+#include <cstdlib>
+
 int main()
 {
-    QTextStream out(stdout);
     QPtrList<RC_RecordInterface> calls;
     if (RC_Interface().getRecordList(calls, RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE) != 0) {
         QTextStream(stderr) << "There is no recent-call service here.\n";
         return EXIT_FAILURE;
     }
+    QTextStream out(stdout);
     for (const RC_RecordInterface* call : calls) {
         out << call->getStartDateTime().toString(Qt::ISODate) << "  " << call->getPhoneNumber()
             << (call->getCategory() == RC_CALL_CATEGORY_MISSED ? "  missed\n" : "\n");

@@ -33,7 +33,8 @@ class ZYN_EXPORT QCopChannel : public QObject
 
 public:
     /// Listens on @p channel: every message sent after the constructor has returned will be received, none
-    /// sent before. A listener that cannot be set up says so on standard error and receives nothing.
+    /// sent before. A listener that cannot be set up says so on standard error and receives nothing. @p name becomes
+    /// the object's name, and @p parent deletes it; both may be null.
     explicit QCopChannel(const QCString& channel, QObject* parent = nullptr, const char* name = nullptr);
     ~QCopChannel() override;
 
@@ -54,6 +55,7 @@ public:
      * A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what
      * other threads still have pending at exit is lost, as everything is with _exit() or a signal.
      *
+     * @param channel  the channel's name
      * @param message  the message's name
      * @param data     the payload, at most 16 MiB with the name
      * @return true when every listener of the channel, if there is any, got the message or will get it; false
@@ -67,8 +69,8 @@ public:
     /// The channels that anybody has listened to or sent on, sorted, without those of very long names.
     static QList<QCString> channels();
 
-    /// Called for each message in the object's thread, from its event loop. Emits received(). It may destroy
-    /// the object.
+    /// Called for each message, with its name and payload, in the object's thread, from its event loop. Emits
+    /// received(). It may destroy the object.
     virtual void receive(const QCString& message, const QByteArray& data);
 
 Q_SIGNALS:

@@ -20,14 +20,18 @@ template<typename T>
 class QPtrList
 {
 public:
-    using value_type = T*;
+    using value_type = T*; ///< what a place of the list holds
+    /// A place of the list, good until items come or go.
     using iterator = typename QList<T*>::iterator;
+    /// The same for a list that is not changed through it.
     using const_iterator = typename QList<T*>::const_iterator;
 
     QPtrList() = default;
     QPtrList(const QPtrList&) = delete;
     QPtrList& operator=(const QPtrList&) = delete;
+    /// Takes the items of @p other, and their ownership if it has that; @p other is left empty and owns nothing.
     QPtrList(QPtrList&& other) noexcept { swap(other); }
+    /// The same from @p other, after this list has let go of its own items as clear() does.
     QPtrList& operator=(QPtrList&& other) noexcept
     {
         QPtrList moved(std::move(other));
@@ -38,14 +42,19 @@ public:
 
     /// Whether the list deletes the items that leave it; false for a new list.
     bool autoDelete() const { return m_autoDelete; }
+    /// Has the list own its items from now on, or, with @p enable false, no longer own them.
     void setAutoDelete(bool enable) { m_autoDelete = enable; }
 
+    /// How many items the list has.
     qsizetype count() const { return m_items.size(); }
+    /// The same as count().
     qsizetype size() const { return m_items.size(); }
+    /// Whether the list has no item.
     bool isEmpty() const { return m_items.isEmpty(); }
 
     /// The item at @p index, or null when the list has no such place. The cursor stays.
     T* at(qsizetype index) const { return contains(index) ? m_items.at(index) : nullptr; }
+    /// The same as at().
     T* operator[](qsizetype index) const { return at(index); }
 
     /// @{ The cursor: each gives the item it now stands on, or null when it stands on none.
@@ -56,10 +65,14 @@ public:
     T* current() const { return at(m_cursor); }
     /// @}
 
+    /// The first item, null in an empty list. The cursor stays.
     T* getFirst() const { return at(0); }
+    /// The last item, null in an empty list. The cursor stays.
     T* getLast() const { return at(m_items.size() - 1); }
 
+    /// Puts @p item behind the last one.
     void append(T* item) { m_items.append(item); }
+    /// Puts @p item in front of the first one.
     void prepend(T* item) { insert(0, item); }
     /// Puts @p item at @p index, 0 to count(); false, and nothing inserted, for any other place.
     bool insert(qsizetype index, T* item)
@@ -102,8 +115,11 @@ public:
     }
     /// Does so with @p item, compared as a pointer.
     bool removeRef(const T* item) { return remove(findRef(item)); }
+    /// Does so with the first item; false in an empty list.
     bool removeFirst() { return remove(0); }
+    /// Does so with the last item; false in an empty list.
     bool removeLast() { return remove(m_items.size() - 1); }
+    /// Takes all items out and, if the list owns them, deletes them. The cursor then stands on none.
     void clear()
     {
         m_cursor = kNowhere;
@@ -113,6 +129,7 @@ public:
             dispose(item);
     }
 
+    /// @{ The places from the first to behind the last, for range-for and algorithms.
     iterator begin() { return m_items.begin(); }
     iterator end() { return m_items.end(); }
     const_iterator begin() const { return m_items.cbegin(); }
@@ -121,7 +138,9 @@ public:
     const_iterator cend() const { return m_items.cend(); }
     const_iterator constBegin() const { return m_items.cbegin(); }
     const_iterator constEnd() const { return m_items.cend(); }
+    /// @}
 
+    /// Exchanges items, cursor and ownership with @p other.
     void swap(QPtrList& other) noexcept
     {
         m_items.swap(other.m_items);

@@ -1,6 +1,7 @@
 // Commands on a Unix-domain stream socket.
 #include "platform/Socket_Command.h"
 
+#include "platform/CommandData_p.h"
 #include "platform/CommandFrame_p.h"
 #include "platform/CommandTimeout_p.h"
 #include "platform/posix/UnixSocket_p.h"
@@ -15,7 +16,7 @@ int Socket_WriteCommand(int socket, UTIL_CommandBody* command)
 {
     if (!command || command->dataLength < 0 || command->dataLength > zyn::kCommandDataLimit)
         return -1;
-    const auto data = command->data();
+    const auto data = zyn::commandData(*command);
     if (data.size() != static_cast<size_t>(command->dataLength))
         return -1;
     const auto header = CommandFrameHeader{command->commandId, command->dataLength}.encode();
@@ -36,7 +37,7 @@ UTIL_CommandBody* Socket_ReadCommand(int socket)
     auto command = std::make_unique<UTIL_CommandBody>();
     command->commandId = header->code;
     command->dataLength = header->dataLength;
-    if (!command->AllocateDataBuffer() || !zyn::posix::receiveAll(socket, command->data(), deadline))
+    if (!command->AllocateDataBuffer() || !zyn::posix::receiveAll(socket, zyn::commandData(*command), deadline))
         return nullptr;
     return command.release();
 }

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <type_traits>
 
-using UINT8 = uint8_t;
-using UINT32 = uint32_t;
+using UINT8 = uint8_t;   ///< one byte, 0 to 255
+using UINT32 = uint32_t; ///< 0 to 4294967295
 
 /// @{ States and results of the telephony platform, which gives their values a meaning; they are passed on as
 /// they come.
@@ -50,8 +50,8 @@ struct TAPI_NETWORK_PREFERED_ENTRY_S
  */
 struct TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S
 {
-    int32_t count; ///< how many entries are in use, from the first
-    TAPI_NETWORK_PREFERED_ENTRY_S entries[64];
+    int32_t count;                             ///< how many entries are in use, from the first
+    TAPI_NETWORK_PREFERED_ENTRY_S entries[64]; ///< the networks; those behind count have no meaning
 };
 
 static_assert(offsetof(TAPI_NETWORK_PREFERED_ENTRY_S, id) == 0);

@@ -3,17 +3,15 @@
 
 #include "platform/ZynExport.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <span>
 
 /// One command: a code and a block of data.
 class ZYN_EXPORT UTIL_CommandBody
 {
 public:
-    int32_t commandId = 0;
+    int32_t commandId = 0; ///< the code of the command, or of the reply to one
     /// Length of the data in bytes, 0 to 1048576; set it before AllocateDataBuffer().
     int32_t dataLength = 0;
 
@@ -29,14 +27,10 @@ public:
     /// The data buffer, owned by the record; null when there is none.
     char* dataBuffer() const { return m_buffer.get(); }
 
-    /// @{ The data: dataLength bytes, but never more than were allocated.
-    std::span<std::byte> data() { return std::as_writable_bytes(std::span(m_buffer.get(), usedLength())); }
-    std::span<const std::byte> data() const { return std::as_bytes(std::span(m_buffer.get(), usedLength())); }
-    /// @}
+    /// The length of the data buffer in bytes; 0 when there is none.
+    size_t allocatedLength() const { return m_allocated; }
 
 private:
-    size_t usedLength() const { return dataLength > 0 ? std::min(static_cast<size_t>(dataLength), m_allocated) : 0; }
-
     std::unique_ptr<char[]> m_buffer;
     size_t m_allocated = 0;
 };

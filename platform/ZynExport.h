@@ -3,4 +3,5 @@
 
 #include <QtCore/qglobal.h>
 
+/// In front of a class, a function or a variable: applications may use it.
 #define ZYN_EXPORT Q_DECL_EXPORT

@@ -24,8 +24,10 @@ constexpr std::pair<const char*, int> kInputs[] = {
     {"", Never}, {"*", KeypadAllows | SimAllows}, {"#", Never},
     {"*#", KeypadAllows}, {"*#0", KeypadAllows}, {"*#06", KeypadAllows}, {"*#06#", KeypadAllows}, {"*#06#1", Never},
     {"**", SimAllows}, {"**0", SimAllows}, {"**1", Never},
-    {"**04", SimAllows}, {"**04*", SimAllows}, {"**04*1", Never}, {"**042", SimAllows}, {"**042*", SimAllows}, {"**042*1", Never},
-    {"**05", SimAllows}, {"**05*", SimAllows}, {"**05*1", Never}, {"**052", SimAllows}, {"**052*", SimAllows}, {"**052*1", Never},
+    {"**04", SimAllows}, {"**04*", SimAllows}, {"**04*1", Never}, {"**042", SimAllows}, {"**042*", SimAllows},
+    {"**042*1", Never},
+    {"**05", SimAllows}, {"**05*", SimAllows}, {"**05*1", Never}, {"**052", SimAllows}, {"**052*", SimAllows},
+    {"**052*1", Never},
     {"1", Always}, {"11", Always}, {"112", Always}, {"1120", Never}, {" 112", Never}, {"2", Never},
     {"9", Always}, {"91", Always}, {"911", Always}, {"9112", Never}, {"xY", Always}, {"xy", Never},
 };

@@ -101,7 +101,8 @@ void tst_PHONE_VoiceClients::takesWhatTheServerSends_data()
     const QByteArray largest(1024 * 1024, 'x');
     // clang-format off
     QTest::newRow("replies") << frame(2) + frame(3, "data") + frame(4) << End::ReadOn << false << Codes{2, 3, 4};
-    QTest::newRow("codes 0 and 1, which are no replies") << frame(0) + frame(1, "data") + frame(5) << End::ReadOn << false << Codes{5};
+    QTest::newRow("codes 0 and 1, which are no replies") << frame(0) + frame(1, "data") + frame(5) << End::ReadOn
+                                                         << false << Codes{5};
     QTest::newRow("codes beyond a byte") << frame(258) + frame(-1) << End::ReadOn << false << Codes{258, -1};
     QTest::newRow("the largest frame") << frame(6, largest) << End::ReadOn << false << Codes{6};
     QTest::newRow("a frame above the limit") << frame(6) + frame(7, largest + 'x') << End::ReadOn << true << Codes{6};

@@ -26,7 +26,7 @@
 namespace {
 
 constexpr char kChannel[] = "/ZYN/test";
-constexpr qsizetype kLimit = 16 * 1024 * 1024;
+constexpr qsizetype kLimit = qsizetype{16} * 1024 * 1024;
 
 /// A payload that tells its sender and its place among the sender's messages.
 QByteArray numbered(const QByteArray& sender, int number, qsizetype size = 0)

@@ -143,6 +143,37 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + QStringLiteral(".lock")));
     }
 
+    void tellsItsServiceManagerOnceItServes_data()
+    {
+        QTest::addColumn<QString>("mark");
+        QTest::newRow("at a socket with a file") << QString();
+        QTest::newRow("at a socket without one") << QStringLiteral("@");
+    }
+    void tellsItsServiceManagerOnceItServes()
+    {
+        QFETCH(QString, mark);
+        stop();
+        const QString name = mark + m_files->path() + QStringLiteral("/notify");
+        const UniqueFd manager(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+        const auto address = zyn::posix::unixAddress(name.toLocal8Bit().replace('@', '\0'));
+        QCOMPARE(::bind(manager.get(), address.get(), address.length), 0);
+
+        start({}, QStringLiteral("export NOTIFY_SOCKET='%1';").arg(name));
+        QByteArray text(32, '\0');
+        QCOMPARE(::recv(manager.get(), text.data(), size_t(text.size()), 0), 7);
+        QCOMPARE(text.first(7), "READY=1");
+        QCOMPARE(::recv(manager.get(), text.data(), size_t(text.size()), 0), -1);
+    }
+
+    void servesUnderADeafServiceManager()
+    {
+        stop();
+        start({}, QStringLiteral("export NOTIFY_SOCKET=/tmp/nobody;"));
+        QCOMPARE(uids(kAll), Uids());
+        QCOMPARE(log(),
+                 "zyn-recentcalld: the service manager at /tmp/nobody does not hear: No such file or directory\n");
+    }
+
     void keepsEachListAndCallTypeApart_data()
     {
         QTest::addColumn<RC_CALL_CATEGORY_T>("category");

@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kManyWrites = 200;
-constexpr qsizetype kSizeLimit = 1024 * 1024;
+constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr uid_t kNobody = 65534;
 
 /// The stored text; null when there is none.
@@ -217,8 +217,8 @@ void tst_SETUP_SET_Manager::convertsNumbersAndFlags()
     for (const QByteArray& row : rows.split(';')) {
         write("[g]\nk=" + row.split('|')[0].replace('@', '\0') + '\n');
         SETUP_SET_Manager settings(path(), false);
-        const auto get = [&]<typename Value>(Value fallback) {
-            Value value{};
+        const auto get = [&](auto fallback) {
+            decltype(fallback) value{};
             const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
             return stored ? QByteArray::number(value) : value == fallback ? "-"_ba : "not the default"_ba;
         };
@@ -230,8 +230,8 @@ void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
 {
     SETUP_SET_Manager writer(path(), false);
     SETUP_SET_Manager reader(path(), false);
-    const auto comesBack = [&]<typename Value>(Value stored, Value other) {
-        Value value{};
+    const auto comesBack = [&](auto stored, auto other) {
+        decltype(stored) value{};
         return writer.setSettingInfo(u"g"_s, u"k"_s, stored) && reader.getSettingInfo(u"g"_s, u"k"_s, value, other)
                && value == stored;
     };

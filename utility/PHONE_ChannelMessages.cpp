@@ -5,7 +5,6 @@
 #include "utility/PHONE_MsgTable_p.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <iterator>
 
 namespace {
@@ -13,14 +12,6 @@ namespace {
 using namespace zyn;
 using enum FieldKind;
 using enum Occurrence;
-
-struct ChannelMessage
-{
-    const char* channel;
-    const char* name;
-    const char* enumerator; ///< null when it has none
-    std::initializer_list<Field> fields;
-};
 
 // clang-format off
 constexpr ChannelMessage kMessages[] = {
@@ -80,6 +71,11 @@ std::optional<MessageForm> phoneMessageForm(const QCString& name)
 } // namespace
 
 namespace zyn {
+
+std::span<const ChannelMessage> channelMessages()
+{
+    return kMessages;
+}
 
 std::optional<MessageForm> messageForm(const QCString& channel, const QCString& name)
 {

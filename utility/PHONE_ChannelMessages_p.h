@@ -6,6 +6,7 @@
 #include "utility/PHONE_PayloadFields_p.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -48,6 +49,18 @@ inline constexpr char kModifyFavourite[] = "MODIFY_TOPPAL_DETAILS";
 /// Every channel of the library.
 inline constexpr const char* kChannels[] = {kPhoneChannel, kVoiceCallChannel, kPttChannel, kRecentCallChannel,
                                             kActivityLogChannel};
+
+/// A message of a channel other than the phone channel. For constants only: the list does not own what is in it.
+struct ChannelMessage
+{
+    const char* channel;
+    const char* name;
+    const char* enumerator; ///< null when it has none
+    std::initializer_list<Field> fields;
+};
+
+/// All of them, channel by channel.
+std::span<const ChannelMessage> channelMessages();
 
 /// What a message is and holds.
 struct MessageForm

@@ -1,6 +1,7 @@
 // The client's end of a command socket.
 #include "utility/PHONE_CommandSocket_p.h"
 
+#include "platform/CommandData_p.h"
 #include "platform/CommandTimeout_p.h"
 #include "platform/Socket_Command.h"
 #include "platform/posix/UnixSocket_p.h"
@@ -46,7 +47,7 @@ bool sendCommand(int socket, int32_t code, std::span<const std::byte> data)
     if (!data.empty()) {
         if (!command.AllocateDataBuffer())
             return false;
-        std::copy(data.begin(), data.end(), command.data().begin());
+        std::copy(data.begin(), data.end(), commandData(command).begin());
     }
     return Socket_WriteCommand(socket, &command) >= 0;
 }

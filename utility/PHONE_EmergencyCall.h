@@ -15,7 +15,7 @@ ZYN_EXPORT bool PHONE_IsEmergencyCall(char* number);
 ZYN_EXPORT bool PHONE_IsEmergencyCallNumber(char* number);
 
 /**
- * Whether the text typed so far may still become an emergency number or a control code that is allowed now.
+ * Whether @p input, the text typed so far, may still become an emergency number or a control code that is allowed now.
  *
  * The code that shows the IMEI is allowed while the keypad lock status is 0, the codes that change and
  * unblock the PINs while the SIM card status is 0 or 3. An empty text may become nothing.

@@ -16,6 +16,7 @@ class ZYN_EXPORT PHONE_Msg : public QCopChannel
     // No Q_OBJECT: it has no signals of its own, and reports the class name of its base.
 
 public:
+    /// The types of the messages: what the phone server tells, and, where it says so, what it is asked.
     enum PHONE_MSG_TYPE_T : int {
         PHONE_MSG_ALL_STATUS_S = 0, ///< snapshot of all basic status values in one raw record
         PHONE_MSG_POWER_ON_MODE_S = 1,
@@ -74,6 +75,7 @@ public:
         PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S = 54, ///< request: report the GPRS and CSD totals, as 31 and 33
     };
 
+    /// Listens on the phone channel as @p name, a label for debugging that may be null; @p parent deletes it.
     explicit PHONE_Msg(QObject* parent = nullptr, const char* name = nullptr);
     ~PHONE_Msg() override;
 

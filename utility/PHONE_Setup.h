@@ -10,7 +10,7 @@ public:
     PHONE_Setup();
     virtual ~PHONE_Setup();
 
-    /// @return whether the switch was stored
+    /// Sets the switch to @p prepend. @return whether it was stored
     bool setPrepend(bool prepend);
     /// False when it was never set or the settings cannot be read.
     bool isPrepend();

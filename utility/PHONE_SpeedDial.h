@@ -31,5 +31,5 @@ public:
     void getTurboDialingList(QStringList& numbers);
 };
 
-/// As PHONE_SpeedDial::getTurboDialing().
+/// The number under @p index, as PHONE_SpeedDial::getTurboDialing() tells it.
 ZYN_EXPORT QString Phone_GetTurboDialingByIndex(int index);

@@ -15,6 +15,7 @@ enum PHONE_MAKE_CALL_CLIR_T : int {};
  * @param number  Latin-1
  * @param name    the name to show, null for none
  * @param flag    passed on as it is
+ * @param clir    passed on as it is
  * @param line    the line to call on (TAPI_CALL_LINE_E)
  */
 ZYN_EXPORT void PHONE_MakeVoiceCall(char* number, QString const& name, bool flag, PHONE_MAKE_CALL_CLIR_T clir,
@@ -23,9 +24,9 @@ ZYN_EXPORT void PHONE_MakeVoiceCall(char* number, QString const& name, bool flag
 extern "C" ZYN_EXPORT void PHONE_VoiceCallInterfaceMakeVoiceCall(char* number, QString const& name, bool flag,
                                                                  PHONE_MAKE_CALL_CLIR_T clir, signed char line);
 
-/// Asks for a call to the number (Latin-1) as it is, on line 2.
+/// Asks for a call to @p number (Latin-1) as it is, on line 2.
 ZYN_EXPORT void PHONE_MakeVoiceCallDirectly(char const* number);
-/// Asks for a call to the number (Latin-1) with the prefix put in front, on line 2.
+/// Asks for a call to @p number (Latin-1) with the prefix put in front, on line 2.
 ZYN_EXPORT void PHONE_MakeVoiceCallPrependly(char const* number);
 /// Asks to end the call.
 ZYN_EXPORT void PHONE_EndVoiceCall();

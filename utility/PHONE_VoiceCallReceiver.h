@@ -17,6 +17,7 @@ class ZYN_EXPORT PHONE_VoiceCallReceiver : public QCopChannel
     Q_OBJECT
 
 public:
+    /// Listens for requests as @p name, a label for debugging that may be null; @p parent deletes it.
     explicit PHONE_VoiceCallReceiver(QObject* parent = nullptr, const char* name = nullptr);
     ~PHONE_VoiceCallReceiver() override;
 
@@ -24,8 +25,9 @@ public:
     void receive(const QCString& message, const QByteArray& data) override;
 
 Q_SIGNALS:
-    /// The arguments are those of PHONE_VoiceCallSender::makeCall().
+    /// A call is asked for. The arguments are those of PHONE_VoiceCallSender::makeCall().
     void signalMakeCall(const QString& number, const QString& name, bool flag, int clir, int dialMode,
                         TAPI_CALL_LINE_E line);
+    /// The call is to end.
     void sigDropCall();
 };

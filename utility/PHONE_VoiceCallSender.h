@@ -25,7 +25,7 @@ public:
      * @return whether the request was sent
      */
     bool makeCall(const char* number, const QString& name, bool flag, int clir, int dialMode, signed char line);
-    /// Asks for a call on line 2 without a name, a flag or a restriction.
+    /// Asks for a call to @p number in @p dialMode, on line 2 without a name, a flag or a restriction.
     bool makeCall(const char* number, int dialMode);
     /// Asks to end the call.
     void dropCall();

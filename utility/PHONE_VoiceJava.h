@@ -1,5 +1,4 @@
-// Calls of the Java runtime, placed over a connection to the phone server. For C and C++; the symbol names
-// are plain.
+// Calls of the Java runtime, placed over a connection to the phone server. For C and C++, by plain symbol names.
 #pragma once
 
 #include "platform/ZynExport.h"
@@ -29,16 +28,18 @@ ZYN_EXPORT int PHONE_VoiceCall_Java_Init(void (*callback)(char));
 /**
  * Asks the server for a call.
  *
+ * @param handle  that of the connection; any other has none
  * @param number  Latin-1, 1 to 41 characters
  * @param value   passed on as it is
  * @return 0 when the request was sent; -1 when not, when the number does not fit, or without a connection
  */
 ZYN_EXPORT int PHONE_VoiceCall_Java_MakeCall(int handle, const char* number, int value);
 
-/// Asks the server to end the call. @return 0 when the request was sent, else -1
+/// Asks the server to end the call of the connection @p handle. @return 0 when the request was sent, else -1
 ZYN_EXPORT int PHONE_VoiceCall_Java_EndCall(int handle);
 
-/// Asks the server to dial one character within the call. @return 0 when the request was sent, else -1
+/// Asks the server to dial one @p character within the call of the connection @p handle.
+/// @return 0 when the request was sent, else -1
 ZYN_EXPORT int PHONE_VoiceCall_Java_DialExtension(int handle, char character);
 
 /// Says goodbye to the server, while there is a connection, and ends it. Nothing for any handle but 1.

@@ -16,7 +16,7 @@ class VoiceCallConnection;
 /// it is.
 struct PHONE_VoiceSTK_PARAMETER
 {
-    uint8_t bytes[108];
+    uint8_t bytes[108]; ///< the block, which the library does not look into
 };
 static_assert(sizeof(PHONE_VoiceSTK_PARAMETER) == 108 && alignof(PHONE_VoiceSTK_PARAMETER) == 1);
 
@@ -34,7 +34,8 @@ ZYN_EXPORT PHONE_VoiceSTK* PHONE_VoiceSTK_Init();
 /// Says goodbye to the server, while there is a connection, and deletes @p client, which may be null.
 ZYN_EXPORT void PHONE_VoiceSTK_DeInit(PHONE_VoiceSTK* client);
 
-/// Asks the server for a call. @return 0 when the request was sent, else -1, as for a null pointer.
+/// Asks the server over the connection of @p client for the call that @p parameter describes; both stay the caller's.
+/// @return 0 when the request was sent, else -1, as for a null pointer
 ZYN_EXPORT int PHONE_VOICESTK_MakeCall(PHONE_VoiceSTK* client, PHONE_VoiceSTK_PARAMETER* parameter);
 
 /**

@@ -25,6 +25,24 @@ void setEnvironment(const QString& directory)
     qputenv("PATH", QCoreApplication::applicationDirPath().toLocal8Bit() + ':' + qgetenv("PATH"));
 }
 
+/// Lets all messages of @p day be recorded in @p file, which it replaces.
+void record(Day& day, const QString& file)
+{
+    const QString recorder = u"recorder"_s;
+    day.cast += {recorder, u"channels"_s, u"file"_s, false, u"zynphone monitor --force --record \"%1\""_s.arg(file)};
+    const auto step = [&](const QString& chapter, Verb verb, const QString& verbText) {
+        Step result;
+        result.chapter = chapter;
+        result.who = u"desk"_s;
+        result.verb = verb;
+        result.verbText = verbText;
+        result.whom = recorder;
+        return result;
+    };
+    day.steps.prepend(step(u"All messages are recorded from now on"_s, Verb::Starts, u"starts"_s));
+    day.steps.append(step(u"The recording ends"_s, Verb::Ends, u"ends"_s));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -39,7 +57,9 @@ int main(int argc, char** argv)
         "seen with what the script calls for.\nThe exit code is 0 when all has held, else "
         "1. Colour comes on a terminal, unless NO_COLOR is set."_s);
     parser.addHelpOption();
+    const QString recordOption = u"record"_s;
     parser.addOption({u"slow"_s, u"Play it at a person's pace."_s});
+    parser.addOption({recordOption, u"Record all messages in this file, for zynphone replay and chart."_s, u"file"_s});
     parser.addPositionalArgument(u"script"_s, u"What happens, and what must be seen."_s);
     parser.process(application);
     if (parser.positionalArguments().size() != 1) {
@@ -49,6 +69,9 @@ int main(int argc, char** argv)
     auto day = readDay(parser.positionalArguments().constFirst());
     if (!day)
         return 2;
+
+    if (parser.isSet(recordOption))
+        record(*day, parser.value(recordOption));
 
     const QTemporaryDir directory;
     if (!directory.isValid()) {

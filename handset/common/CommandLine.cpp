@@ -3,6 +3,7 @@
 
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
+#include "handset/common/ServiceManager.h"
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -60,7 +61,8 @@ void CommandLine::addTime(const QString& name, const QString& text, std::optiona
 
 bool CommandLine::parse()
 {
-    const QCommandLineOption help = m_parser.addHelpOption();
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
+    add(help);
     const QCommandLineOption version = m_parser.addVersionOption();
     if (!m_parser.parse(QCoreApplication::arguments()))
         return usageError(m_parser.errorText());
@@ -129,6 +131,7 @@ std::chrono::milliseconds CommandLine::time(const QString& name) const
 void CommandLine::announce(const QString& path) const
 {
     log(QStringLiteral("listening on %1").arg(path));
+    tellServiceManagerReady();
     if (m_readyFd < 0)
         return;
     if (::write(m_readyFd, "ready\n", 6) != 6)

@@ -35,7 +35,8 @@ public:
     /// The value of an option that was added with addTime().
     std::chrono::milliseconds time(const QString& name) const;
 
-    /// Tells the log that clients are served at @p path, and whoever waits at --ready-fd that they are.
+    /// Tells the log that clients are served at @p path, and the service manager and whoever waits at --ready-fd that
+    /// they are.
     void announce(const QString& path) const;
 
 private:

@@ -7,6 +7,7 @@
 #include <QtCore/QSet>
 #include <QtCore/QString>
 
+#include <cstddef>
 #include <span>
 
 /**
@@ -43,4 +44,5 @@ private:
     QSet<Mark> m_marks;
     bool m_isStored = false; ///< whether the file holds them
 };
+static_assert(offsetof(SeenCalls::Mark, uid) == 0 && offsetof(SeenCalls::Mark, startTime) == 4);
 static_assert(sizeof(SeenCalls::Mark) == 8);

@@ -6,7 +6,7 @@
 
 using zyn::handset::log;
 
-PhoneLine::PhoneLine(Pace pace)
+PhoneLine::PhoneLine(CallPace pace)
     : m_pace(pace)
 {
     m_next.setSingleShot(true);

@@ -11,7 +11,7 @@
 #include <optional>
 
 /// How fast the world around the handset is.
-struct Pace
+struct CallPace
 {
     std::chrono::milliseconds step; ///< from dialing to alerting, and from there to connected
     std::chrono::milliseconds talk; ///< until the other party of a placed call hangs up
@@ -29,7 +29,7 @@ class PhoneLine : public QObject
     Q_OBJECT
 
 public:
-    explicit PhoneLine(Pace pace);
+    explicit PhoneLine(CallPace pace);
 
     /// Places a call and gives its number, above 0; 0, told in the log, when the line is busy, the radio off,
     /// or the number none.
@@ -74,7 +74,7 @@ private:
     void reportChange();
     void reportEnd();
 
-    const Pace m_pace;
+    const CallPace m_pace;
     std::optional<Call> m_call;
     int m_id = 0;
     int m_totalSeconds = 0;

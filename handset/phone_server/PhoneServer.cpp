@@ -5,7 +5,7 @@
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
-PhoneServer::PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
+PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
     : m_line(pace)
     , m_prefix(prefix)
     , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, patience](zyn::posix::UniqueFd socket) {

@@ -19,7 +19,7 @@ public:
      * @param patience        how long a client of the socket may let the server wait for what it owes
      * @param maxConnections  how many clients are served at a time; further ones wait for their turn
      */
-    PhoneServer(Pace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections);
+    PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections);
 
     PhoneLine& line() { return m_line; }
 

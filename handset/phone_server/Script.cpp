@@ -19,7 +19,7 @@ using zyn::handset::log;
 
 namespace {
 
-constexpr qsizetype kLargestScript = 1024 * 1024;
+constexpr qsizetype kLargestScript = qsizetype{1024} * 1024;
 
 using Run = decltype(ScriptStep::run);
 

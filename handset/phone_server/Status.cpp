@@ -8,7 +8,7 @@
 
 void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, const QByteArray& payload)
 {
-    const QCString message = zyn::messageName(zyn::kPhonePrefix, type, zyn::kPhoneTypes);
+    const QCString message = zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
     if (!QCopChannel::send(zyn::kPhoneChannel, message, payload))
         zyn::handset::log(QStringLiteral("somebody missed %1").arg(QString::fromLatin1(message)));
 }

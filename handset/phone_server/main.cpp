@@ -93,7 +93,7 @@ int main(int argc, char** argv)
     if (!script)
         return handset::kUsageError;
 
-    const Pace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
+    const CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
     PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience), handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;

@@ -9,8 +9,10 @@
 #include "recentcall/utility/TopPalsSlots_p.h"
 #include "utility/FixedText_p.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <memory>
@@ -29,6 +31,89 @@ ActivityLog_ENG_RecordStore* s_instance = nullptr;
 int32_t successor(int32_t index)
 {
     return index == std::numeric_limits<int32_t>::max() ? index : index + 1;
+}
+
+int8_t freePlace(const zyn::TopPalsDetails& places)
+{
+    const auto place = std::find_if(places.begin(), places.end(), [](const TopPalNumberDetail& detail) {
+        return detail.nthFileItem == TopPalNumberDetail::kFree;
+    });
+    return place == places.end() ? int8_t{-1} : static_cast<int8_t>(place - places.begin());
+}
+
+/// Appends the records in use, up to the end of @p image; whether it holds all @p slots slots.
+bool appendRecords(const ActivityLog_ENG_RecordStore& store, QSortedList<PHONE_ENG_ActivityLog>& list,
+                   const QByteArray& image, int slots)
+{
+    const int present = zyn::contactRecordCount(image);
+    for (int slot = 0; slot < present; ++slot) {
+        if (!zyn::isContactRecordInUse(image, slot))
+            continue;
+        auto record = std::make_unique<PHONE_ENG_ActivityLog>();
+        zyn::readContactRecord(*record, image, slot);
+        if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
+            std::printf("TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
+                        "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n");
+            gTopPalsAvlIndex = successor(record->getTopPalsAvlIndex());
+        }
+        topPalsAvlFlags.setTopPalsAvlFlag(store.getTopPalFileItem(record->getPhoneNumber()), record->topPalsAvlPos,
+                                          slots);
+        list.append(record.release());
+    }
+    if (present == slots)
+        return true;
+    std::printf("TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
+                "callData failed\n");
+    return false;
+}
+
+bool dropFavourite(zyn::TopPalsDetails& places, int i, const QString& number, int slots)
+{
+    if (i < 0) {
+        std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage: FAILURE: index = %d\n", i);
+        return false;
+    }
+    places.at(size_t(i)) = {};
+    const bool isStored = zyn::storeTopPalsDetailsInFile(places, i);
+    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:storeTopPalsDetailsInFile-->ret = %d\n",
+                isStored);
+    if (!isStored)
+        return false;
+    std::printf("TP5_AVL:RC Store:createTopPalsDetailsFile:origin = %d\n", zyn::getTp5AvlRecordPos(i, 0, slots));
+    topPalsAvlFlags.clear(i);
+    const bool isRemoved = zyn::removeTopPalsAvlFile(number, slots);
+    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:removeTopPalsAvlFile-->ret = %d\n",
+                isRemoved);
+    return isRemoved;
+}
+
+bool checkTopPalsFileData(zyn::TopPalsDetails& places, const QString& number, int slots)
+{
+    const QString path = zyn::contactPath(number);
+    const QByteArray shownPath = path.toLatin1();
+    std::printf("TP5_AVL:RC Store: checkTopPalsFileData, fileName = %s\n", shownPath.constData());
+    if (path.isNull())
+        return false;
+    if (zyn::checkTopPalsFile(path, slots)) {
+        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, FILE ALREADY EXISTS fileName= %s\n",
+                    shownPath.constData());
+        return false;
+    }
+    zyn::makeStoreDirectory();
+    zyn::createActivityLogTopPalsFile(path, slots);
+    const int i = freePlace(places);
+    if (i < 0) {
+        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, getValidIndexForTopPalFiles: FAILURE:--> ret= %d\n", 0);
+        return false;
+    }
+    TopPalNumberDetail& entry = places.at(size_t(i));
+    entry.nthFileItem = i;
+    zyn::storeText(entry.phoneNumber, number.toLatin1());
+    const bool isStored = zyn::storeTopPalsDetailsInFile(places, i);
+    std::printf("TP5_AVL: RC Store: checkTopPalsFileData, storeTopPalsDetailsInFile--> ret= %d\n", isStored);
+    std::printf("TP5_AVL:RC Store:topPalNumberDetails: cr_phoneNumber=%s, nthFileItem=%d\n", entry.phoneNumber,
+                entry.nthFileItem);
+    return isStored;
 }
 
 } // namespace
@@ -115,7 +200,7 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
         const int slots = zyn::contactSlots();
         if (const auto image = zyn::readStoreFile(QFile::encodeName(path), zyn::contactFileSize(slots))) {
             std::printf("TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n");
-            isRead = zyn::hasValidHeader(*image) && appendRecords(list, *image, slots);
+            isRead = zyn::hasValidHeader(*image) && appendRecords(*this, list, *image, slots);
             std::printf("TP5_AVL: RC Store: readTopPalsAvlContactRecordList(): r_callList.count() = %d\n",
                         static_cast<int>(list.count()));
             if (list.count() > 1)
@@ -127,31 +212,6 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
     }
     std::printf("TP5_AVL: RC Store: EXIT: readTopPalsAvlContactRecordList() returns = %d\n", isRead);
     return isRead;
-}
-
-/// Appends the records in use, up to the end of @p image; whether it holds all @p slots slots.
-bool ActivityLog_ENG_RecordStore::appendRecords(QSortedList<PHONE_ENG_ActivityLog>& list, const QByteArray& image,
-                                                int slots)
-{
-    const int present = zyn::contactRecordCount(image);
-    for (int slot = 0; slot < present; ++slot) {
-        if (!zyn::isContactRecordInUse(image, slot))
-            continue;
-        auto record = std::make_unique<PHONE_ENG_ActivityLog>();
-        zyn::readContactRecord(*record, image, slot);
-        if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
-            std::printf("TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
-                        "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n");
-            gTopPalsAvlIndex = successor(record->getTopPalsAvlIndex());
-        }
-        topPalsAvlFlags.setTopPalsAvlFlag(getTopPalFileItem(record->getPhoneNumber()), record->topPalsAvlPos, slots);
-        list.append(record.release());
-    }
-    if (present == slots)
-        return true;
-    std::printf("TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
-                "callData failed\n");
-    return false;
 }
 
 void ActivityLog_ENG_RecordStore::sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list)
@@ -168,63 +228,13 @@ int ActivityLog_ENG_RecordStore::revampTopPalsAvlStorage(const QString& oldNumbe
     }
     const int slots = zyn::contactSlots();
     if (!oldNumber.isEmpty())
-        result = dropFavourite(oldNumber, slots);
+        result = dropFavourite(topPalNumberDetails, getTopPalFileItem(oldNumber), oldNumber, slots);
     if (!newNumber.isEmpty()) {
-        result = checkTopPalsFileData(newNumber, slots);
+        result = checkTopPalsFileData(topPalNumberDetails, newNumber, slots);
         std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:checkTopPalsFileData-->ret = %d\n",
                     result);
     }
     return result;
-}
-
-bool ActivityLog_ENG_RecordStore::dropFavourite(const QString& number, int slots)
-{
-    const int i = getTopPalFileItem(number);
-    if (i < 0) {
-        std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage: FAILURE: index = %d\n", i);
-        return false;
-    }
-    topPalNumberDetails.at(size_t(i)) = {};
-    const bool isStored = zyn::storeTopPalsDetailsInFile(topPalNumberDetails, i);
-    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:storeTopPalsDetailsInFile-->ret = %d\n",
-                isStored);
-    if (!isStored)
-        return false;
-    std::printf("TP5_AVL:RC Store:createTopPalsDetailsFile:origin = %d\n", zyn::getTp5AvlRecordPos(i, 0, slots));
-    topPalsAvlFlags.clear(i);
-    const bool isRemoved = zyn::removeTopPalsAvlFile(number, slots);
-    std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:removeTopPalsAvlFile-->ret = %d\n",
-                isRemoved);
-    return isRemoved;
-}
-
-bool ActivityLog_ENG_RecordStore::checkTopPalsFileData(const QString& number, int slots)
-{
-    const QString path = zyn::contactPath(number);
-    const QByteArray shownPath = path.toLatin1();
-    std::printf("TP5_AVL:RC Store: checkTopPalsFileData, fileName = %s\n", shownPath.constData());
-    if (path.isNull())
-        return false;
-    if (zyn::checkTopPalsFile(path, slots)) {
-        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, FILE ALREADY EXISTS fileName= %s\n",
-                    shownPath.constData());
-        return false;
-    }
-    zyn::makeStoreDirectory();
-    zyn::createActivityLogTopPalsFile(path, slots);
-    const int i = getValidIndexForTopPalFiles();
-    if (i < 0) {
-        std::printf("TP5_AVL: RC Store: checkTopPalsFileData, getValidIndexForTopPalFiles: FAILURE:--> ret= %d\n", 0);
-        return false;
-    }
-    TopPalNumberDetail& entry = topPalNumberDetails.at(size_t(i));
-    entry.nthFileItem = i;
-    zyn::storeText(entry.phoneNumber, number.toLatin1());
-    const bool isStored = zyn::storeTopPalsDetailsInFile(topPalNumberDetails, i);
-    std::printf("TP5_AVL: RC Store: checkTopPalsFileData, storeTopPalsDetailsInFile--> ret= %d\n", isStored);
-    std::printf("TP5_AVL:RC Store:topPalNumberDetails: cr_phoneNumber=%s, nthFileItem=%d\n", entry.phoneNumber,
-                entry.nthFileItem);
-    return isStored;
 }
 
 bool ActivityLog_ENG_RecordStore::getCurrentTopPalsFileNames(QString* names)
@@ -247,16 +257,12 @@ int8_t ActivityLog_ENG_RecordStore::getTopPalFileItem(const QString& number) con
 
 int8_t ActivityLog_ENG_RecordStore::getValidIndexForTopPalFiles() const
 {
-    for (int8_t i = 0; i < kFavourites; ++i) {
-        if (topPalNumberDetails.at(size_t(i)).nthFileItem == TopPalNumberDetail::kFree)
-            return i;
-    }
-    return -1;
+    return freePlace(topPalNumberDetails);
 }
 
 QString ActivityLog_ENG_RecordStore::getStoreFileName(const QString& name)
 {
-    const QString path = zyn::topPalsPath(name);
+    QString path = zyn::topPalsPath(name);
     if (!path.isNull())
         zyn::makeStoreDirectory();
     return path;

@@ -5,7 +5,6 @@
 #include "platform/ZynExport.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
 
-#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 #include <array>
@@ -20,7 +19,7 @@ struct TopPalNumberDetail
     char phoneNumber[18] = {};   ///< Latin-1, at most 17 characters, padded with NUL
     char padding[2] = {};        ///< 0 when written, ignored when read
 
-    static constexpr int32_t kFree = -1;
+    static constexpr int32_t kFree = -1; ///< nthFileItem of a place without a favourite
 };
 static_assert(offsetof(TopPalNumberDetail, nthFileItem) == 0);
 static_assert(offsetof(TopPalNumberDetail, phoneNumber) == 4);
@@ -42,7 +41,7 @@ static_assert(sizeof(TopPalNumberDetail) == 24 && std::is_trivially_copyable_v<T
 class ZYN_EXPORT ActivityLog_ENG_RecordStore
 {
 public:
-    static constexpr int kFavourites = 5;
+    static constexpr int kFavourites = 5; ///< how many favourites there may be
 
     /// The store of the process. The first call makes it and the file of the favourites unless there is one; slots that
     /// hold entries already are known to be used.
@@ -62,14 +61,14 @@ public:
      */
     int addTopPalsAvlItem(PHONE_ENG_ActivityLog& rec);
 
-    /// Writes the record over the slot topPalsAvlPos of its number's file.
+    /// Writes @p rec over the slot topPalsAvlPos of its number's file.
     int modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& rec);
 
-    /// Empties the slot topPalsAvlPos of the file of the record's number.
+    /// Empties the slot that @p rec names by topPalsAvlPos, in the file of its number.
     int removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec);
 
     /**
-     * Reads the entries of one contact's file, newest first.
+     * Reads the entries of the file of the contact @p number, newest first.
      *
      * Appends to @p list new records that the list is to delete; what it already holds is sorted with the rest, and of
      * all only as many as a file has slots are kept. Slots that are in use are remembered as such.
@@ -105,9 +104,10 @@ public:
     /// empty or leads elsewhere.
     QString getStoreFileName(const QString& name);
 
-    /// Whether there is a file of the favourites, of its size and with a valid header.
+    /// Whether @p fileName, a path, is a file of the favourites, of its size and with a valid header.
     bool checkTopPalsDetailsFile(const QString& fileName);
-    /// Whether there is a contact's file, of the size for the present number of slots and with a valid header.
+    /// Whether @p fileName, a path, is a contact's file, of the size for the present number of slots and with a valid
+    /// header.
     bool checkTopPalsFile(const QString& fileName);
 
     /// @{ What is known of a slot of a favourite. @p pos counts from 0; false for a number that is no favourite and a
@@ -121,10 +121,6 @@ public:
 private:
     ActivityLog_ENG_RecordStore();
     ~ActivityLog_ENG_RecordStore() = default;
-
-    bool appendRecords(QSortedList<PHONE_ENG_ActivityLog>& list, const QByteArray& image, int slots);
-    bool dropFavourite(const QString& number, int slots);
-    bool checkTopPalsFileData(const QString& number, int slots);
 
     std::array<TopPalNumberDetail, kFavourites> topPalNumberDetails;
 };

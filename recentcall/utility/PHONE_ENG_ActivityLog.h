@@ -36,24 +36,28 @@ public:
     int32_t msgType;         ///< 0 for a call, anything else for a message
     int32_t msgInfo;         ///< not interpreted
     char msgString[41];      ///< Latin-1, at most 40 characters and a NUL
-    char reserved285[11];
-    uint8_t flagA; ///< not interpreted
-    uint8_t flagB; ///< not interpreted
-    char padding298[2];
+    char reserved285[11];    ///< 0
+    uint8_t flagA;           ///< not interpreted
+    uint8_t flagB;           ///< not interpreted
+    char padding298[2];      ///< 0
 
     /// An empty slot's record: a blank call, index and place -1.
     PHONE_ENG_ActivityLog();
-    /// The activity of a call: no message, index and place -1.
+    /// The activity of the call @p value: no message, index and place -1.
     explicit PHONE_ENG_ActivityLog(const PHONE_ENG_RecentCall& value);
+    /// A copy of every field of @p value.
     PHONE_ENG_ActivityLog(const PHONE_ENG_ActivityLog& value);
+    /// Copies every field of @p value.
     PHONE_ENG_ActivityLog& operator=(const PHONE_ENG_ActivityLog& value) = default;
     ~PHONE_ENG_ActivityLog() = default;
 
     /// Clears the message fields and the two flags; the call, the index and the place stay.
     void init();
 
+    /// The index that the store gave the entry; -1 before.
     int32_t getTopPalsAvlIndex() const { return topPalsAvlIndex; }
 
+    /// The text of the message; empty for a call.
     QString getMsgString() const;
     /// Stores the first 40 characters of @p message as Latin-1; an empty text changes nothing.
     void setMsgString(const QString& message);

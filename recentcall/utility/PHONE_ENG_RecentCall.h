@@ -6,8 +6,8 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QString>
+#include <QtCore/QtGlobal>
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -22,37 +22,37 @@
 class ZYN_EXPORT PHONE_ENG_RecentCall
 {
 public:
-    char phoneNumber[42]; ///< Latin-1, at most 41 characters and a NUL
-    char reserved42[2];
-    int32_t startTime; ///< seconds since 1970 UTC
-    int32_t duration;  ///< as the caller supplies it
-    uint8_t readFlags; ///< kRead, kStrictRead
-    char reserved53[3];
-    int32_t uid; ///< given by the store when the record is added
-    RC_CALL_CATEGORY_T category;
-    int8_t inUse; ///< not 0: the slot that holds the record contains a call
-    char reserved65[3];
-    int32_t slot; ///< place of the record in its list's file, from 0; -1 when none was free
-    int32_t reservedA;
-    int32_t reservedB;
-    RC_CALL_TYPE_T callType;
-    int32_t pttExtra1; ///< push-to-talk calls only
-    uint8_t completed; ///< 0 or 1
-    char reserved89[3];
+    char phoneNumber[42];             ///< Latin-1, at most 41 characters and a NUL
+    char reserved42[2];               ///< not interpreted
+    int32_t startTime;                ///< seconds since 1970 UTC
+    int32_t duration;                 ///< as the caller supplies it
+    uint8_t readFlags;                ///< kRead, kStrictRead
+    char reserved53[3];               ///< not interpreted
+    int32_t uid;                      ///< given by the store when the record is added
+    RC_CALL_CATEGORY_T category;      ///< the list that the call belongs to
+    int8_t inUse;                     ///< not 0: the slot that holds the record contains a call
+    char reserved65[3];               ///< not interpreted
+    int32_t slot;                     ///< place of the record in its list's file, from 0; -1 when none was free
+    int32_t reservedA;                ///< not interpreted
+    int32_t reservedB;                ///< not interpreted
+    RC_CALL_TYPE_T callType;          ///< the kind of the call
+    int32_t pttExtra1;                ///< push-to-talk calls only
+    uint8_t completed;                ///< whether the call was completed: 0 or 1
+    char reserved89[3];               ///< not interpreted
     RC_PTT_ID_T pttIdType;            ///< push-to-talk calls only
     int32_t pttExtra2;                ///< push-to-talk calls only
     RC_PTT_PARTY_TYPE_T pttPartyType; ///< push-to-talk calls only
     char pttSessionId[101];           ///< push-to-talk calls only; UTF-8, at most 100 bytes and a NUL
-    char reserved205[7];
-    char displayName[16]; ///< Latin-1, at most 15 characters and a NUL
+    char reserved205[7];              ///< not interpreted
+    char displayName[16];             ///< Latin-1, at most 15 characters and a NUL
 
     /// Bits of readFlags.
-    static constexpr uint8_t kRead = 1;
-    static constexpr uint8_t kStrictRead = 2;
+    static constexpr uint8_t kRead = 1;       ///< the user has seen the call
+    static constexpr uint8_t kStrictRead = 2; ///< strict read; not interpreted
 
     /// A blank record, as init() leaves it.
     PHONE_ENG_RecentCall();
-    /// A blank record with the given number, start and duration.
+    /// A blank record with the given @p number, @p start and @p duration, each stored as its setter or field says.
     PHONE_ENG_RecentCall(const QString& number, const QDateTime& start, int duration);
     /// As above; readFlags is 1 when @p read, else 0.
     PHONE_ENG_RecentCall(const QString& number, const QDateTime& start, int duration, bool read);
@@ -89,7 +89,7 @@ public:
     void print() const;
 };
 
-static_assert(std::endian::native == std::endian::little, "records are little-endian and are stored as they are");
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "records are little-endian and are stored as they are");
 static_assert(offsetof(PHONE_ENG_RecentCall, phoneNumber) == 0);
 static_assert(offsetof(PHONE_ENG_RecentCall, reserved42) == 42);
 static_assert(offsetof(PHONE_ENG_RecentCall, startTime) == 44);

@@ -24,7 +24,7 @@ ZYN_EXPORT int PHONE_RecentCall_AddRecord(PHONE_ENG_RecentCall& record);
 /// Deletes the call with the record's uid from the list of the record's category.
 ZYN_EXPORT int PHONE_RecentCall_DeleteRecord(PHONE_ENG_RecentCall& record);
 
-/// Deletes all calls of one call type from one list, or from all three for RC_CALL_CATEGORY_ALL.
+/// Deletes all calls of one @p callType from the list of @p category, or from all three for RC_CALL_CATEGORY_ALL.
 ZYN_EXPORT int PHONE_RecentCall_DeleteAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
 /// @}

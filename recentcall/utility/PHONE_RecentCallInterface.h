@@ -13,11 +13,11 @@ public:
     PHONE_RecentCall_Interface();
     ~PHONE_RecentCall_Interface();
 
-    /// Hands the service a call to store. No answer is read: 0 says that it was sent.
+    /// Hands the service @p record to store. No answer is read: 0 says that it was sent.
     int rc_add(PHONE_ENG_RecentCall record);
     /// Deletes the call with the record's uid from the list of its category.
     int rc_delete(const PHONE_ENG_RecentCall& record);
-    /// Deletes all voice calls from one list, or from all three for RC_CALL_CATEGORY_ALL.
+    /// Deletes all voice calls from the list of @p category, or from all three for RC_CALL_CATEGORY_ALL.
     int rc_deleteAll(CALL_CATEGORY_T category);
     /// As RC_Interface::getLastDialedNumber().
     bool getLastDialedNumber(QString& number);

@@ -1,6 +1,7 @@
 // The log of recent calls, for applications.
 #include "recentcall/utility/RC_Interface.h"
 
+#include "platform/CommandData_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
@@ -68,7 +69,7 @@ int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATE
     const rc::Status status = rc::statusOf(answer.get());
     if (status == rc::Success) {
         list.clear();
-        appendRecords(list, answer->data());
+        appendRecords(list, zyn::commandData(*answer));
     }
     return rc::interfaceResult(status);
 }

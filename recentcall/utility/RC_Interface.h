@@ -29,14 +29,17 @@ public:
     /// A record that is no RC_RecordInterfaceImpl gives 3.
     int deleteRecord(const RC_RecordInterface& record);
 
-    /// Deletes all calls of one call type from one list, or from all three for RC_CALL_CATEGORY_ALL.
+    /// Deletes all calls of one @p callType from the list of @p category, or from all three for RC_CALL_CATEGORY_ALL.
     int deleteRecordAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
     /**
      * Fetches the calls of one call type from one list, or from all three, in the service's order: newest first.
      *
-     * @param list  set to delete its items as soon as the service is there. On success its items are deleted and new
-     *              RC_RecordInterfaceImpl take their place; on any other result its items stay.
+     * @param list      set to delete its items as soon as the service is there. On success its items are deleted and
+     * new RC_RecordInterfaceImpl take their place; on any other result its items stay.
+     * @param category  a list, or RC_CALL_CATEGORY_ALL for all three
+     * @param callType  which calls of it
+     * @return 0, or why there are none
      */
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 

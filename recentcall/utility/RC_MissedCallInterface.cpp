@@ -20,13 +20,22 @@ RC_MissedCallInterface* s_instance = nullptr;
 struct RC_MissedCallInterface::Holder
 {
     QPointer<RecentCall_MsgClient> client;
+
+    /// Takes the client of the process, and another one once its user has destroyed that.
+    void followClient(RC_MissedCallInterface* owner)
+    {
+        if (client)
+            return;
+        client = RecentCall_MsgClient::instance();
+        connect(client, &RecentCall_MsgClient::signalMissedCallUpdate, owner, &RC_MissedCallInterface::dataUpdate);
+    }
 };
 
 RC_MissedCallInterface* RC_MissedCallInterface::instance()
 {
     if (!s_instance)
         s_instance = new RC_MissedCallInterface;
-    s_instance->followClient();
+    s_instance->m_holder->followClient(s_instance);
     return s_instance;
 }
 
@@ -38,26 +47,17 @@ void RC_MissedCallInterface::destruction()
 RC_MissedCallInterface::RC_MissedCallInterface()
     : m_holder(std::make_unique<Holder>())
 {
-    followClient();
+    m_holder->followClient(this);
 }
 
 RC_MissedCallInterface::~RC_MissedCallInterface() = default;
 
 RC_MissedCallList RC_MissedCallInterface::getUnreadMissedCalls()
 {
-    followClient();
+    m_holder->followClient(this);
     if (!g_rcEngineStub) {
         std::fprintf(stderr, "{%d} %s:%d\tooooooooooo\n", 1, "RC_MissedCallInterface.cpp", __LINE__);
         return {};
     }
     return g_rcEngineStub->getUnreadMissedCallList();
-}
-
-/// Takes the client of the process, and another one once its user has destroyed that.
-void RC_MissedCallInterface::followClient()
-{
-    if (m_holder->client)
-        return;
-    m_holder->client = RecentCall_MsgClient::instance();
-    connect(m_holder->client, &RecentCall_MsgClient::signalMissedCallUpdate, this, &RC_MissedCallInterface::dataUpdate);
 }

@@ -16,14 +16,15 @@ class RecentCall_MsgClient;
 /// One unread missed call. The engine gives the members their meaning; the library passes them on unread.
 struct RC_MissedCallItem
 {
-    QDate date;
-    int32_t value = 0;
-    QString first;
-    QString second;
-    uint32_t word1 = 0;
-    uint32_t word2 = 0;
+    QDate date;         ///< not interpreted
+    int32_t value = 0;  ///< not interpreted
+    QString first;      ///< not interpreted
+    QString second;     ///< not interpreted
+    uint32_t word1 = 0; ///< not interpreted
+    uint32_t word2 = 0; ///< not interpreted
 };
 
+/// Unread missed calls in the engine's order.
 using RC_MissedCallList = QValueList<RC_MissedCallItem>;
 
 /**
@@ -35,13 +36,16 @@ using RC_MissedCallList = QValueList<RC_MissedCallItem>;
 class ZYN_EXPORT RC_EngineStub
 {
 public:
+    /// The unread missed calls, in an order of the engine's choice.
     virtual RC_MissedCallList getUnreadMissedCallList() = 0;
 
 protected:
+    /// @{ Only an engine makes, copies or ends this part of itself.
     RC_EngineStub() = default;
     RC_EngineStub(const RC_EngineStub&) = default;
     RC_EngineStub& operator=(const RC_EngineStub&) = default;
     ~RC_EngineStub() = default;
+    /// @}
 };
 
 /// The engine of this process, null until the process sets it. The library neither sets nor deletes it.
@@ -63,6 +67,7 @@ public:
     /// Deletes the shared object; the next instance() makes another.
     static void destruction();
 
+    /// An object of its own, beside the shared one; both tell the same.
     RC_MissedCallInterface();
     ~RC_MissedCallInterface() override;
 
@@ -70,11 +75,10 @@ public:
     RC_MissedCallList getUnreadMissedCalls();
 
 Q_SIGNALS:
+    /// The missed calls have changed: fetch them anew.
     void dataUpdate();
 
 private:
     struct Holder;
-    void followClient();
-
     std::unique_ptr<Holder> m_holder;
 };

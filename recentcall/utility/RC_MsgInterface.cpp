@@ -23,6 +23,13 @@ RecentCall_MsgClient* client()
     return s_client;
 }
 
+bool askForPage(RC_MsgInterface* asking, void (RC_MsgInterface::*pickerExit)(bool, const QString&), RC_PAGE_ID_T page)
+{
+    QObject::connect(client(), &RecentCall_MsgClient::signalExitPicker, asking, pickerExit);
+    RecentCall_Msg::requestShowPage(page);
+    return true;
+}
+
 } // namespace
 
 RC_MsgInterface* RC_MsgInterface::instance()
@@ -45,20 +52,13 @@ RC_MsgInterface::~RC_MsgInterface() = default;
 bool RC_MsgInterface::requestShowUI(RC_PAGE_ID_T page)
 {
     std::printf("go to page:%d", page);
-    return askForPage(page);
+    return askForPage(this, &RC_MsgInterface::slotExitPicker, page);
 }
 
 bool RC_MsgInterface::dlopenrequestShowUI(RC_PAGE_ID_T page)
 {
     std::printf("dlopen go to page:%d", page);
-    return askForPage(page);
-}
-
-bool RC_MsgInterface::askForPage(RC_PAGE_ID_T page)
-{
-    connect(client(), &RecentCall_MsgClient::signalExitPicker, this, &RC_MsgInterface::slotExitPicker);
-    RecentCall_Msg::requestShowPage(page);
-    return true;
+    return askForPage(this, &RC_MsgInterface::slotExitPicker, page);
 }
 
 bool RC_MsgInterface::showRecordDetail(int index, RC_CALL_CATEGORY_T category)

@@ -24,6 +24,7 @@ class ZYN_EXPORT RC_MsgInterface : public QObject
     Q_OBJECT
 
 public:
+    /// The shared object, made by the first call. The library owns it.
     static RC_MsgInterface* instance();
     /// Deletes the object, with its connections; the next instance() makes another.
     static void destruction();
@@ -31,12 +32,13 @@ public:
     ~RC_MsgInterface() override;
 
     /**
-     * Asks for a page of the screens. Always true, whether or not the screens run.
+     * Asks for @p page of the screens. Always true, whether or not the screens run.
      *
      * Every call connects anew to the picker: after n calls, one closing of it emits rcFinished() n times.
      */
     bool requestShowUI(RC_PAGE_ID_T page);
-    /// Asks for the details of one call. Always true, whether or not the screens run.
+    /// Asks for the details of the call at @p index of @p category, counted as the screens count. Always true, whether
+    /// or not the screens run.
     bool showRecordDetail(int index, RC_CALL_CATEGORY_T category);
     /// Asks the screens to hide; false when the request could not be sent.
     bool hideUI();
@@ -55,7 +57,6 @@ private Q_SLOTS:
 
 private:
     RC_MsgInterface();
-    bool askForPage(RC_PAGE_ID_T page);
 };
 
 /// RC_MsgInterface::instance(), under a symbol name that a run-time loader can look up.

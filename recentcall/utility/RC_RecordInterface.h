@@ -21,40 +21,54 @@
 class ZYN_EXPORT RC_RecordInterface
 {
 public:
+    /// Puts the call into the list of @p category.
     virtual void setCategory(RC_CALL_CATEGORY_T category) = 0;
+    /// The list that the call belongs to.
     virtual RC_CALL_CATEGORY_T getCategory() const = 0;
+    /// Stores at most 41 characters of @p number as Latin-1; an empty one changes nothing.
     virtual void setPhoneNumber(const QString& number) = 0;
+    /// The other party's number; empty when none was stored.
     virtual QString getPhoneNumber() const = 0;
+    /// Stores when the call began; an invalid @p start is stored as 1970-01-01 00:00 UTC.
     virtual void setStartDateTime(const QDateTime& start) = 0;
+    /// When the call began, in local time.
     virtual QDateTime getStartDateTime() const = 0;
+    /// Stores how long the call took; @p duration is not interpreted.
     virtual void setDuration(int duration) = 0;
+    /// How long the call took, as it was stored.
     virtual int getDuration() const = 0;
+    /// Stores whether the call was completed.
     virtual void setCompletedStatus(bool completed) = 0;
+    /// Whether the call was completed.
     virtual bool getCompletedStatus() const = 0;
     /// Whether the user has seen the call.
     virtual bool isRead() const = 0;
+    /// The number by which the log knows the call; 0 in a record that the log has not stored.
     virtual int getUID() const = 0;
+    /// The kind of the call.
     virtual RC_CALL_TYPE_T getCallType() const = 0;
     virtual ~RC_RecordInterface();
 
 protected:
+    /// @{ Only a record makes or copies this part of itself.
     RC_RecordInterface() = default;
     RC_RecordInterface(const RC_RecordInterface&) = default;
     RC_RecordInterface& operator=(const RC_RecordInterface&) = default;
+    /// @}
 };
 
 /// Filled by push-to-talk callers and handed to RC_RecordInterfaceImpl::setPttAttribute().
 struct RC_PttInfo_T
 {
-    int32_t reservedHead = 0; ///< not read
-    int32_t extra2 = 0;
-    int32_t reservedMiddle[4] = {}; ///< not read
-    RC_CALL_CATEGORY_T category = RC_CALL_CATEGORY_NONE;
-    bool completed = false;
-    RC_PTT_ID_T idType{};
-    int32_t extra1 = 0;
-    RC_PTT_PARTY_TYPE_T partyType{};
-    QString sessionID;
+    int32_t reservedHead = 0;                            ///< not read
+    int32_t extra2 = 0;                                  ///< not interpreted
+    int32_t reservedMiddle[4] = {};                      ///< not read
+    RC_CALL_CATEGORY_T category = RC_CALL_CATEGORY_NONE; ///< the list that the call belongs to
+    bool completed = false;                              ///< whether the call was completed
+    RC_PTT_ID_T idType{};                                ///< not interpreted
+    int32_t extra1 = 0;                                  ///< not interpreted
+    RC_PTT_PARTY_TYPE_T partyType{};                     ///< not interpreted
+    QString sessionID;                                   ///< stored as UTF-8, at most 100 bytes
 };
 
 static_assert(offsetof(RC_PttInfo_T, reservedHead) == 0);
@@ -75,7 +89,9 @@ static_assert(offsetof(RC_PttInfo_T, sessionID) == (44 + alignof(QString) - 1) /
 class ZYN_EXPORT RC_RecordInterfaceImpl : public RC_RecordInterface
 {
 public:
+    /// A blank record of a voice call.
     RC_RecordInterfaceImpl();
+    /// A record of a voice call with the given number, start and duration.
     RC_RecordInterfaceImpl(const QString& number, const QDateTime& start, int duration);
     /// Takes ownership of @p record; a null one is replaced by a blank record.
     explicit RC_RecordInterfaceImpl(PHONE_ENG_RecentCall* record);
@@ -97,19 +113,24 @@ public:
     RC_CALL_TYPE_T getCallType() const override;
     ~RC_RecordInterfaceImpl() override;
 
+    /// Whether the record has the mark for strict read.
     virtual bool getIsStrictRead() const;
+    /// Stores the party type of a push-to-talk call.
     virtual void setPttPartyType(RC_PTT_PARTY_TYPE_T type);
     /// -1 for a record that is no push-to-talk call.
     virtual RC_PTT_PARTY_TYPE_T getPttPartyType() const;
+    /// Stores the identity type of a push-to-talk call.
     virtual void setPttIDType(RC_PTT_ID_T type);
     /// 0 for a record that is no push-to-talk call.
     virtual RC_PTT_ID_T getPttIDType() const;
+    /// Stores the session of a push-to-talk call as UTF-8, at most 100 bytes; an empty one changes nothing.
     virtual void setPttSessionID(const QString& session);
     /// A null text for a record that is no push-to-talk call.
     virtual QString getPttSessionID() const;
 
     /// The owned record; it stays owned.
     PHONE_ENG_RecentCall* getData() const { return m_record.get(); }
+    /// Makes the call one of the kind @p type; the other fields stay.
     void setCallType(RC_CALL_TYPE_T type);
     /// Takes category, completed status and the push-to-talk fields from @p info.
     void setPttAttribute(const RC_PttInfo_T& info);

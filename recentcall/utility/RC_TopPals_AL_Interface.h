@@ -10,8 +10,8 @@
 /// A favourite's details, as the address book has them.
 struct TopPals_Details_T
 {
-    QString name;
-    QString number;
+    QString name;          ///< as it is shown
+    QString number;        ///< as it is dialed
     QString imageLocation; ///< of the contact's picture
     int32_t contactId = 0; ///< in the address book
 };
@@ -19,9 +19,9 @@ struct TopPals_Details_T
 /// What of a favourite is unread.
 struct TopPals_Missed_Details
 {
-    QString number; ///< the caller sets it
-    int32_t missedCallCount = 0;
-    int32_t unreadMsgCount = 0;
+    QString number;              ///< the caller sets it
+    int32_t missedCallCount = 0; ///< calls that were missed and not seen
+    int32_t unreadMsgCount = 0;  ///< messages that were not read
 };
 
 /**
@@ -32,6 +32,7 @@ struct TopPals_Missed_Details
 class ZYN_EXPORT RC_TopPals_AL_Interface
 {
 public:
+    /// The object of this process, made by the first call. The library owns it.
     static RC_TopPals_AL_Interface* instance();
     /// Deletes the object; the next instance() makes another.
     static void destruction();
@@ -43,6 +44,7 @@ public:
      * Announces a favourite's details as "MODIFY_TOPPAL_DETAILS" on "ACTIVITY_LOG_CHANNEL". Nothing is checked.
      *
      * @param oldNumber  the favourite's number before the change; may be empty
+     * @param details    what is true of the favourite from now on
      * @return whether the message was handed on, not whether anybody listens
      */
     bool modifyTopPalsContactDetails(QString oldNumber, TopPals_Details_T details);

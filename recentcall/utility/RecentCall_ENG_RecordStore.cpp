@@ -8,6 +8,7 @@
 #include "utility/PHONE_Log.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <limits>
 #include <memory>
@@ -16,6 +17,8 @@
 using zyn::posix::UniqueFd;
 
 namespace {
+
+using SlotBitmap = std::array<uint32_t, 5>;
 
 constexpr qint64 kBitsPerWord = 32;
 
@@ -50,6 +53,32 @@ qint64 bitIndex(RC_CALL_CATEGORY_T category, int slot)
     default:
         return slot;
     }
+}
+
+bool isMarked(const SlotBitmap& bitmap, RC_CALL_CATEGORY_T category, int slot)
+{
+    const qint64 bit = bitIndex(category, slot);
+    return passesSlotCheck(bit) && (bitmap[static_cast<size_t>(bit / kBitsPerWord)] >> (bit % kBitsPerWord) & 1U);
+}
+
+void mark(SlotBitmap& bitmap, RC_CALL_CATEGORY_T category, int slot, bool inUse)
+{
+    const qint64 bit = bitIndex(category, slot);
+    if (!passesSlotCheck(bit))
+        return;
+    uint32_t& word = bitmap[static_cast<size_t>(bit / kBitsPerWord)];
+    const uint32_t mask = 1U << (bit % kBitsPerWord);
+    word = inUse ? word | mask : word & ~mask;
+}
+
+int freeSlot(const SlotBitmap& bitmap, RC_CALL_CATEGORY_T category)
+{
+    const int slots = maximum(category);
+    for (int slot = 0; slot < slots; ++slot) {
+        if (!isMarked(bitmap, category, slot))
+            return slot;
+    }
+    return -1;
 }
 
 int32_t successor(int32_t uid)
@@ -118,11 +147,11 @@ bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
 {
     record.uid = s_nextUid;
     s_nextUid = successor(s_nextUid);
-    record.slot = freeSlot(record.category);
+    record.slot = freeSlot(m_slotBitmap, record.category);
     record.print();
     if (!modifyItem(record))
         return false;
-    mark(record.category, record.slot, true);
+    mark(m_slotBitmap, record.category, record.slot, true);
     return true;
 }
 
@@ -145,7 +174,7 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
     PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
     if (!isSlotOf(record.category, record.slot) || !writeBlankSlot(file, record.slot))
         return false;
-    mark(record.category, record.slot, false);
+    mark(m_slotBitmap, record.category, record.slot, false);
     return true;
 }
 
@@ -156,8 +185,8 @@ bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
         return false;
     const int slots = std::min(maximum(category), zyn::kRecordSlots);
     for (int slot = 0; slot < slots; ++slot) {
-        if (isMarked(category, slot) && writeBlankSlot(file, slot))
-            mark(category, slot, false);
+        if (isMarked(m_slotBitmap, category, slot) && writeBlankSlot(file, slot))
+            mark(m_slotBitmap, category, slot, false);
     }
     return true;
 }
@@ -190,34 +219,8 @@ void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>&
         auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(*image, slot));
         if (record->uid >= s_nextUid)
             s_nextUid = successor(record->uid);
-        mark(category, record->slot, true);
+        mark(m_slotBitmap, category, record->slot, true);
         list.append(record.release());
     }
     list.sort();
-}
-
-int RecentCall_ENG_RecordStore::freeSlot(RC_CALL_CATEGORY_T category) const
-{
-    const int slots = maximum(category);
-    for (int slot = 0; slot < slots; ++slot) {
-        if (!isMarked(category, slot))
-            return slot;
-    }
-    return -1;
-}
-
-bool RecentCall_ENG_RecordStore::isMarked(RC_CALL_CATEGORY_T category, int slot) const
-{
-    const qint64 bit = bitIndex(category, slot);
-    return passesSlotCheck(bit) && (m_slotBitmap[static_cast<size_t>(bit / kBitsPerWord)] >> (bit % kBitsPerWord) & 1U);
-}
-
-void RecentCall_ENG_RecordStore::mark(RC_CALL_CATEGORY_T category, int slot, bool inUse)
-{
-    const qint64 bit = bitIndex(category, slot);
-    if (!passesSlotCheck(bit))
-        return;
-    uint32_t& word = m_slotBitmap[static_cast<size_t>(bit / kBitsPerWord)];
-    const uint32_t mask = 1U << (bit % kBitsPerWord);
-    word = inUse ? word | mask : word & ~mask;
 }

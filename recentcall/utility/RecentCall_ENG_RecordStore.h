@@ -52,7 +52,8 @@ public:
     /// Frees the slot that @p record names, in the file of its category; the same slots are refused.
     bool removeItem(const PHONE_ENG_RecentCall& record);
 
-    /// Frees every slot of the list that is known to be in use; false only when the file cannot be opened.
+    /// Frees every slot of the list of @p category that is known to be in use; false only when the file cannot be
+    /// opened.
     bool removeItems(RC_CALL_CATEGORY_T category);
 
     /// Frees every slot of the three files, and starts uids at 0 again.
@@ -70,10 +71,6 @@ public:
     void readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category);
 
 private:
-    int freeSlot(RC_CALL_CATEGORY_T category) const;
-    bool isMarked(RC_CALL_CATEGORY_T category, int slot) const;
-    void mark(RC_CALL_CATEGORY_T category, int slot, bool inUse);
-
     std::array<uint32_t, 5> m_slotBitmap{};
 };
 

@@ -25,17 +25,19 @@ class ZYN_EXPORT RecentCall_Msg : public QCopChannel
     // No Q_OBJECT: it has no signals of its own, and reports the class name of its base.
 
 public:
+    /// The types of the messages, and what comes with them.
     enum RECENTCALL_MSG_TYPE_T : int {
-        RECENTCALL_MSG_POWEROFF_S = 0,
-        RECENTCALL_MSG_SIMCARD_DIFFED_S = 1,
+        RECENTCALL_MSG_POWEROFF_S = 0,          ///< the handset is being switched off
+        RECENTCALL_MSG_SIMCARD_DIFFED_S = 1,    ///< the SIM card is another one
         RECENTCALL_MSG_MISSEDCALL_UPDATE_S = 2, ///< the missed calls have changed
         RECENTCALL_MSG_SHOW_UI_S = 3,           ///< category
         RECENTCALL_MSG_SHOW_PAGE_S = 4,         ///< page
         RECENTCALL_MSG_SHOW_DETAIL_S = 5,       ///< category, index
         RECENTCALL_MSG_EXIT_PICKER_S = 6,       ///< whether a number was picked, and, if so, the number
-        RECENTCALL_MSG_HIDE_UI_S = 7,
+        RECENTCALL_MSG_HIDE_UI_S = 7,           ///< the screens are to hide
     };
 
+    /// Listens on the channel as @p name, a label for debugging that may be null; @p parent deletes it.
     explicit RecentCall_Msg(QObject* parent = nullptr, const char* name = nullptr);
     ~RecentCall_Msg() override;
 
@@ -47,10 +49,13 @@ public:
     /// Sends the message of @p type with @p data as it is; false when it could not be handed on, or has no name.
     static bool send(RECENTCALL_MSG_TYPE_T type, const QByteArray& data);
 
-    /// Asks the screens to show the calls of a category.
+    /// Asks the screens to show the calls of @p category. @return whether the request was handed on
     static bool requestShowUI(RC_CALL_CATEGORY_T category);
+    /// Asks the screens to show @p page. @return whether the request was handed on
     static bool requestShowPage(RC_PAGE_ID_T page);
-    /// @param index  of the call in its category, as the screens count
+    /// Asks the screens to show one call: that at @p index of @p category, counted as the screens count.
+    /// @return whether the request was handed on
     static bool showRecordDetail(int index, RC_CALL_CATEGORY_T category);
+    /// Asks the screens to hide. @return whether the request was handed on
     static bool requestHideUI();
 };

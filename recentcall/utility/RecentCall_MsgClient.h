@@ -37,14 +37,21 @@ public:
     void receive(const QCString& message, const QByteArray& data) override;
 
 Q_SIGNALS:
+    /// The SIM card is another one than before.
     void signalSimCardDiffed();
+    /// The handset is being switched off.
     void signalPowerOff();
+    /// The missed calls have changed.
     void signalMissedCallUpdate();
+    /// The screens are to show the calls of @p category, as @p component asks.
     void signalShowRecentCall(RC_CALL_CATEGORY_T category, OTHER_COMPONENT_SHOW_UI component);
+    /// The screens are to show @p page.
     void signalShowPage(RC_PAGE_ID_T page);
+    /// The screens are to show the call at @p index of @p category, counted as the screens count.
     void signalShowDetail(RC_CALL_CATEGORY_T category, int index);
     /// The number picker has closed; @p number is null when none was selected.
     void signalExitPicker(bool selected, const QString& number);
+    /// The screens are to hide.
     void signalHideUI();
 
 private:

@@ -93,7 +93,10 @@ ExitCode callFromJava(const Invocation& call, Console& console)
     Replies replies(console);
     javaReplies = &replies;
     const int handle = PHONE_VoiceCall_Java_Init([](char code) { javaReplies->show(static_cast<uint8_t>(code)); });
-    const auto disconnect = qScopeGuard([handle] { PHONE_VoiceCall_Java_DeInit(handle); });
+    const auto disconnect = qScopeGuard([handle] {
+        PHONE_VoiceCall_Java_DeInit(handle);
+        javaReplies = nullptr;
+    });
     if (PHONE_VoiceCall_Java_MakeCall(handle, number.constData(), value) != 0)
         throw serverError();
     const ExitCode code = follow(replies, limit);

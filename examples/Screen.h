@@ -1,0 +1,41 @@
+// The screen of an example: what a handset has a display for is shown on standard output.
+#pragma once
+
+#include <QtCore/QString>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+/**
+ * Standard output, for the example alone.
+ *
+ * The library writes there what it does, without line ends; a product leads that to its log, an example nowhere. To be
+ * made first in main().
+ */
+class Screen
+{
+public:
+    Screen()
+        : m_file(::fdopen(::dup(STDOUT_FILENO), "w"))
+    {
+        if (!m_file || !std::freopen("/dev/null", "w", stdout)) {
+            std::perror("screen");
+            std::exit(EXIT_FAILURE);
+        }
+    }
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+    ~Screen() { std::fclose(m_file); }
+
+    /// Shows @p line at once.
+    void show(const QString& line)
+    {
+        std::fprintf(m_file, "%s\n", qUtf8Printable(line));
+        std::fflush(m_file);
+    }
+
+private:
+    std::FILE* const m_file;
+};

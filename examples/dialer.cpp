@@ -1,0 +1,69 @@
+// The dialer: takes a number key by key, those keys only that the locked keypad lets through, and asks for the call.
+//
+// On a desk: zyn-recentcalld & zyn-phoned &
+//            zynphone emergency write 112
+//            zynphone handset set keypad-lock 1
+//            dialer 112
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+
+#include <platform/UTIL_PhoneStatus.h>
+#include <utility/PHONE_EmergencyCall.h>
+#include <utility/PHONE_MsgClient.h>
+#include <utility/PHONE_VoiceCall.h>
+
+#include <chrono>
+
+#include "Screen.h"
+
+namespace {
+
+constexpr std::chrono::seconds kPatience(2);
+constexpr PHONE_MAKE_CALL_CLIR_T kNoRestriction{};
+constexpr signed char kLine = 2;
+
+bool isLocked()
+{
+    return UTIL_GetKeypadLockStatus() != 0;
+}
+
+/// What the dialer's display holds after @p key.
+QString type(const QString& number, QChar key, Screen& screen)
+{
+    const QString typed = number + key;
+    if (PHONE_IsEmergencyCallInput(typed)) {
+        screen.show(typed + QStringLiteral(" may become an emergency call"));
+        return typed;
+    }
+    screen.show(isLocked() ? typed + QStringLiteral(" is refused: the keypad is locked") : typed);
+    return isLocked() ? number : typed;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Screen screen;
+    const QCoreApplication application(argc, argv);
+    QString number;
+    for (const QChar key : QCoreApplication::arguments().value(1))
+        number = type(number, key, screen);
+
+    QByteArray text = number.toLatin1();
+    const bool isEmergency = PHONE_IsEmergencyCall(text.data());
+    if (text.isEmpty() || (isLocked() && !isEmergency)) {
+        screen.show(QStringLiteral("there is nothing to call"));
+        return EXIT_FAILURE;
+    }
+
+    // Whether anybody has heard the request is not told: it shows in what the phone tells of its calls.
+    const PHONE_MsgClient phone;
+    QObject::connect(&phone, &PHONE_MsgClient::signalVoiceCallStatChanged, &application, &QCoreApplication::quit);
+    QTimer::singleShot(kPatience, &application, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    PHONE_MakeVoiceCall(text.data(), QString(), false, kNoRestriction, kLine);
+    const int code = QCoreApplication::exec();
+    const QString what = isEmergency ? QStringLiteral("the emergency call to ") : QStringLiteral("the call to ");
+    screen.show(what + number
+                + (code == 0 ? QStringLiteral(" is under way") : QStringLiteral(" is not taken: no phone")));
+    return code;
+}

@@ -1,0 +1,72 @@
+// The idle screen's counter of missed calls: shown at the start, and whenever they change.
+//
+// On a desk: zyn-recentcalld & zyn-recents & missed_calls &
+//            zynphone calls add missed 112
+//            zynphone recents show missed    which is how they get read
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+
+#include <recentcall/utility/RC_Interface.h>
+#include <recentcall/utility/RC_MissedCallInterface.h>
+#include <recentcall/utility/RecentCall_MsgClient.h>
+
+#include "Screen.h"
+
+namespace {
+
+/// Knows the unread calls, on behalf of the library: a process that shows them has one.
+class Engine final : public RC_EngineStub
+{
+public:
+    RC_MissedCallList getUnreadMissedCallList() override
+    {
+        QPtrList<RC_RecordInterface> calls;
+        m_isAnswered = RC_Interface().getRecordList(calls, RC_CALL_CATEGORY_MISSED, RC_CALL_TYPE_VOICE) == 0;
+        RC_MissedCallList unread;
+        for (const RC_RecordInterface* call : calls) {
+            if (call->isRead())
+                continue;
+            RC_MissedCallItem item;
+            item.date = call->getStartDateTime().date();
+            item.first = call->getPhoneNumber();
+            unread.append(item);
+        }
+        return unread;
+    }
+
+    bool isAnswered() const { return m_isAnswered; }
+
+private:
+    bool m_isAnswered = false;
+};
+
+void show(const Engine& engine, Screen& screen)
+{
+    const RC_MissedCallList unread = RC_MissedCallInterface::instance()->getUnreadMissedCalls();
+    if (!engine.isAnswered())
+        screen.show(QStringLiteral("missed calls unknown: the recent-call service does not answer"));
+    else if (unread.isEmpty())
+        screen.show(QStringLiteral("no missed calls"));
+    else
+        screen.show(QStringLiteral("%1 missed, last %2").arg(unread.size()).arg(unread.first().first));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Screen screen;
+    const QCoreApplication application(argc, argv);
+    if (!RecentCall_MsgClient::instance()->isListening())
+        return EXIT_FAILURE; // standard error says why
+
+    Engine engine;
+    g_rcEngineStub = &engine;
+    QTimer redraw; // asks the service once for all changes that have come
+    redraw.setSingleShot(true);
+    QObject::connect(&redraw, &QTimer::timeout, &redraw, [&] { show(engine, screen); });
+    QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &redraw,
+                     qOverload<>(&QTimer::start));
+    show(engine, screen);
+    return QCoreApplication::exec();
+}

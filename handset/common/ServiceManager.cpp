@@ -1,0 +1,43 @@
+// What a program of the handset tells the service manager that started it.
+#include "handset/common/ServiceManager.h"
+
+#include "handset/common/Log.h"
+#include "platform/posix/UnixSocket_p.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr char kReady[] = "READY=1";
+/// Begins the name of a socket that has no file; in its address a NUL stands there.
+constexpr char kAbstractMark = '@';
+
+bool sendDatagram(QByteArray path, const QByteArray& text)
+{
+    using namespace zyn;
+    if (path.size() > posix::kUnixPathLimit) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    if (path.front() == kAbstractMark)
+        path.front() = '\0';
+    const posix::UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const posix::UnixAddress address = posix::unixAddress(path);
+    return ::sendto(fd.get(), text.constData(), size_t(text.size()), MSG_NOSIGNAL, address.get(), address.length)
+           == text.size();
+}
+
+} // namespace
+
+namespace zyn::handset {
+
+void tellServiceManagerReady()
+{
+    const QByteArray path = qgetenv("NOTIFY_SOCKET");
+    if (!path.isEmpty() && !sendDatagram(path, kReady))
+        log(QStringLiteral("the service manager at %1 does not hear: %2")
+                .arg(QString::fromLocal8Bit(path), QString::fromLocal8Bit(std::strerror(errno))));
+}
+
+} // namespace zyn::handset

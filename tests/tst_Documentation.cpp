@@ -1,0 +1,509 @@
+// The documents against the code that they describe.
+#include "platform/CommandFrame_p.h"
+#include "platform/CommandTimeout_p.h"
+#include "platform/HandsetState_p.h"
+#include "platform/qcop/ChannelFrame_p.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
+#include "recentcall/utility/SwitchFile_p.h"
+#include "support/Markdown.h"
+#include "support/SignalRecorder.h"
+#include "support/StdoutCapture.h"
+#include "tools/zynphone/RecordingLine.h"
+#include "utility/PHONE_AsyncMsgReceiver.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_CommandSocket_p.h"
+#include "utility/PHONE_EmergencyList_p.h"
+#include "utility/PHONE_MsgTable_p.h"
+#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallReceiver.h"
+#include "utility/PHONE_VoiceCallReply_p.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMap>
+#include <QtTest/QTest>
+
+#include <string_view>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kSource = QStringLiteral(ZYN_SOURCE_DIR "/");
+const QString kNothing = QStringLiteral("—");
+const QString kBackticked = QStringLiteral("`([^`\\n]+)`");
+
+QList<MarkdownTable> tablesIn(const QString& name)
+{
+    return tablesOf(readText(kSource + "docs/"_L1 + name));
+}
+
+/// All C++ text of the tree but the tests.
+const QString& sources()
+{
+    static const QString text = [] {
+        QString all;
+        for (const char* folder : {"examples", "handset", "platform", "recentcall", "tools", "utility"}) {
+            QDirIterator files(kSource + QLatin1String(folder), {u"*.h"_s, u"*.cpp"_s, u"*.c"_s}, QDir::Files,
+                               QDirIterator::Subdirectories);
+            while (files.hasNext())
+                all += readText(files.next());
+        }
+        return all;
+    }();
+    return text;
+}
+
+QStringList sorted(QStringList names)
+{
+    names.sort();
+    names.removeDuplicates();
+    return names;
+}
+
+QString difference(const QStringList& documented, const QStringList& actual)
+{
+    QStringList rows;
+    for (const QString& row : documented + actual) {
+        if (!actual.contains(row))
+            rows += u"a row of nothing: "_s + row;
+        if (!documented.contains(row))
+            rows += u"no row for: "_s + row;
+    }
+    return rows.isEmpty() && documented != actual ? u"another order"_s : rows.join(u'\n');
+}
+
+/// How long a record, file or frame is, and a row "offset | size | field" for each of its fields.
+struct Layout
+{
+    QString size;
+    QStringList rows;
+};
+
+/// The layout that the code asserts of the record @p name; of one that repeats from @p base on, as its places are
+/// called with @p index. The fields leave no byte out: each ends where the next begins.
+Layout layoutOf(const QString& name, int base = 0, const QString& index = {})
+{
+    const QString size = capturesOf(sources(), u"sizeof\\(%1\\) == (\\d+)"_s.arg(name)).value(0);
+    QMap<int, QString> fields{{size.toInt(), {}}};
+    const QRegularExpression asserted(u"offsetof\\(%1, (\\w+)\\) == (\\d+)"_s.arg(name));
+    for (const auto& match : asserted.globalMatch(sources()))
+        fields[match.captured(2).toInt()] = match.captured(1);
+    if (!fields.contains(0)) // the base of an activity record has no name there
+        fields[0] = u"PHONE_ENG_RecentCall"_s;
+    QStringList rows;
+    for (auto field = fields.cbegin(); std::next(field) != fields.cend(); ++field) {
+        const QString repeated = index.isEmpty() ? QString() : u" + %1 × %2"_s.arg(size, index);
+        const int end = std::next(field).key();
+        rows += u"%1%2 | %3 | %4"_s.arg(base + field.key()).arg(repeated).arg(end - field.key()).arg(field.value());
+    }
+    return {size, rows};
+}
+
+/// A store file whose header @p records follow.
+Layout storeFile(const QString& size, const QStringList& records)
+{
+    return {size, layoutOf(u"StoreFileHeader"_s).rows + records};
+}
+
+QString slotRow(const QString& record, const QString& index)
+{
+    return u"8 + %1 × %2 | %1 | %3"_s.arg(layoutOf(record).size, index, record);
+}
+
+Layout commandFrame()
+{
+    const auto header = zyn::CommandFrameHeader{0x11111111, 0x22222222}.encode();
+    const QByteArray bytes(reinterpret_cast<const char*>(header.data()), qsizetype(header.size()));
+    return {u"%1 + length"_s.arg(bytes.size()),
+            {u"%1 | %2 | code"_s.arg(bytes.indexOf('\x11')).arg(bytes.count('\x11')),
+             u"%1 | %2 | length"_s.arg(bytes.indexOf('\x22')).arg(bytes.count('\x22')),
+             u"%1 | length | data"_s.arg(bytes.size())}};
+}
+
+Layout channelFrame()
+{
+    QByteArray bytes;
+    zyn::ChannelFrame(QByteArray(0x11, 'n'), QByteArray(0x22, 'p')).appendTo(bytes);
+    const qsizetype name = bytes.indexOf('n');
+    return {u"%1 + N + P"_s.arg(bytes.size() - 0x11 - 0x22),
+            {u"%1 | 4 | N"_s.arg(bytes.indexOf(QByteArray("\x11\0\0\0", 4))),
+             u"%1 | 4 | P"_s.arg(bytes.indexOf(QByteArray("\x22\0\0\0", 4))), u"%1 | N | name"_s.arg(name),
+             u"%1 + N | P | payload"_s.arg(bytes.indexOf('p') - 0x11)}};
+}
+
+/// What the document calls by other names than the code.
+QMap<QString, Layout> filesAndFrames()
+{
+    const QString network = u"TAPI_NETWORK_PREFERED_ENTRY_S"_s;
+    const QString list = u"TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S"_s;
+    const Layout entries = layoutOf(network, offsetof(TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S, entries), u"i"_s);
+    const QString number = QString::number(sizeof(zyn::emergency::Record));
+    return {
+        {u"Record file"_s,
+         storeFile(QString::number(zyn::kRecordFileSize), {slotRow(u"PHONE_ENG_RecentCall"_s, u"i"_s)})},
+        {u"Details file"_s,
+         storeFile(QString::number(zyn::kTopPalsDetailsSize), layoutOf(u"TopPalNumberDetail"_s, 8, u"i"_s).rows)},
+        {u"Favourite's file"_s,
+         storeFile(u"8 + %1 × M"_s.arg(sizeof(PHONE_ENG_ActivityLog)), {slotRow(u"PHONE_ENG_ActivityLog"_s, u"p"_s)})},
+        {u"Calls looked at"_s, storeFile(u"8 + 8 × N"_s, layoutOf(u"SeenCalls::Mark"_s, 8, u"i"_s).rows)},
+        {u"Emergency list"_s, {number + u" × N"_s, {u"%1 × i | %1 | number"_s.arg(number)}}},
+        {u"Command frame"_s, commandFrame()},
+        {u"Channel frame"_s, channelFrame()},
+        {list, {layoutOf(list).size, layoutOf(list).rows.first(1) + entries.rows}},
+    };
+}
+
+/// The compiler's text for @p Value: a name when there is an enumerator, else "(Type)number".
+template<auto Value>
+constexpr std::string_view valueText()
+{
+    const std::string_view text(__PRETTY_FUNCTION__);
+    const size_t begin = text.find("Value = ") + 8;
+    return text.substr(begin, text.find_first_of(";]", begin) - begin);
+}
+
+/// "value | name" for each enumerator from 0 to 63.
+template<typename Enum>
+QStringList enumerators()
+{
+    QStringList rows;
+    const auto add = [&](int value, std::string_view text) {
+        const QString name = QString::fromLatin1(text.data(), qsizetype(text.size()));
+        if (!name.startsWith(u'('))
+            rows += u"%1 | %2"_s.arg(value).arg(name.section(u':', -1));
+    };
+    [&]<int... Values>(std::integer_sequence<int, Values...>)
+    {
+        (add(Values, valueText<static_cast<Enum>(Values)>()), ...);
+    }
+    (std::make_integer_sequence<int, 64>());
+    return rows;
+}
+
+// clang-format off
+QMap<QString, QStringList> enumerations()
+{
+    using namespace zyn;
+#define ENUMERATION(type) {QStringLiteral(#type), enumerators<type>()}
+    return {
+        ENUMERATION(RC_CALL_CATEGORY_T), ENUMERATION(RC_CALL_TYPE_T), ENUMERATION(recentcall::Command),
+        ENUMERATION(recentcall::Status), ENUMERATION(voicecall::Command), ENUMERATION(voicecall::ClientKind),
+        ENUMERATION(voicecall::Reply), ENUMERATION(DialMode), ENUMERATION(OTHER_COMPONENT_SHOW_UI),
+    };
+#undef ENUMERATION
+}
+
+QStringList constants()
+{
+    using namespace zyn;
+#define NUMBER(name) QStringLiteral(#name " | %1").arg(name)
+#define TEXT(name) QStringLiteral(#name " | ") + QLatin1String(name)
+    return {
+        u"StoreFileHeader::kMagic | 0x"_s + QString::number(StoreFileHeader::kMagic, 16).toUpper(),
+        NUMBER(StoreFileHeader::kVersion), NUMBER(kRecordSlots), NUMBER(ActivityLog_ENG_RecordStore::kFavourites),
+        NUMBER(kMaxContactSlots), TEXT(kTopPalsDetailsName), TEXT(kActivityLogLockName), TEXT(kSeenCallsName),
+        TEXT(kStagedInfix), TEXT(kFormerInfix), TEXT(emergency::kListFile), NUMBER(emergency::kRecordLimit),
+        NUMBER(kCommandDataLimit), NUMBER(kGreetingCommand), NUMBER(kCommandTimeout.count()),
+        TEXT(recentcall::kSocketPath), TEXT(voicecall::kSocketPath), NUMBER(kMessageLimit),
+        TEXT(kFixedDialSwitch), TEXT(kTopPalsSwitch), NUMBER(tool::kLongestRecordingLine),
+    };
+#undef NUMBER
+#undef TEXT
+}
+// clang-format on
+
+struct Message
+{
+    QString channel;
+    QString name;
+    QString type;
+    QString word; ///< of the phone channel alone
+    std::span<const zyn::Field> fields;
+};
+
+QList<Message> messages()
+{
+    const auto text = [](const char* name) { return name ? QString::fromLatin1(name) : kNothing; };
+    QList<Message> all;
+    for (const zyn::PhoneMessage& message : zyn::phoneMessages()) {
+        const QString name = u"PHONE_MSG_%1"_s.arg(message.type);
+        all += {text(zyn::kPhoneChannel), name, text(message.enumerator), text(message.name), message.fields};
+    }
+    for (const zyn::ChannelMessage& message : zyn::channelMessages())
+        all += {text(message.channel), text(message.name), text(message.enumerator), {}, message.fields};
+    return all;
+}
+
+QString payloadText(std::span<const zyn::Field> fields)
+{
+    static const QStringList kinds{u"int"_s,
+                                   u"byte"_s,
+                                   u"char"_s,
+                                   u"text"_s,
+                                   u"%1 bytes"_s,
+                                   u"AllStatus"_s,
+                                   u"TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S"_s};
+    QStringList texts;
+    for (const zyn::Field& field : fields) {
+        QString text = kinds.at(qsizetype(field.kind));
+        text.replace("%1"_L1, QString::number(field.size)) += u' ' + QLatin1String(field.name);
+        if (field.occurs == zyn::Occurrence::AsCounted)
+            text += u" × "_s + QLatin1String(fields.front().name);
+        else if (field.occurs == zyn::Occurrence::WhenSet)
+            text += " if "_L1 + QLatin1String(fields.front().name) + u" ≠ 0"_s;
+        texts += text;
+    }
+    return texts.isEmpty() ? kNothing : texts.join(u", "_s);
+}
+
+/// A payload of @p fields, numbers counting from @p number on, and how a signal shows what is in it.
+QByteArray samplePayload(std::span<const zyn::Field> fields, int number, QMap<QString, QString>& shown)
+{
+    zyn::PayloadWriter writer;
+    for (const zyn::Field& field : fields) {
+        const QString name = QLatin1String(field.name);
+        const QByteArray block(field.size ? field.size : 4096, 'A');
+        const bool isLeftOut =
+            field.occurs == zyn::Occurrence::WhenSet && shown.value(QLatin1String(fields.front().name)) == u'0';
+        shown[name] = QString::number(number);
+        if (field.kind == zyn::FieldKind::Int) {
+            writer.writeInt(number);
+        } else if (field.kind == zyn::FieldKind::Byte || field.kind == zyn::FieldKind::Char) {
+            writer.writeByte(static_cast<uint8_t>(number));
+            shown[name] = QString::number(static_cast<uint8_t>(number));
+        } else if (field.kind == zyn::FieldKind::Text) {
+            writer.writeText(name);
+            shown[name] = isLeftOut ? u"null"_s : u'"' + name + u'"';
+        } else {
+            writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(block.data()), size_t(block.size())));
+            shown[name] = QString::fromLatin1(block.first(16).toHex());
+        }
+        ++number;
+    }
+    return writer.payload();
+}
+
+/// "`signal`(a, b ≠ 0)" with the values in @p shown; empty for what is not one signal.
+QString evaluated(const QString& cell, const QMap<QString, QString>& shown)
+{
+    const auto call = QRegularExpression(u"^`(\\w+)`\\((.*)\\)$"_s).match(cell);
+    QStringList arguments = call.captured(2).split(u", "_s, Qt::SkipEmptyParts);
+    for (QString& argument : arguments) {
+        const QString value = shown.value(argument.section(u' ', 0, 0), argument);
+        if (argument.contains(u'=') || argument.contains(u'≠'))
+            argument = (value == argument.section(u' ', -1)) == argument.contains(u'=') ? u"true"_s : u"false"_s;
+        else if (argument.startsWith("low byte of "_L1))
+            argument = QString::number(shown.value(argument.section(u' ', -1)).toInt() & 0xFF);
+        else
+            argument = value;
+    }
+    return call.hasMatch() ? u"%1(%2)"_s.arg(call.captured(1), arguments.join(u',')) : QString();
+}
+
+/// What @p client makes of @p message against the cell "Emits", whose signals come together, in that order, or with a
+/// semicolon between them in turns.
+template<typename Client>
+QByteArray emissionProblem(Client& client, const Message& message, const QString& cell)
+{
+    SignalRecorder recorder(&client);
+    QStringList documented;
+    for (const QString& turn : cell.split(u';'))
+        documented += capturesOf(turn, kBackticked).join(u' ');
+    QStringList emitted;
+    for (const int number : {0, 1, 5, 0x105}) {
+        QMap<QString, QString> shown;
+        client.receive(message.name.toLatin1(), samplePayload(message.fields, number, shown));
+        const QString text = QString::fromUtf8(recorder.take());
+        const QString expected = evaluated(cell, shown);
+        if (!expected.isEmpty() && text != expected)
+            return text.toUtf8() + ", documented as " + expected.toUtf8();
+        emitted += capturesOf(text, u"(\\w+)\\("_s).join(u' ');
+    }
+    return difference(sorted(documented), sorted(emitted)).toUtf8();
+}
+
+QByteArray emissionProblem(const Message& message, const QString& cell)
+{
+    const StdoutCapture quiet;
+    PHONE_MsgClient phone;
+    PHONE_VoiceCallReceiver calls;
+    if (message.channel == QLatin1String(zyn::kPhoneChannel))
+        return emissionProblem(phone, message, cell);
+    if (message.channel == QLatin1String(zyn::kVoiceCallChannel))
+        return emissionProblem(calls, message, cell);
+    if (message.channel == QLatin1String(zyn::kRecentCallChannel))
+        return emissionProblem(*RecentCall_MsgClient::instance(), message, cell);
+    return cell == kNothing ? QByteArray() : "the library does not decode it";
+}
+
+} // namespace
+
+class tst_Documentation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void laysOutFilesAndFrames();
+    void numbersEnumerators();
+    void namesConstantsAndSettings();
+    void listsMessages();
+    void listsSignals();
+    void namesWhatThereIs_data();
+    void namesWhatThereIs();
+};
+
+void tst_Documentation::laysOutFilesAndFrames()
+{
+    const QMap<QString, Layout> others = filesAndFrames();
+    QSet<QString> documented;
+    for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
+        if (!table.has("Offset"))
+            continue;
+        const auto caption = QRegularExpression(u"^`?([^`]+)`?, (.+) bytes:$"_s).match(table.caption);
+        const QString name = caption.captured(1);
+        documented += name;
+        const Layout layout = others.contains(name) ? others[name] : layoutOf(name);
+        QStringList rows;
+        for (const QStringList& row : table.rows)
+            rows += table.text(row, {"Offset", "Size", "Field"});
+        QCOMPARE(difference(rows, layout.rows), QString());
+        QCOMPARE(caption.captured(2).remove(QRegularExpression(u"(?<=\\d) (?=\\d)"_s)), layout.size);
+    }
+    const QStringList inOthers{u"StoreFileHeader"_s, u"SeenCalls::Mark"_s, u"TopPalNumberDetail"_s,
+                               u"TAPI_NETWORK_PREFERED_ENTRY_S"_s};
+    const QString inMemory = u"RC_PttInfo_T"_s;
+    for (const QString& name : capturesOf(sources(), u"offsetof\\(([\\w:]+), \\w+\\) =="_s) + others.keys())
+        QVERIFY2(documented.contains(name) || inOthers.contains(name) || name == inMemory, qPrintable(name));
+}
+
+void tst_Documentation::numbersEnumerators()
+{
+    QMap<QString, QStringList> undocumented = enumerations();
+    for (const MarkdownTable& table : tablesIn(u"formats.md"_s) + tablesIn(u"messages.md"_s)) {
+        if (!table.has("Name"))
+            continue;
+        QStringList rows;
+        for (const QStringList& row : table.rows) {
+            rows += table.text(row, {table.has("Code") ? "Code" : "Value", "Name"});
+            const QString record = capturesOf(table.cell(row, "Data"), kBackticked).value(0);
+            if (!record.isEmpty())
+                QCOMPARE(table.cell(row, "Length"), layoutOf(record).size);
+        }
+        rows.removeDuplicates();
+        const QString name = capturesOf(table.caption, u"`([\\w:]+)`:$"_s).value(0);
+        QCOMPARE(difference(rows, undocumented.take(name)), QString());
+    }
+    QCOMPARE(undocumented.keys(), QStringList());
+}
+
+void tst_Documentation::namesConstantsAndSettings()
+{
+    QStringList documented;
+    QStringList states;
+    QStringList columns;
+    for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
+        for (const QStringList& row : table.rows) {
+            if (table.has("Constant"))
+                documented += table.text(row, {"Constant"}) + " | "_L1 + table.cell(row, "Value").remove(u' ');
+            if (table.has("Word") && table.has("Key"))
+                states += table.text(row, {"Key", "Word"});
+            if (table.heading.contains("CSV"_L1))
+                columns += capturesOf(table.cell(row, "Field"), kBackticked);
+            for (const QString& key : capturesOf(table.cell(row, "Group") + table.cell(row, "Key"), kBackticked))
+                QVERIFY2(key.toInt() > 0 || sources().contains(u'"' + key + u'"'), qPrintable(key));
+        }
+    }
+    QCOMPARE(difference(documented, constants()), QString());
+    const QStringList columnsInCode = capturesOf(sources(), u"\\{\"(\\w+)\",\\s(?:kEntry \\+ )?offsetof"_s);
+    QCOMPARE(difference(sorted(columns), sorted(columnsInCode)), QString());
+    QStringList actual;
+    for (const zyn::handset::State& state : zyn::handset::kStates)
+        actual += QLatin1String(state.key) + " | "_L1 + QLatin1String(state.name);
+    QCOMPARE(difference(states, actual), QString());
+}
+
+void tst_Documentation::listsMessages()
+{
+    QMap<QString, Message> known;
+    QStringList actual;
+    for (const Message& message : messages()) {
+        const QString key = message.channel + " | "_L1 + message.name;
+        known[key] = message;
+        actual += QStringList{key, message.type, message.word, payloadText(message.fields)}.join(u" | "_s);
+    }
+    QStringList documented;
+    for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
+        if (!table.has("Message"))
+            continue;
+        for (const QStringList& row : table.rows) {
+            documented += table.heading + " | "_L1 + table.text(row, {"Message", "Type", "Word", "Payload"});
+            const Message message = known.value(table.heading + " | "_L1 + table.text(row, {"Message"}));
+            const QByteArray problem = emissionProblem(message, table.cell(row, "Emits"));
+            QVERIFY2(problem.isEmpty(), (row.constFirst().toUtf8() + ": " + problem).constData());
+        }
+    }
+    QCOMPARE(difference(documented, actual), QString());
+}
+
+void tst_Documentation::listsSignals()
+{
+    const auto name = [](const QByteArray& signature) { return signature.first(signature.indexOf('(')); };
+    QSet<QByteArray> relayed;
+    for (const QByteArray& signature : signalsOf(PHONE_AsyncMsgReceiver::staticMetaObject))
+        relayed += name(signature);
+    QStringList actual;
+    for (const QByteArray& signature : signalsOf(PHONE_MsgClient::staticMetaObject))
+        actual += QString::fromLatin1(signature) + (relayed.contains(name(signature)) ? " | yes"_L1 : " | no"_L1);
+    QStringList documented;
+    for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
+        for (const QStringList& row : table.has("Relayed") ? table.rows : QList<QStringList>())
+            documented += table.text(row, {"Signal", "Relayed"});
+    }
+    QCOMPARE(difference(documented, actual), QString());
+}
+
+void tst_Documentation::namesWhatThereIs_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::newRow("README.md") << u"README.md"_s;
+    for (const QString& name : QDir(kSource + "docs"_L1).entryList({u"*.md"_s}))
+        QTest::newRow(qPrintable(name)) << "docs/"_L1 + name;
+}
+
+/// Links lead to files and headings; what backticks hold of paths in the tree and of functions is there.
+void tst_Documentation::namesWhatThereIs()
+{
+    QFETCH(const QString, document);
+    const QString text = readText(kSource + document);
+    QVERIFY(!text.isEmpty());
+    QStringList missing;
+    for (const QString& link : capturesOf(text, u"\\]\\(([^):]+)\\)"_s)) {
+        const QString path = link.section(u'#', 0, 0);
+        const QString folder = QFileInfo(kSource + document).path() + u'/';
+        const QString target = path.isEmpty() ? kSource + document : folder + path;
+        const QString heading = link.section(u'#', 1);
+        if (!QFileInfo::exists(target) || (!heading.isEmpty() && !anchorsOf(readText(target)).contains(heading)))
+            missing += link;
+    }
+    static const QRegularExpression path(
+        u"^(cmake|docs|examples|handset|platform|recentcall|scripts|tests|tools|utility)/[\\w./-]*$"_s);
+    static const QRegularExpression function(u"^[\\w:]+(\\(\\)|::\\w+)$"_s);
+    for (const QString& token : capturesOf(text, kBackticked)) {
+        if (path.match(token).hasMatch() && !QFileInfo::exists(kSource + token))
+            missing += token;
+        for (const QString& name : capturesOf(function.match(token).captured(), u"(\\w+)"_s)) {
+            if (!sources().contains(QRegularExpression(u"\\b%1\\b"_s.arg(name))))
+                missing += token;
+        }
+    }
+    QCOMPARE(missing, QStringList());
+}
+
+QTEST_GUILESS_MAIN(tst_Documentation)
+#include "tst_Documentation.moc"
