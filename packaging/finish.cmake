@@ -14,6 +14,10 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
         string(REPLACE "=" ";" text ${text})
         list(POP_FRONT text source)
         file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/${source} ${text})
+        if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/${package}/${source}) # what only this package has to say
+            file(READ ${CMAKE_CURRENT_LIST_DIR}/${package}/${source} more)
+            file(APPEND ${text} "${more}")
+        endif()
         file(CHMOD ${text} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     endforeach()
 
