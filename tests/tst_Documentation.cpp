@@ -471,7 +471,8 @@ void tst_Documentation::listsSignals()
 void tst_Documentation::namesWhatThereIs_data()
 {
     QTest::addColumn<QString>("document");
-    QTest::newRow("README.md") << u"README.md"_s;
+    for (const char* name : {"CHANGELOG.md", "CONTRIBUTING.md", "README.md"})
+        QTest::newRow(name) << QString::fromLatin1(name);
     for (const QString& name : QDir(kSource + "docs"_L1).entryList({u"*.md"_s}))
         QTest::newRow(qPrintable(name)) << "docs/"_L1 + name;
 }
