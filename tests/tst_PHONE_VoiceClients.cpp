@@ -98,7 +98,7 @@ void tst_PHONE_VoiceClients::takesWhatTheServerSends_data()
     QTest::addColumn<bool>("lost");
     QTest::addColumn<Codes>("replies");
 
-    const QByteArray largest(1024 * 1024, 'x');
+    const QByteArray largest(qsizetype{1024} * 1024, 'x');
     // clang-format off
     QTest::newRow("replies") << frame(2) + frame(3, "data") + frame(4) << End::ReadOn << false << Codes{2, 3, 4};
     QTest::newRow("codes 0 and 1, which are no replies") << frame(0) + frame(1, "data") + frame(5) << End::ReadOn

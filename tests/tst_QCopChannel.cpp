@@ -209,7 +209,7 @@ void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
     QCopChannel other("/zyn/TEST"), longName(QCString(300, 'c')), dots("..");
     QSignalSpy spy(&second, &QCopChannel::received), otherSpy(&other, &QCopChannel::received);
     QSignalSpy longSpy(&longName, &QCopChannel::received), dotSpy(&dots, &QCopChannel::received);
-    const QByteArray binary("\0\xff\0", 3), large(1024 * 1024, 'L');
+    const QByteArray binary("\0\xff\0", 3), large(qsizetype{1024} * 1024, 'L');
 
     QVERIFY(QCopChannel::send(kChannel, "empty"));
     QVERIFY(QCopChannel::send(kChannel, "binary \xe4 name", binary));
@@ -331,7 +331,7 @@ void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
         if (++sent == 100)
             ::kill(pid(*process), SIGSTOP);
     }
-    QVERIFY2(sent * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
+    QVERIFY2(qsizetype{sent} * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
     Inbox other;
     QVERIFY(!QCopChannel::send(kChannel, "n", QByteArray(8000, 'x'))); // too much waits for the first
     QTRY_COMPARE(other.names.size(), 1);
@@ -505,7 +505,7 @@ void tst_QCopChannel::closesAConnectionThatSendsGarbage()
             QCoreApplication::processEvents();
         }
         QCOMPARE(::write(hostile.get(), bytes.constData(), size_t(bytes.size())), bytes.size());
-        char none;
+        char none = 0;
         QTRY_COMPARE(::recv(hostile.get(), &none, 1, MSG_DONTWAIT), 0); // the end
         QVERIFY(QCopChannel::send(kChannel, "after"));
         QTRY_COMPARE(inbox.names, QList<QCString>({"one", "hi", "after"}));

@@ -17,7 +17,7 @@ struct LoadedInterface : QObject
 namespace {
 
 // The object's class is one of the library's own.
-[[gnu::no_sanitize("vptr")]] bool showsAndHides(LoadedInterface* screens)
+__attribute__((no_sanitize("vptr"))) bool showsAndHides(LoadedInterface* screens)
 {
     return screens->showPage(5) && screens->hide();
 }

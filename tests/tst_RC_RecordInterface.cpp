@@ -52,7 +52,7 @@ private Q_SLOTS:
 
 // The foreign class is another one than the object's, which is the point and which the sanitizer would object
 // to.
-[[gnu::no_sanitize("vptr", "undefined")]] void tst_RC_RecordInterface::keepsTheOrderOfItsVirtualOperations()
+__attribute__((no_sanitize("vptr", "undefined"))) void tst_RC_RecordInterface::keepsTheOrderOfItsVirtualOperations()
 {
     auto* record = new RC_RecordInterfaceImpl;
     record->setCallType(kPtt1);

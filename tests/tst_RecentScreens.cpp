@@ -102,8 +102,8 @@ private Q_SLOTS:
         QTest::addColumn<std::function<void()>>("ask");
         QTest::addColumn<QString>("shown");
 
-        const auto row = [](const char* name, std::function<void()> ask, const char* shown) {
-            QTest::newRow(name) << std::move(ask) << QString::fromUtf8(shown);
+        const auto row = [](const char* name, const std::function<void()>& ask, const char* shown) {
+            QTest::newRow(name) << ask << QString::fromUtf8(shown);
         };
         const auto list = [](int category) {
             return [category] { Message::requestShowUI(RC_CALL_CATEGORY_T(category)); };

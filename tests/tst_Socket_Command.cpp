@@ -67,7 +67,7 @@ bool send(const UniqueFd& socket, const QByteArray& bytes)
 QByteArray receive(const UniqueFd& socket, qsizetype limit)
 {
     QByteArray all;
-    std::byte byte;
+    std::byte byte{};
     while (all.size() < limit && zyn::posix::receiveAll(socket.get(), std::span(&byte, 1), Clock::now() + 10s))
         all += char(byte);
     return all;

@@ -88,7 +88,7 @@ private:
         }
         zyn::posix::sendAll(client.get(), std::as_bytes(std::span(m_answer.constData(), size_t(m_answer.size()))), {},
                             soon());
-        std::byte byte;
+        std::byte byte{};
         while (m_end == End::ReadOn && zyn::posix::receiveAll(client.get(), std::span(&byte, 1), soon()))
             m_received += static_cast<char>(byte);
     }

@@ -26,7 +26,7 @@ public:
 
     QByteArray take()
     {
-        const QByteArray all = m_signals.join(' ');
+        QByteArray all = m_signals.join(' ');
         m_signals.clear();
         return all;
     }
