@@ -235,8 +235,8 @@ void FavouritesTest::keepsTheNewestEntries()
     run("favourites log 556");
     const QByteArray other = m_store->read(u"556"_s);
     QByteArray damaged = m_store->read(u"555"_s);
-    damaged.replace(zyn::getTopPalsAvlFilePos(0), 4, "556", 4);
-    damaged.replace(zyn::getTopPalsAvlFilePos(1) + 232, 4, "\0\0\0", 4);
+    damaged.replace(qsizetype(zyn::getTopPalsAvlFilePos(0)), 4, "556", 4);
+    damaged.replace(qsizetype(zyn::getTopPalsAvlFilePos(1)) + 232, 4, "\0\0\0", 4);
     m_store->write(u"555"_s, damaged);
     QCOMPARE(run("favourites log 555 --at 2030-01-01T00:00:00Z"), u"logged in place 0\nexit 0"_s);
     QCOMPARE(run("favourites remove 555 1"), u"removed\nexit 0"_s);
@@ -392,8 +392,8 @@ void FavouritesTest::inspects()
     entry.topPalsAvlPos = 3;
     entry.topPalsAvlIndex = -2;
     const QByteArray bytes(reinterpret_cast<const char*>(&entry), sizeof entry);
-    damaged.replace(zyn::getTopPalsAvlFilePos(1), bytes.size(), bytes);
-    damaged[zyn::getTopPalsAvlFilePos(2)] = '5';
+    damaged.replace(qsizetype(zyn::getTopPalsAvlFilePos(1)), bytes.size(), bytes);
+    damaged[qsizetype(zyn::getTopPalsAvlFilePos(2))] = '5';
     m_store->write(u"555"_s, damaged + '5');
     QCOMPARE(inspected("555"),
              QStringLiteral("activities of a favourite, 2 in use, not sound\n"

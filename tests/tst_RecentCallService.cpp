@@ -114,7 +114,8 @@ private:
     void overwrite(RC_CALL_CATEGORY_T category, int slot, size_t field, int32_t value)
     {
         QByteArray bytes = m_files->read(category);
-        m_files->write(category, bytes.replace(zyn::recordOffset(slot) + qsizetype(field), 4, words({value})));
+        m_files->write(category,
+                       bytes.replace(qsizetype(zyn::recordOffset(slot)) + qsizetype(field), 4, words({value})));
     }
 
     /// The uids of the missed calls that are not read, in the order of their slots.

@@ -31,24 +31,24 @@ constexpr char kSecond[] = "5550002";
 void patch(const Store& store, const char* name, qint64 offset, const QByteArray& bytes)
 {
     QByteArray image = store.read(QLatin1String(name));
-    store.write(QLatin1String(name), image.replace(offset, bytes.size(), bytes));
+    store.write(QLatin1String(name), image.replace(qsizetype(offset), bytes.size(), bytes));
 }
 
 void resize(const Store& store, const char* name, qint64 size)
 {
-    store.write(QLatin1String(name), store.read(QLatin1String(name)).leftJustified(size, '\0', true));
+    store.write(QLatin1String(name), store.read(QLatin1String(name)).leftJustified(qsizetype(size), '\0', true));
 }
 
-qint64 inSlot(int slot, size_t offset)
+qsizetype inSlot(int slot, size_t offset)
 {
-    return zyn::recordOffset(slot) + static_cast<qint64>(offset);
+    return qsizetype(zyn::recordOffset(slot)) + qsizetype(offset);
 }
 
 /// Puts the calls of the first slots of a list behind its last one.
 void addSlots(const Store& store, const char* name, int count)
 {
     const QByteArray image = store.read(QLatin1String(name));
-    QByteArray more = image.sliced(zyn::recordOffset(0), zyn::recordOffset(count) - zyn::recordOffset(0));
+    QByteArray more = image.sliced(inSlot(0, 0), inSlot(count, 0) - inSlot(0, 0));
     store.write(QLatin1String(name), image + more);
     for (int slot = 0; slot < count; ++slot)
         patch(store, name, zyn::recordOffset(slot), zyn::bytesOf(Call()).toByteArray());
@@ -213,7 +213,7 @@ QList<int> ZynphoneStoreTest::records() const
         if (!isCalls && !name.startsWith(u"555"))
             continue;
         const qsizetype size = isCalls ? sizeof(Call) : sizeof(Entry);
-        for (qsizetype at = zyn::recordOffset(0); at + size <= image.size(); at += size) {
+        for (qsizetype at = inSlot(0, 0); at + size <= image.size(); at += size) {
             Call call;
             std::memcpy(static_cast<void*>(&call), image.constData() + at, sizeof call);
             if (call.inUse != 0)
@@ -315,17 +315,17 @@ void ZynphoneStoreTest::followsANewUid()
     patch(*m_store, "rc_m", inSlot(1, 0), QByteArray(kFirst, sizeof kFirst));
     patch(*m_store, "rc_m", inSlot(1, offsetof(Call, uid)), uidBytes);
     const QByteArray start = m_store->read(u"rc_m"_s).sliced(inSlot(1, offsetof(Call, startTime)), 4);
-    const qint64 entry = zyn::getTopPalsAvlFilePos(2);
-    patch(*m_store, kFirst, entry + qint64{offsetof(Call, uid)}, uidBytes);
-    patch(*m_store, kFirst, entry + qint64{offsetof(Call, startTime)}, start);
+    const auto entry = qsizetype(zyn::getTopPalsAvlFilePos(2));
+    patch(*m_store, kFirst, entry + qsizetype{offsetof(Call, uid)}, uidBytes);
+    patch(*m_store, kFirst, entry + qsizetype{offsetof(Call, startTime)}, start);
     const auto category = static_cast<char>(RC_CALL_CATEGORY_MISSED);
-    patch(*m_store, kFirst, entry + qint64{offsetof(Call, category)}, QByteArray(1, category));
+    patch(*m_store, kFirst, entry + qsizetype{offsetof(Call, category)}, QByteArray(1, category));
     const QByteArray seen = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray() + uidBytes + start;
     m_store->write(u"topPalsCalls"_s, seen);
     QVERIFY(inspect("--repair").endsWith(u"3 repairs, 0 problems left\nexit 0"_s));
     const QByteArray uid = m_store->read(u"rc_m"_s).sliced(inSlot(1, offsetof(Call, uid)), 4);
     QVERIFY(uid != uidBytes);
-    QCOMPARE(m_store->read(QLatin1String(kFirst)).sliced(entry + qint64{offsetof(Call, uid)}, 4), uid);
+    QCOMPARE(m_store->read(QLatin1String(kFirst)).sliced(entry + qsizetype{offsetof(Call, uid)}, 4), uid);
     QCOMPARE(m_store->read(u"topPalsCalls"_s), seen + uid + start);
 }
 

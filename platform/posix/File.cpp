@@ -97,7 +97,7 @@ bool sync(int fd)
     return retry([&] { return ::fsync(fd); }) == 0 || errno == EINVAL;
 }
 
-std::optional<QByteArray> readWhole(const QByteArray& path, qsizetype limit)
+std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit)
 {
     const UniqueFd fd = openForReading(path);
     struct stat status = {};

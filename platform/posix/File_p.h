@@ -42,7 +42,7 @@ bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
 bool sync(int fd);
 
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
-std::optional<QByteArray> readWhole(const QByteArray& path, qsizetype limit);
+std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit);
 
 /// Lets two files change their names with each other at once; where the file system cannot do that, @p first takes the
 /// place of @p second.

@@ -76,11 +76,14 @@ bool ChannelFrameReader::next(QCString& name, QByteArray& data)
         discardRead();
         return false;
     }
-    const auto nameSize = qFromLittleEndian<uint32_t>(rest.data());
-    const auto dataSize = qFromLittleEndian<uint32_t>(rest.data() + sizeof(uint32_t));
-    m_isBroken = !isMessageSize(nameSize, dataSize);
+    const auto nameLength = qFromLittleEndian<uint32_t>(rest.data());
+    const auto dataLength = qFromLittleEndian<uint32_t>(rest.data() + sizeof(uint32_t));
+    m_isBroken = !isMessageSize(nameLength, dataLength);
+    // A message's are far within a qsizetype of 32 bits too; others are not used.
+    const auto nameSize = static_cast<qsizetype>(nameLength);
+    const auto dataSize = static_cast<qsizetype>(dataLength);
     const QByteArrayView body = rest.sliced(ChannelFrame::kHeaderSize);
-    if (m_isBroken || body.size() < qsizetype{nameSize} + qsizetype{dataSize}) {
+    if (m_isBroken || body.size() < nameSize + dataSize) {
         discardRead();
         return false;
     }
@@ -90,7 +93,7 @@ bool ChannelFrameReader::next(QCString& name, QByteArray& data)
     }
     name = m_lastName;
     data = body.sliced(nameSize, dataSize).toByteArray();
-    m_offset += ChannelFrame::kHeaderSize + qsizetype{nameSize} + qsizetype{dataSize};
+    m_offset += ChannelFrame::kHeaderSize + nameSize + dataSize;
     return !m_isBroken;
 }
 

@@ -81,7 +81,8 @@ inline int contactRecordCount(QByteArrayView image)
 /// Whether the record in @p slot, 0 to contactRecordCount() - 1, of @p image is in use; looks at its one byte.
 inline bool isContactRecordInUse(QByteArrayView image, int slot)
 {
-    return image.at(getTopPalsAvlFilePos(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)}) != 0;
+    const qint64 offset = getTopPalsAvlFilePos(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)};
+    return image.at(static_cast<qsizetype>(offset)) != 0;
 }
 
 /// Makes @p record that in @p slot. Not by value: to copy a record prints.

@@ -46,7 +46,8 @@ inline PHONE_ENG_RecentCall recordAt(QByteArrayView image, int slot)
 /// Whether that record is in use; looks at its one byte.
 inline bool isRecordInUse(QByteArrayView image, int slot)
 {
-    return image.at(recordOffset(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)}) != 0;
+    const qint64 offset = recordOffset(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)};
+    return image.at(static_cast<qsizetype>(offset)) != 0;
 }
 
 /// The name of a list's file, with its leading slash; a category without a list of its own has a name that no file has.

@@ -106,7 +106,8 @@ RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& l
             if (seen.contains(call.uid)) {
                 const int32_t old = std::exchange(call.uid, uids.take());
                 log.add(file->first, kSlotWord, slot, u"uid %1, of another call too: now %2"_s.arg(old).arg(call.uid));
-                file->second.replace(recordOffset(slot), qsizetype{sizeof call}, bytesOf(call).toByteArray());
+                const auto offset = static_cast<qsizetype>(recordOffset(slot));
+                file->second.replace(offset, qsizetype{sizeof call}, bytesOf(call).toByteArray());
                 renumbered.push_back({old, call});
             }
             seen.insert(call.uid);

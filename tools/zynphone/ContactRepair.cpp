@@ -86,7 +86,8 @@ void renumberEntries(QByteArray& image, const QString& name, const RenumberedCal
             continue;
         entry.uid = made->call.uid;
         log.add(name, kSlotWord, slot, u"uid %1, as its call: now %2"_s.arg(made->oldUid).arg(entry.uid));
-        image.replace(getTopPalsAvlFilePos(slot), qsizetype{sizeof entry}, contactRecordBytes(entry).toByteArray());
+        const auto offset = static_cast<qsizetype>(getTopPalsAvlFilePos(slot));
+        image.replace(offset, qsizetype{sizeof entry}, contactRecordBytes(entry).toByteArray());
     }
 }
 

@@ -47,7 +47,10 @@ bool RecordingWriter::writeLine(const QByteArray& line)
     const qint64 size = m_file.size();
     const qint64 written = m_file.write(line);
     // Only when nothing more can be written the system says why.
-    if (written == line.size() || (written > 0 && m_file.write(line.mid(written)) == line.size() - written))
+    if (written == line.size())
+        return true;
+    const QByteArray rest = line.mid(static_cast<qsizetype>(written));
+    if (written > 0 && m_file.write(rest) == rest.size())
         return true;
     fail();
     m_file.resize(size);

@@ -1,0 +1,61 @@
+// Preloaded into the ARM programs under qemu-arm: what Qt asks of the kernel and qemu-arm does not pass on as it
+// should.
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sched.h>
+#include <stdarg.h>
+#include <stddef.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+typedef int Clone(int (*run)(void*), void* stack, int flags, void* argument, ...);
+typedef ssize_t Readlink(const char* path, char* buffer, size_t size);
+
+// QProcess starts programs by CLONE_PIDFD, which qemu-arm refuses, while it knows pidfd_open().
+int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
+{
+    va_list rest;
+    va_start(rest, argument);
+    int* const out = va_arg(rest, int*); // for the descriptor, or else for the number
+    void* const tls = va_arg(rest, void*);
+    void* const child = va_arg(rest, void*);
+    va_end(rest);
+
+    Clone* const next = (Clone*)dlsym(RTLD_NEXT, "clone");
+    if (!(flags & CLONE_PIDFD))
+        return next(run, stack, flags, argument, out, tls, child);
+    const int process = next(run, stack, flags & ~CLONE_PIDFD, argument, NULL, tls, child);
+    if (process > 0)
+        *out = (int)syscall(SYS_pidfd_open, process, 0);
+    return process;
+}
+
+// QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu-arm. The
+// program is the first argument that the kernel gives qemu-arm.
+ssize_t readlink(const char* path, char* buffer, size_t size)
+{
+    Readlink* const next = (Readlink*)dlsym(RTLD_NEXT, "readlink");
+    const ssize_t length = next(path, buffer, size);
+    int process = 0;
+    char end = 0;
+    if (length <= 0 || sscanf(path, "/proc/%d/ex%c", &process, &end) != 2
+        || !memmem(buffer, (size_t)length, "/qemu-arm", 9))
+        return length;
+
+    char name[64];
+    char line[4096] = {0};
+    snprintf(name, sizeof name, "/proc/%d/cmdline", process);
+    const int fd = open(name, O_RDONLY | O_CLOEXEC);
+    const ssize_t read_length = fd < 0 ? 0 : read(fd, line, sizeof line - 1);
+    if (fd >= 0)
+        close(fd);
+    const char* const program = line + strlen(line) + 1;
+    const size_t program_length = program < line + read_length ? strlen(program) : 0;
+    if (program_length == 0 || program_length > size)
+        return length;
+    memcpy(buffer, program, program_length);
+    return (ssize_t)program_length;
+}
