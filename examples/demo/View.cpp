@@ -70,7 +70,10 @@ bool View::conclude()
     const bool holds = m_held == m_checks;
     write(kPlain, QString());
     write(holds ? kBold : kRed, u"%1 of %2 checks held."_s.arg(m_held).arg(m_checks));
-    return holds;
+    if (std::ferror(stdout) == 0)
+        return holds;
+    std::fputs("zyn-day: cannot write to standard output\n", stderr);
+    return false;
 }
 
 void View::write(const Row& row, const QString& from, const QString& to, const QString& what)

@@ -9,7 +9,6 @@
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 #include <fcntl.h>
@@ -44,8 +43,8 @@ CommandLine::CommandLine(const QString& description, Output* output)
 {
     m_parser.setApplicationDescription(description);
     add(QCommandLineOption(kReadyFd,
-                           QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as "
-                                          "clients are served, and close it unless it is a standard stream."),
+                           QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as the "
+                                          "program is at work, and close it unless it is a standard stream."),
                            QStringLiteral("number")));
     add(QCommandLineOption(kTrace, m_output ? QStringLiteral("Show the library's trace text on standard error.")
                                             : QStringLiteral("Leave the library's trace text on standard output, which "
@@ -81,11 +80,10 @@ bool CommandLine::parse()
 
 void CommandLine::showAndEnd(const QString& text)
 {
-    if (m_output)
-        m_output->write(text);
-    else
-        std::fputs(text.toLocal8Bit().constData(), stdout);
-    std::exit(EXIT_SUCCESS);
+    std::optional<Output> own;
+    Output& output = m_output ? *m_output : own.emplace();
+    output.write(text);
+    std::exit(output.exitCode());
 }
 
 bool CommandLine::hasTimes() const

@@ -1,8 +1,11 @@
 // What a program shows, kept apart from what the library traces.
 #include "handset/common/Output.h"
 
+#include "handset/common/Log.h"
+
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -50,6 +53,14 @@ void Output::showTrace()
 QString Output::errorString() const
 {
     return descriptor() < 0 ? qt_error_string(EBADF) : m_output.errorString();
+}
+
+int Output::exitCode() const
+{
+    if (m_sound)
+        return EXIT_SUCCESS;
+    log(QStringLiteral("cannot write to standard output: ") + errorString());
+    return EXIT_FAILURE;
 }
 
 bool Output::isTerminal() const

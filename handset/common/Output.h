@@ -36,6 +36,9 @@ public:
     bool isSound() const { return m_sound; }
     /// Why it could not.
     QString errorString() const;
+    /// The exit code of a program that has done its work: failure, and told in the log, unless everything could be
+    /// written.
+    int exitCode() const;
 
 protected:
     /// Whether trace text may have come since this was last asked.

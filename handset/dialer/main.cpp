@@ -6,8 +6,6 @@
 
 #include <QtCore/QCoreApplication>
 
-#include <cstdlib>
-
 using namespace Qt::StringLiterals;
 namespace handset = zyn::handset;
 
@@ -39,12 +37,13 @@ int main(int argc, char** argv)
         const QByteArray keys = commandLine.value(kType).toLatin1();
         for (const char key : keys)
             dialer.press(key);
-        return EXIT_SUCCESS;
+        return output.exitCode();
     }
     const handset::KeyInput input;
     QObject::connect(&input, &handset::KeyInput::pressed, &program.application, [&](char key) { dialer.press(key); });
     QObject::connect(&input, &handset::KeyInput::ended, &program.application, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     commandLine.announce(u"standard input"_s);
-    return QCoreApplication::exec();
+    QCoreApplication::exec();
+    return output.exitCode();
 }

@@ -61,8 +61,8 @@ int main(int argc, char** argv)
     show();
     const handset::FavouriteCounters favouriteCounters(output);
     commandLine.announce(QString::fromUtf8(client.channel()));
-    const int code = QCoreApplication::exec();
+    QCoreApplication::exec();
     RC_MissedCallInterface::destruction();
     RecentCall_MsgClient::destruction();
-    return output.isSound() ? code : EXIT_FAILURE;
+    return output.exitCode();
 }

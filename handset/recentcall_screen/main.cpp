@@ -70,8 +70,8 @@ int main(int argc, char** argv)
     screen.obey(client);
     QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
     commandLine.announce(QString::fromUtf8(client.channel()));
-    const int code = QCoreApplication::exec();
+    QCoreApplication::exec();
     picker.close();
     RecentCall_MsgClient::destruction();
-    return output.isSound() ? code : EXIT_FAILURE;
+    return output.exitCode();
 }

@@ -7,6 +7,8 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <cstdlib>
+
 using namespace Qt::StringLiterals;
 namespace handset = zyn::handset;
 
@@ -22,9 +24,12 @@ int main(int argc, char** argv)
     if (!commandLine.parse())
         return handset::kUsageError;
 
-    handset::showStatus(*PHONE_AsyncMsgReceiver::instance(), output);
+    PHONE_AsyncMsgReceiver& relay = *PHONE_AsyncMsgReceiver::instance();
+    if (!relay.findChild<PHONE_MsgClient*>()->isListening())
+        return EXIT_FAILURE;
+    handset::showStatus(relay, output);
     commandLine.announce(QLatin1String(zyn::kPhoneChannel));
-    const int code = QCoreApplication::exec();
+    QCoreApplication::exec();
     PHONE_AsyncMsgReceiver::destruction();
-    return code;
+    return output.exitCode();
 }
