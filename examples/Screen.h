@@ -20,22 +20,26 @@ public:
     Screen()
         : m_file(::fdopen(::dup(STDOUT_FILENO), "w"))
     {
-        if (!m_file || !std::freopen("/dev/null", "w", stdout)) {
-            std::perror("screen");
-            std::exit(EXIT_FAILURE);
-        }
+        if (!m_file || !std::freopen("/dev/null", "w", stdout))
+            giveUp();
     }
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     ~Screen() { std::fclose(m_file); }
 
-    /// Shows @p line at once.
+    /// Shows @p line at once. The example ends where that cannot be.
     void show(const QString& line)
     {
-        std::fprintf(m_file, "%s\n", qUtf8Printable(line));
-        std::fflush(m_file);
+        if (std::fprintf(m_file, "%s\n", qUtf8Printable(line)) < 0 || std::fflush(m_file) != 0)
+            giveUp();
     }
 
 private:
+    [[noreturn]] static void giveUp()
+    {
+        std::perror("screen");
+        std::exit(EXIT_FAILURE);
+    }
+
     std::FILE* const m_file;
 };

@@ -56,14 +56,14 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
 
-    // Whether anybody has heard the request is not told: it shows in what the phone tells of its calls.
+    // Whether anybody has heard the request is not told: the phone tells of a call, which may be another's.
     const PHONE_MsgClient phone;
     QObject::connect(&phone, &PHONE_MsgClient::signalVoiceCallStatChanged, &application, &QCoreApplication::quit);
     QTimer::singleShot(kPatience, &application, [] { QCoreApplication::exit(EXIT_FAILURE); });
     PHONE_MakeVoiceCall(text.data(), QString(), false, kNoRestriction, kLine);
-    const int code = QCoreApplication::exec();
     const QString what = isEmergency ? QStringLiteral("the emergency call to ") : QStringLiteral("the call to ");
-    screen.show(what + number
-                + (code == 0 ? QStringLiteral(" is under way") : QStringLiteral(" is not taken: no phone")));
+    screen.show(what + number + QStringLiteral(" is asked for"));
+    const int code = QCoreApplication::exec();
+    screen.show(code == 0 ? QStringLiteral("the phone tells of a call") : QStringLiteral("no phone tells of a call"));
     return code;
 }

@@ -12,6 +12,7 @@ int main()
 {
     Screen screen;
     QString numbers[ActivityLog_ENG_RecordStore::kFavourites];
+    // It fails for a null pointer only: where no file tells of favourites, all places are free.
     ActivityLog_ENG_RecordStore::instance()->getCurrentTopPalsFileNames(numbers);
 
     int code = EXIT_SUCCESS;

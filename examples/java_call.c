@@ -18,7 +18,7 @@ struct phone
     void (*deinit)(int handle);
 };
 
-/* Looks up what a pointer to a function is to point at; dlsym() tells functions and data not apart, standard C does. */
+/* Finds what a function pointer is to point at; dlsym() does not tell functions and data apart; standard C does. */
 static int find(void* library, const char* name, void* function)
 {
     void* const symbol = dlsym(library, name);
@@ -74,6 +74,6 @@ int main(int argc, char** argv)
         fputs("The phone server does not take that.\n", stderr);
         return EXIT_FAILURE;
     }
-    puts("The call is over.");
-    return EXIT_SUCCESS;
+    puts("The end of the call is asked for.");
+    return fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

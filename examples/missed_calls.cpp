@@ -68,5 +68,7 @@ int main(int argc, char** argv)
     QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &redraw,
                      qOverload<>(&QTimer::start));
     show(engine, screen);
-    return QCoreApplication::exec();
+    const int code = QCoreApplication::exec();
+    g_rcEngineStub = nullptr; // the engine ends here
+    return code;
 }

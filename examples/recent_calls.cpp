@@ -21,5 +21,6 @@ int main()
         out << call->getStartDateTime().toString(Qt::ISODate) << "  " << call->getPhoneNumber()
             << (call->getCategory() == RC_CALL_CATEGORY_MISSED ? "  missed\n" : "\n");
     }
-    return EXIT_SUCCESS;
+    out.flush();
+    return out.status() == QTextStream::Ok ? EXIT_SUCCESS : EXIT_FAILURE;
 }
