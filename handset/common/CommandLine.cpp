@@ -7,6 +7,7 @@
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 
 #include <algorithm>
 #include <cstdlib>
@@ -128,7 +129,7 @@ std::chrono::milliseconds CommandLine::time(const QString& name) const
 
 void CommandLine::announce(const QString& path) const
 {
-    log(QStringLiteral("listening on %1").arg(path));
+    log(QStringLiteral("listening on %1").arg(QDir::cleanPath(path)));
     tellServiceManagerReady();
     if (m_readyFd < 0)
         return;

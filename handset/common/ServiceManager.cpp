@@ -2,14 +2,19 @@
 #include "handset/common/ServiceManager.h"
 
 #include "handset/common/Log.h"
+#include "platform/posix/Retry_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr char kReady[] = "READY=1";
+constexpr auto kPatience = 5s;
 /// Begins the name of a socket that has no file; in its address a NUL stands there.
 constexpr char kAbstractMark = '@';
 
@@ -22,9 +27,15 @@ bool sendDatagram(QByteArray path, const QByteArray& text)
     }
     if (path.front() == kAbstractMark)
         path.front() = '\0';
-    const posix::UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const posix::UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (!fd.isValid())
+        return false;
+    posix::limitSends(fd.get(), kPatience);
     const posix::UnixAddress address = posix::unixAddress(path);
-    return ::sendto(fd.get(), text.constData(), size_t(text.size()), MSG_NOSIGNAL, address.get(), address.length)
+    return posix::retry([&] {
+               return ::sendto(fd.get(), text.constData(), size_t(text.size()), MSG_NOSIGNAL, address.get(),
+                               address.length);
+           })
            == text.size();
 }
 

@@ -5,6 +5,7 @@
 #include "platform/posix/File_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 
 #include <cerrno>
@@ -73,7 +74,7 @@ bool ServiceSocket::listen()
 bool ServiceSocket::tell(bool isDone) const
 {
     if (!isDone)
-        log(QStringLiteral("cannot listen on %1: %2").arg(m_path, reason(errno)));
+        log(QStringLiteral("cannot listen on %1: %2").arg(QDir::cleanPath(m_path), reason(errno)));
     return isDone;
 }
 

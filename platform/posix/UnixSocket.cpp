@@ -54,13 +54,18 @@ UniqueFd unixSocket(int flags)
     return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
+void limitSends(int fd, milliseconds timeout)
+{
+    const timeval limit = toTimeval(timeout);
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+}
+
 UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
 {
     UniqueFd fd = unixSocket();
     if (!fd.isValid() || path.size() > kUnixPathLimit)
         return {};
-    const timeval limit = toTimeval(timeout);
-    ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    limitSends(fd.get(), timeout);
     const UnixAddress address = unixAddress(path);
     const auto deadline = Clock::now() + timeout;
     while (::connect(fd.get(), address.get(), address.length) != 0) {

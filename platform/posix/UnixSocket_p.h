@@ -37,6 +37,9 @@ UnixAddress unixAddress(const QByteArray& path);
 /// A new stream socket, closed on exec; @p flags may add SOCK_NONBLOCK.
 UniqueFd unixSocket(int flags = 0);
 
+/// Lets what is sent over the socket, and its connecting, wait for at most @p timeout.
+void limitSends(int fd, std::chrono::milliseconds timeout);
+
 /**
  * Connects to the stream socket at @p path.
  *
