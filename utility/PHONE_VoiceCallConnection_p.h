@@ -36,8 +36,11 @@ public:
     template<typename Client>
     VoiceCallConnection(int socket, Client* client, void (Client::*slot)(int))
         : m_socket(socket)
-        , m_notifier(required(new (std::nothrow) QSocketNotifier(socket, QSocketNotifier::Read), "QSocketNotifier"))
+        , m_notifier(required(new (std::nothrow) QSocketNotifier(QSocketNotifier::Read), "QSocketNotifier"))
     {
+        // Not by the constructor, which warns where the thread has no event loop: there is a program that only sends.
+        m_notifier->setSocket(socket);
+        m_notifier->setEnabled(true);
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, client, slot);
     }
     ~VoiceCallConnection();

@@ -10,7 +10,8 @@ extern "C" {
 // One connection in a process, used from one thread, whose event loop reads the server's replies. A
 // connection that is lost stays lost until PHONE_VoiceCall_Java_DeInit() and another
 // PHONE_VoiceCall_Java_Init(). The event loop, a request and the goodbye may each wait up to 5 seconds for a server
-// that stalls; one that sends what is no reply loses the connection.
+// that stalls; one that sends what is no reply loses the connection. A thread without Qt's event loop sends requests
+// all the same and gets no replies; a server that must leave a few hundred untaken may end the connection.
 
 /**
  * Connects to the phone server, which must run as this user or as root, and registers.
@@ -18,9 +19,8 @@ extern "C" {
  * A server that takes nothing for 5 seconds counts as gone.
  *
  * @param callback  called with the low 8 bits of each reply's code that is neither 0 nor 1; it may end the
- * connection
- * @return the handle for the other functions, which is 1; 0 when there is a connection already, lost or not,
- * when
+ *                  connection
+ * @return the handle for the other functions, which is 1; 0 when there is a connection already, lost or not, when
  *         @p callback is null, or on any failure
  */
 ZYN_EXPORT int PHONE_VoiceCall_Java_Init(void (*callback)(char));
@@ -28,7 +28,7 @@ ZYN_EXPORT int PHONE_VoiceCall_Java_Init(void (*callback)(char));
 /**
  * Asks the server for a call.
  *
- * @param handle  that of the connection; any other has none
+ * @param handle  as PHONE_VoiceCall_Java_Init() gave it; any other has no connection
  * @param number  Latin-1, 1 to 41 characters
  * @param value   passed on as it is
  * @return 0 when the request was sent; -1 when not, when the number does not fit, or without a connection

@@ -43,7 +43,8 @@ ZYN_EXPORT int PHONE_VOICESTK_MakeCall(PHONE_VoiceSTK* client, PHONE_VoiceSTK_PA
  *
  * It reads the server's replies in the event loop of the thread that made it. A connection that is lost stays
  * lost: what is asked of the client from then on fails. A reply whose rest does not follow within 5 seconds,
- * or that is no reply, loses the connection.
+ * or that is no reply, loses the connection. A thread without an event loop sends requests all the same and gets no
+ * replies; a server that must leave a few hundred untaken may end the connection.
  */
 class ZYN_EXPORT PHONE_VoiceSTK : public QObject
 {
