@@ -12,8 +12,8 @@
 /**
  * Hands calls over one after another.
  *
- * A call that the service does not take is tried again a few times within a second, while the event loop goes
- * on; one that it never takes is told in the log with all that is known of it.
+ * A call that the service does not take is tried again a few times within about three seconds, while the event loop
+ * goes on; one that it never takes is told in the log with all that is known of it.
  */
 class HandOver : public QObject
 {

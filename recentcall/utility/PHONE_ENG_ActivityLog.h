@@ -34,11 +34,11 @@ public:
     int32_t topPalsAvlIndex; ///< given by the store when the entry is added; -1 before
     int32_t topPalsAvlPos;   ///< place of the entry in its contact's file, from 0; -1 when it has none
     int32_t msgType;         ///< 0 for a call, anything else for a message
-    int32_t msgInfo;         ///< not interpreted
+    int32_t msgInfo;         ///< 0 in a new record; not interpreted
     char msgString[41];      ///< Latin-1, at most 40 characters and a NUL
     char reserved285[11];    ///< 0
-    uint8_t flagA;           ///< not interpreted
-    uint8_t flagB;           ///< not interpreted
+    uint8_t flagA;           ///< 0 in a new record; not interpreted
+    uint8_t flagB;           ///< 0 in a new record; not interpreted
     char padding298[2];      ///< 0
 
     /// An empty slot's record: a blank call, index and place -1.

@@ -36,10 +36,10 @@ public:
      * Fetches the calls of one call type from one list, or from all three, in the service's order: newest first.
      *
      * @param list      set to delete its items as soon as the service is there. On success its items are deleted and
-     * new RC_RecordInterfaceImpl take their place; on any other result its items stay.
+     *                  new RC_RecordInterfaceImpl take their place; on any other result its items stay.
      * @param category  a list, or RC_CALL_CATEGORY_ALL for all three
      * @param callType  which calls of it
-     * @return 0, or why there are none
+     * @return 0; 3 on any failure, 1 when the service says so
      */
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 

@@ -43,7 +43,7 @@ public:
     virtual bool getCompletedStatus() const = 0;
     /// Whether the user has seen the call.
     virtual bool isRead() const = 0;
-    /// The number by which the log knows the call; 0 in a record that the log has not stored.
+    /// The number by which the log knows the call once it has stored it; from 0 on.
     virtual int getUID() const = 0;
     /// The kind of the call.
     virtual RC_CALL_TYPE_T getCallType() const = 0;
@@ -115,6 +115,8 @@ public:
 
     /// Whether the record has the mark for strict read.
     virtual bool getIsStrictRead() const;
+    // Each of the three setters does nothing for a record that is no push-to-talk call: setCallType() comes first.
+
     /// Stores the party type of a push-to-talk call.
     virtual void setPttPartyType(RC_PTT_PARTY_TYPE_T type);
     /// -1 for a record that is no push-to-talk call.
@@ -125,7 +127,8 @@ public:
     virtual RC_PTT_ID_T getPttIDType() const;
     /// Stores the session of a push-to-talk call as UTF-8, at most 100 bytes; an empty one changes nothing.
     virtual void setPttSessionID(const QString& session);
-    /// A null text for a record that is no push-to-talk call.
+    /// The stored bytes read as Latin-1, so that only ASCII comes back as it was; a null text for a record that is no
+    /// push-to-talk call.
     virtual QString getPttSessionID() const;
 
     /// The owned record; it stays owned.

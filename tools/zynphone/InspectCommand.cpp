@@ -102,26 +102,27 @@ namespace zyn::tool {
 
 Command inspectCommand()
 {
-    return {.name = u"inspect"_s,
-            .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
-            .details =
-                u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
-                "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
-                "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
-                "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"
-                "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"
-                "\n--verify and --repair take the whole store directory. The objects of --json have the fields\n"
-                "directory, sound, and problems of --verify; copy, repairs and left of --repair: objects with\n"
-                "file, slot (null for a file as a whole) and problem or repair. --repair first saves a copy of the\n"
-                "directory beside it, and refuses while a service that writes to the store runs. Whatever does not\n"
-                "fit is told and stays in the copy. The exit code is %1 for what is no store directory.\n"_s.arg(
-                    int{NoStore}),
-            .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
-                                      "named by its number; or a copy of one"_s}},
-            .options = {jsonOption(),
-                        flagOption(u"verify"_s, u"check all files of the store directory FILE, also with each other"_s),
-                        flagOption(u"repair"_s, u"make all files of the store directory FILE sound"_s)},
-            .run = inspect};
+    return {
+        .name = u"inspect"_s,
+        .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
+        .details =
+            u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
+            "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
+            "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
+            "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"
+            "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"
+            "\n--verify and --repair take the whole store directory. The objects of --json have the fields\n"
+            "directory, sound, and problems of --verify; copy, repairs and left of --repair: objects with\n"
+            "file, slot (null for a file as a whole) and problem or repair. Before --repair changes anything it\n"
+            "saves a copy of the directory beside it; it refuses while a service that writes to the store runs.\n"
+            "Whatever does not fit is told and stays in the copy. The exit code is %1 for what is no store directory.\n"_s
+                .arg(int{NoStore}),
+        .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
+                                  "named by its number; or a copy of one"_s}},
+        .options = {jsonOption(),
+                    flagOption(u"verify"_s, u"check all files of the store directory FILE, also with each other"_s),
+                    flagOption(u"repair"_s, u"make all files of the store directory FILE sound"_s)},
+        .run = inspect};
 }
 
 } // namespace zyn::tool
