@@ -70,8 +70,13 @@ int main(int argc, char** argv)
     if (!day)
         return 2;
 
+    const QString recording = parser.value(recordOption);
+    if (recording.contains(u'"')) {
+        std::fputs("zyn-day: the name of a recording has no quotation mark\n", stderr);
+        return 2;
+    }
     if (parser.isSet(recordOption))
-        record(*day, parser.value(recordOption));
+        record(*day, recording);
 
     const QTemporaryDir directory;
     if (!directory.isValid()) {
