@@ -1,12 +1,13 @@
 // Preloaded into the ARM programs under qemu-arm: what Qt asks of the kernel and qemu-arm does not pass on as it
 // should.
-#define _GNU_SOURCE
+#define _GNU_SOURCE // NOLINT(bugprone-reserved-identifier): the C library's own switch for clone() and RTLD_NEXT
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sched.h>
 #include <stdarg.h>
 #include <stddef.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -33,27 +34,38 @@ int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
     return process;
 }
 
+// The process whose program the link is, such as /proc/12/exe; 0 when it is another link.
+static long process_of(const char* path)
+{
+    static const char folder[] = "/proc/";
+    if (strncmp(path, folder, strlen(folder)) != 0)
+        return 0;
+    char* rest = NULL;
+    const long process = strtol(path + strlen(folder), &rest, 10);
+    return process > 0 && strcmp(rest, "/exe") == 0 ? process : 0;
+}
+
 // QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu-arm. The
 // program is the first argument that the kernel gives qemu-arm.
 ssize_t readlink(const char* path, char* buffer, size_t size)
 {
     Readlink* const next = (Readlink*)dlsym(RTLD_NEXT, "readlink");
     const ssize_t length = next(path, buffer, size);
-    int process = 0;
-    char end = 0;
-    if (length <= 0 || sscanf(path, "/proc/%d/ex%c", &process, &end) != 2
-        || !memmem(buffer, (size_t)length, "/qemu-arm", 9))
+    const long process = length > 0 ? process_of(path) : 0;
+    if (process == 0 || !memmem(buffer, (size_t)length, "/qemu-arm", 9))
         return length;
 
     char name[64];
     char line[4096] = {0};
-    snprintf(name, sizeof name, "/proc/%d/cmdline", process);
+    snprintf(name, sizeof name, "/proc/%ld/cmdline", process);
     const int fd = open(name, O_RDONLY | O_CLOEXEC);
     const ssize_t read_length = fd < 0 ? 0 : read(fd, line, sizeof line - 1);
     if (fd >= 0)
         close(fd);
     const char* const program = line + strlen(line) + 1;
-    const size_t program_length = program < line + read_length ? strlen(program) : 0;
+    if (program >= line + read_length)
+        return length;
+    const size_t program_length = strnlen(program, (size_t)(line + read_length - program));
     if (program_length == 0 || program_length > size)
         return length;
     memcpy(buffer, program, program_length);
