@@ -57,6 +57,8 @@ public:
             ::kill(static_cast<pid_t>(process.processId()), signal);
     }
     void type(const char* keys) const { ::write(m_master.get(), keys, qstrlen(keys)); }
+    /// Takes no output from here on, as after Ctrl+S.
+    void stopOutput() const { ::tcflow(m_slave.get(), TCOOFF); }
     void hangUp() { m_slave.reset(), m_master.reset(); }
 
     /// The screen becomes blank: whoever draws on it is told.
@@ -99,7 +101,7 @@ public:
             }
             return -1;
         };
-        return QTest::qWaitFor([&] { return place() >= 0; }, role::kPatience / 4) ? place() : -1;
+        return QTest::qWaitFor([&] { return place() >= 0; }, role::kPatience) ? place() : -1;
     }
 
     QProcess process;
