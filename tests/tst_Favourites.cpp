@@ -191,7 +191,7 @@ void FavouritesTest::takesNothingTwiceAndLosesNothing()
     // While the service is down, changes are reported in vain.
     m_service->stop();
     reportCallChange();
-    QTest::qWait(300);
+    QVERIFY(m_owner->waitLogged("does not answer"));
     startService();
     // The service gives the uid of a deleted call again once it has been started anew.
     QCOMPARE(run("calls delete 3"), u"deleted\nexit 0"_s);

@@ -34,6 +34,13 @@ public:
         tell(signal);
         return finish();
     }
+    /// Waits until it has logged @p text, which log() gives nevertheless.
+    bool waitLogged(const QByteArray& text)
+    {
+        m_process.setReadChannel(QProcess::StandardError);
+        return QTest::qWaitFor([&] { return m_process.peek(m_process.bytesAvailable()).contains(text); },
+                               role::kPatience);
+    }
     /// Ends the service and gives what it has logged since it told that it listens.
     QByteArray log()
     {
