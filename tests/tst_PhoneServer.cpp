@@ -268,7 +268,7 @@ private Q_SLOTS:
 
     void dropsClientsThatKeepItWaiting()
     {
-        restart(QStringLiteral("--patience 100 --step 5"));
+        restart(QStringLiteral("--patience 2000 --step 5"));
         const UniqueFd registered = client(kRegisterJava);
         const UniqueFd silent = client({});
         const UniqueFd stalled = client(kRegisterJava + javaCall("0301").chopped(1));
