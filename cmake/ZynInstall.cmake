@@ -23,7 +23,9 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersi
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
     DESTINATION ${ZYN_INSTALL_CMAKEDIR} COMPONENT libzynphone-dev)
 
-# The same for pkg-config, and what to begin with.
+# The same for pkg-config, and what to begin with. A folder that is absolute has no prefix.
+cmake_path(APPEND pc_libdir "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
+cmake_path(APPEND pc_includedir "\${prefix}" "${ZYN_INSTALL_INCLUDEDIR}")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
     BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE prefix_from_pkgconfig)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/zynphone.pc.in ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc @ONLY)
