@@ -24,6 +24,15 @@ install_what_is_missing() {
     "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# Ends a script that takes no arguments when it gets some, with its own usage().
+take_no_arguments() {
+    case "${1:-}" in
+    '') ;;
+    --help | -h) usage; exit ;;
+    *) usage >&2; exit 2 ;;
+    esac
+}
+
 # Makes what the Debian packages are made with one of the needed packages.
 need_packaging() {
     zyn_packages+=(binutils dpkg-dev file)
