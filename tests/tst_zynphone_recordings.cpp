@@ -242,19 +242,17 @@ void ZynphoneRecordingsTest::keepsPauses()
     // Years lie behind what may not be waited for.
     const QByteArray last = milliseconds > 0 ? "2026-03-01T08:15:00.300Z" : "2999-03-01T08:15:00.000Z";
     write(kLine + "2026-03-01T08:15:00.250Z /a b 01\n" + last + " /a b 02\n");
-    QElapsedTimer sinceStart;
     QCopChannel listener("/a");
-    qint64 first = 0;
     QByteArray payloads;
-    connect(&listener, &QCopChannel::received, this, [&](const QCString& /*name*/, const QByteArray& payload) {
-        first = payloads.isEmpty() ? sinceStart.elapsed() : first;
-        payloads += payload;
-    });
+    connect(&listener, &QCopChannel::received, this,
+            [&payloads](const QCString& /*name*/, const QByteArray& payload) { payloads += payload; });
+    QElapsedTimer sinceStart;
     sinceStart.start();
 
     QCOMPARE(run({u"replay"_s, u"given"_s, u"--speed"_s, speed}), u"sent 3 messages\nexit 0"_s);
     QTRY_COMPARE(payloads, "\0\1\2"_ba);
-    QVERIFY(sinceStart.elapsed() - first >= milliseconds - 50);
+    // However slow the machine, it cannot be done before the pauses are over.
+    QVERIFY(sinceStart.elapsed() >= milliseconds);
 }
 
 void ZynphoneRecordingsTest::endsReplayWhenAsked()
