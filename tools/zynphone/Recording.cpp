@@ -15,14 +15,16 @@ namespace {
 
 using namespace zyn::tool;
 
-/// The next line of @p file without its end; nothing when there is none.
-std::optional<QByteArray> nextLine(QFile& file)
+/// The next line of @p file without its end; nothing when there is none. Every line goes through @p buffer: one of that
+/// size for each would cost more than all that is done with it.
+std::optional<QByteArray> nextLine(QFile& file, QByteArray& buffer)
 {
-    QByteArray line = file.readLine(kLongestRecordingLine + 2); // which leaves room for a NUL
+    const qint64 length = file.readLine(buffer.data(), buffer.size());
     if (file.error() != QFileDevice::NoError)
         throw failure(file.errorString());
-    if (line.isEmpty())
+    if (length <= 0)
         return std::nullopt;
+    QByteArray line = buffer.first(length);
     if (line.size() > kLongestRecordingLine)
         throw failure(u"the line is longer than %1 bytes"_s.arg(kLongestRecordingLine));
     // A line that is cut short may look whole: half of a payload is one too.
@@ -44,11 +46,12 @@ Recording::Recording(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw failure(u"cannot read %1: %2"_s.arg(path, file.errorString()));
+    QByteArray buffer(kLongestRecordingLine + 2, Qt::Uninitialized); // which leaves room for a NUL
     qint64 number = 1;
     try {
-        std::optional<QByteArray> line = nextLine(file);
+        std::optional<QByteArray> line = nextLine(file, buffer);
         checkRecordingHeader(line.value_or(QByteArray()));
-        while (++number, line = nextLine(file))
+        while (++number, line = nextLine(file, buffer))
             addLine(*line);
     } catch (const CommandError& error) {
         throw failure(u"%1:%2: %3"_s.arg(path, QString::number(number), error.message()));
