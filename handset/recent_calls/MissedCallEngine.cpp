@@ -3,6 +3,8 @@
 
 #include "handset/recent_calls/RecentCalls.h"
 
+#include <QtCore/QTimeZone>
+
 namespace {
 
 constexpr int kMillisecondsPerSecond = 1000;
@@ -38,8 +40,8 @@ RC_MissedCallItem MissedCallEngine::itemOf(const PHONE_ENG_RecentCall& call)
 
 QDateTime MissedCallEngine::start(const RC_MissedCallItem& item)
 {
-    return QDateTime(item.date, QTime::fromMSecsSinceStartOfDay(item.value * kMillisecondsPerSecond), Qt::UTC)
-        .toLocalTime();
+    const QTime time = QTime::fromMSecsSinceStartOfDay(item.value * kMillisecondsPerSecond);
+    return QDateTime(item.date, time, QTimeZone::utc()).toLocalTime();
 }
 
 } // namespace zyn::handset

@@ -88,8 +88,9 @@ ExitCode runInvocation(const Command& command, const QString& path, const Invoca
         checkArguments(command, call.arguments());
         return command.run(call, console);
     }
-    const Command& verb = findVerb(command, call.arguments());
-    return runCommand(verb, path + u' ' + verb.name, call.arguments().mid(1), console);
+    const QStringList given = call.arguments();
+    const Command& verb = findVerb(command, given);
+    return runCommand(verb, path + u' ' + verb.name, given.mid(1), console);
 }
 
 } // namespace

@@ -104,7 +104,7 @@ QJsonValue blockValue(const QByteArray& bytes)
 
 QJsonValue timeValue(const QByteArray& bytes)
 {
-    return QDateTime::fromSecsSinceEpoch(numberOfBytes(bytes), Qt::UTC).toString(Qt::ISODate);
+    return QDateTime::fromSecsSinceEpoch(numberOfBytes(bytes)).toUTC().toString(Qt::ISODate);
 }
 
 QByteArray timeBytes(const QString& text, const QString& name, qsizetype /*size*/)

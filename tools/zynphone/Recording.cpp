@@ -24,7 +24,7 @@ std::optional<QByteArray> nextLine(QFile& file, QByteArray& buffer)
         throw failure(file.errorString());
     if (length <= 0)
         return std::nullopt;
-    QByteArray line = buffer.first(length);
+    QByteArray line = buffer.first(static_cast<qsizetype>(length));
     if (line.size() > kLongestRecordingLine)
         throw failure(u"the line is longer than %1 bytes"_s.arg(kLongestRecordingLine));
     // A line that is cut short may look whole: half of a payload is one too.
@@ -51,8 +51,12 @@ Recording::Recording(const QString& path)
     try {
         std::optional<QByteArray> line = nextLine(file, buffer);
         checkRecordingHeader(line.value_or(QByteArray()));
-        while (++number, line = nextLine(file, buffer))
-            addLine(*line);
+        while (line) {
+            ++number;
+            line = nextLine(file, buffer);
+            if (line)
+                addLine(*line);
+        }
     } catch (const CommandError& error) {
         throw failure(u"%1:%2: %3"_s.arg(path, QString::number(number), error.message()));
     }

@@ -137,7 +137,8 @@ QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
     std::vector<const StoredField*> given;
     std::vector<NamedText> texts;
     for (auto member = object.begin(); member != object.end(); ++member) {
-        const StoredField& field = fieldNamed(schema, member.key());
+        const QString name = member.key();
+        const StoredField& field = fieldNamed(schema, name);
         requireKind(field, *member);
         given.push_back(&field);
         texts.emplace_back(&field, member->toVariant().toString());

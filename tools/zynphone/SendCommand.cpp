@@ -52,7 +52,7 @@ void writeTyped(PayloadWriter& writer, const QString& typed)
 {
     const qsizetype colon = typed.indexOf(u':');
     const QString name = typed.left(colon);
-    const Word<WriteValue>& type = wordNamed(kTypes, name, u"type"_s);
+    const Word<WriteValue> type = wordNamed(kTypes, name, u"type"_s);
     const bool takesValue = type.value != kNull.value;
     if (takesValue && colon < 0)
         throw usageError(u"missing value after '%1:'"_s.arg(name));

@@ -110,7 +110,8 @@ QByteArray statusPayload(const PhoneMessage& message, const Invocation& call)
 
 ExitCode sendStatus(const Invocation& call, Console& console)
 {
-    const PhoneMessage& message = statusNamed(call.argument(0));
+    const QString status = call.argument(0);
+    const PhoneMessage& message = statusNamed(status);
     const QCString name = messageName(kPhonePrefix, static_cast<unsigned>(message.type), kPhoneTypes);
     sendMessage(QLatin1String(kPhoneChannel), QLatin1String(name), statusPayload(message, call), console);
     return Done;

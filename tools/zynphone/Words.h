@@ -38,7 +38,7 @@ QStringList wordTexts(const Words& words)
 /// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of
 /// them.
 template<typename Words>
-const auto& wordNamed(const Words& words, const QString& text, const QString& what)
+auto wordNamed(const Words& words, const QString& text, const QString& what)
 {
     const auto found = std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
     if (found != words.end())
