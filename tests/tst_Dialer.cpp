@@ -1,5 +1,6 @@
 // The dialer, run as the process that it is: what becomes of each key, and of the call.
 #include "platform/HandsetState_p.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Role.h"
 #include "tests/support/StoreFixture.h"
 #include "utility/PHONE_EmergencyList_p.h"

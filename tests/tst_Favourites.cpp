@@ -6,6 +6,7 @@
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 #include "tests/support/ActivityLogFixture.h"
+#include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/StdoutCapture.h"
 #include "tests/support/Tool.h"

@@ -1,4 +1,5 @@
 // The relay of phone status.
+#include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 

@@ -1,4 +1,5 @@
 // Names and requests on the phone channel, and the payload encoding.
+#include "support/Patience.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_Payload_p.h"

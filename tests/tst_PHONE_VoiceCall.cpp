@@ -1,4 +1,5 @@
 // The requests that place and end calls: their bytes on the channels, their way back into signals, their symbols.
+#include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_ChannelMessages_p.h"

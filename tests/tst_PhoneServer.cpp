@@ -2,6 +2,7 @@
 #include "handset/phone_server/CallCourse.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
+#include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"

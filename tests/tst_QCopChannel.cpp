@@ -2,6 +2,7 @@
 #include "platform/QCopChannel.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "tests/support/Descriptors.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Role.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -292,7 +293,7 @@ void tst_QCopChannel::keepsEachSendersOrder()
             role::start(QStringLiteral("send"), {QString::fromLatin1(sender), QString::number(size), mode}));
     for (const auto& sender : senders)
         QVERIFY(role::waitReady(*sender)); // all is sent before anything is read
-    QTRY_COMPARE_WITH_TIMEOUT(inbox.names.size(), 3000, role::kPatience);
+    QTRY_COMPARE(inbox.names.size(), 3000);
     QVERIFY(inbox.isInOrder);
     for (const auto& sender : senders)
         QCOMPARE(role::finish(*sender), EXIT_SUCCESS);
@@ -340,8 +341,8 @@ void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
     qputenv("ZYN_QCOP_PATH", root());
 
     ::kill(pid(*process), SIGCONT);
-    QTRY_VERIFY_WITH_TIMEOUT(QCopChannel::send(kChannel, "end", QByteArray::number(sent)), role::kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QTRY_VERIFY(QCopChannel::send(kChannel, "end", QByteArray::number(sent)));
+    QTRY_COMPARE(process->state(), QProcess::NotRunning);
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
 }
 

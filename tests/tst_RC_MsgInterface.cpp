@@ -2,6 +2,7 @@
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
+#include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_Payload_p.h"
@@ -130,7 +131,7 @@ void tst_RC_MsgInterface::getsANumberFromAnotherProcess()
     const auto process = role::start(QStringLiteral("screens"));
     QVERIFY(role::waitReady(*process));
     screens->requestShowUI(RC_PAGE_ID_T{42});
-    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, role::kPatience);
+    QTRY_COMPARE(finished.size(), 1);
     QCOMPARE(finished[0], (QVariantList{true, QStringLiteral("42")}));
     QVERIFY(screens->hideUI());
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);

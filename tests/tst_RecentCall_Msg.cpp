@@ -1,5 +1,6 @@
 // Names and requests on the channel of the recent-call screens.
 #include "recentcall/utility/RecentCall_Msg.h"
+#include "support/Patience.h"
 #include "support/StdoutCapture.h"
 
 #include <QtTest/QSignalSpy>

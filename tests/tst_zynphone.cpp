@@ -1,4 +1,5 @@
 // The command-line tool, run as its users run it: exit codes and everything it writes.
+#include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StoreFixture.h"
 

@@ -1,5 +1,6 @@
 // The tool's monitor, status and send: what is sent is shown, by real processes.
 #include "support/MonitorProcess.h"
+#include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "support/Tool.h"
 #include "utility/PHONE_MsgTable_p.h"

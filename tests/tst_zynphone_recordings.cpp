@@ -1,6 +1,7 @@
 // The tool's recordings: made, sent again and drawn, by real processes.
 #include "platform/QCopChannel.h"
 #include "support/MonitorProcess.h"
+#include "support/Patience.h"
 #include "support/ScopedFileSizeLimit.h"
 
 #include <QtCore/QDir>
@@ -263,7 +264,7 @@ void ZynphoneRecordingsTest::endsReplayWhenAsked()
     connect(&listener, &QCopChannel::received, &replay,
             [&replay] { ::kill(static_cast<pid_t>(replay.processId()), SIGINT); });
     replay.start(QStringLiteral(ZYN_TOOL), {u"replay"_s, u"given"_s});
-    QTRY_COMPARE_WITH_TIMEOUT(replay.state(), QProcess::NotRunning, role::kPatience);
+    QTRY_COMPARE(replay.state(), QProcess::NotRunning);
     QCOMPARE(replay.exitCode(), 130);
     QCOMPARE(replay.readAllStandardError(), "zynphone: interrupted; sent are 1 of 2 messages\n");
     QVERIFY(run("replay given --speed -1").contains("'-1' is no number from 0.001 to 1000000, nor 0 or max"_L1));
