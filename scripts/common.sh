@@ -1,10 +1,17 @@
-# What the scripts share: where the tree is, and how what it needs gets installed. Sourced, not run.
+# What the scripts share: where the tree is, how what it needs gets installed, and how long what takes. Sourced, not run.
 # shellcheck shell=bash
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 zyn_packages=(cmake ninja-build g++ qt6-base-dev)
+
+# A compiler cache is used when there is one. What is compiled ahead it takes only when told that no source asks for its time.
+if command -v ccache >/dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+    export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
+fi
 
 # Installs whichever of the needed packages are missing.
 install_what_is_missing() {
@@ -20,9 +27,30 @@ install_what_is_missing() {
         as_root=(sudo "${as_root[@]}")
     fi
     echo "Installing ${missing[*]}"
-    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" apt-get update -qq || return
     "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
+
+# Runs a command, which is the step $1 of a script.
+timed() {
+    local name=$1 start=$SECONDS status=0
+    shift
+    "$@" || status=$?
+    zyn_steps+=("$name:$((SECONDS - start))")
+    return "$status"
+}
+
+# Every script says at its end how long its steps took, however it ends.
+zyn_steps=()
+tell_steps() {
+    local row
+    [ ${#zyn_steps[@]} -gt 0 ] || return 0
+    echo "Time taken:"
+    for row in "${zyn_steps[@]}" "all:$SECONDS"; do
+        printf '%6d s  %s\n' "${row##*:}" "${row%:*}"
+    done
+}
+trap tell_steps EXIT
 
 # Ends a script that takes no arguments when it gets some, with its own usage().
 take_no_arguments() {
@@ -40,8 +68,12 @@ need_packaging() {
 
 # Configures and builds the tree with the preset $1; says what went wrong only when something did.
 build_preset() {
+    configure_preset "$1" || return
     echo "Building ($1)"
+    cmake --build "build/$1" "${@:2}"
+}
+
+configure_preset() {
     mkdir -p build
     cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" >&2; return 1; }
-    cmake --build "build/$1" "${@:2}"
 }
