@@ -78,6 +78,8 @@ private Q_SLOTS:
 
     void keepsItsFilesByteForByte();
     void overwritesNothingWithoutHavingRead();
+    void knowsUsedSlotsOfAFileOfAnyLength_data();
+    void knowsUsedSlotsOfAFileOfAnyLength();
     void ordersAsASelectionSortDoes();
     void readsDamagedFilesWithinTheirBounds();
     void replacesDamagedFiles();
@@ -140,6 +142,46 @@ void tst_ActivityLog_ENG_RecordStore::overwritesNothingWithoutHavingRead()
     QCOMPARE(add(u"2"_s, 8), 3);
     QCOMPARE(add(u"1"_s, 9), 3);
     QCOMPARE(read(u"2"_s), u"1 8 7 2 0"_s);
+}
+
+void tst_ActivityLog_ENG_RecordStore::knowsUsedSlotsOfAFileOfAnyLength_data()
+{
+    QTest::addColumn<int>("length"); // of a file whose slots 0, 1, 3 and 4 of 5 are in use
+    QTest::addColumn<int>("slots");
+    QTest::addColumn<QList<int>>("added"); // in one process, which reads nothing
+    QTest::addColumn<int>("grown");        // in the same process, when the number of slots has grown
+    QTest::newRow("as many slots as ever") << 1508 << 5 << QList{2, -1} << 5;
+    QTest::newRow("more slots than before") << 1508 << 7 << QList{2, 5, 6, -1} << 7;
+    QTest::newRow("fewer slots, one of them free") << 1508 << 4 << QList{2, -1} << 5;
+    QTest::newRow("fewer slots, all in use") << 1508 << 2 << QList{-1} << 2;
+    QTest::newRow("no slots") << 1508 << 0 << QList{-1} << 2;
+    QTest::newRow("the most slots") << 1508 << 32'767 << QList{2, 5, 6} << 7;
+    QTest::newRow("a byte short of its last slot") << 1507 << 5 << QList{2, 4, -1} << 5;
+    QTest::newRow("a byte longer") << 1509 << 5 << QList{2, -1} << 5;
+    QTest::newRow("the in-use byte of a slot at its end") << 8 + 300 + 65 << 3 << QList{1, 2, -1} << 3;
+    QTest::newRow("one slot") << 308 << 3 << QList{1, 2, -1} << 3;
+    QTest::newRow("a header alone") << 8 << 2 << QList{0, 1, -1} << 2;
+    QTest::newRow("longer than any") << 9'830'108 + 301 << 6 << QList{2, 5, -1} << 6;
+}
+
+void tst_ActivityLog_ENG_RecordStore::knowsUsedSlotsOfAFileOfAnyLength()
+{
+    QFETCH(int, length);
+    QFETCH(int, slots);
+    QFETCH(QList<int>, added);
+    m_fixture->setSlots(u"5"_s);
+    revamp({}, u"1"_s);
+    for (int slot = 0; slot < 5; ++slot)
+        add(u"1"_s, slot);
+    PHONE_ENG_ActivityLog record = entry(u"1"_s, 0, 2);
+    log().removeTopPalsAvlItem(record);
+    m_fixture->write(u"1"_s, m_fixture->read(u"1"_s).leftJustified(length, '\0', true));
+    m_fixture->setSlots(QString::number(slots));
+    ActivityLog_ENG_RecordStore::destroy();
+    for (const int slot : added)
+        QCOMPARE(add(u"1"_s, 9), slot);
+    m_fixture->setSlots(u"32767"_s);
+    QTEST(add(u"1"_s, 9), "grown");
 }
 
 void tst_ActivityLog_ENG_RecordStore::ordersAsASelectionSortDoes()
@@ -218,8 +260,9 @@ void tst_ActivityLog_ENG_RecordStore::namesNoFileOfAnotherKind()
         return contents;
     };
     const QByteArrayList before = everything();
-    for (const QString& number : {u""_s, u"."_s, u".."_s, u"../phone/1"_s, u"a/"_s, u"topPalsDetails"_s, u"rc_a"_s,
-                                  u"rc_m"_s, u"rc_d"_s, u"rc_e"_s, u"topPalsLock"_s, u"1.new.1"_s, u"1\0"_s}) {
+    for (const QString& number :
+         {u""_s, u"."_s, u".."_s, u"../phone/1"_s, u"a/"_s, u"topPalsDetails"_s, u"rc_a"_s, u"rc_m"_s, u"rc_d"_s,
+          u"rc_e"_s, u"topPalsLock"_s, u"1.new.1"_s, u"1\0"_s}) {
         QCOMPARE(log().getStoreFileName(number).isNull(), number != kDetails);
         QCOMPARE(revamp({}, number), 0);
         QCOMPARE(read(number), u"0"_s);

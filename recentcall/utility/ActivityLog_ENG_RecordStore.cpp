@@ -134,10 +134,9 @@ ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
 {
     zyn::initTopPalNumberDetails(topPalNumberDetails);
     topPalsAvlFlags = {};
-    const int slots = zyn::contactSlots();
     for (int i = 0; i < kFavourites; ++i) {
         const QString number = zyn::numberOf(topPalNumberDetails.at(size_t(i)));
-        for (const int slot : zyn::usedSlots(number, slots))
+        for (const int slot : zyn::usedSlots(number))
             topPalsAvlFlags.mark(i, slot, true);
     }
 }

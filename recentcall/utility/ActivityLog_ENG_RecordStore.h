@@ -44,7 +44,7 @@ public:
     static constexpr int kFavourites = 5; ///< how many favourites there may be
 
     /// The store of the process. The first call makes it and the file of the favourites unless there is one; slots that
-    /// hold entries already are known to be used.
+    /// hold entries already are known to be used, also those of a file of another size.
     static ActivityLog_ENG_RecordStore* instance();
     /// Deletes the store; the index that the next entry will get is kept.
     static void destroy();

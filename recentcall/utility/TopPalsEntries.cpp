@@ -7,6 +7,7 @@
 #include "recentcall/utility/TopPalsSlots_p.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <cstdio>
@@ -82,15 +83,17 @@ void sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list, int slots)
     std::printf("TP5_AVL:RC Store: EXIT: sortOnTimeStamp()\n");
 }
 
-std::vector<int> usedSlots(const QString& number, int slots)
+std::vector<int> usedSlots(const QString& number)
 {
     std::vector<int> used;
-    const qint64 size = contactFileSize(slots);
-    const QString path = number.isEmpty() ? QString() : contactPath(number); // quietly
-    const auto image = posix::readWhole(QFile::encodeName(path), size);
-    if (!image || image->size() != size || !hasValidHeader(*image))
+    if (number.isEmpty()) // a free place, which is nothing to print a line about
         return used;
-    for (int slot = 0; slot < slots; ++slot) {
+    const QString path = contactPath(number);
+    const qint64 size = std::min(QFileInfo(path).size(), contactFileSize(kMaxContactSlots));
+    const auto image = readStoreFile(QFile::encodeName(path), size);
+    if (!image || !hasValidHeader(*image))
+        return used;
+    for (int slot = 0; slot < contactRecordCount(*image); ++slot) {
         if (isContactRecordInUse(*image, slot))
             used.push_back(slot);
     }

@@ -19,7 +19,8 @@ bool removeTopPalsAvlFileItem(int fd, int pos, int slots);
 /// Orders @p list newest first, as a selection sort does, and keeps as many records as a file has slots.
 void sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list, int slots);
 
-/// The slots that are in use in the file of @p number, if it is valid, by their place in it.
-std::vector<int> usedSlots(const QString& number, int slots);
+/// The slots that are in use in the file of @p number, by their place in it: of those that it holds whole, however many
+/// slots a file should have. None when its header is wrong.
+std::vector<int> usedSlots(const QString& number);
 
 } // namespace zyn
