@@ -80,6 +80,7 @@ private Q_SLOTS:
     void overwritesNothingWithoutHavingRead();
     void knowsUsedSlotsOfAFileOfAnyLength_data();
     void knowsUsedSlotsOfAFileOfAnyLength();
+    void findsAFreePlaceForNoNumber();
     void ordersAsASelectionSortDoes();
     void readsDamagedFilesWithinTheirBounds();
     void replacesDamagedFiles();
@@ -184,6 +185,31 @@ void tst_ActivityLog_ENG_RecordStore::knowsUsedSlotsOfAFileOfAnyLength()
     QTEST(add(u"1"_s, 9), "grown");
 }
 
+void tst_ActivityLog_ENG_RecordStore::findsAFreePlaceForNoNumber()
+{
+    const auto places = [] { return QList<int>{log().getTopPalFileItem(u""_s), log().getTopPalFileItem({})}; };
+    QCOMPARE(places(), (QList{0, 0}));
+    revamp({}, u"1"_s);
+    revamp({}, u"2"_s);
+    QCOMPARE(places(), (QList{2, 2}));
+    revamp(u"1"_s, {});
+    QCOMPARE(places(), (QList{0, 0}));
+    // Its slots are those of the place; a file it has none.
+    QCOMPARE(log().getAvailableTopPalsAvlPos({}), 0);
+    QVERIFY(log().setTopPalsAvlFlag({}, 0));
+    QCOMPARE(log().getAvailableTopPalsAvlPos({}), 1);
+    QVERIFY(log().clearTopPalsAvlFlag({}, 0));
+    PHONE_ENG_ActivityLog record = entry({});
+    QCOMPARE(log().addTopPalsAvlItem(record), 0);
+    QCOMPARE(record.topPalsAvlPos, 0);
+    QCOMPARE(log().removeTopPalsAvlItem(record), 0);
+    QCOMPARE(m_fixture->files(), u"2 topPalsDetails"_s);
+    for (const QString& number : {u"1"_s, u"3"_s, u"4"_s, u"5"_s})
+        revamp({}, number);
+    QCOMPARE(places(), (QList{-1, -1}));
+    QCOMPARE(log().getAvailableTopPalsAvlPos({}), -1);
+}
+
 void tst_ActivityLog_ENG_RecordStore::ordersAsASelectionSortDoes()
 {
     std::mt19937 random(5); // NOLINT: the same on every run
@@ -262,7 +288,7 @@ void tst_ActivityLog_ENG_RecordStore::namesNoFileOfAnotherKind()
     const QByteArrayList before = everything();
     for (const QString& number :
          {u""_s, u"."_s, u".."_s, u"../phone/1"_s, u"a/"_s, u"topPalsDetails"_s, u"rc_a"_s, u"rc_m"_s, u"rc_d"_s,
-          u"rc_e"_s, u"topPalsLock"_s, u"1.new.1"_s, u"1\0"_s}) {
+          u"rc_e"_s, u"topPalsLock"_s, u"1.new.1"_s, u"1.old.1"_s, u".old."_s, u"1\0"_s}) {
         QCOMPARE(log().getStoreFileName(number).isNull(), number != kDetails);
         QCOMPARE(revamp({}, number), 0);
         QCOMPARE(read(number), u"0"_s);

@@ -155,7 +155,7 @@ QStringList keys()
 
 bool isFavourite(const QString& key)
 {
-    return store().getTopPalFileItem(key) >= 0;
+    return !key.isEmpty() && store().getTopPalFileItem(key) >= 0;
 }
 
 bool readEntries(Entries& entries, const QString& key)

@@ -108,7 +108,7 @@ inline bool isForeignName(const QString& name)
                                       QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_DIALED) + 1),
                                       QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ALL) + 1)};
     return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(kStagedInfix))
-           || std::ranges::find(kNames, name) != kNames.end();
+           || name.contains(QLatin1String(kFormerInfix)) || std::ranges::find(kNames, name) != kNames.end();
 }
 
 /// Whether the file of a contact may have the name @p number.

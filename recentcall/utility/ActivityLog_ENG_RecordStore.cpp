@@ -247,7 +247,7 @@ bool ActivityLog_ENG_RecordStore::getCurrentTopPalsFileNames(QString* names)
 
 int8_t ActivityLog_ENG_RecordStore::getTopPalFileItem(const QString& number) const
 {
-    for (int8_t i = 0; !number.isEmpty() && i < kFavourites; ++i) {
+    for (int8_t i = 0; i < kFavourites; ++i) {
         if (zyn::numberOf(topPalNumberDetails.at(size_t(i))) == number)
             return i;
     }

@@ -95,7 +95,7 @@ public:
     /// Sets @p names, an array of 5, to the favourites' numbers, empty for a free place; false only when it is null.
     bool getCurrentTopPalsFileNames(QString* names);
 
-    /// The place, 0 to 4, of the favourite @p number, to the letter; -1 when it is none, or empty.
+    /// The first place, 0 to 4, that has @p number, to the letter; -1 when none does. A free place has an empty one.
     int8_t getTopPalFileItem(const QString& number) const;
     /// The lowest free place; -1 when all five are taken.
     int8_t getValidIndexForTopPalFiles() const;
