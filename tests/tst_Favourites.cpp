@@ -14,6 +14,8 @@
 
 #include <QtCore/QDir>
 
+#include <algorithm>
+#include <functional>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +66,35 @@ QList<int> entries(const char* key)
     return minutes;
 }
 
+/// The uids of a favourite's entries, the greatest first.
+QList<int> uids(const char* key)
+{
+    const StdoutCapture quiet;
+    ActivityLog_ENG_RecordStore::destroy();
+    QSortedList<PHONE_ENG_ActivityLog> list;
+    list.setAutoDelete(true);
+    ActivityLog_ENG_RecordStore::instance()->readTopPalsAvlContactRecordList(list, QLatin1String(key));
+    QList<int> found;
+    for (const PHONE_ENG_ActivityLog* entry : list)
+        found += entry->uid;
+    std::ranges::sort(found, std::greater());
+    return found;
+}
+
+/// What the messages of the favourite 555 say, in the order of the alphabet.
+QString messages()
+{
+    const StdoutCapture quiet;
+    QSortedList<PHONE_ENG_ActivityLog> list;
+    list.setAutoDelete(true);
+    ActivityLog_ENG_RecordStore::instance()->readTopPalsAvlContactRecordList(list, u"555"_s);
+    QStringList texts;
+    for (const PHONE_ENG_ActivityLog* entry : list)
+        texts += entry->getMsgString();
+    texts.sort();
+    return texts.join(u' ');
+}
+
 int unread(const char* number)
 {
     const StdoutCapture quiet;
@@ -85,6 +116,9 @@ private Q_SLOTS:
     void takesNothingTwiceAndLosesNothing();
     void takesNoCallFromBeforeAFavourite();
     void keepsTheNewestEntries();
+    void knowsWhatIsNewest_data();
+    void knowsWhatIsNewest();
+    void takesCallsForAWrongClocksEntries();
     void renewsAFileOfAnotherSize();
     void followsAnnouncements();
     void ignoresWhatIsNoAnnouncement();
@@ -244,6 +278,84 @@ void FavouritesTest::keepsTheNewestEntries()
     QCOMPARE(entries("555").size(), 1);
     QVERIFY(run("favourites show 555").contains(u"2030-01-01T00:00:00"_s));
     QCOMPARE(m_store->read(u"556"_s), other);
+}
+
+void FavouritesTest::knowsWhatIsNewest_data()
+{
+    QTest::addColumn<QStringList>("logged"); // when, and the text: by a process each
+    QTest::addColumn<QString>("kept");       // of 3
+    QTest::addColumn<QString>("left");       // of 2
+    const QString noon = u"2026-01-01T12:00:00Z "_s;
+    const QString future = u"2037-12-31T12:00:00Z "_s;
+    QTest::newRow("in order of time") << QStringList{u"2026-01-01T12:00:02Z a"_s, noon + u'b',
+                                                     u"2026-01-01T12:00:01Z c"_s, u"2026-01-01T12:00:03Z d"_s}
+                                      << u"a c d"_s << u"a d"_s;
+    QTest::newRow("all at the same time")
+        << QStringList{noon + u'a', noon + u'b', noon + u'c', noon + u'd'} << u"b c d"_s << u"c d"_s;
+    QTest::newRow("twice as many at the same time as there is room")
+        << QStringList{noon + u'a', noon + u'b', noon + u'c', noon + u'd', noon + u'e', noon + u'f', noon + u'g'}
+        << u"e f g"_s << u"f g"_s;
+    QTest::newRow("all from the future") << QStringList{future + u'a', future + u'b', future + u'c', future + u'd'}
+                                         << u"b c d"_s << u"c d"_s;
+    QTest::newRow("some from the future")
+        << QStringList{future + u'a', future + u'b', noon + u'c', noon + u'd'} << u"b c d"_s << u"c d"_s;
+    QTest::newRow("the last of them from the future")
+        << QStringList{noon + u'a', noon + u'b', future + u'c', noon + u'd', noon + u'e'} << u"b d e"_s << u"d e"_s;
+    QTest::newRow("at the end of time and before its beginning")
+        << QStringList{u"2038-01-19T03:14:07Z a"_s, u"1901-12-13T20:45:52Z b"_s, u"1969-12-31T23:59:59Z c"_s,
+                       u"1970-01-01T00:00:00Z d"_s}
+        << u"b c d"_s << u"c d"_s;
+}
+
+void FavouritesTest::knowsWhatIsNewest()
+{
+    QFETCH(QStringList, logged);
+    setSlots(3);
+    run("favourites replace '' 555");
+    const auto log = [](const QString& line) {
+        return run({u"favourites"_s, u"log"_s, u"555"_s, u"--at"_s, line.section(u' ', 0, 0), u"--message"_s,
+                    line.section(u' ', 1)});
+    };
+    for (const QString& line : logged)
+        QVERIFY(log(line).startsWith(u"logged in place "));
+    QTEST(messages(), "kept");
+    const QString file = m_store->path() + u"/favourites.csv"_s;
+    QVERIFY(run({u"favourites"_s, u"export"_s, file}).endsWith(u"exit 0"));
+    // A smaller file keeps the newest, and goes on in their order.
+    setSlots(2);
+    startOwner();
+    startService();
+    QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(2));
+    QTEST(messages(), "left");
+    m_owner->stop();
+    for (const char* next : {"x", "y"})
+        log(u"2026-01-01T12:00:09Z "_s + QLatin1String(next));
+    QCOMPARE(messages(), u"x y"_s);
+    // An import puts nothing older in their place.
+    QVERIFY(run({u"favourites"_s, u"import"_s, file}).endsWith(u"logged 0 entries of 1 favourite\nexit 0"));
+    QCOMPARE(messages(), u"x y"_s);
+}
+
+void FavouritesTest::takesCallsForAWrongClocksEntries()
+{
+    setSlots(2);
+    run("favourites replace '' 555");
+    for (const char* time : {"2037-01-01T00:00:00Z", "2037-01-02T00:00:00Z"})
+        run({u"favourites"_s, u"log"_s, u"555"_s, u"--at"_s, QLatin1String(time)});
+    startService();
+    startOwner();
+    QVERIFY(add("555", 1));
+    QTRY_COMPARE(entries("555").value(1), 1);
+    // Of calls that began in the same second, the last stay, whatever order they are found in.
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(add("555", 2));
+    QTRY_COMPARE(uids("555"), QList<int>({5, 4}));
+    QCOMPARE(entries("555"), QList<int>({2, 2}));
+    m_owner->stop();
+    QVERIFY(QFile::remove(path("topPalsCalls")));
+    startOwner();
+    QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 6 * 8);
+    QCOMPARE(uids("555"), QList<int>({5, 4}));
 }
 
 void FavouritesTest::renewsAFileOfAnotherSize()

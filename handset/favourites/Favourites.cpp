@@ -7,13 +7,17 @@
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/TopPalsSlots_p.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QFile>
 #include <QtCore/QSaveFile>
 
 #include <algorithm>
 #include <array>
+#include <compare>
+#include <limits>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -80,6 +84,42 @@ QString keepCopy(const QString& path)
     return QFile::copy(path, copy) ? copy : QString();
 }
 
+/// The order of @p one and @p other by age, at the time @p now, as far as what they have as calls tells it.
+std::strong_ordering compareAge(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other, qint64 now)
+{
+    const auto age = [now](const PHONE_ENG_RecentCall& call) {
+        return std::tuple(call.startTime <= now, call.startTime, call.uid);
+    };
+    return age(one) <=> age(other);
+}
+
+/// Puts @p entries in order, the oldest first, and removes the oldest of those that @p slots slots do not hold.
+void keepNewest(Entries& entries, int slots)
+{
+    std::ranges::stable_sort(
+        entries, [isOlder = AgeOrder()](const auto* one, const auto* other) { return isOlder(*one, *other); });
+    while (entries.count() > slots)
+        entries.removeFirst();
+}
+
+/// The entry of @p entries that goes first; null when there is none.
+const PHONE_ENG_ActivityLog* oldestOf(const Entries& entries)
+{
+    const auto oldest =
+        std::min_element(entries.begin(), entries.end(),
+                         [isOlder = AgeOrder()](const auto* one, const auto* other) { return isOlder(*one, *other); });
+    return oldest == entries.end() ? nullptr : *oldest;
+}
+
+/// The index behind the greatest of @p entries.
+int32_t nextIndex(const Entries& entries)
+{
+    int32_t next = 0;
+    for (const PHONE_ENG_ActivityLog* entry : entries)
+        next = std::max(next, std::min(entry->topPalsAvlIndex, std::numeric_limits<int32_t>::max() - 1) + 1);
+    return next;
+}
+
 /// A file of @p slots slots that holds @p entries, from the first slot on.
 QByteArray freshImage(const Entries& entries, int slots)
 {
@@ -92,22 +132,20 @@ QByteArray freshImage(const Entries& entries, int slots)
     return image + zyn::contactRecordBytes(blank).toByteArray().repeated(slots - entries.count());
 }
 
-/// The slot of a full file of @p key that can best be spared: one that holds no entry of @p key, or else the oldest
-/// entry's; -1 when there is none.
-int slotToSpare(const QString& key)
+/// The slot of a full file that can best be spared, when @p entries are those of its favourite: one that holds none of
+/// them, or else the oldest one's; -1 when there is none.
+int slotToSpare(const Entries& entries)
 {
-    Entries entries;
-    if (!readEntries(entries, key))
-        return -1;
     std::vector<bool> isTaken(static_cast<size_t>(zyn::contactSlots()));
-    for (const PHONE_ENG_ActivityLog* entry : std::as_const(entries)) {
+    for (const PHONE_ENG_ActivityLog* entry : entries) {
         if (zyn::isContactSlot(entry->topPalsAvlPos, static_cast<int>(isTaken.size())))
             isTaken[static_cast<size_t>(entry->topPalsAvlPos)] = true;
     }
     const auto other = std::ranges::find(isTaken, false);
     if (other != isTaken.end())
         return static_cast<int>(other - isTaken.begin());
-    return entries.isEmpty() ? -1 : entries.getLast()->topPalsAvlPos;
+    const PHONE_ENG_ActivityLog* const oldest = oldestOf(entries);
+    return oldest ? oldest->topPalsAvlPos : -1;
 }
 
 /// Why @p oldKey cannot make room for @p newKey; Done when it can.
@@ -170,6 +208,30 @@ bool readEntries(Entries& entries, const QString& key)
     return true;
 }
 
+AgeOrder::AgeOrder()
+    : m_now(QDateTime::currentSecsSinceEpoch())
+{}
+
+bool AgeOrder::operator()(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other) const
+{
+    return std::is_lt(compareAge(one, other, m_now));
+}
+
+bool AgeOrder::operator()(const PHONE_ENG_ActivityLog& one, const PHONE_ENG_ActivityLog& other) const
+{
+    const auto order = compareAge(one, other, m_now);
+    return std::is_lt(order)
+           || (std::is_eq(order)
+               && std::tie(one.topPalsAvlIndex, one.topPalsAvlPos)
+                      < std::tie(other.topPalsAvlIndex, other.topPalsAvlPos));
+}
+
+bool isTooOld(const PHONE_ENG_RecentCall& call, const Entries& entries)
+{
+    const PHONE_ENG_RecentCall* const oldest = oldestOf(entries);
+    return oldest && entries.count() >= zyn::contactSlots() && !AgeOrder()(*oldest, call);
+}
+
 Change replace(const QString& oldNumber, const QString& newNumber)
 {
     const QString oldKey = favouriteKey(oldNumber);
@@ -227,7 +289,7 @@ bool renew(const QString& key)
     entries.setAutoDelete(true);
     if (old)
         appendEntries(entries, *old, key, zyn::contactRecordCount(*old));
-    store().sortOnTimeStamp(entries); // and keeps the newest
+    keepNewest(entries, slots);
     const QByteArray image = freshImage(entries, slots);
     const bool isLosing = old && entries.count() < usedSlots(*old);
     const QString copy = isLosing ? keepCopy(path) : QString();
@@ -247,14 +309,25 @@ bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
     entry.inUse = 1;
     if (!isFavourite(key) || (!isSound(key) && !renew(key)))
         return false;
+    Entries others;
+    if (!readEntries(others, key))
+        return false;
+    const int32_t index = nextIndex(others);
     learnIndex(key);
-    if (store().addTopPalsAvlItem(entry) == 1)
+    if (store().addTopPalsAvlItem(entry) == 1) {
+        // The library begins with 0 in each process, and gives that again while no entry has a greater one.
+        if (entry.topPalsAvlIndex < index) {
+            entry.topPalsAvlIndex = index;
+            store().modifyTopPalsAvlItem(entry);
+        }
         return true;
+    }
     if (store().getAvailableTopPalsAvlPos(key) >= 0)
         return false;
     // The library has refused the entry for want of a slot, but has given it its index. One write puts it over another,
     // so that nothing is lost when that fails.
-    entry.topPalsAvlPos = slotToSpare(key);
+    entry.topPalsAvlIndex = std::max(entry.topPalsAvlIndex, index);
+    entry.topPalsAvlPos = slotToSpare(others);
     return store().modifyTopPalsAvlItem(entry) == 1;
 }
 

@@ -6,6 +6,7 @@
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QtGlobal>
 
 /**
  * What an owner of the activity log does to it.
@@ -30,6 +31,31 @@ bool isFavourite(const QString& key);
  * @return false when the file cannot be read whole
  */
 bool readEntries(Entries& entries, const QString& key);
+
+/**
+ * The order of calls and entries by age: whether the first is older than the second, and goes before it when there is
+ * no room for both.
+ *
+ * What a clock that was wrong once has dated into the future counts as older than all else: it would stay there for
+ * years, while nothing new is taken. Of the same second, the older is what came first: by uid and, of entries that have
+ * no other, by index and place.
+ *
+ * All that one object compares is compared with the same time.
+ */
+class AgeOrder
+{
+public:
+    AgeOrder();
+
+    bool operator()(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other) const;
+    bool operator()(const PHONE_ENG_ActivityLog& one, const PHONE_ENG_ActivityLog& other) const;
+
+private:
+    qint64 m_now;
+};
+
+/// Whether @p call would only take the place of a newer one of @p entries, which then fill a file.
+bool isTooOld(const PHONE_ENG_RecentCall& call, const Entries& entries);
 
 /// What came of a replacement.
 enum class Change {

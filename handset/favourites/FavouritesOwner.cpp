@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
-#include <utility>
 
 using namespace std::chrono_literals;
 using zyn::favourites::Change;
@@ -69,13 +68,6 @@ void followReading(PHONE_ENG_ActivityLog& entry, const PHONE_ENG_RecentCall& cal
     entry.readFlags = flags;
     if (ActivityLog_ENG_RecordStore::instance()->modifyTopPalsAvlItem(entry) == 1)
         log(QStringLiteral("the call %1 of %2 has been read").arg(call.uid).arg(entry.getPhoneNumber()));
-}
-
-/// Whether @p entries fill a file, all of them later than @p call.
-bool isTooOld(const Entries& entries, const PHONE_ENG_RecentCall& call)
-{
-    return !entries.isEmpty() && call.startTime < entries.getLast()->startTime
-           && entries.count() >= zyn::contactSlots();
 }
 
 } // namespace
@@ -210,13 +202,11 @@ FavouritesOwner::Calls FavouritesOwner::takeCallsOf(const QString& key, const Ca
         // An entry may be there though the call counts as new: then this process ended between the two.
         if (PHONE_ENG_ActivityLog* entry = entryOf(entries, call))
             followReading(*entry, call);
-        else if (!m_seen.contains(call) && call.startTime >= start && !isTooOld(entries, call))
+        else if (!m_seen.contains(call) && call.startTime >= start && !zyn::favourites::isTooOld(call, entries))
             fresh.push_back(call);
     }
     // Each takes the place of an older one where the file is full.
-    std::ranges::sort(fresh, [](const PHONE_ENG_RecentCall& left, const PHONE_ENG_RecentCall& right) {
-        return std::pair(left.startTime, left.uid) < std::pair(right.startTime, right.uid);
-    });
+    std::ranges::sort(fresh, zyn::favourites::AgeOrder());
     Calls lost;
     for (const PHONE_ENG_RecentCall& call : fresh) {
         if (!takeCall(key, call))

@@ -49,7 +49,7 @@ bool ContactRepair::isNewer(const QByteArray& record, const QByteArray& other) c
     Entry otherEntry;
     read(entry, record);
     read(otherEntry, other);
-    return entry.startTime > otherEntry.startTime;
+    return m_isOlder(otherEntry, entry);
 }
 
 void ContactRepair::correct(QByteArray& record, int from, int to)

@@ -1,6 +1,7 @@
 // Makes a sound file of a favourite's calls and messages out of a damaged one.
 #pragma once
 
+#include "handset/favourites/Favourites.h"
 #include "tools/zynphone/CallsRepair.h"
 #include "tools/zynphone/SlotRepair.h"
 
@@ -18,6 +19,9 @@ protected:
     bool isLikely(const QByteArray& record, int slot) const override;
     bool isNewer(const QByteArray& record, const QByteArray& other) const override;
     void correct(QByteArray& record, int from, int to) override;
+
+private:
+    const favourites::AgeOrder m_isOlder;
 };
 
 /// Gives the entries that were made of @p calls, in the sound @p image of the file @p name, the uids of these.

@@ -114,20 +114,13 @@ public:
     }
 
 private:
-    /// Whether @p entry would only take the place of a newer one.
-    static bool isTooOld(const Entry& entry, const QString& key)
-    {
-        favourites::Entries entries;
-        favourites::readEntries(entries, key);
-        const auto count = entries.count();
-        return count > 0 && count >= zyn::contactSlots() && entries.at(count - 1)->startTime >= entry.startTime;
-    }
-
     void log(const QByteArray& record)
     {
         Entry entry;
         readEntry(entry, record);
-        if (entry.inUse == 0 || !m_keys.contains(keyOf(record)) || isTooOld(entry, keyOf(record)))
+        favourites::Entries entries;
+        favourites::readEntries(entries, keyOf(record));
+        if (entry.inUse == 0 || !m_keys.contains(keyOf(record)) || favourites::isTooOld(entry, entries))
             return;
         if (!favourites::addEntry(entry, keyOf(record)))
             throw failure(u"the file of %1 cannot be written; %2"_s.arg(keyOf(record), state()));
