@@ -186,9 +186,8 @@ void FavouritesOwner::noteService(bool isServed)
 /// Those that are to be tried again.
 FavouritesOwner::Calls FavouritesOwner::takeCallsOf(const QString& key, const Calls& calls)
 {
-    if (zyn::contactSlots() == 0)
-        return {};
-    if (!zyn::favourites::isSound(key))
+    const bool hasSlots = zyn::contactSlots() > 0;
+    if (hasSlots && !zyn::favourites::isSound(key))
         log((zyn::favourites::renew(key) ? QStringLiteral("the file of %1 is made anew")
                                          : QStringLiteral("the file of %1 cannot be made"))
                 .arg(zyn::handset::printable(key)));
@@ -205,6 +204,8 @@ FavouritesOwner::Calls FavouritesOwner::takeCallsOf(const QString& key, const Ca
         else if (!m_seen.contains(call) && call.startTime >= start && !zyn::favourites::isTooOld(call, entries))
             fresh.push_back(call);
     }
+    if (!hasSlots)
+        return fresh; // they wait until there are some
     // Each takes the place of an older one where the file is full.
     std::ranges::sort(fresh, zyn::favourites::AgeOrder());
     Calls lost;
