@@ -119,6 +119,7 @@ private Q_SLOTS:
     void knowsWhatIsNewest_data();
     void knowsWhatIsNewest();
     void takesCallsForAWrongClocksEntries();
+    void tellsWhatOfAFavouriteCouldNotBeMade();
     void renewsAFileOfAnotherSize();
     void followsAnnouncements();
     void ignoresWhatIsNoAnnouncement();
@@ -356,6 +357,23 @@ void FavouritesTest::takesCallsForAWrongClocksEntries()
     startOwner();
     QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 6 * 8);
     QCOMPARE(uids("555"), QList<int>({5, 4}));
+}
+
+void FavouritesTest::tellsWhatOfAFavouriteCouldNotBeMade()
+{
+    QVERIFY(QDir().mkdir(path("555")) && QDir().mkdir(path("556")));
+    const QString halfMade = u"555 is a favourite now, but its file cannot be made"_s;
+    QCOMPARE(run("favourites replace '' 555"), u"zynphone: "_s + halfMade + u"\nexit 1"_s);
+    QVERIFY(run("favourites list").contains(u"\n0      555     -  "));
+    QVERIFY(QDir().rmdir(path("555")));
+    QCOMPARE(run("favourites log 555"), u"logged in place 0\nexit 0"_s);
+    startService();
+    startOwner();
+    announce(announcement(u"555"_s, u"556"_s));
+    announce(announcement({}, u"7"_s));
+    QTRY_COMPARE(entries("7"), QList<int>());
+    QVERIFY(m_owner->log().startsWith(
+        "zyn-favourites: 556 is a favourite now, in place of 555, but its file cannot be made\n"));
 }
 
 void FavouritesTest::renewsAFileOfAnotherSize()

@@ -242,8 +242,10 @@ Change replace(const QString& oldNumber, const QString& newNumber)
         removeLeftover(newKey);
     store().revampTopPalsAvlStorage(oldKey, newKey);
     reload();
-    const bool isDone = newKey.isEmpty() ? !isFavourite(oldKey) : isFavourite(newKey) && isSound(newKey);
-    return isDone ? Change::Done : Change::Refused;
+    const bool isDone = newKey.isEmpty() ? !isFavourite(oldKey) : isFavourite(newKey);
+    if (!isDone)
+        return Change::Refused;
+    return newKey.isEmpty() || isSound(newKey) ? Change::Done : Change::WithoutFile;
 }
 
 QString describe(Change change, const QString& oldNumber, const QString& newNumber)
@@ -256,6 +258,8 @@ QString describe(Change change, const QString& oldNumber, const QString& newNumb
             return QStringLiteral("%1 is no favourite any more").arg(oldKey);
         return oldKey.isEmpty() ? QStringLiteral("%1 is a favourite now").arg(newKey)
                                 : QStringLiteral("%1 is a favourite now, in place of %2").arg(newKey, oldKey);
+    case Change::WithoutFile:
+        return describe(Change::Done, oldNumber, newNumber) + QStringLiteral(", but its file cannot be made");
     case Change::Same:
         return QStringLiteral("%1 stays a favourite").arg(newKey);
     case Change::NoFavourite:

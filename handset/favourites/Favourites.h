@@ -60,6 +60,7 @@ bool isTooOld(const PHONE_ENG_RecentCall& call, const Entries& entries);
 /// What came of a replacement.
 enum class Change {
     Done,
+    WithoutFile,      ///< done, but the new number's file cannot be made; it will be when an entry is added
     Same,             ///< both numbers are those of one favourite, which stays as it is
     NoFavourite,      ///< the old number is none
     AlreadyFavourite, ///< the new number is one
@@ -68,8 +69,8 @@ enum class Change {
 };
 
 /**
- * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done changes nothing,
- * unless a file could not be written.
+ * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done and WithoutFile
+ * changes nothing, unless a file could not be written.
  *
  * A file that a favourite of the new number has left goes, and so do the entries of the old one.
  */

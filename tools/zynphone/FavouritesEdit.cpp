@@ -83,7 +83,7 @@ ExitCode removeEntry(const Invocation& call, Console& console)
     readInto(entries, key);
     const auto found = std::ranges::find(entries, place, &Entry::topPalsAvlPos);
     if (found == entries.end())
-        throw failure(u"%1 has no entry in place %2"_s.arg(key).arg(place));
+        throw failure(u"%1 has no entry in place %2"_s.arg(key, QString::number(place)));
     if (ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(**found) != 1)
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
     console.write(u"removed\n"_s);
