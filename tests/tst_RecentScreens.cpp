@@ -273,6 +273,19 @@ private Q_SLOTS:
         QCOMPARE(run("recents pick --timeout 1"), u"zynphone: the screens did not answer\nexit 1"_s);
     }
 
+    void asksAServiceAgainThatDidNotAnswer()
+    {
+        add(kMissed, "111");
+        Screen idle(ZYN_IDLE);
+        QCOMPARE(idle.shownAtStart, u"missed 1 unread, last 111 at 2026-10-25 02:30:00\n"_s);
+        m_service.tell(SIGSTOP);
+        Message::send(Message::RECENTCALL_MSG_MISSEDCALL_UPDATE_S);
+        QCOMPARE(idle.nextLine(), u"missed unknown: the recent-call service does not answer"_s);
+        // It goes on where it was, and announces nothing.
+        m_service.tell(SIGCONT);
+        QCOMPARE(idle.nextLine(), u"missed 1 unread, last 111 at 2026-10-25 02:30:00"_s);
+    }
+
     void marksNothingThatCouldNotBeShown()
     {
         add(kMissed, "111");

@@ -30,7 +30,7 @@ constexpr auto kSoon = 100ms;
 /// By then a call whose end was reported is in the log, also where the service had to be tried several times.
 constexpr auto kLater = 1500ms;
 
-/// Between the looks while the service does not answer; each is twice as long as the one before.
+/// Between the looks while the service does not answer.
 constexpr auto kFirstRetry = 5s;
 constexpr auto kSlowestRetry = 60s;
 
@@ -74,15 +74,14 @@ void followReading(PHONE_ENG_ActivityLog& entry, const PHONE_ENG_RecentCall& cal
 
 FavouritesOwner::FavouritesOwner()
     : m_announcements(zyn::kActivityLogChannel)
-    , m_retryDelay(kFirstRetry)
+    , m_retry(kFirstRetry, kSlowestRetry, [this] { takeCalls(); })
     , m_seen(seenCallsPath())
 {
     m_soon.setSingleShot(true);
     m_soon.setInterval(kSoon);
     m_later.setSingleShot(true);
     m_later.setInterval(kLater);
-    m_retry.setSingleShot(true);
-    for (const QTimer* timer : {&m_soon, &m_later, &m_retry})
+    for (const QTimer* timer : {&m_soon, &m_later})
         connect(timer, &QTimer::timeout, this, &FavouritesOwner::takeCalls);
     connect(&m_announcements, &QCopChannel::received, this, &FavouritesOwner::receive);
     connect(&m_phone, &PHONE_MsgClient::signalVoiceCallStatChanged, this, &FavouritesOwner::look);
@@ -172,15 +171,11 @@ void FavouritesOwner::noteService(bool isServed)
         log(isServed ? QStringLiteral("the recent-call service answers again")
                      : QStringLiteral("the recent-call service does not answer: its calls are taken later"));
     m_isServed = isServed;
-    if (isServed) {
-        m_retry.stop();
-        m_retryDelay = kFirstRetry;
+    m_retry.note(isServed);
+    if (isServed)
         return;
-    }
     m_soon.stop();
     m_later.stop();
-    m_retry.start(m_retryDelay);
-    m_retryDelay = std::min<std::chrono::milliseconds>(2 * m_retryDelay, kSlowestRetry);
 }
 
 /// Those that are to be tried again.

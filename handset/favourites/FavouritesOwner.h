@@ -1,6 +1,7 @@
 // The owner of the favourites: registers them as it is told, and logs their calls.
 #pragma once
 
+#include "handset/common/Retry.h"
 #include "handset/favourites/SeenCalls.h"
 #include "platform/QCopChannel.h"
 #include "utility/PHONE_MsgClient.h"
@@ -9,7 +10,6 @@
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
-#include <chrono>
 #include <vector>
 
 /**
@@ -55,8 +55,7 @@ private:
     PHONE_MsgClient m_phone;
     QTimer m_soon;
     QTimer m_later;
-    QTimer m_retry;
-    std::chrono::milliseconds m_retryDelay;
+    zyn::handset::Retry m_retry;
     SeenCalls m_seen;
     bool m_isServed = true;               ///< whether the recent-call service answered the last time
     QHash<QString, qint64> m_blindStarts; ///< when the favourites came that came since it does not answer

@@ -1,5 +1,6 @@
 // zyn-idle: plays the idle screen's counters in a terminal.
 #include "handset/common/CommandLine.h"
+#include "handset/common/Retry.h"
 #include "handset/common/TerminalProgram.h"
 #include "handset/common/Text.h"
 #include "handset/idle_screen/FavouriteCounters.h"
@@ -9,13 +10,19 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <chrono>
 #include <cstdlib>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 namespace handset = zyn::handset;
 
 namespace {
+
+/// Between the questions to a service that does not answer: one that hung announces nothing when it goes on.
+constexpr auto kFirstRetry = 1s;
+constexpr auto kSlowestRetry = 15s;
 
 QString counterText(const handset::MissedCallEngine& engine, const RC_MissedCallList& unread)
 {
@@ -28,6 +35,34 @@ QString counterText(const handset::MissedCallEngine& engine, const RC_MissedCall
     return u"missed %1 unread, last %2 at %3\n"_s.arg(QString::number(unread.size()), number,
                                                       engine.start(last).toString(u"yyyy-MM-dd HH:mm:ss"));
 }
+
+/// Shows how many missed calls are unread, at first and whenever that has changed.
+class MissedCallCounter
+{
+public:
+    explicit MissedCallCounter(handset::Output& output)
+        : m_output(output)
+    {
+        QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
+                         &handset::Coalescing::trigger);
+        show();
+    }
+
+private:
+    void show()
+    {
+        const QString text = counterText(m_engine, RC_MissedCallInterface::instance()->getUnreadMissedCalls());
+        if (std::exchange(m_shown, text) != text)
+            m_output.write(text);
+        m_retry.note(m_engine.isAnswered());
+    }
+
+    handset::Output& m_output;
+    handset::MissedCallEngine m_engine;
+    QString m_shown;
+    handset::Coalescing m_update{[this] { show(); }};
+    handset::Retry m_retry{kFirstRetry, kSlowestRetry, [this] { show(); }};
+};
 
 } // namespace
 
@@ -47,18 +82,8 @@ int main(int argc, char** argv)
     const RecentCall_MsgClient& client = *RecentCall_MsgClient::instance();
     if (!client.isListening())
         return EXIT_FAILURE;
-    handset::MissedCallEngine engine;
-    RC_MissedCallInterface& missedCalls = *RC_MissedCallInterface::instance();
-    QString shown;
-    const auto show = [&] {
-        const QString text = counterText(engine, missedCalls.getUnreadMissedCalls());
-        if (std::exchange(shown, text) != text)
-            output.write(text);
-    };
-    handset::Coalescing update(show);
-    QObject::connect(&missedCalls, &RC_MissedCallInterface::dataUpdate, &update, &handset::Coalescing::trigger);
+    const MissedCallCounter missedCallCounter(output);
     QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
-    show();
     const handset::FavouriteCounters favouriteCounters(output);
     commandLine.announce(QString::fromUtf8(client.channel()));
     QCoreApplication::exec();
