@@ -8,8 +8,12 @@
 #include "tests/support/StoreFixture.h"
 #include "tests/support/Tool.h"
 
+#include <QtCore/QDir>
+
 #include <functional>
 #include <limits>
+
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -284,6 +288,70 @@ private Q_SLOTS:
         // It goes on where it was, and announces nothing.
         m_service.tell(SIGCONT);
         QCOMPARE(idle.nextLine(), u"missed 1 unread, last 111 at 2026-10-25 02:30:00"_s);
+    }
+
+    void tellsWhichFavouritesCannotBeRead_data()
+    {
+        using Change = std::function<void(const StoreFixture& files, qint64 idle)>;
+        QTest::addColumn<Change>("harm");
+        QTest::addColumn<Change>("mend");
+        QTest::addColumn<QString>("told");
+        static const QString one = u"favourite %1%L2 unknown: its file cannot be read"_s;
+        static const QString all = u"favourites unknown: topPalsDetails is damaged or cannot be read"_s;
+        static const QString name = u"%1%L2"_s;
+        static QByteArray kept;
+        const auto overwrite = [](const QString& file, const QByteArray& contents) {
+            return [=](const StoreFixture& files, qint64) {
+                kept = files.read(file);
+                files.write(file, contents);
+            };
+        };
+        const auto restore = [](const QString& file) {
+            return [=](const StoreFixture& files, qint64) { files.write(file, kept); };
+        };
+        const auto limitDescriptors = [](qint64 process, bool isLimited) {
+            rlimit limits = {};
+            ::prlimit(static_cast<pid_t>(process), RLIMIT_NOFILE, nullptr, &limits);
+            const QDir open(u"/proc/%1/fd"_s.arg(process));
+            for (limits.rlim_cur = 0; isLimited && open.exists(QString::number(limits.rlim_cur));)
+                ++limits.rlim_cur;
+            if (!isLimited)
+                limits.rlim_cur = limits.rlim_max;
+            ::prlimit(static_cast<pid_t>(process), RLIMIT_NOFILE, &limits, nullptr);
+        };
+        QTest::newRow("a directory in the place of one's file") << Change([](const StoreFixture& files, qint64) {
+            QVERIFY(QFile::rename(files.file(name), files.file(u"away"_s)));
+            QVERIFY(QDir().mkdir(files.file(name)));
+        }) << Change([](const StoreFixture& files, qint64) {
+            QVERIFY(QDir().rmdir(files.file(name)));
+            QVERIFY(QFile::rename(files.file(u"away"_s), files.file(name)));
+        }) << one;
+        QTest::newRow("one's file ends early") << Change(overwrite(name, "short")) << Change(restore(name)) << one;
+        QTest::newRow("the file that names them is damaged")
+            << Change(overwrite(u"topPalsDetails"_s, "x")) << Change(restore(u"topPalsDetails"_s)) << all;
+        QTest::newRow("no more files may be opened")
+            << Change([=](const StoreFixture& files, qint64 idle) {
+                   limitDescriptors(idle, true);
+                   files.write(name, files.read(name));
+               })
+            // What could be read all the time changes in no way.
+            << Change([=](const StoreFixture&, qint64 idle) { limitDescriptors(idle, false); }) << all;
+    }
+    void tellsWhichFavouritesCannotBeRead()
+    {
+        using Change = std::function<void(const StoreFixture& files, qint64 idle)>;
+        QFETCH(Change, harm);
+        QFETCH(Change, mend);
+        QFETCH(QString, told);
+        const QString counters = u"favourite %1%L2: 1 missed, 0 messages unread"_s;
+        QCOMPARE(run("favourites replace '' %251%25L2"), u"%1%L2 is a favourite now\nexit 0"_s);
+        QCOMPARE(run("favourites log %251%25L2"), u"logged in place 0\nexit 0"_s);
+        Screen idle(ZYN_IDLE);
+        QCOMPARE(idle.shownAtStart, u"missed 0 unread\n"_s + counters + u'\n');
+        harm(*m_files, idle.processId());
+        QCOMPARE(idle.nextLine(), told);
+        mend(*m_files, idle.processId());
+        QCOMPARE(idle.nextLine(), counters);
     }
 
     void marksNothingThatCouldNotBeShown()

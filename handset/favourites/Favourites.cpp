@@ -5,6 +5,7 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
 #include "recentcall/utility/TopPalsSlots_p.h"
 
 #include <QtCore/QDateTime>
@@ -189,6 +190,14 @@ QStringList keys()
     std::array<QString, Store::kFavourites> names;
     store().getCurrentTopPalsFileNames(names.data());
     return QStringList(names.begin(), names.end());
+}
+
+std::optional<QStringList> readKeys()
+{
+    const QString path = zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName));
+    if (zyn::isStoreFile(QFile::encodeName(path), zyn::kTopPalsDetailsSize))
+        return keys();
+    return zyn::posix::isMissing(QFile::encodeName(path)) ? std::optional(QStringList()) : std::nullopt;
 }
 
 bool isFavourite(const QString& key)

@@ -8,6 +8,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QtGlobal>
 
+#include <optional>
+
 /**
  * What an owner of the activity log does to it.
  *
@@ -19,8 +21,12 @@ namespace zyn::favourites {
 /// Entries that the list deletes.
 using Entries = QSortedList<PHONE_ENG_ActivityLog>;
 
-/// The key of each place, empty for a free one.
+/// The key of each place, empty for a free one. Makes the file that names the favourites when it is missing, and anew
+/// when it is damaged.
 QStringList keys();
+
+/// The same for who only reads: no key when that file is missing, nothing when it is damaged or cannot be read.
+std::optional<QStringList> readKeys();
 
 bool isFavourite(const QString& key);
 

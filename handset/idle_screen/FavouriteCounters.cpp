@@ -9,8 +9,10 @@
 #include "recentcall/utility/StoreDirectory_p.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <chrono>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -20,18 +22,23 @@ namespace {
 /// The owner writes several files for one call.
 constexpr auto kSoon = 20ms;
 
+/// Between the readings while something cannot be read, where no change of a file leads to one before.
+constexpr auto kFirstRetry = 1s;
+constexpr auto kSlowestRetry = 15s;
+
 QString storeDirectory()
 {
     return QFile::decodeName(zyn::storeDirectoryPath());
 }
 
-QString counterText(const QString& key)
+/// The line of a favourite; nothing when its file cannot be read.
+std::optional<QString> counterText(const QString& key)
 {
     TopPals_Missed_Details unread{key};
-    RC_TopPals_AL_Interface::instance()->getUnreadCount(unread);
-    return u"favourite %1: %2 missed, %3 messages unread\n"_s.arg(zyn::handset::printable(key))
-        .arg(unread.missedCallCount)
-        .arg(unread.unreadMsgCount);
+    if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
+        return std::nullopt;
+    return u"favourite %1: %2 missed, %3 messages unread\n"_s.arg(
+        zyn::handset::printable(key), QString::number(unread.missedCallCount), QString::number(unread.unreadMsgCount));
 }
 
 } // namespace
@@ -40,6 +47,7 @@ namespace zyn::handset {
 
 FavouriteCounters::FavouriteCounters(Output& output)
     : m_output(output)
+    , m_retry(kFirstRetry, kSlowestRetry, [this] { show(); })
 {
     m_soon.setSingleShot(true);
     m_soon.setInterval(kSoon);
@@ -56,13 +64,31 @@ void FavouriteCounters::show()
 {
     // Who the favourites are, the library would go on to take from what it has read before.
     ActivityLog_ENG_RecordStore::destroy();
-    const QStringList keys = favourites::keys();
-    watch(keys);
+    const auto keys = favourites::readKeys();
+    watch(keys.value_or(QStringList()));
+    if (!keys && m_isKnown) {
+        m_output.write(
+            u"favourites unknown: %1 is damaged or cannot be read\n"_s.arg(QLatin1String(kTopPalsDetailsName)));
+        m_shown.clear(); // all are shown as soon as they are known again
+    }
+    m_retry.note(keys && showCounters(*keys));
+    m_isKnown = keys.has_value();
+}
+
+/// Shows what has changed; whether all could be read.
+bool FavouriteCounters::showCounters(const QStringList& keys)
+{
+    bool isRead = true;
     QMap<QString, QString> lines;
     for (const QString& key : keys) {
-        if (!key.isEmpty())
-            lines[key] = counterText(key);
+        if (key.isEmpty())
+            continue;
+        const auto text = counterText(key);
+        lines[key] = text.value_or(u"favourite %1 unknown: its file cannot be read\n"_s.arg(printable(key)));
+        isRead = isRead && text;
     }
+    if (!m_isKnown && lines.isEmpty())
+        m_output.write(u"no favourites\n"_s);
     for (auto line = m_shown.cbegin(); line != m_shown.cend(); ++line) {
         if (!lines.contains(line.key()))
             m_output.write(u"favourite %1 is none any more\n"_s.arg(printable(line.key())));
@@ -72,18 +98,17 @@ void FavouriteCounters::show()
             m_output.write(*line);
     }
     m_shown = lines;
+    return isRead;
 }
 
 /// Before the files are read: what changes later is told then. The watch on a file ends with it.
 void FavouriteCounters::watch(const QStringList& keys)
 {
-    QStringList paths{storeDirectory() + u'/' + QLatin1String(kTopPalsDetailsName)};
-    for (const QString& key : keys) {
-        const QString path = storeDirectory() + u'/' + key;
-        if (!key.isEmpty() && QFile::exists(path))
-            paths += path;
+    for (const QString& name : QStringList{QLatin1String(kTopPalsDetailsName)} + keys) {
+        const QString path = storeDirectory() + u'/' + name;
+        if (!name.isEmpty() && QFileInfo(path).isReadable())
+            m_files.addPath(path);
     }
-    m_files.addPaths(paths);
 }
 
 } // namespace zyn::handset

@@ -119,6 +119,12 @@ bool exchangeNames(const QByteArray& first, const QByteArray& second)
     return (errno == EINVAL || errno == ENOSYS) && std::rename(first.constData(), second.constData()) == 0;
 }
 
+bool isMissing(const QByteArray& path)
+{
+    struct stat status = {};
+    return ::stat(path.constData(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
 bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to)
 {
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)

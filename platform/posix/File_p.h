@@ -48,6 +48,9 @@ std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit);
 /// place of @p second.
 bool exchangeNames(const QByteArray& first, const QByteArray& second);
 
+/// Whether there is no file @p path, nor a link to one; false, too, when that cannot be told.
+bool isMissing(const QByteArray& path);
+
 /// Gives the file @p from the name @p to, unless anything has that name already.
 bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to);
 

@@ -13,8 +13,6 @@
 #include "tools/zynphone/SendCommand.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
-#include <QtCore/QFileInfo>
-
 #include <array>
 #include <functional>
 #include <vector>
@@ -52,16 +50,15 @@ constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
      [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.unreadMsgCount); }},
 };
 
-/// Whether there are any favourites. The library would make the file that names them, and anew when it is damaged: a
-/// verb that only reads asks this first, and fails in the latter case.
-bool haveFavourites()
+/// The key of each place, none when there are no favourites. The library would make the file that names them, and anew
+/// when it is damaged: a verb that only reads asks this first, and fails in the latter case.
+QStringList readKeys()
 {
-    const QString path = zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName));
-    if (!QFileInfo::exists(path))
-        return false;
-    if (!zyn::isStoreFile(QFile::encodeName(path), zyn::kTopPalsDetailsSize))
-        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(path));
-    return true;
+    const auto keys = favourites::readKeys();
+    if (!keys)
+        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
+            zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
+    return *keys;
 }
 
 void count(Favourite& favourite)
@@ -80,7 +77,7 @@ ExitCode listFavourites(const Invocation& call, Console& console)
 {
     std::vector<Favourite> found;
     QStringList unreadable;
-    const QStringList keys = haveFavourites() ? favourites::keys() : QStringList();
+    const QStringList keys = readKeys();
     for (int place = 0; place < keys.size(); ++place) {
         if (keys[place].isEmpty())
             continue;
@@ -98,7 +95,7 @@ ExitCode listFavourites(const Invocation& call, Console& console)
 ExitCode showEntries(const Invocation& call, Console& console)
 {
     favourites::Entries entries;
-    if (!haveFavourites())
+    if (readKeys().isEmpty())
         throw noFavourite(callNumber(call.argument(0)));
     readInto(entries, favouriteFrom(call));
     std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
@@ -111,7 +108,7 @@ ExitCode showEntries(const Invocation& call, Console& console)
 ExitCode countUnread(const Invocation& call, Console& console)
 {
     TopPals_Missed_Details unread{call.argument(0)};
-    if (!haveFavourites() || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
+    if (readKeys().isEmpty() || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         throw failure(u"no favourite's file for %1 can be read"_s.arg(unread.number));
     printSheet(console, Table(kUnreadColumns, std::array{unread}), call.isSet(u"json"_s));
     return Done;
