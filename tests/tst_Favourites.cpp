@@ -1,5 +1,6 @@
 // The favourites: their owner, run as the process that it is, and the tool's verbs around it.
 #include "platform/QCopChannel.h"
+#include "platform/posix/File_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
@@ -120,6 +121,7 @@ private Q_SLOTS:
     void knowsWhatIsNewest();
     void takesCallsForAWrongClocksEntries();
     void tellsWhatOfAFavouriteCouldNotBeMade();
+    void losesNothingWhileTheFavouritesCannotBeRead();
     void renewsAFileOfAnotherSize();
     void followsAnnouncements();
     void ignoresWhatIsNoAnnouncement();
@@ -374,6 +376,28 @@ void FavouritesTest::tellsWhatOfAFavouriteCouldNotBeMade()
     QTRY_COMPARE(entries("7"), QList<int>());
     QVERIFY(m_owner->log().startsWith(
         "zyn-favourites: 556 is a favourite now, in place of 555, but its file cannot be made\n"));
+}
+
+void FavouritesTest::losesNothingWhileTheFavouritesCannotBeRead()
+{
+    run("favourites replace '' 555");
+    run("favourites log 555 --at 2023-11-14T22:13:20Z");
+    const auto exchange = [this] {
+        return zyn::posix::exchangeNames(QFile::encodeName(path("away")), QFile::encodeName(path("topPalsDetails")));
+    };
+    QVERIFY(QDir().mkdir(path("away")) && exchange());
+    startService();
+    startOwner();
+    QVERIFY(m_owner->waitLogged("the favourites cannot be read: their calls are taken later\n"));
+    QVERIFY(add("555", 1));
+    announce(announcement({}, u"555"_s));
+    QVERIFY(m_owner->waitLogged("555 cannot be made a favourite"));
+    for (const char* line : {"favourites list", "favourites export"})
+        QVERIFY(run(line).endsWith(u"topPalsDetails is damaged or cannot be read; see 'zynphone inspect'\nexit 1"_s));
+    QVERIFY(exchange());
+    reportCallChange();
+    QTRY_COMPARE(entries("555"), QList<int>({1, 0}));
+    QVERIFY(m_owner->log().contains("zyn-favourites: the favourites can be read again\n"));
 }
 
 void FavouritesTest::renewsAFileOfAnotherSize()

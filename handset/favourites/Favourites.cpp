@@ -200,6 +200,13 @@ std::optional<QStringList> readKeys()
     return zyn::posix::isMissing(QFile::encodeName(path)) ? std::optional(QStringList()) : std::nullopt;
 }
 
+bool refresh()
+{
+    reload();
+    const QByteArray path = QFile::encodeName(zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName)));
+    return zyn::readStoreFile(path, zyn::kTopPalsDetailsSize) || zyn::posix::isMissing(path);
+}
+
 bool isFavourite(const QString& key)
 {
     return !key.isEmpty() && store().getTopPalFileItem(key) >= 0;
@@ -245,6 +252,8 @@ Change replace(const QString& oldNumber, const QString& newNumber)
 {
     const QString oldKey = favouriteKey(oldNumber);
     const QString newKey = favouriteKey(newNumber);
+    if (!refresh())
+        return Change::Refused; // the file of one that seems to be no favourite may be no leftover
     if (const Change problem = obstacle(oldKey, newKey); problem != Change::Done)
         return problem;
     if (!newKey.isEmpty())

@@ -28,6 +28,14 @@ QStringList keys();
 /// The same for who only reads: no key when that file is missing, nothing when it is damaged or cannot be read.
 std::optional<QStringList> readKeys();
 
+/**
+ * Lets what follows go by what is on disk now.
+ *
+ * @return false when the file that names the favourites is there but cannot be read: then none is known, and nothing
+ * follows from that
+ */
+bool refresh();
+
 bool isFavourite(const QString& key);
 
 /**

@@ -151,7 +151,11 @@ void FavouritesOwner::takeCalls()
 {
     const auto calls = zyn::handset::fetchCalls(RC_CALL_CATEGORY_ALL);
     noteService(calls.has_value());
-    if (!calls)
+    if (calls)
+        noteFavourites(zyn::favourites::refresh());
+    const bool canLook = calls && m_areRead;
+    m_retry.note(canLook);
+    if (!canLook)
         return;
     Calls seen = *calls;
     for (const QString& key : zyn::favourites::keys()) {
@@ -171,11 +175,18 @@ void FavouritesOwner::noteService(bool isServed)
         log(isServed ? QStringLiteral("the recent-call service answers again")
                      : QStringLiteral("the recent-call service does not answer: its calls are taken later"));
     m_isServed = isServed;
-    m_retry.note(isServed);
     if (isServed)
         return;
     m_soon.stop();
     m_later.stop();
+}
+
+void FavouritesOwner::noteFavourites(bool areRead)
+{
+    if (areRead != m_areRead)
+        log(areRead ? QStringLiteral("the favourites can be read again")
+                    : QStringLiteral("the favourites cannot be read: their calls are taken later"));
+    m_areRead = areRead;
 }
 
 /// Those that are to be tried again.

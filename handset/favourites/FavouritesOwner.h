@@ -18,7 +18,8 @@
  * The call log is looked through at the start, after every voice-call change that the phone server reports
  * and after every change of the missed calls, and once more a little later: a finished call may be reported before it
  * is in the log. While the recent-call service does not answer, each look would hold up the announcements: then there
- * are few, until one succeeds or the service announces something.
+ * are few, until one succeeds or the service announces something. Nor does a look succeed while it cannot be read who
+ * the favourites are.
  *
  * The calls that came before a favourite are not taken. So the call log is looked through before one is registered;
  * where that fails, the next look that succeeds goes by the times at which the calls began.
@@ -50,6 +51,7 @@ private:
     Calls takeCallsOf(const QString& key, const Calls& calls);
     bool takeCall(const QString& key, const PHONE_ENG_RecentCall& call);
     void noteService(bool isServed);
+    void noteFavourites(bool areRead);
 
     QCopChannel m_announcements;
     PHONE_MsgClient m_phone;
@@ -58,5 +60,6 @@ private:
     zyn::handset::Retry m_retry;
     SeenCalls m_seen;
     bool m_isServed = true;               ///< whether the recent-call service answered the last time
+    bool m_areRead = true;                ///< whether who the favourites are could be read the last time
     QHash<QString, qint64> m_blindStarts; ///< when the favourites came that came since it does not answer
 };

@@ -1,10 +1,8 @@
 // zynphone favourites: the favourites and their activity log.
 #include "tools/zynphone/FavouritesCommand.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
-#include "recentcall/utility/StoreDirectory_p.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/Console.h"
@@ -49,17 +47,6 @@ constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
     {"unreadMessages", "unread messages",
      [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.unreadMsgCount); }},
 };
-
-/// The key of each place, none when there are no favourites. The library would make the file that names them, and anew
-/// when it is damaged: a verb that only reads asks this first, and fails in the latter case.
-QStringList readKeys()
-{
-    const auto keys = favourites::readKeys();
-    if (!keys)
-        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
-            zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
-    return *keys;
-}
 
 void count(Favourite& favourite)
 {
@@ -185,8 +172,8 @@ Command favouritesCommand()
             "that end in the same %1 are one favourite, with one log.\n"
             "The verbs replace, log, remove and import write: only while no zyn-favourites runs, which does so "
             "itself.\n"
-            "They begin a new topPalsDetails where that is damaged; list, show and unread change nothing.\n"_s.arg(
-                kFavouriteKeyLength),
+            "They begin a new topPalsDetails where that is damaged; list, show, unread and export change nothing.\n"_s
+                .arg(kFavouriteKeyLength),
         .verbs = {listRow(), replaceFavouriteCommand(), logFavouriteCommand(), showRow(), unreadRow(),
                   removeFavouriteCommand(), announceRow(), favouritesExportRow(), favouritesImportRow()}};
 }

@@ -1,8 +1,10 @@
 // What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
 #include "tools/zynphone/FavouritesEdit.h"
 
+#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
 #include "tools/zynphone/CallInput.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
@@ -113,6 +115,15 @@ QString favouriteFrom(const Invocation& call)
     if (!favourites::isFavourite(key))
         throw noFavourite(key);
     return key;
+}
+
+QStringList readKeys()
+{
+    const auto keys = favourites::readKeys();
+    if (!keys)
+        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
+            zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
+    return *keys;
 }
 
 CommandError noFavourite(const QString& number)

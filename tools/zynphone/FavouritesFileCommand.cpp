@@ -8,6 +8,7 @@
 #include "tools/zynphone/ContactFileCheck.h"
 #include "tools/zynphone/Counted.h"
 #include "tools/zynphone/FavouriteFields.h"
+#include "tools/zynphone/FavouritesEdit.h"
 #include "tools/zynphone/FavouritesOwnership.h"
 #include "tools/zynphone/RecordsFile.h"
 
@@ -48,7 +49,7 @@ ExitCode exportFavourites(const Invocation& call, Console& console)
 {
     const RecordsFile file(call, favouriteSchema(), call.argument(0));
     Records records;
-    const QStringList keys = favourites::keys();
+    const QStringList keys = readKeys();
     for (int place = 0; place < keys.size(); ++place) {
         if (!keys[place].isEmpty())
             appendFavourite(records, place, keys[place]);
