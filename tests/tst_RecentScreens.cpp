@@ -300,6 +300,7 @@ private Q_SLOTS:
         static const QString all = u"favourites unknown: topPalsDetails is damaged or cannot be read"_s;
         static const QString name = u"%1%L2"_s;
         static QByteArray kept;
+        static QByteArray details;
         const auto overwrite = [](const QString& file, const QByteArray& contents) {
             return [=](const StoreFixture& files, qint64) {
                 kept = files.read(file);
@@ -329,6 +330,16 @@ private Q_SLOTS:
         QTest::newRow("one's file ends early") << Change(overwrite(name, "short")) << Change(restore(name)) << one;
         QTest::newRow("the file that names them is damaged")
             << Change(overwrite(u"topPalsDetails"_s, "x")) << Change(restore(u"topPalsDetails"_s)) << all;
+        QTest::newRow("the store directory is removed") << Change([](const StoreFixture& files, qint64) {
+            kept = files.read(name);
+            details = files.read(u"topPalsDetails"_s);
+            QVERIFY(QFile::remove(files.file(u"topPalsDetails"_s)));
+            QVERIFY(QDir(files.file(QString())).removeRecursively());
+        }) << Change([](const StoreFixture& files, qint64) {
+            QVERIFY(QDir().mkpath(files.file(QString())));
+            files.write(name, kept);
+            files.write(u"topPalsDetails"_s, details);
+        }) << u"favourite %1%L2 is none any more"_s;
         QTest::newRow("no more files may be opened")
             << Change([=](const StoreFixture& files, qint64 idle) {
                    limitDescriptors(idle, true);

@@ -26,11 +26,6 @@ constexpr auto kSoon = 20ms;
 constexpr auto kFirstRetry = 1s;
 constexpr auto kSlowestRetry = 15s;
 
-QString storeDirectory()
-{
-    return QFile::decodeName(zyn::storeDirectoryPath());
-}
-
 /// The line of a favourite; nothing when its file cannot be read.
 std::optional<QString> counterText(const QString& key)
 {
@@ -55,8 +50,6 @@ FavouriteCounters::FavouriteCounters(Output& output)
     const auto readSoon = [this] { m_soon.start(); };
     connect(&m_files, &QFileSystemWatcher::directoryChanged, this, readSoon);
     connect(&m_files, &QFileSystemWatcher::fileChanged, this, readSoon);
-    makeStoreDirectory();
-    m_files.addPath(storeDirectory());
     show();
 }
 
@@ -101,12 +94,17 @@ bool FavouriteCounters::showCounters(const QStringList& keys)
     return isRead;
 }
 
-/// Before the files are read: what changes later is told then. The watch on a file ends with it.
+/// Before the files are read: what changes later is told then. The watch on a file, and on the directory, ends with it.
 void FavouriteCounters::watch(const QStringList& keys)
 {
-    for (const QString& name : QStringList{QLatin1String(kTopPalsDetailsName)} + keys) {
-        const QString path = storeDirectory() + u'/' + name;
-        if (!name.isEmpty() && QFileInfo(path).isReadable())
+    makeStoreDirectory();
+    QStringList paths{QFile::decodeName(storeDirectoryPath()), storePath(QLatin1String(kTopPalsDetailsName))};
+    for (const QString& key : keys) {
+        if (!key.isEmpty())
+            paths += storePath(key);
+    }
+    for (const QString& path : paths) {
+        if (QFileInfo(path).isReadable())
             m_files.addPath(path);
     }
 }
