@@ -82,6 +82,9 @@ private Q_SLOTS:
     void listsTheNewestFirst();
     void goesOnCountingAfterTheLargestUid();
     void readsDamagedFilesWithinTheirBounds();
+    void readsWhatIsLeftOfARecord();
+    void asksForTheLimitOfASoundListOnly_data();
+    void asksForTheLimitOfASoundListOnly();
     void tellsWhatItDoes();
     void failsCleanlyOnAFullDisk();
 
@@ -347,8 +350,9 @@ void tst_RecentCall_ENG_RecordStore::readsDamagedFilesWithinTheirBounds()
         m_fixture->add(kAnswered, "1");
     const QByteArray whole = m_fixture->read(kAnswered);
     for (qsizetype length = 0; length < 8 + 228 * 6; ++length) {
+        // A record counts from its in-use byte on.
         m_fixture->write(kAnswered, whole.first(length));
-        QCOMPARE(m_fixture->uids(kAnswered).size(), length < 8 ? 0 : std::min<qsizetype>((length - 8) / 228, 5));
+        QCOMPARE(m_fixture->uids(kAnswered).size(), length < 8 ? 0 : std::min<qsizetype>((length - 8 + 163) / 228, 5));
     }
     for (int byte = 0; byte < 8; ++byte) {
         QByteArray flipped = whole;
@@ -365,6 +369,50 @@ void tst_RecentCall_ENG_RecordStore::readsDamagedFilesWithinTheirBounds()
     // An in-use byte is any but zero.
     m_fixture->write(kAnswered, QByteArray(whole).replace(8 + 64, 1, "\x80"));
     QCOMPARE(m_fixture->uids(kAnswered).size(), 2);
+}
+
+void tst_RecentCall_ENG_RecordStore::readsWhatIsLeftOfARecord()
+{
+    PHONE_ENG_RecentCall record = m_fixture->call(kMissed, "112");
+    record.uid = 7;
+    record.setDisplayName(u"Dora"_s);
+    // Behind a slot that is free but not blank.
+    PHONE_ENG_RecentCall leftover = record;
+    leftover.inUse = 0;
+    const QByteArray whole = zyn::bytesOf(record).toByteArray();
+    store();
+    const QByteArray bytes = freshFile().first(8) + zyn::bytesOf(leftover).toByteArray() + whole;
+    m_fixture->write(kMissed, bytes.chopped(228 - 65));
+    QSortedList<PHONE_ENG_RecentCall> list;
+    list.setAutoDelete(true);
+    store().readDataList(list, kMissed);
+    QCOMPARE(list.count(), 1);
+    QCOMPARE(zyn::bytesOf(*list.getFirst()).toByteArray(), whole.first(65) + blankSlot().sliced(65));
+}
+
+void tst_RecentCall_ENG_RecordStore::asksForTheLimitOfASoundListOnly_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("asks");
+    QTest::newRow("a missing file") << -1 << false;
+    QTest::newRow("half a header") << 4 << false;
+    QTest::newRow("a sound file") << 11'408 << true;
+}
+
+void tst_RecentCall_ENG_RecordStore::asksForTheLimitOfASoundListOnly()
+{
+    QFETCH(int, length);
+    QFETCH(bool, asks);
+    store();
+    m_fixture->write(kMissed, freshFile().first(std::max(length, 0)));
+    if (length < 0)
+        QVERIFY(QFile::remove(m_fixture->file(kMissed)));
+    RecentCall_Setup::destroy();
+    const QByteArray path = QFile::encodeName(m_fixture->file(kMissed));
+    StdoutCapture output;
+    m_fixture->uids(kMissed);
+    QCOMPARE(output.take(),
+             path + (length < 0 ? kCannotOpen + path : QByteArray()) + (asks ? "RC settings: 50, 50,50,5,3" : ""));
 }
 
 void tst_RecentCall_ENG_RecordStore::tellsWhatItDoes()

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <span>
@@ -99,14 +100,12 @@ const PHONE_ENG_RecentCall& blankRecord()
     return record;
 }
 
-QByteArray freshFile()
+/// How many bytes the longest file of @p category has. Not the settings' limits: those who only look whether there is a
+/// file need not have read them.
+qint64 longestFile(RC_CALL_CATEGORY_T category)
 {
-    QByteArray contents;
-    contents.reserve(static_cast<qsizetype>(zyn::kRecordFileSize));
-    contents += zyn::bytesOf(zyn::StoreFileHeader{});
-    for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
-        contents += zyn::bytesOf(blankRecord());
-    return contents;
+    constexpr auto kLists = static_cast<int>(std::size(zyn::kRecordLists));
+    return zyn::recordOffset(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots);
 }
 
 bool writeSlot(const UniqueFd& file, int slot, const PHONE_ENG_RecentCall& record)
@@ -139,7 +138,7 @@ RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
         const QByteArray path = filePath(category);
         if (!zyn::isStoreFile(path, zyn::kRecordFileSize))
-            zyn::createStoreFile(path, freshFile());
+            zyn::createStoreFile(path, zyn::freshRecordFile());
     }
 }
 
@@ -205,15 +204,14 @@ void RecentCall_ENG_RecordStore::clearAllData()
 void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
 {
     const QByteArray path = filePath(category);
-    const auto image = zyn::readStoreFile(path, zyn::recordOffset(maximum(category)));
+    const auto image = zyn::readStoreFile(path, longestFile(category));
     if (!image) {
         std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.constData());
         return;
     }
     if (!zyn::hasValidHeader(*image))
         return;
-    const int slots = zyn::recordCount(*image);
-    for (int slot = 0; slot < slots; ++slot) {
+    for (int slot = 0; slot < maximum(category); ++slot) {
         if (!zyn::isRecordInUse(*image, slot))
             continue;
         auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(*image, slot));

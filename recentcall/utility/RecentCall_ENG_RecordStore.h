@@ -63,7 +63,8 @@ public:
      * Reads the calls of one list, newest first.
      *
      * Appends to @p list; what it already holds stays and is sorted with the rest. A missing file, which is told on
-     * standard output, or one with a wrong header appends nothing. Costs one open and one read.
+     * standard output, or one with a wrong header appends nothing. A record that the file's end cuts off is one from
+     * its in-use byte on, what is missing being blank. Costs one open and one read.
      *
      * @param list      owns the appended records if it is set to delete its items
      * @param category  RC_CALL_CATEGORY_ANSWERED, _MISSED or _DIALED; any other names no list

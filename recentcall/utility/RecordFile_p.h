@@ -6,6 +6,7 @@
 
 #include <QtCore/QByteArrayView>
 
+#include <algorithm>
 #include <cstring>
 
 namespace zyn {
@@ -28,26 +29,41 @@ constexpr qint64 recordOffset(int slot)
 inline constexpr qint64 kRecordFileSize = recordOffset(kRecordSlots);
 static_assert(recordOffset(0) == 8 && recordOffset(3) == 692 && kRecordFileSize == 11'408);
 
-/// How many whole records @p image, the bytes of a record file from its start, holds; one cut short is its end.
+/// A record file without a call.
+inline QByteArray freshRecordFile()
+{
+    QByteArray image;
+    image.reserve(static_cast<qsizetype>(kRecordFileSize));
+    image += bytesOf(StoreFileHeader{});
+    const PHONE_ENG_RecentCall blank;
+    for (int slot = 0; slot < kRecordSlots; ++slot)
+        image += bytesOf(blank);
+    return image;
+}
+
+/// How many whole records @p image, the bytes of a record file from its start, holds.
 inline int recordCount(QByteArrayView image)
 {
     const qint64 length = image.size() - recordOffset(0);
     return length < 0 ? 0 : static_cast<int>(length / qint64{sizeof(PHONE_ENG_RecentCall)});
 }
 
-/// The record in @p slot, 0 to recordCount() - 1, of @p image.
+/// The record in @p slot, from 0 on, of @p image; what the image's end cuts off is blank.
 inline PHONE_ENG_RecentCall recordAt(QByteArrayView image, int slot)
 {
     PHONE_ENG_RecentCall record;
-    std::memcpy(static_cast<void*>(&record), image.data() + recordOffset(slot), sizeof record);
+    const qint64 left = qint64{image.size()} - recordOffset(slot);
+    const qint64 size = std::clamp(left, qint64{0}, qint64{sizeof record});
+    if (size > 0)
+        std::memcpy(static_cast<void*>(&record), image.data() + recordOffset(slot), static_cast<size_t>(size));
     return record;
 }
 
-/// Whether that record is in use; looks at its one byte.
+/// Whether that record is in use; looks at its one byte, which must be there.
 inline bool isRecordInUse(QByteArrayView image, int slot)
 {
     const qint64 offset = recordOffset(slot) + qint64{offsetof(PHONE_ENG_RecentCall, inUse)};
-    return image.at(static_cast<qsizetype>(offset)) != 0;
+    return offset < image.size() && image.at(static_cast<qsizetype>(offset)) != 0;
 }
 
 /// The name of a list's file, with its leading slash; a category without a list of its own has a name that no file has.
