@@ -8,6 +8,10 @@
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
 
+#include <cstdio>
+
+#include <sys/stat.h>
+
 using zyn::posix::UniqueFd;
 namespace rc = zyn::recentcall;
 
@@ -40,9 +44,10 @@ int add(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
     return PHONE_RecentCall_AddRecord(record);
 }
 
-int remove(int uid, RC_CALL_CATEGORY_T category)
+int remove(int uid, RC_CALL_CATEGORY_T category, int slot = 77)
 {
     PHONE_ENG_RecentCall record = claim(category, uid);
+    record.slot = slot;
     return PHONE_RecentCall_DeleteRecord(record);
 }
 
@@ -86,6 +91,137 @@ std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
         n = zyn::posix::receiveSome(fd.get(), buffer.subspan(size_t(size)));
     return sent.first(size);
 }
+
+/// A record file that holds calls with these uids, from its first slot on.
+QByteArray imageOf(RC_CALL_CATEGORY_T category, const Uids& uids)
+{
+    QByteArray image = zyn::freshRecordFile();
+    for (int slot = 0; slot < uids.size(); ++slot) {
+        PHONE_ENG_RecentCall call = claim(category, uids.at(slot));
+        call.inUse = 1;
+        call.slot = slot;
+        image.replace(qsizetype(zyn::recordOffset(slot)), qsizetype{sizeof call}, zyn::bytesOf(call).toByteArray());
+    }
+    return image;
+}
+
+Uids downFrom(int uid, int count)
+{
+    Uids uids;
+    for (int i = 0; i < count; ++i)
+        uids += uid - i;
+    return uids;
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes, QIODevice::OpenMode mode = QIODevice::WriteOnly)
+{
+    QFile file(path);
+    return file.open(mode) && file.write(bytes) == bytes.size();
+}
+
+/// @{ The ways in which a backup comes to its place.
+using Restoring = bool (*)(const QString& path, const QByteArray& image);
+
+bool byRename(const QString& path, const QByteArray& image)
+{
+    const QByteArray staged = QFile::encodeName(path) + ".restored";
+    return writeFile(QFile::decodeName(staged), image)
+           && ::rename(staged.constData(), QFile::encodeName(path).constData()) == 0;
+}
+
+bool afterRemoval(const QString& path, const QByteArray& image)
+{
+    return QFile::remove(path) && writeFile(path, image);
+}
+
+bool intoTheOldFile(const QString& path, const QByteArray& image)
+{
+    return writeFile(path, image, QIODevice::ReadWrite);
+}
+
+bool intoTheOldFileWithItsTime(const QString& path, const QByteArray& image)
+{
+    const QDateTime time = QFileInfo(path).lastModified();
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) && file.write(image) == image.size() && file.flush()
+           && file.setFileTime(time, QFileDevice::FileModificationTime);
+}
+/// @}
+
+/// Puts the same backup in place again and again; fails when a call of it is not there by the next time.
+int restoreOften(const QStringList& arguments)
+{
+    constexpr int kTimes = 500;
+    const QString path = arguments.value(0);
+    const QByteArray backup = imageOf(kMissed, {100, 101, 102});
+    const auto size = qsizetype(zyn::recordOffset(3));
+    for (int left = kTimes; left > 0; --left) {
+        if (!byRename(path, backup))
+            return EXIT_FAILURE;
+        if (left == kTimes)
+            role::sayReady();
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly) || file.read(size) != backup.first(size))
+            return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}
+
+/// @{ What others do to the dialed list.
+using Meddling = bool (*)(const StoreFixture& files);
+
+bool nothing(const StoreFixture& /*files*/)
+{
+    return true;
+}
+
+bool removeAndReadIt(const StoreFixture& files)
+{
+    QString number;
+    StoreFixture::forgetSingletons();
+    return QFile::remove(files.file(kDialed)) && !RC_Interface().getLastDialedNumber(number)
+           && QFile::exists(files.file(kDialed));
+}
+
+bool blankIt(const StoreFixture& files)
+{
+    const QDateTime time = QFileInfo(files.file(kDialed)).lastModified();
+    StoreFixture::store().clearAllData();
+    QFile file(files.file(kDialed));
+    return file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime);
+}
+
+bool removeItsDirectory(const StoreFixture& files)
+{
+    return QDir(files.path() + QStringLiteral("/phone")).removeRecursively();
+}
+
+bool damageItsSlotNumbers(const StoreFixture& files)
+{
+    QByteArray image = files.read(kDialed);
+    for (const int slot : {0, 1, 2, 3, 20, 49}) {
+        const auto at = qsizetype(zyn::recordOffset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
+        image.replace(at, 4, words({slot * 1000 - 7}));
+    }
+    return intoTheOldFile(files.file(kDialed), image);
+}
+
+bool makeItADirectory(const StoreFixture& files)
+{
+    return QFile::remove(files.file(kDialed)) && QDir().mkdir(files.file(kDialed));
+}
+
+bool makeItAFifo(const StoreFixture& files)
+{
+    return QFile::remove(files.file(kDialed))
+           && ::mkfifo(QFile::encodeName(files.file(kDialed)).constData(), 0600) == 0;
+}
+
+bool makeItALinkToItself(const StoreFixture& files)
+{
+    return QFile::remove(files.file(kDialed)) && QFile::link(files.file(kDialed), files.file(kDialed));
+}
+/// @}
 
 /// Adds calls until the given number of them was taken, whether or not the service is there all the time.
 int addUntilTaken(const QStringList& arguments)
@@ -449,6 +585,139 @@ private Q_SLOTS:
         QCOMPARE(uids(kMissed), Uids({2, 1}));
     }
 
+    void losesNoCallAfterOthersHave_data()
+    {
+        QTest::addColumn<Meddling>("meddle");
+        QTest::newRow("done nothing") << &nothing;
+        QTest::newRow("removed the list, and read it") << &removeAndReadIt;
+        QTest::newRow("blanked the list, and left its time") << &blankIt;
+        QTest::newRow("removed the directory") << &removeItsDirectory;
+        QTest::newRow("damaged slot numbers") << &damageItsSlotNumbers;
+    }
+    void losesNoCallAfterOthersHave()
+    {
+        QFETCH(Meddling, meddle);
+        for (int i = 0; i < 50; ++i)
+            add(kDialed);
+        QCOMPARE(uids(kDialed), downFrom(49, 50));
+        QVERIFY(meddle(*m_files));
+        add(kDialed);
+        QCOMPARE(uids(kDialed).value(0), 50);
+        for (int i = 1; i < 100; ++i)
+            add(kDialed);
+        QCOMPARE(uids(kDialed), downFrom(149, 50));
+        for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
+            QCOMPARE(m_files->recordIn(kDialed, slot).slot, slot);
+        QVERIFY(!log().contains("lost"));
+    }
+
+    void addsToABackupThatWasPutInPlace_data()
+    {
+        QTest::addColumn<Restoring>("restore");
+        QTest::newRow("as another file") << &byRename;
+        QTest::newRow("after the old one was removed") << &afterRemoval;
+        QTest::newRow("into the old file") << &intoTheOldFile;
+        QTest::newRow("into the old file, whose time stays") << &intoTheOldFileWithItsTime;
+    }
+    void addsToABackupThatWasPutInPlace()
+    {
+        QFETCH(Restoring, restore);
+        add(kMissed);
+        QCOMPARE(uids(kMissed), Uids{0});
+        QVERIFY(restore(m_files->file(kMissed), imageOf(kMissed, {100, 101, 102, 103, 104})));
+        add(kMissed);
+        QCOMPARE(uids(kMissed), downFrom(105, 6));
+        // An older one: what is added is newer than all that there has been.
+        QVERIFY(restore(m_files->file(kMissed), imageOf(kMissed, {7, 8})));
+        add(kDialed);
+        add(kMissed);
+        QCOMPARE(uids(kAll), Uids({107, 106, 8, 7}));
+    }
+
+    void addsToABackupThatIsBeingWritten()
+    {
+        add(kMissed);
+        QCOMPARE(uids(kMissed), Uids{0});
+        QFile file(m_files->file(kMissed));
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered));
+        add(kMissed);
+        file.write(imageOf(kMissed, {100, 101, 102}));
+        QCOMPARE(uids(kMissed), downFrom(103, 4));
+    }
+
+    void losesNoCallOfABackupThatComesMeanwhile()
+    {
+        const auto restorer = role::start(QStringLiteral("restore"), {m_files->file(kMissed)});
+        QVERIFY(role::waitReady(*restorer));
+        while (restorer->state() != QProcess::NotRunning) {
+            QCOMPARE(add(kMissed), 0);
+            // The list must not become full: it would lose its oldest.
+            for (const int uid : uids(kMissed)) {
+                if (uid > 102)
+                    remove(uid, kMissed);
+            }
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(role::finish(*restorer), 0);
+        add(kMissed);
+        QCOMPARE(uids(kMissed).mid(uids(kMissed).size() - 3), Uids({102, 101, 100}));
+        QVERIFY(!log().contains("lost"));
+    }
+
+    void ofEqualUidsMeansTheOneInTheSlot_data()
+    {
+        QTest::addColumn<int>("slot");
+        QTest::newRow("the first") << 0;
+        QTest::newRow("one in between") << 1;
+        QTest::newRow("the last") << 2;
+    }
+    void ofEqualUidsMeansTheOneInTheSlot()
+    {
+        QFETCH(int, slot);
+        m_files->write(kMissed, imageOf(kMissed, {5, 5, 5, 6}));
+        PHONE_ENG_RecentCall record = claim(kMissed, 5);
+        record.slot = slot;
+        const auto markAllUnread = [&] {
+            QByteArray image = m_files->read(kMissed);
+            for (int i = 0; i < 4; ++i)
+                image[qsizetype(zyn::recordOffset(i)) + qsizetype{offsetof(PHONE_ENG_RecentCall, readFlags)}] = 0;
+            m_files->write(kMissed, image);
+        };
+        markAllUnread();
+        QCOMPARE(rc::markRead(record), rc::Success);
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(m_files->recordIn(kMissed, i).readFlags != 0, i == slot);
+        QCOMPARE(remove(5, kMissed, slot), 0);
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(m_files->recordIn(kMissed, i).inUse == 0, i == slot);
+    }
+
+    void givesOfAllListsWhatCanBeHad_data()
+    {
+        QTest::addColumn<Meddling>("spoil");
+        QTest::newRow("one is a directory") << &makeItADirectory;
+        QTest::newRow("one is a FIFO") << &makeItAFifo;
+        QTest::newRow("one is a link to itself") << &makeItALinkToItself;
+    }
+    void givesOfAllListsWhatCanBeHad()
+    {
+        QFETCH(Meddling, spoil);
+        for (const auto category : {kAnswered, kMissed, kDialed})
+            add(category);
+        QCOMPARE(uids(kAll), downFrom(2, 3));
+        QVERIFY(spoil(*m_files));
+        QCOMPARE(uids(kAll), Uids({1, 0}));
+        QCOMPARE(uids(kDialed), Uids{-3});
+        add(kDialed);
+        add(kMissed);
+        QCOMPARE(uids(kAll), Uids({3, 1, 0}));
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, kVoice), 2);
+        QCOMPARE(uids(kAll), Uids());
+        const QByteArray lines = log();
+        QCOMPARE(lines.count("list 3 is left out, because of its file"), 1);
+        QCOMPARE(lines.count("a call of list 3 is lost: its file cannot be had"), 1);
+    }
+
     void failsForAFileThatItCannotHave()
     {
         QVERIFY(QFile::remove(m_files->file(kMissed)));
@@ -516,15 +785,15 @@ private Q_SLOTS:
         overwrite(kMissed, 0, offsetof(PHONE_ENG_RecentCall, category), 0x7FFFFFFF);
         overwrite(kMissed, 1, offsetof(PHONE_ENG_RecentCall, slot), 2);
         QCOMPARE(remove(0, kMissed), 0);
-        QCOMPARE(remove(1, kMissed), 2);
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, kVoice), 2);
-        QCOMPARE(uids(kMissed), Uids({1}));
+        QCOMPARE(remove(1, kMissed), 0);
+        QCOMPARE(uids(kMissed), Uids({2}));
     }
 };
 
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_RecentCallService>(argc, argv, {{QStringLiteral("add"), addUntilTaken}});
+    return role::testMain<tst_RecentCallService>(
+        argc, argv, {{QStringLiteral("add"), addUntilTaken}, {QStringLiteral("restore"), restoreOften}});
 }
 
 #include "tst_RecentCallService.moc"

@@ -2,22 +2,24 @@
 #include "handset/recentcall_service/CallLog.h"
 
 #include "handset/common/Log.h"
-#include "platform/posix/File_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/RecordFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
-#include "recentcall/utility/StoreFile_p.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace rc = zyn::recentcall;
 using zyn::handset::log;
 
 namespace {
 
+using Call = PHONE_ENG_RecentCall;
 using Lists = std::span<const RC_CALL_CATEGORY_T>;
 
-constexpr RC_CALL_CATEGORY_T kMissed[] = {RC_CALL_CATEGORY_MISSED};
+/// How often a change is tried whose file is replaced meanwhile.
+constexpr int kAttempts = 1000;
+
+constexpr int32_t kGreatestUid = std::numeric_limits<int32_t>::max();
 
 /// The lists that @p category names: one, all three, or none.
 Lists listsOf(int32_t category)
@@ -34,81 +36,100 @@ int limitOf(int32_t category)
     return RecentCall_Setup::instance()->getMaxRecordSize(static_cast<RC_CALL_CATEGORY_T>(category));
 }
 
-QByteArray pathOf(RC_CALL_CATEGORY_T category)
+/// Those of @p calls that are in their list: the settings may have left it fewer slots than its file has.
+std::vector<Call> listed(std::vector<Call> calls)
 {
-    return zyn::storeDirectoryPath() + zyn::recordFileName(category);
+    std::erase_if(calls, [](const Call& call) { return call.slot >= limitOf(call.category); });
+    return calls;
 }
 
-bool isSound(Lists lists)
+/// The call of @p calls that @p record means, or null.
+const Call* find(const std::vector<Call>& calls, const Call& record)
 {
-    return std::ranges::all_of(
-        lists, [](RC_CALL_CATEGORY_T list) { return zyn::isStoreFile(pathOf(list), zyn::kRecordFileSize); });
-}
-
-/// Writes into each call of a list the slot that it lies in. The store goes by what the record says: with a wrong slot
-/// it would take the call's place for free.
-void correctSlots(RC_CALL_CATEGORY_T list)
-{
-    const zyn::posix::UniqueFd file = zyn::posix::openForChanging(pathOf(list));
-    const QByteArray image = zyn::posix::readWhole(pathOf(list), zyn::kRecordFileSize).value_or(QByteArray());
-    for (int slot = 0; slot < zyn::recordCount(image); ++slot) {
-        PHONE_ENG_RecentCall record = zyn::recordAt(image, slot);
-        if (record.inUse == 0 || record.slot == slot)
-            continue;
-        log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected")
-                .arg(slot)
-                .arg(list)
-                .arg(record.slot));
-        record.slot = slot;
-        zyn::posix::writeAt(file.get(), std::as_bytes(std::span(&record, 1)), off_t{zyn::recordOffset(slot)});
+    const Call* found = nullptr;
+    for (const Call& call : calls) {
+        if (call == record && (!found || call.slot == record.slot))
+            found = &call;
     }
+    return found;
 }
 
-/// Whether the slot that @p record names holds it: in a damaged file it may hold another call.
-bool isInItsSlot(const PHONE_ENG_RecentCall& record)
+/// The lowest slot below @p limit that none of @p calls lies in; @p limit when there is none.
+int freeSlot(const std::vector<Call>& calls, int limit)
 {
-    const zyn::posix::UniqueFd fd = zyn::posix::openForReading(pathOf(record.category));
-    PHONE_ENG_RecentCall stored;
-    const auto bytes = std::as_writable_bytes(std::span(&stored, 1));
-    const ssize_t n = zyn::posix::readAt(fd.get(), bytes, off_t{zyn::recordOffset(record.slot)});
-    return n == ssize_t{sizeof stored} && stored.inUse != 0 && stored == record;
-}
-
-/// The call with the uid of @p record, or null.
-const PHONE_ENG_RecentCall* find(const QSortedList<PHONE_ENG_RecentCall>& calls, const PHONE_ENG_RecentCall& record)
-{
-    const auto found = std::find_if(calls.begin(), calls.end(), [&](const auto* call) { return *call == record; });
-    return found == calls.end() ? nullptr : *found;
+    int slot = 0;
+    while (slot < limit && std::ranges::find(calls, slot, &Call::slot) != calls.end())
+        ++slot;
+    return slot;
 }
 
 } // namespace
 
-CallLog::CallLog()
+/// The files of some lists, open for one operation: those that can be had.
+class CallLog::OpenFiles
 {
-    open();
+public:
+    OpenFiles(CallLog& calls, Lists lists)
+    {
+        for (CallFile& file : calls.m_files) {
+            if (std::ranges::find(lists, file.list()) != lists.end() && calls.open(file))
+                m_files.push_back(&file);
+        }
+    }
+    OpenFiles(const OpenFiles&) = delete;
+    OpenFiles& operator=(const OpenFiles&) = delete;
+    ~OpenFiles()
+    {
+        for (CallFile* file : m_files)
+            file->close();
+    }
+
+    const Files& all() const { return m_files; }
+    CallFile* of(RC_CALL_CATEGORY_T list) const
+    {
+        const auto found = std::ranges::find(m_files, list, &CallFile::list);
+        return found == m_files.end() ? nullptr : *found;
+    }
+
+private:
+    Files m_files;
+};
+
+CallLog::CallLog()
+    : m_files{CallFile(RC_CALL_CATEGORY_ANSWERED), CallFile(RC_CALL_CATEGORY_MISSED), CallFile(RC_CALL_CATEGORY_DIALED)}
+{
+    const OpenFiles files(*this, zyn::kRecordLists);
+    takeMissedChange();
 }
 
-bool CallLog::add(PHONE_ENG_RecentCall record)
+bool CallLog::add(Call record)
 {
-    const Lists list = listsOf(record.category);
-    if (list.size() != 1 || limitOf(record.category) == 0) {
+    if (listsOf(record.category).size() != 1 || limitOf(record.category) == 0) {
         log(QStringLiteral("a call of category %1 refused: no list keeps it").arg(record.category));
         return false;
     }
     record.inUse = 1;
-    // The store writes into a damaged file too; with that the call would be lost when the store is next opened.
-    if (makeSound(list) && store(record))
-        return true;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        // The uids of all lists count.
+        const OpenFiles files(*this, zyn::kRecordLists);
+        CallFile* file = files.of(record.category);
+        if (!file) {
+            log(QStringLiteral("a call of list %1 is lost: its file cannot be had").arg(record.category));
+            return false;
+        }
+        if (store(files.all(), *file, record))
+            return true;
+    }
     log(QStringLiteral("a call of list %1 is lost: its file cannot be written").arg(record.category));
     return false;
 }
 
-rc::Status CallLog::remove(const PHONE_ENG_RecentCall& record)
+rc::Status CallLog::remove(const Call& record)
 {
     return changeStored(record, &CallLog::erase);
 }
 
-rc::Status CallLog::markRead(const PHONE_ENG_RecentCall& record)
+rc::Status CallLog::markRead(const Call& record)
 {
     return changeStored(record, &CallLog::setRead);
 }
@@ -116,132 +137,119 @@ rc::Status CallLog::markRead(const PHONE_ENG_RecentCall& record)
 rc::Status CallLog::removeAll(const rc::Selection& selection)
 {
     const Lists lists = listsOf(selection.category);
-    if (lists.empty() || !makeSound(lists))
-        return rc::Failure;
-    rc::Status status = rc::Success;
-    for (const PHONE_ENG_RecentCall* call : read(lists)) {
-        if (call->callType == selection.callType && !erase(*call))
-            status = rc::Failure;
+    const OpenFiles files(*this, lists);
+    rc::Status status = !lists.empty() && files.all().size() == lists.size() ? rc::Success : rc::Failure;
+    for (CallFile* file : files.all()) {
+        for (const Call& call : file->calls()) {
+            if (call.callType == selection.callType && !erase(*file, call))
+                status = rc::Failure;
+        }
     }
     return status;
 }
 
 std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
 {
-    const Lists lists = listsOf(selection.category);
-    if (lists.empty() || !makeSound(lists))
+    const OpenFiles files(*this, listsOf(selection.category));
+    if (files.all().empty())
         return std::nullopt;
-    const Calls calls = read(lists);
-    const auto isSelected = [&](const PHONE_ENG_RecentCall* call) { return call->callType == selection.callType; };
-    const auto count = std::count_if(calls.begin(), calls.end(), isSelected);
-    QByteArray data;
-    data.reserve(qsizetype{sizeof(rc::ListHeader)} + count * qsizetype{sizeof(PHONE_ENG_RecentCall)});
-    data += zyn::bytesOf(rc::ListHeader{static_cast<int32_t>(count), limitOf(selection.category)});
-    for (const PHONE_ENG_RecentCall* call : calls) {
-        if (isSelected(call))
-            data += zyn::bytesOf(*call);
+    Calls calls;
+    for (const CallFile* file : files.all()) {
+        for (const Call& call : listed(file->calls())) {
+            if (call.callType == selection.callType)
+                calls.push_back(call);
+        }
     }
+    std::ranges::stable_sort(calls, isNewer);
+    QByteArray data;
+    data.reserve(qsizetype{sizeof(rc::ListHeader)} + static_cast<qsizetype>(calls.size() * sizeof(Call)));
+    data += zyn::bytesOf(rc::ListHeader{static_cast<int32_t>(calls.size()), limitOf(selection.category)});
+    for (const Call& call : calls)
+        data += zyn::bytesOf(call);
     return data;
 }
 
-void CallLog::open()
+/// Opens @p file, and puts right what others have left in it; false when it cannot be had.
+bool CallLog::open(CallFile& file)
 {
-    m_store.emplace();
-    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
-        if (isSound(Lists(&list, 1)))
-            correctSlots(list);
+    const CallFile::Found found = file.open();
+    if (found == CallFile::Found::Unreadable)
+        return false;
+    if (found != CallFile::Found::AsLeft) {
+        file.correctSlots();
+        noteChange(file.list());
     }
-    read(zyn::kRecordLists);
+    return true;
 }
 
-/// Makes the files of @p lists anew when one has gone missing or is damaged; false when that cannot be done.
-bool CallLog::makeSound(Lists lists)
+/// Writes @p record into @p file, one of the open @p files; false when it is not there afterwards.
+bool CallLog::store(const Files& files, CallFile& file, Call& record)
 {
-    if (isSound(lists))
-        return true;
-    log(QStringLiteral("missing or damaged record files are made anew"));
-    const bool wasMissedSound = isSound(kMissed);
-    open();
-    if (!wasMissedSound && isSound(kMissed))
-        noteChange(RC_CALL_CATEGORY_MISSED);
-    return isSound(lists);
+    const Calls calls = listed(file.calls());
+    record.uid = nextUid(files);
+    record.slot = freeSlot(calls, limitOf(record.category));
+    if (record.slot == limitOf(record.category))
+        record.slot = calls.back().slot;
+    if (!file.write(record) || !file.holds(record))
+        return false;
+    m_lastUid = record.uid;
+    noteChange(record.category);
+    return true;
 }
 
-CallLog::Calls CallLog::read(Lists lists)
+/// A uid above those of all calls, and above those that were given before.
+int32_t CallLog::nextUid(const Files& files) const
 {
-    Calls calls;
-    calls.setAutoDelete(true);
-    for (const RC_CALL_CATEGORY_T category : lists) {
-        Calls found;
-        m_store->readDataList(found, category);
-        countOf(category) = found.count();
-        for (PHONE_ENG_RecentCall* call : found) {
-            // The list that a call belongs to is the file that holds it, whatever a damaged record says.
-            call->category = category;
-            calls.append(call);
-        }
+    int32_t greatest = m_lastUid;
+    for (const CallFile* file : files) {
+        for (const Call& call : file->calls())
+            greatest = std::max(greatest, call.uid);
     }
-    calls.sort();
-    return calls;
+    return greatest == kGreatestUid ? greatest : greatest + 1;
 }
 
-bool CallLog::store(PHONE_ENG_RecentCall& record)
+bool CallLog::erase(CallFile& file, const Call& call)
 {
-    if (countOf(record.category) >= limitOf(record.category))
-        eraseOldest(record.category);
-    if (!m_store->addItem(record))
+    if (!file.erase(call.slot) || !file.isInPlace())
         return false;
-    ++countOf(record.category);
-    noteChange(record.category);
+    noteChange(file.list());
     return true;
 }
 
-bool CallLog::erase(const PHONE_ENG_RecentCall& record)
+bool CallLog::setRead(CallFile& file, const Call& call)
 {
-    if (!isInItsSlot(record) || !m_store->removeItem(record))
-        return false;
-    --countOf(record.category);
-    noteChange(record.category);
-    return true;
-}
-
-bool CallLog::setRead(const PHONE_ENG_RecentCall& record)
-{
-    PHONE_ENG_RecentCall seen = record;
-    seen.readFlags |= PHONE_ENG_RecentCall::kRead;
-    if (seen.readFlags == record.readFlags)
+    Call seen = call;
+    seen.readFlags |= Call::kRead;
+    if (seen.readFlags == call.readFlags)
         return true;
-    if (!isInItsSlot(record) || !m_store->modifyItem(seen))
+    if (!file.write(seen) || !file.isInPlace())
         return false;
-    noteChange(record.category);
+    noteChange(file.list());
     return true;
 }
 
-/// Does @p change to the stored call that @p record names by its category and uid.
-rc::Status CallLog::changeStored(const PHONE_ENG_RecentCall& record, Change change)
+/// Does @p change to the stored call that @p record means.
+rc::Status CallLog::changeStored(const Call& record, Change change)
 {
     const Lists list = listsOf(record.category);
     if (list.size() != 1)
         return rc::NoSuchRecord;
-    if (!makeSound(list))
-        return rc::Failure;
-    const Calls calls = read(list);
-    const PHONE_ENG_RecentCall* stored = find(calls, record);
-    if (!stored)
-        return rc::NoSuchRecord;
-    return (this->*change)(*stored) ? rc::Success : rc::Failure;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        const OpenFiles files(*this, list);
+        if (files.all().empty())
+            return rc::Failure;
+        CallFile& file = *files.all().front();
+        const Calls calls = file.calls();
+        const Call* stored = find(calls, record);
+        if (!stored)
+            return rc::NoSuchRecord;
+        if ((this->*change)(file, *stored))
+            return rc::Success;
+    }
+    return rc::Failure;
 }
 
 void CallLog::noteChange(RC_CALL_CATEGORY_T category)
 {
     m_hasMissedChange |= category == RC_CALL_CATEGORY_MISSED;
-}
-
-void CallLog::eraseOldest(RC_CALL_CATEGORY_T category)
-{
-    const Calls calls = read(Lists(&category, 1));
-    for (qsizetype i = calls.count() - 1; i >= 0; --i) {
-        if (erase(*calls.at(i)))
-            return;
-    }
 }

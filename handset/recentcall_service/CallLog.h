@@ -1,8 +1,8 @@
 // The log of recent calls: what each command does to the store.
 #pragma once
 
+#include "handset/recentcall_service/CallFile.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
-#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 
 #include <QtCore/QByteArray>
 
@@ -10,13 +10,14 @@
 #include <optional>
 #include <span>
 #include <utility>
+#include <vector>
 
 /**
- * The answered, missed and dialed calls, in a record store of its own.
+ * The answered, missed and dialed calls, in the files of the record store.
  *
  * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are read from
- * their files at every operation but an add; a file that turns out missing or damaged is made anew first. What fails is
- * told in the log. To be used from one thread.
+ * their files at every operation; a file that turns out missing or damaged is made anew first. What fails is told in
+ * the log. To be used from one thread.
  *
  * It remembers whether the missed calls have changed, for whoever tells others of it.
  */
@@ -27,48 +28,47 @@ public:
     CallLog();
 
     /**
-     * Adds a call, in place of the oldest one when its list is full. Slot and uid are the store's to give.
+     * Adds a call, in place of the oldest one when its list is full. Slot and uid are the log's to give: the call is
+     * the newest of all.
      *
      * False when the category names no list that keeps calls, or when the call could not be stored.
      */
     bool add(PHONE_ENG_RecentCall record);
 
-    /// Deletes the call with the uid of @p record from the list of its category, wherever it lies.
+    /// Deletes the call with the uid of @p record from the list of its category, wherever it lies; of several with that
+    /// uid, the one in the slot that @p record names.
     zyn::recentcall::Status remove(const PHONE_ENG_RecentCall& record);
 
-    /// Lets the call with the uid of @p record in the list of its category count as read, as it does already when it
-    /// was marked before.
+    /// Lets the call that remove() would delete count as read, as it does already when it was marked before.
     zyn::recentcall::Status markRead(const PHONE_ENG_RecentCall& record);
 
-    /// Deletes the selected calls: Success also when there are none, Failure when one of them stays or when
-    /// the category names no list.
+    /// Deletes the selected calls, of all lists those that can be had: Success also when there are none, Failure when
+    /// one of them stays, may be in a list that cannot be had, or when the category names no list.
     zyn::recentcall::Status removeAll(const zyn::recentcall::Selection& selection);
 
-    /// The selected calls, newest first, as the data of an answer; nothing when the category names no list or
-    /// a file cannot be had.
+    /// The selected calls, newest first, as the data of an answer, of all lists those that can be had; nothing when the
+    /// category names no list or none can be had.
     std::optional<QByteArray> list(const zyn::recentcall::Selection& selection);
 
     /// Whether the missed calls on disk have changed since this was last asked.
     bool takeMissedChange() { return std::exchange(m_hasMissedChange, false); }
 
 private:
-    using Calls = QSortedList<PHONE_ENG_RecentCall>;
+    using Calls = std::vector<PHONE_ENG_RecentCall>;
     using Lists = std::span<const RC_CALL_CATEGORY_T>;
+    using Files = std::vector<CallFile*>;
+    class OpenFiles;
 
-    void open();
-    bool makeSound(Lists lists);
-    qsizetype& countOf(RC_CALL_CATEGORY_T category) { return m_counts[static_cast<size_t>(category)]; }
-    Calls read(Lists lists);
-    bool store(PHONE_ENG_RecentCall& record);
-    bool erase(const PHONE_ENG_RecentCall& record);
-    bool setRead(const PHONE_ENG_RecentCall& record);
-    using Change = bool (CallLog::*)(const PHONE_ENG_RecentCall& stored);
+    bool open(CallFile& file);
+    bool store(const Files& files, CallFile& file, PHONE_ENG_RecentCall& record);
+    int32_t nextUid(const Files& files) const;
+    bool erase(CallFile& file, const PHONE_ENG_RecentCall& call);
+    bool setRead(CallFile& file, const PHONE_ENG_RecentCall& call);
+    using Change = bool (CallLog::*)(CallFile& file, const PHONE_ENG_RecentCall& stored);
     zyn::recentcall::Status changeStored(const PHONE_ENG_RecentCall& record, Change change);
     void noteChange(RC_CALL_CATEGORY_T category);
-    void eraseOldest(RC_CALL_CATEGORY_T category);
 
-    std::optional<RecentCall_ENG_RecordStore> m_store;
-    /// How many calls each list holds, by category; counted anew whenever a list is read.
-    std::array<qsizetype, RC_CALL_CATEGORY_DIALED + 1> m_counts{};
+    std::array<CallFile, 3> m_files;
+    int32_t m_lastUid = -1; ///< the one that was given last
     bool m_hasMissedChange = false;
 };

@@ -111,6 +111,22 @@ std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit)
     return contents;
 }
 
+std::optional<qint64> regularFileSize(int fd)
+{
+    struct stat status = {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return qint64{status.st_size};
+}
+
+bool leadsTo(const QByteArray& path, int fd)
+{
+    struct stat open = {};
+    struct stat found = {};
+    return ::fstat(fd, &open) == 0 && ::stat(path.constData(), &found) == 0 && open.st_dev == found.st_dev
+           && open.st_ino == found.st_ino;
+}
+
 bool exchangeNames(const QByteArray& first, const QByteArray& second)
 {
     if (::renameat2(AT_FDCWD, first.constData(), AT_FDCWD, second.constData(), RENAME_EXCHANGE) == 0)

@@ -44,6 +44,12 @@ bool sync(int fd);
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
 std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit);
 
+/// How many bytes the open file @p fd has; nothing when it is no regular file.
+std::optional<qint64> regularFileSize(int fd);
+
+/// Whether @p path, links followed, leads to the open file @p fd.
+bool leadsTo(const QByteArray& path, int fd);
+
 /// Lets two files change their names with each other at once; where the file system cannot do that, @p first takes the
 /// place of @p second.
 bool exchangeNames(const QByteArray& first, const QByteArray& second);

@@ -1,0 +1,65 @@
+// The file of one list of calls, as the service finds it.
+#pragma once
+
+#include "platform/posix/UniqueFd_p.h"
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
+
+#include <QtCore/QByteArray>
+
+#include <vector>
+
+/**
+ * The calls of one list on disk, in all slots of the file, whatever the list's limit.
+ *
+ * Nothing of a file holds for longer than one operation: another process may make it anew or blank it, and a backup may
+ * be put in its place, as a new file or into the old one. So each operation opens and reads it again, and writes
+ * through the descriptor that it has read from. What it held the last time only tells whether others have changed it.
+ */
+class CallFile
+{
+public:
+    /// How a file is found: as it was left, not as it was left, or made anew now, as it was missing or damaged; or its
+    /// calls cannot be had, which is told in the log once.
+    enum class Found { AsLeft, Changed, MadeAnew, Unreadable };
+
+    explicit CallFile(RC_CALL_CATEGORY_T list)
+        : m_list(list)
+    {}
+
+    /// Opens and reads the file; all below is about what was found then.
+    Found open();
+    void close() { m_fd.reset(); }
+
+    RC_CALL_CATEGORY_T list() const { return m_list; }
+    /// The calls, newest first. List and slot are those in which a call lies, whatever a damaged record says.
+    std::vector<PHONE_ENG_RecentCall> calls() const;
+
+    /// Writes into each call the slot that it lies in: readers go by what the record says.
+    void correctSlots();
+    /// Puts @p call into the slot that it names.
+    bool write(const PHONE_ENG_RecentCall& call);
+    /// Frees @p slot.
+    bool erase(int slot);
+
+    /// Whether this is still the file of the list, and whole.
+    bool isInPlace() const;
+    /// Whether it is, and holds @p call.
+    bool holds(const PHONE_ENG_RecentCall& call) const;
+
+private:
+    enum class State { Sound, Missing, Short, Damaged, Unreadable };
+
+    QByteArray path() const;
+    State read();
+    State readPatiently();
+    void tell(State state);
+    bool writeSlot(int slot, const PHONE_ENG_RecentCall& record);
+
+    RC_CALL_CATEGORY_T m_list;
+    zyn::posix::UniqueFd m_fd;
+    QByteArray m_image; ///< empty until the file was found sound once
+    bool m_isGivenUp = false;
+};
+
+/// Whether @p call is newer than @p other; of calls with the same uid, the one that began later is.
+bool isNewer(const PHONE_ENG_RecentCall& call, const PHONE_ENG_RecentCall& other);
