@@ -8,7 +8,10 @@
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
+#include <limits>
 
 #include <sys/stat.h>
 
@@ -25,6 +28,7 @@ constexpr auto kVoice = RC_CALL_TYPE_VOICE;
 const QString kSocket = QStringLiteral("/tmp/zynrecentcallcom/recentcall_interface");
 
 using Uids = QList<int>;
+constexpr int kLastUid = std::numeric_limits<int>::max();
 
 /// What a client may claim about a call: neither uid nor slot are its to say.
 PHONE_ENG_RecentCall claim(RC_CALL_CATEGORY_T category, int uid = 4711, RC_CALL_TYPE_T type = kVoice)
@@ -690,6 +694,58 @@ private Q_SLOTS:
         QCOMPARE(remove(5, kMissed, slot), 0);
         for (int i = 0; i < 4; ++i)
             QCOMPARE(m_files->recordIn(kMissed, i).inUse == 0, i == slot);
+    }
+
+    void goesOnWhenNoUidIsLeft_data()
+    {
+        QTest::addColumn<Uids>("missed");
+        QTest::addColumn<Uids>("dialed");
+        QTest::addColumn<Uids>("expected");
+        QTest::newRow("one has the last uid") << Uids{5, kLastUid} << Uids{6} << Uids{7, 6, 5};
+        QTest::newRow("several have it") << Uids{kLastUid, kLastUid} << Uids{kLastUid, 3} << Uids{6, 5, 4, 3};
+        QTest::newRow("all are near it") << Uids{kLastUid, kLastUid - 4} << Uids{kLastUid - 2} << Uids{2, 1, 0};
+        QTest::newRow("there is one left") << Uids{kLastUid - 1, 3} << Uids() << Uids{kLastUid - 1, 3};
+    }
+    void goesOnWhenNoUidIsLeft()
+    {
+        QFETCH(Uids, missed);
+        QFETCH(Uids, dialed);
+        QFETCH(Uids, expected);
+        stop();
+        m_files->write(kMissed, imageOf(kMissed, missed));
+        m_files->write(kDialed, imageOf(kDialed, dialed));
+        start();
+        QCOMPARE(uids(kAll), expected);
+        // The newest is always first, and none of the others goes.
+        for (int added = 0; added < 4; ++added) {
+            const Uids before = uids(kAnswered);
+            add(kAnswered);
+            const Uids after = uids(kAnswered);
+            QCOMPARE(after.size(), before.size() + 1);
+            QVERIFY(std::ranges::is_sorted(after, std::greater<>()) && uids(kAll).value(0) == after.value(0));
+        }
+        QCOMPARE(uids(kAll).size(), expected.size() + 4);
+    }
+
+    void knowsRenumberedCallsByTheirOldUids()
+    {
+        for (int i = 0; i < 8; ++i)
+            add(kAnswered);
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kAnswered, kVoice), 0);
+        // The uid comes while the service runs, and twice.
+        m_files->write(kMissed, imageOf(kMissed, {6, kLastUid, kLastUid}));
+        QCOMPARE(uids(kMissed), Uids({kLastUid, kLastUid, 6}));
+        add(kDialed);
+        QCOMPARE(uids(kAll), Uids({10, 9, 8, 6}));
+        QCOMPARE(remove(kLastUid, kMissed, 2), 0);
+        QCOMPARE(remove(kLastUid, kMissed, 2), 1);
+        QCOMPARE(uids(kAll), Uids({10, 8, 6}));
+        // The last one, once it is deleted, is in nobody's way.
+        m_files->write(kMissed, imageOf(kMissed, {kLastUid - 1}));
+        add(kMissed);
+        QCOMPARE(remove(kLastUid, kMissed), 0);
+        add(kMissed);
+        QCOMPARE(uids(kMissed), downFrom(kLastUid, 2));
     }
 
     void givesOfAllListsWhatCanBeHad_data()

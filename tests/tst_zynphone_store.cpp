@@ -84,6 +84,15 @@ const Damage kDamages[] = {
     {"uid of another list",
      [](const Store& s) { patch(s, "rc_d", inSlot(1, offsetof(Call, uid)), QByteArray(1, '\0')); },
      "rc_d: slot 1: uid 0 is that of rc_a, slot 0 too\n"},
+    {"uid above which none is left",
+     [](const Store& s) { patch(s, "rc_m", inSlot(1, offsetof(Call, uid)), QByteArray("\xFF\xFF\xFF\x7F", 4)); },
+     "rc_m: slot 1: its uid leaves none for newer calls\n"},
+    {"uids that are equal, and next to the last",
+     [](const Store& s) {
+         for (const int slot : {1, 2})
+             patch(s, "rc_m", inSlot(slot, offsetof(Call, uid)), QByteArray("\xFE\xFF\xFF\x7F", 4));
+     },
+     "rc_m: slot 2: uid 2147483646 is that of slot 1 too\n"},
     {"header of calls", [](const Store& s) { patch(s, "rc_m", 4, "\4"); }, "rc_m: the version is 4, not 5\n"},
     {"calls cut short", [](const Store& s) { resize(s, "rc_a", zyn::recordOffset(3) + 5); },
      "rc_a: the size is 697 bytes, not 11408\n"},

@@ -6,7 +6,6 @@
 #include "recentcall/utility/RecordFile_p.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace rc = zyn::recentcall;
 using zyn::handset::log;
@@ -15,11 +14,6 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 using Lists = std::span<const RC_CALL_CATEGORY_T>;
-
-/// How often a change is tried whose file is replaced meanwhile.
-constexpr int kAttempts = 1000;
-
-constexpr int32_t kGreatestUid = std::numeric_limits<int32_t>::max();
 
 /// The lists that @p category names: one, all three, or none.
 Lists listsOf(int32_t category)
@@ -95,10 +89,25 @@ private:
     Files m_files;
 };
 
+/// How often a change is tried: once more when it failed, many times when the file was replaced meanwhile.
+class CallLog::Attempts
+{
+public:
+    bool isLeft(Outcome outcome)
+    {
+        return (outcome == Outcome::Failed && --m_failures > 0) || (outcome == Outcome::Displaced && --m_files > 0);
+    }
+
+private:
+    int m_failures = 2;
+    int m_files = 1000;
+};
+
 CallLog::CallLog()
     : m_files{CallFile(RC_CALL_CATEGORY_ANSWERED), CallFile(RC_CALL_CATEGORY_MISSED), CallFile(RC_CALL_CATEGORY_DIALED)}
 {
     const OpenFiles files(*this, zyn::kRecordLists);
+    renumber(files.all());
     takeMissedChange();
 }
 
@@ -109,7 +118,9 @@ bool CallLog::add(Call record)
         return false;
     }
     record.inUse = 1;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    Attempts attempts;
+    Outcome outcome = Outcome::Failed;
+    do {
         // The uids of all lists count.
         const OpenFiles files(*this, zyn::kRecordLists);
         CallFile* file = files.of(record.category);
@@ -117,11 +128,15 @@ bool CallLog::add(Call record)
             log(QStringLiteral("a call of list %1 is lost: its file cannot be had").arg(record.category));
             return false;
         }
-        if (store(files.all(), *file, record))
-            return true;
+        outcome = store(files.all(), *file, record);
+    } while (attempts.isLeft(outcome));
+    if (outcome != Outcome::Done) {
+        log(QStringLiteral("a call of list %1 is lost: its file %2")
+                .arg(QString::number(record.category), outcome == Outcome::Failed
+                                                           ? QLatin1String("cannot be written")
+                                                           : QLatin1String("is replaced again and again")));
     }
-    log(QStringLiteral("a call of list %1 is lost: its file cannot be written").arg(record.category));
-    return false;
+    return outcome == Outcome::Done;
 }
 
 rc::Status CallLog::remove(const Call& record)
@@ -137,15 +152,21 @@ rc::Status CallLog::markRead(const Call& record)
 rc::Status CallLog::removeAll(const rc::Selection& selection)
 {
     const Lists lists = listsOf(selection.category);
-    const OpenFiles files(*this, lists);
-    rc::Status status = !lists.empty() && files.all().size() == lists.size() ? rc::Success : rc::Failure;
-    for (CallFile* file : files.all()) {
-        for (const Call& call : file->calls()) {
-            if (call.callType == selection.callType && !erase(*file, call))
-                status = rc::Failure;
+    Attempts attempts;
+    Outcome outcome = Outcome::Failed;
+    bool isWhole = false;
+    do {
+        const OpenFiles files(*this, lists);
+        isWhole = !lists.empty() && files.all().size() == lists.size();
+        outcome = Outcome::Done;
+        for (CallFile* file : files.all()) {
+            for (const Call& call : file->calls()) {
+                const Outcome erased = call.callType == selection.callType ? erase(*file, call) : Outcome::Done;
+                outcome = std::max(outcome, erased);
+            }
         }
-    }
-    return status;
+    } while (attempts.isLeft(outcome));
+    return isWhole && outcome == Outcome::Done ? rc::Success : rc::Failure;
 }
 
 std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
@@ -182,50 +203,92 @@ bool CallLog::open(CallFile& file)
     return true;
 }
 
-/// Writes @p record into @p file, one of the open @p files; false when it is not there afterwards.
-bool CallLog::store(const Files& files, CallFile& file, Call& record)
+/// Writes @p record into @p file, one of the open @p files.
+CallLog::Outcome CallLog::store(const Files& files, CallFile& file, Call& record)
 {
     const Calls calls = listed(file.calls());
     record.uid = nextUid(files);
     record.slot = freeSlot(calls, limitOf(record.category));
     if (record.slot == limitOf(record.category))
         record.slot = calls.back().slot;
-    if (!file.write(record) || !file.holds(record))
-        return false;
+    if (!file.write(record))
+        return Outcome::Failed;
+    if (!file.holds(record))
+        return Outcome::Displaced;
     m_lastUid = record.uid;
     noteChange(record.category);
-    return true;
+    return Outcome::Done;
+}
+
+CallLog::Calls CallLog::callsOf(const Files& files)
+{
+    Calls all;
+    for (const CallFile* file : files) {
+        const Calls calls = file->calls();
+        all.insert(all.end(), calls.begin(), calls.end());
+    }
+    return all;
 }
 
 /// A uid above those of all calls, and above those that were given before.
-int32_t CallLog::nextUid(const Files& files) const
+int32_t CallLog::nextUid(const Files& files)
 {
-    int32_t greatest = m_lastUid;
-    for (const CallFile* file : files) {
-        for (const Call& call : file->calls())
-            greatest = std::max(greatest, call.uid);
+    renumber(files);
+    // The call that got the greatest uid of all may have been deleted since; then it counts no more.
+    int32_t greatest = m_lastUid == zyn::kGreatestUid ? -1 : m_lastUid;
+    for (const Call& call : callsOf(files))
+        greatest = std::max(greatest, call.uid);
+    return greatest == zyn::kGreatestUid ? greatest : greatest + 1;
+}
+
+/// Gives calls lower uids when none is left for the next one.
+void CallLog::renumber(const Files& files)
+{
+    const zyn::RenumberedCalls renumbered = zyn::lowerUids(callsOf(files), 1, m_lastUid);
+    if (renumbered.empty())
+        return;
+    m_renumbered = renumbered;
+    m_lastUid = renumbered.back().call.uid;
+    log(QStringLiteral("no uid is left: %1 calls get uids from %2 on")
+            .arg(renumbered.size())
+            .arg(renumbered.front().call.uid));
+    for (const auto& [oldUid, call] : renumbered) {
+        const auto file = std::ranges::find(files, call.category, &CallFile::list);
+        (*file)->write(call);
+        noteChange(call.category);
     }
-    return greatest == kGreatestUid ? greatest : greatest + 1;
 }
 
-bool CallLog::erase(CallFile& file, const Call& call)
+/// @p record, with its new uid if it names a call that had another before.
+Call CallLog::renumbered(const Call& record) const
 {
-    if (!file.erase(call.slot) || !file.isInPlace())
-        return false;
-    noteChange(file.list());
-    return true;
+    Call current = record;
+    for (const auto& [oldUid, call] : m_renumbered) {
+        const bool isMeant = oldUid == record.uid && call.category == record.category;
+        if (isMeant && (current.uid == oldUid || call.slot == record.slot))
+            current.uid = call.uid;
+    }
+    return current;
 }
 
-bool CallLog::setRead(CallFile& file, const Call& call)
+CallLog::Outcome CallLog::erase(CallFile& file, const Call& call)
+{
+    if (!file.erase(call.slot))
+        return Outcome::Failed;
+    noteChange(file.list());
+    return file.isInPlace() ? Outcome::Done : Outcome::Displaced;
+}
+
+CallLog::Outcome CallLog::setRead(CallFile& file, const Call& call)
 {
     Call seen = call;
     seen.readFlags |= Call::kRead;
     if (seen.readFlags == call.readFlags)
-        return true;
-    if (!file.write(seen) || !file.isInPlace())
-        return false;
+        return Outcome::Done;
+    if (!file.write(seen))
+        return Outcome::Failed;
     noteChange(file.list());
-    return true;
+    return file.isInPlace() ? Outcome::Done : Outcome::Displaced;
 }
 
 /// Does @p change to the stored call that @p record means.
@@ -234,7 +297,9 @@ rc::Status CallLog::changeStored(const Call& record, Change change)
     const Lists list = listsOf(record.category);
     if (list.size() != 1)
         return rc::NoSuchRecord;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    Attempts attempts;
+    Outcome outcome = Outcome::Failed;
+    do {
         const OpenFiles files(*this, list);
         if (files.all().empty())
             return rc::Failure;
@@ -242,11 +307,12 @@ rc::Status CallLog::changeStored(const Call& record, Change change)
         const Calls calls = file.calls();
         const Call* stored = find(calls, record);
         if (!stored)
+            stored = find(calls, renumbered(record));
+        if (!stored)
             return rc::NoSuchRecord;
-        if ((this->*change)(file, *stored))
-            return rc::Success;
-    }
-    return rc::Failure;
+        outcome = (this->*change)(file, *stored);
+    } while (attempts.isLeft(outcome));
+    return outcome == Outcome::Done ? rc::Success : rc::Failure;
 }
 
 void CallLog::noteChange(RC_CALL_CATEGORY_T category)

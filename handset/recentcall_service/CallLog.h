@@ -2,6 +2,7 @@
 #pragma once
 
 #include "handset/recentcall_service/CallFile.h"
+#include "recentcall/utility/CallUids_p.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
 
 #include <QtCore/QByteArray>
@@ -36,7 +37,7 @@ public:
     bool add(PHONE_ENG_RecentCall record);
 
     /// Deletes the call with the uid of @p record from the list of its category, wherever it lies; of several with that
-    /// uid, the one in the slot that @p record names.
+    /// uid, the one in the slot that @p record names. A call that has been renumbered is known by its old uid too.
     zyn::recentcall::Status remove(const PHONE_ENG_RecentCall& record);
 
     /// Lets the call that remove() would delete count as read, as it does already when it was marked before.
@@ -60,15 +61,23 @@ private:
     class OpenFiles;
 
     bool open(CallFile& file);
-    bool store(const Files& files, CallFile& file, PHONE_ENG_RecentCall& record);
-    int32_t nextUid(const Files& files) const;
-    bool erase(CallFile& file, const PHONE_ENG_RecentCall& call);
-    bool setRead(CallFile& file, const PHONE_ENG_RecentCall& call);
-    using Change = bool (CallLog::*)(CallFile& file, const PHONE_ENG_RecentCall& stored);
+    /// What became of a change: done, not written, or written into a file that is not the list's any more.
+    enum class Outcome { Done, Failed, Displaced };
+    class Attempts;
+
+    Outcome store(const Files& files, CallFile& file, PHONE_ENG_RecentCall& record);
+    static Calls callsOf(const Files& files);
+    int32_t nextUid(const Files& files);
+    void renumber(const Files& files);
+    PHONE_ENG_RecentCall renumbered(const PHONE_ENG_RecentCall& record) const;
+    Outcome erase(CallFile& file, const PHONE_ENG_RecentCall& call);
+    Outcome setRead(CallFile& file, const PHONE_ENG_RecentCall& call);
+    using Change = Outcome (CallLog::*)(CallFile& file, const PHONE_ENG_RecentCall& stored);
     zyn::recentcall::Status changeStored(const PHONE_ENG_RecentCall& record, Change change);
     void noteChange(RC_CALL_CATEGORY_T category);
 
     std::array<CallFile, 3> m_files;
-    int32_t m_lastUid = -1; ///< the one that was given last
+    int32_t m_lastUid = -1;            ///< the one that was given last
+    zyn::RenumberedCalls m_renumbered; ///< the last time; clients may still name these by their old uids
     bool m_hasMissedChange = false;
 };

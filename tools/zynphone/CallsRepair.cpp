@@ -9,14 +9,15 @@
 #include <QtCore/QSet>
 
 #include <algorithm>
-#include <limits>
 #include <span>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 Call callOf(const QByteArray& record)
@@ -24,35 +25,39 @@ Call callOf(const QByteArray& record)
     return zyn::toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
 }
 
-/// Uids that no call has yet.
-class FreeUids
+using Images = std::map<QString, QByteArray>;
+
+/// The calls of all lists, in the order of these and of their slots.
+std::vector<Call> callsIn(const Images& images)
 {
-public:
-    explicit FreeUids(const std::map<QString, QByteArray>& images)
-    {
-        for (const auto& [name, image] : images) {
-            for (int slot = 0; slot < zyn::kRecordSlots; ++slot) {
-                if (zyn::isRecordInUse(image, slot))
-                    m_used.insert(zyn::recordAt(image, slot).uid);
-            }
+    std::vector<Call> calls;
+    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
+        const auto file = images.find(recordFile(list));
+        for (int slot = 0; file != images.end() && slot < zyn::kRecordSlots; ++slot) {
+            if (zyn::isRecordInUse(file->second, slot))
+                calls.push_back(zyn::recordAt(file->second, slot));
         }
-        m_highest = m_used.isEmpty() ? 0 : *std::ranges::max_element(m_used);
     }
+    return calls;
+}
 
-    int32_t take()
-    {
-        // There may be none above the highest.
-        do
-            m_highest = m_highest == std::numeric_limits<int32_t>::max() ? 0 : m_highest + 1;
-        while (m_used.contains(m_highest));
-        m_used.insert(m_highest);
-        return m_highest;
-    }
+/// How many of @p calls have the uid of one before.
+int32_t countEqual(const std::vector<Call>& calls)
+{
+    QSet<int32_t> uids;
+    for (const Call& call : calls)
+        uids.insert(call.uid);
+    return static_cast<int32_t>(qsizetype(calls.size()) - uids.size());
+}
 
-private:
-    QSet<int32_t> m_used;
-    int32_t m_highest;
-};
+/// Puts @p call, whose uid was @p old, into its place in @p images, and tells why.
+void put(const Call& call, int32_t old, const QString& why, Images& images, Findings& log)
+{
+    const QString name = recordFile(call.category);
+    log.add(name, kSlotWord, call.slot, u"uid %1, %2: now %3"_s.arg(old).arg(why).arg(call.uid));
+    const auto offset = static_cast<qsizetype>(zyn::recordOffset(call.slot));
+    images.at(name).replace(offset, qsizetype{sizeof call}, zyn::bytesOf(call).toByteArray());
+}
 
 } // namespace
 
@@ -94,24 +99,22 @@ void CallsRepair::correct(QByteArray& record, int from, int to)
 
 RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& log)
 {
-    RenumberedCalls renumbered;
-    FreeUids uids(images);
+    std::vector<Call> calls = callsIn(images);
+    RenumberedCalls renumbered = lowerUids(calls, countEqual(calls) + 1);
+    for (const auto& [old, call] : renumbered)
+        put(call, old, u"above which too few are left"_s, images, log);
+
+    calls = callsIn(images);
+    const auto newest = std::ranges::max_element(calls, {}, &Call::uid);
+    int32_t last = newest == calls.end() ? -1 : newest->uid;
     QSet<int32_t> seen;
-    for (const RC_CALL_CATEGORY_T list : kRecordLists) {
-        const auto file = images.find(recordFile(list));
-        for (int slot = 0; file != images.end() && slot < kRecordSlots; ++slot) {
-            Call call = recordAt(file->second, slot);
-            if (call.inUse == 0)
-                continue;
-            if (seen.contains(call.uid)) {
-                const int32_t old = std::exchange(call.uid, uids.take());
-                log.add(file->first, kSlotWord, slot, u"uid %1, of another call too: now %2"_s.arg(old).arg(call.uid));
-                const auto offset = static_cast<qsizetype>(recordOffset(slot));
-                file->second.replace(offset, qsizetype{sizeof call}, bytesOf(call).toByteArray());
-                renumbered.push_back({old, call});
-            }
-            seen.insert(call.uid);
+    for (Call& call : calls) {
+        if (seen.contains(call.uid)) {
+            const int32_t old = std::exchange(call.uid, ++last);
+            put(call, old, u"of another call too"_s, images, log);
+            renumbered.push_back({old, call});
         }
+        seen.insert(call.uid);
     }
     return renumbered;
 }

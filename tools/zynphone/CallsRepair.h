@@ -1,10 +1,10 @@
 // Makes sound record files of calls out of damaged ones.
 #pragma once
 
+#include "recentcall/utility/CallUids_p.h"
 #include "tools/zynphone/SlotRepair.h"
 
 #include <map>
-#include <vector>
 
 namespace zyn::tool {
 
@@ -25,16 +25,9 @@ private:
     const RC_CALL_CATEGORY_T m_list;
 };
 
-/// A call that has got another uid.
-struct RenumberedCall
-{
-    int32_t oldUid;
-    PHONE_ENG_RecentCall call;
-};
-using RenumberedCalls = std::vector<RenumberedCall>;
-
 /// Gives each call of the sound record files @p images, by their names, a uid of its own: all but the first of several
-/// get one above all others, so that they count as newer. The result is these.
+/// get one above all others, so that they count as newer. When no uid is left above, calls get lower ones first. The
+/// result are those with another uid.
 RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& log);
 
 } // namespace zyn::tool

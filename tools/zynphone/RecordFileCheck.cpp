@@ -1,6 +1,7 @@
 // Checks the record file of a list of calls.
 #include "tools/zynphone/RecordFileCheck.h"
 
+#include "recentcall/utility/CallUids_p.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/StoreFileProblems.h"
@@ -25,6 +26,8 @@ QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T lis
         problems += u"the record names slot %1"_s.arg(record.slot);
     if (list != RC_CALL_CATEGORY_NONE && record.category != list)
         problems += u"the category is %1"_s.arg(categoryWord(record.category));
+    if (record.uid == zyn::kGreatestUid)
+        problems += u"its uid leaves none for newer calls"_s;
     return problems + flagProblems(record) + textProblems(record);
 }
 

@@ -25,7 +25,7 @@ QByteArray repairedSeenCalls(const QByteArray& image)
 }
 
 /// The marks of those of @p calls that the sound @p image has under their old uids.
-QByteArray newMarks(const QByteArray& image, const zyn::tool::RenumberedCalls& calls)
+QByteArray newMarks(const QByteArray& image, const zyn::RenumberedCalls& calls)
 {
     QByteArray marks;
     for (const auto& [oldUid, call] : calls) {
