@@ -378,6 +378,62 @@ private Q_SLOTS:
         QCOMPARE(log().count("a call of category 3 refused"), 5);
     }
 
+    void showsTheNewestBelowALoweredLimit()
+    {
+        const auto startWith = [&](int limit) {
+            stop();
+            m_files->setLimits(50, 50, limit);
+            start();
+        };
+        for (int i = 0; i < 50; ++i)
+            add(kDialed);
+        startWith(10);
+        QCOMPARE(uids(kDialed), downFrom(49, 10));
+        QCOMPARE(m_files->uids(kDialed), downFrom(49, 10)); // as those see it who read the file
+        for (int i = 0; i < 3; ++i)
+            add(kDialed);
+        QCOMPARE(uids(kDialed), downFrom(52, 10));
+        // What the user deletes is not made up for by older calls.
+        QCOMPARE(remove(52, kDialed), 0);
+        QCOMPARE(uids(kDialed), downFrom(51, 9));
+        startWith(50);
+        QCOMPARE(uids(kDialed), downFrom(51, 49));
+        add(kDialed);
+        QCOMPARE(remove(50, kDialed), 0);
+        QCOMPARE(uids(kDialed), Uids({52, 51}) + downFrom(49, 47));
+
+        // A backup of a longer list comes while the limit is low.
+        startWith(3);
+        Uids many;
+        for (int i = 0; i < 50; ++i)
+            many += 100 + (i * 7) % 50;
+        QVERIFY(byRename(m_files->file(kDialed), imageOf(kDialed, many)));
+        add(kDialed);
+        QCOMPARE(uids(kDialed), downFrom(150, 3));
+        // To delete all is to delete those behind the limit, too.
+        QCOMPARE(PHONE_RecentCall_DeleteAll(kDialed, kVoice), 0);
+        startWith(50);
+        QCOMPARE(uids(kDialed), Uids());
+    }
+
+    void showsNoCallTwiceThatWasBeingMoved()
+    {
+        stop();
+        m_files->setLimits(50, 3, 50);
+        QByteArray image = imageOf(kMissed, {5, 6, 7, 8, 7, 9});
+        const auto slotField = [](int slot) {
+            return qsizetype(zyn::recordOffset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
+        };
+        image.replace(slotField(4), 4, words({2})); // as the one in slot 2, whose place it left
+        m_files->write(kMissed, image);
+        start();
+        QCOMPARE(uids(kMissed), downFrom(9, 3));
+        stop();
+        m_files->setLimits(50, 50, 50);
+        start();
+        QCOMPARE(uids(kMissed), downFrom(9, 5));
+    }
+
     void survivesItsEnd_data()
     {
         QTest::addColumn<int>("signal");

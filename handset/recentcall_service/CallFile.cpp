@@ -100,6 +100,16 @@ bool CallFile::erase(int slot)
     return writeSlot(slot, Call());
 }
 
+bool CallFile::exchange(int from, int to)
+{
+    Call call = zyn::recordAt(m_image, from);
+    Call other = zyn::isRecordInUse(m_image, to) ? zyn::recordAt(m_image, to) : Call();
+    call.slot = to;
+    if (other.inUse != 0)
+        other.slot = from;
+    return writeSlot(to, call) && writeSlot(from, other);
+}
+
 bool CallFile::isInPlace() const
 {
     return zyn::posix::leadsTo(path(), m_fd.get()) && zyn::posix::regularFileSize(m_fd.get()) == zyn::kRecordFileSize;

@@ -40,6 +40,9 @@ public:
     bool write(const PHONE_ENG_RecentCall& call);
     /// Frees @p slot.
     bool erase(int slot);
+    /// Moves the call in slot @p from to the slot @p to, and the one that lies there, if any, the other way. A process
+    /// that dies meanwhile leaves the first one twice.
+    bool exchange(int from, int to);
 
     /// Whether this is still the file of the list, and whole.
     bool isInPlace() const;

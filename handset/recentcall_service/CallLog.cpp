@@ -120,22 +120,18 @@ bool CallLog::add(Call record)
     record.inUse = 1;
     Attempts attempts;
     Outcome outcome = Outcome::Failed;
+    QLatin1String problem;
     do {
         // The uids of all lists count.
         const OpenFiles files(*this, zyn::kRecordLists);
         CallFile* file = files.of(record.category);
-        if (!file) {
-            log(QStringLiteral("a call of list %1 is lost: its file cannot be had").arg(record.category));
-            return false;
-        }
-        outcome = store(files.all(), *file, record);
+        outcome = file ? store(files.all(), *file, record) : Outcome::Failed;
+        problem = !file                           ? QLatin1String("cannot be had")
+                  : outcome == Outcome::Displaced ? QLatin1String("is replaced again and again")
+                                                  : QLatin1String("cannot be written");
     } while (attempts.isLeft(outcome));
-    if (outcome != Outcome::Done) {
-        log(QStringLiteral("a call of list %1 is lost: its file %2")
-                .arg(QString::number(record.category), outcome == Outcome::Failed
-                                                           ? QLatin1String("cannot be written")
-                                                           : QLatin1String("is replaced again and again")));
-    }
+    if (outcome != Outcome::Done)
+        log(QStringLiteral("a call of list %1 is lost: its file %2").arg(QString::number(record.category), problem));
     return outcome == Outcome::Done;
 }
 
@@ -198,23 +194,63 @@ bool CallLog::open(CallFile& file)
         return false;
     if (found != CallFile::Found::AsLeft) {
         file.correctSlots();
+        dropCopies(file);
+        bringForward(file);
         noteChange(file.list());
     }
     return true;
 }
 
+/// Frees the slots behind the limit of what lies below it, too: a process died when it brought that forward.
+void CallLog::dropCopies(CallFile& file)
+{
+    const Calls calls = file.calls();
+    const Calls inList = listed(calls);
+    for (const Call& call : calls) {
+        const bool isCopy = call.slot >= limitOf(call.category) && std::ranges::any_of(inList, [&](Call other) {
+                                other.slot = call.slot;
+                                return zyn::bytesOf(other) == zyn::bytesOf(call);
+                            });
+        if (isCopy)
+            file.erase(call.slot);
+    }
+}
+
+/// Brings the newest calls below the limit, from behind it if need be: that may have been higher before.
+void CallLog::bringForward(CallFile& file)
+{
+    const int limit = limitOf(file.list());
+    Calls newest = file.calls();
+    newest.resize(std::min(newest.size(), static_cast<size_t>(limit)));
+    for (Call& call : newest) {
+        if (call.slot < limit)
+            continue;
+        const int slot = freeSlot(newest, limit);
+        if (!file.exchange(call.slot, slot))
+            return;
+        call.slot = slot;
+    }
+}
+
 /// Writes @p record into @p file, one of the open @p files.
 CallLog::Outcome CallLog::store(const Files& files, CallFile& file, Call& record)
 {
-    const Calls calls = listed(file.calls());
     record.uid = nextUid(files);
-    record.slot = freeSlot(calls, limitOf(record.category));
-    if (record.slot == limitOf(record.category))
-        record.slot = calls.back().slot;
+    const Calls calls = file.calls();
+    const Calls inList = listed(calls);
+    const int limit = limitOf(record.category);
+    const bool isFull = inList.size() >= static_cast<size_t>(limit);
+    record.slot = isFull ? inList.back().slot : freeSlot(inList, limit);
     if (!file.write(record))
         return Outcome::Failed;
     if (!file.holds(record))
         return Outcome::Displaced;
+    // Of all calls the oldest goes, which may lie behind the limit.
+    if (isFull && calls.back().slot >= limit) {
+        Call older = inList.back();
+        older.slot = calls.back().slot;
+        file.write(older);
+    }
     m_lastUid = record.uid;
     noteChange(record.category);
     return Outcome::Done;

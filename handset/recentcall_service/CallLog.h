@@ -16,6 +16,10 @@
 /**
  * The answered, missed and dialed calls, in the files of the record store.
  *
+ * A list shows its newest calls, as many as its limit allows; older ones that a higher limit has left in the file stay
+ * there until they are deleted, or the oldest of them goes for a new call of a full list. They make up for no call that
+ * is deleted, not before the log is opened anew.
+ *
  * One process at a time may have one. What it is handed comes from clients and may hold anything. Lists are read from
  * their files at every operation; a file that turns out missing or damaged is made anew first. What fails is told in
  * the log. To be used from one thread.
@@ -66,6 +70,8 @@ private:
     class Attempts;
 
     Outcome store(const Files& files, CallFile& file, PHONE_ENG_RecentCall& record);
+    static void dropCopies(CallFile& file);
+    static void bringForward(CallFile& file);
     static Calls callsOf(const Files& files);
     int32_t nextUid(const Files& files);
     void renumber(const Files& files);
