@@ -208,7 +208,7 @@ QStringList constants()
         u"StoreFileHeader::kMagic | 0x"_s + QString::number(StoreFileHeader::kMagic, 16).toUpper(),
         NUMBER(StoreFileHeader::kVersion), NUMBER(kRecordSlots), NUMBER(ActivityLog_ENG_RecordStore::kFavourites),
         NUMBER(kMaxContactSlots), TEXT(kTopPalsDetailsName), TEXT(kActivityLogLockName), TEXT(kSeenCallsName),
-        TEXT(kStagedInfix), TEXT(kFormerInfix), TEXT(emergency::kListFile), NUMBER(emergency::kRecordLimit),
+        TEXT(posix::kStagedInfix), TEXT(kFormerInfix), TEXT(emergency::kListFile), NUMBER(emergency::kRecordLimit),
         NUMBER(kCommandDataLimit), NUMBER(kGreetingCommand), NUMBER(kCommandTimeout.count()),
         TEXT(recentcall::kSocketPath), TEXT(voicecall::kSocketPath), NUMBER(kMessageLimit),
         TEXT(kFixedDialSwitch), TEXT(kTopPalsSwitch), NUMBER(tool::kLongestRecordingLine),

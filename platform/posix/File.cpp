@@ -1,9 +1,10 @@
 // Files: opened without waiting, read and written whole.
 #include "platform/posix/File_p.h"
 
+#include "platform/posix/Place_p.h"
 #include "platform/posix/Retry_p.h"
 
-#include <cstdio>
+#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -12,10 +13,9 @@
 
 namespace {
 
-constexpr mode_t kNewFileMode = 0666; // less the process's umask
 constexpr mode_t kLockFileMode = 0600;
 
-zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = kNewFileMode)
+zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = 0)
 {
     if (path.contains('\0'))
         return {};
@@ -23,13 +23,11 @@ zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = k
         zyn::posix::retry([&] { return ::open(path.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
 }
 
-/// Whether @p path is still the name of the open file @p fd.
-bool isNamed(const zyn::posix::UniqueFd& fd, const QByteArray& path)
+/// Whether something else than a regular file has the name @p path. To open a device may do more than to open it.
+bool isNoFile(const QByteArray& path)
 {
-    struct stat open = {};
-    struct stat named = {};
-    return ::fstat(fd.get(), &open) == 0 && ::lstat(path.constData(), &named) == 0 && open.st_dev == named.st_dev
-           && open.st_ino == named.st_ino;
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 } // namespace
@@ -43,22 +41,33 @@ UniqueFd openForReading(const QByteArray& path)
 
 UniqueFd openForChanging(const QByteArray& path)
 {
-    return openFile(path, O_RDWR);
+    return openTrusted(path, O_RDWR);
 }
 
-UniqueFd createNew(const QByteArray& path)
+std::optional<FileId> fileId(const QByteArray& path)
 {
-    return openFile(path, O_WRONLY | O_CREAT | O_EXCL);
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
+}
+
+bool isNamed(int fd, const QByteArray& path)
+{
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 && fileId(path) == FileId{status.st_dev, status.st_ino};
 }
 
 UniqueFd lockFile(const QByteArray& path)
 {
     for (;;) {
+        if (isNoFile(path)) {
+            errno = EEXIST;
+            return {};
+        }
         UniqueFd fd = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, kLockFileMode);
         if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
             return {};
         // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
-        if (isNamed(fd, path))
+        if (isNamed(fd.get(), path))
             return fd;
     }
 }
@@ -99,12 +108,16 @@ bool sync(int fd)
 
 std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit)
 {
-    const UniqueFd fd = openForReading(path);
+    return readWhole(openForReading(path).get(), limit);
+}
+
+std::optional<QByteArray> readWhole(int fd, qint64 limit)
+{
     struct stat status = {};
-    if (!fd.isValid() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > limit)
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > limit)
         return std::nullopt;
     QByteArray contents(static_cast<qsizetype>(status.st_size), Qt::Uninitialized);
-    const ssize_t n = readAt(fd.get(), std::as_writable_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
+    const ssize_t n = readAt(fd, std::as_writable_bytes(std::span(contents.data(), size_t(contents.size()))), 0);
     if (n < 0)
         return std::nullopt;
     contents.truncate(n);
@@ -127,31 +140,10 @@ bool leadsTo(const QByteArray& path, int fd)
            && open.st_ino == found.st_ino;
 }
 
-bool exchangeNames(const QByteArray& first, const QByteArray& second)
-{
-    if (::renameat2(AT_FDCWD, first.constData(), AT_FDCWD, second.constData(), RENAME_EXCHANGE) == 0)
-        return true;
-    // File systems that cannot exchange can replace.
-    return (errno == EINVAL || errno == ENOSYS) && std::rename(first.constData(), second.constData()) == 0;
-}
-
 bool isMissing(const QByteArray& path)
 {
     struct stat status = {};
     return ::stat(path.constData(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
-}
-
-bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to)
-{
-    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS)
-        return false;
-    // File systems that cannot rename this way can link, which never replaces.
-    if (::link(from.constData(), to.constData()) != 0)
-        return false;
-    ::unlink(from.constData());
-    return true;
 }
 
 } // namespace zyn::posix

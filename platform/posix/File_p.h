@@ -18,16 +18,29 @@ namespace zyn::posix {
 /// Opens @p path for reading. A FIFO is opened without waiting for its writer.
 UniqueFd openForReading(const QByteArray& path);
 
-/// Opens @p path for reading and writing; never creates it.
+/// Opens @p path for reading and writing; never creates it, and follows no link that somebody else has laid.
 UniqueFd openForChanging(const QByteArray& path);
 
-/// Creates @p path for writing; fails when anything of that name exists.
-UniqueFd createNew(const QByteArray& path);
+/// Tells a file from every other that there is at the same time.
+struct FileId
+{
+    dev_t device;
+    ino_t number;
+
+    bool operator==(const FileId&) const = default;
+};
+
+/// That of what @p path names, be it a link; nothing when it names nothing.
+std::optional<FileId> fileId(const QByteArray& path);
+
+/// Whether @p path is a name of the open file @p fd.
+bool isNamed(int fd, const QByteArray& path);
 
 /**
  * Locks the file @p path, created for this user alone when it is missing, for as long as the descriptor is open.
  *
- * None, with errno EWOULDBLOCK, while another process holds the lock. The kernel ends the lock of a process that dies;
+ * None, with errno EWOULDBLOCK, while another process holds the lock; with EEXIST, when the name is that of no regular
+ * file. The kernel ends the lock of a process that dies;
  * no name or number of a process decides. Whoever holds the lock may remove the file.
  */
 UniqueFd lockFile(const QByteArray& path);
@@ -43,6 +56,8 @@ bool sync(int fd);
 
 /// The contents of a regular file of at most @p limit bytes; nothing for any other.
 std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit);
+/// The same of an open file.
+std::optional<QByteArray> readWhole(int fd, qint64 limit);
 
 /// How many bytes the open file @p fd has; nothing when it is no regular file.
 std::optional<qint64> regularFileSize(int fd);
@@ -50,14 +65,7 @@ std::optional<qint64> regularFileSize(int fd);
 /// Whether @p path, links followed, leads to the open file @p fd.
 bool leadsTo(const QByteArray& path, int fd);
 
-/// Lets two files change their names with each other at once; where the file system cannot do that, @p first takes the
-/// place of @p second.
-bool exchangeNames(const QByteArray& first, const QByteArray& second);
-
 /// Whether there is no file @p path, nor a link to one; false, too, when that cannot be told.
 bool isMissing(const QByteArray& path);
-
-/// Gives the file @p from the name @p to, unless anything has that name already.
-bool renameWithoutReplacing(const QByteArray& from, const QByteArray& to);
 
 } // namespace zyn::posix

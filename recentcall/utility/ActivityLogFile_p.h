@@ -1,6 +1,7 @@
 // The files of the activity log: the favourites' numbers, and the entries of each contact.
 #pragma once
 
+#include "platform/posix/StagedFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
 #include "recentcall/utility/RecentCall_Setup.h"
@@ -107,7 +108,7 @@ inline bool isForeignName(const QString& name)
                                       QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_MISSED) + 1),
                                       QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_DIALED) + 1),
                                       QString::fromLatin1(recordFileName(RC_CALL_CATEGORY_ALL) + 1)};
-    return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(kStagedInfix))
+    return name.contains(u'/') || name.contains(QChar::Null) || name.contains(QLatin1String(posix::kStagedInfix))
            || name.contains(QLatin1String(kFormerInfix)) || std::ranges::find(kNames, name) != kNames.end();
 }
 

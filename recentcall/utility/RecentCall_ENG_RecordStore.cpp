@@ -137,6 +137,7 @@ RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
     zyn::makeStoreDirectory();
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
         const QByteArray path = filePath(category);
+        zyn::removeLeftovers(path);
         if (!zyn::isStoreFile(path, zyn::kRecordFileSize))
             zyn::createStoreFile(path, zyn::freshRecordFile());
     }

@@ -1,9 +1,9 @@
 // The directory of the record files and of the activity log.
 #include "recentcall/utility/StoreDirectory_p.h"
 
-#include <QtCore/QFile>
+#include "platform/posix/Place_p.h"
 
-#include <sys/stat.h>
+#include <QtCore/QFile>
 
 namespace zyn {
 
@@ -21,7 +21,7 @@ QString storePath(const QString& name)
 void makeStoreDirectory()
 {
     constexpr mode_t kDirectoryMode = 0777; // less the process's umask
-    ::mkdir(storeDirectoryPath().constData(), kDirectoryMode);
+    posix::makeDirectory(storeDirectoryPath(), kDirectoryMode);
 }
 
 } // namespace zyn

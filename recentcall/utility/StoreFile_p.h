@@ -37,6 +37,8 @@ inline bool hasValidHeader(QByteArrayView image)
     return header.isValid();
 }
 
+// A store file may be kept elsewhere, by a link of this user's or of root's. Other links lead nowhere.
+
 /// Whether the file at @p path can be read, has @p size bytes and begins with a valid header.
 bool isStoreFile(const QByteArray& path, qint64 size);
 
@@ -50,17 +52,17 @@ std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size);
 /// What keeps a store file from being made.
 enum class CreateResult { Done, CannotOpen, CannotWriteHeader, CannotWriteData };
 
-/// Between a store file's name and the number of the process that makes it: the name under which it is written.
-inline constexpr char kStagedInfix[] = ".new.";
-
 /**
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
  *
  * Several processes may do so at the same moment: a missing file is never put over one that appeared meanwhile, and an
  * invalid one is replaced only after looking again, and given back if another process was faster still. It keeps its
- * owner and permissions, and is overwritten where the directory takes no new file. What is no regular file, or may not
- * be written, stays.
+ * owner and permissions, and is overwritten where the directory takes no new file. What is no regular file, may not be
+ * written, or cannot be looked into, stays; so does an invalid file for whose successor there is no space.
  */
 CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents);
+
+/// Removes what processes that were killed while they made the store file @p path have left beside it.
+void removeLeftovers(const QByteArray& path);
 
 } // namespace zyn

@@ -2,6 +2,7 @@
 #include "recentcall/utility/TopPalsDetails_p.h"
 
 #include "platform/posix/File_p.h"
+#include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 #include "recentcall/utility/TopPalsFile_p.h"
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <span>
+
+#include <fcntl.h>
 
 using zyn::posix::UniqueFd;
 
@@ -32,7 +35,7 @@ bool checkTopPalsFileHeader(const UniqueFd& file)
 /// Reads the places that the file holds whole; whether these are all.
 bool load(zyn::TopPalsDetails& places, const QString& path)
 {
-    const UniqueFd file = zyn::posix::openForReading(QFile::encodeName(path));
+    const UniqueFd file = zyn::posix::openTrusted(QFile::encodeName(path), O_RDONLY);
     if (!file.isValid()) {
         std::printf("TP5_AVL: RC Store:initTopPalNumberDetails(): FAIL: cannot open file %s\n",
                     path.toLatin1().constData());

@@ -1,6 +1,7 @@
 // The files of the activity log: their names, and how they are checked, made and removed.
 #include "recentcall/utility/TopPalsFile_p.h"
 
+#include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
@@ -103,7 +104,7 @@ bool createActivityLogTopPalsFile(const QString& fileName, int slots)
 bool removeTopPalsAvlFile(const QString& number, int slots)
 {
     const QString path = contactPath(number);
-    const bool isRemoved = checkTopPalsFile(path, slots) && QFile::remove(path);
+    const bool isRemoved = checkTopPalsFile(path, slots) && posix::removeFile(QFile::encodeName(path));
     std::printf("TP5_AVL: RC Store: EXIT: removeTopPalsAvlFile()\n");
     return isRemoved;
 }

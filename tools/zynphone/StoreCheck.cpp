@@ -151,7 +151,7 @@ Findings formerFiles(const StoreFiles& files)
 
 bool isLeftover(const QString& name)
 {
-    const QLatin1String infix(kStagedInfix);
+    const QLatin1String infix(posix::kStagedInfix);
     return isGone(name.sliced(name.lastIndexOf(infix) + infix.size()).toLongLong());
 }
 

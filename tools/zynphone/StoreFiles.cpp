@@ -68,7 +68,7 @@ StoreRole roleOf(const QString& name, const std::map<int, QString>& favourites)
         return StoreRole::Lock;
     if (name == QLatin1String(kSeenCallsName))
         return StoreRole::SeenCalls;
-    if (name.contains(QLatin1String(kStagedInfix)))
+    if (name.contains(QLatin1String(posix::kStagedInfix)))
         return StoreRole::Leftover;
     if (isContactFileName(name) || (canNameContactFile(name) && isAmong(favourites, name)))
         return StoreRole::Contact;

@@ -1,0 +1,77 @@
+// Files that come into being whole and at once: written under a name of their own, then renamed.
+#pragma once
+
+#include "platform/posix/Place_p.h"
+
+#include <QtCore/QByteArray>
+
+namespace zyn::posix {
+
+/// Between a file's name and the number of the process that writes it: the name under which it is written.
+inline constexpr char kStagedInfix[] = ".new.";
+
+/// A file that is written beside its place; until it is moved there it goes with the object.
+class StagedFile
+{
+public:
+    /// Makes the file, after removeLeftovers().
+    explicit StagedFile(const Place& place);
+    StagedFile(const StagedFile&) = delete;
+    StagedFile& operator=(const StagedFile&) = delete;
+    ~StagedFile();
+
+    /// Whether it could be made; else errno tells why not, until another call.
+    bool isValid() const { return m_fd.isValid(); }
+    int fd() const { return m_fd.get(); }
+
+    /// Gives it the owner and the permissions of the open file @p other, as far as this process may.
+    void takeAfter(int other) const;
+
+    /// @{ Moves it to its place: there, nothing must be; or whatever is there gives way.
+    bool moveIn();
+    bool moveOver();
+    /// @}
+    /// Lets it and what is at its place change their names at once; where the file system cannot do that, moves it
+    /// over.
+    bool exchange();
+
+    /// Opens what an exchange has brought under the name that this file had.
+    UniqueFd openExchanged(int flags) const;
+    /// Whether that is the open file @p fd, or nothing, as the file at the place was moved over.
+    bool isExchangedFor(int fd) const;
+
+private:
+    const Place& m_place;
+    const QByteArray m_name;
+    UniqueFd m_fd;
+    bool m_isNamed = false;
+};
+
+/**
+ * Puts @p contents in the place of what the file @p path holds, whole and on disk, or leaves it as it is.
+ *
+ * The file keeps its owner and its permissions, as far as this process may give them. What is no regular file is not
+ * replaced, nor what may not be written. On failure errno tells why.
+ */
+bool replaceFile(const QByteArray& path, const QByteArray& contents);
+
+/// The same at a place.
+bool replaceFile(const Place& place, const QByteArray& contents);
+
+/// Makes the file @p path with @p contents, whole and on disk, and with the owner and the permissions of the open file
+/// @p model; false, with errno EEXIST, when anything has that name.
+bool createFile(const QByteArray& path, const QByteArray& contents, int model);
+
+/// Removes the staged files that killed processes have left for @p place.
+void removeLeftovers(const Place& place);
+
+/**
+ * Removes what killed writers of earlier versions have left beside @p place, under its name with a dot and six random
+ * letters. Nobody may be writing there.
+ *
+ * Somebody may have given a copy such a name, too: one that is a word, of one case or with a capital, goes only when it
+ * is empty.
+ */
+void removeTemporaryFiles(const Place& place);
+
+} // namespace zyn::posix
