@@ -1,26 +1,27 @@
 // Reading and changing one settings file.
 #include "platform/SettingsFile_p.h"
 
+#include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
+#include "platform/posix/PrivateDirectory_p.h"
+#include "platform/posix/StagedFile_p.h"
 
 #include <QtCore/QDeadlineTimer>
-#include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLockFile>
-#include <QtCore/QSaveFile>
 #include <QtCore/QThread>
 
+#include <cerrno>
 #include <chrono>
 #include <tuple>
+
+#include <fcntl.h>
 
 namespace {
 
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr std::chrono::milliseconds kLockTimeout{5000};
 constexpr std::chrono::milliseconds kLockPause{2};
-/// From this age on a lock file is taken away unless the kernel's lock on it shows that its holder lives. Nothing else
-/// tells of a holder that was killed before it had written its number, or that nobody has waited for yet.
-constexpr std::chrono::milliseconds kOldLock{2000};
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 struct Line
@@ -112,13 +113,6 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
     return text.insert(groupEnd, added);
 }
 
-/// The file that @p path names, so that a link and its target are changed under one lock.
-QString resolved(const QString& path)
-{
-    const QString target = QFileInfo(path).canonicalFilePath();
-    return target.isEmpty() ? path : target;
-}
-
 bool syncDirectory(const QString& path)
 {
     return zyn::posix::sync(zyn::posix::openForReading(QFile::encodeName(path)).get());
@@ -127,33 +121,35 @@ bool syncDirectory(const QString& path)
 /// Creates the directory @p path, and those above it, on disk.
 bool makeDirectory(const QString& path)
 {
-    const auto exists = [&] { return QFileInfo(path).isDir(); };
+    constexpr mode_t kMode = 0777; // less the process's umask
+    const QByteArray name = QFile::encodeName(path);
+    const auto exists = [&] { return zyn::posix::openTrusted(name, O_PATH | O_DIRECTORY).isValid(); };
     if (exists())
         return true;
     const QString parent = QFileInfo(path).path();
-    return parent != path && makeDirectory(parent) && (QDir().mkdir(path) || exists()) && syncDirectory(parent);
+    return parent != path && makeDirectory(parent) && (zyn::posix::makeDirectory(name, kMode) || exists())
+           && syncDirectory(parent);
 }
 
-/// Takes @p lock, or gives up after kLockTimeout. QLockFile's own wait doubles its pauses up to seconds, in which a
-/// busy writer takes the lock many times over.
-bool acquire(QLockFile& lock)
+/// Takes the lock, or gives up after kLockTimeout with errno EWOULDBLOCK. That of another user is not waited for.
+bool acquire(zyn::posix::FileLock& lock, const QByteArray& path)
 {
-    lock.setStaleLockTime(kOldLock);
     const QDeadlineTimer deadline(kLockTimeout);
-    while (!lock.tryLock(0)) {
-        if (lock.error() != QLockFile::LockFailedError || deadline.hasExpired())
+    while (!lock.take(path, zyn::posix::LockOwner::Trusted)) {
+        if (errno != EWOULDBLOCK || deadline.hasExpired())
             return false;
-        QThread::msleep(kLockPause.count());
+        QThread::msleep(static_cast<unsigned long>(kLockPause.count()));
     }
     return true;
 }
 
-/// Puts @p text in the place of the file's contents, whole or not at all.
-bool save(const QString& path, const QByteArray& text)
+/// What the file at @p place holds; empty when it is missing.
+std::optional<QByteArray> read(const zyn::posix::Place& place)
 {
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush()
-           && zyn::posix::sync(file.handle()) && file.commit() && syncDirectory(QFileInfo(path).path());
+    const zyn::posix::UniqueFd fd = zyn::posix::openAt(place, O_RDONLY);
+    if (!fd.isValid() && errno == ENOENT)
+        return QByteArray();
+    return zyn::posix::readWhole(fd.get(), kSizeLimit);
 }
 
 } // namespace
@@ -199,21 +195,22 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
         return false;
     if (m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
         return false;
-    const QString path = resolved(m_path);
-    QLockFile lock(path + QLatin1String(".lock"));
-    if (m_isLockedOut)
+    // A link and its target are changed under one lock.
+    const std::optional<posix::Place> place = posix::placeOf(QFile::encodeName(m_path));
+    if (m_isLockedOut || !place)
         return false;
-    if (!acquire(lock)) {
-        m_isLockedOut = lock.error() == QLockFile::LockFailedError;
+    posix::FileLock lock;
+    if (!acquire(lock, posix::pathThrough(place->directory.get(), place->name + ".lock"))) {
+        m_isLockedOut = errno == EWOULDBLOCK;
         return false;
     }
-    const std::optional<QByteArray> text =
-        QFileInfo::exists(path) ? posix::readWhole(QFile::encodeName(path), kSizeLimit) : QByteArray();
+    posix::removeTemporaryFiles(*place);
+    const std::optional<QByteArray> text = read(*place);
     if (!text)
         return false;
     const QByteArray entry = key.toUtf8() + '=' + value.toUtf8() + '\n';
     const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
-    return changed.size() <= kSizeLimit && save(path, changed);
+    return changed.size() <= kSizeLimit && posix::replaceFile(*place, changed);
 }
 
 } // namespace zyn

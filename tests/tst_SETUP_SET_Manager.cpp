@@ -362,6 +362,7 @@ void tst_SETUP_SET_Manager::survivesKilledWriters()
         QCOMPARE(role::finish(*writer), -1);
         const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
         QVERIFY(settings.setSettingInfo(u"after"_s, QString::number(round), true));
+        QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
         QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"stays"_s);
         if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
             QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);

@@ -4,25 +4,13 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 
-#include <chrono>
-
-#include <sys/stat.h>
-
-using namespace std::chrono_literals;
+#include <cerrno>
+#include <optional>
 
 namespace {
-
-/// How long a process may take from making the lock file to writing its number into it.
-constexpr auto kBirth = 200ms;
-
-/// Whether @p path is the name of something else than a regular file: to read that could take for ever.
-bool isNoFile(const QString& path)
-{
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISREG(status.st_mode);
-}
 
 QString madeStoreDirectory()
 {
@@ -39,36 +27,27 @@ ActivityLogLock::ActivityLogLock()
 {}
 
 ActivityLogLock::ActivityLogLock(const QString& directory)
-    : m_file(directory + QLatin1Char('/') + QLatin1String(kActivityLogLockName))
-{
-    m_file.setStaleLockTime(0);
-}
+    : m_path(directory + QLatin1Char('/') + QLatin1String(kActivityLogLockName))
+{}
 
 bool ActivityLogLock::take()
 {
-    if (isNoFile(m_file.fileName()))
-        return false;
-    if (m_file.tryLock(0))
-        return true;
-    if (m_file.error() != QLockFile::LockFailedError)
-        return false;
-    qint64 process = 0;
-    if (!m_file.getLockInfo(&process, nullptr, nullptr) && m_file.tryLock(int(kBirth.count())))
-        return true;
-    // The file may name no process, as one that was killed too early leaves it, or a number that another process, or
-    // this one, has now. The kernel knows better: this fails while the one that made the file lives.
-    return m_file.removeStaleLockFile() && m_file.tryLock(0);
+    const bool isTaken = m_lock.take(QFile::encodeName(m_path));
+    m_isOwned = !isTaken && errno == EWOULDBLOCK;
+    if (isTaken)
+        m_lock.sign(QCoreApplication::applicationName().toUtf8());
+    return isTaken;
 }
 
 QString ActivityLogLock::problem() const
 {
-    if (m_file.error() != QLockFile::LockFailedError)
-        return QStringLiteral("cannot make %1").arg(m_file.fileName());
-    qint64 process = 0;
-    QString program;
-    if (!m_file.getLockInfo(&process, nullptr, &program))
+    if (!m_isOwned)
+        return QStringLiteral("cannot make %1").arg(m_path);
+    const std::optional<posix::LockHolder> holder = posix::readLockHolder(QFile::encodeName(m_path));
+    if (!holder)
         return QStringLiteral("another process owns the favourites");
-    return QStringLiteral("process %1 (%2) owns the favourites").arg(process).arg(program);
+    return QStringLiteral("process %1 (%2) owns the favourites")
+        .arg(QString::number(holder->process), QString::fromUtf8(holder->program));
 }
 
 } // namespace zyn::favourites

@@ -1,7 +1,8 @@
 // The right to change the activity log.
 #pragma once
 
-#include <QtCore/QLockFile>
+#include "platform/posix/FileLock_p.h"
+
 #include <QtCore/QString>
 
 namespace zyn::favourites {
@@ -24,7 +25,9 @@ public:
     QString problem() const;
 
 private:
-    QLockFile m_file;
+    const QString m_path;
+    posix::FileLock m_lock;
+    bool m_isOwned = false; ///< by another process, when it was last tried
 };
 
 } // namespace zyn::favourites

@@ -2,14 +2,15 @@
 #include "tools/zynphone/StoreCheck.h"
 
 #include "handset/favourites/SeenCalls.h"
+#include "platform/posix/FileLock_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "tools/zynphone/ContactFileCheck.h"
 #include "tools/zynphone/FavouritesFileCheck.h"
 #include "tools/zynphone/RecordFileCheck.h"
 #include "tools/zynphone/StoreFileProblems.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QHash>
-#include <QtCore/QLockFile>
 
 #include <algorithm>
 #include <cerrno>
@@ -157,10 +158,10 @@ bool isLeftover(const QString& name)
 
 QString lockProblem(const QString& path)
 {
-    qint64 process = 0;
-    if (!QLockFile(path).getLockInfo(&process, nullptr, nullptr))
+    const std::optional<posix::LockHolder> holder = posix::readLockHolder(QFile::encodeName(path));
+    if (!holder)
         return u"it names no process"_s;
-    return isGone(process) ? u"process %1, which made it, is gone"_s.arg(process) : QString();
+    return isGone(holder->process) ? u"process %1, which made it, is gone"_s.arg(holder->process) : QString();
 }
 
 } // namespace zyn::tool
