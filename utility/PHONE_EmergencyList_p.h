@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/posix/File_p.h"
+#include "platform/posix/StagedFile_p.h"
 #include "utility/FixedText_p.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QSaveFile>
+#include <QtCore/QByteArray>
 #include <QtCore/QStringList>
 
 #include <array>
@@ -80,15 +80,14 @@ inline bool writeList(const QStringList& numbers, const char* path = kListFile)
 {
     if (numbers.size() > kRecordLimit)
         return false;
-    QSaveFile file(QFile::decodeName(path));
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
+    QByteArray records;
     for (const QString& number : numbers) {
         const std::optional<Record> record = recordOf(number);
-        if (!record || file.write(record->data(), sizeof(Record)) != sizeof(Record))
+        if (!record)
             return false;
+        records.append(record->data(), qsizetype{sizeof(Record)});
     }
-    return file.commit();
+    return posix::replaceFile(path, records);
 }
 
 } // namespace zyn::emergency

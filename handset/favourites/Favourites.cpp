@@ -2,6 +2,7 @@
 #include "handset/favourites/Favourites.h"
 
 #include "platform/posix/File_p.h"
+#include "platform/posix/StagedFile_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/FavouriteKey_p.h"
@@ -10,10 +11,10 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <compare>
 #include <limits>
 #include <memory>
@@ -21,6 +22,8 @@
 #include <tuple>
 #include <utility>
 #include <vector>
+
+#include <fcntl.h>
 
 using Store = ActivityLog_ENG_RecordStore;
 
@@ -47,7 +50,8 @@ QString pathOf(const QString& key)
 
 std::optional<QByteArray> readFile(const QString& path)
 {
-    return zyn::posix::readWhole(QFile::encodeName(path), zyn::contactFileSize(zyn::kMaxContactSlots));
+    const zyn::posix::UniqueFd fd = zyn::posix::openTrusted(QFile::encodeName(path), O_RDONLY);
+    return zyn::posix::readWhole(fd.get(), zyn::contactFileSize(zyn::kMaxContactSlots));
 }
 
 /// Appends the entries in the first @p slots slots of @p image. What a damaged one says of itself may lead to a slot
@@ -76,13 +80,18 @@ int usedSlots(const QByteArray& image)
     return used;
 }
 
-/// Copies the file @p path beside it, under a name that is free; that name, or null when it cannot be copied.
-QString keepCopy(const QString& path)
+/// Makes a file of @p contents, those of the file @p path, beside it under a name that is free; that name, or null when
+/// it cannot be made.
+QByteArray keepCopy(const QByteArray& path, const QByteArray& contents)
 {
-    QString copy;
-    for (int number = 1; copy.isNull() || QFile::exists(copy); ++number)
-        copy = path + QLatin1String(zyn::kFormerInfix) + QString::number(number);
-    return QFile::copy(path, copy) ? copy : QString();
+    const zyn::posix::UniqueFd original = zyn::posix::openTrusted(path, O_RDONLY);
+    for (int number = 1;; ++number) {
+        QByteArray copy = path + zyn::kFormerInfix + QByteArray::number(number);
+        if (zyn::posix::createFile(copy, contents, original.get()))
+            return copy;
+        if (errno != EEXIST)
+            return {};
+    }
 }
 
 /// The order of @p one and @p other by age, at the time @p now, as far as what they have as calls tells it.
@@ -168,7 +177,7 @@ void removeLeftover(const QString& key)
 {
     const QString path = pathOf(key);
     if (store().checkTopPalsFile(path))
-        QFile::remove(path);
+        zyn::posix::removeFile(QFile::encodeName(path));
 }
 
 /// Lets the library know which index comes next.
@@ -314,13 +323,13 @@ bool renew(const QString& key)
     keepNewest(entries, slots);
     const QByteArray image = freshImage(entries, slots);
     const bool isLosing = old && entries.count() < usedSlots(*old);
-    const QString copy = isLosing ? keepCopy(path) : QString();
+    const QByteArray name = QFile::encodeName(path);
+    const QByteArray copy = isLosing ? keepCopy(name, *old) : QByteArray();
     if (isLosing && copy.isNull())
         return false;
-    QSaveFile file(path);
-    const bool isMade = file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+    const bool isMade = posix::replaceFile(name, image);
     if (!isMade && isLosing)
-        QFile::remove(copy); // else each attempt would leave one
+        posix::removeFile(copy); // else each attempt would leave one
     reload();
     return isMade && isSound(key);
 }

@@ -2,10 +2,10 @@
 #include "handset/favourites/SeenCalls.h"
 
 #include "platform/posix/File_p.h"
+#include "platform/posix/StagedFile_p.h"
 #include "recentcall/utility/StoreFile_p.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 
 #include <cstring>
 #include <utility>
@@ -42,7 +42,6 @@ bool SeenCalls::replaceBy(std::span<const PHONE_ENG_RecentCall> calls)
     QByteArray image = zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray();
     for (const Mark& mark : marks)
         image += zyn::bytesOf(mark);
-    QSaveFile file(m_path);
-    m_isStored = file.open(QIODevice::WriteOnly) && file.write(image) == image.size() && file.commit();
+    m_isStored = zyn::posix::replaceFile(QFile::encodeName(m_path), image);
     return m_isStored;
 }

@@ -1,40 +1,22 @@
 // A file that the tool writes.
 #include "tools/zynphone/OutputFile.h"
 
+#include "platform/posix/StagedFile_p.h"
 #include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr mode_t kPermissions = 07777;
-
-bool writeWhole(QFileDevice& file, const QByteArray& contents)
-{
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush();
-}
-
-/// Gives @p file the owner and the permissions of the one that it replaces, as far as this process may.
-void takeAfterOld(const QSaveFile& file)
-{
-    struct stat status = {};
-    if (::stat(QFile::encodeName(file.fileName()).constData(), &status) != 0)
-        return;
-    [[maybe_unused]] const int result = ::fchown(file.handle(), status.st_uid, status.st_gid);
-    ::fchmod(file.handle(), status.st_mode & kPermissions);
-}
-
-void requireDone(bool isDone, const QFileDevice& file)
+void requireDone(bool isDone, const QString& path, const QString& why)
 {
     if (!isDone)
-        throw zyn::tool::failure(u"cannot write %1: %2"_s.arg(file.fileName(), file.errorString()));
+        throw zyn::tool::failure(u"cannot write %1: %2"_s.arg(path, why));
 }
 
 } // namespace
@@ -47,13 +29,17 @@ void writeFile(const QString& path, const QByteArray& contents)
     const QFileInfo place(path);
     if (place.exists() && !place.isFile()) {
         QFile file(path);
-        requireDone(writeWhole(file, contents), file);
-        return;
+        const bool isDone = file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush();
+        requireDone(isDone, path, file.errorString());
+    } else {
+        replaceFile(path, contents);
     }
-    QSaveFile file(path);
-    requireDone(writeWhole(file, contents), file);
-    takeAfterOld(file);
-    requireDone(file.commit(), file);
+}
+
+void replaceFile(const QString& path, const QByteArray& contents)
+{
+    const bool isDone = posix::replaceFile(QFile::encodeName(path), contents);
+    requireDone(isDone, path, qt_error_string(errno));
 }
 
 } // namespace zyn::tool

@@ -10,4 +10,7 @@ namespace zyn::tool {
 /// pipe is written to. A failure that names the file when it cannot.
 void writeFile(const QString& path, const QByteArray& contents);
 
+/// The same of what must be a regular file or missing.
+void replaceFile(const QString& path, const QByteArray& contents);
+
 } // namespace zyn::tool

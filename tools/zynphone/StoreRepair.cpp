@@ -2,6 +2,7 @@
 #include "tools/zynphone/StoreRepair.h"
 
 #include "handset/favourites/SeenCalls.h"
+#include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/zynphone/ContactRepair.h"
@@ -11,6 +12,8 @@
 #include "tools/zynphone/StoreCheck.h"
 
 #include <QtCore/QFile>
+
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -54,11 +57,12 @@ StoreRepair::StoreRepair(const StoreFiles& files)
 void StoreRepair::apply() const
 {
     for (const auto& [name, image] : m_changed)
-        writeFile(m_files.path(name), image);
+        replaceFile(m_files.path(name), image);
     for (const QString& name : m_removed) {
-        QFile file(m_files.path(name));
-        if (!file.remove())
-            throw failure(u"cannot remove %1: %2"_s.arg(file.fileName(), file.errorString()));
+        const QString path = m_files.path(name);
+        // Who writes a file removes what was left over of it.
+        if (!posix::removeFile(QFile::encodeName(path)) && errno != ENOENT)
+            throw failure(u"cannot remove %1: %2"_s.arg(path, qt_error_string(errno)));
     }
 }
 
