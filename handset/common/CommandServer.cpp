@@ -8,6 +8,7 @@
 #include "handset/common/CommandConnection.h"
 #include "handset/common/Log.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QSocketNotifier>
 
 #include <cerrno>
@@ -19,6 +20,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto kAcceptPause = 100ms;
+constexpr auto kPlaceCheck = 5s;
 
 } // namespace
 
@@ -32,6 +34,10 @@ CommandServer::CommandServer(const QString& path, int maxConnections, Factory fa
     m_acceptPause.setSingleShot(true);
     m_acceptPause.setInterval(kAcceptPause);
     connect(&m_acceptPause, &QTimer::timeout, this, &CommandServer::resumeAccepting);
+    m_placeCheck.setTimerType(Qt::VeryCoarseTimer);
+    m_placeCheck.setInterval(kPlaceCheck);
+    connect(&m_placeCheck, &QTimer::timeout, this, &CommandServer::keepPlace);
+    connect(&m_placeWatch, &QFileSystemWatcher::directoryChanged, this, &CommandServer::keepPlace);
 }
 
 CommandServer::~CommandServer()
@@ -43,13 +49,45 @@ bool CommandServer::listen()
 {
     if (!m_socket.listen())
         return false;
+    startAccepting();
+    watchPlace();
+    m_placeCheck.start();
+    return true;
+}
+
+void CommandServer::startAccepting()
+{
     m_newClient = std::make_unique<QSocketNotifier>(m_socket.descriptor(), QSocketNotifier::Read);
     connect(m_newClient.get(), &QSocketNotifier::activated, this, &CommandServer::acceptNext);
-    return true;
+}
+
+/// Makes the socket again when it is gone.
+void CommandServer::keepPlace()
+{
+    if (!m_socket.isListening() || m_socket.isInPlace())
+        return;
+    for (auto client = m_socket.accept(); client.isValid(); client = m_socket.accept()) {
+        serveOlder();
+        open(std::move(client))->serve();
+    }
+    // Those that cannot be accepted now would be lost with the old socket.
+    if (errno == EAGAIN && m_socket.makeAgain()) {
+        startAccepting();
+        m_newClient->setEnabled(m_connections.size() < m_maxConnections);
+        watchPlace();
+    }
+}
+
+void CommandServer::watchPlace()
+{
+    const QString directory = QFileInfo(m_socket.path()).path();
+    m_placeWatch.removePath(directory); // which may be another one by that name
+    m_placeWatch.addPath(directory);
 }
 
 void CommandServer::close()
 {
+    m_placeCheck.stop();
     m_newClient.reset();
     if (m_socket.isListening()) {
         m_socket.turnAway();

@@ -3,6 +3,7 @@
 
 #include "handset/common/ServiceSocket.h"
 
+#include <QtCore/QFileSystemWatcher>
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
@@ -18,6 +19,8 @@ class CommandConnection;
 
 /**
  * Listens on a command socket and serves its clients.
+ *
+ * A socket that somebody removes, as whoever cleans a directory for temporary files may, is made again.
  *
  * Only this user's processes and root's are served. A request that was sent over one connection is carried out before
  * anything that comes over a connection opened later; of a client that sends many, the others wait for the first few.
@@ -45,7 +48,10 @@ public:
     void close();
 
 private:
+    void startAccepting();
     void acceptNext();
+    void keepPlace();
+    void watchPlace();
     void serveOlder();
     CommandConnection* open(posix::UniqueFd socket);
     void forget(CommandConnection* connection);
@@ -57,6 +63,8 @@ private:
     ServiceSocket m_socket;
     std::unique_ptr<QSocketNotifier> m_newClient;
     QTimer m_acceptPause;
+    QFileSystemWatcher m_placeWatch;
+    QTimer m_placeCheck; ///< for what a watch does not tell
     /// In the order in which they were opened.
     QList<CommandConnection*> m_connections;
 };

@@ -2,20 +2,23 @@
 #include "handset/common/ServiceSocket.h"
 
 #include "handset/common/Log.h"
-#include "platform/posix/File_p.h"
+#include "platform/posix/Place_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
 
 constexpr mode_t kOwnUserOnly = 0600;
+constexpr mode_t kOpenToAll = 0777;
 
 QString lockPath(const QString& path)
 {
@@ -28,6 +31,14 @@ void removeSocket(const QByteArray& path)
     struct stat status = {};
     if (::lstat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode))
         ::unlink(path.constData());
+}
+
+/// Makes the directory of @p path, open to all users as it was, when it is missing.
+void makeDirectoryOf(const QString& path)
+{
+    const QByteArray directory = QFile::encodeName(QFileInfo(path).path());
+    if (zyn::posix::makeDirectory(directory, kOpenToAll))
+        ::fchmodat(AT_FDCWD, directory.constData(), kOpenToAll, AT_SYMLINK_NOFOLLOW);
 }
 
 QString reason(int error)
@@ -52,22 +63,61 @@ ServiceSocket::~ServiceSocket()
 
 bool ServiceSocket::take()
 {
+    return tell(occupy());
+}
+
+bool ServiceSocket::listen()
+{
+    return tell(open());
+}
+
+bool ServiceSocket::isInPlace() const
+{
+    return m_made && posix::fileId(QFile::encodeName(m_path)) == m_made && m_lock.isInPlace();
+}
+
+bool ServiceSocket::makeAgain()
+{
+    const bool isMade = restore();
+    const QString path = QDir::cleanPath(m_path);
+    if (isMade)
+        log(QStringLiteral("%1 or its lock was removed: made again").arg(path));
+    else if (!m_isLost)
+        log(QStringLiteral("%1 or its lock was removed, and cannot be made again now: %2").arg(path, reason(errno)));
+    m_isLost = !isMade;
+    return isMade;
+}
+
+bool ServiceSocket::restore()
+{
+    makeDirectoryOf(m_path);
+    // Only the lock may be gone: then nobody need wait for a new socket.
+    if (m_made && posix::fileId(QFile::encodeName(m_path)) == m_made)
+        return m_lock.take(QFile::encodeName(lockPath(m_path)));
+    return occupy() && open();
+}
+
+/// Becomes the only one who may listen.
+bool ServiceSocket::occupy()
+{
     const QByteArray path = QFile::encodeName(m_path);
-    m_lock = posix::lockFile(QFile::encodeName(lockPath(m_path)));
-    if (!m_lock.isValid())
-        return tell(false);
+    if (!m_lock.isInPlace() && !m_lock.take(QFile::encodeName(lockPath(m_path))))
+        return false;
     if (posix::isServed(path)) {
         errno = EWOULDBLOCK;
-        return tell(false);
+        return false;
     }
     removeSocket(path);
     return true;
 }
 
-bool ServiceSocket::listen()
+bool ServiceSocket::open()
 {
-    m_listener = posix::listenUnix(QFile::encodeName(m_path), kOwnUserOnly);
-    return tell(m_listener.isValid());
+    const QByteArray path = QFile::encodeName(m_path);
+    m_listener = posix::listenUnix(path, kOwnUserOnly);
+    if (m_listener.isValid())
+        m_made = posix::fileId(path);
+    return m_listener.isValid();
 }
 
 /// What is not done is told, with errno's reason.
@@ -92,7 +142,9 @@ void ServiceSocket::turnAway()
 {
     if (!m_listener.isValid())
         return;
-    QFile::remove(m_path);
+    const QByteArray path = QFile::encodeName(m_path);
+    if (posix::fileId(path) == m_made)
+        ::unlink(path.constData());
     ::shutdown(m_listener.get(), SHUT_RD);
 }
 
@@ -100,9 +152,8 @@ void ServiceSocket::release()
 {
     turnAway();
     m_listener.reset();
-    if (m_lock.isValid())
-        QFile::remove(lockPath(m_path));
-    m_lock.reset();
+    m_made.reset();
+    m_lock.release();
 }
 
 } // namespace zyn::handset

@@ -1,9 +1,12 @@
 // The listening socket of a service, of which one process at a time is the owner.
 #pragma once
 
-#include "platform/posix/UniqueFd_p.h"
+#include "platform/posix/FileLock_p.h"
+#include "platform/posix/File_p.h"
 
 #include <QtCore/QString>
+
+#include <optional>
 
 namespace zyn::handset {
 
@@ -30,6 +33,11 @@ public:
     /// Listens, for this user's processes alone; the socket must have been taken.
     bool listen();
     bool isListening() const { return m_listener.isValid(); }
+    /// Whether socket and lock are still those that were made: whoever cleans up may have removed them.
+    bool isInPlace() const;
+    /// Makes again what is gone, along with the directory; false when it cannot be had. Who waits at the old socket
+    /// must have been accepted.
+    bool makeAgain();
     /// The listening descriptor.
     int descriptor() const { return m_listener.get(); }
 
@@ -39,15 +47,20 @@ public:
 
     /// From here on connecting fails; who is connected already can still be accepted.
     void turnAway();
-    /// Removes the socket and its lock, for the next owner.
+    /// Removes the socket and its lock, for the next owner. What another one has put there stays.
     void release();
 
 private:
+    bool occupy();
+    bool open();
+    bool restore();
     bool tell(bool isDone) const;
 
     const QString m_path;
-    posix::UniqueFd m_lock;
+    posix::FileLock m_lock;
     posix::UniqueFd m_listener;
+    std::optional<posix::FileId> m_made; ///< the socket's file
+    bool m_isLost = false;               ///< and could not be made again, which has been told
 };
 
 } // namespace zyn::handset
