@@ -2,6 +2,7 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "support/ActivityLogFixture.h"
+#include "support/OtherUser.h"
 #include "support/ServiceProcess.h"
 #include "support/StdoutCapture.h"
 #include "support/Tool.h"
@@ -173,6 +174,7 @@ private Q_SLOTS:
     void keepsEntriesWithoutASlot();
     void followsANewUid();
     void refusesALockThatIsNoFile();
+    void copiesNothingBehindAnotherUsersLink();
     void givesFavouritesBack();
     void importsWhatHasAPlace();
     void leavesAStoreInUse();
@@ -369,6 +371,28 @@ void ZynphoneStoreTest::refusesWhatIsNoStore()
                           "rc_d and topPalsDetails\nexit 4"_s));
     QVERIFY(run({u"inspect"_s, u"--repair"_s, u"/none"_s}).endsWith(u"/none: no such directory\nexit 4"_s));
     QVERIFY(run("inspect --repair --verify /tmp").endsWith(u"exit 2"_s));
+}
+
+void ZynphoneStoreTest::copiesNothingBehindAnotherUsersLink()
+{
+    const QString precious = m_store->path() + u"/precious"_s;
+    QFile file(precious);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("precious") > 0);
+    file.close();
+    QVERIFY(QFile::remove(m_store->file(u"rc_d"_s)) && QFile::link(precious, m_store->file(u"rc_d"_s)));
+    if (!otheruser::give(m_store->file(u"rc_d"_s)))
+        QSKIP("only root can act as another user");
+    patch(*m_store, "rc_a", 0, "5");
+    const QString told = inspect("--repair");
+    QVERIFY2(told.startsWith(u"saved */phone."_s), qPrintable(told));
+    QVERIFY(told.contains(u"rc_d: no regular file that can be read\n"_s));
+    const QDir directory(m_store->path());
+    for (const QString& copy : directory.entryList({u"phone.*"_s}, QDir::Dirs)) {
+        QVERIFY(QFile::exists(directory.filePath(copy + u"/rc_a"_s)));
+        QVERIFY(!QFile::exists(directory.filePath(copy + u"/rc_d"_s)));
+    }
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), "precious");
 }
 
 void ZynphoneStoreTest::givesFavouritesBack()

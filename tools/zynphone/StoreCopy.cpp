@@ -1,6 +1,7 @@
 // A copy of a store directory.
 #include "tools/zynphone/StoreCopy.h"
 
+#include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "tools/zynphone/ExitCode.h"
 
@@ -9,14 +10,24 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <fcntl.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Copies one file; why it could not, or nothing.
+using namespace zyn;
+
+/// Copies one file; why it could not, or nothing. What is no regular file, or lies behind a link of another user, is no
+/// file of the store.
 QString copyFile(const QString& from, const QString& to)
 {
-    QFile file(from);
+    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(from), O_RDONLY);
+    if (!fd.isValid() && QFileInfo(from).isSymLink())
+        return {};
+    QFile file(fd.isValid() ? u"/proc/self/fd/%1"_s.arg(fd.get()) : from);
+    if (!QFileInfo(file.fileName()).isFile())
+        return {};
     return file.copy(to) ? QString() : u"cannot copy %1: %2"_s.arg(from, file.errorString());
 }
 
@@ -33,7 +44,7 @@ QString copyStore(const StoreFiles& files)
     if (!QDir().mkdir(path, QFileInfo(files.directory()).permissions()))
         throw failure(u"cannot make %1 for a copy, so nothing was changed"_s.arg(path));
     for (const auto& [name, image] : files.images()) {
-        if (name == QLatin1String(kActivityLogLockName) || !QFileInfo(files.path(name)).isFile())
+        if (name == QLatin1String(kActivityLogLockName))
             continue;
         const QString problem = copyFile(files.path(name), path + u'/' + name);
         if (!problem.isEmpty()) {

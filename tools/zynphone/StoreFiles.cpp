@@ -2,6 +2,7 @@
 #include "tools/zynphone/StoreFiles.h"
 
 #include "platform/posix/File_p.h"
+#include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "tools/zynphone/ContactFileCheck.h"
 #include "tools/zynphone/ExitCode.h"
@@ -14,6 +15,8 @@
 #include <QtCore/QFile>
 
 #include <algorithm>
+
+#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -31,8 +34,10 @@ StoreFiles::StoreFiles(const QString& directory)
                            u"%1: no store directory, as it has no %2, %3, %4 and %5"_s.arg(
                                directory, recordFile(RC_CALL_CATEGORY_ANSWERED), recordFile(RC_CALL_CATEGORY_MISSED),
                                recordFile(RC_CALL_CATEGORY_DIALED), QLatin1String(kTopPalsDetailsName)));
-    for (const QString& name : names)
-        m_images.emplace(name, posix::readWhole(QFile::encodeName(path(name)), kStoreFileLimit));
+    for (const QString& name : names) {
+        const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path(name)), O_RDONLY);
+        m_images.emplace(name, posix::readWhole(fd.get(), kStoreFileLimit));
+    }
 }
 
 QString StoreFiles::path(const QString& name) const
