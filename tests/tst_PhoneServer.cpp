@@ -2,6 +2,7 @@
 #include "handset/phone_server/CallCourse.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
+#include "recentcall/utility/RecentCall_Command_p.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
@@ -65,6 +66,28 @@ QByteArrayList calls()
     return texts;
 }
 
+/// Listens at the recent-call service's socket without ever taking a connection, and has room for none.
+class FullService
+{
+public:
+    FullService()
+        : m_listener(zyn::posix::unixSocket())
+    {
+        const QByteArray path = zyn::recentcall::kSocketPath;
+        const zyn::posix::UnixAddress address = zyn::posix::unixAddress(path);
+        if (::bind(m_listener.get(), address.get(), address.length) != 0 || ::listen(m_listener.get(), 0) != 0)
+            qFatal("cannot listen on %s", path.constData());
+        m_waiting = zyn::posix::connectUnixAtOnce(path);
+    }
+    FullService(const FullService&) = delete;
+    FullService& operator=(const FullService&) = delete;
+    ~FullService() { ::unlink(zyn::recentcall::kSocketPath); }
+
+private:
+    UniqueFd m_listener;
+    UniqueFd m_waiting;
+};
+
 /// Records the status messages, and what calls were stored when the end of a call was reported.
 class Statuses : public QCopChannel
 {
@@ -78,12 +101,13 @@ public:
         if (type == 24 || type == 25 || type == 35 || type == 54)
             return;
         m_all += type == 44 ? QByteArray("44") : message.mid(10) + ':' + data.toHex();
-        if (type == 44)
+        if (type == 44 && looksAtCalls)
             storedCalls = calls();
     }
     qsizetype count(const QByteArray& status) const { return m_all.count(status); }
     QByteArray all() const { return m_all.join(' '); }
 
+    bool looksAtCalls = false;
     QByteArrayList storedCalls;
 
 private:
@@ -125,6 +149,7 @@ private Q_SLOTS:
     }
     void cleanup()
     {
+        m_recentCalls.tell(SIGCONT);
         for (ServiceProcess* process : {&m_server, &m_recentCalls})
             QVERIFY(!process->isRunning() || process->stop() == 0);
         QVERIFY(!QFile::exists(socketPath()) && !QFile::exists(socketPath() + QStringLiteral(".lock")));
@@ -161,6 +186,7 @@ private Q_SLOTS:
 
     void reportsEachStateAndStoresTheCallFirst()
     {
+        m_statuses->looksAtCalls = true;
         char number[] = "0301234";
         PHONE_MakeVoiceCall(number, QStringLiteral("Anna"), false, PHONE_MAKE_CALL_CLIR_T(0), 0);
         QTRY_COMPARE(m_statuses->count("44"), 4);
@@ -329,23 +355,91 @@ private Q_SLOTS:
         QTRY_COMPARE(m_statuses->count("4:50"), 1);
     }
 
-    void tellsOfACallThatNobodyTakes_data()
+    void keepsTheLineFreeAndTheCallsInOrderWhenTheirServiceIs_data()
     {
-        QTest::addColumn<QString>("options");
-        QTest::addColumn<int>("changesBeforeItsEnd");
-        QTest::newRow("while it goes on") << QStringLiteral("--step 5") << 4;
-        QTest::newRow("as it ends") << kForLong << 3;
+        QTest::addColumn<int>("signal"); // 0 for none, and a service that has no room
+        QTest::addColumn<bool>("isBackAsItWas");
+        QTest::newRow("ended") << SIGTERM << false;
+        QTest::newRow("hanging, and goes on") << SIGSTOP << true;
+        QTest::newRow("hanging, and killed") << SIGSTOP << false;
+        QTest::newRow("too busy for a connection") << 0 << false;
     }
-    void tellsOfACallThatNobodyTakes()
+    void keepsTheLineFreeAndTheCallsInOrderWhenTheirServiceIs()
     {
-        QFETCH(QString, options);
-        QFETCH(int, changesBeforeItsEnd);
-        restart(options);
+        QFETCH(int, signal);
+        QFETCH(bool, isBackAsItWas);
+        restart(kForLong);
+        if (signal == SIGSTOP)
+            m_recentCalls.tell(SIGSTOP);
+        else
+            QCOMPARE(m_recentCalls.stop(), 0);
+        auto full = signal == 0 ? std::make_unique<FullService>() : nullptr;
+        QByteArrayList expected;
+        for (const char* number : {"0301", "112", "0303", "112"}) {
+            const qsizetype before = m_statuses->count("44");
+            PHONE_MakeVoiceCallDirectly(number);
+            QTRY_COMPARE(m_statuses->count("44"), before + 3);
+            PHONE_EndVoiceCall();
+            QTRY_COMPARE(m_statuses->count("44"), before + 4);
+            expected += QByteArray("3 ") + number + "  talked";
+        }
+        full.reset();
+        if (isBackAsItWas) {
+            m_recentCalls.tell(SIGCONT);
+        } else {
+            QVERIFY(!m_recentCalls.isRunning() || m_recentCalls.stop(SIGKILL) == -1);
+            QVERIFY(m_recentCalls.start(ZYN_RECENTCALLD));
+        }
+        QTRY_COMPARE(calls(), expected);
+    }
+
+    void tellsOfEachCallThatNobodyTakes_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<QByteArray>("told");
+        QTest::newRow("of a service that has ended") << SIGTERM << QByteArray("never took ");
+        QTest::newRow("of one that hangs") << SIGSTOP << QByteArray("was sent ");
+    }
+    void tellsOfEachCallThatNobodyTakes()
+    {
+        QFETCH(int, signal);
+        QFETCH(QByteArray, told);
+        m_recentCalls.tell(signal);
+        QVERIFY(signal == SIGSTOP || m_recentCalls.finish() == 0);
+        QByteArray script;
+        QByteArrayList waiting;
+        QByteArrayList expected;
+        for (int number = 10; number < 30; ++number) {
+            const QByteArray text = QByteArray::number(number);
+            script += "incoming " + text + "\nmissed\n";
+            waiting += "has not taken the call of list 2, type 1, number " + text;
+            expected += told + "the call of list 2, type 1, number " + text;
+        }
+        restart(QStringLiteral("--script '%1'").arg(scriptFile(script + "incoming 30\nanswer\n")));
+        expected += told + "the call of list 1, type 1, number 30";
+        QVERIFY(m_server.waitLogged(waiting.last()));
+        const QByteArray log = m_server.log();
+        qsizetype position = 0;
+        for (const QByteArray& text : waiting + expected) {
+            position = log.indexOf(text, position);
+            QVERIFY2(position >= 0, text + " in its place of " + log);
+        }
+        QCOMPARE(log.count("the call of list"), waiting.size() + expected.size());
+        if (signal != SIGSTOP)
+            return;
+        // It finds them when it goes on.
+        m_recentCalls.tell(SIGCONT);
+        QTRY_COMPARE(calls().size(), expected.size());
+    }
+
+    void handsOverWhatWaitedWhenTheServiceIsBack()
+    {
         QCOMPARE(m_recentCalls.stop(), 0);
-        PHONE_MakeVoiceCallDirectly("0301");
-        QTRY_COMPARE(m_statuses->count("44"), changesBeforeItsEnd);
-        QVERIFY(m_server.log().contains("never took the call of list 3, type 1, number 0301, "));
-        QTRY_COMPARE(m_statuses->count("44"), 4);
+        restart(QStringLiteral("--script '%1'").arg(scriptFile("incoming 1\nmissed\nincoming 2\nmissed\n")));
+        QVERIFY(m_server.waitLogged("has not taken the call of list 2, type 1, number 2"));
+        QVERIFY(m_recentCalls.start(ZYN_RECENTCALLD));
+        QVERIFY(m_server.waitLogged("is back, and has taken the 2 calls that waited\n"));
+        QCOMPARE(calls(), QByteArrayList({"2 1  none", "2 2  none"}));
     }
 
     void handsOverTheCallThatItsEndCuts()

@@ -1,19 +1,24 @@
 // Hands finished calls to the recent-call service.
 #pragma once
 
+#include "platform/posix/UniqueFd_p.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
 
-#include <QtCore/QList>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QObject>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
-#include <functional>
+#include <cstddef>
+#include <deque>
+#include <memory>
 
 /**
- * Hands calls over one after another.
+ * Hands calls over in their order, beside everything else: it never waits for the service.
  *
- * A call that the service does not take is tried again a few times within about three seconds, while the event loop
- * goes on; one that it never takes is told in the log with all that is known of it.
+ * A call is sent on a connection of its own, and counts as handed over when the service has read it. A service that
+ * dies before that is sent it again by way of the next one. When none is handed over for three seconds, each that waits
+ * is told in the log; they are tried for as long as this process lives.
  */
 class HandOver : public QObject
 {
@@ -21,11 +26,13 @@ class HandOver : public QObject
 
 public:
     HandOver();
+    ~HandOver() override;
 
-    /// Hands @p record over, at once if none waits, and calls @p done when it was taken or given up.
-    void add(const PHONE_ENG_RecentCall& record, std::function<void()> done);
+    /// Sends @p record, unless there is no service: whoever asks the service from here on finds the call in its list.
+    void add(const PHONE_ENG_RecentCall& record);
 
-    /// Waits until no call is left; the event loop goes on meanwhile.
+    /// Waits until no call is left, for three seconds at most, while the event loop goes on. What is left then is told
+    /// in the log.
     void finish();
 
 Q_SIGNALS:
@@ -36,13 +43,22 @@ private:
     struct Item
     {
         PHONE_ENG_RecentCall record;
-        std::function<void()> done;
+        zyn::posix::UniqueFd connection = {};           ///< none before it is sent
+        std::unique_ptr<QSocketNotifier> answered = {}; ///< when something has become of it
+        bool isTold = false;
     };
 
     void goOn();
-    bool tryFirst();
+    void tryAgain();
+    void collect();
+    void noteTaken(const Item& item);
+    void sendWaiting(size_t most);
+    bool send(Item& item);
+    void tellWaiting();
 
-    QList<Item> m_waiting;
-    int m_failures = 0; ///< of the first that waits
+    std::deque<Item> m_waiting;
     QTimer m_pause;
+    QElapsedTimer m_sinceTaken; ///< or since something has begun to wait
+    bool m_isRefused = false;   ///< whether the last call that was to be sent could not be
+    int m_late = 0;             ///< calls that were told, and taken after all
 };

@@ -93,7 +93,8 @@ void PhoneLine::missWhileBusy(const Party& caller)
     Call call(CallCourse::incoming(), caller);
     call.take(CallEvent::Miss);
     log(QStringLiteral("a call from %1 is missed: the line is busy").arg(caller.number));
-    m_handOver.add(call.record(), [] { reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S); });
+    m_handOver.add(call.record());
+    reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
 }
 
 /// Goes on from the state that the call has come to.
@@ -102,7 +103,9 @@ void PhoneLine::goOn()
     const CallCourse& course = m_call->course();
     m_next.stop();
     if (course.isOver()) {
-        m_handOver.add(m_call->record(), [this] { reportEnd(); });
+        // First: who hears of the end looks for the call in the log.
+        m_handOver.add(m_call->record());
+        reportEnd();
         return;
     }
     if (course.isPlaced())

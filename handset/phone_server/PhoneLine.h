@@ -21,8 +21,8 @@ struct CallPace
  * Walks one call at a time through its course.
  *
  * Placed calls go on by themselves; incoming ones wait for an answer and then for somebody to hang up. Every
- * change is reported with a status message. The finished call is handed to the recent-call service before its
- * end is reported, and the line is free when it has been.
+ * change is reported with a status message. The finished call is sent to the recent-call service before its end is
+ * reported; the line is free then, whatever becomes of that.
  */
 class PhoneLine : public QObject
 {
@@ -56,8 +56,8 @@ public:
     /// Switches the radio; without it there are no calls.
     void setRadio(bool isOn);
 
-    /// Ends the call on the line, and places and takes no other from here on; returns when all calls have
-    /// been handed over.
+    /// Ends the call on the line, and places and takes no other from here on; returns when all calls have been handed
+    /// over, or the recent-call service has not taken them in time.
     void close();
 
 Q_SIGNALS:

@@ -27,7 +27,7 @@ public:
     /// or the socket cannot be had.
     bool listen();
 
-    /// Ends the call on the line, and returns when all calls have been handed over.
+    /// Ends the call on the line, and returns when all calls have been handed over, as far as they are taken in time.
     void close() { m_line.close(); }
 
 private:

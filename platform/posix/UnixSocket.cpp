@@ -8,7 +8,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -174,6 +176,24 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
 void shutDown(int fd)
 {
     ::shutdown(fd, SHUT_RDWR);
+}
+
+void endSending(int fd)
+{
+    ::shutdown(fd, SHUT_WR);
+}
+
+Delivery deliveryOn(int fd)
+{
+    std::byte answer{};
+    const ssize_t n = retry([&] { return ::recv(fd, &answer, 1, MSG_DONTWAIT); });
+    if (n >= 0)
+        return Delivery::Read;
+    // A peer that closes, or dies, with something unread resets the connection.
+    if (!isPassing())
+        return Delivery::Lost;
+    int unread = 0;
+    return ::ioctl(fd, SIOCOUTQ, &unread) == 0 && unread == 0 ? Delivery::Read : Delivery::Pending;
 }
 
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)

@@ -89,6 +89,19 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
 /// has come already.
 void shutDown(int fd);
 
+/// What has become of what was sent on a connection.
+enum class Delivery {
+    Pending, ///< the peer has yet to read some of it
+    Read,    ///< all of it
+    Lost,    ///< the connection ended before the peer had read it
+};
+
+/// Ends the sending direction, behind what was sent already: the peer reads its end there.
+void endSending(int fd);
+
+/// Tells of a connection on which the peer has nothing to say. Its end, or anything it says, makes @p fd readable.
+Delivery deliveryOn(int fd);
+
 /// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.
 bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline);
 

@@ -1,8 +1,10 @@
 // Requests to the recent-call service, for the library's interfaces and for the programs of the handset.
 #include "recentcall/utility/RecentCall_Client_p.h"
 
+#include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
@@ -12,6 +14,12 @@ constexpr int kReceiveBufferSize = 10'240;
 constexpr int32_t kGreeting = 0;
 constexpr int kInterfaceFailure = 3;
 
+QByteArray frame(int32_t code, QByteArrayView data)
+{
+    const auto header = zyn::CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
+    return QByteArray(reinterpret_cast<const char*>(header.data()), qsizetype{header.size()}).append(data);
+}
+
 } // namespace
 
 namespace zyn::recentcall {
@@ -20,6 +28,11 @@ posix::UniqueFd connectToService()
 {
     const QString path = RecentCall_dataDir() + QLatin1Char('/') + QLatin1String(kSocketName);
     return connectCommandSocket(path, kReceiveBufferSize, kGreeting);
+}
+
+QByteArray addRequest(const PHONE_ENG_RecentCall& record)
+{
+    return frame(kGreetingCommand, bytesOf(kGreeting)) + frame(AddRecord, bytesOf(record));
 }
 
 bool post(Command command, std::span<const std::byte> data)

@@ -5,6 +5,7 @@
 #include "platform/posix/UniqueFd_p.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 #include <cstddef>
@@ -15,6 +16,9 @@ namespace zyn::recentcall {
 
 /// A greeted connection to the service, or none.
 posix::UniqueFd connectToService();
+
+/// All that is sent on a connection of its own to have @p record added; no answer follows.
+QByteArray addRequest(const PHONE_ENG_RecentCall& record);
 
 /// Sends one command on a connection of its own, without waiting for an answer.
 bool post(Command command, std::span<const std::byte> data);

@@ -15,6 +15,7 @@ public:
     bool start(const char* program, const QString& options = {}, const QString& before = {})
     {
         const QString command = QStringLiteral("%1 exec '%2' --ready-fd 3 %3 3>&1 >/dev/null");
+        m_process.setReadChannel(QProcess::StandardOutput);
         m_process.start(QStringLiteral("/bin/sh"),
                         {QStringLiteral("-c"), command.arg(before, QLatin1String(program), options)});
         return role::waitReady(m_process);
