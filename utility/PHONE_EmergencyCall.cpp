@@ -33,14 +33,15 @@ bool mayBecomePinCode(const QString& input)
 
 bool mayBecomeEmergencyNumber(const QString& input)
 {
-    return std::ranges::any_of(emergency::readList(), [&](const QString& number) { return number.startsWith(input); });
+    return emergency::anyNumber([&](const QString& number) { return number.startsWith(input); });
 }
 
 } // namespace
 
 bool PHONE_IsEmergencyCall(char* number)
 {
-    return number && emergency::readList().contains(QString::fromLatin1(number));
+    const QString wanted = QString::fromLatin1(number);
+    return number && emergency::anyNumber([&](const QString& listed) { return listed == wanted; });
 }
 
 bool PHONE_IsEmergencyCallNumber(char* number)

@@ -5,9 +5,9 @@
 
 #include <QtCore/QString>
 
-// The emergency numbers are in the file "/tmp/emergency_call", which every question reads anew. A missing file has
-// none, one that breaks off has those in front of the break, and no more than 1,560 records are read. Texts are
-// compared character by character.
+// The emergency numbers are in the file "/tmp/emergency_call", which every question reads anew, to its end. A missing
+// file has none, and one that breaks off has those in front of the break. Of what is no regular file no more than 1,560
+// records are read. Texts are compared character by character.
 
 /// Whether @p number (Latin-1) is an emergency number; a null one is none.
 ZYN_EXPORT bool PHONE_IsEmergencyCall(char* number);

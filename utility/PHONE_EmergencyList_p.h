@@ -8,9 +8,12 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QStringList>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace zyn::emergency {
 
@@ -20,8 +23,13 @@ inline constexpr char kListFile[] = "/tmp/emergency_call";
 using Record = std::array<char, 42>;
 static_assert(sizeof(Record) == 42);
 
-/// How many records of a file are read; whatever somebody puts under its name, a question has an end.
+/// How many records are written, and how many of what is no regular file are read: whatever somebody puts under the
+/// file's name, a question has an end.
 inline constexpr int kRecordLimit = 1560;
+
+/// How many records are read at a time: all of any list but a huge one. What is written in place between two reads
+/// would make one list of two.
+inline constexpr int kRecordsAtATime = 400'000;
 
 /// The code that shows the IMEI, and the keypad lock status that allows it.
 inline constexpr char kImeiCode[] = "*#06#";
@@ -36,31 +44,44 @@ constexpr bool allowsPinCodes(int simCardStatus)
     return simCardStatus == 0 || simCardStatus == 3;
 }
 
-/// The record at the number @p index of the open file; empty when it is not there whole. A last record that
-/// is cut short counts when its NUL is there: a file caught half-written gives no number that nobody wrote.
-inline std::optional<Record> readRecord(int fd, int index)
+/// Whether @p isWanted says so of one of the numbers in the file @p path, which it is asked of in their order; of none
+/// when the file cannot be read. A last record that is cut short counts when its NUL is there: a file caught
+/// half-written gives no number that nobody wrote.
+inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const char* path = kListFile)
 {
-    Record record = {};
-    const ssize_t length =
-        posix::readAt(fd, std::as_writable_bytes(std::span(record)), off_t{index} * static_cast<off_t>(sizeof record));
-    const bool isWhole = length == static_cast<ssize_t>(sizeof record);
-    if (length <= 0 || (!isWhole && !std::memchr(record.data(), '\0', static_cast<size_t>(length))))
-        return std::nullopt;
-    return record;
+    const posix::UniqueFd file = posix::openForReading(path);
+    const qint64 size = posix::regularFileSize(file.get()).value_or(0);
+    constexpr auto kRecordSize = static_cast<off_t>(sizeof(Record));
+    std::vector<Record> records(
+        static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
+    for (off_t offset = 0;;) {
+        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(std::span(records)), offset);
+        if (length <= 0)
+            return false;
+        const auto whole = static_cast<size_t>(length) / sizeof(Record);
+        const auto rest = static_cast<size_t>(length) % sizeof(Record);
+        const bool isLast = offset + length >= size;
+        const bool isRestNumber = isLast && rest > 0 && std::memchr(records[whole].data(), '\0', rest);
+        for (const Record& record : std::span(records).first(whole + (isRestNumber ? 1 : 0))) {
+            if (const QString number = latin1Text(record); !number.isEmpty() && isWanted(number))
+                return true;
+        }
+        if (isLast || whole == 0)
+            return false;
+        offset += static_cast<off_t>(whole) * kRecordSize;
+    }
 }
 
 /// The numbers in the file @p path in their order; none when it cannot be read.
 inline QStringList readList(const char* path = kListFile)
 {
     QStringList numbers;
-    const posix::UniqueFd file = posix::openForReading(path);
-    for (int index = 0; index < kRecordLimit; ++index) {
-        const std::optional<Record> record = readRecord(file.get(), index);
-        if (!record)
-            break;
-        if (const QString number = latin1Text(*record); !number.isEmpty())
+    anyNumber(
+        [&](const QString& number) {
             numbers += number;
-    }
+            return false;
+        },
+        path);
     return numbers;
 }
 

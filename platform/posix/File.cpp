@@ -76,7 +76,7 @@ ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset)
 {
     ssize_t total = 0;
     while (!buffer.empty()) {
-        const ssize_t n = retry([&] { return ::pread(fd, buffer.data(), buffer.size(), offset); });
+        const ssize_t n = readOnceAt(fd, buffer, offset);
         if (n < 0)
             return -1;
         if (n == 0)
@@ -86,6 +86,19 @@ ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset)
         total += n;
     }
     return total;
+}
+
+ssize_t readOnceAt(int fd, std::span<std::byte> buffer, off_t offset)
+{
+    return retry([&] { return ::pread(fd, buffer.data(), buffer.size(), offset); });
+}
+
+std::optional<off_t> regularSize(int fd)
+{
+    struct stat status = {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return status.st_size;
 }
 
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)

@@ -48,6 +48,13 @@ UniqueFd lockFile(const QByteArray& path);
 /// Reads into @p buffer from @p offset on; the number of bytes read, fewer only at the end of the file; -1 on an error.
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
 
+/// The same with one system call, so that nothing which is written between two comes in; fewer bytes than there are in
+/// the file are rare, but possible.
+ssize_t readOnceAt(int fd, std::span<std::byte> buffer, off_t offset);
+
+/// The size of a regular file in bytes; nothing for anything else.
+std::optional<off_t> regularSize(int fd);
+
 /// Writes all of @p bytes at @p offset.
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
 

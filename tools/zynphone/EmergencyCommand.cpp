@@ -145,7 +145,7 @@ ExitCode writeNumbers(const Invocation& call, Console& /*console*/)
     for (const QString& number : call.arguments())
         numbers += callNumber(number);
     if (numbers.size() > emergency::kRecordLimit)
-        throw usageError(u"%1 numbers; at most %2 are read"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
+        throw usageError(u"%1 numbers; at most %2 are written"_s.arg(numbers.size()).arg(emergency::kRecordLimit));
     if (!emergency::writeList(numbers))
         throw failure(u"cannot write %1"_s.arg(QLatin1String(emergency::kListFile)));
     return Done;
