@@ -8,6 +8,7 @@
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
 #include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_Ptt.h"
@@ -219,6 +220,19 @@ private Q_SLOTS:
         QCOMPARE(calls(), QByteArrayList({"3 4711 Team talked", "3 0049301234  talked"}));
         const QByteArray log = m_server.log();
         QVERIFY2(log.contains("not placed: the line is busy") && log.contains("not whole: ignored"), log);
+    }
+
+    void putsThePrefixBeforeNoEmergencyNumber()
+    {
+        QVERIFY(zyn::emergency::writeList({QStringLiteral("112")}));
+        restart(QStringLiteral("--step 5 --prefix 0"));
+        for (const char* number : {"112", "1120", "12"}) {
+            const qsizetype before = m_statuses->count("44");
+            PHONE_MakeVoiceCallPrependly(number);
+            QTRY_COMPARE(m_statuses->count("44"), before + 4);
+        }
+        QCOMPARE(calls(), QByteArrayList({"3 112  talked", "3 01120  talked", "3 012  talked"}));
+        QVERIFY(QFile::remove(QLatin1String(zyn::emergency::kListFile)));
     }
 
     void answersRequests()

@@ -3,6 +3,7 @@
 
 #include "handset/phone_server/ClientConnection.h"
 #include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
 PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
@@ -37,7 +38,9 @@ void PhoneServer::listenToVoiceCallRequests()
 
 void PhoneServer::makeCall(const QString& number, const QString& name, int dialMode)
 {
-    const bool hasPrefix = dialMode == zyn::DialPrependly && !number.isEmpty();
+    // With anything in front, nobody would answer an emergency call.
+    const bool hasPrefix =
+        dialMode == zyn::DialPrependly && !number.isEmpty() && !PHONE_IsEmergencyCall(number.toLatin1().data());
     m_line.place({hasPrefix ? m_prefix + number : number, name});
 }
 

@@ -15,7 +15,8 @@ class PhoneServer
 {
 public:
     /**
-     * @param prefix          what is put in front of a number that is to be dialed with a prefix
+     * @param prefix          what is put in front of a number that is to be dialed with a prefix, unless it is an
+     * emergency number
      * @param patience        how long a client of the socket may let the server wait for what it owes
      * @param maxConnections  how many clients are served at a time; further ones wait for their turn
      */

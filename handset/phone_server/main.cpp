@@ -49,9 +49,11 @@ void addOptions(handset::CommandLine& commandLine)
                         QStringLiteral("Drop a client that does not register, finish a command or take its "
                                        "replies for this many milliseconds (%1)."),
                         kDefaultPatience);
-    commandLine.add(QCommandLineOption(kPrefix,
-                                       QStringLiteral("Put this in front of numbers to be dialed with a prefix (0)."),
-                                       QStringLiteral("number"), QStringLiteral("0")));
+    commandLine.add(
+        QCommandLineOption(kPrefix,
+                           QStringLiteral("Put this in front of numbers to be dialed with a prefix, but of no "
+                                          "emergency number (0)."),
+                           QStringLiteral("number"), QStringLiteral("0")));
     commandLine.add(
         QCommandLineOption(kScript,
                            QStringLiteral("Let happen what this file says, from when clients are served; - for "
