@@ -12,7 +12,9 @@
 #include <utility/PHONE_MsgClient.h>
 #include <utility/PHONE_VoiceCall.h>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include "Screen.h"
 
@@ -21,10 +23,19 @@ namespace {
 constexpr std::chrono::seconds kPatience(2);
 constexpr PHONE_MAKE_CALL_CLIR_T kNoRestriction{};
 constexpr signed char kLine = 2;
+constexpr const char* kControlCodes[] = {"*#06#", "**04*", "**042*", "**05*", "**052*"};
 
 bool isLocked()
 {
     return UTIL_GetKeypadLockStatus() != 0;
+}
+
+/// Whether @p typed, which is accepted, begins one of the standard control codes; the other texts that are begin an
+/// emergency number.
+bool beginsControlCode(const QString& typed)
+{
+    return std::any_of(std::begin(kControlCodes), std::end(kControlCodes),
+                       [&](const char* code) { return QLatin1String(code).startsWith(typed); });
 }
 
 /// What the dialer's display holds after @p key.
@@ -32,7 +43,10 @@ QString type(const QString& number, QChar key, Screen& screen)
 {
     QString typed = number + key;
     if (PHONE_IsEmergencyCallInput(typed)) {
-        screen.show(typed + QStringLiteral(" may become an emergency call"));
+        const bool isNumber = PHONE_IsEmergencyCall(typed.toLatin1().data()) || !beginsControlCode(typed);
+        screen.show(typed
+                    + (isNumber ? QStringLiteral(" may become an emergency call")
+                                : QStringLiteral(" may become a control code")));
         return typed;
     }
     screen.show(isLocked() ? typed + QStringLiteral(" is refused: the keypad is locked") : typed);

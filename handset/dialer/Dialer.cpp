@@ -39,46 +39,66 @@ QString restriction()
     return {};
 }
 
-QString verdictOn(bool mayBecomeEmergency)
+/// What a typed text may become.
+enum class Meaning { Ordinary, ControlCode, EmergencyNumber };
+
+Meaning meaningOf(const QString& text)
 {
-    return mayBecomeEmergency ? u"may be an emergency call"_s : u"no emergency call"_s;
+    if (!PHONE_IsEmergencyCallInput(text))
+        return Meaning::Ordinary;
+    const bool isNumber = zyn::emergency::anyNumber([&](const QString& number) { return number.startsWith(text); });
+    return isNumber ? Meaning::EmergencyNumber : Meaning::ControlCode;
+}
+
+QString verdictOn(Meaning meaning)
+{
+    switch (meaning) {
+    case Meaning::EmergencyNumber:
+        return u"may be an emergency call"_s;
+    case Meaning::ControlCode:
+        return u"may be a control code"_s;
+    case Meaning::Ordinary:
+        break;
+    }
+    return u"no emergency call"_s;
 }
 
 } // namespace
 
 namespace zyn::handset {
 
-void Dialer::press(char key)
+void Dialer::press(const QByteArray& key)
 {
-    if (kDigits.contains(QLatin1Char(key)))
-        add(key);
-    else if (kCallKeys.contains(QLatin1Char(key)))
+    const auto isOneOf = [&](QLatin1String keys) { return key.size() == 1 && keys.contains(QLatin1Char(key.front())); };
+    if (isOneOf(kDigits))
+        add(key.front());
+    else if (isOneOf(kCallKeys))
         call();
-    else if (kClearKeys.contains(QLatin1Char(key)))
+    else if (isOneOf(kClearKeys))
         clear();
-    else if (kEndKeys.contains(QLatin1Char(key)))
+    else if (isOneOf(kEndKeys))
         hangUp();
-    else if (!kBlanks.contains(QLatin1Char(key)))
-        log(u"'%1' is no key"_s.arg(printable(QChar::fromLatin1(key))));
+    else if (!key.isEmpty() && !isOneOf(kBlanks))
+        log(u"'%1' is no key"_s.arg(printable(QString::fromLatin1(key))));
 }
 
 void Dialer::add(char digit)
 {
     const QString key = QChar::fromLatin1(digit);
     const QString text = m_text + key;
-    const bool mayBecomeEmergency = PHONE_IsEmergencyCallInput(text);
-    QString refusal = mayBecomeEmergency ? QString() : restriction();
+    const Meaning meaning = meaningOf(text);
+    QString refusal = meaning != Meaning::Ordinary ? QString() : restriction();
     if (text.size() > kLongestNumber)
         refusal = u"refused: the number is full"_s;
     if (refusal.isEmpty())
         m_text = text;
-    show(key, refusal.isEmpty() ? verdictOn(mayBecomeEmergency) : refusal);
+    show(key, refusal.isEmpty() ? verdictOn(meaning) : refusal);
 }
 
 void Dialer::clear()
 {
     m_text.chop(1);
-    show(u"clear"_s, verdictOn(PHONE_IsEmergencyCallInput(m_text)));
+    show(u"clear"_s, verdictOn(meaningOf(m_text)));
 }
 
 void Dialer::call()

@@ -1,6 +1,7 @@
 // What a dialer makes of its keys.
 #pragma once
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 namespace zyn::handset {
@@ -21,7 +22,8 @@ public:
         : m_output(output)
     {}
 
-    void press(char key);
+    /// @param key  a byte, or an escape sequence, which is no key of a handset; empty for none
+    void press(const QByteArray& key);
 
     /// The keys and what they do, for people.
     static QString help();

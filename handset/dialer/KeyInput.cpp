@@ -1,23 +1,38 @@
 // The keys that a user presses.
 #include "handset/dialer/KeyInput.h"
 
+#include "platform/posix/UnixSocket_p.h"
+
 #include <array>
 #include <cerrno>
 #include <span>
 
+#include <poll.h>
 #include <unistd.h>
+
+namespace {
+
+std::optional<termios> terminalSettings()
+{
+    termios settings = {};
+    return ::tcgetattr(STDIN_FILENO, &settings) == 0 ? std::optional(settings) : std::nullopt;
+}
+
+} // namespace
 
 namespace zyn::handset {
 
 KeyInput::KeyInput()
     : m_readable(STDIN_FILENO, QSocketNotifier::Read)
+    , m_before(terminalSettings())
+    , m_decoder(m_before.has_value())
 {
+    m_pause.setSingleShot(true);
     connect(&m_readable, &QSocketNotifier::activated, this, &KeyInput::read);
-    termios before = {};
-    if (::tcgetattr(STDIN_FILENO, &before) != 0)
+    connect(&m_pause, &QTimer::timeout, this, &KeyInput::finishKey);
+    if (!m_before)
         return;
-    m_before = before;
-    termios keyByKey = before;
+    termios keyByKey = *m_before;
     keyByKey.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     ::tcsetattr(STDIN_FILENO, TCSANOW, &keyByKey);
 }
@@ -34,18 +49,41 @@ void KeyInput::read()
     const ssize_t n = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     if (n < 0 && (errno == EAGAIN || errno == EINTR))
         return;
-    if (n <= 0) {
-        m_readable.setEnabled(false);
-        Q_EMIT ended();
+    for (const char byte : std::span(bytes).first(n > 0 ? static_cast<size_t>(n) : 0))
+        take(byte);
+    const auto patience = m_decoder.patience();
+    if (n > 0 && patience) {
+        m_pause.start(*patience);
         return;
     }
+    m_pause.stop();
+    if (n > 0)
+        return;
+    m_readable.setEnabled(false);
+    finishKey();
+    Q_EMIT ended();
+}
+
+void KeyInput::take(char byte)
+{
     constexpr char kEndOfInput = 4; // Ctrl+D, which a terminal that hands over each key does not turn into an end
-    for (const char key : std::span(bytes).first(static_cast<size_t>(n))) {
-        if (m_before && key == kEndOfInput)
+    for (const QByteArray& key : m_decoder.take(byte)) {
+        if (m_before && key == QByteArrayView(&kEndOfInput, 1))
             Q_EMIT ended();
         else
             Q_EMIT pressed(key);
     }
+}
+
+void KeyInput::finishKey()
+{
+    // A process that was held up finds the rest here, late by no fault of the terminal.
+    if (m_readable.isEnabled() && posix::waitFor(STDIN_FILENO, POLLIN, posix::Clock::now())) {
+        read();
+        return;
+    }
+    if (const QByteArray key = m_decoder.finish(); !key.isEmpty())
+        Q_EMIT pressed(key);
 }
 
 } // namespace zyn::handset

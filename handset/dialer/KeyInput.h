@@ -1,8 +1,11 @@
 // The keys that a user presses.
 #pragma once
 
+#include "handset/dialer/KeyDecoder.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
 
 #include <optional>
 
@@ -20,15 +23,20 @@ public:
     ~KeyInput() override;
 
 Q_SIGNALS:
-    void pressed(char key);
+    /// @param key  a byte, or the whole sequence that a terminal sends for one key
+    void pressed(const QByteArray& key);
     /// There will be no more keys.
     void ended();
 
 private:
     void read();
+    void take(char byte);
+    void finishKey();
 
     QSocketNotifier m_readable;
-    std::optional<termios> m_before; ///< none when standard input is no terminal
+    const std::optional<termios> m_before; ///< none when standard input is no terminal
+    KeyDecoder m_decoder;
+    QTimer m_pause; ///< runs out when no more of a key has come
 };
 
 } // namespace zyn::handset

@@ -21,11 +21,11 @@ int main(int argc, char** argv)
     handset::Output& output = program.output;
 
     handset::CommandLine commandLine(
-        u"Plays the dialer: tells after each key whether the text may become an emergency call, and asks\nthe phone "
-        "application for the call. While the keypad is locked (handset state keypad-lock not 0)\nor no SIM card is "
-        "ready "
-        "(sim-card neither 0 nor 3), keys that lead to no emergency number are refused.\n%1\nEnds at the end of the "
-        "input, on SIGTERM and on SIGINT."_s.arg(handset::Dialer::help()),
+        u"Plays the dialer: tells after each key whether the text may become an emergency call or a control\ncode, and "
+        "asks the phone application for the call. While the keypad is locked (handset state\nkeypad-lock not 0) or no "
+        "SIM "
+        "card is ready (sim-card neither 0 nor 3), keys that lead to neither are\nrefused.\n%1\nEnds at the end of "
+        "the input, on SIGTERM and on SIGINT."_s.arg(handset::Dialer::help()),
         &output);
     commandLine.add(
         QCommandLineOption(kType, u"Press these keys instead of those of standard input, and end."_s, u"keys"_s));
@@ -35,12 +35,17 @@ int main(int argc, char** argv)
     handset::Dialer dialer(output);
     if (commandLine.isSet(kType)) {
         const QByteArray keys = commandLine.value(kType).toLatin1();
-        for (const char key : keys)
-            dialer.press(key);
+        handset::KeyDecoder decoder(false);
+        for (const char byte : keys) {
+            for (const QByteArray& key : decoder.take(byte))
+                dialer.press(key);
+        }
+        dialer.press(decoder.finish());
         return output.exitCode();
     }
     const handset::KeyInput input;
-    QObject::connect(&input, &handset::KeyInput::pressed, &program.application, [&](char key) { dialer.press(key); });
+    QObject::connect(&input, &handset::KeyInput::pressed, &program.application,
+                     [&](const QByteArray& key) { dialer.press(key); });
     QObject::connect(&input, &handset::KeyInput::ended, &program.application, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     commandLine.announce(u"standard input"_s);
