@@ -98,7 +98,7 @@ bool SETUP_SET_Manager::getSettingInfo(QString group, QString key, bool& value, 
 bool SETUP_SET_Manager::getSettingInfo(QString group, QString key, QString& value, QString defaultValue, bool)
 {
     return d->get(group, key, value, defaultValue,
-                  [](const QByteArray& text) { return std::optional(QString::fromUtf8(text)); });
+                  [](const QByteArray& text) { return std::optional(zyn::settingText(text)); });
 }
 
 bool SETUP_SET_Manager::setSettingInfo(QString group, QString key, int value)

@@ -12,18 +12,21 @@
  * One settings file: `[group]` lines, each followed by `key=value` lines, UTF-8.
  *
  * A value is every character after the first `=` of its line, blanks included, and a group every character between the
- * outer brackets. Lines that begin with `#` or `;`, and lines that are neither of the two forms or not UTF-8, are
- * passed over when reading and kept when writing. A group ends where the next begins, even one whose name is not UTF-8.
- * Where a key stands twice in a group, the last one counts.
+ * outer brackets. A value that begins with U+FEFF is a text that a line cannot hold otherwise: behind that `\n` and
+ * `\r` stand for line breaks, `\uNNNN` for half a surrogate pair or U+FEFF, and `\\` for a backslash. Lines that begin
+ * with
+ * `#` or `;`, and lines that are neither of the two forms or not UTF-8, are passed over when reading and kept when
+ * writing. A group ends where the next begins, even one whose name is not UTF-8. Where a key stands twice in a group,
+ * the last one counts.
  *
  * Nothing is cached: every get reads the file, and a set is on disk when it returns. Sets of several processes are
  * arbitrated by a lock file beside the settings file, so that none loses another's; a set that does not get the lock
  * within 5 seconds fails. A file above 1 MiB is not read and not written. Settings stores are used from one thread at a
  * time.
  *
- * Text that a line cannot hold is refused by set: a group, key or value with a line break or that would not come back
- * from UTF-8 as it was (half a surrogate pair, a leading byte order mark), an empty key, a key with `=` or outer
- * blanks, or one that begins with `[`, `#` or `;`.
+ * Any text can be a value. Names that a line cannot hold are refused by set: a group or key with a line break or that
+ * would not come back from UTF-8 as it was (half a surrogate pair, a leading byte order mark), an empty key, a key with
+ * `=` or outer blanks, or one that begins with `[`, `#` or `;`.
  */
 class ZYN_EXPORT SETUP_SET_Manager
 {

@@ -11,9 +11,11 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <tuple>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -75,6 +77,59 @@ void forEachLine(const QByteArray& text, Visit visit)
 bool fitsOneLine(const QString& text)
 {
     return !text.contains(u'\n') && !text.contains(u'\r') && QString::fromUtf8(text.toUtf8()) == text;
+}
+
+constexpr QChar kBackslash = u'\\';
+constexpr qsizetype kCodeDigits = 4;
+
+/// The characters that have a letter of their own behind a backslash.
+constexpr std::pair<char16_t, char16_t> kEscapes[] = {{u'\\', u'\\'}, {u'\n', u'n'}, {u'\r', u'r'}};
+
+/// The first character of @p text as it is stored, and how many code units it has.
+std::pair<QString, qsizetype> escaped(QStringView text)
+{
+    for (const auto& [character, letter] : kEscapes) {
+        if (text[0] == character)
+            return {kBackslash + QString(QChar(letter)), 1};
+    }
+    if (text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate())
+        return {text.first(2).toString(), 2};
+    if (text[0].isSurrogate() || text[0] == QChar::ByteOrderMark)
+        return {QStringLiteral("\\u%1").arg(uint{text[0].unicode()}, kCodeDigits, 16, QLatin1Char('0')), 1};
+    return {QString(text[0]), 1};
+}
+
+/// The character that @p text begins with as it was stored, and how many code units it was stored in.
+std::pair<QChar, qsizetype> unescaped(QStringView text)
+{
+    if (text[0] != kBackslash || text.size() < 2)
+        return {text[0], 1};
+    for (const auto& [character, letter] : kEscapes) {
+        if (text[1] == letter)
+            return {character, 2};
+    }
+    const QStringView code = text.sliced(2).first(std::min(kCodeDigits, text.size() - 2));
+    constexpr QLatin1String kDigits("0123456789abcdefABCDEF");
+    const bool isCode = text[1] == u'u' && code.size() == kCodeDigits
+                        && std::ranges::all_of(code, [&](QChar digit) { return kDigits.contains(digit); });
+    if (!isCode)
+        return {text[0], 1};
+    return {QChar(code.toUShort(nullptr, 16)), 2 + kCodeDigits};
+}
+
+/// The bytes that are stored for @p text: UTF-8, unless that would not come back from a line as it was. Then a byte
+/// order mark leads the escaped text: it leads no other, being lost on the way back.
+QByteArray settingBytes(const QString& text)
+{
+    if (fitsOneLine(text))
+        return text.toUtf8();
+    QString stored;
+    for (qsizetype i = 0; i < text.size();) {
+        const auto [character, length] = escaped(QStringView(text).sliced(i));
+        stored += character;
+        i += length;
+    }
+    return kByteOrderMark + stored.toUtf8();
 }
 
 bool isKey(const QString& key)
@@ -156,6 +211,20 @@ std::optional<QByteArray> read(const zyn::posix::Place& place)
 
 namespace zyn {
 
+QString settingText(const QByteArray& value)
+{
+    QString stored = QString::fromUtf8(value); // which leaves the mark out
+    if (!value.startsWith(kByteOrderMark))
+        return stored;
+    QString text;
+    for (qsizetype i = 0; i < stored.size();) {
+        const auto [character, length] = unescaped(QStringView(stored).sliced(i));
+        text += character;
+        i += length;
+    }
+    return text;
+}
+
 std::optional<QByteArray> SettingsFile::value(const QString& group, const QString& key) const
 {
     const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSizeLimit);
@@ -191,7 +260,7 @@ std::optional<QList<int>> SettingsFile::strayLines() const
 
 bool SettingsFile::setValue(const QString& group, const QString& key, const QString& value)
 {
-    if (!fitsOneLine(group) || !isKey(key) || !fitsOneLine(value))
+    if (!fitsOneLine(group) || !isKey(key))
         return false;
     if (m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
         return false;
@@ -208,7 +277,7 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
     const std::optional<QByteArray> text = read(*place);
     if (!text)
         return false;
-    const QByteArray entry = key.toUtf8() + '=' + value.toUtf8() + '\n';
+    const QByteArray entry = key.toUtf8() + '=' + settingBytes(value) + '\n';
     const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
     return changed.size() <= kSizeLimit && posix::replaceFile(*place, changed);
 }

@@ -9,6 +9,9 @@
 
 namespace zyn {
 
+/// The text that the stored bytes @p value stand for.
+QString settingText(const QByteArray& value);
+
 /// A settings file in the format that SETUP_SET_Manager describes.
 class SettingsFile
 {
@@ -24,7 +27,7 @@ public:
     /// the file cannot be read.
     std::optional<QList<int>> strayLines() const;
 
-    /// Stores @p value; false when a line cannot hold it or it could not be brought to disk.
+    /// Stores @p value; false when a line cannot hold the names or it could not be brought to disk.
     /// Waits up to 5 seconds for another writer; where that was in vain, later calls fail without waiting.
     bool setValue(const QString& group, const QString& key, const QString& value);
 

@@ -31,6 +31,7 @@ private Q_SLOTS:
     }
 
     void keepsNineNumbers();
+    void takesNumbersAsTheyCome();
     void isOneForAllProcesses();
     void tellsWhenItCannotStore();
 
@@ -54,6 +55,18 @@ void tst_PHONE_SpeedDial::keepsNineNumbers()
     QCOMPARE(table(), u",new,c,d,e,f,g,h,i"_s);
     QCOMPARE(Phone_GetTurboDialingByIndex(0) + dial.getTurboDialing(10) + dial.getTurboDialing(12), u"zerodozen"_s);
     QCOMPARE(dial.getFirstAvailableTurboDialingIndex(), 1);
+}
+
+void tst_PHONE_SpeedDial::takesNumbersAsTheyCome()
+{
+    const QStringList numbers{u"1\n2=3"_s, u"\r"_s, QString(QChar(0xD83D)), u"\uFEFF112"_s, u"\\n\n"_s,
+                              u"\\n"_s,    u" "_s};
+    QVERIFY(PHONE_SpeedDial().setTurboDialing(numbers));
+    QCOMPARE(table(), numbers.join(u',') + u",,"_s);
+    for (int index = 1; index <= numbers.size(); ++index) {
+        QVERIFY(PHONE_SpeedDial().setTurboDialing(index, numbers.at(numbers.size() - index)));
+        QCOMPARE(Phone_GetTurboDialingByIndex(index), numbers.at(numbers.size() - index));
+    }
 }
 
 void tst_PHONE_SpeedDial::isOneForAllProcesses()

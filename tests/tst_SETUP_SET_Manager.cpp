@@ -73,7 +73,9 @@ private Q_SLOTS:
     }
 
     void keepsTextAsTyped();
-    void refusesWhatALineCannotHold();
+    void keepsWhatALineCannotHold_data();
+    void keepsWhatALineCannotHold();
+    void refusesNamesThatALineCannotHold();
     void readsFilesWrittenByHand_data();
     void readsFilesWrittenByHand();
     void changesNothingButTheEntry_data();
@@ -135,13 +137,38 @@ void tst_SETUP_SET_Manager::keepsTextAsTyped()
     QVERIFY(settings.flush());
 }
 
-void tst_SETUP_SET_Manager::refusesWhatALineCannotHold()
+void tst_SETUP_SET_Manager::keepsWhatALineCannotHold_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QByteArray>("stored"); // behind the mark
+
+    QTest::newRow("an entry on a line of its own") << u"a\n[h]\nk=b"_s << "a\\n[h]\\nk=b"_ba;
+    QTest::newRow("a line end of another kind") << u"a\r"_s << "a\\r"_ba;
+    QTest::newRow("the first half of a pair") << QString(QChar(0xD83D)) << "\\ud83d"_ba;
+    QTest::newRow("both halves, the wrong way round") << QString::fromUtf16(u"\xDC31\xD83D") << "\\udc31\\ud83d"_ba;
+    QTest::newRow("half a pair before a whole one")
+        << QString::fromUtf16(u"\xD83D\xD83D\xDE00") << "\\ud83d\U0001F600"_ba;
+    QTest::newRow("a mark in front") << u"\uFEFFa\uFEFF"_s << "\\ufeffa\\ufeff"_ba;
+    QTest::newRow("what looks like an escape") << u"\\n\\ud83d\\\n\\"_s << "\\\\n\\\\ud83d\\\\\\n\\\\"_ba;
+    QTest::newRow("a NUL before a line break") << QString(QChar::Null) + u'\n' << QByteArray("\0\\n", 3);
+}
+
+void tst_SETUP_SET_Manager::keepsWhatALineCannotHold()
+{
+    QFETCH(const QString, value);
+    QFETCH(const QByteArray, stored);
+    write("[g]\nk=old\n[h]\nk=other\n");
+    SETUP_SET_Manager settings(path(), false);
+    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, value));
+    QCOMPARE(textOf(path(), u"g"_s, u"k"_s), value);
+    QCOMPARE(read(), "[g]\nk=\xEF\xBB\xBF" + stored + "\n[h]\nk=other\n");
+}
+
+void tst_SETUP_SET_Manager::refusesNamesThatALineCannotHold()
 {
     write("[g]\nk=old\n");
     SETUP_SET_Manager settings(path(), false);
     const QString half(QChar(0xD83D)); // of a surrogate pair
-    for (const QString& value : {u"a\nk=b"_s, u"a\r"_s, half})
-        QVERIFY2(!settings.setSettingInfo(u"g"_s, u"k"_s, value), qPrintable(value));
     for (const QString& key : {u""_s, u" k"_s, u"k\t"_s, u"k=l"_s, u"[k"_s, u"#k"_s, u";k"_s, u"k\nl"_s, half})
         QVERIFY2(!settings.setSettingInfo(u"g"_s, key, u"v"_s), qPrintable(key));
     QVERIFY(!settings.setSettingInfo(u"g]\n[h"_s, u"k"_s, u"v"_s));
@@ -162,6 +189,9 @@ void tst_SETUP_SET_Manager::readsFilesWrittenByHand_data()
     QTest::newRow("only in another group") << "k=0\n[gg]\nk=1\n[G]\nk=2\n[g]\nK=3\n"_ba << none;
     QTest::newRow("Latin-1 line and group") << "[g]\nk=v\nk=Gr\xFC\xDF"_ba + "e\n[Gr\xFCn]\nk=1\n"_ba << u"v"_s;
     QTest::newRow("NUL bytes") << QByteArray("\0[g]\0\n[g]\nk=a\0b\n", 16) << QString::fromUtf8("a\0b", 3);
+    QTest::newRow("backslashes, as they always were") << "[g]\nk=\\n\\\\\\ud83d\\\n"_ba << u"\\n\\\\\\ud83d\\"_s;
+    QTest::newRow("a mark before escapes that are none")
+        << "[g]\nk=\xEF\xBB\xBF\xEF\xBB\xBF\\x\\u12\\u12G4\\\n"_ba << u"\uFEFF\\x\\u12\\u12G4\\"_s;
     QTest::newRow("as large as allowed") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit, 'x') << u"v"_s;
     QTest::newRow("one byte larger") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit + 1, 'x') << none;
 }
