@@ -350,12 +350,15 @@ private Q_SLOTS:
         row("+%2 answer", "1: '%2' is no whole number from 0 to 2147483647");
         row("+5", "1: nothing happens after the delay");
         row("service-name \"Desk", "1: a quote is not closed");
+        row("battery-capacity \x1B[31m", "1: '\\x1b[31m' is no whole number from 0 to 255");
+        row("battery-capacity 5@", "1: '5\\x00' is no whole number from 0 to 255");
         row("imsi 123", "1: '123' is no pairs of hexadecimal digits, at most 16 of them");
     }
     void refusesAScriptThatIsWrong()
     {
         QFETCH(QByteArray, text);
         QFETCH(QByteArray, error);
+        text.replace('@', '\0');
         const QString script = scriptFile(text);
         QProcess process;
         process.start(QStringLiteral(ZYN_PHONED), {QStringLiteral("--script"), script});

@@ -1,6 +1,7 @@
 // The lines that a program of the handset writes for whoever looks after it.
 #include "handset/common/Log.h"
 
+#include "handset/common/Text.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -16,7 +17,8 @@ void log(const QString& text)
 {
     if (!posix::waitFor(STDERR_FILENO, POLLOUT, posix::Clock::now()))
         return;
-    const QByteArray line = (QCoreApplication::applicationName() + QLatin1String(": ") + text).toLocal8Bit() + '\n';
+    const QByteArray line =
+        (QCoreApplication::applicationName() + QLatin1String(": ") + printable(text)).toLocal8Bit() + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
 }
 

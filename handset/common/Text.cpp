@@ -68,6 +68,13 @@ QString jsonEscaped(const QString& text)
     return escaped(text, [](char16_t unit) { return hex("\\u", unit, 4); });
 }
 
+std::optional<int> wholeNumber(const QString& text)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber && !text.contains(QChar::Null) ? std::optional(number) : std::nullopt;
+}
+
 QString alignedLines(const QList<QStringList>& rows)
 {
     const QList<qsizetype> widths = columnWidths(rows);

@@ -5,6 +5,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <optional>
+
 namespace zyn::handset {
 
 /// @p text with every character that is not printable written as \xNN, or \uNNNN: stored and received text must not
@@ -13,6 +15,9 @@ QString printable(const QString& text);
 
 /// The same with \uNNNN for all of them, as JSON takes it in a text.
 QString jsonEscaped(const QString& text);
+
+/// The whole number that all of @p text is; a NUL does not end it, as it would end a conversion.
+std::optional<int> wholeNumber(const QString& text);
 
 /// The lines of @p rows, their cells aligned two blanks apart.
 QString alignedLines(const QList<QStringList>& rows);

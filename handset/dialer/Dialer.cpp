@@ -3,7 +3,6 @@
 
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
-#include "handset/common/Text.h"
 #include "platform/UTIL_PhoneStatus.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -79,7 +78,7 @@ void Dialer::press(const QByteArray& key)
     else if (isOneOf(kEndKeys))
         hangUp();
     else if (!key.isEmpty() && !isOneOf(kBlanks))
-        log(u"'%1' is no key"_s.arg(printable(QString::fromLatin1(key))));
+        log(u"'%1' is no key"_s.arg(QString::fromLatin1(key)));
 }
 
 void Dialer::add(char digit)

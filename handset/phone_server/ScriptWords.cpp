@@ -1,6 +1,7 @@
 // The words of a line of a script.
 #include "handset/phone_server/ScriptWords.h"
 
+#include "handset/common/Text.h"
 #include "handset/phone_server/ScriptError.h"
 
 QStringList scriptWords(const QString& line)
@@ -29,10 +30,9 @@ QStringList scriptWords(const QString& line)
 
 int scriptNumber(const QString& word, int lowest, int highest)
 {
-    bool isNumber = false;
-    const int number = word.toInt(&isNumber);
-    if (!isNumber || number < lowest || number > highest)
+    const std::optional<int> number = zyn::handset::wholeNumber(word);
+    if (!number || *number < lowest || *number > highest)
         throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
                               .arg(word, QString::number(lowest), QString::number(highest))};
-    return number;
+    return *number;
 }

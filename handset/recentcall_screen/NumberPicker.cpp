@@ -44,9 +44,8 @@ void NumberPicker::ask()
 
 void NumberPicker::take(const QString& line)
 {
-    bool isNumber = false;
-    const int row = line.toInt(&isNumber);
-    const QString number = isNumber ? m_numbers.value(row) : QString();
+    const std::optional<int> row = wholeNumber(line);
+    const QString number = row ? m_numbers.value(*row) : QString();
     if (!number.isEmpty() || line.isEmpty()) {
         tell(number);
         return;

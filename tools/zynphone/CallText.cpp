@@ -60,9 +60,8 @@ QString localStart(const PHONE_ENG_RecentCall& call)
 
 RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what)
 {
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber);
-    return isNumber ? static_cast<RC_CALL_TYPE_T>(number) : wordNamed(kTypes, text, what).value;
+    const std::optional<int> number = handset::wholeNumber(text);
+    return number ? static_cast<RC_CALL_TYPE_T>(*number) : wordNamed(kTypes, text, what).value;
 }
 
 std::span<const CallColumn> callColumns()

@@ -1,6 +1,7 @@
 // The verbs of the tool: what a row of the verb table holds, and how it is found and run.
 #include "tools/zynphone/Command.h"
 
+#include "handset/common/Text.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Help.h"
 
@@ -164,12 +165,11 @@ ExitCode runCommand(const Command& command, const QString& path, const QStringLi
 
 int wholeNumber(const QString& text, const QString& what, int lowest, int highest)
 {
-    bool ok = false;
-    const int number = text.toInt(&ok);
-    if (!ok || number < lowest || number > highest)
+    const std::optional<int> number = handset::wholeNumber(text);
+    if (!number || *number < lowest || *number > highest)
         throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(what, text, QString::number(lowest),
                                                                            QString::number(highest)));
-    return number;
+    return *number;
 }
 
 int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)

@@ -1,6 +1,7 @@
 // The favourites and their entries, all fields, as values that can be written down and read back.
 #include "tools/zynphone/FavouriteFields.h"
 
+#include "handset/common/Text.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/zynphone/CallFields.h"
@@ -30,9 +31,8 @@ constexpr FieldForm kAnyListForm{FieldForm::Text,
                                          categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
                                  },
                                  [](const QString& text, const QString& name, qsizetype) {
-                                     bool isNumber = false;
-                                     const int number = text.toInt(&isNumber);
-                                     return bytesOfNumber(isNumber ? number : wordNamed(kCategories, text, name).value);
+                                     const std::optional<int> number = zyn::handset::wholeNumber(text);
+                                     return bytesOfNumber(number ? *number : wordNamed(kCategories, text, name).value);
                                  }};
 
 constexpr StoredField kFavouriteFields[] = {

@@ -39,11 +39,10 @@ QByteArray flagBytes(const QString& text, const QString& name, qsizetype /*size*
 {
     if (text == "true"_L1 || text == "false"_L1)
         return QByteArray(1, text == "true"_L1 ? '\1' : '\0');
-    bool isNumber = false;
-    const uint number = text.toUInt(&isNumber);
-    if (!isNumber || number > std::numeric_limits<uint8_t>::max())
+    const std::optional<int> number = zyn::handset::wholeNumber(text);
+    if (!number || *number < 0 || *number > std::numeric_limits<uint8_t>::max())
         throw usageError(u"%1 '%2' is neither true nor false nor a whole number from 0 to 255"_s.arg(name, text));
-    return QByteArray(1, static_cast<char>(number));
+    return QByteArray(1, static_cast<char>(*number));
 }
 
 /// The text in front of the first NUL, which @p decode makes of it, unless that and NULs are not all of @p field.
