@@ -46,14 +46,15 @@ public:
     /**
      * Sends a message without waiting for any listener, from any thread.
      *
-     * One thread's messages reach a listener in the order sent. Within an event loop of Qt's GLib dispatcher,
-     * what follows the first message of a turn is written when the turn ends; elsewhere each message is
-     * written at once. A listener for which 16 MiB wait in this thread's memory misses what does not fit; it
-     * still gets, in order, what was accepted before.
+     * One thread's messages reach a listener in the order sent, those of its last objects' destructors too, and of
+     * static ones in the thread that ends the process. Each message is written at once; but within an event loop of
+     * Qt's GLib dispatcher, what follows the first 16 messages of a turn on a channel is written when the turn ends. A
+     * listener for which 16 MiB wait in this thread's memory misses what does not fit; it still gets, in order, what
+     * was accepted before.
      *
-     * What listeners have not taken yet follows from the thread's event loop, or with its later messages.
-     * A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what
-     * other threads still have pending at exit is lost, as everything is with _exit() or a signal.
+     * What listeners have not taken yet follows from the thread's event loop, or with its later messages on any
+     * channel. A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what other
+     * threads still have pending at exit is lost, as everything is with _exit() or a signal.
      *
      * @param channel  the channel's name
      * @param message  the message's name
@@ -66,7 +67,8 @@ public:
     /// Sends a message with an empty payload.
     static bool send(const QCString& channel, const QCString& message);
 
-    /// The channels that anybody has listened to or sent on, sorted, without those of very long names.
+    /// The channels that somebody listens on, sorted, without those of very long names. One whose last listener was
+    /// killed stays until somebody else comes.
     static QList<QCString> channels();
 
     /// Called for each message, with its name and payload, in the object's thread, from its event loop. Emits

@@ -15,11 +15,15 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+#include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include <poll.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -39,8 +43,8 @@ QByteArray numbered(const QByteArray& sender, int number, qsizetype size = 0)
 class Inbox : public QCopChannel
 {
 public:
-    Inbox()
-        : QCopChannel(kChannel)
+    explicit Inbox(const QCString& channel = kChannel)
+        : QCopChannel(channel)
     {}
 
     void receive(const QCString& message, const QByteArray& data) override
@@ -107,6 +111,93 @@ int sendRole(const QStringList& arguments)
     std::exit(isSent ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
+/// Listens on many channels until each has got its messages: CHANNELS ROUNDS. Fails when one's are not in order.
+int manyRole(const QStringList& arguments)
+{
+    std::vector<std::unique_ptr<Inbox>> inboxes;
+    QEventLoop loop;
+    int left = arguments[0].toInt() * arguments[1].toInt();
+    for (int i = 0; i < arguments[0].toInt(); ++i) {
+        inboxes.push_back(std::make_unique<Inbox>("many" + QByteArray::number(i)));
+        QObject::connect(inboxes.back().get(), &QCopChannel::received, &loop,
+                         [&] { --left == 0 ? loop.quit() : void(); });
+    }
+    role::sayReady();
+    loop.exec();
+    const bool isInOrder = std::ranges::all_of(inboxes, [](const auto& inbox) { return inbox->isInOrder; });
+    return isInOrder ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Sends three messages in a turn of its loop, and ends in it: SIGTERM|abort|exec|_exit.
+int dieRole(const QStringList& arguments)
+{
+    const rlimit none = {0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+    inOneTurn([&] {
+        for (int i = 0; i < 3; ++i)
+            QCopChannel::send(kChannel, "n", numbered("dead", i));
+        if (arguments[0] == QStringLiteral("SIGTERM"))
+            ::raise(SIGTERM);
+        else if (arguments[0] == QStringLiteral("abort"))
+            ::raise(SIGABRT);
+        else if (arguments[0] == QStringLiteral("exec"))
+            ::execl("/bin/true", "true", nullptr);
+        ::_exit(EXIT_SUCCESS);
+    });
+    return EXIT_FAILURE;
+}
+
+/// How many messages are more than a listener reads at once, and twice as many no more than a socket takes.
+constexpr int kFewReads = 40;
+
+/// Sends more messages than are read at once from its destructor.
+struct LastSender
+{
+    LastSender() = default;
+    LastSender(const LastSender&) = delete;
+    LastSender& operator=(const LastSender&) = delete;
+    ~LastSender()
+    {
+        for (int i = 0; i < kFewReads; ++i)
+            QCopChannel::send(kChannel, "n", numbered("last", first + i, 1000));
+    }
+
+    int first = 0;
+};
+
+/// Sends as many messages, and lets an object do so that is destroyed at the end: process|thread.
+int lastRole(const QStringList& arguments)
+{
+    const auto send = [](LastSender& last) {
+        for (; last.first < kFewReads; ++last.first)
+            QCopChannel::send(kChannel, "n", numbered("last", last.first, 1000));
+    };
+    if (arguments[0] == QStringLiteral("process")) {
+        static LastSender last;
+        send(last);
+        return EXIT_SUCCESS;
+    }
+    // Who waits for a QThread does not wait for these objects.
+    std::thread([&] {
+        static thread_local LastSender last;
+        send(last);
+    }).join();
+    return EXIT_SUCCESS;
+}
+
+/// Sends a message, and forks a child that stays when it ends.
+int leaveChildRole(const QStringList&)
+{
+    QCopChannel::send(kChannel, "n");
+    if (::fork() == 0) {
+        ::close(STDOUT_FILENO); // who waits for the parent waits for its end
+        ::close(STDERR_FILENO);
+        ::alarm(role::kPatience / 1000);
+        ::pause();
+    }
+    ::_exit(EXIT_SUCCESS);
+}
+
 /// Listens, and forks in a turn of its loop in which it has gathered messages. One child goes back to the
 /// loop and then ends as programs do, one sends and stays.
 int forkRole(const QStringList&)
@@ -146,10 +237,19 @@ private Q_SLOTS:
     void handsEveryMessageToEveryListenerOnce();
     void refusesWhatIsNoMessage();
     void givesALateListenerNothingSentBefore();
-    void writesTheFirstMessageOfATurnAtOnceTheRestAtItsEnd();
+    void writesAHandfulOfATurnAtOnceAndGathersABurst();
+    void losesNothingSentInATurnThatTheProcessDoesNotSurvive_data();
+    void losesNothingSentInATurnThatTheProcessDoesNotSurvive();
+    void movesWhatWaitsOnOneChannelWithMessagesOnOthers();
     void keepsEachSendersOrder_data();
     void keepsEachSendersOrder();
+    void keepsOrderOnMoreChannelsThanStayOpen_data();
+    void keepsOrderOnMoreChannelsThanStayOpen();
+    void keepsTheOrderOfWhatLastObjectsSend_data();
+    void keepsTheOrderOfWhatLastObjectsSend();
+    void showsWhoCleansUpThatItLives();
     void removesTheSocketOfADeadListenerOnly();
+    void listsOtherListenersSeldomWhenItHasMany();
     void losesNothingAcceptedForAStoppedListener();
     void tellsWhenDescriptorsAreTooFew();
     void connectsLaterToAListenerThatAcceptsNobody();
@@ -161,6 +261,7 @@ private Q_SLOTS:
     void findsItsDirectory();
     void closesAConnectionThatSendsGarbage();
     void survivesForks();
+    void losesASenderWhoseChildLives();
 
 private:
     QByteArray root() const { return m_folder->path().toLocal8Bit() + "/qcop"; }
@@ -172,7 +273,8 @@ private:
     /// A listener that is only a socket, named "bare".
     zyn::posix::UniqueFd listenBare() const
     {
-        QCopChannel::send(kChannel, "makes the directory");
+        ::mkdir(root().constData(), 0700);
+        ::mkdir(socketPath({}).constData(), 0700);
         auto socket = zyn::posix::listenUnix(socketPath(".bare"), 0600);
         ::rename(socketPath(".bare").constData(), socketPath("bare").constData());
         return socket;
@@ -187,7 +289,7 @@ void tst_QCopChannel::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     qputenv("ZYN_QCOP_PATH", root() + "-unused");
-    QVERIFY(QCopChannel::send("warm", "up"));
+    QVERIFY(QCopChannel::send("warm", "up") && QCopChannel("warm").isListening());
     m_descriptors = openDescriptors();
     qputenv("ZYN_QCOP_PATH", root());
 }
@@ -253,22 +355,62 @@ void tst_QCopChannel::givesALateListenerNothingSentBefore()
     QTRY_COMPARE(late->names, QList<QCString>({"after"}));
 }
 
-void tst_QCopChannel::writesTheFirstMessageOfATurnAtOnceTheRestAtItsEnd()
+void tst_QCopChannel::writesAHandfulOfATurnAtOnceAndGathersABurst()
 {
     const auto listener = listenBare();
-    const QByteArray first("\1\0\0\0\5\0\0\0nfirst", 14), rest("\1\0\0\0\4\0\0\0nthen\1\0\0\0\4\0\0\0nlast", 26);
     zyn::posix::UniqueFd sender;
-    QByteArray inTurn;
+    QByteArrayList early;
     inOneTurn([&] {
-        for (const char* payload : {"first", "then", "last"})
-            QVERIFY(QCopChannel::send(kChannel, "n", payload));
-        sender = zyn::posix::acceptConnection(listener.get());
-        inTurn = receiveBare(sender);
+        for (int i = 0; i < 20; ++i) {
+            QVERIFY(QCopChannel::send(kChannel, "n", QByteArray(1, char('a' + i))));
+            if (i == 0)
+                sender = zyn::posix::acceptConnection(listener.get());
+            early.append(receiveBare(sender));
+        }
     });
     // The other dispatchers do not tell the end of a loop's last turn.
     const bool isGathered = QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
-    QCOMPARE(inTurn, isGathered ? first : first + rest);
-    QCOMPARE(inTurn + receiveBare(sender), first + rest);
+    for (int i = 0; i < 20; ++i) {
+        const QByteArray frame("\1\0\0\0\1\0\0\0n", 9);
+        QCOMPARE(early[i], isGathered && i >= 16 ? QByteArray() : frame + char('a' + i));
+    }
+    QCOMPARE(receiveBare(sender).size(), isGathered ? 4 * 10 : 0);
+    ::unlink(socketPath("bare").constData());
+}
+
+void tst_QCopChannel::losesNothingSentInATurnThatTheProcessDoesNotSurvive_data()
+{
+    QTest::addColumn<QString>("end");
+    for (const char* end : {"SIGTERM", "abort", "exec", "_exit"})
+        QTest::newRow(end) << QString::fromLatin1(end);
+}
+
+void tst_QCopChannel::losesNothingSentInATurnThatTheProcessDoesNotSurvive()
+{
+    QFETCH(QString, end);
+    Inbox inbox;
+    const auto process = role::start(QStringLiteral("die"), {end});
+    role::finish(*process);
+    QTRY_COMPARE(inbox.names.size(), 3);
+    QVERIFY(inbox.isInOrder);
+}
+
+void tst_QCopChannel::movesWhatWaitsOnOneChannelWithMessagesOnOthers()
+{
+    const auto listener = listenBare();
+    const QByteArray block(100'000, 'x');
+    qsizetype sent = 0;
+    qsizetype received = 0;
+    while (sent < 10) // more than the socket takes
+        sent += QCopChannel::send(kChannel, "n", block) ? 1 : 0;
+    const auto sender = zyn::posix::acceptConnection(listener.get());
+    for (int i = 0; i < 100; ++i) { // no event loop runs meanwhile
+        QByteArray bytes(block.size(), '\0');
+        for (ssize_t n = 1; n > 0; received += std::max<ssize_t>(n, 0))
+            n = ::recv(sender.get(), bytes.data(), size_t(bytes.size()), MSG_DONTWAIT);
+        QVERIFY(QCopChannel::send("other", "n"));
+    }
+    QCOMPARE(received, sent * (block.size() + 9));
     ::unlink(socketPath("bare").constData());
 }
 
@@ -299,28 +441,104 @@ void tst_QCopChannel::keepsEachSendersOrder()
         QCOMPARE(role::finish(*sender), EXIT_SUCCESS);
 }
 
+void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen_data()
+{
+    QTest::addColumn<bool>("isSlow");
+    QTest::newRow("a listener that has received nothing when it is given up") << true;
+    QTest::newRow("a listener that receives all at once") << false;
+}
+
+void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
+{
+    QFETCH(bool, isSlow);
+    constexpr int kChannels = 100;
+    constexpr int kRounds = 4;
+    rlimit usual = {};
+    ::getrlimit(RLIMIT_NOFILE, &usual);
+    const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_NOFILE, &usual); });
+    const auto process = role::start(QStringLiteral("many"), {QString::number(kChannels), QString::number(kRounds)});
+    QVERIFY(role::waitReady(*process));
+    const rlimit low = {256, usual.rlim_max}; // of which connections get a part
+    ::setrlimit(RLIMIT_NOFILE, &low);
+    if (isSlow)
+        ::kill(pid(*process), SIGSTOP);
+    for (int i = 0; i < kRounds; ++i) {
+        for (int channel = 0; channel < kChannels; ++channel)
+            QVERIFY(QCopChannel::send("many" + QByteArray::number(channel), "n",
+                                      numbered("test", i, i == 0 ? 60'000 : 0))); // the first takes several reads
+    }
+    if (isSlow)
+        ::kill(pid(*process), SIGCONT);
+    else
+        QVERIFY(openDescriptors() < 200);
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+}
+
+void tst_QCopChannel::keepsTheOrderOfWhatLastObjectsSend_data()
+{
+    QTest::addColumn<QString>("whose");
+    QTest::newRow("static objects, when the application is gone") << QStringLiteral("process");
+    QTest::newRow("objects of a thread") << QStringLiteral("thread");
+}
+
+void tst_QCopChannel::keepsTheOrderOfWhatLastObjectsSend()
+{
+    QFETCH(QString, whose);
+    Inbox inbox;
+    const auto process = role::start(QStringLiteral("last"), {whose});
+    QCOMPARE(role::finish(*process), EXIT_SUCCESS); // nothing has been received until then
+    QTRY_COMPARE(inbox.names.size(), 2 * kFewReads);
+    QVERIFY(inbox.isInOrder);
+}
+
+void tst_QCopChannel::showsWhoCleansUpThatItLives()
+{
+    const Inbox inbox;
+    QFile list(QStringLiteral("/proc/net/unix"));
+    QVERIFY(list.open(QIODevice::ReadOnly));
+    QVERIFY(list.readAll().contains(' ' + socketPath(sockets().at(0).toLocal8Bit()) + '\n'));
+}
+
 void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
 {
     Inbox living;
     const auto dead = role::start(QStringLiteral("listen"));
     QVERIFY(role::waitReady(*dead));
-    for (const char* halfBorn : {".1-living", ".2147483647-dead"}) {
-        const auto socket = zyn::posix::unixSocket();
-        const auto address = zyn::posix::unixAddress(socketPath(halfBorn));
-        QCOMPARE(::bind(socket.get(), address.get(), address.length), 0);
-    }
+    // Of a process that has another number where it lives, and that does not listen yet.
+    const QByteArray elsewhere = socketPath("2147483647-1");
+    const auto young = zyn::posix::unixSocket();
+    const auto address = zyn::posix::unixAddress(elsewhere);
+    QCOMPARE(::fchmod(young.get(), 0200), 0);
+    QCOMPARE(::bind(young.get(), address.get(), address.length), 0);
     QVERIFY(QCopChannel::send(kChannel, "n"));
     dead->kill();
     QCOMPARE(role::finish(*dead), -1);
-    QCOMPARE(sockets().size(), 4);
+    QCOMPARE(sockets().size(), 3);
 
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QCOMPARE(sockets().size(), 3); // a sender leaves the hidden ones alone
+    QCOMPARE(sockets().size(), 2);
     QTRY_COMPARE(living.names.size(), 2);
-    QCopChannel next(kChannel);
-    QCOMPARE(sockets().size(), 3);
-    QVERIFY(sockets().contains(QStringLiteral(".1-living")));
-    ::unlink(socketPath(".1-living").constData());
+    QVERIFY(sockets().contains(QStringLiteral("2147483647-1")));
+    QVERIFY(::listen(young.get(), 1) == 0 && ::chmod(elsewhere.constData(), 0600) == 0);
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QCOMPARE(receiveBare(zyn::posix::acceptConnection(young.get())), QByteArray("\1\0\0\0\0\0\0\0n", 9));
+    ::unlink(elsewhere.constData());
+}
+
+void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()
+{
+    const Inbox first;
+    const zyn::posix::UniqueFd watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    QVERIFY(::inotify_add_watch(watch.get(), socketPath({}).constData(), IN_OPEN) >= 0);
+    std::vector<std::unique_ptr<Inbox>> many;
+    int lists = 0;
+    while (many.size() < 200) {
+        many.push_back(std::make_unique<Inbox>());
+        std::array<char, 4096> events = {};
+        lists += ::read(watch.get(), events.data(), events.size()) > 0 ? 1 : 0;
+    }
+    QVERIFY(lists < 100);
 }
 
 void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
@@ -457,7 +675,8 @@ void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
     QFETCH(QByteArray, below);
     QFETCH(QByteArray, damage);
     const QByteArray path = root() + below, moved = root() + "-moved";
-    QVERIFY(QCopChannel::send(kChannel, "n")); // has made the directories, and looks again when they change
+    QVERIFY(::mkdir(root().constData(), 0700) == 0 && ::mkdir(socketPath({}).constData(), 0700) == 0);
+    QVERIFY(QCopChannel::send(kChannel, "n")); // knows them, and looks again when they change
     if (damage == "open to others")
         QCOMPARE(::chmod(path.constData(), 0710), 0);
     else if (damage == "a link")
@@ -479,10 +698,10 @@ void tst_QCopChannel::findsItsDirectory()
     QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere
     QCOMPARE(::mkdir((folder + "/late").constData(), 0700), 0);
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("late/zynqcop/%2FZYN%2Ftest"))));
+    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("late/zynqcop"))));
     qunsetenv("XDG_RUNTIME_DIR");
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(QStringLiteral("/tmp/zynqcop-%1/%2FZYN%2Ftest").arg(::geteuid())));
+    QVERIFY(QFile::exists(QStringLiteral("/tmp/zynqcop-%1").arg(::geteuid())));
     qputenv("ZYN_QCOP_PATH", "relative");
     QVERIFY(!QCopChannel::send(kChannel, "n"));
     qputenv("ZYN_QCOP_PATH", root() + QByteArray(100, 'l')); // longer than the address of a socket
@@ -533,11 +752,26 @@ void tst_QCopChannel::survivesForks()
     QCOMPARE(::kill(children[0][0].toInt(), SIGKILL), 0);
 }
 
+void tst_QCopChannel::losesASenderWhoseChildLives()
+{
+    Inbox inbox;
+    const qsizetype before = openDescriptors();
+    const auto process = role::start(QStringLiteral("leaveChild"));
+    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+    process->close();
+    QTRY_COMPARE(inbox.names.size(), 1);
+    QTRY_COMPARE(openDescriptors(), before); // no connection is left
+}
+
 int main(int argc, char** argv)
 {
     return role::testMain<tst_QCopChannel>(argc, argv,
                                            {{QStringLiteral("listen"), &listenRole},
                                             {QStringLiteral("send"), &sendRole},
+                                            {QStringLiteral("many"), &manyRole},
+                                            {QStringLiteral("die"), &dieRole},
+                                            {QStringLiteral("last"), &lastRole},
+                                            {QStringLiteral("leaveChild"), &leaveChildRole},
                                             {QStringLiteral("fork"), &forkRole}});
 }
 

@@ -1,53 +1,111 @@
-// Tells whether directories have changed since somebody looked.
+// Tells whether directories and files have changed since somebody looked.
 #include "platform/posix/DirectoryWatch_p.h"
 
 #include "platform/posix/PrivateDirectory_p.h"
 #include "platform/posix/Retry_p.h"
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 
 #include <sys/inotify.h>
 
 namespace {
 
-constexpr uint32_t kEvents =
-    IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF | IN_ONLYDIR;
-
-int newWatch()
-{
-    return ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-}
+constexpr uint32_t kMoves = IN_MOVE_SELF | IN_DELETE_SELF;
+constexpr uint32_t kArrivals = IN_CREATE | IN_MOVED_TO;
+constexpr uint32_t kDirectoryEvents = kMoves | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_ONLYDIR;
+/// A file loses its name by a change of its link count; while it is in use, it is not deleted.
+constexpr uint32_t kFileEvents = kMoves | IN_ATTRIB | IN_DONT_FOLLOW;
 
 } // namespace
 
 namespace zyn::posix {
 
 DirectoryWatch::DirectoryWatch()
-    : m_fd(newWatch())
+    : m_fd([] { return UniqueFd(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)); })
 {}
 
-void DirectoryWatch::restart()
+int DirectoryWatch::addPath(const QByteArray& path, uint32_t events)
 {
-    m_fd.reset(newWatch());
-    ++m_changes;
+    return m_fd.isValid() ? ::inotify_add_watch(m_fd.get(), path.constData(), events) : kUnwatched;
 }
 
-void DirectoryWatch::add(int directory)
+int DirectoryWatch::add(int directory)
 {
-    // One directory that cannot be watched makes all counts worthless.
-    if (m_fd.isValid() && ::inotify_add_watch(m_fd.get(), pathThrough(directory, ".").constData(), kEvents) < 0)
+    const int id = addPath(pathThrough(directory, "."), kDirectoryEvents);
+    if (id != kUnwatched)
+        m_changed.try_emplace(id, m_now);
+    return id;
+}
+
+void DirectoryWatch::addShared(int directory)
+{
+    // One that cannot be watched makes all others worthless.
+    if (addPath(pathThrough(directory, "."), kDirectoryEvents | IN_CREATE) == kUnwatched)
         m_fd.reset();
 }
 
-quint64 DirectoryWatch::changes()
+/// False when there is none. One that nobody may read is as good as watched: it is not this user's to move.
+bool DirectoryWatch::addDirectory(const QByteArray& path, uint32_t kept)
 {
-    if (!m_fd.isValid())
-        return ++m_changes;
-    alignas(inotify_event) std::array<std::byte, 4096> events;
-    while (retry([&] { return ::read(m_fd.get(), events.data(), events.size()); }) > 0)
-        ++m_changes;
-    return m_changes;
+    return addPath(path, kMoves | IN_ONLYDIR | kept) != kUnwatched || (errno != ENOENT && errno != ENOTDIR);
+}
+
+void DirectoryWatch::addWay(const QByteArray& path)
+{
+    QByteArray reached("/");
+    for (qsizetype end = path.indexOf('/', 1); reached != path; end = path.indexOf('/', end + 1)) {
+        const QByteArray next = path.first(end < 0 ? path.size() : end);
+        // What else is watched of the last one, such as names that come, is watched on without a gap.
+        const uint32_t kept = next == path ? uint32_t{IN_MASK_ADD} : 0;
+        if (!addDirectory(next, kept)) {
+            addPath(reached, kMoves | kArrivals | IN_ONLYDIR);
+            if (!addDirectory(next, kept)) // it may have come in between
+                return;
+        }
+        // A symbolic link on the way may come to lead elsewhere.
+        addPath(next, kMoves | IN_DONT_FOLLOW | IN_MASK_ADD);
+        reached = next;
+    }
+}
+
+int DirectoryWatch::addFile(int directory, const QByteArray& name)
+{
+    return addPath(pathThrough(directory, name), kFileEvents);
+}
+
+void DirectoryWatch::remove(int id)
+{
+    m_changed.erase(id);
+    if (id != kUnwatched && m_fd.isOwn())
+        ::inotify_rm_watch(m_fd.get(), id);
+}
+
+bool DirectoryWatch::poll()
+{
+    alignas(inotify_event) std::array<std::byte, 4096> buffer;
+    const quint64 before = m_now;
+    ssize_t size = 0;
+    while (m_fd.isValid() && (size = retry([&] { return ::read(m_fd.get(), buffer.data(), buffer.size()); })) > 0) {
+        for (size_t offset = 0; offset < static_cast<size_t>(size);) {
+            inotify_event event = {};
+            std::memcpy(&event, buffer.data() + offset, sizeof event);
+            offset += sizeof event + event.len;
+            if ((event.mask & IN_IGNORED) != 0) // the end of a watch, whose reason has been told before
+                continue;
+            const auto found = m_changed.find(event.wd);
+            (found == m_changed.end() ? m_allChanged : found->second) = ++m_now;
+        }
+    }
+    return m_now != before;
+}
+
+bool DirectoryWatch::hasChanged(int id, quint64 moment) const
+{
+    const auto found = m_changed.find(id);
+    return found == m_changed.end() || found->second > moment;
 }
 
 } // namespace zyn::posix

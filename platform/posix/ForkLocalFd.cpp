@@ -1,11 +1,14 @@
 // Descriptors that stay with the process that opened them when it forks.
 #include "platform/posix/ForkLocalFd_p.h"
 
+#include <algorithm>
+#include <climits>
 #include <mutex>
 #include <set>
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -58,6 +61,13 @@ namespace zyn::posix {
 unsigned forkGeneration()
 {
     return registry().generation;
+}
+
+size_t descriptorLimit()
+{
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    return static_cast<size_t>(std::min<rlim_t>(limit.rlim_cur, INT_MAX));
 }
 
 ForkLocalFd::ForkLocalFd(const std::function<UniqueFd()>& open)

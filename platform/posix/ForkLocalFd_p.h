@@ -3,6 +3,7 @@
 
 #include "platform/posix/UniqueFd_p.h"
 
+#include <cstddef>
 #include <functional>
 
 namespace zyn::posix {
@@ -10,6 +11,9 @@ namespace zyn::posix {
 /// Counts the forks between the process that first asked and this one: differs in a child from what its
 /// parent saw.
 unsigned forkGeneration();
+
+/// How many descriptors this process may have open.
+size_t descriptorLimit();
 
 /**
  * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number (where

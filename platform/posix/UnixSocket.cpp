@@ -95,6 +95,15 @@ bool isServed(const QByteArray& path)
     return connectUnixAtOnce(path).isValid() || errno == EAGAIN;
 }
 
+bool isBound(const QByteArray& path)
+{
+    // The kernel looks for the socket first, and then refuses one of another type.
+    const UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const UnixAddress address = unixAddress(path);
+    return !fd.isValid() || ::connect(fd.get(), address.get(), address.length) == 0
+           || (errno != ECONNREFUSED && errno != ENOENT);
+}
+
 UniqueFd listenUnix(const QByteArray& path, mode_t mode)
 {
     UniqueFd fd = unixSocket(SOCK_NONBLOCK);
@@ -127,6 +136,12 @@ bool isPeerTrusted(int fd)
     return peer && (peer->uid == ::geteuid() || peer->uid == 0);
 }
 
+bool isHungUp(int fd)
+{
+    pollfd entry = {fd, 0, 0};
+    return ::poll(&entry, 1, 0) > 0;
+}
+
 bool waitFor(int fd, short events, Clock::time_point deadline)
 {
     // poll would skip a negative descriptor and only wait.
@@ -151,6 +166,12 @@ ssize_t sendSome(int fd, std::span<iovec> blocks)
     message.msg_iovlen = blocks.size();
     const ssize_t n = retry([&] { return ::sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT); });
     return n < 0 && isPassing() ? 0 : n;
+}
+
+bool isAllReceived(int fd)
+{
+    int left = 0;
+    return ::ioctl(fd, SIOCOUTQ, &left) != 0 || left == 0;
 }
 
 ssize_t receiveSome(int fd, std::span<std::byte> buffer)

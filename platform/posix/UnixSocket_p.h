@@ -54,6 +54,10 @@ UniqueFd connectUnixAtOnce(const QByteArray& path);
 /// Whether a process listens at @p path, be it too busy to take a connection. Does not wait.
 bool isServed(const QByteArray& path);
 
+/// Whether the socket at @p path is one of a process that lives, though it may not listen yet. Its process notices
+/// nothing. False only when there is nobody: not for want of a descriptor or of a right.
+bool isBound(const QByteArray& path);
+
 /// Listens at @p path, which must not exist, with the permissions @p mode and the longest backlog there is. Accepting
 /// from it never waits.
 UniqueFd listenUnix(const QByteArray& path, mode_t mode);
@@ -67,6 +71,9 @@ std::optional<ucred> peerOf(int fd);
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
+/// Whether the other end of a connection is closed.
+bool isHungUp(int fd);
+
 /// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first,
 /// and at once for a negative descriptor.
 bool waitFor(int fd, short events, Clock::time_point deadline);
@@ -77,6 +84,9 @@ iovec toIovec(std::span<const std::byte> bytes);
 /// Sends as much of @p blocks as the socket takes at once: the number of bytes, 0 when it is full, -1 when
 /// the connection is lost.
 ssize_t sendSome(int fd, std::span<iovec> blocks);
+
+/// Whether the peer has received all that was sent over @p fd, or never will.
+bool isAllReceived(int fd);
 
 /// Receives what has come, at most @p buffer: the number of bytes, 0 at the connection's end, -1 when nothing
 /// is there.

@@ -10,8 +10,10 @@
 #include <QtCore/QRandomGenerator>
 
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -21,9 +23,16 @@ namespace {
 
 /// Well below the longest file name, which is 255 bytes.
 constexpr qsizetype kFileNameLimit = 200;
-constexpr mode_t kOwnUserOnly = 0600;
+/// The modes of a listener's socket: being made, which nobody but its owner may connect to either, and made.
+constexpr mode_t kUnfinished = 0200;
+constexpr mode_t kFinished = 0600;
+/// An unfinished socket is nobody's for a moment while it is bound, after which it seems dead only when it is.
+constexpr qint64 kUnfinishedSeconds = 10;
+/// A process looks at all listeners for it at most so often.
+constexpr std::chrono::seconds kCleanInterval{1};
 /// Begins the file name of a channel whose own name does not fit; never occurs in one that does.
 constexpr char kHashMark = '=';
+constexpr char kEncodingMark = '%';
 
 /// The channel's name as a file name: percent-encoded, the dot too, which may hide a file or leave the
 /// directory.
@@ -67,24 +76,37 @@ QByteArray ChannelEnvironment::root() const
     return "/tmp/zynqcop-" + QByteArray::number(::geteuid());
 }
 
-ChannelDirectory::ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd)
+ChannelDirectory::ChannelDirectory(posix::UniqueFd root, QByteArray name)
     : m_root(std::move(root))
-    , m_fd(std::move(fd))
+    , m_name(std::move(name))
+    , m_fd(posix::openPrivateDirectory(m_root.get(), m_name))
 {}
 
-std::optional<ChannelDirectory> ChannelDirectory::open(const QByteArray& root, const QCString& channel)
+std::optional<ChannelDirectory> ChannelDirectory::openEntry(posix::UniqueFd root, QByteArray name)
 {
-    ChannelDirectory directory(posix::openPrivateDirectory(AT_FDCWD, root), {});
-    directory.m_fd = posix::openPrivateDirectory(directory.root(), fileName(channel));
+    ChannelDirectory directory(std::move(root), std::move(name));
     if (!directory.m_fd.isValid())
         return std::nullopt;
     return directory;
 }
 
+std::optional<ChannelDirectory> ChannelDirectory::open(const QByteArray& root, const QCString& channel)
+{
+    posix::UniqueFd fd = posix::openPrivateDirectory(AT_FDCWD, root);
+    if (!fd.isValid())
+        return std::nullopt;
+    return openEntry(std::move(fd), fileName(channel));
+}
+
 std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, const QCString& channel)
 {
-    posix::makePrivateDirectory(posix::makePrivateDirectory(AT_FDCWD, root).get(), fileName(channel));
+    posix::makePrivateDirectory(makeRoot(root).get(), fileName(channel));
     return open(root, channel);
+}
+
+posix::UniqueFd ChannelDirectory::makeRoot(const QByteArray& root)
+{
+    return posix::makePrivateDirectory(AT_FDCWD, root);
 }
 
 QList<QCString> ChannelDirectory::channels(const QByteArray& root)
@@ -98,6 +120,28 @@ QList<QCString> ChannelDirectory::channels(const QByteArray& root)
     }
     std::sort(result.begin(), result.end());
     return result;
+}
+
+void ChannelDirectory::clean(const QByteArray& root)
+{
+    static std::atomic<posix::Clock::rep> next{posix::Clock::time_point::min().time_since_epoch().count()};
+    const auto now = posix::Clock::now().time_since_epoch();
+    if (now.count() < next.exchange((now + kCleanInterval).count()))
+        return;
+    // The directory is one that the user has named: what might be something else of his stays.
+    const posix::UniqueFd fd = posix::openPrivateDirectory(AT_FDCWD, root);
+    for (const QByteArray& entry : posix::entries(fd.get(), S_IFDIR).value_or(QList<QByteArray>())) {
+        if (isHidden(entry))
+            continue;
+        const auto directory = openEntry(posix::openPrivateDirectory(AT_FDCWD, root), entry);
+        if (!directory)
+            continue;
+        bool isChannel = entry.contains(kEncodingMark) || entry.startsWith(kHashMark);
+        for (const QByteArray& name : directory->listeners().value_or(QList<QByteArray>()))
+            isChannel = (owner(name) > 0 && directory->removeIfDead(name)) || isChannel;
+        if (isChannel)
+            directory->removeIfEmpty();
+    }
 }
 
 QByteArray ChannelDirectory::path(const QByteArray& root, const QCString& channel)
@@ -115,12 +159,13 @@ std::optional<QList<QByteArray>> ChannelDirectory::listeners() const
 
 posix::UniqueFd ChannelDirectory::listenAs(const QByteArray& name) const
 {
-    // A sender that met the socket between bind and listen would be refused, and take it for a dead one.
-    const QByteArray hidden = '.' + name;
-    removeStillborn();
-    posix::UniqueFd socket = posix::listenUnix(posix::pathThrough(fd(), hidden), kOwnUserOnly);
-    if (!socket.isValid() || ::renameat(fd(), hidden.constData(), fd(), name.constData()) != 0) {
-        remove(hidden);
+    const QByteArray path = posix::pathOf(fd()) + '/' + name;
+    const bool fits = path.size() <= posix::kUnixPathLimit;
+    posix::UniqueFd socket = posix::listenUnix(fits ? path : posix::pathThrough(fd(), name), kUnfinished);
+    // Senders notice the new mode; what was refused until then is no dead listener. Changed through the directory, it
+    // also tells that the path has led nowhere else.
+    if (!socket.isValid() || ::fchmodat(fd(), name.constData(), kFinished, 0) != 0) {
+        remove(name);
         return {};
     }
     return socket;
@@ -131,19 +176,28 @@ posix::UniqueFd ChannelDirectory::connectTo(const QByteArray& name) const
     return posix::connectUnixAtOnce(posix::pathThrough(fd(), name));
 }
 
+bool ChannelDirectory::removeIfDead(const QByteArray& name) const
+{
+    struct stat status = {};
+    if (::fstatat(fd(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return false;
+    // Its process's number does not tell: where others number processes in their own way, a living one looks dead.
+    const bool isUnfinished = (status.st_mode & ~mode_t{S_IFMT}) == kUnfinished;
+    const qint64 age = qint64{::time(nullptr)} - qint64{status.st_ctime};
+    if ((isUnfinished && std::abs(age) < kUnfinishedSeconds) || posix::isBound(posix::pathThrough(fd(), name)))
+        return false;
+    remove(name);
+    return true;
+}
+
 void ChannelDirectory::remove(const QByteArray& name) const
 {
     ::unlinkat(fd(), name.constData(), 0);
 }
 
-void ChannelDirectory::removeStillborn() const
+void ChannelDirectory::removeIfEmpty() const
 {
-    for (const QByteArray& name : posix::entries(fd(), S_IFSOCK).value_or(QList<QByteArray>())) {
-        // A refused connection does not tell: a living process may be about to listen.
-        const pid_t process = owner(name.sliced(1));
-        if (isHidden(name) && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
-            remove(name);
-    }
+    ::unlinkat(m_root.get(), m_name.constData(), AT_REMOVEDIR);
 }
 
 QByteArray ChannelDirectory::newName()

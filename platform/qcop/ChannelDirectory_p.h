@@ -31,26 +31,31 @@ struct ChannelEnvironment
 /**
  * The open directory of one channel: one socket for each of its listeners.
  *
- * A listener's name is never used a second time, so that a name always means the same listener, or a dead
- * one; the socket of one that does not listen yet has a hidden name. Sockets are reached through the open
- * directory, which makes their paths fit a socket's address however long the directory's path is, and keeps
- * them in the directory that was checked, whatever becomes of the path.
+ * A name always means the same listener, or a dead one. Sockets are reached through the open directory, which makes
+ * their paths fit a socket's address however long the directory's path is, and keeps them in the directory that was
+ * checked, whatever becomes of the path. They are bound by the path itself where it fits, because programs that clean
+ * up look for it among the system's sockets. One that does not listen yet has mode 0200, then 0600.
  */
 class ChannelDirectory
 {
 public:
-    /// Opens the directory of @p channel under @p root; nothing when either is missing or may not be used.
+    /// Opens the directory of @p channel under @p root; nothing when either is missing, with errno ENOENT, or may not
+    /// be used.
     static std::optional<ChannelDirectory> open(const QByteArray& root, const QCString& channel);
     /// The same; what is missing is made first.
     static std::optional<ChannelDirectory> make(const QByteArray& root, const QCString& channel);
+    /// The directory in which the channels' are, open and made when missing; none when it may not be used.
+    static posix::UniqueFd makeRoot(const QByteArray& root);
     /// The channels that have a directory, sorted. One whose name is too long to be told from its directory
     /// is left out.
     static QList<QCString> channels(const QByteArray& root);
+    /// Removes what listeners under @p root have left that were killed: their sockets, and directories without any.
+    /// Does so at most once a second in a process, so that thousands of listeners do not look at each other.
+    static void clean(const QByteArray& root);
 
     /// Where the directory of @p channel under @p root is, or would be.
     static QByteArray path(const QByteArray& root, const QCString& channel);
 
-    int root() const { return m_root.get(); }
     int fd() const { return m_fd.get(); }
 
     /// The names of the listeners, living or dead; nothing when they could not all be read.
@@ -58,9 +63,14 @@ public:
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
     /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED
-    /// when it is dead, ENOENT when it has gone, EAGAIN when too many connections wait to be accepted.
+    /// when it is dead or does not listen yet, ENOENT when it has gone, EAGAIN when too many connections wait to be
+    /// accepted.
     posix::UniqueFd connectTo(const QByteArray& name) const;
+    /// Removes the socket of a listener that is certainly dead; whether it was.
+    bool removeIfDead(const QByteArray& name) const;
     void remove(const QByteArray& name) const;
+    /// Removes the directory itself, unless anything is in it.
+    void removeIfEmpty() const;
 
     /// A new listener's name.
     static QByteArray newName();
@@ -68,12 +78,11 @@ public:
     static pid_t owner(const QByteArray& name);
 
 private:
-    ChannelDirectory(posix::UniqueFd root, posix::UniqueFd fd);
-
-    /// Removes the hidden sockets of processes that died before they listened.
-    void removeStillborn() const;
+    ChannelDirectory(posix::UniqueFd root, QByteArray name);
+    static std::optional<ChannelDirectory> openEntry(posix::UniqueFd root, QByteArray name);
 
     posix::UniqueFd m_root;
+    QByteArray m_name; ///< its file name in the root
     posix::UniqueFd m_fd;
 };
 

@@ -22,13 +22,20 @@ constexpr std::chrono::milliseconds kRetryInterval{20};
 
 namespace zyn {
 
-ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name)
+ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name,
+                         ChannelConnections& all)
     : m_root(root)
     , m_channel(channel)
     , m_name(name)
     , m_generation(posix::forkGeneration())
+    , m_all(all)
     , m_nextFlush(kGatherSize)
 {}
+
+ChannelPeer::~ChannelPeer()
+{
+    disconnect();
+}
 
 ChannelPeer::Result ChannelPeer::take(const ChannelFrame& frame, bool gather)
 {
@@ -48,22 +55,30 @@ ChannelPeer::Result ChannelPeer::take(const ChannelFrame& frame, bool gather)
 /// Makes the connection unless there is one.
 ChannelPeer::Link ChannelPeer::link()
 {
-    return m_fd.isValid() ? Link::Open : connect();
+    return m_fd ? Link::Open : connect();
 }
 
 ChannelPeer::Link ChannelPeer::connect()
 {
     const auto directory = ChannelDirectory::open(m_root, m_channel);
     if (!directory)
-        return Link::Failed;
-    m_fd = directory->connectTo(m_name);
-    if (m_fd.isValid() && posix::isPeerTrusted(m_fd.get()))
+        return errno == ENOENT ? Link::Gone : Link::Failed;
+    int error = 0;
+    m_fd.emplace([&] {
+        posix::UniqueFd fd = directory->connectTo(m_name);
+        error = fd.isValid() ? 0 : errno;
+        return fd;
+    });
+    if (m_fd->isValid() && posix::isPeerTrusted(fd())) {
+        ++m_all.count;
         return Link::Open;
-    const int error = m_fd.isValid() ? EACCES : errno;
+    }
     m_fd.reset();
     switch (error) {
     case ECONNREFUSED:
-        directory->remove(m_name);
+        // One that does not listen yet is found again when it does.
+        if (directory->removeIfDead(m_name))
+            directory->removeIfEmpty();
         return Link::Gone;
     case ENOENT:
         return Link::Gone;
@@ -78,7 +93,7 @@ ChannelPeer::Link ChannelPeer::connect()
 bool ChannelPeer::makeRoom(const ChannelFrame& frame)
 {
     const auto fits = [&] { return !isPending() || m_queue.size() + frame.size() <= kQueueLimit; };
-    if (!fits() && m_fd.isValid())
+    if (!fits() && m_fd)
         flush();
     return fits();
 }
@@ -86,24 +101,26 @@ bool ChannelPeer::makeRoom(const ChannelFrame& frame)
 /// Writes or keeps the message; false when the connection turns out to be lost.
 bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
 {
-    const bool isConnected = m_fd.isValid();
+    const bool isConnected = m_fd.has_value();
     if (isConnected && !isPending() && !gather)
         return putAtOnce(frame);
     frame.appendTo(m_queue);
+    notePending();
     if (isConnected && (!gather || m_queue.size() >= m_nextFlush))
         flush();
-    return m_fd.isValid() == isConnected;
+    return m_fd.has_value() == isConnected;
 }
 
 bool ChannelPeer::putAtOnce(const ChannelFrame& frame)
 {
     auto blocks = frame.blocks();
-    const ssize_t n = posix::sendSome(m_fd.get(), blocks);
+    const ssize_t n = posix::sendSome(fd(), blocks);
     if (n < 0) {
         disconnect();
         return false;
     }
     frame.appendTo(m_queue, n);
+    notePending();
     return true;
 }
 
@@ -113,14 +130,15 @@ void ChannelPeer::flush()
         return;
     if (const Link state = link(); state != Link::Open) {
         if (state == Link::Gone)
-            m_queue.clear();
+            disconnect();
         return;
     }
     std::array blocks{posix::toIovec(std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))))};
-    const ssize_t n = posix::sendSome(m_fd.get(), blocks);
+    const ssize_t n = posix::sendSome(fd(), blocks);
     if (n < 0)
         return disconnect();
     m_queue.remove(0, n);
+    notePending();
     if (!isPending() && m_queue.capacity() > kIdleQueue)
         m_queue = QByteArray();
     m_nextFlush = m_queue.size() + kGatherSize;
@@ -131,9 +149,9 @@ void ChannelPeer::flushFromLoop()
     if (m_generation != posix::forkGeneration()) // a forked child's loop: what waits here is its parent's
         return disconnect();
     flush();
-    const bool isConnected = m_fd.isValid();
+    const bool isConnected = m_fd.has_value();
     if (isPending() && isConnected && !m_notifier) {
-        m_notifier = std::make_unique<QSocketNotifier>(m_fd.get(), QSocketNotifier::Write);
+        m_notifier = std::make_unique<QSocketNotifier>(fd(), QSocketNotifier::Write);
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { flushFromLoop(); });
     }
     if (m_notifier)
@@ -152,12 +170,42 @@ void ChannelPeer::retryFromLoop()
     m_retry->start(kRetryInterval);
 }
 
+void ChannelPeer::leaveLoop()
+{
+    m_notifier.reset();
+    m_retry.reset();
+}
+
+bool ChannelPeer::isIdle() const
+{
+    return !isPending() && (!m_fd || posix::isAllReceived(fd()));
+}
+
+bool ChannelPeer::isAlive() const
+{
+    return m_fd && !posix::isHungUp(fd());
+}
+
 void ChannelPeer::disconnect()
 {
     m_notifier.reset();
     m_queue = QByteArray();
+    notePending();
     m_nextFlush = kGatherSize;
+    if (m_fd)
+        --m_all.count;
     m_fd.reset();
+}
+
+void ChannelPeer::notePending()
+{
+    if (isPending() == m_pendingPlace.has_value())
+        return;
+    if (m_pendingPlace)
+        m_all.pending.erase(*m_pendingPlace);
+    m_pendingPlace.reset();
+    if (isPending())
+        m_pendingPlace = m_all.pending.insert(m_all.pending.end(), this);
 }
 
 } // namespace zyn

@@ -2,16 +2,27 @@
 #pragma once
 
 #include "platform/QCString.h"
-#include "platform/posix/UniqueFd_p.h"
+#include "platform/posix/ForkLocalFd_p.h"
 
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
+#include <cstddef>
+#include <list>
 #include <memory>
+#include <optional>
 
 namespace zyn {
 
 class ChannelFrame;
+class ChannelPeer;
+
+/// What the connections of one sending thread have in common.
+struct ChannelConnections
+{
+    std::list<ChannelPeer*> pending; ///< those with something that their listener has yet to take
+    size_t count = 0;                ///< the open ones
+};
 
 /**
  * Keeps the connection to one listener, and in order what the listener has yet to take.
@@ -32,7 +43,10 @@ public:
     };
 
     /// The listener @p name of @p channel, whose directory is under @p root. Connects with the first message.
-    ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name);
+    ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name, ChannelConnections& all);
+    ChannelPeer(const ChannelPeer&) = delete;
+    ChannelPeer& operator=(const ChannelPeer&) = delete;
+    ~ChannelPeer();
 
     /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large
     /// write.
@@ -41,9 +55,16 @@ public:
     void flush();
     /// Lets the calling thread's event loop write what is kept as soon as the listener takes it.
     void flushFromLoop();
+    /// Needs no event loop from now on.
+    void leaveLoop();
     bool isPending() const { return !m_queue.isEmpty(); }
+    /// Whether the listener has received all. Only then may the connection be given up: what is sent over another would
+    /// overtake what has not been received.
+    bool isIdle() const;
+    /// Whether a listener that cannot be found any more still receives what is sent to it.
+    bool isAlive() const;
     /// The connection; -1 while there is none.
-    int fd() const { return m_fd.get(); }
+    int fd() const { return m_fd ? m_fd->get() : -1; }
 
 private:
     enum class Link { Open, Waiting, Failed, Gone };
@@ -55,12 +76,15 @@ private:
     bool putAtOnce(const ChannelFrame& frame);
     void retryFromLoop();
     void disconnect();
+    void notePending();
 
     const QByteArray m_root;
     const QCString m_channel;
     const QByteArray m_name;
     const unsigned m_generation;
-    posix::UniqueFd m_fd;
+    ChannelConnections& m_all;
+    std::optional<posix::ForkLocalFd> m_fd; ///< a child's copy would seem to a listener to be a sender that lives
+    std::optional<std::list<ChannelPeer*>::iterator> m_pendingPlace;
     QByteArray m_queue;
     qsizetype m_nextFlush;
     std::unique_ptr<QSocketNotifier> m_notifier; ///< enabled while connected and pending

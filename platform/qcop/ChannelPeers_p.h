@@ -19,23 +19,35 @@ class ChannelPeers
 public:
     using Map = std::map<QByteArray, ChannelPeer>;
 
-    ChannelPeers(const QByteArray& root, const QCString& channel);
+    /// Lives no longer than @p watch and @p connections, which those of other channels share.
+    ChannelPeers(const QByteArray& root, const QCString& channel, posix::DirectoryWatch& watch,
+                 ChannelConnections& connections);
+    ChannelPeers(const ChannelPeers&) = delete;
+    ChannelPeers& operator=(const ChannelPeers&) = delete;
+    ~ChannelPeers();
 
     /// Sends to every listener that exists now; false when the channel may not be used or a listener misses
-    /// the message. What is sent first in @p turn is written at once, what follows is gathered; turn 0 is for
-    /// a thread without turns.
-    bool send(const ChannelFrame& frame, posix::DirectoryWatch& watch, quint64 turn);
-    bool isPending() const;
+    /// the message. The first messages of @p turn are written at once, each; what follows is gathered, as then many
+    /// follow. Turn 0 is for a thread without turns.
+    bool send(const ChannelFrame& frame, quint64 turn);
+    /// Whether all listeners have received all.
+    bool isIdle() const;
     Map& peers() { return m_peers; }
 
 private:
-    bool refresh(posix::DirectoryWatch& watch);
+    bool hasChanged() const;
+    bool refresh();
 
     const QByteArray m_root;
     const QCString m_channel;
+    posix::DirectoryWatch& m_watch;
+    ChannelConnections& m_connections;
     Map m_peers;
-    quint64 m_changes = 0; ///< of the watch, when the list was read
-    quint64 m_turn = 0;    ///< the one in which something was last sent
+    quint64 m_moment = 0;     ///< of the watch, when the list was read
+    bool m_isMissing = false; ///< whether there was no directory then, hence nothing to watch
+    int m_watchId;
+    quint64 m_turn = 0; ///< the one in which something was last sent
+    unsigned m_sentInTurn = 0;
 };
 
 } // namespace zyn

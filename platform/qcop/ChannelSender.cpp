@@ -1,16 +1,14 @@
 // What a thread sends on channels.
 #include "platform/qcop/ChannelSender_p.h"
 
+#include "platform/posix/ForkLocalFd_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
-
-#include <QtCore/QCoreApplication>
-#include <QtCore/QThread>
+#include "platform/qcop/SenderLoop_p.h"
 
 #include <algorithm>
 #include <vector>
 
 #include <poll.h>
-#include <pthread.h>
 
 namespace {
 
@@ -18,113 +16,137 @@ namespace {
 /// for.
 constexpr std::chrono::milliseconds kDrainStep{20};
 
-/// How many channels a sender remembers, apart from those on which something is pending.
-constexpr size_t kChannelLimit = 64;
-
-/// How many of the loops that seem to run in this thread are, as far as known, a forking parent's.
-thread_local int t_foreignLoops = 0;
-
-int loopLevel()
-{
-    return QThread::currentThread()->loopLevel();
-}
-
-void followForks()
-{
-    ::pthread_atfork(nullptr, nullptr, [] { t_foreignLoops = loopLevel(); });
-}
+/// How many channels a sender remembers, apart from those whose listeners have not received all.
+constexpr size_t kChannelLimit = 4096;
+/// The part of the process's descriptors that a sender uses for connections.
+constexpr size_t kDescriptorPart = 4;
+/// How many channels a sender looks at to give one up, and how many listeners that have yet to take something it tries
+/// with a message for others: what a message costs must not grow with the number of channels.
+constexpr int kCandidates = 4;
+constexpr size_t kFlushedWithOthers = 16;
 
 } // namespace
 
-Q_COREAPP_STARTUP_FUNCTION(followForks)
-
 namespace zyn {
+
+ChannelSender::Channel::Channel(ChannelSender& sender, std::list<Place>::iterator place)
+    : recent(place)
+    , peers(place->first, place->second, sender.m_watch, sender.m_connections)
+{}
+
+ChannelSender::ChannelSender()
+    : m_loop(std::make_unique<SenderLoop>([this] { flushFromLoop(); }))
+{}
+
+ChannelSender::~ChannelSender() = default;
 
 bool ChannelSender::send(const QCString& channel, const ChannelFrame& frame)
 {
+    m_watch.poll();
     followEnvironment();
-    watchTurns();
-    const auto place = std::make_pair(m_root, channel);
-    if (m_channels.size() >= kChannelLimit && !m_channels.contains(place))
-        forgetIdle();
-    ChannelPeers& peers = m_channels.try_emplace(place, m_root, channel).first->second;
-    const bool hasTurns = m_tellsTurns && loopLevel() > t_foreignLoops;
-    const bool isTaken = peers.send(frame, m_watch, hasTurns ? m_turn : 0);
-    if (!m_isTurnOpen && (hasTurns || peers.isPending())) {
-        m_isTurnOpen = true;
-        // Every kind of loop delivers an event, if need be one that starts later.
-        QMetaObject::invokeMethod(this, &ChannelSender::endTurn, Qt::QueuedConnection);
-    }
+    if (m_root.isEmpty())
+        return false;
+    const quint64 turn = m_loop ? m_loop->turn() : 0;
+    const bool isTaken = channelAt({m_root, channel}).peers.send(frame, turn);
+    if (m_connections.pending.empty())
+        return isTaken;
+    if (m_loop)
+        m_loop->flushLater();
+    if (turn == 0)
+        flushSome(kFlushedWithOthers);
     return isTaken;
 }
 
 /// The environment may change while the process runs, and with it the place of the channels.
 void ChannelSender::followEnvironment()
 {
-    // A place that was refused may have become usable.
-    if (ChannelEnvironment::current() == m_environment && !m_root.isEmpty())
+    // A place that was refused may have become usable, and the other way round.
+    ChannelEnvironment environment = ChannelEnvironment::current();
+    if (environment == m_environment && !m_root.isEmpty() && !m_watch.haveAllChanged(m_rootMoment))
         return;
-    m_environment = ChannelEnvironment::current();
-    if (const QByteArray root = m_environment.root(); root != m_root) {
-        m_root = root;
-        forgetIdle();
+    m_environment = std::move(environment);
+    m_rootMoment = m_watch.now();
+    const QByteArray oldRoot = std::exchange(m_root, m_environment.root());
+    if (m_root != oldRoot && !m_root.isEmpty())
+        forgetOtherRoots();
+}
+
+ChannelSender::Channel& ChannelSender::channelAt(const Place& place)
+{
+    if (const auto found = m_channels.find(place); found != m_channels.end()) {
+        m_recent.splice(m_recent.end(), m_recent, found->second.recent);
+        return found->second;
+    }
+    makeRoom();
+    return m_channels.try_emplace(place, *this, m_recent.insert(m_recent.end(), place)).first->second;
+}
+
+void ChannelSender::makeRoom()
+{
+    const size_t limit = posix::descriptorLimit() / kDescriptorPart;
+    const auto isFull = [&] { return m_channels.size() >= kChannelLimit || m_connections.count >= limit; };
+    for (int i = 0; i < kCandidates && !m_recent.empty() && isFull(); ++i) {
+        const auto oldest = m_channels.find(m_recent.front());
+        if (oldest == m_channels.end() || !oldest->second.peers.isIdle()) {
+            m_recent.splice(m_recent.end(), m_recent, m_recent.begin()); // others have their turn first
+            continue;
+        }
+        m_channels.erase(oldest);
+        m_recent.pop_front();
     }
 }
 
-/// What is pending stays, and follows in its old place.
-void ChannelSender::forgetIdle()
+/// What listeners there have not received stays, and follows in its old place.
+void ChannelSender::forgetOtherRoots()
 {
-    drain(std::chrono::milliseconds::zero());
-    std::erase_if(m_channels, [](const auto& entry) { return !entry.second.isPending(); });
-    m_watch.restart();
+    flushSome(m_connections.pending.size());
+    std::erase_if(m_channels, [&](const auto& entry) {
+        const bool isForgotten = entry.first.first != m_root && entry.second.peers.isIdle();
+        if (isForgotten)
+            m_recent.erase(entry.second.recent);
+        return isForgotten;
+    });
 }
 
-/// A loop that is left in the middle of a turn delivers no more events. Only the GLib dispatcher tells the
-/// end of that turn too; with another nothing is gathered, for it might wait for ever.
-void ChannelSender::watchTurns()
+void ChannelSender::flushFromLoop()
 {
-    QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
-    if (dispatcher == m_dispatcher)
-        return;
-    m_dispatcher = dispatcher;
-    m_tellsTurns = dispatcher && dispatcher->inherits("QEventDispatcherGlib");
-    if (m_tellsTurns)
-        connect(dispatcher, &QAbstractEventDispatcher::awake, this, &ChannelSender::noteTurn);
-}
-
-void ChannelSender::noteTurn()
-{
-    t_foreignLoops = std::clamp(loopLevel() - 1, 0, t_foreignLoops);
-    endTurn();
-}
-
-void ChannelSender::endTurn()
-{
-    if (!m_isTurnOpen)
-        return;
-    m_isTurnOpen = false;
-    ++m_turn;
-    for (auto& [place, peers] : m_channels) {
-        for (auto& [name, peer] : peers.peers())
-            peer.flushFromLoop();
+    for (auto it = m_connections.pending.begin(); it != m_connections.pending.end();) {
+        ChannelPeer* peer = *it++; // which leaves the list when nothing is pending any more
+        peer->flushFromLoop();
     }
 }
 
-void ChannelSender::drain(std::chrono::milliseconds time)
+/// Writes what listeners take now of what is pending for @p most of them, others each time.
+void ChannelSender::flushSome(size_t most)
+{
+    std::list<ChannelPeer*>& pending = m_connections.pending;
+    for (size_t left = std::min(most, pending.size()); left > 0; --left) {
+        ChannelPeer* peer = pending.front();
+        pending.splice(pending.end(), pending, pending.begin());
+        peer->flush();
+    }
+}
+
+void ChannelSender::leaveLoop()
+{
+    m_loop.reset();
+    for (auto& [place, channel] : m_channels) {
+        for (auto& [name, peer] : channel.peers.peers())
+            peer.leaveLoop();
+    }
+}
+
+void ChannelSender::drain(std::chrono::nanoseconds time)
 {
     const auto deadline = std::chrono::steady_clock::now() + time;
     for (;;) {
-        std::vector<pollfd> pending;
-        for (auto& [place, peers] : m_channels) {
-            for (auto& [name, peer] : peers.peers()) {
-                peer.flush();
-                if (peer.isPending())
-                    pending.push_back({peer.fd(), POLLOUT, 0});
-            }
-        }
-        if (pending.empty() || std::chrono::steady_clock::now() >= deadline)
+        flushSome(m_connections.pending.size());
+        if (m_connections.pending.empty() || std::chrono::steady_clock::now() >= deadline)
             return;
-        ::poll(pending.data(), pending.size(), static_cast<int>(kDrainStep.count()));
+        std::vector<pollfd> waiting;
+        for (const ChannelPeer* peer : m_connections.pending)
+            waiting.push_back({peer->fd(), POLLOUT, 0});
+        ::poll(waiting.data(), waiting.size(), static_cast<int>(kDrainStep.count()));
     }
 }
 

@@ -3,58 +3,119 @@
 
 #include "platform/posix/ForkLocalFd_p.h"
 #include "platform/qcop/ChannelSender_p.h"
+#include "platform/qcop/SenderLoop_p.h"
 
 #include <QtCore/QThread>
 
-#include <memory>
+#include <chrono>
+#include <utility>
+
+#include <pthread.h>
 
 namespace {
 
 using zyn::ChannelSender;
+using Clock = std::chrono::steady_clock;
 
-/// How long a thread or process waits at its end for listeners that have not taken everything.
+/// How long a thread or process waits in all at its end for listeners that have not taken everything.
 constexpr std::chrono::seconds kDrainTime{2};
 
-/// Outlives the thread's sender, for what still sends from the destructor of a static object.
-thread_local bool t_hasEnded = false;
+/**
+ * The state of one thread. It has no destructor, so that it outlives every object that has one: those of the thread,
+ * and in the thread that ends the process the static ones, may still send, and no message may overtake those sent
+ * before.
+ */
+struct Thread
+{
+    ChannelSender* sender;
+    unsigned generation; ///< of the process that made the sender
+    bool isEnding;
+    Clock::duration waited;
+};
+thread_local Thread t_thread = {};
 
-class ThreadSender
+/// Waits for the listeners of the calling thread, for as long as it has not yet waited.
+void drain()
+{
+    if (!t_thread.sender || t_thread.generation != zyn::posix::forkGeneration())
+        return;
+    const auto start = Clock::now();
+    t_thread.sender->drain(kDrainTime - t_thread.waited);
+    t_thread.waited += Clock::now() - start;
+}
+
+/// Ends what needs the thread's event loop.
+void endLoop()
+{
+    drain();
+    if (t_thread.sender)
+        t_thread.sender->leaveLoop();
+}
+
+/// Is destroyed with the thread's other objects, or when the process ends.
+struct ThreadEnd
+{
+    ThreadEnd() = default;
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+    ~ThreadEnd()
+    {
+        endLoop();
+        t_thread.isEnding = true;
+    }
+};
+
+/// A sender ends after all the objects of its thread, and never in the thread that ends the process.
+class SenderEnd
 {
 public:
-    ThreadSender() = default;
-    ThreadSender(const ThreadSender&) = delete;
-    ThreadSender& operator=(const ThreadSender&) = delete;
-    ~ThreadSender()
+    SenderEnd()
     {
-        t_hasEnded = true;
-        end();
+        ::pthread_key_create(&m_key, [](void* sender) { end(static_cast<ChannelSender*>(sender)); });
+    }
+    SenderEnd(const SenderEnd&) = delete;
+    SenderEnd& operator=(const SenderEnd&) = delete;
+    /// Comes after the static objects of those who use the library. The key stays: threads may go on.
+    ~SenderEnd()
+    {
+        drain();
+        t_thread.isEnding = true;
     }
 
-    ChannelSender& get()
-    {
-        if (!m_sender || !isOwn()) {
-            m_sender = std::make_unique<ChannelSender>();
-            m_generation = zyn::posix::forkGeneration();
-            // Who waits for a QThread does not wait for its thread_local objects.
-            QObject::connect(
-                QThread::currentThread(), &QThread::finished, m_sender.get(), [this] { end(); }, Qt::DirectConnection);
-        }
-        return *m_sender;
-    }
+    void follow(ChannelSender* sender) const { ::pthread_setspecific(m_key, sender); }
 
 private:
-    void end()
+    static void end(ChannelSender* sender)
     {
-        if (m_sender && isOwn())
-            m_sender->drain(kDrainTime);
-        m_sender.reset();
+        drain();
+        t_thread.sender = nullptr;
+        delete sender;
     }
-    /// Whether this process made the sender. What a forked child finds gathered is its parent's to write.
-    bool isOwn() const { return m_generation == zyn::posix::forkGeneration(); }
 
-    std::unique_ptr<ChannelSender> m_sender;
-    unsigned m_generation = 0;
+    pthread_key_t m_key = {};
 };
+const SenderEnd theSenderEnd;
+
+ChannelSender& threadSender()
+{
+    // What a forked child finds gathered is its parent's to write.
+    if (t_thread.sender && t_thread.generation != zyn::posix::forkGeneration())
+        delete std::exchange(t_thread.sender, nullptr);
+    if (t_thread.sender)
+        return *t_thread.sender;
+    t_thread.sender = new ChannelSender;
+    t_thread.generation = zyn::posix::forkGeneration();
+    theSenderEnd.follow(t_thread.sender);
+    if (t_thread.isEnding) {
+        t_thread.sender->leaveLoop();
+        return *t_thread.sender;
+    }
+    static thread_local const ThreadEnd t_end;
+    // Who waits for a QThread does not wait for its thread_local objects.
+    QObject::connect(QThread::currentThread(), &QThread::finished, t_thread.sender->loop(), &endLoop,
+                     Qt::DirectConnection);
+    return *t_thread.sender;
+}
 
 } // namespace
 
@@ -62,14 +123,10 @@ namespace zyn {
 
 bool sendFromThisThread(const QCString& channel, const ChannelFrame& frame)
 {
-    if (t_hasEnded) {
-        ChannelSender last;
-        const bool isTaken = last.send(channel, frame);
-        last.drain(kDrainTime);
-        return isTaken;
-    }
-    static thread_local ThreadSender t_sender;
-    return t_sender.get().send(channel, frame);
+    const bool isTaken = threadSender().send(channel, frame);
+    if (t_thread.isEnding)
+        drain(); // nobody may come to do so later
+    return isTaken;
 }
 
 } // namespace zyn
