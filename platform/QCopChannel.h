@@ -24,6 +24,10 @@ class ChannelListener;
  * is made when missing. A variable that is set and not empty is binding: a relative path, or an
  * XDG_RUNTIME_DIR that is missing or not the user's alone, is refused, with no other place instead.
  *
+ * A listener whose socket or directory somebody removes makes them again, as soon as its event loop runs and there is a
+ * place for them, and one that could not be set up is set up when it can be. Who has sent to it before reaches it
+ * meanwhile, too.
+ *
  * A child made by fork() without exec has its parent's listeners only as objects that receive nothing, writes
  * none of what its parent sent, and may send and listen itself.
  */
@@ -33,14 +37,14 @@ class ZYN_EXPORT QCopChannel : public QObject
 
 public:
     /// Listens on @p channel: every message sent after the constructor has returned will be received, none
-    /// sent before. A listener that cannot be set up says so on standard error and receives nothing. @p name becomes
-    /// the object's name, and @p parent deletes it; both may be null.
+    /// sent before. A listener that cannot be set up says so on standard error, receives nothing, and tries again from
+    /// its event loop. @p name becomes the object's name, and @p parent deletes it; both may be null.
     explicit QCopChannel(const QCString& channel, QObject* parent = nullptr, const char* name = nullptr);
     ~QCopChannel() override;
 
     /// The channel's name.
     QCString channel() const { return m_channel; }
-    /// Whether the listener could be set up.
+    /// Whether senders find the listener now.
     bool isListening() const;
 
     /**

@@ -247,8 +247,12 @@ private Q_SLOTS:
     void keepsOrderOnMoreChannelsThanStayOpen();
     void keepsTheOrderOfWhatLastObjectsSend_data();
     void keepsTheOrderOfWhatLastObjectsSend();
+    void isFoundAgainWhenItsSocketIsRemoved_data();
+    void isFoundAgainWhenItsSocketIsRemoved();
+    void listensLaterWhereItMayNotYet();
     void showsWhoCleansUpThatItLives();
     void removesTheSocketOfADeadListenerOnly();
+    void removesWhatAKilledListenerLeavesOnAChannelThatNobodyUses();
     void listsOtherListenersSeldomWhenItHasMany();
     void losesNothingAcceptedForAStoppedListener();
     void tellsWhenDescriptorsAreTooFew();
@@ -471,7 +475,7 @@ void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
         ::kill(pid(*process), SIGCONT);
     else
         QVERIFY(openDescriptors() < 200);
-    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, role::kPatience);
+    QTRY_COMPARE(process->state(), QProcess::NotRunning);
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
 }
 
@@ -488,8 +492,72 @@ void tst_QCopChannel::keepsTheOrderOfWhatLastObjectsSend()
     Inbox inbox;
     const auto process = role::start(QStringLiteral("last"), {whose});
     QCOMPARE(role::finish(*process), EXIT_SUCCESS); // nothing has been received until then
-    QTRY_COMPARE(inbox.names.size(), 2 * kFewReads);
+    QTRY_COMPARE(inbox.names.size(), 2 * qsizetype{kFewReads});
     QVERIFY(inbox.isInOrder);
+}
+
+void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved_data()
+{
+    QTest::addColumn<QByteArray>("removed");
+    QTest::addColumn<int>("times");
+    QTest::newRow("the socket") << QByteArray("/qcop/%2FZYN%2Ftest/*") << 1;
+    QTest::newRow("the channel's directory") << QByteArray("/qcop/%2FZYN%2Ftest") << 1;
+    QTest::newRow("the directory of all channels") << QByteArray("/qcop") << 1;
+    QTest::newRow("the one above, which is made again") << QByteArray() << 1;
+    QTest::newRow("the socket, and again at once") << QByteArray("/qcop/%2FZYN%2Ftest/*") << 3;
+    QTest::newRow("the directory of all channels, and again at once") << QByteArray("/qcop") << 3;
+    QTest::newRow("the one above, and again at once") << QByteArray() << 3;
+    QTest::newRow("the one above, moved elsewhere") << QByteArray("moved") << 1;
+}
+
+void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved()
+{
+    QFETCH(QByteArray, removed);
+    QFETCH(int, times);
+    const QByteArray base = m_folder->path().toLocal8Bit() + "/base";
+    QCOMPARE(::mkdir(base.constData(), 0700), 0);
+    qputenv("ZYN_QCOP_PATH", base + "/qcop");
+    const auto remove = [&] {
+        const bool isMoved = removed == "moved";
+        const QByteArray command = isMoved ? "mv " + base + ' ' + base + "-moved" : "rm -r " + base + removed;
+        return std::system(command.constData()) == 0;
+    };
+    {
+        Inbox inbox, other;
+        QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 0)));
+        QTRY_COMPARE(inbox.names.size(), 1);
+        for (int i = 0; i < times; ++i) {
+            QVERIFY(remove());
+            QVERIFY(!inbox.isListening());
+            if (!QFile::exists(QString::fromLocal8Bit(base))) {
+                QCoreApplication::processEvents(); // finds nothing to make it in
+                QCOMPARE(::mkdir(base.constData(), 0700), 0);
+            }
+            QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 1 + i))); // by the connection that it has
+            QTRY_VERIFY(inbox.isListening() && other.isListening());
+        }
+        QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 1 + times)));
+        const std::unique_ptr<QThread> cold(
+            QThread::create([] { QCopChannel::send(kChannel, "n", numbered("cold", 0)); }));
+        cold->start();
+        QVERIFY(cold->wait(role::kPatience));
+        QTRY_COMPARE(inbox.names.size(), times + 3);
+        QTRY_COMPARE(other.names.size(), times + 3);
+        QVERIFY(inbox.isInOrder && other.isInOrder);
+    }
+    QVERIFY(!QFile::exists(QString::fromLocal8Bit(base + "/qcop/%2FZYN%2Ftest")));
+}
+
+void tst_QCopChannel::listensLaterWhereItMayNotYet()
+{
+    QCOMPARE(::mkdir(root().constData(), 0755), 0);
+    QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"/ZYN/test\" in \"" + root() + '"');
+    Inbox inbox;
+    QVERIFY(!inbox.isListening());
+    QCOMPARE(::chmod(root().constData(), 0700), 0);
+    QTRY_VERIFY(inbox.isListening());
+    QVERIFY(QCopChannel::send(kChannel, "n"));
+    QTRY_COMPARE(inbox.names.size(), 1);
 }
 
 void tst_QCopChannel::showsWhoCleansUpThatItLives()
@@ -524,6 +592,21 @@ void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QCOMPARE(receiveBare(zyn::posix::acceptConnection(young.get())), QByteArray("\1\0\0\0\0\0\0\0n", 9));
     ::unlink(elsewhere.constData());
+}
+
+void tst_QCopChannel::removesWhatAKilledListenerLeavesOnAChannelThatNobodyUses()
+{
+    const auto dead = role::start(QStringLiteral("listen"));
+    QVERIFY(role::waitReady(*dead));
+    dead->kill();
+    QCOMPARE(role::finish(*dead), -1);
+    QCOMPARE(sockets().size(), 1);
+    const auto other = role::start(QStringLiteral("many"), {QStringLiteral("1"), QStringLiteral("1")});
+    QVERIFY(role::waitReady(*other));
+    QVERIFY(!QFile::exists(QString::fromLocal8Bit(socketPath({}))));
+    other->terminate();
+    role::finish(*other);
+    QVERIFY(QCopChannel::send("many0", "removes the other's"));
 }
 
 void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()

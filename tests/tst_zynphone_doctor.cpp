@@ -43,7 +43,11 @@ public:
             qFatal("cannot write %s", qPrintable(file.fileName()));
     }
     /// A socket that was listened to until its process ended.
-    static void leaveDeadSocket(const QByteArray& path) { zyn::posix::listenUnix(path, 0600); }
+    static void leaveDeadSocket(const QByteArray& path)
+    {
+        ::mkdir(path.first(path.lastIndexOf('/')).constData(), 0700);
+        zyn::posix::listenUnix(path, 0600);
+    }
 
     ServiceProcess recentCalls;
     ServiceProcess phone;

@@ -28,6 +28,8 @@ bool waitUntil(Condition condition)
 // Those of any Qt give up after five seconds, in which a busy machine may not have started a process.
 #undef QTRY_VERIFY
 #undef QTRY_COMPARE
+#undef QTRY_VERIFY_WITH_TIMEOUT
+#undef QTRY_COMPARE_WITH_TIMEOUT
 
 /// Handles events until @p condition holds; the test fails when it does not come to that.
 #define QTRY_VERIFY(condition) QVERIFY(patience::waitUntil([&] { return static_cast<bool>(condition); }))
