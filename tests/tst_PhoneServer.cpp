@@ -1,5 +1,6 @@
 // The phone server, run as the process that it is beside a real recent-call service.
 #include "handset/phone_server/CallCourse.h"
+#include "platform/posix/File_p.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
@@ -16,11 +17,21 @@
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
 
+#include <QtCore/QDir>
+
+#include <functional>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace zyn::voicecall;
 using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
 
 namespace {
+
+constexpr uid_t kSomebody = 12345;
+constexpr uid_t kNobody = 65534;
 
 const QString kForLong = QStringLiteral("--step 20 --talk 3600000 --prefix 0049");
 const QByteArray kRegisterSim = frame(PHONE_VOICECALL_CMD_REGISTER, words({SimToolkit}));
@@ -126,6 +137,7 @@ private:
     std::optional<Statuses> m_statuses;
     ServiceProcess m_recentCalls;
     ServiceProcess m_server;
+    UniqueFd m_foreign; ///< what another user holds
 
     void restart(const QString& options)
     {
@@ -467,6 +479,94 @@ private Q_SLOTS:
         QCOMPARE(m_server.stop(SIGINT), 0);
         QCOMPARE(calls(), QByteArrayList({"3 0301  talked"}));
         QTRY_COMPARE(m_statuses->count("44"), 4);
+    }
+
+    void replacesWhatAnotherUserHasPutInItsPlace_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<std::function<void(const QByteArray&)>>("put");
+        const auto row = [](const char* title, const char* name, const std::function<void(const QByteArray&)>& put) {
+            QTest::newRow(title) << QByteArray(zyn::voicecall::kSocketPath) + name << put;
+        };
+        const auto directory = [](const QByteArray& path) { ::mkdir(path.constData(), 0777); };
+        const auto fullDirectory = [](const QByteArray& path) {
+            ::mkdir(path.constData(), 0777);
+            ::mkdir((path + "/x").constData(), 0777);
+        };
+        const auto danglingLink = [](const QByteArray& path) { ::symlink("/tmp/nowhere", path.constData()); };
+        row("a socket that is served", "",
+            [this](const QByteArray& path) { m_foreign = zyn::posix::listenUnix(path, 0666); });
+        row("a link to another service", "",
+            [](const QByteArray& path) { ::symlink(zyn::recentcall::kSocketPath, path.constData()); });
+        row("a link to nothing", "", danglingLink);
+        row("a directory", "", directory);
+        row("a directory with something in it", "", fullDirectory);
+        row("a lock that is held", ".lock", [this](const QByteArray& path) { m_foreign = zyn::posix::lockFile(path); });
+        row("a link as the lock", ".lock", danglingLink);
+        row("a directory as the lock", ".lock", directory);
+        row("a pipe as the lock", ".lock", [](const QByteArray& path) { ::mkfifo(path.constData(), 0666); });
+    }
+    void replacesWhatAnotherUserHasPutInItsPlace()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(std::function<void(const QByteArray&)>, put);
+        QCOMPARE(m_server.log(), QByteArray());
+        if (::seteuid(kSomebody) != 0)
+            QSKIP("only root can play another user");
+        put(name);
+        QCOMPARE(::seteuid(0), 0);
+        QCOMPARE(zyn::posix::ownerOf(name), std::optional(kSomebody));
+        QVERIFY(m_server.start(ZYN_PHONED));
+        QCOMPARE(replies(client(kRegisterSim + kSimCall), 1), QList<int>({CallDialing}));
+        m_foreign.reset();
+        QDir(QLatin1String(zyn::voicecall::kSocketDirectory)).removeRecursively();
+        m_server.stop();
+    }
+
+    void tellsWhoDoesNotMakeWay_data()
+    {
+        QTest::addColumn<int>("mode"); // of the directory that somebody has made
+        QTest::addColumn<bool>("hasLock");
+        QTest::addColumn<QByteArray>("reason");
+        const QByteArray directory = zyn::voicecall::kSocketDirectory;
+        QTest::newRow("with the directory") << 0755 << false << "Permission denied: " + directory;
+        QTest::newRow("with the lock") << 01777 << true
+                                       << "Permission denied: " + directory + "/voicecall_interface.lock";
+    }
+    void tellsWhoDoesNotMakeWay()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, hasLock);
+        QFETCH(QByteArray, reason);
+        QCOMPARE(m_server.log(), QByteArray());
+        if (::geteuid() != 0)
+            QSKIP("only root can play another user");
+        const QByteArray directory = zyn::voicecall::kSocketDirectory;
+        const QByteArray lock = zyn::voicecall::kSocketPath + QByteArray(".lock");
+        if (hasLock)
+            QVERIFY(QFile(QFile::decodeName(lock)).open(QIODevice::WriteOnly));
+        QCOMPARE(::chmod(directory.constData(), mode_t(mode)), 0);
+        // Who is root in name only may not, where nobody else is known.
+        const bool isGivenAway = (!hasLock || ::chown(lock.constData(), kSomebody, kSomebody) == 0)
+                                 && ::chown(directory.constData(), kSomebody, kSomebody) == 0;
+        if (!isGivenAway) {
+            QDir(QLatin1String(directory)).removeRecursively();
+            QSKIP("only root can give a directory away");
+        }
+        QProcess server;
+        server.setChildProcessModifier([] {
+            if (::setuid(kNobody) != 0)
+                ::_exit(EXIT_FAILURE);
+        });
+        server.start(QStringLiteral(ZYN_PHONED), QStringList());
+        const int exitCode = role::finish(server);
+        const QByteArray log = server.readAllStandardError();
+        QDir(QLatin1String(directory)).removeRecursively();
+        if (exitCode == -1)
+            QSKIP("this user cannot start what is built here");
+        QCOMPARE(exitCode, 1);
+        QCOMPARE(log, "zyn-phoned: cannot listen on /tmp/zynphonecom/voicecall_interface: " + reason
+                          + " is user 12345's, let that user or root remove it\n");
     }
 
     void stepsInForOneThatDiedButNotForALiveOne()

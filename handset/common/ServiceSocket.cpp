@@ -11,11 +11,15 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
+
+namespace posix = zyn::posix;
+using zyn::handset::log;
 
 constexpr mode_t kOwnUserOnly = 0600;
 constexpr mode_t kOpenToAll = 0777;
@@ -37,15 +41,36 @@ void removeSocket(const QByteArray& path)
 void makeDirectoryOf(const QString& path)
 {
     const QByteArray directory = QFile::encodeName(QFileInfo(path).path());
-    if (zyn::posix::makeDirectory(directory, kOpenToAll))
+    if (posix::makeDirectory(directory, kOpenToAll))
         ::fchmodat(AT_FDCWD, directory.constData(), kOpenToAll, AT_SYMLINK_NOFOLLOW);
 }
 
-QString reason(int error)
+QString userText(uid_t user)
 {
-    if (error == EWOULDBLOCK)
-        return QStringLiteral("another service has it");
-    return QString::fromLocal8Bit(std::strerror(error));
+    return QString::fromLocal8Bit(posix::userName(user));
+}
+
+/// Removes what another user than root has put at @p path; what does not make way stays.
+void replaceForeign(const QByteArray& path)
+{
+    const std::optional<uid_t> owner = posix::ownerOf(path);
+    if (owner && posix::clearOfOthers(path))
+        log(QStringLiteral("%1 was user %2's: replaced")
+                .arg(QDir::cleanPath(QFile::decodeName(path)), userText(*owner)));
+}
+
+/// Why the socket at @p path cannot be had.
+QString reason(const QString& path, int error)
+{
+    const QString text = QString::fromLocal8Bit(std::strerror(error));
+    for (const QString& name : {lockPath(path), path, QFileInfo(QDir::cleanPath(path)).path()}) {
+        const bool isDirectory = name != path && name != lockPath(path);
+        const std::optional<uid_t> owner = posix::ownerOf(QFile::encodeName(name));
+        if (owner && !posix::isTrustedUser(*owner) && !(isDirectory && error == EWOULDBLOCK))
+            return QStringLiteral("%1: %2 is user %3's, let that user or root remove it")
+                .arg(text, QDir::cleanPath(name), userText(*owner));
+    }
+    return error == EWOULDBLOCK ? QStringLiteral("another service has it") : text;
 }
 
 } // namespace
@@ -83,7 +108,8 @@ bool ServiceSocket::makeAgain()
     if (isMade)
         log(QStringLiteral("%1 or its lock was removed: made again").arg(path));
     else if (!m_isLost)
-        log(QStringLiteral("%1 or its lock was removed, and cannot be made again now: %2").arg(path, reason(errno)));
+        log(QStringLiteral("%1 or its lock was removed, and cannot be made again now: %2")
+                .arg(path, reason(m_path, errno)));
     m_isLost = !isMade;
     return isMade;
 }
@@ -93,17 +119,25 @@ bool ServiceSocket::restore()
     makeDirectoryOf(m_path);
     // Only the lock may be gone: then nobody need wait for a new socket.
     if (m_made && posix::fileId(QFile::encodeName(m_path)) == m_made)
-        return m_lock.take(QFile::encodeName(lockPath(m_path)));
+        return lock();
     return occupy() && open();
+}
+
+bool ServiceSocket::lock()
+{
+    const QByteArray path = QFile::encodeName(lockPath(m_path));
+    replaceForeign(path);
+    return m_lock.isInPlace() || m_lock.take(path);
 }
 
 /// Becomes the only one who may listen.
 bool ServiceSocket::occupy()
 {
-    const QByteArray path = QFile::encodeName(m_path);
-    if (!m_lock.isInPlace() && !m_lock.take(QFile::encodeName(lockPath(m_path))))
+    if (!lock())
         return false;
-    if (posix::isServed(path)) {
+    const QByteArray path = QFile::encodeName(m_path);
+    replaceForeign(path);
+    if (posix::isServedByTrusted(path)) {
         errno = EWOULDBLOCK;
         return false;
     }
@@ -114,17 +148,20 @@ bool ServiceSocket::occupy()
 bool ServiceSocket::open()
 {
     const QByteArray path = QFile::encodeName(m_path);
-    m_listener = posix::listenUnix(path, kOwnUserOnly);
-    if (m_listener.isValid())
-        m_made = posix::fileId(path);
-    return m_listener.isValid();
+    // The one that there was goes on when no other can be made.
+    posix::UniqueFd listener = posix::listenUnix(path, kOwnUserOnly);
+    if (!listener.isValid())
+        return false;
+    m_listener = std::move(listener);
+    m_made = posix::fileId(path);
+    return true;
 }
 
 /// What is not done is told, with errno's reason.
 bool ServiceSocket::tell(bool isDone) const
 {
     if (!isDone)
-        log(QStringLiteral("cannot listen on %1: %2").arg(QDir::cleanPath(m_path), reason(errno)));
+        log(QStringLiteral("cannot listen on %1: %2").arg(QDir::cleanPath(m_path), reason(m_path, errno)));
     return isDone;
 }
 

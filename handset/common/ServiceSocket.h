@@ -14,7 +14,8 @@ namespace zyn::handset {
  * A Unix-domain stream socket at a path that outlives its owner's death.
  *
  * Beside the path lies a lock file, named with ".lock" behind it: it tells a dead owner, in whose place the
- * next one steps, from a live one. Failures are told in the log.
+ * next one steps, from a live one. The directory is open to all; what another user has put there, except root, is
+ * replaced as well. Failures are told in the log, with the user whose directory or file does not make way.
  */
 class ServiceSocket
 {
@@ -28,7 +29,7 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// Makes this process the owner, in place of one that died; false when another one lives.
+    /// Makes this process the owner, in place of one that died; false when another one of this user or of root lives.
     bool take();
     /// Listens, for this user's processes alone; the socket must have been taken.
     bool listen();
@@ -51,6 +52,7 @@ public:
     void release();
 
 private:
+    bool lock();
     bool occupy();
     bool open();
     bool restore();

@@ -4,9 +4,12 @@
 #include "platform/posix/Place_p.h"
 #include "platform/posix/Retry_p.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -93,14 +96,6 @@ ssize_t readOnceAt(int fd, std::span<std::byte> buffer, off_t offset)
     return retry([&] { return ::pread(fd, buffer.data(), buffer.size(), offset); });
 }
 
-std::optional<off_t> regularSize(int fd)
-{
-    struct stat status = {};
-    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    return status.st_size;
-}
-
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)
 {
     while (!bytes.empty()) {
@@ -145,6 +140,14 @@ std::optional<qint64> regularFileSize(int fd)
     return qint64{status.st_size};
 }
 
+off_t nextData(int fd, off_t offset)
+{
+    const off_t next = ::lseek(fd, offset, SEEK_DATA);
+    if (next >= 0 || errno != ENXIO)
+        return std::max(next, offset); // a file system that knows no holes has none
+    return std::max(static_cast<off_t>(regularFileSize(fd).value_or(0)), offset);
+}
+
 bool leadsTo(const QByteArray& path, int fd)
 {
     struct stat open = {};
@@ -157,6 +160,44 @@ bool isMissing(const QByteArray& path)
 {
     struct stat status = {};
     return ::stat(path.constData(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+bool isTrustedUser(uid_t user)
+{
+    return user == ::geteuid() || user == 0;
+}
+
+QByteArray userName(uid_t user)
+{
+    const passwd* entry = ::getpwuid(user);
+    return entry ? QByteArray(entry->pw_name) : QByteArray::number(user);
+}
+
+std::optional<uid_t> ownerOf(const QByteArray& path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 ? std::optional(status.st_uid) : std::nullopt;
+}
+
+bool clearOfOthers(const QByteArray& path)
+{
+    const auto isOfOthers = [](const QByteArray& name) {
+        const std::optional<uid_t> owner = ownerOf(name);
+        return owner && !isTrustedUser(*owner);
+    };
+    if (!isOfOthers(path))
+        return false;
+    const QByteArray aside = path + ".away." + QByteArray::number(::getpid());
+    if (::renameat2(AT_FDCWD, path.constData(), AT_FDCWD, aside.constData(), RENAME_NOREPLACE) != 0)
+        return false;
+    // Another process may have put its own there after the look.
+    if (!isOfOthers(aside)) {
+        ::renameat2(AT_FDCWD, aside.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE);
+        return false;
+    }
+    if (::unlink(aside.constData()) != 0)
+        ::rmdir(aside.constData());
+    return true;
 }
 
 } // namespace zyn::posix

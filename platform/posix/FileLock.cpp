@@ -28,7 +28,7 @@ QByteArray hostName()
 bool isOfTrustedOwner(const QByteArray& path)
 {
     struct stat status = {};
-    return ::lstat(path.constData(), &status) != 0 || isTrustedOwner(status.st_uid);
+    return ::lstat(path.constData(), &status) != 0 || isTrustedUser(status.st_uid);
 }
 
 } // namespace

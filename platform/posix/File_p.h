@@ -40,8 +40,8 @@ bool isNamed(int fd, const QByteArray& path);
  * Locks the file @p path, created for this user alone when it is missing, for as long as the descriptor is open.
  *
  * None, with errno EWOULDBLOCK, while another process holds the lock; with EEXIST, when the name is that of no regular
- * file. The kernel ends the lock of a process that dies;
- * no name or number of a process decides. Whoever holds the lock may remove the file.
+ * file. The kernel ends the lock of a process that dies; no name or number of a process decides. Whoever holds the lock
+ * may remove the file.
  */
 UniqueFd lockFile(const QByteArray& path);
 
@@ -51,9 +51,6 @@ ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
 /// The same with one system call, so that nothing which is written between two comes in; fewer bytes than there are in
 /// the file are rare, but possible.
 ssize_t readOnceAt(int fd, std::span<std::byte> buffer, off_t offset);
-
-/// The size of a regular file in bytes; nothing for anything else.
-std::optional<off_t> regularSize(int fd);
 
 /// Writes all of @p bytes at @p offset.
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
@@ -69,10 +66,26 @@ std::optional<QByteArray> readWhole(int fd, qint64 limit);
 /// How many bytes the open file @p fd has; nothing when it is no regular file.
 std::optional<qint64> regularFileSize(int fd);
 
+/// The offset in the open file @p fd, from @p offset on, at which there is no hole; the file's end when there is none.
+off_t nextData(int fd, off_t offset);
+
 /// Whether @p path, links followed, leads to the open file @p fd.
 bool leadsTo(const QByteArray& path, int fd);
 
 /// Whether there is no file @p path, nor a link to one; false, too, when that cannot be told.
 bool isMissing(const QByteArray& path);
+
+/// Whether files and processes of @p user are this process's business: its own, and root's.
+bool isTrustedUser(uid_t user);
+
+/// The name of @p user, or the number of one without a name.
+QByteArray userName(uid_t user);
+
+/// The user whom @p path belongs to, a link itself and not its target; nothing when there is no such name.
+std::optional<uid_t> ownerOf(const QByteArray& path);
+
+/// Removes what has the name @p path when it is neither this user's nor root's; a directory that is not empty gets
+/// another name beside it. Whether anything has made way.
+bool clearOfOthers(const QByteArray& path);
 
 } // namespace zyn::posix

@@ -1,6 +1,7 @@
 // Files found without following links that somebody else has laid.
 #include "platform/posix/Place_p.h"
 
+#include "platform/posix/File_p.h"
 #include "platform/posix/Retry_p.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ QByteArray takeName(QByteArray& path)
 /// The text of the link @p fd; nothing, and errno, when it is somebody else's.
 std::optional<QByteArray> targetOf(const UniqueFd& fd, uid_t owner)
 {
-    if (!isTrustedOwner(owner))
+    if (!isTrustedUser(owner))
         return refused(EACCES);
     QByteArray target(PATH_MAX, Qt::Uninitialized);
     const ssize_t length = ::readlinkat(fd.get(), "", target.data(), static_cast<size_t>(target.size()));
@@ -59,11 +60,6 @@ std::optional<QByteArray> targetOf(const UniqueFd& fd, uid_t owner)
 
 } // namespace
 
-bool isTrustedOwner(uid_t owner)
-{
-    return owner == ::geteuid() || owner == 0;
-}
-
 std::optional<Place> placeOf(const QByteArray& path, LastLink last)
 {
     if (path.contains('\0'))
@@ -73,8 +69,8 @@ std::optional<Place> placeOf(const QByteArray& path, LastLink last)
     for (int links = 0; directory.isValid() && links <= kLinkLimit;) {
         const QByteArray name = takeName(rest);
         const bool isLast = rest.isEmpty();
-        if (name.isEmpty())
-            return refused(ENOENT);
+        if (name.isEmpty()) // nothing but slashes, or nothing at all
+            return path.isEmpty() ? refused(ENOENT) : std::optional(Place{std::move(directory), QByteArray(".")});
         UniqueFd entry = openParent(directory.get(), name.constData(), O_NOFOLLOW);
         if (!entry.isValid() && !(isLast && errno == ENOENT))
             return std::nullopt;

@@ -19,9 +19,6 @@ struct Place
     QByteArray name;
 };
 
-/// Whether the files of @p owner are as good as this process's own: they are this user's or root's.
-bool isTrustedOwner(uid_t owner);
-
 /// What is to happen to a link that is the last name of a path.
 enum class LastLink { Follow, Keep };
 

@@ -1,6 +1,7 @@
 // Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
 #include "platform/posix/UnixSocket_p.h"
 
+#include "platform/posix/File_p.h"
 #include "platform/posix/Retry_p.h"
 
 #include <algorithm>
@@ -104,6 +105,15 @@ bool isBound(const QByteArray& path)
            || (errno != ECONNREFUSED && errno != ENOENT);
 }
 
+bool isServedByTrusted(const QByteArray& path)
+{
+    const UniqueFd connection = connectUnixAtOnce(path);
+    if (connection.isValid())
+        return isPeerTrusted(connection.get());
+    const std::optional<uid_t> owner = errno == EAGAIN ? ownerOf(path) : std::nullopt;
+    return owner && isTrustedUser(*owner);
+}
+
 UniqueFd listenUnix(const QByteArray& path, mode_t mode)
 {
     UniqueFd fd = unixSocket(SOCK_NONBLOCK);
@@ -133,7 +143,7 @@ std::optional<ucred> peerOf(int fd)
 bool isPeerTrusted(int fd)
 {
     const std::optional<ucred> peer = peerOf(fd);
-    return peer && (peer->uid == ::geteuid() || peer->uid == 0);
+    return peer && isTrustedUser(peer->uid);
 }
 
 bool isHungUp(int fd)

@@ -54,6 +54,9 @@ UniqueFd connectUnixAtOnce(const QByteArray& path);
 /// Whether a process listens at @p path, be it too busy to take a connection. Does not wait.
 bool isServed(const QByteArray& path);
 
+/// The same of this user's and root's processes. Where a busy one cannot be asked, the socket's owner decides.
+bool isServedByTrusted(const QByteArray& path);
+
 /// Whether the socket at @p path is one of a process that lives, though it may not listen yet. Its process notices
 /// nothing. False only when there is nobody: not for want of a descriptor or of a right.
 bool isBound(const QByteArray& path);
