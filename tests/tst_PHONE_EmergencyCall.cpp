@@ -79,6 +79,7 @@ private Q_SLOTS:
     void readsTheListAsFarAsItGoes();
     void findsNothingInWhatIsNoFile();
     void readsTheListAtOnce();
+    void readsOnBehindAHole();
     void writesWhatItReads();
 
 private:
@@ -162,6 +163,17 @@ void tst_PHONE_EmergencyCall::readsTheListAtOnce()
     const qint64 counted = readCalls();
     QVERIFY(!PHONE_IsEmergencyCall(QByteArray("112").data()));
     QCOMPARE(readCalls() - counted, counted - before + 1);
+}
+
+void tst_PHONE_EmergencyCall::readsOnBehindAHole()
+{
+    writeFile(record("911"));
+    QFile file(QString::fromLatin1(kListFile));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(record("112").size() * (qint64{1} << 34)));
+    QCOMPARE(file.write(record("112")), record("112").size());
+    file.close();
+    QVERIFY(PHONE_IsEmergencyCall(QByteArray("112").data()));
+    QVERIFY(!PHONE_IsEmergencyCall(QByteArray("113").data()));
 }
 
 void tst_PHONE_EmergencyCall::writesWhatItReads()

@@ -68,7 +68,9 @@ inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const
         }
         if (isLast || whole == 0)
             return false;
-        offset += static_cast<off_t>(whole) * kRecordSize;
+        // Holes hold no number, and may be longer than anybody can read.
+        offset =
+            posix::nextData(file.get(), offset + static_cast<off_t>(whole) * kRecordSize) / kRecordSize * kRecordSize;
     }
 }
 
