@@ -118,7 +118,7 @@ QByteArray RecordsFile::readWhole() const
     for (QByteArray part = isOpen ? file.read(kSizeLimit) : bytes; !part.isEmpty(); part = file.read(kSizeLimit)) {
         bytes += part;
         if (bytes.size() > kSizeLimit)
-            throw failure(u"%1 is longer than %2 bytes"_s.arg(inputName()).arg(kSizeLimit));
+            throw failure(u"%1 is longer than %2 bytes"_s.arg(inputName(), QString::number(kSizeLimit)));
     }
     if (file.error() != QFileDevice::NoError)
         throw failure(u"cannot read %1: %2"_s.arg(inputName(), file.errorString()));
