@@ -10,9 +10,11 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/syscall.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 typedef int Clone(int (*run)(void*), void* stack, int flags, void* argument, ...);
+typedef int OpenAt(int folder, const char* path, int flags, ...);
 typedef ssize_t Readlink(const char* path, char* buffer, size_t size);
 
 // QProcess starts programs by CLONE_PIDFD, which qemu-arm refuses, while it knows pidfd_open().
@@ -32,6 +34,18 @@ int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
     if (process > 0)
         *out = (int)syscall(SYS_pidfd_open, process, 0);
     return process;
+}
+
+// To qemu-arm the folder of the libraries is the root too, since it is there: what is opened from it would be found
+// below that folder. It has no such link to the root.
+int openat64(int folder, const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = va_arg(rest, mode_t);
+    va_end(rest);
+    OpenAt* const next = (OpenAt*)dlsym(RTLD_NEXT, "openat64");
+    return next(folder, strcmp(path, "/") == 0 ? "/proc/self/root" : path, flags, mode);
 }
 
 // The process whose program the link is, such as /proc/12/exe; 0 when it is another link.
