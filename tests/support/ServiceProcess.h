@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include <sys/types.h>
+#include <sys/wait.h>
 
 /// A service that is started, told to end, and asked what it has logged.
 class ServiceProcess
@@ -23,8 +24,14 @@ public:
     void tell(int signal) const
     {
         // The number 0, which a process that has ended has, would mean the test and its starter.
-        if (m_process.processId() > 0)
-            ::kill(pid_t(m_process.processId()), signal);
+        const auto process = pid_t(m_process.processId());
+        if (process <= 0)
+            return;
+        ::kill(process, signal);
+        // On a busy machine it goes on for a while.
+        siginfo_t info = {};
+        if (signal == SIGSTOP)
+            ::waitid(P_PID, id_t(process), &info, WSTOPPED);
     }
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     /// Waits for its end; its exit code, -1 when it was killed.
