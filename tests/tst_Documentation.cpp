@@ -10,7 +10,7 @@
 #include "support/Markdown.h"
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
-#include "tools/zynphone/RecordingLine.h"
+#include "tools/recording/RecordingLine.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_CommandSocket_p.h"

@@ -1,7 +1,7 @@
 // Blocks of bytes of a fixed size, as the tool writes and reads them.
 #include "tools/zynphone/BlockText.h"
 
-#include "tools/zynphone/FieldText.h"
+#include "tools/interchange/FieldText.h"
 #include "tools/zynphone/HexText.h"
 
 #include <algorithm>

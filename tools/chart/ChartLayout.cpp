@@ -1,0 +1,182 @@
+// Where everything in a chart stands.
+#include "tools/chart/ChartLayout.h"
+
+#include <algorithm>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using namespace zyn::tool::chart;
+
+constexpr int kFirstHeads = 96;
+constexpr int kBelowHeads = 18;
+/// How far a reader scrolls before the heads come again.
+constexpr int kHeadsEvery = 1100;
+constexpr int kAboveHeads = 10;
+
+constexpr int kEntryGap = 8;
+constexpr int kBelowEntries = 20;
+constexpr int kBelowText = 10;
+
+constexpr int kTimeColumn = 7; ///< width of a character of a time
+constexpr int kBesideTime = 14;
+constexpr int kArrowLength = 48; ///< from the axis to the first lane
+constexpr int kLaneGap = 40;     ///< from a lane's cards to the next lane
+constexpr int kLeastWidth = 560;
+constexpr int kCardsTogether = 1080; ///< about as wide as the cards of all lanes may be together
+constexpr int kLeastCard = 170;
+constexpr int kWidestCard = 400; ///< of several lanes
+constexpr int kSpanWidth = 170;
+constexpr int kMonoColumn = 7; ///< about a column at the size of the fields
+constexpr qsizetype kMostLines = 3;
+
+/// Pauses from here on are drawn alike.
+constexpr qint64 kSilence = 2000;
+constexpr int kSilenceHeight = 44;
+constexpr qint64 kPausePerPixel = 50;
+
+int cardLimit(qsizetype lanes)
+{
+    return std::max(kWidestCard, kCardsTogether / int(std::max<qsizetype>(lanes, 2)));
+}
+
+/// Fields are wrapped early, so that only long names make a lane wide.
+qsizetype fieldColumns(int room)
+{
+    return room * 5 / 6 / kMonoColumn;
+}
+
+/// The room that @p badge takes from the name.
+int badgeRoom(const QString& badge)
+{
+    return badge.isEmpty() ? 0 : badgeWidth(badge) + kCardPadding;
+}
+
+/// The width of what stands in the card of @p entry.
+int contentWidth(const ChartEntry& entry)
+{
+    int width = boldWidth(entry.name.prefix + entry.name.own, kNameSize) + badgeRoom(entry.badge);
+    for (const QString& line : entry.fields)
+        width = std::max(width, int(columnsOf(line)) * kMonoColumn);
+    return std::max(width, entry.span.isEmpty() ? 0 : kSpanWidth);
+}
+
+int lineCount(const ChartEntry& entry)
+{
+    return int(entry.fields.size()) + (entry.span.isEmpty() ? 0 : 1);
+}
+
+/// The last message of @p run, whose first one is before @p place, that is before it too.
+size_t lastBefore(size_t place, const ChartRun& run)
+{
+    return *std::prev(std::ranges::lower_bound(run.messages, place));
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock)
+{
+    for (const QCString& channel : runs.lanes)
+        m_lanes.push_back({nameText(channel)});
+    for (const ChartRun& run : runs.runs)
+        m_entries.push_back(entryOf(messages, run, clock));
+    placeLanes();
+    placeEntries(messages);
+    endBars();
+}
+
+ChartEntry ChartLayout::entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,
+                                const ChartClock& clock) const
+{
+    const auto timeOf = [&](size_t place) { return clock.text(messages.front().time.msecsTo(messages[place].time)); };
+    ChartEntry entry;
+    entry.run = &run;
+    entry.name = chartName(messages[run.messages.front()]);
+    entry.time = timeOf(run.messages.front());
+    if (run.isFold()) {
+        entry.badge = u"\u00D7 %1"_s.arg(run.turns());
+        entry.span = entry.time + u" \u2013 "_s + timeOf(run.messages.back());
+    }
+    const int room = cardLimit(qsizetype(m_lanes.size())) - 2 * kCardPadding;
+    const int prefix = boldWidth(entry.name.prefix, kNameSize);
+    entry.name.own = elidedToWidth(entry.name.own, kNameSize, room - prefix - badgeRoom(entry.badge));
+    entry.fields =
+        chartLines(chartFields(messages, run), fieldColumns(room), std::max(kMostLines, qsizetype(run.inTurn)));
+    entry.height = kNameBaseline + lineCount(entry) * kLineHeight + kBelowText;
+    return entry;
+}
+
+void ChartLayout::placeLanes()
+{
+    for (const ChartEntry& entry : m_entries) {
+        ChartLane& lane = m_lanes[size_t(entry.run->lane)];
+        lane.cardWidth = std::max(lane.cardWidth, contentWidth(entry) + 2 * kCardPadding);
+    }
+    const qsizetype timeLength = m_entries.empty() ? 0 : m_entries.back().time.size();
+    m_axis = kMargin + std::max<int>(int(timeLength), 8) * kTimeColumn + kBesideTime;
+    int x = m_axis + kArrowLength;
+    for (ChartLane& lane : m_lanes) {
+        const int limit = cardLimit(qsizetype(m_lanes.size()));
+        lane.title = elidedToWidth(lane.title, kNameSize, limit - 2 * kCardPadding);
+        const int title = boldWidth(lane.title, kNameSize) + 2 * kCardPadding;
+        lane.cardWidth = std::clamp(std::max(lane.cardWidth, title), kLeastCard, limit);
+        lane.x = x;
+        x += kCardOffset + lane.cardWidth + kLaneGap;
+    }
+    m_width = std::max(kLeastWidth, x - kLaneGap + kMargin);
+}
+
+void ChartLayout::placeEntries(const std::vector<ReceivedMessage>& messages)
+{
+    m_bottom = kFirstHeads;
+    addHeads();
+    const ChartRun* before = nullptr;
+    for (ChartEntry& entry : m_entries) {
+        if (m_bottom - m_heads.back() > kHeadsEvery) {
+            m_bottom += kAboveHeads;
+            addHeads();
+        }
+        const size_t place = entry.run->messages.front();
+        if (before)
+            addPause(messages[lastBefore(place, *before)].time.msecsTo(messages[place].time));
+        before = entry.run;
+        entry.top = m_bottom;
+        m_bottom += entry.height + kEntryGap;
+    }
+    m_bottom += kBelowEntries - kEntryGap;
+}
+
+void ChartLayout::addHeads()
+{
+    m_heads.push_back(m_bottom);
+    m_bottom += kHeadHeight + kBelowHeads;
+}
+
+void ChartLayout::addPause(qint64 milliseconds)
+{
+    if (milliseconds < kSilence) {
+        m_bottom += int(milliseconds / kPausePerPixel);
+        return;
+    }
+    m_silences.push_back({m_bottom, kSilenceHeight, durationText(milliseconds)});
+    m_bottom += kSilenceHeight + kEntryGap;
+}
+
+/// Lets the bar of each fold reach down to what came just before its last message.
+void ChartLayout::endBars()
+{
+    for (ChartEntry& entry : m_entries) {
+        if (!entry.run->isFold())
+            continue;
+        const auto next = std::ranges::lower_bound(m_entries, entry.run->messages.back(), {},
+                                                   [](const ChartEntry& other) { return other.run->messages.front(); });
+        entry.barBottom = std::prev(next)->top + std::prev(next)->height;
+    }
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,99 @@
+// Where everything in a chart stands.
+#pragma once
+
+#include "tools/chart/ChartFolding.h"
+#include "tools/chart/ChartText.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <vector>
+
+namespace zyn::tool {
+
+/// All places and sizes are pixels.
+namespace chart {
+inline constexpr int kMargin = 28;
+inline constexpr int kTitleBaseline = 46;
+inline constexpr int kNoteBaseline = 68;
+inline constexpr int kTitleSize = 20;
+inline constexpr int kNameSize = 12;
+inline constexpr int kHeadHeight = 28;
+inline constexpr int kCardOffset = 12; ///< from the lane's line
+inline constexpr int kCardPadding = 10;
+inline constexpr int kNameBaseline = 18; ///< below the card's top, as what follows
+inline constexpr int kArrowLine = 14;
+inline constexpr int kLineHeight = 16;
+
+inline int badgeWidth(const QString& badge)
+{
+    return int(badge.size()) * 7 + 12;
+}
+} // namespace chart
+
+/// One channel.
+struct ChartLane
+{
+    QString title;
+    int x = 0;         ///< of its line
+    int cardWidth = 0; ///< of what stands beside it
+};
+
+/// A message, or a fold, beside the line of its lane.
+struct ChartEntry
+{
+    const ChartRun* run = nullptr;
+    ChartName name;
+    QString badge;      ///< how many messages it stands for; empty for one
+    QStringList fields; ///< lines
+    QString span;       ///< first and last time of a fold
+    QString time;
+    int top = 0;
+    int height = 0;
+    int barBottom = 0; ///< how far a fold's bar reaches on the lane's line
+};
+
+/// A pause that is drawn shorter than it was.
+struct ChartSilence
+{
+    int top;
+    int height;
+    QString duration;
+};
+
+class ChartLayout
+{
+public:
+    /// Lays @p messages out; refers to @p runs, which are theirs.
+    ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock);
+
+    const std::vector<ChartLane>& lanes() const { return m_lanes; }
+    const std::vector<ChartEntry>& entries() const { return m_entries; }
+    const std::vector<ChartSilence>& silences() const { return m_silences; }
+    /// The tops of the rows of the lanes' heads.
+    const std::vector<int>& heads() const { return m_heads; }
+    int axis() const { return m_axis; }
+    /// Where the lanes' lines end.
+    int bottom() const { return m_bottom; }
+    int width() const { return m_width; }
+    int height() const { return m_bottom + chart::kMargin; }
+
+private:
+    ChartEntry entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,
+                       const ChartClock& clock) const;
+    void placeLanes();
+    void placeEntries(const std::vector<ReceivedMessage>& messages);
+    void addHeads();
+    void addPause(qint64 milliseconds);
+    void endBars();
+
+    std::vector<ChartLane> m_lanes;
+    std::vector<ChartEntry> m_entries;
+    std::vector<ChartSilence> m_silences;
+    std::vector<int> m_heads;
+    int m_axis = 0;
+    int m_bottom = 0; ///< while entries are placed: where the next one may begin
+    int m_width = 0;
+};
+
+} // namespace zyn::tool

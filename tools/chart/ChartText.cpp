@@ -1,0 +1,217 @@
+// The texts of a chart: what they say, and how much room they take.
+#include "tools/chart/ChartText.h"
+
+#include "tools/zynphone/Counted.h"
+#include "tools/zynphone/Elided.h"
+#include "tools/zynphone/HexText.h"
+#include "tools/recording/MessageFields.h"
+
+#include <algorithm>
+#include <span>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+constexpr qint64 kSecond = 1000;
+constexpr qint64 kMinute = 60 * kSecond;
+constexpr qint64 kHour = 60 * kMinute;
+
+constexpr qsizetype kLongestValue = 60;       ///< characters of a field
+constexpr qsizetype kLongestFoldedValue = 16; ///< of a field that changes in a fold
+constexpr qsizetype kLongestName = 200;       ///< characters of a name, whatever the font
+constexpr qsizetype kShownPayload = 4096;     ///< bytes
+constexpr size_t kShownMessages = 40;         ///< of a fold
+
+/// The first character that takes two columns, and about all behind it do.
+constexpr char16_t kFirstWide = 0x2E80;
+
+QStringList fieldTextsOf(const ReceivedMessage& message)
+{
+    QStringList texts = fieldTexts(messageFields(message.channel, message.name, message.payload));
+    // XML takes no half of a pair, which a text may hold.
+    for (QString& text : texts)
+        text = QString::fromUtf8(text.toUtf8());
+    return texts;
+}
+
+QString payloadText(const QByteArray& payload)
+{
+    const QString shown = hexText(payload.first(std::min(payload.size(), kShownPayload)));
+    return payload.size() > kShownPayload ? shown + u'\u2026' : shown;
+}
+
+/// The name of @p message as its card has it.
+QString fullName(const ReceivedMessage& message)
+{
+    const ChartName name = chartName(message);
+    return elided(name.prefix + name.own, kLongestName);
+}
+
+/// The names that take turns with that of the first message of @p run.
+QStringList laterInTurn(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
+{
+    QStringList names;
+    for (const size_t place : std::span(run.messages).first(run.inTurn).subspan(1))
+        names += u"then "_s + fullName(messages[place]);
+    return names;
+}
+
+/// A field whose values are @p first, @p last and others, all with the field's name.
+QString changeText(const QString& first, const QString& last)
+{
+    const qsizetype name = first.indexOf(u'=') + 1;
+    const QString between = first == last ? u"\u2192\u2026\u2192"_s : u"\u2192"_s;
+    return first.left(name) + elided(first.mid(name), kLongestFoldedValue) + between
+           + elided(last.mid(last.indexOf(u'=') + 1), kLongestFoldedValue);
+}
+
+/// The width of @p character in a bold font of wide letters, in hundredths of the font's size.
+int boldWidth(QChar character)
+{
+    constexpr QLatin1String kNarrow("iljtfrI.,:;'|()[]!/ -");
+    constexpr QLatin1String kBroad("mwMW@%");
+    if (kNarrow.contains(character))
+        return 42;
+    if (kBroad.contains(character) || character >= QChar(kFirstWide))
+        return 102;
+    return character.isLower() || character == u'_' ? 65 : 75;
+}
+
+QString twoDigits(qint64 number)
+{
+    return u"%1"_s.arg(number, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+ChartClock::ChartClock(qint64 longest)
+    : m_hasMinutes(longest >= kMinute)
+    , m_hasHours(longest >= kHour)
+{}
+
+QString ChartClock::text(qint64 milliseconds) const
+{
+    const QString fraction = u".%1"_s.arg(milliseconds % kSecond, 3, 10, QLatin1Char('0'));
+    if (!m_hasMinutes)
+        return QString::number(milliseconds / kSecond) + fraction;
+    const QString seconds = u':' + twoDigits(milliseconds % kMinute / kSecond) + fraction;
+    if (!m_hasHours)
+        return QString::number(milliseconds / kMinute) + seconds;
+    return QString::number(milliseconds / kHour) + u':' + twoDigits(milliseconds % kHour / kMinute) + seconds;
+}
+
+QString ChartClock::unit() const
+{
+    return m_hasHours ? u"h:min:s"_s : m_hasMinutes ? u"min:s"_s : u"s"_s;
+}
+
+QString durationText(qint64 milliseconds)
+{
+    if (milliseconds < kMinute)
+        return u"%1.%2 s"_s.arg(milliseconds / kSecond).arg(milliseconds % kSecond / 100);
+    if (milliseconds < kHour)
+        return u"%1 min %2 s"_s.arg(milliseconds / kMinute).arg(milliseconds % kMinute / kSecond);
+    return u"%1 h %2 min"_s.arg(milliseconds / kHour).arg(milliseconds % kHour / kMinute);
+}
+
+ChartName chartName(const ReceivedMessage& message)
+{
+    const QString name = nameText(message.name);
+    const QString enumerator = messageFields(message.channel, message.name, message.payload).enumerator;
+    if (enumerator.isEmpty())
+        return {{}, name};
+    const auto common = std::ranges::mismatch(enumerator, name).in1 - enumerator.begin();
+    return {enumerator.left(common), enumerator.mid(common)};
+}
+
+QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
+{
+    if (run.inTurn > 1)
+        return laterInTurn(messages, run);
+    QStringList first = fieldTextsOf(messages[run.messages.front()]);
+    QStringList last = first;
+    QList<bool> changes(first.size(), false);
+    for (const size_t place : run.messages) {
+        last = fieldTextsOf(messages[place]);
+        // A field more or less is a damaged payload, or another number of parties.
+        changes.resize(std::max(changes.size(), last.size()));
+        for (qsizetype i = 0; i < changes.size(); ++i)
+            changes[i] = changes[i] || first.value(i) != last.value(i);
+    }
+    for (qsizetype i = 0; i < first.size(); ++i)
+        first[i] = changes[i] ? changeText(first[i], last.value(i)) : elided(first[i], kLongestValue);
+    return first;
+}
+
+QString chartTooltip(const std::vector<ReceivedMessage>& messages, const ChartRun& run, const ChartClock& clock)
+{
+    const ReceivedMessage& first = messages[run.messages.front()];
+    const ChartName name = chartName(first);
+    QStringList lines{u"%1: %2"_s.arg(nameText(first.channel), nameText(first.name))};
+    if (!name.prefix.isEmpty())
+        lines += name.prefix + name.own;
+    for (const size_t place : std::span(run.messages).first(std::min(run.messages.size(), kShownMessages))) {
+        const ReceivedMessage& message = messages[place];
+        lines += clock.text(messages.front().time.msecsTo(message.time)) + u"  "_s
+                 + message.time.toString(u"HH:mm:ss.zzz") + u" UTC"_s;
+        if (run.inTurn > 1)
+            lines += u"  "_s + fullName(message);
+        for (const QString& field : fieldTextsOf(message))
+            lines += u"  "_s + field;
+        lines += u"  %1 %2"_s.arg(counted(message.payload.size(), "byte"), payloadText(message.payload)).trimmed();
+    }
+    if (run.messages.size() > kShownMessages)
+        lines += u"and %1 more"_s.arg(run.messages.size() - kShownMessages);
+    return lines.join(u'\n');
+}
+
+QStringList chartLines(const QStringList& words, qsizetype columns, qsizetype limit)
+{
+    QStringList lines;
+    for (const QString& word : words) {
+        const bool fits = !lines.isEmpty() && columnsOf(lines.last()) + 1 + columnsOf(word) <= columns;
+        if (fits)
+            lines.last() += u' ' + word;
+        else
+            lines += word;
+    }
+    if (lines.size() > limit) {
+        lines.resize(limit);
+        lines.last() += u" \u2026"_s;
+    }
+    for (QString& line : lines) {
+        while (columnsOf(line) > columns)
+            line = elided(line, line.size() - 1);
+    }
+    return lines;
+}
+
+qsizetype columnsOf(const QString& text)
+{
+    return text.size() + std::ranges::count_if(text, [](QChar character) {
+               return character >= QChar(kFirstWide) && !character.isSurrogate();
+           });
+}
+
+int boldWidth(const QString& text, int size)
+{
+    int width = 0;
+    for (const QChar character : text)
+        width += ::boldWidth(character);
+    return (width * size + 99) / 100;
+}
+
+QString elidedToWidth(const QString& text, int size, int width)
+{
+    QString result = elided(text, kLongestName);
+    while (result.size() > 1 && boldWidth(result, size) > width)
+        result = elided(result, result.size() - 1);
+    return result;
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,125 @@
+// A new call, as a command line describes it.
+#include "tools/commands/CallInput.h"
+
+#include "tools/zynphone/CallText.h"
+#include "tools/interchange/FieldText.h"
+
+#include <QtCore/QDateTime>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Call = PHONE_ENG_RecentCall;
+
+constexpr qsizetype kNumberLimit = sizeof Call::phoneNumber - 1;
+constexpr qsizetype kNameLimit = sizeof Call::displayName - 1;
+constexpr qsizetype kSessionLimit = sizeof Call::pttSessionId - 1;
+
+QDateTime startFrom(const Invocation& call)
+{
+    if (!call.isSet(u"at"_s))
+        return QDateTime::currentDateTime();
+    const QString text = call.value(u"at"_s);
+    QDateTime start = QDateTime::fromString(text, Qt::ISODate);
+    if (!start.isValid())
+        throw usageError(u"'%1' is no date and time like 2024-05-31T18:30:00"_s.arg(text));
+    secondsOf(start, text);
+    return start;
+}
+
+bool completedFrom(const Invocation& call, RC_CALL_CATEGORY_T list)
+{
+    const bool completed = call.isSet(u"completed"_s);
+    const bool notCompleted = call.isSet(u"not-completed"_s);
+    if (completed && notCompleted)
+        throw usageError(u"--completed and --not-completed exclude each other"_s);
+    return completed || (!notCompleted && list != RC_CALL_CATEGORY_MISSED);
+}
+
+void setSession(Call& record, const QString& session)
+{
+    if (!record.isPtt())
+        throw usageError(u"--session is for the types ptt1 and ptt2"_s);
+    const qsizetype size = session.toUtf8().size();
+    if (size > kSessionLimit)
+        throw usageError(u"the session id has %1 bytes; at most %2 fit"_s.arg(size).arg(kSessionLimit));
+    record.setPttSessionID(session);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+QString callNumber(const QString& text)
+{
+    if (text.isEmpty())
+        throw usageError(u"the number is empty"_s);
+    return latin1Field(text, u"number"_s, kNumberLimit);
+}
+
+QString callName(const QString& text)
+{
+    return latin1Field(text, u"name"_s, kNameLimit);
+}
+
+QString callNumberMeaning()
+{
+    return u"Latin-1, at most %1 characters"_s.arg(kNumberLimit);
+}
+
+QString callNameMeaning()
+{
+    return u"Latin-1, at most %1 characters"_s.arg(kNameLimit);
+}
+
+std::vector<Argument> callArguments()
+{
+    return {{u"LIST"_s, u"answered, missed or dialed"_s}, {u"NUMBER"_s, callNumberMeaning()}};
+}
+
+QList<QCommandLineOption> callOptions()
+{
+    return {
+        valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
+        valueOption(u"at"_s, u"DATETIME"_s,
+                    u"start, ISO 8601, local unless it ends in Z or an offset; now by default"_s),
+        valueOption(u"duration"_s, u"SECONDS"_s, u"0 by default"_s),
+        valueOption(u"type"_s, u"TYPE"_s, u"voice (the default), ptt1 or ptt2"_s),
+        valueOption(u"session"_s, u"ID"_s, u"of a ptt1 or ptt2 call, at most %1 bytes of UTF-8"_s.arg(kSessionLimit)),
+        flagOption(u"read"_s, u"the user has seen it"_s),
+        flagOption(u"completed"_s, u"the default of answered and dialed calls"_s),
+        flagOption(u"not-completed"_s, u"the default of missed calls"_s)};
+}
+
+QMap<QString, QStringList> callWords()
+{
+    return {{u"LIST"_s, wordTexts(kLists)}, {u"TYPE"_s, wordTexts(kTypes)}};
+}
+
+PHONE_ENG_RecentCall callFrom(const Invocation& call)
+{
+    const RC_CALL_CATEGORY_T list = wordNamed(kLists, call.argument(0), u"list"_s).value;
+    return callFrom(call, list, callNumber(call.argument(1)));
+}
+
+PHONE_ENG_RecentCall callFrom(const Invocation& call, RC_CALL_CATEGORY_T list, const QString& number)
+{
+    Call record;
+    record.category = list;
+    record.setPhoneNumber(number);
+    record.setDisplayName(callName(call.value(u"name"_s)));
+    record.setStartDateTime(startFrom(call));
+    if (call.isSet(u"duration"_s))
+        record.duration = wholeNumber(call.value(u"duration"_s), u"duration"_s, 0);
+    if (call.isSet(u"type"_s))
+        record.callType = wordNamed(kTypes, call.value(u"type"_s), u"type"_s).value;
+    if (call.isSet(u"session"_s))
+        setSession(record, call.value(u"session"_s));
+    record.readFlags = call.isSet(u"read"_s) ? Call::kRead : 0;
+    record.completed = completedFrom(call, record.category);
+    return record;
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,144 @@
+// zynphone calls: the log of recent calls.
+#include "tools/commands/CallsCommand.h"
+
+#include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_Interface.h"
+#include "tools/commands/CallInput.h"
+#include "tools/commands/CallSelection.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/ExportCommand.h"
+#include "tools/commands/ImportCommand.h"
+#include "tools/commands/SeedCommand.h"
+#include "tools/zynphone/ServiceError.h"
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Call = PHONE_ENG_RecentCall;
+
+constexpr int kNoSuchCall = 1; // of RC_Interface
+
+ExitCode listCalls(const Invocation& call, Console& console)
+{
+    const auto list = call.arguments().isEmpty() ? RC_CALL_CATEGORY_ALL : listNamed(call.argument(0));
+    printTable(console, Table(callColumns(), fetchCalls(list, typesFrom(call))), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode addCall(const Invocation& call, Console& console)
+{
+    const RC_RecordInterfaceImpl record(new Call(callFrom(call)));
+    if (RC_Interface().addRecord(record) != 0)
+        throw recentCallServiceError();
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+ExitCode deleteCall(const Invocation& call, Console& console)
+{
+    const int uid = wholeNumber(call.argument(0), u"UID"_s);
+    const RC_CALL_CATEGORY_T list = listFrom(call);
+    std::vector<Call> found = fetchCalls(list);
+    std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
+    if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
+        throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
+    int result = kNoSuchCall;
+    if (!found.empty())
+        result = RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new Call(found.front())));
+    if (result == kNoSuchCall)
+        throw failure(u"no such call: %1"_s.arg(uid));
+    if (result != 0)
+        throw recentCallServiceError();
+    console.write(u"deleted\n"_s);
+    return Done;
+}
+
+ExitCode clearCalls(const Invocation& call, Console& console)
+{
+    const RC_CALL_CATEGORY_T list = listNamed(call.argument(0));
+    for (const RC_CALL_TYPE_T type : typesFrom(call)) {
+        const int result = RC_Interface().deleteRecordAll(list, type);
+        // Nothing to delete is what was asked for.
+        if (result != 0 && result != kNoSuchCall)
+            throw recentCallServiceError();
+    }
+    console.write(u"cleared\n"_s);
+    return Done;
+}
+
+ExitCode showLastDialed(const Invocation& /*call*/, Console& console)
+{
+    QString number;
+    if (!RC_Interface().getLastDialedNumber(number))
+        throw failure(u"no dialed call"_s);
+    console.write(printable(number) + u'\n');
+    return Done;
+}
+
+Command listRow()
+{
+    return {.name = u"list"_s,
+            .summary = u"List calls, newest first"_s,
+            .details = u"\nThe objects of --json have the fields %1;\nstart is UTC, duration is in seconds.\n"_s.arg(
+                fieldNames(callColumns())),
+            .arguments = {{u"LIST"_s, u"answered, missed, dialed or all (the default)"_s, Argument::Optional}},
+            .options = {typeOption(), jsonOption()},
+            .words = selectionWords(),
+            .run = listCalls};
+}
+
+Command addRow()
+{
+    return {.name = u"add"_s,
+            .summary = u"Send a call to the recent-call service, which does not say whether it keeps it"_s,
+            .arguments = callArguments(),
+            .options = callOptions(),
+            .words = callWords(),
+            .run = addCall};
+}
+
+Command deleteRow()
+{
+    return {.name = u"delete"_s,
+            .summary = u"Delete one call"_s,
+            .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
+            .options = {listOption()},
+            .words = selectionWords(),
+            .run = deleteCall};
+}
+
+Command clearRow()
+{
+    return {.name = u"clear"_s,
+            .summary = u"Delete all calls of a list"_s,
+            .arguments = {{u"LIST"_s, u"answered, missed, dialed or all"_s}},
+            .options = {typeOption()},
+            .words = selectionWords(),
+            .run = clearCalls};
+}
+
+Command lastDialedRow()
+{
+    return {.name = u"last-dialed"_s,
+            .summary = u"Show the number dialed last, read from the file without the service"_s,
+            .run = showLastDialed};
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command callsCommand()
+{
+    return {
+        .name = u"calls"_s,
+        .summary = u"The log of recent calls"_s,
+        .verbs = {listRow(), addRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(), exportRow(), importRow()}};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,61 @@
+// zynphone chart: a recording as a picture.
+#include "tools/commands/ChartCommand.h"
+
+#include "tools/chart/ChartSvg.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/OutputFile.h"
+#include "tools/recording/Recording.h"
+
+#include <QtCore/QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+constexpr char kStandardOutput[] = "-";
+constexpr qsizetype kMostChannels = 64;
+
+ExitCode drawChart(const Invocation& call, Console& console)
+{
+    const QString input = call.argument(0);
+    const QString output = call.isSet(u"output"_s) ? call.value(u"output"_s) : QLatin1String(kStandardOutput);
+    const bool isToFile = output != QLatin1String(kStandardOutput);
+    Recording recording(input);
+    if (isToFile && QFileInfo(output) == QFileInfo(input))
+        throw usageError(u"the chart would replace the recording"_s);
+    recording.keepOnly(call.values(u"channel"_s));
+    if (const qsizetype channels = recording.channels().size(); channels > kMostChannels)
+        throw failure(u"a chart has at most %1 channels, not %2; --channel chooses some"_s.arg(
+            QString::number(kMostChannels), QString::number(channels)));
+    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(QFileInfo(input).fileName()));
+    if (isToFile)
+        writeFile(output, svg);
+    else
+        console.write(QString::fromUtf8(svg));
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command chartCommand()
+{
+    return {.name = u"chart"_s,
+            .summary = u"Draw the messages of a recording as a sequence chart in SVG"_s,
+            .details =
+                u"\nA lane is a channel, time runs downwards. From three of a kind, or three turns of the same\n"
+                "few, on, messages that follow each other in a lane are one entry. Long pauses are shortened and say\n"
+                "so. All that a message holds is in its tooltip.\n"_s,
+            .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
+            .options = {QCommandLineOption({u"output"_s, u"o"_s},
+                                           u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
+                                           u"FILE"_s),
+                        valueOption(u"channel"_s, u"CHANNEL"_s,
+                                    u"only the messages of that channel, and of each other one so given"_s)},
+            .run = drawChart};
+}
+
+} // namespace zyn::tool

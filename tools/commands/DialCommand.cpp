@@ -1,0 +1,126 @@
+// zynphone dial and hangup: requests to place and end voice calls.
+#include "tools/commands/DialCommand.h"
+
+#include "tools/commands/CallInput.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/SendCommand.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_VoiceCall.h"
+#include "utility/PHONE_VoiceCallSender.h"
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// Where the entry points that take no line place their calls.
+
+struct Request
+{
+    QByteArray number;
+    QString name; ///< null for none
+    bool flag;
+    int clir;
+    signed char line;
+};
+
+Request requestFrom(const Invocation& call)
+{
+    using Line = std::numeric_limits<signed char>;
+    return {.number = callNumber(call.argument(0)).toLatin1(),
+            .name = call.isSet(u"name"_s) ? callName(call.value(u"name"_s)) : QString(),
+            .flag = call.isSet(u"flag"_s),
+            .clir = numberFrom(call, u"clir"_s, 0),
+            .line = static_cast<signed char>(numberFrom(call, u"line"_s, zyn::kDefaultLine, Line::min(), Line::max()))};
+}
+
+/// The one of --direct, --prepend and --mode that is set; null when none is.
+QString wayFrom(const Invocation& call)
+{
+    QString way;
+    for (const QString& option : {u"direct"_s, u"prepend"_s, u"mode"_s}) {
+        if (!call.isSet(option))
+            continue;
+        if (!way.isNull())
+            throw usageError(u"--%1 and --%2 exclude each other"_s.arg(way, option));
+        way = option;
+    }
+    return way;
+}
+
+/// What the entry point behind @p way does not take must not be lost without a word.
+void refuseOptionsBesides(const QString& way, const Invocation& call)
+{
+    for (const QString& option : {u"name"_s, u"flag"_s, u"clir"_s, u"line"_s}) {
+        if (call.isSet(option))
+            throw usageError(u"--%1 takes no --%2"_s.arg(way, option));
+    }
+}
+
+/// Places a call with any dial mode, for which there is no entry point of its own.
+void makeCall(const Request& request, int mode)
+{
+    if (!PHONE_VoiceCallSender().makeCall(request.number.constData(), request.name, request.flag, request.clir, mode,
+                                          request.line))
+        throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kVoiceCallChannel)));
+}
+
+ExitCode dial(const Invocation& call, Console& console)
+{
+    const QString way = wayFrom(call);
+    if (way == "direct"_L1 || way == "prepend"_L1)
+        refuseOptionsBesides(way, call);
+    Request request = requestFrom(call);
+    const int mode = numberFrom(call, u"mode"_s, 0);
+    requireChannel(zyn::kVoiceCallChannel);
+    if (way == "direct"_L1)
+        PHONE_MakeVoiceCallDirectly(request.number.constData());
+    else if (way == "prepend"_L1)
+        PHONE_MakeVoiceCallPrependly(request.number.constData());
+    else if (way == "mode"_L1)
+        makeCall(request, mode);
+    else
+        PHONE_MakeVoiceCall(request.number.data(), request.name, request.flag,
+                            static_cast<PHONE_MAKE_CALL_CLIR_T>(request.clir), request.line);
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+ExitCode hangUp(const Invocation& /*call*/, Console& console)
+{
+    requireChannel(zyn::kVoiceCallChannel);
+    PHONE_EndVoiceCall();
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command dialCommand()
+{
+    return {.name = u"dial"_s,
+            .summary = u"Ask the phone application for a voice call, which does not say what becomes of it"_s,
+            .details =
+                u"\n--direct, --prepend and --mode exclude each other; the first two go with no other option.\n"_s,
+            .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
+            .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
+                        valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
+                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(zyn::kDefaultLine)),
+                        flagOption(u"flag"_s, u"set the flag that the phone application gives its meaning"_s),
+                        flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
+                        flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),
+                        valueOption(u"mode"_s, u"N"_s, u"any dial mode; 0 by default"_s)},
+            .run = dial};
+}
+
+Command hangupCommand()
+{
+    return {.name = u"hangup"_s, .summary = u"Ask the phone application to end the voice call"_s, .run = hangUp};
+}
+
+} // namespace zyn::tool

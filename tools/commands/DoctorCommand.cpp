@@ -1,0 +1,115 @@
+// zynphone doctor: why nothing arrives.
+#include "tools/commands/DoctorCommand.h"
+
+#include "tools/zynphone/Colour.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Counted.h"
+#include "tools/zynphone/Table.h"
+#include "tools/doctor/Checks.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using namespace zyn::tool::doctor;
+
+struct Check
+{
+    const char* topic;
+    Findings (*run)();
+};
+
+/// In the order in which one fault explains the next.
+constexpr Check kChecks[] = {
+    {"environment", checkEnvironment}, {"channels", checkChannels}, {"services", checkServices}, {"store", checkStore},
+    {"settings", checkSettings},       {"switches", checkSwitches},
+};
+
+struct LevelWord
+{
+    const char* text;
+    Colour colour;
+};
+
+/// By level.
+constexpr std::array<LevelWord, 3> kLevels{{{"ok", Colour::Green}, {"note", Colour::Yellow}, {"wrong", Colour::Red}}};
+constexpr qsizetype kLevelWidth = 5;
+constexpr qsizetype kTopicWidth = 11;
+
+const LevelWord& wordOf(Level level)
+{
+    return kLevels.at(static_cast<size_t>(level));
+}
+
+struct Row
+{
+    const char* topic;
+    Finding finding;
+};
+
+constexpr Column<Row> kColumns[] = {
+    {"level", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(wordOf(row.finding.level).text)); }},
+    {"topic", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(row.topic)); }},
+    {"subject", nullptr, [](const Row& row) { return QJsonValue(row.finding.subject); }},
+    {"text", nullptr, [](const Row& row) { return QJsonValue(row.finding.text); }},
+    {"remedy", nullptr,
+     [](const Row& row) { return row.finding.remedy.isEmpty() ? QJsonValue() : QJsonValue(row.finding.remedy); }},
+};
+
+QString lineOf(const Row& row, bool inColour)
+{
+    const LevelWord& level = wordOf(row.finding.level);
+    const QString word = QString(QLatin1String(level.text)).leftJustified(kLevelWidth);
+    QString line = u"%1  %2  %3: %4\n"_s.arg(inColour ? coloured(word, level.colour) : word,
+                                             QString(QLatin1String(row.topic)).leftJustified(kTopicWidth),
+                                             printable(row.finding.subject), printable(row.finding.text));
+    if (!row.finding.remedy.isEmpty())
+        line += QString(kLevelWidth + 2, u' ') + u"do: "_s + printable(row.finding.remedy) + u'\n';
+    return line;
+}
+
+void printReport(const std::vector<Row>& rows, qsizetype faults, Console& console)
+{
+    const bool inColour = console.isColourful();
+    QString report;
+    for (const Row& row : rows)
+        report += lineOf(row, inColour);
+    console.write(report + (faults == 0 ? u"Nothing is wrong.\n"_s : u"%1 to mend.\n"_s.arg(counted(faults, "thing"))));
+}
+
+ExitCode examine(const Invocation& call, Console& console)
+{
+    std::vector<Row> rows;
+    for (const Check& check : kChecks) {
+        for (Finding& finding : check.run())
+            rows.push_back({check.topic, std::move(finding)});
+    }
+    const auto faults = std::ranges::count_if(rows, [](const Row& row) { return row.finding.level == Level::Wrong; });
+    if (call.isSet(u"json"_s))
+        console.write(QJsonDocument(Table(kColumns, rows).json()));
+    else
+        printReport(rows, faults, console);
+    return faults == 0 ? Done : Failed;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command doctorCommand()
+{
+    return {.name = u"doctor"_s,
+            .summary = u"Tell why nothing arrives, and what to do: exit code 0 when nothing is wrong, else 1"_s,
+            .details = u"\nIt looks at the environment, the channels and who listens, the services, the store, the\n"
+                       "settings and the feature switches, and changes nothing.\n"
+                       "The objects of --json have the fields %1;\nlevel is ok, note or wrong, and remedy null where "
+                       "nothing is wrong.\n"_s.arg(fieldNames(kColumns)),
+            .options = {jsonOption()},
+            .run = examine};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,173 @@
+// What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
+#include "tools/commands/FavouritesEdit.h"
+
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
+#include "tools/commands/CallInput.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/FavouritesOwnership.h"
+#include "tools/interchange/FieldText.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+namespace favourites = zyn::favourites;
+using favourites::Change;
+using Entry = PHONE_ENG_ActivityLog;
+
+/// Of an entry that was made of no call in the call log.
+constexpr int32_t kNoUid = -1;
+constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
+
+ExitCode tellChange(const QString& oldNumber, const QString& newNumber, Console& console)
+{
+    const Change change = favourites::replace(oldNumber, newNumber);
+    const QString text = favourites::describe(change, oldNumber, newNumber);
+    if (change != Change::Done && change != Change::Same)
+        throw failure(text);
+    console.write(printable(text) + u'\n');
+    return Done;
+}
+
+ExitCode replaceFavourite(const Invocation& call, Console& console)
+{
+    const QString oldNumber = call.argument(0);
+    const QString newNumber = call.argument(1);
+    if (oldNumber.isEmpty() && newNumber.isEmpty())
+        throw usageError(u"both numbers are empty"_s);
+    if (!newNumber.isEmpty())
+        callNumber(newNumber);
+    const FavouritesOwnership ownership;
+    return tellChange(oldNumber, newNumber, console);
+}
+
+/// What of a message the options describe.
+void setMessage(Entry& entry, const Invocation& call)
+{
+    entry.msgType = numberFrom(call, u"message-type"_s, call.isSet(u"message"_s) ? 1 : 0);
+    entry.msgInfo = numberFrom(call, u"message-info"_s, 0);
+    entry.setMsgString(latin1Field(call.value(u"message"_s), u"message"_s, kMessageLimit));
+}
+
+RC_CALL_CATEGORY_T listFrom(const Invocation& call)
+{
+    const bool isMessage = call.isSet(u"message"_s) || call.isSet(u"message-type"_s);
+    if (!call.isSet(u"list"_s))
+        return isMessage ? RC_CALL_CATEGORY_NONE : RC_CALL_CATEGORY_MISSED;
+    return wordNamed(kLists, call.value(u"list"_s), u"list"_s).value;
+}
+
+ExitCode logEntry(const Invocation& call, Console& console)
+{
+    Entry entry(callFrom(call, listFrom(call), callNumber(call.argument(0))));
+    entry.uid = kNoUid;
+    setMessage(entry, call);
+    const FavouritesOwnership ownership;
+    const QString key = favouriteFrom(call);
+    if (!favourites::addEntry(entry, key))
+        throw failure(u"the file of %1 cannot be written"_s.arg(key));
+    console.write(u"logged in place %1\n"_s.arg(entry.topPalsAvlPos));
+    return Done;
+}
+
+ExitCode removeEntry(const Invocation& call, Console& console)
+{
+    const int place = wholeNumber(call.argument(1), u"PLACE"_s, 0);
+    const QString key = favouriteFrom(call);
+    favourites::Entries entries;
+    readInto(entries, key);
+    const auto found = std::ranges::find(entries, place, &Entry::topPalsAvlPos);
+    if (found == entries.end())
+        throw failure(u"%1 has no entry in place %2"_s.arg(key, QString::number(place)));
+    if (ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(**found) != 1)
+        throw failure(u"the file of %1 cannot be written"_s.arg(key));
+    console.write(u"removed\n"_s);
+    return Done;
+}
+
+ExitCode remove(const Invocation& call, Console& console)
+{
+    const FavouritesOwnership ownership;
+    if (call.arguments().size() > 1)
+        return removeEntry(call, console);
+    return tellChange(callNumber(call.argument(0)), QString(), console);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Argument favouriteArgument()
+{
+    return {u"NUMBER"_s, u"of the favourite, of which the last %1 characters count"_s.arg(zyn::kFavouriteKeyLength)};
+}
+
+QString favouriteFrom(const Invocation& call)
+{
+    QString key = zyn::favouriteKey(callNumber(call.argument(0)));
+    if (!favourites::isFavourite(key))
+        throw noFavourite(key);
+    return key;
+}
+
+QStringList readKeys()
+{
+    const auto keys = favourites::readKeys();
+    if (!keys)
+        throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
+            zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
+    return *keys;
+}
+
+CommandError noFavourite(const QString& number)
+{
+    return failure(favourites::describe(Change::NoFavourite, number, QString()));
+}
+
+void readInto(favourites::Entries& entries, const QString& key)
+{
+    if (!favourites::readEntries(entries, key))
+        throw failure(u"the file of %1 cannot be read"_s.arg(key));
+}
+
+Command replaceFavouriteCommand()
+{
+    return {.name = u"replace"_s,
+            .summary = u"Replace a favourite by another, whose log begins empty"_s,
+            .arguments = {{u"OLD"_s, u"the number of a favourite; '' when none is to leave"_s},
+                          {u"NEW"_s, u"the number of the new one; '' when none is to come"_s}},
+            .run = replaceFavourite};
+}
+
+Command logFavouriteCommand()
+{
+    QList<QCommandLineOption> options{
+        valueOption(u"list"_s, u"LIST"_s, u"answered, missed (the default of a call) or dialed; a message has none"_s),
+        valueOption(u"message"_s, u"TEXT"_s, u"of a message, Latin-1, at most %1 characters"_s.arg(kMessageLimit)),
+        valueOption(u"message-type"_s, u"N"_s, u"0 for a call; 1 by default where there is a text"_s),
+        valueOption(u"message-info"_s, u"N"_s, u"0 by default"_s)};
+    return {.name = u"log"_s,
+            .summary = u"Log a call or a message of a favourite, in place of its oldest entry when its file is full"_s,
+            .arguments = {favouriteArgument()},
+            .options = options + callOptions(),
+            .words = callWords(),
+            .run = logEntry};
+}
+
+Command removeFavouriteCommand()
+{
+    return {.name = u"remove"_s,
+            .summary = u"Remove a favourite with its log, or one entry of its log"_s,
+            .arguments = {favouriteArgument(),
+                          {u"PLACE"_s, u"of the entry alone, as 'favourites show' shows it"_s, Argument::Optional}},
+            .run = remove};
+}
+
+} // namespace zyn::tool

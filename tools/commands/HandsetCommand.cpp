@@ -1,0 +1,100 @@
+// zynphone handset: the states of the stand-in handset.
+#include "tools/commands/HandsetCommand.h"
+
+#include "platform/HandsetState_p.h"
+#include "platform/SETUP_SET_Manager.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Table.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using zyn::handset::readState;
+using zyn::handset::State;
+
+const QLatin1String kGroup(zyn::handset::kGroup);
+
+constexpr Column<State> kColumns[] = {
+    {"name", "NAME", [](const State& state) { return QJsonValue(QLatin1String(state.name)); }},
+    {"value", "VALUE", [](const State& state) { return QJsonValue(readState(state)); }},
+    {"meaning", "MEANING", [](const State& state) { return QJsonValue(QLatin1String(state.meaning)); }},
+};
+
+ExitCode showStates(const Invocation& call, Console& console)
+{
+    printTable(console, Table(kColumns, zyn::handset::kStates), call.isSet(u"json"_s));
+    return Done;
+}
+
+QStringList stateNames()
+{
+    QStringList names;
+    for (const State& state : zyn::handset::kStates)
+        names += QLatin1String(state.name);
+    return names;
+}
+
+struct Assignment
+{
+    const State* state;
+    int value;
+};
+
+const State* findState(const QString& name)
+{
+    const auto found =
+        std::ranges::find(zyn::handset::kStates, name, [](const State& state) { return QLatin1String(state.name); });
+    if (found == zyn::handset::kStates.end())
+        throw usageError(u"unknown state '%1'; 'zynphone handset show' lists them"_s.arg(name));
+    return found;
+}
+
+QList<Assignment> assignmentsFrom(const QStringList& words)
+{
+    QList<Assignment> assignments;
+    for (qsizetype i = 0; i < words.size(); i += 2) {
+        const State* state = findState(words[i]);
+        if (i + 1 == words.size())
+            throw usageError(u"missing value of '%1'"_s.arg(words[i]));
+        assignments += {state, wholeNumber(words[i + 1], words[i])};
+    }
+    return assignments;
+}
+
+ExitCode setStates(const Invocation& call, Console& /*console*/)
+{
+    SETUP_SET_Manager settings(zyn::handset::stateFile(), false);
+    for (const Assignment& assignment : assignmentsFrom(call.arguments())) {
+        if (!settings.setSettingInfo(kGroup, QLatin1String(assignment.state->key), assignment.value))
+            throw failure(u"cannot write %1"_s.arg(zyn::handset::stateFile()));
+    }
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command handsetCommand()
+{
+    Command show{.name = u"show"_s,
+                 .summary = u"Show the states"_s,
+                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kColumns)),
+                 .options = {jsonOption()},
+                 .run = showStates};
+    Command set{.name = u"set"_s,
+                .summary = u"Set one or more states, for every process that asks from now on"_s,
+                .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
+                              {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
+                .words = {{u"NAME"_s, stateNames()}},
+                .run = setStates};
+    return {.name = u"handset"_s,
+            .summary = u"The states of the stand-in handset"_s,
+            .verbs = {std::move(show), std::move(set)}};
+}
+
+} // namespace zyn::tool

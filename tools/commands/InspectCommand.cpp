@@ -1,0 +1,128 @@
+// zynphone inspect: what a file of the store holds, and whether it is sound.
+#include "tools/commands/InspectCommand.h"
+
+#include "platform/posix/File_p.h"
+#include "tools/zynphone/Console.h"
+#include "tools/store/ContactFileCheck.h"
+#include "tools/store/FavouritesFileCheck.h"
+#include "tools/store/Findings.h"
+#include "tools/store/RecordFileCheck.h"
+#include "tools/store/StoreFileProblems.h"
+#include "tools/commands/StoreInspection.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
+/// come last: their size may be that of a contact's file, too.
+constexpr FileKind kKinds[] = {kFavouritesFileKind, kContactFileKind, kRecordFileKind};
+
+const FileKind& kindOf(const QString& path, const QString& name, const QByteArray& image)
+{
+    auto kind = std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isNamed(name); });
+    if (kind == std::end(kKinds))
+        kind = std::ranges::find_if(kKinds, [&](const FileKind& candidate) { return candidate.isShaped(image); });
+    if (kind == std::end(kKinds))
+        throw failure(u"%1: neither its name nor its header and size are those of a file of the store"_s.arg(path));
+    return *kind;
+}
+
+QByteArray readFile(const QString& path)
+{
+    const std::optional<QByteArray> image = zyn::posix::readWhole(QFile::encodeName(path), kStoreFileLimit);
+    if (image)
+        return *image;
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw failure(u"%1: no such file"_s.arg(path));
+    if (!info.isFile())
+        throw failure(u"%1: not a regular file"_s.arg(path));
+    if (info.size() > kStoreFileLimit)
+        throw failure(u"%1: too long for a file of the store"_s.arg(path));
+    throw failure(u"%1: cannot be read"_s.arg(path));
+}
+
+QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileFindings& findings)
+{
+    return {{u"file"_s, path},
+            {u"kind"_s, findings.kind},
+            {u"size"_s, image.size()},
+            {u"sound"_s, findings.isSound()},
+            {u"problems"_s, QJsonArray::fromStringList(problemTexts(findings))},
+            {u"slots"_s, findings.usedSlots.json()}};
+}
+
+QString textReport(const QString& path, const FileFindings& findings)
+{
+    const QString verdict = findings.isSound() ? u"sound"_s : u"not sound"_s;
+    QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), findings.kind,
+                                                     QString::number(findings.usedSlots.count()), verdict)};
+    for (const QString& problem : problemTexts(findings))
+        lines += u"  "_s + problem;
+    const QString report = lines.join(u'\n') + u'\n';
+    return findings.usedSlots.isEmpty() ? report : report + findings.usedSlots.text();
+}
+
+ExitCode inspectFile(const Invocation& call, Console& console)
+{
+    const QString path = call.argument(0);
+    const QByteArray image = readFile(path);
+    const QString name = QFileInfo(path).fileName();
+    const FileFindings findings = kindOf(path, name, image).check(name, image);
+    if (call.isSet(u"json"_s))
+        console.write(QJsonDocument(jsonReport(path, image, findings)));
+    else
+        console.write(textReport(path, findings));
+    return findings.isSound() ? Done : Failed;
+}
+
+ExitCode inspect(const Invocation& call, Console& console)
+{
+    const bool verifies = call.isSet(u"verify"_s);
+    const bool repairs = call.isSet(u"repair"_s);
+    if (verifies && repairs)
+        throw usageError(u"--verify and --repair exclude each other"_s);
+    if (verifies)
+        return verifyStore(call, console);
+    return repairs ? repairStore(call, console) : inspectFile(call, console);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command inspectCommand()
+{
+    return {
+        .name = u"inspect"_s,
+        .summary = u"Show what a file of the store holds and whether it is sound (exit code 0) or not (1)"_s,
+        .details =
+            u"\nThe object of --json has the fields file, kind, size, sound, problems (texts) and slots,\n"
+            "objects: of a record file with the fields of 'calls list' and slot, the place in the file,\n"
+            "of topPalsDetails with place and number, of a favourite's file with those of 'favourites show'.\n"
+            "A favourite's file is sound when it has as many slots as the settings of this handset say.\n"
+            "topPalsCalls and topPalsLock are for zyn-favourites alone and cannot be inspected.\n"
+            "\n--verify and --repair take the whole store directory. The objects of --json have the fields\n"
+            "directory, sound, and problems of --verify; copy, repairs and left of --repair: objects with\n"
+            "file, slot (null for a file as a whole) and problem or repair. Before --repair changes anything it\n"
+            "saves a copy of the directory beside it; it refuses while a service that writes to the store runs.\n"
+            "Whatever does not fit is told and stays in the copy. The exit code is %1 for what is no store directory.\n"_s
+                .arg(int{NoStore}),
+        .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
+                                  "named by its number; or a copy of one"_s}},
+        .options = {jsonOption(),
+                    flagOption(u"verify"_s, u"check all files of the store directory FILE, also with each other"_s),
+                    flagOption(u"repair"_s, u"make all files of the store directory FILE sound"_s)},
+        .run = inspect};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,142 @@
+// zynphone missed: the unread missed calls.
+#include "tools/commands/MissedCommand.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "handset/recent_calls/Coalescing.h"
+#include "handset/recent_calls/MissedCallEngine.h"
+#include "recentcall/utility/RC_MissedCallInterface.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/SendCommand.h"
+#include "tools/zynphone/ServiceError.h"
+#include "tools/zynphone/TimeLimit.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QScopeGuard>
+
+#include <optional>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using zyn::handset::Coalescing;
+using zyn::handset::MissedCallEngine;
+
+constexpr Column<RC_MissedCallItem> kColumns[] = {
+    {"uid", "UID", [](const RC_MissedCallItem& item) { return QJsonValue(MissedCallEngine::uid(item)); }},
+    {"number", "NUMBER", [](const RC_MissedCallItem& item) { return QJsonValue(item.first); }},
+    {"name", "NAME", [](const RC_MissedCallItem& item) { return QJsonValue(item.second); }},
+    {"start", "START",
+     [](const RC_MissedCallItem& item) {
+         return QJsonValue(MissedCallEngine::start(item).toUTC().toString(Qt::ISODate));
+     },
+     [](const RC_MissedCallItem& item) { return MissedCallEngine::start(item).toString(Qt::ISODate); }},
+    {"type", "TYPE",
+     [](const RC_MissedCallItem& item) { return QJsonValue(wordFor(kTypes, MissedCallEngine::callType(item))); }},
+};
+
+/// Shows the unread missed calls whenever they are others, as often as is wanted.
+class MissedCalls
+{
+public:
+    MissedCalls(const Invocation& call, Console& console)
+        : m_console(console)
+        , m_json(call.isSet(u"json"_s))
+        , m_left(limitFrom(call, u"count"_s))
+    {}
+
+    void show()
+    {
+        const Table table(kColumns, m_engine.getUnreadMissedCallList());
+        if (!m_engine.isAnswered())
+            throw recentCallServiceError();
+        const QJsonObject object{{u"unread"_s, table.count()}, {u"calls"_s, table.json()}};
+        if (std::exchange(m_shown, object) == object)
+            return;
+        if (m_json)
+            m_console.write(QJsonDocument(object));
+        else
+            m_console.write(u"%1 unread\n"_s.arg(table.count()) + (table.isEmpty() ? QString() : table.text()));
+        if (m_left)
+            --*m_left;
+    }
+
+    /// Shows them at each change, until it has been often enough.
+    void follow()
+    {
+        QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
+                         &Coalescing::trigger);
+        show();
+        if (!isOver())
+            QCoreApplication::exec();
+    }
+
+private:
+    bool isOver() const { return m_left == 0 || !m_console.isSound(); }
+
+    void showAgain()
+    {
+        try {
+            show();
+        } catch (const CommandError& error) {
+            m_console.writeError(u"zynphone: "_s + error.message());
+        }
+        if (isOver())
+            QCoreApplication::quit();
+    }
+
+    Console& m_console;
+    const bool m_json;
+    std::optional<int> m_left; ///< none when there is no limit
+    std::optional<QJsonObject> m_shown;
+    MissedCallEngine m_engine;
+    Coalescing m_update{[this] { showAgain(); }};
+};
+
+ExitCode showMissed(const Invocation& call, Console& console)
+{
+    const bool follows = call.isSet(u"follow"_s);
+    for (const QString& option : {u"count"_s, u"for"_s}) {
+        if (!follows && call.isSet(option))
+            throw usageError(u"--%1 is for --follow"_s.arg(option));
+    }
+    const TimeLimit limit(call);
+    MissedCalls missed(call, console);
+    if (!follows) {
+        missed.show();
+        return Done;
+    }
+    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
+    const auto destroy = qScopeGuard([] {
+        RC_MissedCallInterface::destruction();
+        RecentCall_MsgClient::destruction();
+    });
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    limit.start();
+    missed.follow();
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command missedCommand()
+{
+    return {.name = u"missed"_s,
+            .summary = u"Show how many missed calls are unread, and list them, newest first"_s,
+            .details = u"\nThe object of --json has the fields unread and calls, an array of objects with the fields\n"
+                       u"%1; start is UTC. With --follow it is one object a line.\n"_s.arg(fieldNames(kColumns)),
+            .options = {jsonOption(),
+                        flagOption(u"follow"_s, u"show them again at each change, until SIGINT or SIGTERM"_s),
+                        valueOption(u"count"_s, u"N"_s, u"with --follow: end after showing them N times"_s),
+                        TimeLimit::option(u"with --follow: end after that time"_s)},
+            .run = showMissed};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,157 @@
+// zynphone monitor: the messages of the channels as they come.
+#include "tools/commands/MonitorCommand.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "platform/QCopChannel.h"
+#include "tools/commands/Channels.h"
+#include "tools/zynphone/Console.h"
+#include "tools/recording/MessageText.h"
+#include "tools/recording/RecordingWriter.h"
+#include "tools/zynphone/TimeLimit.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+QStringList channelsFrom(const Invocation& call)
+{
+    QStringList channels = call.arguments();
+    if (channels.isEmpty())
+        channels = channelNames();
+    channels.removeDuplicates();
+    if (channels.contains(QString()))
+        throw usageError(u"the channel's name is empty"_s);
+    return channels;
+}
+
+/// What the options say of a recording that exists.
+RecordingWriter::Existing existingFrom(const Invocation& call)
+{
+    using enum RecordingWriter::Existing;
+    const bool replaces = call.isSet(u"force"_s);
+    const bool appends = call.isSet(u"append"_s);
+    if (replaces && appends)
+        throw usageError(u"--force and --append exclude each other"_s);
+    if ((replaces || appends) && !call.isSet(u"record"_s))
+        throw usageError(u"--%1 is for --record"_s.arg(replaces ? u"force"_s : u"append"_s));
+    return replaces ? Replace : appends ? Append : Refuse;
+}
+
+/// Writes messages until as many have come as are wanted.
+class Monitor
+{
+public:
+    Monitor(const Invocation& call, Console& console)
+        : m_console(console)
+        , m_raw(call.isSet(u"raw"_s))
+        , m_json(call.isSet(u"json"_s))
+        , m_left(limitFrom(call, u"count"_s))
+    {}
+
+    void listenOn(const QString& name)
+    {
+        auto channel = std::make_unique<QCopChannel>(name.toUtf8());
+        if (!channel->isListening())
+            throw failure(u"cannot listen on %1"_s.arg(name));
+        QObject::connect(channel.get(), &QCopChannel::received, channel.get(),
+                         [this, channel = channel->channel()](const QCString& message, const QByteArray& data) {
+                             show({QDateTime::currentDateTime(), channel, message, data});
+                         });
+        m_channels.push_back(std::move(channel));
+    }
+
+    void recordIn(const QString& path, RecordingWriter::Existing existing) { m_recording.emplace(path, existing); }
+
+    /// Ends in a failure when the recording could not be written.
+    void run()
+    {
+        QCoreApplication::exec();
+        if (m_isBroken)
+            throw failure(m_recording->errorText());
+    }
+
+private:
+    void show(const ReceivedMessage& message)
+    {
+        // More may come in the turn of the event loop that ends it.
+        if (m_left == 0 || m_isBroken)
+            return;
+        // First of all, so that a recording never lacks what was shown.
+        m_isBroken = m_recording && !m_recording->write(message.channel, message.name, message.payload);
+        if (m_isBroken) {
+            QCoreApplication::quit();
+            return;
+        }
+        if (m_json)
+            m_console.write(QJsonDocument(messageJson(message, m_raw)));
+        else
+            m_console.write(messageText(message, m_raw) + u'\n');
+        if (m_left)
+            --*m_left;
+        if (m_left == 0 || !m_console.isSound())
+            QCoreApplication::quit();
+    }
+
+    Console& m_console;
+    const bool m_raw;
+    const bool m_json;
+    std::optional<int> m_left; ///< messages; none when there is no limit
+    std::vector<std::unique_ptr<QCopChannel>> m_channels;
+    std::optional<RecordingWriter> m_recording;
+    bool m_isBroken = false; ///< whether the recording could not be written
+};
+
+ExitCode monitorChannels(const Invocation& call, Console& console)
+{
+    const QStringList channels = channelsFrom(call);
+    const RecordingWriter::Existing existing = existingFrom(call);
+    const TimeLimit timeLimit(call);
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    Monitor monitor(call, console);
+    for (const QString& channel : channels)
+        monitor.listenOn(channel);
+    if (call.isSet(u"record"_s))
+        monitor.recordIn(call.value(u"record"_s), existing);
+    timeLimit.start();
+    console.writeError(u"listening on "_s + channels.join(u", "_s));
+    monitor.run();
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command monitorCommand()
+{
+    return {.name = u"monitor"_s,
+            .summary = u"Show the messages of channels as they come, until SIGINT or SIGTERM"_s,
+            .details = u"\nA line is time, channel, message, its enumerator and its fields. A field that the "
+                       u"payload does\n"
+                       "not hold is shown as missing, what no field holds as rest, in hexadecimal digits.\n"
+                       "The objects of --json, one a line, have the fields time (UTC), channel, name, known, "
+                       "enumerator\n"
+                       "(null when there is none), fields (an object), missing (names of fields), rest and, "
+                       "with --raw,\n"
+                       "payload.\n"
+                       "With --record each message is in FILE before it is shown; 'replay' sends them again, "
+                       "'chart' draws\nthem.\n"_s,
+            .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
+            .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s), jsonOption(),
+                        valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option(),
+                        valueOption(u"record"_s, u"FILE"_s, u"record the messages in FILE too, a new file"_s),
+                        flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
+                        flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
+            .words = {{u"CHANNEL"_s, channelNames()}},
+            .run = monitorChannels};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,72 @@
+// zynphone ptt: requests to start and end push-to-talk calls.
+#include "tools/commands/PttCommand.h"
+
+#include "tools/commands/CallInput.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/SendCommand.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/PHONE_Ptt.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
+{
+    const QStringList parties = call.arguments();
+    if (parties.size() > zyn::kMaxPttParties)
+        throw usageError(u"%1 parties; at most %2 fit"_s.arg(parties.size()).arg(int{zyn::kMaxPttParties}));
+    PTT_CALL_INFO_T info;
+    for (const QString& party : parties) {
+        const qsizetype equals = party.indexOf(u'=');
+        info.firstList[info.count] = callNumber(party.left(equals));
+        if (equals >= 0)
+            info.secondList[info.count] = party.mid(equals + 1);
+        ++info.count;
+    }
+    info.firstValue = numberFrom(call, u"value1"_s, 0);
+    info.secondValue = numberFrom(call, u"value2"_s, 0);
+    return info;
+}
+
+ExitCode startCall(const Invocation& call, Console& console)
+{
+    const PTT_CALL_INFO_T info = pttCallFrom(call);
+    requireChannel(zyn::kPttChannel);
+    if (PHONE_MakePttCall(info) == 0)
+        throw failure(u"the library refuses the call"_s);
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+ExitCode dropCall(const Invocation& /*call*/, Console& console)
+{
+    requireChannel(zyn::kPttChannel);
+    PHONE_DropPttCall();
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command pttCommand()
+{
+    Command call{.name = u"call"_s,
+                 .summary = u"Ask the push-to-talk application for a call"_s,
+                 .details = u"\nWhat follows a number's '=' is its entry in the request's second list.\n"_s,
+                 .arguments = {{u"NUMBER[=TEXT]"_s,
+                                u"a party, at most %1 of them; the number is %2"_s.arg(zyn::kMaxPttParties)
+                                    .arg(callNumberMeaning()),
+                                Argument::Many}},
+                 .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
+                             valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
+                 .run = startCall};
+    Command drop{.name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
+    return {.name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,174 @@
+// zynphone recents: the recent-call screens.
+#include "tools/commands/RecentsCommand.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "handset/recentcall_screen/ScreenPage.h"
+#include "recentcall/utility/RC_MsgInterface.h"
+#include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/commands/SendCommand.h"
+#include "tools/zynphone/TimeLimit.h"
+#include "utility/PHONE_ChannelMessages_p.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QScopeGuard>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using zyn::handset::kPickerPage;
+using zyn::handset::kScreenPages;
+using zyn::handset::ScreenPage;
+
+constexpr auto kSendOnly = "\nThe screens do not say what becomes of it.\n"_L1;
+
+ExitCode tellSent(bool isSent, Console& console)
+{
+    if (!isSent)
+        throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kRecentCallChannel)));
+    console.write(u"sent\n"_s);
+    return Done;
+}
+
+RC_CALL_CATEGORY_T categoryFrom(const QString& word)
+{
+    return wordNamed(kCategories, word, u"list"_s).value;
+}
+
+/// The page of that name, or of any number: the screens are to judge which numbers are pages.
+RC_PAGE_ID_T pageFrom(const QString& word)
+{
+    for (const ScreenPage& page : kScreenPages) {
+        if (word == QLatin1String(page.name))
+            return page.page;
+    }
+    return static_cast<RC_PAGE_ID_T>(wholeNumber(word, u"page"_s));
+}
+
+ExitCode showList(const Invocation& call, Console& console)
+{
+    return tellSent(RecentCall_Msg::requestShowUI(categoryFrom(call.argument(0))), console);
+}
+
+ExitCode showPage(const Invocation& call, Console& console)
+{
+    return tellSent(RecentCall_Msg::requestShowPage(pageFrom(call.argument(0))), console);
+}
+
+ExitCode showDetail(const Invocation& call, Console& console)
+{
+    const int index = wholeNumber(call.argument(1), u"INDEX"_s);
+    return tellSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(call.argument(0))), console);
+}
+
+ExitCode hide(const Invocation& /*call*/, Console& console)
+{
+    return tellSent(RecentCall_Msg::requestHideUI(), console);
+}
+
+ExitCode pick(const Invocation& call, Console& console)
+{
+    const TimeLimit limit(call, u"timeout"_s);
+    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    RC_MsgInterface* const screens = RC_MsgInterface::instance();
+    const auto destroy = qScopeGuard([] {
+        RC_MsgInterface::destruction();
+        RecentCall_MsgClient::destruction();
+    });
+    std::optional<QString> answer; // empty: none was picked
+    QObject::connect(screens, &RC_MsgInterface::rcFinished, screens, [&answer](bool selected, const QString& number) {
+        // More may come in the turn of the event loop that ends it.
+        if (!answer)
+            answer = selected ? number : QString();
+        QCoreApplication::quit();
+    });
+    screens->requestShowUI(kPickerPage);
+    limit.start();
+    QCoreApplication::exec();
+    if (!answer)
+        throw failure(u"the screens did not answer"_s);
+    if (answer->isEmpty())
+        throw CommandError(NothingPicked, u"no number was picked"_s);
+    console.write(printable(*answer) + u'\n');
+    return Done;
+}
+
+QStringList pageNames()
+{
+    QStringList names;
+    for (const ScreenPage& page : kScreenPages)
+        names += QLatin1String(page.name);
+    return names;
+}
+
+QMap<QString, QStringList> listWords()
+{
+    return {{u"LIST"_s, wordTexts(kCategories)}};
+}
+
+const Argument kListArgument{u"LIST"_s, u"answered, missed, dialed, all, extra or none"_s};
+
+Command showRow()
+{
+    return {.name = u"show"_s,
+            .summary = u"Ask for the calls of a list"_s,
+            .details = kSendOnly,
+            .arguments = {kListArgument},
+            .words = listWords(),
+            .run = showList};
+}
+
+Command pageRow()
+{
+    return {.name = u"page"_s,
+            .summary = u"Ask for a page"_s,
+            .details = kSendOnly,
+            .arguments = {{u"PAGE"_s, u"%1, or any number"_s.arg(pageNames().join(u", "_s))}},
+            .words = {{u"PAGE"_s, pageNames()}},
+            .run = showPage};
+}
+
+Command detailRow()
+{
+    return {.name = u"detail"_s,
+            .summary = u"Ask for the details of one call"_s,
+            .details = kSendOnly,
+            .arguments = {kListArgument, {u"INDEX"_s, u"of the call in the list, newest first, from 0"_s}},
+            .words = listWords(),
+            .run = showDetail};
+}
+
+Command pickRow()
+{
+    return {.name = u"pick"_s,
+            .summary = u"Ask for the number picker, and show the number that is picked"_s,
+            .details =
+                u"\nWithout --timeout it waits for as long as nobody answers. The exit code is %1 when none was\n"
+                u"picked, 1 when there was no answer before the time was over or SIGINT or SIGTERM came.\n"_s.arg(
+                    int{NothingPicked}),
+            .options = {valueOption(u"timeout"_s, u"SECONDS"_s, u"wait no longer for the answer"_s)},
+            .run = pick};
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command recentsCommand()
+{
+    return {.name = u"recents"_s,
+            .summary = u"The recent-call screens"_s,
+            .verbs = {showRow(),
+                      pageRow(),
+                      detailRow(),
+                      {.name = u"hide"_s, .summary = u"Ask the screens to hide"_s, .details = kSendOnly, .run = hide},
+                      pickRow()}};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,131 @@
+// zynphone prepend, radio and language: the set-up of calls and of the phone server.
+#include "tools/commands/SetupCommand.h"
+
+#include "platform/QCopChannel.h"
+#include "tools/zynphone/Console.h"
+#include "utility/PHONE_Msg.h"
+#include "utility/PHONE_MsgName_p.h"
+#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_Requests.h"
+#include "utility/PHONE_Setup.h"
+
+#include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
+
+#include <chrono>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn;
+using namespace zyn::tool;
+
+constexpr std::chrono::seconds kPatience{2};
+
+ExitCode showPrepend(const Invocation& /*call*/, Console& console)
+{
+    console.write(PHONE_Setup().isPrepend() ? u"on\n"_s : u"off\n"_s);
+    return Done;
+}
+
+template<bool on>
+ExitCode setPrepend(const Invocation& /*call*/, Console& /*console*/)
+{
+    if (!PHONE_Setup().setPrepend(on))
+        throw failure(u"the settings store did not take the switch"_s);
+    return Done;
+}
+
+/// Waits for a message of the phone server whose payload is one number.
+class Answer
+{
+public:
+    /// Listens from now on; made before the request is sent.
+    explicit Answer(PHONE_Msg::PHONE_MSG_TYPE_T type)
+        : m_channel(kPhoneChannel)
+    {
+        if (!m_channel.isListening())
+            throw failure(u"cannot listen on %1"_s.arg(QLatin1String(kPhoneChannel)));
+        QObject::connect(&m_channel, &QCopChannel::received, &m_channel,
+                         [this, name = messageName(kPhonePrefix, static_cast<unsigned>(type), kPhoneTypes)](
+                             const QCString& message, const QByteArray& payload) {
+                             if (message == name)
+                                 take(payload);
+                         });
+    }
+
+    int wait()
+    {
+        QTimer::singleShot(kPatience, &m_loop, &QEventLoop::quit);
+        m_loop.exec();
+        if (!m_number)
+            throw failure(u"no answer within %1 seconds"_s.arg(kPatience.count()));
+        return *m_number;
+    }
+
+private:
+    void take(const QByteArray& payload)
+    {
+        if (!m_number)
+            m_number = PayloadReader(payload).readInt();
+        m_loop.quit();
+    }
+
+    QCopChannel m_channel;
+    QEventLoop m_loop;
+    std::optional<int> m_number;
+};
+
+template<bool on>
+ExitCode switchRadio(const Invocation& /*call*/, Console& console)
+{
+    Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_RFMOD_S);
+    PHONE_SetRFMode(on);
+    const int result = answer.wait();
+    console.write(u"result %1: %2\n"_s.arg(QString::number(result), result != 0 ? u"done"_s : u"not done"_s));
+    return result != 0 ? Done : Failed;
+}
+
+ExitCode setLanguage(const Invocation& call, Console& console)
+{
+    const int language = wholeNumber(call.argument(0), u"N"_s);
+    Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_FEATUREDB_LANG_S);
+    PHONE_SetTAPILanguage(language);
+    console.write(u"result %1\n"_s.arg(answer.wait()));
+    return Done;
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command prependCommand()
+{
+    Command on{.name = u"on"_s, .summary = u"Switch it on"_s, .run = setPrepend<true>};
+    Command off{.name = u"off"_s, .summary = u"Switch it off"_s, .run = setPrepend<false>};
+    Command show{.name = u"show"_s, .summary = u"Show whether it is on"_s, .run = showPrepend};
+    return {.name = u"prepend"_s,
+            .summary = u"The switch that has a prefix put in front of dialed numbers"_s,
+            .verbs = {std::move(on), std::move(off), std::move(show)}};
+}
+
+Command radioCommand()
+{
+    Command on{.name = u"on"_s, .summary = u"Ask the phone server to switch it on"_s, .run = switchRadio<true>};
+    Command off{.name = u"off"_s, .summary = u"Ask the phone server to switch it off"_s, .run = switchRadio<false>};
+    return {.name = u"radio"_s,
+            .summary = u"The radio, whose switch answers with a result; 0 is failure"_s,
+            .verbs = {std::move(on), std::move(off)}};
+}
+
+Command languageCommand()
+{
+    return {.name = u"language"_s,
+            .summary = u"Tell the phone server the current language, and show its result"_s,
+            .arguments = {{u"N"_s, u"the language, as the telephony platform counts them"_s}},
+            .run = setLanguage};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,170 @@
+// zynphone java and stk: calls placed over a connection to the phone server.
+#include "tools/commands/SocketCallCommand.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "tools/zynphone/BlockText.h"
+#include "tools/commands/CallInput.h"
+#include "tools/commands/ConnectionWatch.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/ServiceError.h"
+#include "tools/zynphone/TimeLimit.h"
+#include "tools/zynphone/Words.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/PHONE_VoiceJava.h"
+#include "utility/PHONE_VoiceSTK.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QScopeGuard>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+namespace voicecall = zyn::voicecall;
+
+constexpr std::array<Word<int>, 5> kReplies{{
+    {"dialing", voicecall::CallDialing},
+    {"alerting", voicecall::CallAlerting},
+    {"connected", voicecall::CallConnected},
+    {"ended", voicecall::CallEnded},
+    {"failed", voicecall::CallFailed},
+}};
+
+/// Shows the server's replies until one is the call's last.
+class Replies
+{
+public:
+    explicit Replies(Console& console)
+        : m_console(console)
+    {}
+
+    void show(int code)
+    {
+        // More may come in the turn of the event loop that ends it.
+        if (isOver())
+            return;
+        m_console.write(wordFor(kReplies, code) + u'\n');
+        m_last = code;
+        if (isOver() || !m_console.isSound())
+            QCoreApplication::quit();
+    }
+
+    bool isOver() const { return m_last == voicecall::CallEnded || hasFailed(); }
+    bool hasFailed() const { return m_last == voicecall::CallFailed; }
+
+private:
+    Console& m_console;
+    int m_last = 0;
+};
+
+CommandError serverError()
+{
+    return serviceError(u"phone server"_s,
+                        QLatin1String(voicecall::kSocketDirectory) + u'/' + QLatin1String(voicecall::kSocketName));
+}
+
+/// Lets the replies come in until the call, the connection or the time is over, or a signal ends it.
+ExitCode follow(const Replies& replies, const TimeLimit& limit)
+{
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    const ConnectionWatch watch(voicecall::kSocketName);
+    limit.start();
+    QCoreApplication::exec();
+    if (watch.isLost() && !replies.isOver())
+        throw failure(u"the phone server closed the connection"_s);
+    return replies.hasFailed() ? Failed : Done;
+}
+
+/// Where the replies of the Java connection go, of which a process has one and whose callback takes nothing
+/// else.
+Replies* javaReplies = nullptr;
+
+ExitCode callFromJava(const Invocation& call, Console& console)
+{
+    const QByteArray number = callNumber(call.argument(0)).toLatin1();
+    const int value = numberFrom(call, u"value"_s, 0);
+    const TimeLimit limit(call);
+    Replies replies(console);
+    javaReplies = &replies;
+    const int handle = PHONE_VoiceCall_Java_Init([](char code) { javaReplies->show(static_cast<uint8_t>(code)); });
+    const auto disconnect = qScopeGuard([handle] {
+        PHONE_VoiceCall_Java_DeInit(handle);
+        javaReplies = nullptr;
+    });
+    if (PHONE_VoiceCall_Java_MakeCall(handle, number.constData(), value) != 0)
+        throw serverError();
+    const ExitCode code = follow(replies, limit);
+    if (!replies.isOver())
+        PHONE_VoiceCall_Java_EndCall(handle);
+    return code;
+}
+
+PHONE_VoiceSTK_PARAMETER parameterFrom(const QString& text)
+{
+    PHONE_VoiceSTK_PARAMETER parameter = {};
+    const QByteArray bytes = text.startsWith("hex:"_L1) ? blockFrom(text, u"parameter"_s, sizeof parameter.bytes)
+                                                        : callNumber(text).toLatin1();
+    std::memcpy(parameter.bytes, bytes.constData(), static_cast<size_t>(bytes.size()));
+    return parameter;
+}
+
+ExitCode callFromSimToolkit(const Invocation& call, Console& console)
+{
+    PHONE_VoiceSTK_PARAMETER parameter = parameterFrom(call.argument(0));
+    const TimeLimit limit(call);
+    Replies replies(console);
+    PHONE_VoiceSTK* const client = PHONE_VoiceSTK_Init();
+    const auto disconnect = qScopeGuard([client] { PHONE_VoiceSTK_DeInit(client); });
+    if (PHONE_VOICESTK_MakeCall(client, &parameter) != 0)
+        throw serverError();
+    QObject::connect(client, &PHONE_VoiceSTK::MessageReceived, client,
+                     [&replies](int code, char* /*data*/) { replies.show(code); });
+    return follow(replies, limit);
+}
+
+QString details()
+{
+    QStringList words;
+    for (const Word<int>& reply : kReplies)
+        words += QLatin1String(reply.text);
+    return u"\nThe server's replies are shown as they come: %1, any other as a number.\n"
+           "The verb ends with the call; a connection that ends first is a failure.\n"_s.arg(words.join(u", "_s));
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command javaCommand()
+{
+    Command call{.name = u"call"_s,
+                 .summary = u"Place a call as the Java runtime does, and end it when the time is over"_s,
+                 .details = details(),
+                 .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
+                 .options = {valueOption(u"value"_s, u"N"_s, u"the number in front of the call's; 0 by default"_s),
+                             TimeLimit::option()},
+                 .run = callFromJava};
+    return {.name = u"java"_s, .summary = u"Calls of the Java runtime"_s, .verbs = {std::move(call)}};
+}
+
+Command stkCommand()
+{
+    Command call{
+        .name = u"call"_s,
+        .summary = u"Place a call as the SIM-toolkit application does"_s,
+        .details = details(),
+        .arguments = {{u"PARAMETER"_s, u"hex: and the block's %1 bytes, or the number that it begins with, %2"_s
+                                           .arg(sizeof(PHONE_VoiceSTK_PARAMETER))
+                                           .arg(callNumberMeaning())}},
+        .options = {TimeLimit::option()},
+        .run = callFromSimToolkit};
+    return {.name = u"stk"_s, .summary = u"Calls that the SIM card sets up"_s, .verbs = {std::move(call)}};
+}
+
+} // namespace zyn::tool

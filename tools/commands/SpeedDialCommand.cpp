@@ -1,0 +1,104 @@
+// zynphone speed-dial: the nine numbers of speed dial.
+#include "tools/commands/SpeedDialCommand.h"
+
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Table.h"
+#include "utility/PHONE_SpeedDial.h"
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+
+constexpr int kFirstIndex = 1;
+constexpr int kLastIndex = 9;
+
+struct Entry
+{
+    int index;
+    QString number; ///< empty when the entry is free
+};
+
+constexpr Column<Entry> kColumns[] = {
+    {"index", "INDEX", [](const Entry& entry) { return QJsonValue(entry.index); }},
+    {"number", "NUMBER", [](const Entry& entry) { return QJsonValue(entry.number); }},
+};
+
+int indexFrom(const Invocation& call)
+{
+    return wholeNumber(call.argument(0), u"INDEX"_s, kFirstIndex, kLastIndex);
+}
+
+ExitCode listEntries(const Invocation& call, Console& console)
+{
+    QStringList numbers;
+    PHONE_SpeedDial().getTurboDialingList(numbers);
+    std::vector<Entry> entries;
+    for (const QString& number : numbers)
+        entries.push_back({kFirstIndex + static_cast<int>(entries.size()), number});
+    printTable(console, Table(kColumns, entries), call.isSet(u"json"_s));
+    return Done;
+}
+
+ExitCode showEntry(const Invocation& call, Console& console)
+{
+    const int index = indexFrom(call);
+    const QString number = PHONE_SpeedDial().getTurboDialing(index);
+    if (number.isEmpty())
+        throw failure(u"entry %1 is free"_s.arg(index));
+    console.write(printable(number) + u'\n');
+    return Done;
+}
+
+ExitCode setEntry(const Invocation& call, Console& /*console*/)
+{
+    const int index = indexFrom(call);
+    if (!PHONE_SpeedDial().setTurboDialing(index, call.argument(1)))
+        throw failure(u"the settings store did not take the number"_s);
+    return Done;
+}
+
+ExitCode showFirstFree(const Invocation& /*call*/, Console& console)
+{
+    const int index = PHONE_SpeedDial().getFirstAvailableTurboDialingIndex();
+    if (index < kFirstIndex)
+        throw failure(u"no entry is free"_s);
+    console.write(u"%1\n"_s.arg(index));
+    return Done;
+}
+
+Argument indexArgument()
+{
+    return {u"INDEX"_s, u"%1 to %2"_s.arg(kFirstIndex).arg(kLastIndex)};
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command speedDialCommand()
+{
+    Command list{.name = u"list"_s,
+                 .summary = u"List the entries, the free ones with an empty number"_s,
+                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kColumns)),
+                 .options = {jsonOption()},
+                 .run = listEntries};
+    Command get{.name = u"get"_s,
+                .summary = u"Show the number of an entry"_s,
+                .arguments = {indexArgument()},
+                .run = showEntry};
+    Command set{.name = u"set"_s,
+                .summary = u"Set the number of an entry"_s,
+                .arguments = {indexArgument(), {u"NUMBER"_s, u"any text; '' frees the entry"_s}},
+                .run = setEntry};
+    Command firstFree{
+        .name = u"first-free"_s, .summary = u"Show the lowest index whose entry is free"_s, .run = showFirstFree};
+    return {.name = u"speed-dial"_s,
+            .summary = u"The nine numbers of speed dial"_s,
+            .verbs = {std::move(list), std::move(get), std::move(set), std::move(firstFree)}};
+}
+
+} // namespace zyn::tool

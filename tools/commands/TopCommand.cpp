@@ -1,0 +1,189 @@
+// zynphone top: the phone's state as it changes.
+#include "tools/commands/TopCommand.h"
+
+#include "handset/common/Process.h"
+#include "handset/common/TerminationSignals.h"
+#include "platform/UTIL_PhoneStatus.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/TimeLimit.h"
+#include "tools/top/CallSource.h"
+#include "tools/top/FavouriteSource.h"
+#include "tools/top/Screen.h"
+#include "tools/top/StatusSource.h"
+#include "tools/top/TerminalSignals.h"
+#include "tools/top/TopView.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+
+#include <chrono>
+#include <csignal>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+using namespace zyn::tool;
+
+/// How often files are looked at of whose changes nobody tells.
+constexpr std::chrono::milliseconds kPollInterval = 1s;
+/// How long changes are gathered before they are drawn.
+constexpr std::chrono::milliseconds kDrawDelay = 30ms;
+/// How long a snapshot waits for what the phone server answers.
+constexpr std::chrono::milliseconds kAnswerTime = 500ms;
+
+constexpr char kEndKey = 'q';
+
+/// Everything that is known, kept up to date while the event loop runs.
+class Phone
+{
+public:
+    Phone()
+        : m_status(state)
+        , m_calls(state, m_status)
+    {
+        if (!m_status.isListening() || !m_calls.isListening())
+            throw failure(u"cannot listen on the channels; 'zynphone doctor' tells why"_s);
+        poll();
+        m_poll.callOnTimeout([this] { poll(); });
+        m_poll.start(kPollInterval);
+        m_status.getTotalByteAndConnectedDuration();
+    }
+
+    PhoneState state;
+
+private:
+    void poll()
+    {
+        m_calls.refresh();
+        readFavourites(state);
+        state.set(Item::KeypadLock, QString::number(UTIL_GetKeypadLockStatus()));
+        state.set(Item::PhoneSystem, QString::number(UTIL_GetPhoneSystemStatus()));
+        if (state.value(Item::SimCard).text.isNull())
+            state.set(Item::SimCard, QString::number(UTIL_GetSimCardStatus()));
+    }
+
+    StatusSource m_status;
+    CallSource m_calls;
+    QTimer m_poll;
+};
+
+/// Shows a phone until its user or a signal ends it.
+class Top
+{
+public:
+    explicit Top(Console& console)
+        : m_console(console)
+        , m_signals([this](int signal) { handle(signal); })
+        , m_screen(console)
+        , m_keys(STDIN_FILENO, QSocketNotifier::Read)
+    {
+        m_draw.setSingleShot(true);
+        m_draw.callOnTimeout([this] { draw(); });
+        QObject::connect(&m_phone.state, &PhoneState::changed, &m_draw, [this] {
+            if (!m_draw.isActive())
+                m_draw.start(kDrawDelay);
+        });
+        QObject::connect(&m_keys, &QSocketNotifier::activated, &m_draw, [this] { readKeys(); });
+        m_keys.setEnabled(::isatty(STDIN_FILENO) == 1);
+        draw();
+    }
+
+private:
+    void draw()
+    {
+        Canvas canvas = m_screen.blank();
+        layOut(m_phone.state, canvas);
+        if (!m_screen.show(canvas))
+            m_draw.start(kPollInterval); // until its user lets the terminal go on
+        if (!m_console.isSound())
+            QCoreApplication::quit();
+    }
+
+    void handle(int signal)
+    {
+        if (signal == SIGHUP || signal == SIGQUIT)
+            return QCoreApplication::quit();
+        if (signal == SIGTSTP) {
+            m_screen.leave();
+            TerminalSignals::stop();
+            m_screen.enter();
+        }
+        if (signal == SIGCONT) {
+            m_screen.leave(); // the shell may have changed what the keyboard does
+            m_screen.enter();
+        }
+        draw();
+    }
+
+    void readKeys()
+    {
+        char keys[64];
+        const ssize_t count = ::read(STDIN_FILENO, keys, sizeof keys);
+        if (count <= 0)
+            m_keys.setEnabled(false);
+        else if (QByteArrayView(keys, count).contains(kEndKey))
+            QCoreApplication::quit();
+    }
+
+    Console& m_console;
+    Phone m_phone;             // before the screen: what it has to say against its channels is not for that
+    TerminalSignals m_signals; // before the screen: no signal ends the process while that has the terminal
+    Screen m_screen;
+    QSocketNotifier m_keys;
+    QTimer m_draw;
+};
+
+ExitCode showOnce(const TimeLimit& timeLimit, Console& console)
+{
+    const Phone phone;
+    if (timeLimit.isSet())
+        timeLimit.start();
+    else
+        QTimer::singleShot(kAnswerTime, QCoreApplication::instance(), &QCoreApplication::quit);
+    QCoreApplication::exec();
+    console.write(stateText(phone.state));
+    return Done;
+}
+
+ExitCode showLive(const TimeLimit& timeLimit, Console& console)
+{
+    if (!console.isTerminal())
+        throw failure(u"standard output is no terminal; --once writes plain lines"_s);
+    if (const QByteArray terminal = qgetenv("TERM"); terminal.isEmpty() || terminal == "dumb")
+        throw failure(u"the terminal (TERM is '%1') cannot be drawn on; --once writes plain lines"_s.arg(
+            QString::fromUtf8(terminal)));
+    zyn::handset::ignoreBrokenPipes();
+    const Top top(console);
+    timeLimit.start();
+    QCoreApplication::exec();
+    return Done;
+}
+
+ExitCode showTop(const Invocation& call, Console& console)
+{
+    const TimeLimit timeLimit(call);
+    const zyn::handset::TerminationSignals signalsThatEnd;
+    return call.isSet(u"once"_s) ? showOnce(timeLimit, console) : showLive(timeLimit, console);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+Command topCommand()
+{
+    return {.name = u"top"_s,
+            .summary = u"Show the phone's state on the terminal as it changes, until q, SIGINT or SIGTERM"_s,
+            .details = u"\nWhat no message has told since it was started is shown as \u2013, numbers of the telephony\n"
+                       "platform as they come. It asks the phone server for the data counters once.\n"_s,
+            .options = {flagOption(u"once"_s, u"write the state once, as plain lines, after --for or half a second"_s),
+                        TimeLimit::option()},
+            .run = showTop};
+}
+
+} // namespace zyn::tool

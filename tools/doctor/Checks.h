@@ -1,0 +1,21 @@
+// What is looked at on a desk where nothing arrives. No check changes anything.
+#pragma once
+
+#include "tools/doctor/Finding.h"
+
+namespace zyn::tool::doctor {
+
+/// The variables that name directories, and what they name.
+Findings checkEnvironment();
+/// The directories of the channels, and their listeners.
+Findings checkChannels();
+/// The sockets of the handset's services, and who serves them.
+Findings checkServices();
+/// The store directory and the files in it.
+Findings checkStore();
+/// The settings files and the list of emergency numbers.
+Findings checkSettings();
+/// Which features are switched on.
+Findings checkSwitches();
+
+} // namespace zyn::tool::doctor

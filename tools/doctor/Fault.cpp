@@ -1,0 +1,136 @@
+// Why a directory or a file cannot be used.
+#include "tools/doctor/Fault.h"
+
+#include "platform/posix/PrivateDirectory_p.h"
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using namespace zyn::tool::doctor;
+
+constexpr mode_t kPermissions = 07777;
+constexpr char kPlainCharacters[] = "/._-+:@%";
+
+QString nameOf(const QByteArray& path)
+{
+    return QFile::decodeName(path);
+}
+
+bool isPlain(char character)
+{
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')
+           || (character >= '0' && character <= '9') || (character != '\0' && std::strchr(kPlainCharacters, character));
+}
+
+/// What errno tells of a path that cannot be looked at.
+Fault unreachable(const QByteArray& path, const QString& remedyWhenMissing)
+{
+    if (errno == ENOENT)
+        return {u"it does not exist"_s, remedyWhenMissing};
+    return {u"it cannot be reached: %1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))),
+            u"look at the directories above it: namei -l %1"_s.arg(shellWord(path))};
+}
+
+Fault noDirectory(const QByteArray& path)
+{
+    return {u"it is no directory"_s, u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old"))};
+}
+
+} // namespace
+
+namespace zyn::tool::doctor {
+
+bool exists(const QByteArray& path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+}
+
+QByteArray parentOf(const QByteArray& path)
+{
+    return QFile::encodeName(QFileInfo(nameOf(path)).path());
+}
+
+QByteArray existingPart(QByteArray path)
+{
+    while (!exists(path) && parentOf(path) != path)
+        path = parentOf(path);
+    return path;
+}
+
+std::optional<Fault> privateDirectoryFault(const QByteArray& path)
+{
+    const bool isPrivate = posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+    if (isPrivate && ::access(path.constData(), R_OK | W_OK | X_OK) == 0)
+        return std::nullopt;
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return unreachable(path, u"mkdir -m 700 %1"_s.arg(shellWord(path)));
+    if (S_ISLNK(status.st_mode))
+        return Fault{u"it is a symbolic link, which is not followed"_s, u"name the directory that it leads to"_s};
+    if (!S_ISDIR(status.st_mode))
+        return noDirectory(path);
+    if (status.st_uid != ::geteuid())
+        return Fault{u"it belongs to user %1, not to you, user %2"_s.arg(status.st_uid).arg(::geteuid()),
+                     u"name a directory of your own, or run as its owner"_s};
+    const QString harm = isPrivate ? u"you may not read, write and enter it"_s : u"other users could read along"_s;
+    return Fault{u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')).arg(harm),
+                 u"chmod 700 %1"_s.arg(shellWord(path))};
+}
+
+std::optional<Fault> writableDirectoryFault(const QByteArray& path)
+{
+    struct stat status = {};
+    if (::stat(path.constData(), &status) != 0)
+        return unreachable(path, u"mkdir -p %1"_s.arg(shellWord(path)));
+    if (!S_ISDIR(status.st_mode))
+        return noDirectory(path);
+    if (::access(path.constData(), W_OK | X_OK) != 0)
+        return Fault{
+            u"you may not write in it; it belongs to user %1, you are user %2"_s.arg(status.st_uid).arg(::geteuid()),
+            status.st_uid == ::geteuid() ? u"chmod u+rwx %1"_s.arg(shellWord(path))
+                                         : u"run as its owner, or name another directory"_s};
+    return std::nullopt;
+}
+
+std::optional<Fault> fileFault(const QByteArray& path, bool isWritten)
+{
+    struct stat status = {};
+    if (::stat(path.constData(), &status) != 0)
+        return unreachable(path, u"remove what is there: rm %1"_s.arg(shellWord(path)));
+    if (!S_ISREG(status.st_mode))
+        return Fault{u"it is no regular file"_s,
+                     u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old"))};
+    if (::access(path.constData(), R_OK) != 0)
+        return Fault{u"you may not read it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path))};
+    if (isWritten && ::access(path.constData(), W_OK) != 0)
+        return Fault{u"you may not write it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path))};
+    return std::nullopt;
+}
+
+Finding wrong(const QByteArray& path, const Fault& fault)
+{
+    return wrong(nameOf(path), fault.text, fault.remedy);
+}
+
+QString shellWord(const QByteArray& path)
+{
+    QString name = nameOf(path);
+    if (!path.isEmpty() && std::ranges::all_of(path, isPlain))
+        return name;
+    return u'\'' + name.replace(u'\'', u"'\\''"_s) + u'\'';
+}
+
+} // namespace zyn::tool::doctor

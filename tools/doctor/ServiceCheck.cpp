@@ -1,0 +1,84 @@
+// The sockets of the handset's services, and who serves them.
+#include "recentcall/utility/RecentCall_Command_p.h"
+#include "tools/doctor/Checks.h"
+#include "tools/doctor/Fault.h"
+#include "tools/doctor/SocketProbe.h"
+#include "utility/PHONE_VoiceCallCommand_p.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using namespace zyn::tool::doctor;
+
+struct Service
+{
+    const char* socket;
+    const char* name;
+    const char* program;
+    const char* loss; ///< what fails without it
+};
+
+constexpr Service kServices[] = {
+    {zyn::recentcall::kSocketPath, "the recent-call service", "zyn-recentcalld", "no call is logged or listed"},
+    {zyn::voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
+};
+
+/// Why the directory of a socket that nobody could be reached at keeps everybody away; nothing when it does not.
+std::optional<Finding> directoryFault(const Service& service, const SocketProbe& probe)
+{
+    const QByteArray directory = parentOf(service.socket);
+    const bool isUnreached = probe.state == SocketProbe::Dead || probe.state == SocketProbe::Missing
+                             || probe.state == SocketProbe::NoSocket || probe.state == SocketProbe::Failed;
+    if (!isUnreached || !exists(directory))
+        return std::nullopt;
+    const std::optional<Fault> fault = writableDirectoryFault(directory);
+    return fault ? std::optional(wrong(directory, *fault)) : std::nullopt;
+}
+
+Finding checkService(const Service& service)
+{
+    const QString path = QLatin1String(service.socket);
+    const QString name = QLatin1String(service.name);
+    const QString start = u"start %1: %2 &"_s.arg(name, QLatin1String(service.program));
+    const SocketProbe probe = SocketProbe::at(service.socket);
+    if (const auto fault = directoryFault(service, probe))
+        return *fault;
+    switch (probe.state) {
+    case SocketProbe::Served:
+        return ok(path, u"served by %1"_s.arg(processText(probe.process)));
+    case SocketProbe::Stopped:
+        return wrong(path, u"%1, %2, serves it, but it is stopped"_s.arg(name, processText(probe.process)),
+                     u"kill -CONT %1"_s.arg(probe.process));
+    case SocketProbe::Foreign:
+        return wrong(path, u"%1 there belongs to user %2, whom the library does not trust"_s.arg(name).arg(probe.user),
+                     u"end that user's, then %1"_s.arg(start));
+    case SocketProbe::Busy:
+        return wrong(path, u"%1 takes no connections: too many wait"_s.arg(name),
+                     u"see what it does, or end it and %1"_s.arg(start));
+    case SocketProbe::Dead:
+        return wrong(path, u"nobody serves this socket: %1"_s.arg(QLatin1String(service.loss)), start);
+    case SocketProbe::Missing:
+        return wrong(path, u"%1 does not run: %2"_s.arg(name, QLatin1String(service.loss)), start);
+    case SocketProbe::NoSocket:
+        return wrong(path, u"it is no socket, so %1 cannot listen"_s.arg(name),
+                     u"move it away: mv %1 %1.old; then %2"_s.arg(path, start));
+    default:
+        return wrong(path, u"no connection to %1: %2"_s.arg(name, probe.error), u"end it, then %1"_s.arg(start));
+    }
+}
+
+} // namespace
+
+namespace zyn::tool::doctor {
+
+Findings checkServices()
+{
+    Findings findings;
+    for (const Service& service : kServices)
+        findings.push_back(checkService(service));
+    return findings;
+}
+
+} // namespace zyn::tool::doctor

@@ -1,0 +1,77 @@
+// The store directory and the files in it.
+#include "platform/posix/File_p.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/StoreDirectory_p.h"
+#include "tools/store/ContactFileCheck.h"
+#include "tools/store/FavouritesFileCheck.h"
+#include "tools/store/RecordFileCheck.h"
+#include "tools/doctor/Checks.h"
+#include "tools/doctor/Fault.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn;
+using namespace zyn::tool;
+using namespace zyn::tool::doctor;
+
+/// Far above the size of every file of the store.
+constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
+
+Finding damaged(const QByteArray& path, const QStringList& problems)
+{
+    const QString more = problems.size() > 1 ? u" (and %1 more)"_s.arg(problems.size() - 1) : QString();
+    return wrong(QFile::decodeName(path), u"damaged: %1%2"_s.arg(problems.first(), more),
+                 u"zynphone inspect --repair %1, which keeps a copy; zynphone inspect %2 shows the file"_s.arg(
+                     shellWord(storeDirectoryPath()), shellWord(path)));
+}
+
+/// Looks into a file with @p check, in words of its kind.
+Finding checkContents(const QByteArray& path, FileFindings (*check)(const QString&, const QByteArray&))
+{
+    const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);
+    if (!image)
+        return damaged(path, {u"it is too long"_s});
+    const FileFindings findings = check(QFile::decodeName(path).section(u'/', -1), *image);
+    if (!findings.isSound())
+        return damaged(path, problemTexts(findings));
+    return ok(QFile::decodeName(path),
+              u"%1, %2 in use"_s.arg(findings.kind, QString::number(findings.usedSlots.count())));
+}
+
+Finding checkFile(const QByteArray& path, const FileKind& kind)
+{
+    if (!exists(path))
+        return note(QFile::decodeName(path), u"it does not exist yet; its owner makes it"_s);
+    const std::optional<Fault> fault = fileFault(path, true);
+    return fault ? wrong(path, *fault) : checkContents(path, kind.check);
+}
+
+} // namespace
+
+namespace zyn::tool::doctor {
+
+Findings checkStore()
+{
+    const QByteArray directory = storeDirectoryPath();
+    if (!exists(directory))
+        return {note(QFile::decodeName(directory), u"it does not exist yet; its owner makes it"_s)};
+    if (const auto fault = writableDirectoryFault(directory))
+        return {wrong(directory, *fault)};
+    Findings findings{ok(QFile::decodeName(directory), u"files can be made in it"_s)};
+    for (const RC_CALL_CATEGORY_T list : kRecordLists)
+        findings.push_back(checkFile(directory + recordFileName(list), kRecordFileKind));
+    findings.push_back(checkFile(directory + '/' + kTopPalsDetailsName, kFavouritesFileKind));
+    for (const QString& name : QDir(QFile::decodeName(directory)).entryList(QDir::Files)) {
+        if (isContactFileName(name))
+            findings.push_back(checkFile(directory + '/' + QFile::encodeName(name), kContactFileKind));
+    }
+    return findings;
+}
+
+} // namespace zyn::tool::doctor

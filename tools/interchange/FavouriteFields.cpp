@@ -1,0 +1,128 @@
+// The favourites and their entries, all fields, as values that can be written down and read back.
+#include "tools/interchange/FavouriteFields.h"
+
+#include "handset/common/Text.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/PlainBytes_p.h"
+#include "tools/interchange/CallFields.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/interchange/FieldForms.h"
+#include "utility/FixedText_p.h"
+
+#include <cstring>
+#include <iterator>
+#include <span>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using Entry = PHONE_ENG_ActivityLog;
+using Favourite = TopPalNumberDetail;
+
+/// Where the entry begins, behind its favourite.
+constexpr size_t kEntry = sizeof(Favourite);
+
+/// Unlike a call in the call log, an entry may be of no list, and of one that has but a number.
+constexpr FieldForm kAnyListForm{FieldForm::Text,
+                                 [](const QByteArray& bytes) {
+                                     return QJsonValue(
+                                         categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
+                                 },
+                                 [](const QString& text, const QString& name, qsizetype) {
+                                     const std::optional<int> number = zyn::handset::wholeNumber(text);
+                                     return bytesOfNumber(number ? *number : wordNamed(kCategories, text, name).value);
+                                 }};
+
+constexpr StoredField kFavouriteFields[] = {
+    {"favourite", offsetof(Favourite, phoneNumber), sizeof Favourite::phoneNumber, &kLatin1Form, StoredField::Required},
+    {"favouritePlace", offsetof(Favourite, nthFileItem), sizeof Favourite::nthFileItem, &kNumberForm,
+     StoredField::OfStore},
+};
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof" // as where the record is declared
+constexpr StoredField kEntryFields[] = {
+    {"place", kEntry + offsetof(Entry, topPalsAvlPos), sizeof Entry::topPalsAvlPos, &kNumberForm, StoredField::OfStore},
+    {"index", kEntry + offsetof(Entry, topPalsAvlIndex), sizeof Entry::topPalsAvlIndex, &kNumberForm,
+     StoredField::OfStore},
+    {"messageType", kEntry + offsetof(Entry, msgType), sizeof Entry::msgType, &kNumberForm},
+    {"messageInfo", kEntry + offsetof(Entry, msgInfo), sizeof Entry::msgInfo, &kNumberForm},
+    {"message", kEntry + offsetof(Entry, msgString), sizeof Entry::msgString, &kLatin1Form},
+    {"flagA", kEntry + offsetof(Entry, flagA), sizeof Entry::flagA, &kFlagForm},
+    {"flagB", kEntry + offsetof(Entry, flagB), sizeof Entry::flagB, &kFlagForm},
+    {"reserved285", kEntry + offsetof(Entry, reserved285), sizeof Entry::reserved285, &kBlockForm},
+    {"padding298", kEntry + offsetof(Entry, padding298), sizeof Entry::padding298, &kBlockForm},
+};
+#pragma GCC diagnostic pop
+
+/// What the fields of the entry but for the call in it take.
+constexpr size_t sizeOf(std::span<const StoredField> fields)
+{
+    size_t size = 0;
+    for (const StoredField& field : fields)
+        size += field.size;
+    return size;
+}
+static_assert(sizeof(PHONE_ENG_RecentCall) + sizeOf(kEntryFields) == sizeof(Entry));
+
+/// A field of a call as that of the call in an entry: the store gives it nothing but its flag of use and its number.
+StoredField inEntry(StoredField field)
+{
+    const QLatin1String name(field.name);
+    field.offset += kEntry;
+    field.presence = StoredField::Optional;
+    if (name == "start"_L1)
+        field.presence = StoredField::Required;
+    if (name == "list"_L1)
+        field.form = &kAnyListForm;
+    return field;
+}
+
+std::vector<StoredField> allFields()
+{
+    std::vector<StoredField> fields(std::begin(kFavouriteFields), std::end(kFavouriteFields));
+    for (const StoredField& field : callSchema().fields)
+        fields.push_back(inEntry(field));
+    fields.insert(fields.end(), std::begin(kEntryFields), std::end(kEntryFields));
+    return fields;
+}
+
+QByteArray blank()
+{
+    Entry entry;
+    entry.inUse = 1;
+    return favouriteRecord(Favourite::kFree, {}, entry);
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+const RecordSchema& favouriteSchema()
+{
+    static const RecordSchema schema{"row", allFields(), blank()};
+    return schema;
+}
+
+QByteArray favouriteRecord(int place, const QString& number, const PHONE_ENG_ActivityLog& entry)
+{
+    Favourite favourite{place};
+    storeText(favourite.phoneNumber, number.toLatin1());
+    return bytesOf(favourite).toByteArray() + QByteArray(reinterpret_cast<const char*>(&entry), sizeof entry);
+}
+
+QString favouriteNumber(const QByteArray& record)
+{
+    const auto favourite =
+        toPlain<Favourite>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
+    return latin1Text(favourite.phoneNumber);
+}
+
+void readEntry(PHONE_ENG_ActivityLog& entry, const QByteArray& record)
+{
+    std::memcpy(static_cast<void*>(&entry), record.constData() + kEntry, sizeof entry);
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,24 @@
+// The phone's state, as far as it is known.
+#include "tools/top/PhoneState.h"
+
+#include <utility>
+
+namespace zyn::tool {
+
+void PhoneState::set(Item item, const QString& text, bool isAlert)
+{
+    assign(item, {text.isEmpty() ? QStringLiteral("none") : text, isAlert});
+}
+
+void PhoneState::forget(Item item)
+{
+    assign(item, {});
+}
+
+void PhoneState::assign(Item item, const Value& value)
+{
+    if (std::exchange(m_values.at(static_cast<size_t>(item)), value) != value)
+        Q_EMIT changed();
+}
+
+} // namespace zyn::tool

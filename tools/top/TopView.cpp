@@ -1,0 +1,194 @@
+// How the phone's state is laid out.
+#include "tools/top/TopView.h"
+
+#include "handset/common/Text.h"
+#include "tools/top/Canvas.h"
+#include "tools/top/PhoneState.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace zyn::tool;
+using zyn::handset::jsonEscaped;
+
+struct Line
+{
+    const char* label; ///< null for the title of a section, and for a blank line
+    Item item;
+    const char* title;
+};
+
+constexpr Line section(const char* title)
+{
+    return {nullptr, Item::Count, title};
+}
+
+constexpr Line kBlank = section("");
+
+constexpr Line kLeft[] = {
+    section("Power"),
+    {"battery", Item::Battery, nullptr},
+    {"battery status", Item::BatteryStatus, nullptr},
+    {"charger", Item::Charger, nullptr},
+    {"last event", Item::PowerEvent, nullptr},
+    kBlank,
+    section("SIM card and handset"),
+    {"SIM card", Item::SimCard, nullptr},
+    {"PIN", Item::Pin, nullptr},
+    {"subsidy lock", Item::SubsidyLock, nullptr},
+    {"IMSI", Item::Imsi, nullptr},
+    {"keypad lock", Item::KeypadLock, nullptr},
+    {"phone system", Item::PhoneSystem, nullptr},
+    kBlank,
+    section("Network"),
+    {"network", Item::Network, nullptr},
+    {"network id", Item::NetworkId, nullptr},
+    {"service name", Item::ServiceName, nullptr},
+    {"provider", Item::Provider, nullptr},
+    {"home zone", Item::HomeZone, nullptr},
+    {"signal", Item::Signal, nullptr},
+    {"service", Item::Service, nullptr},
+    {"roaming", Item::Roaming, nullptr},
+    {"UMA icon", Item::Uma, nullptr},
+};
+
+constexpr Item favourite(int place)
+{
+    return static_cast<Item>(static_cast<int>(Item::Favourite0) + place);
+}
+
+constexpr Line kRight[] = {
+    section("Calls"),
+    {"call", Item::Call, nullptr},
+    {"connected", Item::Connection, nullptr},
+    {"in total", Item::ConnectionTotal, nullptr},
+    {"last logged", Item::LastLogged, nullptr},
+    {"missed", Item::Missed, nullptr},
+    {"favourite 1", favourite(0), nullptr},
+    {"favourite 2", favourite(1), nullptr},
+    {"favourite 3", favourite(2), nullptr},
+    {"favourite 4", favourite(3), nullptr},
+    {"favourite 5", favourite(4), nullptr},
+    kBlank,
+    section("Data"),
+    {"GPRS attached", Item::GprsAttached, nullptr},
+    {"GPRS service", Item::GprsService, nullptr},
+    {"GPRS active", Item::GprsActivated, nullptr},
+    {"EGPRS", Item::EgprsService, nullptr},
+    {"EGPRS sending", Item::EgprsTransmission, nullptr},
+    {"bytes", Item::TotalBytes, nullptr},
+    {"session", Item::SessionBytes, nullptr},
+    kBlank,
+    section("Wi-Fi"),
+    {"profile", Item::WifiProfile, nullptr},
+    {"last event", Item::WifiEvent, nullptr},
+};
+
+using Lines = std::vector<Line>;
+
+constexpr int kLabelWidth = 15;
+constexpr int kMinColumns = 24;
+constexpr int kMinRows = 5;
+constexpr int kTwoColumns = 80;
+constexpr QLatin1String kTitle("zynphone top");
+
+bool isBlank(const Line& line)
+{
+    return !line.label && *line.title == '\0';
+}
+
+/// All lines below each other, the calls first: they are looked for most.
+Lines allLines()
+{
+    const auto* const endOfCalls = std::ranges::find_if(kRight, isBlank);
+    Lines lines(std::begin(kRight), endOfCalls);
+    lines.push_back(kBlank);
+    lines.insert(lines.end(), std::begin(kLeft), std::end(kLeft));
+    lines.insert(lines.end(), endOfCalls, std::end(kRight));
+    return lines;
+}
+
+QString textOf(const PhoneState::Value& value)
+{
+    return value.text.isNull() ? u"\u2013"_s : value.text;
+}
+
+/// A part of the canvas, all rows but the first and the last.
+struct Area
+{
+    int column;
+    int width;
+    Lines lines;
+};
+
+void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row, const Line& line)
+{
+    if (!line.label)
+        return canvas.put(row, area.column, area.width, QLatin1String(line.title), Style::Title);
+    const PhoneState::Value& value = state.value(line.item);
+    canvas.put(row, area.column, kLabelWidth, QLatin1String(line.label), Style::Label);
+    canvas.put(row, area.column + kLabelWidth, area.width - kLabelWidth, textOf(value),
+               value.isAlert ? Style::Alert : Style::Plain);
+}
+
+/// Puts as many lines as there is room for, without those that are blank where that helps; how many are left out.
+int putLines(const PhoneState& state, Canvas& canvas, Area area)
+{
+    const auto room = static_cast<size_t>(canvas.rows() - 2);
+    if (area.lines.size() < room)
+        area.lines.insert(area.lines.begin(), kBlank);
+    if (area.lines.size() > room)
+        std::erase_if(area.lines, isBlank);
+    const size_t count = std::min(area.lines.size(), room);
+    for (size_t index = 0; index < count; ++index)
+        putLine(state, canvas, area, static_cast<int>(index) + 1, area.lines[index]);
+    return static_cast<int>(area.lines.size() - count);
+}
+
+int putColumns(const PhoneState& state, Canvas& canvas)
+{
+    if (canvas.columns() < kTwoColumns)
+        return putLines(state, canvas, {0, canvas.columns(), allLines()});
+    const int width = canvas.columns() / 2;
+    return putLines(state, canvas, {0, width - 2, Lines(std::begin(kLeft), std::end(kLeft))})
+           + putLines(state, canvas, {width, canvas.columns() - width, Lines(std::begin(kRight), std::end(kRight))});
+}
+
+} // namespace
+
+namespace zyn::tool {
+
+void layOut(const PhoneState& state, Canvas& canvas)
+{
+    if (canvas.columns() < kMinColumns || canvas.rows() < kMinRows) {
+        canvas.put(0, 0, canvas.columns(), u"too small; %1x%2 will do"_s.arg(kMinColumns).arg(kMinRows));
+        return;
+    }
+    canvas.put(0, 0, canvas.columns(), kTitle, Style::Title);
+    const int column = int{kTitle.size()} + 2;
+    canvas.put(0, column, canvas.columns() - column, textOf(state.value(Item::LastMessage)), Style::Label);
+    const int hidden = putColumns(state, canvas);
+    const QString foot = hidden > 0 ? u"q ends; %1 lines more"_s.arg(hidden) : u"q ends"_s;
+    canvas.put(canvas.rows() - 1, 0, canvas.columns(), foot, Style::Label);
+}
+
+QString stateText(const PhoneState& state)
+{
+    QString text;
+    for (const Line& line : allLines()) {
+        if (line.label)
+            text += QString(QLatin1String(line.label)).leftJustified(kLabelWidth)
+                    + jsonEscaped(textOf(state.value(line.item)));
+        else
+            text += QLatin1String(line.title);
+        text += u'\n';
+    }
+    return text;
+}
+
+} // namespace zyn::tool
