@@ -19,6 +19,7 @@
 
 #include <fcntl.h>
 
+namespace zyn {
 namespace {
 
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
@@ -208,8 +209,6 @@ std::optional<QByteArray> read(const zyn::posix::Place& place)
 }
 
 } // namespace
-
-namespace zyn {
 
 QString settingText(const QByteArray& value)
 {

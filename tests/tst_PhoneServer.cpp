@@ -25,6 +25,8 @@
 #include <unistd.h>
 
 using namespace zyn::voicecall;
+using zyn::handset::CallCourse;
+using zyn::handset::CallEvent;
 using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
 

@@ -33,7 +33,7 @@ bool writeSeenCalls(const ActivityLogFixture& /*fixture*/, const QByteArray& pat
     std::vector<PHONE_ENG_RecentCall> calls(isChanged ? 3 : 2);
     for (size_t i = 0; i < calls.size(); ++i)
         calls[i].uid = static_cast<int>(i);
-    return SeenCalls(QFile::decodeName(path)).replaceBy(calls);
+    return zyn::handset::SeenCalls(QFile::decodeName(path)).replaceBy(calls);
 }
 
 bool writeSetting(const ActivityLogFixture& /*fixture*/, const QByteArray& path, bool isChanged)

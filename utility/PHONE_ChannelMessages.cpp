@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <iterator>
 
+namespace zyn {
 namespace {
 
-using namespace zyn;
 using enum FieldKind;
 using enum Occurrence;
 
@@ -69,8 +69,6 @@ std::optional<MessageForm> phoneMessageForm(const QCString& name)
 }
 
 } // namespace
-
-namespace zyn {
 
 std::span<const ChannelMessage> channelMessages()
 {

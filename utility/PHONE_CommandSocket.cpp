@@ -10,6 +10,7 @@
 
 #include <sys/socket.h>
 
+namespace zyn {
 namespace {
 
 /// Small buffers, and a close that waits for nothing; a kernel that refuses either changes no result.
@@ -22,8 +23,6 @@ void tune(int socket, int receiveBufferSize)
 }
 
 } // namespace
-
-namespace zyn {
 
 posix::UniqueFd connectCommandSocket(const QString& path, int receiveBufferSize, int32_t greeting)
 {

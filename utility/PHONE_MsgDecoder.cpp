@@ -5,9 +5,8 @@
 #include "utility/PHONE_MsgName_p.h"
 #include "utility/PHONE_MsgTable_p.h"
 
+namespace zyn {
 namespace {
-
-using namespace zyn;
 
 void printBanner(const LogLine& line)
 {
@@ -30,8 +29,6 @@ void print(const LogLine& line, const FieldValues& values)
 #pragma GCC diagnostic pop
 
 } // namespace
-
-namespace zyn {
 
 void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line)
 {

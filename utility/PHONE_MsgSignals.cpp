@@ -5,6 +5,7 @@
 #include "utility/PHONE_AllStatus_p.h"
 #include "utility/PHONE_Log.h"
 
+namespace zyn {
 namespace {
 
 using Client = PHONE_MsgClient;
@@ -49,8 +50,6 @@ void emitNetworkList(const Emitter& emitter, PHONE_UI_NETWORKLIST_TYPE_T kind, c
 }
 
 } // namespace
-
-namespace zyn {
 
 int32_t number(const FieldValues& values, Argument argument)
 {

@@ -6,9 +6,9 @@
 #include <iterator>
 #include <string_view>
 
+namespace zyn {
 namespace {
 
-using namespace zyn;
 using enum FieldKind;
 using Client = PHONE_MsgClient;
 
@@ -219,8 +219,6 @@ constexpr bool logLinesSuitTheirFields()
 static_assert(logLinesSuitTheirFields());
 
 } // namespace
-
-namespace zyn {
 
 std::span<const PhoneMessage> phoneMessages()
 {

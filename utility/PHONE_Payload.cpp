@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+namespace zyn {
 namespace {
 
 constexpr uint32_t kNullText = 0xFFFF'FFFF;
@@ -18,8 +19,6 @@ void configure(QDataStream& stream)
 }
 
 } // namespace
-
-namespace zyn {
 
 PayloadReader::PayloadReader(const QByteArray& payload)
     : m_stream(payload)

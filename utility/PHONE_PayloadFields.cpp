@@ -3,6 +3,7 @@
 
 #include "utility/PHONE_Payload_p.h"
 
+namespace zyn {
 namespace {
 
 QByteArray readBlock(zyn::PayloadReader& reader, uint8_t size)
@@ -13,8 +14,6 @@ QByteArray readBlock(zyn::PayloadReader& reader, uint8_t size)
 }
 
 } // namespace
-
-namespace zyn {
 
 FieldValue readField(const Field& field, PayloadReader& reader, const QByteArray& payload)
 {

@@ -4,6 +4,7 @@
 #include <QtCore/QMetaMethod>
 #include <QtCore/QMetaType>
 
+namespace zyn {
 namespace {
 
 void registerType(const QByteArray& name, QMetaType type)
@@ -16,8 +17,6 @@ void registerType(const QByteArray& name, QMetaType type)
 }
 
 } // namespace
-
-namespace zyn {
 
 bool registerSignalTypes(const QMetaObject& metaObject)
 {

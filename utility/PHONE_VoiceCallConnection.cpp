@@ -5,13 +5,12 @@
 #include "platform/posix/UnixSocket_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
+namespace zyn {
 namespace {
 
 constexpr int kReceiveBufferSize = 1024;
 
 } // namespace
-
-namespace zyn {
 
 posix::UniqueFd VoiceCallConnection::open(voicecall::ClientKind kind)
 {

@@ -7,14 +7,13 @@
 #include <algorithm>
 #include <array>
 
+namespace zyn::handset {
 namespace {
 
 /// A greeting and a command fit into two.
 constexpr int kReadsPerTurn = 4;
 
 } // namespace
-
-namespace zyn::handset {
 
 CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds patience)
     : m_socket(std::move(socket))

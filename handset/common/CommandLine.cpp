@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace zyn::handset {
 namespace {
 
 using zyn::handset::log;
@@ -36,8 +37,6 @@ bool usageError(const QString& text)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 CommandLine::CommandLine(const QString& description, Output* output)
     : m_output(output)

@@ -17,14 +17,13 @@
 
 using namespace std::chrono_literals;
 
+namespace zyn::handset {
 namespace {
 
 constexpr auto kAcceptPause = 100ms;
 constexpr auto kPlaceCheck = 5s;
 
 } // namespace
-
-namespace zyn::handset {
 
 CommandServer::CommandServer(const QString& path, int maxConnections, Factory factory)
     : m_maxConnections(maxConnections)

@@ -9,14 +9,13 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace zyn::handset {
 namespace {
 
 /// The end of a line that was cut.
 constexpr char kCut = '~';
 
 } // namespace
-
-namespace zyn::handset {
 
 LineInput::LineInput(qsizetype longestLine)
     : m_longestLine(longestLine)

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace zyn::handset {
 namespace {
 
 constexpr int kFirstFreeDescriptor = 3;
@@ -31,8 +32,6 @@ void silenceStandardOutput()
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 Output::Output()
 {

@@ -9,14 +9,13 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+namespace zyn::handset {
 namespace {
 
 /// Descriptors that are not for clients: files, message channels, the loop's own, the listening socket.
 constexpr int kReservedDescriptors = 32;
 
 } // namespace
-
-namespace zyn::handset {
 
 void openStandardStreams()
 {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstring>
 
+namespace zyn::handset {
 namespace {
 
 using namespace std::chrono_literals;
@@ -40,8 +41,6 @@ bool sendDatagram(QByteArray path, const QByteArray& text)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 void tellServiceManagerReady()
 {

@@ -16,6 +16,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+namespace zyn::handset {
 namespace {
 
 namespace posix = zyn::posix;
@@ -74,8 +75,6 @@ QString reason(const QString& path, int error)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 ServiceSocket::ServiceSocket(const QString& path)
     : m_path(path)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace zyn::handset {
 namespace {
 
 constexpr QLatin1String kGap("  ");
@@ -54,8 +55,6 @@ constexpr qint64 kSecondsPerMinute = 60;
 constexpr qint64 kSecondsPerHour = 3600;
 
 } // namespace
-
-namespace zyn::handset {
 
 QString printable(const QString& text)
 {

@@ -12,6 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
 constexpr QLatin1String kDigits("0123456789*#+");
@@ -63,8 +64,6 @@ QString verdictOn(Meaning meaning)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 void Dialer::press(const QByteArray& key)
 {

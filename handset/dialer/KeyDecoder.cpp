@@ -5,6 +5,7 @@
 
 using namespace std::chrono_literals;
 
+namespace zyn::handset {
 namespace {
 
 constexpr char kEscape = '\x1B';
@@ -30,8 +31,6 @@ bool isWithin(char byte, char first, char last)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 QByteArrayList KeyDecoder::take(char byte)
 {

@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+namespace zyn::handset {
 namespace {
 
 std::optional<termios> terminalSettings()
@@ -19,8 +20,6 @@ std::optional<termios> terminalSettings()
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 KeyInput::KeyInput()
     : m_readable(STDIN_FILENO, QSocketNotifier::Read)

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <optional>
 
+namespace zyn::favourites {
 namespace {
 
 QString madeStoreDirectory()
@@ -19,8 +20,6 @@ QString madeStoreDirectory()
 }
 
 } // namespace
-
-namespace zyn::favourites {
 
 ActivityLogLock::ActivityLogLock()
     : ActivityLogLock(madeStoreDirectory())

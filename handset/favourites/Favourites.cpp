@@ -27,9 +27,8 @@
 
 using Store = ActivityLog_ENG_RecordStore;
 
+namespace zyn::favourites {
 namespace {
-
-using namespace zyn::favourites;
 
 Store& store()
 {
@@ -191,8 +190,6 @@ void learnIndex(const QString& key)
 }
 
 } // namespace
-
-namespace zyn::favourites {
 
 QStringList keys()
 {

@@ -21,8 +21,8 @@
 using namespace std::chrono_literals;
 using zyn::favourites::Change;
 using zyn::favourites::Entries;
-using zyn::handset::log;
 
+namespace zyn::handset {
 namespace {
 
 /// Messages come in bursts; one look serves for a burst.
@@ -149,7 +149,7 @@ void FavouritesOwner::lookInAnyCase()
 
 void FavouritesOwner::takeCalls()
 {
-    const auto calls = zyn::handset::fetchCalls(RC_CALL_CATEGORY_ALL);
+    const auto calls = fetchCalls(RC_CALL_CATEGORY_ALL);
     noteService(calls.has_value());
     if (calls)
         noteFavourites(zyn::favourites::refresh());
@@ -196,7 +196,7 @@ FavouritesOwner::Calls FavouritesOwner::takeCallsOf(const QString& key, const Ca
     if (hasSlots && !zyn::favourites::isSound(key))
         log((zyn::favourites::renew(key) ? QStringLiteral("the file of %1 is made anew")
                                          : QStringLiteral("the file of %1 cannot be made"))
-                .arg(zyn::handset::printable(key)));
+                .arg(printable(key)));
     Entries entries;
     zyn::favourites::readEntries(entries, key); // none from a file that cannot be read, nor can a call be added to it
     const qint64 start = m_blindStarts.value(key, std::numeric_limits<qint64>::min());
@@ -231,3 +231,5 @@ bool FavouritesOwner::takeCall(const QString& key, const PHONE_ENG_RecentCall& c
             .arg(key, isTaken ? QLatin1String("logged") : QLatin1String("tried again later: it cannot be written")));
     return isTaken;
 }
+
+} // namespace zyn::handset

@@ -12,6 +12,8 @@
 
 #include <vector>
 
+namespace zyn::handset {
+
 /**
  * Follows the announcements of the favourites' channel, and takes over the favourites' calls from the call log.
  *
@@ -57,9 +59,11 @@ private:
     PHONE_MsgClient m_phone;
     QTimer m_soon;
     QTimer m_later;
-    zyn::handset::Retry m_retry;
+    Retry m_retry;
     SeenCalls m_seen;
     bool m_isServed = true;               ///< whether the recent-call service answered the last time
     bool m_areRead = true;                ///< whether who the favourites are could be read the last time
     QHash<QString, qint64> m_blindStarts; ///< when the favourites came that came since it does not answer
 };
+
+} // namespace zyn::handset

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <utility>
 
+namespace zyn::handset {
 namespace {
 
 /// More than the call log ever holds.
@@ -45,3 +46,5 @@ bool SeenCalls::replaceBy(std::span<const PHONE_ENG_RecentCall> calls)
     m_isStored = zyn::posix::replaceFile(QFile::encodeName(m_path), image);
     return m_isStored;
 }
+
+} // namespace zyn::handset

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <span>
 
+namespace zyn::handset {
+
 /**
  * The calls that the call log held when it was last looked at, kept in a file.
  *
@@ -46,3 +48,5 @@ private:
 };
 static_assert(offsetof(SeenCalls::Mark, uid) == 0 && offsetof(SeenCalls::Mark, startTime) == 4);
 static_assert(sizeof(SeenCalls::Mark) == 8);
+
+} // namespace zyn::handset

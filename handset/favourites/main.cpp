@@ -35,7 +35,7 @@ int main(int argc, char** argv)
         handset::log(lock.problem());
         return EXIT_FAILURE;
     }
-    FavouritesOwner owner;
+    handset::FavouritesOwner owner;
     if (!owner.isListening())
         return EXIT_FAILURE;
     commandLine.announce(channel);

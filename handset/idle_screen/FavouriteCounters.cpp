@@ -17,6 +17,7 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace zyn::handset {
 namespace {
 
 /// The owner writes several files for one call.
@@ -37,8 +38,6 @@ std::optional<QString> counterText(const QString& key)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 FavouriteCounters::FavouriteCounters(Output& output)
     : m_output(output)

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace zyn::handset {
+
 bool isDialable(const QString& number)
 {
     constexpr qsizetype kLongest = sizeof(PHONE_ENG_RecentCall::phoneNumber) - 1;
@@ -45,3 +47,5 @@ PHONE_ENG_RecentCall Call::record() const
     record.completed = m_course.wasConnected() ? 1 : 0;
     return record;
 }
+
+} // namespace zyn::handset

@@ -7,6 +7,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
 
+namespace zyn::handset {
+
 /// The other party of a call.
 struct Party
 {
@@ -43,3 +45,5 @@ private:
     QElapsedTimer m_talk;
     qint64 m_talked = 0; ///< in milliseconds, of a call that is over
 };
+
+} // namespace zyn::handset

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+namespace zyn::handset {
 namespace {
 
 using enum CallState;
@@ -50,3 +51,5 @@ const char* nameOf(CallState state)
     static_assert(std::size(kNames) == static_cast<size_t>(Missed) + 1);
     return kNames[static_cast<size_t>(state)];
 }
+
+} // namespace zyn::handset

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace zyn::handset {
+
 enum class CallState : uint8_t {
     Dialing,   ///< placed; the network looks for the other party
     Alerting,  ///< the other party's telephone rings
@@ -52,3 +54,5 @@ private:
 
 /// The state's name for people.
 const char* nameOf(CallState state);
+
+} // namespace zyn::handset

@@ -11,8 +11,8 @@
 
 using namespace zyn::voicecall;
 using zyn::CommandFrameHeader;
-using zyn::handset::CommandRow;
 
+namespace zyn::handset {
 namespace {
 
 /// What a client is told of each state; 0 for those that no call of a client comes to.
@@ -112,9 +112,9 @@ void ClientConnection::dialExtension(std::span<const std::byte> data)
 {
     const QString key(QLatin1Char(static_cast<char>(data[0])));
     if (hasCall() && m_line.isConnected() && isDialable(key))
-        zyn::handset::log(QStringLiteral("call %1: extension %2").arg(m_call).arg(key));
+        log(QStringLiteral("call %1: extension %2").arg(m_call).arg(key));
     else
-        zyn::handset::log(QStringLiteral("an extension without a connected call, or of no key: ignored"));
+        log(QStringLiteral("an extension without a connected call, or of no key: ignored"));
 }
 
 void ClientConnection::tell(int id, CallState state)
@@ -122,3 +122,5 @@ void ClientConnection::tell(int id, CallState state)
     if (id == m_call)
         send(kReplies[static_cast<size_t>(state)]);
 }
+
+} // namespace zyn::handset

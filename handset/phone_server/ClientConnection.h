@@ -8,13 +8,15 @@
 
 #include <optional>
 
+namespace zyn::handset {
+
 /**
  * One client: registers, places calls, and is told how they go on.
  *
  * It may be silent for as long as it likes once it has registered. A call does not end with the connection
  * that asked for it.
  */
-class ClientConnection : public zyn::handset::CommandConnection
+class ClientConnection : public CommandConnection
 {
     Q_OBJECT
 
@@ -26,7 +28,7 @@ protected:
     void carryOut(const zyn::CommandFrameHeader& header, std::span<const std::byte> data) override;
 
 private:
-    static const zyn::handset::CommandRow<ClientConnection> kCommands[6];
+    static const CommandRow<ClientConnection> kCommands[6];
 
     void registerClient(std::span<const std::byte> data);
     void unregisterClient(std::span<const std::byte> data);
@@ -43,3 +45,5 @@ private:
     std::optional<int32_t> m_kind; ///< nothing before it has registered
     int m_call = 0;                ///< the last call that it has placed
 };
+
+} // namespace zyn::handset

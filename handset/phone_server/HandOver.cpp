@@ -13,9 +13,9 @@
 #include <utility>
 
 using namespace std::chrono_literals;
-using zyn::handset::log;
 using zyn::posix::Delivery;
 
+namespace zyn::handset {
 namespace {
 
 /// The time in which a service that died is started again.
@@ -159,3 +159,5 @@ void HandOver::tellWaiting()
             log(QStringLiteral("the recent-call service has not taken %1: it waits").arg(describe(item.record)));
     }
 }
+
+} // namespace zyn::handset

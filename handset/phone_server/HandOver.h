@@ -13,6 +13,8 @@
 #include <deque>
 #include <memory>
 
+namespace zyn::handset {
+
 /**
  * Hands calls over in their order, beside everything else: it never waits for the service.
  *
@@ -62,3 +64,5 @@ private:
     bool m_isRefused = false;   ///< whether the last call that was to be sent could not be
     int m_late = 0;             ///< calls that were told, and taken after all
 };
+
+} // namespace zyn::handset

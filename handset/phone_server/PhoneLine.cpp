@@ -4,7 +4,7 @@
 #include "handset/common/Log.h"
 #include "handset/phone_server/Status.h"
 
-using zyn::handset::log;
+namespace zyn::handset {
 
 PhoneLine::PhoneLine(CallPace pace)
     : m_pace(pace)
@@ -133,3 +133,5 @@ void PhoneLine::reportEnd()
     reportChange();
     m_call.reset();
 }
+
+} // namespace zyn::handset

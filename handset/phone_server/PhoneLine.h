@@ -10,6 +10,8 @@
 #include <chrono>
 #include <optional>
 
+namespace zyn::handset {
+
 /// How fast the world around the handset is.
 struct CallPace
 {
@@ -83,3 +85,5 @@ private:
     QTimer m_next;
     HandOver m_handOver;
 };
+
+} // namespace zyn::handset

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <iterator>
 
-using zyn::handset::log;
+namespace zyn::handset {
 
 struct PhoneRequests::Request
 {
@@ -76,3 +76,5 @@ void PhoneRequests::reportTotals(int32_t /*unused*/)
     reportStatus(PHONE_MSG_TOTAL_DATA_BYTES_S, {0, 0, 0, 0});
     reportStatus(PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {m_line.isConnected() ? 1 : 0, m_line.totalSeconds()});
 }
+
+} // namespace zyn::handset

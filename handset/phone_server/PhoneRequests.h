@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace zyn::handset {
+
 class PhoneLine;
 
 /// Listens to the phone channel, and answers each request with its status messages.
@@ -28,3 +30,5 @@ private:
 
     PhoneLine& m_line;
 };
+
+} // namespace zyn::handset

@@ -6,6 +6,8 @@
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
+namespace zyn::handset {
+
 PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
     : m_line(pace)
     , m_prefix(prefix)
@@ -49,3 +51,5 @@ void PhoneServer::dropCall()
     if (m_line.current() && !m_line.current()->isPtt())
         m_line.hangUp();
 }
+
+} // namespace zyn::handset

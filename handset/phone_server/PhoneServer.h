@@ -10,6 +10,8 @@
 #include <chrono>
 #include <optional>
 
+namespace zyn::handset {
+
 /// Places the calls that others ask for, over the socket and over the message channels, on one line.
 class PhoneServer
 {
@@ -41,5 +43,7 @@ private:
     std::optional<PHONE_VoiceCallReceiver> m_voiceCallRequests;
     std::optional<PttRequests> m_pttRequests;
     std::optional<PhoneRequests> m_phoneRequests;
-    zyn::handset::CommandServer m_clients;
+    CommandServer m_clients;
 };
+
+} // namespace zyn::handset

@@ -8,6 +8,7 @@
 
 #include <optional>
 
+namespace zyn::handset {
 namespace {
 
 /// The first party of the request @p data, nothing when it is not whole.
@@ -47,7 +48,7 @@ void PttRequests::makeCall(const QByteArray& data)
     if (const auto party = firstParty(data))
         m_line.place(*party, RC_CALL_TYPE_PTT1);
     else
-        zyn::handset::log(QStringLiteral("a request for a push-to-talk call is not whole: ignored"));
+        log(QStringLiteral("a request for a push-to-talk call is not whole: ignored"));
 }
 
 void PttRequests::dropCall()
@@ -55,3 +56,5 @@ void PttRequests::dropCall()
     if (m_line.current() && m_line.current()->isPtt())
         m_line.hangUp();
 }
+
+} // namespace zyn::handset

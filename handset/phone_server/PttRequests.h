@@ -3,6 +3,8 @@
 
 #include "platform/QCopChannel.h"
 
+namespace zyn::handset {
+
 class PhoneLine;
 
 /// Listens to the push-to-talk channel, and starts and ends push-to-talk calls; the first party is the one
@@ -22,3 +24,5 @@ private:
 
     PhoneLine& m_line;
 };
+
+} // namespace zyn::handset

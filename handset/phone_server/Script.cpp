@@ -15,8 +15,7 @@
 #include <iterator>
 #include <limits>
 
-using zyn::handset::log;
-
+namespace zyn::handset {
 namespace {
 
 constexpr qsizetype kLargestScript = qsizetype{1024} * 1024;
@@ -145,3 +144,5 @@ QString scriptHelp()
                             "written in hexadecimal digits, with zeros behind what is written. Lines that "
                             "begin with \"#\" are comments.");
 }
+
+} // namespace zyn::handset

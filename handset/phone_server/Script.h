@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+namespace zyn::handset {
+
 class PhoneLine;
 
 /// One thing that happens.
@@ -35,3 +37,5 @@ void runScriptStep(const ScriptStep& step, PhoneLine& line);
 
 /// How a script is written, with the names of all messages.
 QString scriptHelp();
+
+} // namespace zyn::handset

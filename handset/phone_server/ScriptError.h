@@ -3,8 +3,12 @@
 
 #include <QtCore/QString>
 
+namespace zyn::handset {
+
 /// Thrown while a line is read, and caught where its number is known.
 struct ScriptError
 {
     QString text;
 };
+
+} // namespace zyn::handset

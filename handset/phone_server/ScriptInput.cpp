@@ -1,6 +1,7 @@
 // Lets happen what is typed.
 #include "handset/phone_server/ScriptInput.h"
 
+namespace zyn::handset {
 namespace {
 
 /// Status messages hold records, of which each byte is two digits.
@@ -14,7 +15,7 @@ ScriptInput::ScriptInput(PhoneLine& line)
 {
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);
-    connect(&m_input, &zyn::handset::LineInput::entered, this, &ScriptInput::take);
+    connect(&m_input, &LineInput::entered, this, &ScriptInput::take);
     connect(&m_next, &QTimer::timeout, this, &ScriptInput::runStep);
 }
 
@@ -40,3 +41,5 @@ void ScriptInput::runStep()
     runScriptStep(*m_step, m_line);
     m_input.ask();
 }
+
+} // namespace zyn::handset

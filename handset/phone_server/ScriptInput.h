@@ -7,6 +7,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
+namespace zyn::handset {
+
 /// Plays the lines of standard input as they come. A line that is wrong is told in the log and left out.
 class ScriptInput : public QObject
 {
@@ -23,8 +25,10 @@ private:
     void runStep();
 
     PhoneLine& m_line;
-    zyn::handset::LineInput m_input;
+    LineInput m_input;
     int m_lineNumber = 0;
     std::optional<ScriptStep> m_step; ///< the one that waits for its time
     QTimer m_next;
 };
+
+} // namespace zyn::handset

@@ -10,9 +10,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace zyn::handset {
 namespace {
-
-using namespace zyn;
 
 template<typename Number>
 int numberAs(const QString& word)
@@ -105,3 +104,5 @@ QString scriptMessagesHelp()
     }
     return help;
 }
+
+} // namespace zyn::handset

@@ -7,6 +7,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+namespace zyn::handset {
+
 /// The status message of that name for people; a ScriptError when there is none.
 const zyn::PhoneMessage& scriptMessage(const QString& name);
 
@@ -15,3 +17,5 @@ QByteArray scriptPayload(const zyn::PhoneMessage& message, const QStringList& va
 
 /// A line for each status message: its name and its fields.
 QString scriptMessagesHelp();
+
+} // namespace zyn::handset

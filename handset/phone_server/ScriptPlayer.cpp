@@ -3,7 +3,7 @@
 
 #include "handset/common/Log.h"
 
-using zyn::handset::log;
+namespace zyn::handset {
 
 ScriptPlayer::ScriptPlayer(Script script, PhoneLine& line)
     : m_script(std::move(script))
@@ -27,3 +27,5 @@ void ScriptPlayer::runNext()
     runScriptStep(m_script[m_position++], m_line);
     waitForNext();
 }
+
+} // namespace zyn::handset

@@ -6,6 +6,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
+namespace zyn::handset {
+
 /// Plays one script, once.
 class ScriptPlayer : public QObject
 {
@@ -26,3 +28,5 @@ private:
     size_t m_position = 0;
     QTimer m_next;
 };
+
+} // namespace zyn::handset

@@ -4,6 +4,8 @@
 #include "handset/common/Text.h"
 #include "handset/phone_server/ScriptError.h"
 
+namespace zyn::handset {
+
 QStringList scriptWords(const QString& line)
 {
     QStringList words;
@@ -30,9 +32,11 @@ QStringList scriptWords(const QString& line)
 
 int scriptNumber(const QString& word, int lowest, int highest)
 {
-    const std::optional<int> number = zyn::handset::wholeNumber(word);
+    const std::optional<int> number = wholeNumber(word);
     if (!number || *number < lowest || *number > highest)
         throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
                               .arg(word, QString::number(lowest), QString::number(highest))};
     return *number;
 }
+
+} // namespace zyn::handset

@@ -6,11 +6,13 @@
 #include "utility/PHONE_MsgName_p.h"
 #include "utility/PHONE_Payload_p.h"
 
+namespace zyn::handset {
+
 void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, const QByteArray& payload)
 {
     const QCString message = zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
     if (!QCopChannel::send(zyn::kPhoneChannel, message, payload))
-        zyn::handset::log(QStringLiteral("somebody missed %1").arg(QString::fromLatin1(message)));
+        log(QStringLiteral("somebody missed %1").arg(QString::fromLatin1(message)));
 }
 
 void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<int32_t> numbers)
@@ -20,3 +22,5 @@ void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<int32_
         writer.writeInt(number);
     reportStatus(type, writer.payload());
 }
+
+} // namespace zyn::handset

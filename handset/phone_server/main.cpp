@@ -34,7 +34,7 @@ QString description()
                           "standard error.\n\n%2")
         .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/')
                  + QLatin1String(zyn::voicecall::kSocketName),
-             scriptHelp());
+             handset::scriptHelp());
 }
 
 void addOptions(handset::CommandLine& commandLine)
@@ -62,15 +62,15 @@ void addOptions(handset::CommandLine& commandLine)
 }
 
 /// The script that the command line names, or an empty one; nothing when it is not right.
-std::optional<Script> scriptOf(const handset::CommandLine& commandLine)
+std::optional<handset::Script> scriptOf(const handset::CommandLine& commandLine)
 {
     const QString path = commandLine.value(kScript);
-    return !commandLine.isSet(kScript) || path == kStandardInput ? Script() : readScript(path);
+    return !commandLine.isSet(kScript) || path == kStandardInput ? handset::Script() : handset::readScript(path);
 }
 
 bool hasPrefix(const handset::CommandLine& commandLine)
 {
-    if (isDialable(commandLine.value(kPrefix)))
+    if (handset::isDialable(commandLine.value(kPrefix)))
         return true;
     handset::log(QStringLiteral("--prefix is a number to dial"));
     return false;
@@ -95,12 +95,13 @@ int main(int argc, char** argv)
     if (!script)
         return handset::kUsageError;
 
-    const CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
-    PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience), handset::raiseClientLimit());
+    const handset::CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
+    handset::PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience),
+                                handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;
-    ScriptPlayer player(*script, server.line());
-    ScriptInput input(server.line());
+    handset::ScriptPlayer player(*script, server.line());
+    handset::ScriptInput input(server.line());
     commandLine.announce(zyn::voicecall::socketPath());
     player.start();
     if (commandLine.value(kScript) == kStandardInput)

@@ -5,13 +5,12 @@
 
 #include <QtCore/QTimeZone>
 
+namespace zyn::handset {
 namespace {
 
 constexpr int kMillisecondsPerSecond = 1000;
 
 } // namespace
-
-namespace zyn::handset {
 
 RC_MissedCallList MissedCallEngine::getUnreadMissedCallList()
 {

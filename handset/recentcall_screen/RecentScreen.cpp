@@ -13,9 +13,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
-using namespace zyn::handset;
 using Call = PHONE_ENG_RecentCall;
 
 /// The calls of @p page; nothing, and told in the log, when they cannot be had.
@@ -57,8 +57,6 @@ QStringList numbersOf(const std::vector<Call>& calls)
 }
 
 } // namespace
-
-namespace zyn::handset {
 
 RecentScreen::RecentScreen(Output& output, NumberPicker& picker)
     : m_output(output)

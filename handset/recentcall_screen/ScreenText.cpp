@@ -6,9 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
-using namespace zyn::handset;
 using Call = PHONE_ENG_RecentCall;
 
 QString listText(const Call& call)
@@ -31,8 +31,6 @@ constexpr struct
 };
 
 } // namespace
-
-namespace zyn::handset {
 
 QString pageText(const ScreenPage& page, const std::vector<Call>& calls)
 {

@@ -4,8 +4,12 @@
 #include "handset/common/Log.h"
 #include "recentcall/utility/RecentCall_Msg.h"
 
+namespace zyn::handset {
+
 void announceMissedCalls()
 {
     if (!RecentCall_Msg::send(RecentCall_Msg::RECENTCALL_MSG_MISSEDCALL_UPDATE_S))
-        zyn::handset::log(QStringLiteral("a change of the missed calls could not be announced"));
+        log(QStringLiteral("a change of the missed calls could not be announced"));
 }
+
+} // namespace zyn::handset

@@ -17,8 +17,7 @@
 #include <tuple>
 #include <utility>
 
-using zyn::handset::log;
-
+namespace zyn::handset {
 namespace {
 
 using Call = PHONE_ENG_RecentCall;
@@ -185,3 +184,5 @@ bool CallFile::writeSlot(int slot, const Call& record)
     m_image.replace(static_cast<qsizetype>(zyn::recordOffset(slot)), qsizetype{sizeof record}, zyn::bytesOf(record));
     return true;
 }
+
+} // namespace zyn::handset

@@ -8,6 +8,8 @@
 
 #include <vector>
 
+namespace zyn::handset {
+
 /**
  * The calls of one list on disk, in all slots of the file, whatever the list's limit.
  *
@@ -66,3 +68,5 @@ private:
 
 /// Whether @p call is newer than @p other; of calls with the same uid, the one that began later is.
 bool isNewer(const PHONE_ENG_RecentCall& call, const PHONE_ENG_RecentCall& other);
+
+} // namespace zyn::handset

@@ -7,9 +7,9 @@
 
 #include <algorithm>
 
-namespace rc = zyn::recentcall;
-using zyn::handset::log;
+namespace zyn::handset {
 
+namespace rc = zyn::recentcall;
 namespace {
 
 using Call = PHONE_ENG_RecentCall;
@@ -355,3 +355,5 @@ void CallLog::noteChange(RC_CALL_CATEGORY_T category)
 {
     m_hasMissedChange |= category == RC_CALL_CATEGORY_MISSED;
 }
+
+} // namespace zyn::handset

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+namespace zyn::handset {
+
 /**
  * The answered, missed and dialed calls, in the files of the record store.
  *
@@ -87,3 +89,5 @@ private:
     zyn::RenumberedCalls m_renumbered; ///< the last time; clients may still name these by their old uids
     bool m_hasMissedChange = false;
 };
+
+} // namespace zyn::handset

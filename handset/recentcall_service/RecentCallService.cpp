@@ -5,6 +5,8 @@
 #include "handset/recentcall_service/ServiceConnection.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 
+namespace zyn::handset {
+
 RecentCallService::RecentCallService(std::chrono::milliseconds patience, int maxConnections)
     : m_server(socketPath(), maxConnections, [this, patience](zyn::posix::UniqueFd socket) {
         return new ServiceConnection(std::move(socket), *m_calls, patience);
@@ -29,3 +31,5 @@ bool RecentCallService::listen()
     announceMissedCalls();
     return true;
 }
+
+} // namespace zyn::handset

@@ -9,6 +9,8 @@
 #include <chrono>
 #include <optional>
 
+namespace zyn::handset {
+
 /**
  * Listens on the recent-call socket and serves its clients from one call log.
  *
@@ -32,5 +34,7 @@ public:
 
 private:
     std::optional<CallLog> m_calls;
-    zyn::handset::CommandServer m_server;
+    CommandServer m_server;
 };
+
+} // namespace zyn::handset

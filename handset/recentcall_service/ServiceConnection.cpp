@@ -7,11 +7,11 @@
 
 #include <iterator>
 
+namespace zyn::handset {
+
 namespace rc = zyn::recentcall;
 using zyn::CommandFrameHeader;
 using zyn::toPlain;
-using zyn::handset::CommandRow;
-
 const CommandRow<ServiceConnection> ServiceConnection::kCommands[] = {
     {zyn::kGreetingCommand, sizeof(int32_t), &ServiceConnection::greet},
     {rc::ListRecords, sizeof(rc::Selection), &ServiceConnection::list},
@@ -81,3 +81,5 @@ void ServiceConnection::markRead(std::span<const std::byte> data)
 {
     send(m_calls.markRead(toPlain<PHONE_ENG_RecentCall>(data)));
 }
+
+} // namespace zyn::handset

@@ -4,9 +4,11 @@
 #include "handset/common/CommandConnection.h"
 #include "handset/recentcall_service/CallLog.h"
 
+namespace zyn::handset {
+
 /// One client: turns what it sends into commands for the call log, and sends the answers. Every command that changes
 /// the missed calls is announced to the handset.
-class ServiceConnection : public zyn::handset::CommandConnection
+class ServiceConnection : public CommandConnection
 {
     Q_OBJECT
 
@@ -18,7 +20,7 @@ protected:
     void carryOut(const zyn::CommandFrameHeader& header, std::span<const std::byte> data) override;
 
 private:
-    static const zyn::handset::CommandRow<ServiceConnection> kCommands[6];
+    static const CommandRow<ServiceConnection> kCommands[6];
 
     void greet(std::span<const std::byte> data);
     void list(std::span<const std::byte> data);
@@ -30,3 +32,5 @@ private:
     CallLog& m_calls;
     bool m_isGreeted = false;
 };
+
+} // namespace zyn::handset

@@ -28,16 +28,16 @@ int main(int argc, char** argv)
     const QString patience = QStringLiteral("patience");
     handset::CommandLine commandLine(QStringLiteral("Keeps the log of recent calls and answers its socket,\n%1.\n"
                                                     "Ends on SIGTERM and SIGINT. Messages go to standard error.")
-                                         .arg(RecentCallService::socketPath()));
+                                         .arg(handset::RecentCallService::socketPath()));
     commandLine.addTime(patience,
                         QStringLiteral("Drop a client that sends no whole command, or does not take its "
                                        "answer, for this many milliseconds (%1)."),
                         kDefaultPatience);
     if (!commandLine.parse())
         return handset::kUsageError;
-    RecentCallService service(commandLine.time(patience), handset::raiseClientLimit());
+    handset::RecentCallService service(commandLine.time(patience), handset::raiseClientLimit());
     if (!service.listen())
         return EXIT_FAILURE;
-    commandLine.announce(RecentCallService::socketPath());
+    commandLine.announce(handset::RecentCallService::socketPath());
     return QCoreApplication::exec();
 }

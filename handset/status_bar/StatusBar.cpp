@@ -9,9 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
-using namespace zyn::handset;
 using Relay = PHONE_AsyncMsgReceiver;
 
 constexpr int kNameWidth = 28;
@@ -62,8 +62,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::handset {
 
 void showStatus(Relay& relay, Output& output)
 {

@@ -11,6 +11,7 @@
 
 #include <sys/inotify.h>
 
+namespace zyn::posix {
 namespace {
 
 constexpr uint32_t kMoves = IN_MOVE_SELF | IN_DELETE_SELF;
@@ -20,8 +21,6 @@ constexpr uint32_t kDirectoryEvents = kMoves | IN_MOVED_TO | IN_MOVED_FROM | IN_
 constexpr uint32_t kFileEvents = kMoves | IN_ATTRIB | IN_DONT_FOLLOW;
 
 } // namespace
-
-namespace zyn::posix {
 
 DirectoryWatch::DirectoryWatch()
     : m_fd([] { return UniqueFd(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)); })

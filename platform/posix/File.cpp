@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace zyn::posix {
 namespace {
 
 constexpr mode_t kLockFileMode = 0600;
@@ -34,8 +35,6 @@ bool isNoFile(const QByteArray& path)
 }
 
 } // namespace
-
-namespace zyn::posix {
 
 UniqueFd openForReading(const QByteArray& path)
 {

@@ -10,6 +10,7 @@
 #include <pthread.h>
 #include <sys/resource.h>
 
+namespace zyn::posix {
 namespace {
 
 struct Registry
@@ -55,8 +56,6 @@ Registry::Registry()
 }
 
 } // namespace
-
-namespace zyn::posix {
 
 unsigned forkGeneration()
 {

@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace zyn::posix {
 namespace {
 
 constexpr mode_t kOwnerOnly = 0700;
@@ -31,8 +32,6 @@ bool isOfType(int directory, const dirent& entry, mode_t type)
 }
 
 } // namespace
-
-namespace zyn::posix {
 
 UniqueFd openPrivateDirectory(int parent, const QByteArray& name)
 {

@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace zyn::posix {
 namespace {
 
 using namespace std::chrono;
@@ -34,8 +35,6 @@ bool isPassing()
 }
 
 } // namespace
-
-namespace zyn::posix {
 
 iovec toIovec(std::span<const std::byte> bytes)
 {

@@ -19,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace zyn {
 namespace {
 
 /// Well below the longest file name, which is 255 bytes.
@@ -56,8 +57,6 @@ QByteArray cleanPath(const QByteArray& path)
 }
 
 } // namespace
-
-namespace zyn {
 
 ChannelEnvironment ChannelEnvironment::current()
 {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+namespace zyn {
 namespace {
 
 /// How much is read at once: it bounds what one listener does before others have their turn.
@@ -26,8 +27,6 @@ bool isMessageSize(uint64_t nameSize, uint64_t dataSize)
 }
 
 } // namespace
-
-namespace zyn {
 
 ChannelFrame::ChannelFrame(QByteArrayView name, QByteArrayView data)
     : m_name(name)

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <utility>
 
+namespace zyn {
 namespace {
 
 /// How long a process without a free descriptor waits before it accepts again.
@@ -22,8 +23,6 @@ constexpr std::chrono::milliseconds kAcceptPause{100};
 constexpr int kAttempts = 8;
 
 } // namespace
-
-namespace zyn {
 
 ChannelListener::ChannelListener(const QCString& name, QCopChannel& channel)
     : QObject(&channel)

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 
+namespace zyn {
 namespace {
 
 /// How much is gathered before it is written: large writes stop paying off beyond it.
@@ -19,8 +20,6 @@ constexpr qsizetype kIdleQueue = 4 * kGatherSize;
 constexpr std::chrono::milliseconds kRetryInterval{20};
 
 } // namespace
-
-namespace zyn {
 
 ChannelPeer::ChannelPeer(const QByteArray& root, const QCString& channel, const QByteArray& name,
                          ChannelConnections& all)

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <utility>
 
+namespace zyn {
 namespace {
 
 /// How many messages of one turn are written at once. What is gathered is late when the turn takes long, and lost when
@@ -15,8 +16,6 @@ namespace {
 constexpr unsigned kAtOnce = 16;
 
 } // namespace
-
-namespace zyn {
 
 ChannelPeers::ChannelPeers(const QByteArray& root, const QCString& channel, posix::DirectoryWatch& watch,
                            ChannelConnections& connections)

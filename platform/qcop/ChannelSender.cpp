@@ -10,6 +10,7 @@
 
 #include <poll.h>
 
+namespace zyn {
 namespace {
 
 /// How often a sender that drains looks after listeners that accept no connection, which poll() cannot wait
@@ -26,8 +27,6 @@ constexpr int kCandidates = 4;
 constexpr size_t kFlushedWithOthers = 16;
 
 } // namespace
-
-namespace zyn {
 
 ChannelSender::Channel::Channel(ChannelSender& sender, std::list<Place>::iterator place)
     : recent(place)

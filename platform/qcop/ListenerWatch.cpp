@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+namespace zyn {
 namespace {
 
 /// How soon a listener that could not register tries again, and how seldom in the end.
@@ -14,8 +15,6 @@ constexpr std::chrono::milliseconds kFirstPause{10};
 constexpr std::chrono::milliseconds kLastPause{1000};
 
 } // namespace
-
-namespace zyn {
 
 ListenerWatch& ListenerWatch::ofThisThread()
 {

@@ -12,6 +12,7 @@
 
 #include <pthread.h>
 
+namespace zyn {
 namespace {
 
 using zyn::ChannelSender;
@@ -118,8 +119,6 @@ ChannelSender& threadSender()
 }
 
 } // namespace
-
-namespace zyn {
 
 bool sendFromThisThread(const QCString& channel, const ChannelFrame& frame)
 {

@@ -6,6 +6,7 @@
 
 using Call = PHONE_ENG_RecentCall;
 
+namespace zyn {
 namespace {
 
 bool isHigh(int32_t uid)
@@ -14,8 +15,6 @@ bool isHigh(int32_t uid)
 }
 
 } // namespace
-
-namespace zyn {
 
 RenumberedCalls lowerUids(std::vector<Call> calls, int32_t wanted, int32_t given)
 {

@@ -8,6 +8,7 @@
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
+namespace zyn::recentcall {
 namespace {
 
 constexpr int kReceiveBufferSize = 10'240;
@@ -21,8 +22,6 @@ QByteArray frame(int32_t code, QByteArrayView data)
 }
 
 } // namespace
-
-namespace zyn::recentcall {
 
 posix::UniqueFd connectToService()
 {

@@ -16,6 +16,7 @@
 
 using zyn::CreateResult;
 
+namespace zyn {
 namespace {
 
 /// What is known of a store file. One that could not be looked into may be sound, and full of calls.
@@ -123,8 +124,6 @@ bool replaceInvalidFile(zyn::posix::UniqueFd invalid, const QByteArray& contents
 }
 
 } // namespace
-
-namespace zyn {
 
 bool isStoreFile(const QByteArray& path, qint64 size)
 {

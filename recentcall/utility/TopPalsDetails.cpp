@@ -18,6 +18,7 @@
 
 using zyn::posix::UniqueFd;
 
+namespace zyn {
 namespace {
 
 QString detailsPath()
@@ -59,8 +60,6 @@ bool load(zyn::TopPalsDetails& places, const QString& path)
 }
 
 } // namespace
-
-namespace zyn {
 
 QLatin1String numberOf(const TopPalNumberDetail& place)
 {

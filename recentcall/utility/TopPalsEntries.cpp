@@ -15,6 +15,7 @@
 #include <span>
 #include <utility>
 
+namespace zyn {
 namespace {
 
 bool writeSlot(int fd, int slot, const PHONE_ENG_ActivityLog& record)
@@ -23,8 +24,6 @@ bool writeSlot(int fd, int slot, const PHONE_ENG_ActivityLog& record)
 }
 
 } // namespace
-
-namespace zyn {
 
 bool modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& record, int slots)
 {

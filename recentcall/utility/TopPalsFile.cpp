@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace zyn {
 namespace {
 
 /// The lines about the two kinds of files differ in these texts.
@@ -62,8 +63,6 @@ QByteArray freshFile(QByteArrayView item, int count)
 }
 
 } // namespace
-
-namespace zyn {
 
 QString topPalsPath(const QString& name)
 {

@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <span>
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr size_t kLeastFolded = 3;
 constexpr size_t kLeastFoldedAcross = 20;
@@ -79,8 +78,6 @@ void addLane(const Messages& messages, qsizetype lane, Places places, std::vecto
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages)
 {

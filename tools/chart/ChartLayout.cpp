@@ -6,9 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using namespace zyn::tool::chart;
 
 constexpr int kFirstHeads = 96;
@@ -76,8 +76,6 @@ size_t lastBefore(size_t place, const ChartRun& run)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock)
 {

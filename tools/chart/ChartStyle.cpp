@@ -6,6 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 /// The colour of a lane on light and on dark ground; each is told from its neighbours by people who see fewer colours,
@@ -70,8 +71,6 @@ QString laneRules(qsizetype lanes, const char* LaneColor::*color)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString chartStyle(qsizetype lanes)
 {

@@ -3,16 +3,16 @@
 
 #include "tools/chart/ChartLayout.h"
 #include "tools/chart/ChartStyle.h"
-#include "tools/zynphone/Counted.h"
 #include "tools/chart/SvgWriter.h"
+#include "tools/zynphone/Counted.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using namespace zyn::tool::chart;
 
 constexpr int kDotRadius = 3;
@@ -198,8 +198,6 @@ void Drawing::drawBadge(const QString& badge, int right, int baseline)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title)
 {

@@ -1,19 +1,18 @@
 // The texts of a chart: what they say, and how much room they take.
 #include "tools/chart/ChartText.h"
 
+#include "tools/recording/MessageFields.h"
 #include "tools/zynphone/Counted.h"
 #include "tools/zynphone/Elided.h"
 #include "tools/zynphone/HexText.h"
-#include "tools/recording/MessageFields.h"
 
 #include <algorithm>
 #include <span>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr qint64 kSecond = 1000;
 constexpr qint64 kMinute = 60 * kSecond;
@@ -86,8 +85,6 @@ QString twoDigits(qint64 number)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 ChartClock::ChartClock(qint64 longest)
     : m_hasMinutes(longest >= kMinute)
@@ -202,7 +199,7 @@ int boldWidth(const QString& text, int size)
 {
     int width = 0;
     for (const QChar character : text)
-        width += ::boldWidth(character);
+        width += boldWidth(character);
     return (width * size + 99) / 100;
 }
 

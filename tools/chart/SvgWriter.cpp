@@ -3,6 +3,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr char kTitleId[] = "chart-title";
@@ -19,8 +20,6 @@ QString latin1(const char* text)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 SvgWriter::SvgWriter()
     : m_xml(&m_svg)

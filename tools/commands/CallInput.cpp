@@ -1,16 +1,16 @@
 // A new call, as a command line describes it.
 #include "tools/commands/CallInput.h"
 
-#include "tools/zynphone/CallText.h"
 #include "tools/interchange/FieldText.h"
+#include "tools/zynphone/CallText.h"
 
 #include <QtCore/QDateTime>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 constexpr qsizetype kNumberLimit = sizeof Call::phoneNumber - 1;
@@ -49,8 +49,6 @@ void setSession(Call& record, const QString& session)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString callNumber(const QString& text)
 {

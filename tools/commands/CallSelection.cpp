@@ -8,13 +8,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr QLatin1String kAllTypes("all");
 
 } // namespace
-
-namespace zyn::tool {
 
 QCommandLineOption listOption()
 {

@@ -5,20 +5,20 @@
 #include "recentcall/utility/RC_Interface.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/CallSelection.h"
-#include "tools/zynphone/CallText.h"
-#include "tools/zynphone/Console.h"
 #include "tools/commands/ExportCommand.h"
 #include "tools/commands/ImportCommand.h"
 #include "tools/commands/SeedCommand.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
 #include "tools/zynphone/ServiceError.h"
 
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 constexpr int kNoSuchCall = 1; // of RC_Interface
@@ -130,8 +130,6 @@ Command lastDialedRow()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command callsCommand()
 {

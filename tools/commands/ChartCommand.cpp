@@ -2,17 +2,16 @@
 #include "tools/commands/ChartCommand.h"
 
 #include "tools/chart/ChartSvg.h"
+#include "tools/recording/Recording.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/OutputFile.h"
-#include "tools/recording/Recording.h"
 
 #include <QtCore/QFileInfo>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr char kStandardOutput[] = "-";
 constexpr qsizetype kMostChannels = 64;
@@ -38,8 +37,6 @@ ExitCode drawChart(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command chartCommand()
 {

@@ -6,9 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 ExitCode printBashScript(const Invocation& /*call*/, Console& console)
 {
@@ -22,8 +21,6 @@ complete -o default -F _zynphone zynphone
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command completionCommand()
 {

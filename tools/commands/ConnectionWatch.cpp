@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 
+namespace zyn::tool {
 namespace {
 
 constexpr int kNoSocket = -1;
@@ -44,8 +45,6 @@ std::optional<ino_t> inodeOf(int fd)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 ConnectionWatch::ConnectionWatch(const char* socketName)
     : m_socket(findConnection(socketName))

@@ -2,8 +2,8 @@
 #include "tools/commands/DialCommand.h"
 
 #include "tools/commands/CallInput.h"
-#include "tools/zynphone/Console.h"
 #include "tools/commands/SendCommand.h"
+#include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallSender.h"
@@ -12,9 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// Where the entry points that take no line place their calls.
 
@@ -98,8 +97,6 @@ ExitCode hangUp(const Invocation& /*call*/, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command dialCommand()
 {

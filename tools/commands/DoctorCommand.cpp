@@ -1,20 +1,20 @@
 // zynphone doctor: why nothing arrives.
 #include "tools/commands/DoctorCommand.h"
 
+#include "tools/doctor/Checks.h"
 #include "tools/zynphone/Colour.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Counted.h"
 #include "tools/zynphone/Table.h"
-#include "tools/doctor/Checks.h"
 
 #include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using namespace zyn::tool::doctor;
 
 struct Check
@@ -97,8 +97,6 @@ ExitCode examine(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command doctorCommand()
 {

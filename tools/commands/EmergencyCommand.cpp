@@ -15,10 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
 
 /// A control code, and the state that allows or forbids it now.
 struct Code
@@ -152,8 +150,6 @@ ExitCode writeNumbers(const Invocation& call, Console& /*console*/)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command emergencyCommand()
 {

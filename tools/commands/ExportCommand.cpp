@@ -2,15 +2,14 @@
 #include "tools/commands/ExportCommand.h"
 
 #include "recentcall/utility/PlainBytes_p.h"
-#include "tools/interchange/CallFields.h"
 #include "tools/commands/CallSelection.h"
+#include "tools/interchange/CallFields.h"
 #include "tools/interchange/RecordsFile.h"
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 ExitCode exportCalls(const Invocation& call, Console& console)
 {
@@ -30,8 +29,6 @@ QMap<QString, QStringList> allWords()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command exportRow()
 {

@@ -3,12 +3,12 @@
 
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
-#include "tools/zynphone/ActivityText.h"
 #include "tools/commands/CallInput.h"
-#include "tools/zynphone/Console.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/FavouritesFileCommand.h"
 #include "tools/commands/SendCommand.h"
+#include "tools/zynphone/ActivityText.h"
+#include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
 #include <array>
@@ -17,9 +17,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 namespace favourites = zyn::favourites;
 using Entry = PHONE_ENG_ActivityLog;
 
@@ -159,8 +159,6 @@ Command announceRow()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command favouritesCommand()
 {

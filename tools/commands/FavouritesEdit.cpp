@@ -6,18 +6,18 @@
 #include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
 #include "tools/commands/CallInput.h"
-#include "tools/zynphone/CallText.h"
-#include "tools/zynphone/Console.h"
 #include "tools/commands/FavouritesOwnership.h"
 #include "tools/interchange/FieldText.h"
+#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Console.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 namespace favourites = zyn::favourites;
 using favourites::Change;
 using Entry = PHONE_ENG_ActivityLog;
@@ -101,8 +101,6 @@ ExitCode remove(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Argument favouriteArgument()
 {

@@ -4,22 +4,22 @@
 #include "handset/favourites/Favourites.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
-#include "tools/zynphone/Console.h"
-#include "tools/store/ContactFileCheck.h"
-#include "tools/zynphone/Counted.h"
-#include "tools/interchange/FavouriteFields.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/FavouritesOwnership.h"
+#include "tools/interchange/FavouriteFields.h"
 #include "tools/interchange/RecordsFile.h"
+#include "tools/store/ContactFileCheck.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Counted.h"
 
 #include <algorithm>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 namespace favourites = zyn::favourites;
 using Entry = PHONE_ENG_ActivityLog;
 using Records = std::vector<QByteArray>;
@@ -150,8 +150,6 @@ ExitCode importFavourites(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command favouritesExportRow()
 {

@@ -10,9 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::readState;
 using zyn::handset::State;
 
@@ -76,8 +76,6 @@ ExitCode setStates(const Invocation& call, Console& /*console*/)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command handsetCommand()
 {

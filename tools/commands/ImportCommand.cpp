@@ -2,17 +2,17 @@
 #include "tools/commands/ImportCommand.h"
 
 #include "recentcall/utility/PlainBytes_p.h"
-#include "tools/interchange/CallFields.h"
 #include "tools/commands/CallSending.h"
+#include "tools/interchange/CallFields.h"
+#include "tools/interchange/RecordsFile.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Counted.h"
-#include "tools/interchange/RecordsFile.h"
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 Call callOf(const QByteArray& record)
@@ -34,8 +34,6 @@ ExitCode importCalls(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command importRow()
 {

@@ -2,13 +2,13 @@
 #include "tools/commands/InspectCommand.h"
 
 #include "platform/posix/File_p.h"
-#include "tools/zynphone/Console.h"
+#include "tools/commands/StoreInspection.h"
 #include "tools/store/ContactFileCheck.h"
 #include "tools/store/FavouritesFileCheck.h"
 #include "tools/store/Findings.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
-#include "tools/commands/StoreInspection.h"
+#include "tools/zynphone/Console.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -18,9 +18,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
 /// come last: their size may be that of a contact's file, too.
@@ -97,8 +96,6 @@ ExitCode inspect(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command inspectCommand()
 {

@@ -6,9 +6,9 @@
 #include "handset/recent_calls/MissedCallEngine.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tools/commands/SendCommand.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
-#include "tools/commands/SendCommand.h"
 #include "tools/zynphone/ServiceError.h"
 #include "tools/zynphone/TimeLimit.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -21,9 +21,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::Coalescing;
 using zyn::handset::MissedCallEngine;
 
@@ -123,8 +123,6 @@ ExitCode showMissed(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command missedCommand()
 {

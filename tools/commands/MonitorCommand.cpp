@@ -4,9 +4,9 @@
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
 #include "tools/commands/Channels.h"
-#include "tools/zynphone/Console.h"
 #include "tools/recording/MessageText.h"
 #include "tools/recording/RecordingWriter.h"
+#include "tools/zynphone/Console.h"
 #include "tools/zynphone/TimeLimit.h"
 
 #include <QtCore/QCoreApplication>
@@ -17,9 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 QStringList channelsFrom(const Invocation& call)
 {
@@ -127,8 +126,6 @@ ExitCode monitorChannels(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command monitorCommand()
 {

@@ -2,16 +2,15 @@
 #include "tools/commands/PttCommand.h"
 
 #include "tools/commands/CallInput.h"
-#include "tools/zynphone/Console.h"
 #include "tools/commands/SendCommand.h"
+#include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Ptt.h"
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
 {
@@ -50,8 +49,6 @@ ExitCode dropCall(const Invocation& /*call*/, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command pttCommand()
 {

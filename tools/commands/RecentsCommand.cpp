@@ -5,9 +5,9 @@
 #include "handset/recentcall_screen/ScreenPage.h"
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tools/commands/SendCommand.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
-#include "tools/commands/SendCommand.h"
 #include "tools/zynphone/TimeLimit.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
@@ -18,9 +18,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::kPickerPage;
 using zyn::handset::kScreenPages;
 using zyn::handset::ScreenPage;
@@ -157,8 +157,6 @@ Command pickRow()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command recentsCommand()
 {

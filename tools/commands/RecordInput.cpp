@@ -2,8 +2,8 @@
 #include "tools/commands/RecordInput.h"
 
 #include "platform/TAPI.h"
-#include "tools/zynphone/BlockText.h"
 #include "tools/interchange/FieldText.h"
+#include "tools/zynphone/BlockText.h"
 #include "utility/FixedText_p.h"
 #include "utility/PHONE_AllStatus_p.h"
 
@@ -14,10 +14,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn;
-using namespace zyn::tool;
 using NetworkList = TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S;
 using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
 
@@ -64,8 +63,6 @@ void storeWord(std::span<char> field, const QString& word, const QString& what)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QList<QCommandLineOption> allStatusOptions()
 {

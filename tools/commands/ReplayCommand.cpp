@@ -2,16 +2,15 @@
 #include "tools/commands/ReplayCommand.h"
 
 #include "handset/common/TerminationSignals.h"
+#include "tools/recording/Replay.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Counted.h"
 #include "tools/zynphone/Progress.h"
-#include "tools/recording/Replay.h"
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr char kMaxSpeed[] = "max";
 constexpr double kSlowest = 0.001;
@@ -64,8 +63,6 @@ ExitCode replay(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command replayCommand()
 {

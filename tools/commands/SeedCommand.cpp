@@ -2,9 +2,9 @@
 #include "tools/commands/SeedCommand.h"
 
 #include "tools/commands/CallSending.h"
+#include "tools/commands/SeededCalls.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Counted.h"
-#include "tools/commands/SeededCalls.h"
 
 #include <QtCore/QRandomGenerator>
 
@@ -12,9 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr int kMostCalls = 10'000;
 
@@ -29,8 +28,6 @@ ExitCode seedCalls(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command seedRow()
 {

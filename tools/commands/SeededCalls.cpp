@@ -10,6 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 using Call = PHONE_ENG_RecentCall;
@@ -106,8 +107,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 std::vector<Call> seededCalls(int count, quint32 seed, const QDateTime& now)
 {

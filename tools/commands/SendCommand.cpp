@@ -14,9 +14,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::PayloadWriter;
 
 using WriteValue = void (*)(PayloadWriter&, const QString& value);
@@ -75,8 +75,6 @@ ExitCode send(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console)
 {

@@ -9,9 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Setup = RecentCall_Setup*;
 
 constexpr Column<Setup> kSettings[] = {
@@ -40,8 +40,6 @@ ExitCode showSettings(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command settingsCommand()
 {

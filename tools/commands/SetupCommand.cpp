@@ -17,10 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
 
 constexpr std::chrono::seconds kPatience{2};
 
@@ -98,8 +96,6 @@ ExitCode setLanguage(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command prependCommand()
 {

@@ -2,9 +2,9 @@
 #include "tools/commands/SocketCallCommand.h"
 
 #include "handset/common/TerminationSignals.h"
-#include "tools/zynphone/BlockText.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/ConnectionWatch.h"
+#include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ServiceError.h"
 #include "tools/zynphone/TimeLimit.h"
@@ -23,9 +23,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 namespace voicecall = zyn::voicecall;
 
 constexpr std::array<Word<int>, 5> kReplies{{
@@ -138,8 +138,6 @@ QString details()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command javaCommand()
 {

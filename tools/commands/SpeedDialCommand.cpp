@@ -9,9 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr int kFirstIndex = 1;
 constexpr int kLastIndex = 9;
@@ -76,8 +75,6 @@ Argument indexArgument()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command speedDialCommand()
 {

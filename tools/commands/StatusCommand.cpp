@@ -1,12 +1,12 @@
 // zynphone status: the phone server's status messages by name.
 #include "tools/commands/StatusCommand.h"
 
+#include "tools/commands/RecordInput.h"
+#include "tools/commands/SendCommand.h"
+#include "tools/recording/RecordFields.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Nearest.h"
-#include "tools/recording/RecordFields.h"
-#include "tools/commands/RecordInput.h"
-#include "tools/commands/SendCommand.h"
 #include "tools/zynphone/Table.h"
 #include "utility/PHONE_MsgName_p.h"
 #include "utility/PHONE_MsgTable_p.h"
@@ -19,10 +19,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
 
 /// The messages that the phone server sends.
 std::vector<const PhoneMessage*> statusMessages()
@@ -164,8 +162,6 @@ QString nameList()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command statusCommand()
 {

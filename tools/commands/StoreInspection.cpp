@@ -5,20 +5,19 @@
 #include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
-#include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
 #include "tools/store/StoreCheck.h"
 #include "tools/store/StoreCopy.h"
 #include "tools/store/StoreRepair.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Counted.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QJsonObject>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// What is done to a store that nobody else writes to, since this has its lock.
 class Repair
@@ -108,8 +107,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 ExitCode verifyStore(const Invocation& call, Console& console)
 {

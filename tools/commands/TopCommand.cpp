@@ -4,14 +4,14 @@
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
 #include "platform/UTIL_PhoneStatus.h"
-#include "tools/zynphone/Console.h"
-#include "tools/zynphone/TimeLimit.h"
 #include "tools/top/CallSource.h"
 #include "tools/top/FavouriteSource.h"
 #include "tools/top/Screen.h"
 #include "tools/top/StatusSource.h"
 #include "tools/top/TerminalSignals.h"
 #include "tools/top/TopView.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/TimeLimit.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
@@ -25,9 +25,8 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// How often files are looked at of whose changes nobody tells.
 constexpr std::chrono::milliseconds kPollInterval = 1s;
@@ -172,8 +171,6 @@ ExitCode showTop(const Invocation& call, Console& console)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Command topCommand()
 {

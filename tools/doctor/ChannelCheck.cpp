@@ -12,11 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 /// Whoever is to listen on a channel of the library.
 struct Audience
@@ -129,8 +126,6 @@ Findings checkChannel(const QByteArray& root, const QCString& channel)
 }
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 Findings checkChannels()
 {

@@ -10,10 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 Finding relativePath(const QString& variable)
 {
@@ -100,8 +98,6 @@ constexpr Variable kVariables[] = {
 };
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 Findings checkEnvironment()
 {

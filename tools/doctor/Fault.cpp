@@ -15,10 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 constexpr mode_t kPermissions = 07777;
 constexpr char kPlainCharacters[] = "/._-+:@%";
@@ -49,8 +47,6 @@ Fault noDirectory(const QByteArray& path)
 }
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 bool exists(const QByteArray& path)
 {

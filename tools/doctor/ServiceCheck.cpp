@@ -7,10 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 struct Service
 {
@@ -70,8 +68,6 @@ Finding checkService(const Service& service)
 }
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 Findings checkServices()
 {

@@ -14,11 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 struct SettingsPath
 {
@@ -99,8 +96,6 @@ constexpr Switch kSwitches[] = {
 };
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 Findings checkSettings()
 {

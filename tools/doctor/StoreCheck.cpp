@@ -3,22 +3,19 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/RecordFile_p.h"
 #include "recentcall/utility/StoreDirectory_p.h"
+#include "tools/doctor/Checks.h"
+#include "tools/doctor/Fault.h"
 #include "tools/store/ContactFileCheck.h"
 #include "tools/store/FavouritesFileCheck.h"
 #include "tools/store/RecordFileCheck.h"
-#include "tools/doctor/Checks.h"
-#include "tools/doctor/Fault.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool::doctor {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
-using namespace zyn::tool::doctor;
 
 /// Far above the size of every file of the store.
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
@@ -53,8 +50,6 @@ Finding checkFile(const QByteArray& path, const FileKind& kind)
 }
 
 } // namespace
-
-namespace zyn::tool::doctor {
 
 Findings checkStore()
 {

@@ -2,14 +2,14 @@
 #include "tools/interchange/CallFields.h"
 
 #include "recentcall/utility/PlainBytes_p.h"
-#include "tools/zynphone/CallText.h"
 #include "tools/interchange/FieldForms.h"
+#include "tools/zynphone/CallText.h"
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 constexpr FieldForm kListForm{FieldForm::Text,
@@ -56,8 +56,6 @@ constexpr StoredField kFields[] = {
 static_assert(isWhole(kFields, sizeof(Call)));
 
 } // namespace
-
-namespace zyn::tool {
 
 const RecordSchema& callSchema()
 {

@@ -5,6 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr char kQuote = '"';
@@ -19,8 +20,6 @@ bool needsQuotes(const QString& cell)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString csvLine(const QStringList& cells)
 {

@@ -5,8 +5,8 @@
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/interchange/CallFields.h"
-#include "tools/zynphone/CallText.h"
 #include "tools/interchange/FieldForms.h"
+#include "tools/zynphone/CallText.h"
 #include "utility/FixedText_p.h"
 
 #include <cstring>
@@ -15,9 +15,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Entry = PHONE_ENG_ActivityLog;
 using Favourite = TopPalNumberDetail;
 
@@ -97,8 +97,6 @@ QByteArray blank()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 const RecordSchema& favouriteSchema()
 {

@@ -2,9 +2,9 @@
 #include "tools/interchange/FieldForms.h"
 
 #include "handset/common/Text.h"
+#include "tools/interchange/FieldText.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Command.h"
-#include "tools/interchange/FieldText.h"
 #include "tools/zynphone/HexText.h"
 
 #include <QtCore/QDateTime>
@@ -14,9 +14,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::jsonEscaped;
 
 QJsonValue numberValue(const QByteArray& bytes)
@@ -118,8 +118,6 @@ QByteArray timeBytes(const QString& text, const QString& name, qsizetype /*size*
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 const FieldForm kNumberForm{FieldForm::Number, numberValue, numberBytes};
 const FieldForm kFlagForm{FieldForm::Flag, flagValue, flagBytes};

@@ -12,9 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// Many times what the largest lists take.
 constexpr qint64 kSizeLimit = qint64{16} * 1024 * 1024;
@@ -44,8 +43,6 @@ QCommandLineOption formatOption()
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QList<QCommandLineOption> RecordsFile::exportOptions()
 {

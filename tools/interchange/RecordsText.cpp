@@ -3,9 +3,9 @@
 
 #include "handset/common/Text.h"
 #include "tools/interchange/CsvText.h"
-#include "tools/zynphone/ExitCode.h"
 #include "tools/interchange/JsonElements.h"
 #include "tools/interchange/NamedTexts.h"
+#include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -16,9 +16,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::jsonEscaped;
 
 QString csvText(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records)
@@ -172,8 +172,6 @@ ReadRecords readJson(const RecordSchema& schema, const QByteArray& text, const Q
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 const RecordFormat kCsvFormat{csvText, readCsv};
 const RecordFormat kJsonFormat{jsonText, readJson};

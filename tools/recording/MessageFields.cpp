@@ -1,8 +1,8 @@
 // The payload of a message, taken apart into named values.
 #include "tools/recording/MessageFields.h"
 
-#include "tools/zynphone/BlockText.h"
 #include "tools/recording/RecordFields.h"
+#include "tools/zynphone/BlockText.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Payload_p.h"
 
@@ -12,10 +12,8 @@
 #include <optional>
 #include <span>
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn;
-using namespace zyn::tool;
 
 /// Reads the fields of one payload in their order.
 class FieldReader
@@ -82,8 +80,6 @@ void readInto(MessageFields& message, std::span<const Field> fields, const QByte
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 MessageFields messageFields(const QCString& channel, const QCString& message, const QByteArray& payload)
 {

@@ -2,8 +2,8 @@
 #include "tools/recording/MessageText.h"
 
 #include "handset/common/Text.h"
-#include "tools/zynphone/HexText.h"
 #include "tools/recording/MessageFields.h"
+#include "tools/zynphone/HexText.h"
 
 #include <QtCore/QJsonArray>
 
@@ -11,9 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::jsonEscaped;
 
 constexpr qsizetype kChannelWidth = 20;
@@ -71,8 +71,6 @@ QString kindText(const MessageFields& fields)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString nameText(const QCString& name)
 {

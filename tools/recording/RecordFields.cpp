@@ -17,10 +17,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn;
-using namespace zyn::tool;
 using NetworkList = TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S;
 using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
 
@@ -66,8 +65,6 @@ QJsonArray networksOf(const QByteArray& payload, qsizetype count)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 void readAllStatusInto(MessageFields& message, const QByteArray& payload)
 {

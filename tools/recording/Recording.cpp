@@ -1,8 +1,8 @@
 // The messages that a file holds as they were recorded.
 #include "tools/recording/Recording.h"
 
-#include "tools/zynphone/ExitCode.h"
 #include "tools/recording/RecordingLine.h"
+#include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QFile>
 
@@ -11,9 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// The next line of @p file without its end; nothing when there is none. Every line goes through @p buffer: one of that
 /// size for each would cost more than all that is done with it.
@@ -37,8 +36,6 @@ std::optional<QByteArray> nextLine(QFile& file, QByteArray& buffer)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Recording::Recording(const QString& path)
     : m_path(path)

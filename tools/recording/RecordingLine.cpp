@@ -2,18 +2,17 @@
 #include "tools/recording/RecordingLine.h"
 
 #include "platform/qcop/ChannelFrame_p.h"
+#include "tools/recording/MessageFields.h"
 #include "tools/zynphone/Elided.h"
 #include "tools/zynphone/ExitCode.h"
-#include "tools/recording/MessageFields.h"
 
 #include <array>
 #include <cctype>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr char kHeader[] = "# zynphone recording, version ";
 constexpr int kVersion = 1;
@@ -112,8 +111,6 @@ QList<QByteArray> wordsOf(const QByteArray& line)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QByteArray recordingHeader()
 {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+namespace zyn::tool {
 namespace {
 
 /// Timers take no more than some weeks.
@@ -15,8 +16,6 @@ constexpr qint64 kLongestWait = qint64{60} * 60 * 1000;
 constexpr double kFarthest = 1e15;
 
 } // namespace
-
-namespace zyn::tool {
 
 Replay::Replay(const Recording& recording, double speed)
     : m_messages(recording.messages())

@@ -2,9 +2,9 @@
 #include "tools/store/CallsRepair.h"
 
 #include "recentcall/utility/RecordFile_p.h"
-#include "tools/zynphone/CallText.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
+#include "tools/zynphone/CallText.h"
 
 #include <QtCore/QSet>
 
@@ -15,9 +15,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 Call callOf(const QByteArray& record)
@@ -60,8 +60,6 @@ void put(const Call& call, int32_t old, const QString& why, Images& images, Find
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 CallsRepair::CallsRepair(const QString& name, Findings& log)
     : SlotRepair(name, bytesOf(Call()).toByteArray(), log)

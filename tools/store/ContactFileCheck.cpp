@@ -2,9 +2,9 @@
 #include "tools/store/ContactFileCheck.h"
 
 #include "recentcall/utility/ActivityLogFile_p.h"
+#include "tools/store/StoreFileProblems.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"
-#include "tools/store/StoreFileProblems.h"
 
 #include <algorithm>
 #include <deque>
@@ -12,9 +12,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Entry = PHONE_ENG_ActivityLog;
 
 constexpr std::string_view kDialedCharacters = "0123456789*#+";
@@ -69,8 +69,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 bool isContactFileName(const QString& name)
 {

@@ -11,6 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 using Entry = PHONE_ENG_ActivityLog;
@@ -22,8 +23,6 @@ void read(Entry& entry, const QByteArray& record)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 ContactRepair::ContactRepair(const QString& name, Findings& log)
     : SlotRepair(name, contactRecordBytes(Entry()).toByteArray(), log)

@@ -11,9 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 struct Favourite
 {
@@ -44,8 +43,6 @@ QStringList placeProblems(const TopPalNumberDetail& detail, int place)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 int placeCount(const QByteArray& image)
 {

@@ -11,6 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 using Detail = TopPalNumberDetail;
@@ -27,8 +28,6 @@ QString numberOf(const Detail& detail)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 FavouritesRepair::FavouritesRepair(const StoreFiles& files, Findings& log)
     : m_files(files)

@@ -3,8 +3,8 @@
 
 #include "recentcall/utility/CallUids_p.h"
 #include "recentcall/utility/RecordFile_p.h"
-#include "tools/zynphone/CallText.h"
 #include "tools/store/StoreFileProblems.h"
+#include "tools/zynphone/CallText.h"
 
 #include <QtCore/QHash>
 
@@ -13,9 +13,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 /// What is wrong with the record in @p place of the file of @p list, seen alone.
@@ -68,8 +68,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 QString recordFile(RC_CALL_CATEGORY_T list)
 {

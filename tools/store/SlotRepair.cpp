@@ -10,6 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr qsizetype kHeaderSize = sizeof(zyn::StoreFileHeader);
@@ -20,8 +21,6 @@ bool isInUse(const QByteArray& record)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 SlotRepair::SlotRepair(QString name, QByteArray blank, Findings& log)
     : m_name(std::move(name))

@@ -19,15 +19,14 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 QStringList seenCallsProblems(const QByteArray& image)
 {
     QStringList problems = headerProblems(image);
     const auto marks = image.size() - qsizetype{sizeof(zyn::StoreFileHeader)};
-    if (marks > 0 && marks % qsizetype{sizeof(SeenCalls::Mark)} != 0)
+    if (marks > 0 && marks % qsizetype{sizeof(handset::SeenCalls::Mark)} != 0)
         problems += u"it ends within a call"_s;
     return problems;
 }
@@ -132,8 +131,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 Findings checkStore(const StoreFiles& files)
 {

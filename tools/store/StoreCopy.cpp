@@ -14,9 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn;
 
 /// Copies one file; why it could not, or nothing. What is no regular file, or lies behind a link of another user, is no
 /// file of the store.
@@ -32,8 +31,6 @@ QString copyFile(const QString& from, const QString& to)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString copyStore(const StoreFiles& files)
 {

@@ -6,10 +6,10 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PlainBytes_p.h"
 #include "tools/store/ContactRepair.h"
-#include "tools/zynphone/ExitCode.h"
-#include "tools/zynphone/OutputFile.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreCheck.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/OutputFile.h"
 
 #include <QtCore/QFile>
 
@@ -17,6 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 /// The marks that @p image holds whole, behind a header.
@@ -24,7 +25,7 @@ QByteArray repairedSeenCalls(const QByteArray& image)
 {
     const QByteArray marks = image.mid(qsizetype{sizeof(zyn::StoreFileHeader)});
     return zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray()
-           + marks.chopped(marks.size() % qsizetype{sizeof(SeenCalls::Mark)});
+           + marks.chopped(marks.size() % qsizetype{sizeof(handset::SeenCalls::Mark)});
 }
 
 /// The marks of those of @p calls that the sound @p image has under their old uids.
@@ -32,19 +33,17 @@ QByteArray newMarks(const QByteArray& image, const zyn::RenumberedCalls& calls)
 {
     QByteArray marks;
     for (const auto& [oldUid, call] : calls) {
-        const QByteArray old = zyn::bytesOf(SeenCalls::Mark{oldUid, call.startTime}).toByteArray();
+        const QByteArray old = zyn::bytesOf(handset::SeenCalls::Mark{oldUid, call.startTime}).toByteArray();
         qsizetype at = sizeof(zyn::StoreFileHeader);
         while (at < image.size() && image.sliced(at, old.size()) != old)
             at += old.size();
         if (at < image.size())
-            marks += zyn::bytesOf(SeenCalls::Mark{call.uid, call.startTime}).toByteArray();
+            marks += zyn::bytesOf(handset::SeenCalls::Mark{call.uid, call.startTime}).toByteArray();
     }
     return marks;
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 StoreRepair::StoreRepair(const StoreFiles& files)
     : m_files(files)

@@ -17,9 +17,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Call = PHONE_ENG_RecentCall;
 
 /// The calls in the file of @p list; none when there is no sound one.
@@ -55,8 +55,6 @@ const Call& newestOf(const std::vector<Call>& calls)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 CallSource::CallSource(PhoneState& state, const PHONE_MsgClient& client)
     : m_state(state)

@@ -9,6 +9,7 @@
 
 #include <wchar.h>
 
+namespace zyn::tool {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -58,8 +59,6 @@ void elide(std::vector<Glyph>& glyphs, int limit)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Canvas::Canvas(int columns, int rows)
     : m_columns(std::max(columns, 0))

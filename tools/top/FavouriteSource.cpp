@@ -4,16 +4,16 @@
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/StoreDirectory_p.h"
-#include "tools/zynphone/Counted.h"
 #include "tools/top/PhoneState.h"
+#include "tools/zynphone/Counted.h"
 
 #include <array>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Store = ActivityLog_ENG_RecordStore;
 using Numbers = std::array<QString, Store::kFavourites>;
 
@@ -36,8 +36,6 @@ void show(PhoneState& state, Item item, const QString& number)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 void readFavourites(PhoneState& state)
 {

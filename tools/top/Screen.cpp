@@ -15,9 +15,8 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 // The other screen, and the cursor.
 constexpr QLatin1String kEnter("\033[?1049h\033[?25l");
@@ -73,8 +72,6 @@ void drawRow(Drawing& drawing, const Canvas& shown, const Canvas& canvas, int ro
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Screen::Screen(Console& console)
     : m_console(console)

@@ -2,17 +2,16 @@
 #include "tools/top/StatusSource.h"
 
 #include "handset/common/Text.h"
-#include "tools/zynphone/BlockText.h"
 #include "tools/top/StateText.h"
+#include "tools/zynphone/BlockText.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 
 #include <type_traits>
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 constexpr int kRegistered = 5; // of TAPI_NETWORK_STATUS_E
 
@@ -44,8 +43,6 @@ QString nameOf(const QCString& message)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 StatusSource::StatusSource(PhoneState& state)
     : m_state(state)

@@ -8,6 +8,7 @@
 
 #include <sys/signalfd.h>
 
+namespace zyn::tool {
 namespace {
 
 sigset_t setOf(std::initializer_list<int> numbers)
@@ -20,8 +21,6 @@ sigset_t setOf(std::initializer_list<int> numbers)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 TerminalSignals::TerminalSignals(std::function<void(int)> handler)
     : m_handler(std::move(handler))

@@ -11,9 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using zyn::handset::jsonEscaped;
 
 struct Line
@@ -160,8 +160,6 @@ int putColumns(const PhoneState& state, Canvas& canvas)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 void layOut(const PhoneState& state, Canvas& canvas)
 {

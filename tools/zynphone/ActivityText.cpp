@@ -4,9 +4,9 @@
 #include "handset/common/Text.h"
 #include "tools/zynphone/CallText.h"
 
+namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool;
 using Entry = PHONE_ENG_ActivityLog;
 
 QString startText(const Entry& entry)
@@ -36,8 +36,6 @@ constexpr ActivityColumn kColumns[] = {
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 std::span<const ActivityColumn> activityColumns()
 {

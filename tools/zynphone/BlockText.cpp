@@ -8,6 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr QLatin1String kHexPrefix("hex:");
@@ -18,8 +19,6 @@ bool isGraphic(char character)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 bool isHexBlock(const QString& text)
 {

@@ -8,6 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 using Call = PHONE_ENG_RecentCall;
@@ -40,8 +41,6 @@ constexpr CallColumn kColumns[] = {
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 QString categoryWord(RC_CALL_CATEGORY_T category)
 {

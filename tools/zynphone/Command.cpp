@@ -11,9 +11,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// Marks a negative number, which the parser would take for options. No word of a command line holds this
 /// character.
@@ -95,8 +94,6 @@ ExitCode runInvocation(const Command& command, const QString& path, const Invoca
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Invocation::Invocation(const Command& command, const QStringList& words)
 {

@@ -7,9 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 /// Follows the words in front of the one to complete.
 class Place
@@ -90,8 +89,6 @@ private:
 };
 
 } // namespace
-
-namespace zyn::tool {
 
 QString completions(const Command& tool, const QStringList& words)
 {

@@ -6,9 +6,8 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
-
-using namespace zyn::tool;
 
 QString syntax(const Argument& argument)
 {
@@ -49,8 +48,6 @@ QString section(const QString& title, const QList<QStringList>& rows)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString helpText(const Command& command, const QString& path)
 {

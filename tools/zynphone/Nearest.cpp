@@ -6,6 +6,7 @@
 #include <numeric>
 #include <vector>
 
+namespace zyn::tool {
 namespace {
 
 /// How many characters must be inserted, removed or replaced to make one word of the other.
@@ -33,8 +34,6 @@ Edits edits(const QString& from, const QString& to)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 QString nearestWord(const QString& word, const QStringList& known)
 {

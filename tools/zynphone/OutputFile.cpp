@@ -11,6 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 void requireDone(bool isDone, const QString& path, const QString& why)
@@ -20,8 +21,6 @@ void requireDone(bool isDone, const QString& path, const QString& why)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 void writeFile(const QString& path, const QByteArray& contents)
 {

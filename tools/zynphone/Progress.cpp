@@ -9,6 +9,7 @@
 
 using namespace std::chrono_literals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr auto kBeforeFirst = 1s;
@@ -24,8 +25,6 @@ void writeToTerminal(const QByteArray& bytes)
 }
 
 } // namespace
-
-namespace zyn::tool {
 
 Progress::Progress(std::function<QString()> text)
     : m_text(std::move(text))

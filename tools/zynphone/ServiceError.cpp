@@ -10,13 +10,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::tool {
 namespace {
 
 constexpr std::chrono::seconds kProbeTimeout{1};
 
 } // namespace
-
-namespace zyn::tool {
 
 CommandError serviceError(const QString& service, const QString& path)
 {
