@@ -33,8 +33,6 @@ function(zyn_configure_target target)
         AUTOMOC ${ARG_MOC}
         AUTOGEN_ORIGIN_DEPENDS OFF
         CXX_EXTENSIONS OFF
-        CXX_VISIBILITY_PRESET hidden
-        C_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
         LINK_DEPENDS_NO_SHARED ON)
@@ -65,12 +63,16 @@ zyn_add_precompiled_headers(zynprecompiled
         <QtCore/QTimer>
     LIBRARIES Qt6::Core)
 
-# A shared library of the exported interface: its public headers are included by their path from the top of the tree.
+# A shared library of the exported interface: its public headers are included by their path from the top of the tree. What
+# leaves the library is decided by its map in abi/ alone: with the public names the private ones of namespace zyn, for
+# programs, tool and tests.
 function(zyn_add_shared_library target)
     cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS" ${ARGN})
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(ZynPhone::${target} ALIAS ${target})
     zyn_configure_target(${target} MOC)
+    target_compile_options(${target} PRIVATE
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-semantic-interposition -fno-gnu-unique>)
     target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
     target_compile_features(${target} PUBLIC cxx_std_17)
     target_link_libraries(${target} PUBLIC Qt6::Core)

@@ -15,7 +15,7 @@ void PHONE_Log(int level, const char* format, ...)
     va_end(arguments);
 }
 
-void PHONE_LogEntry(int level, const char* source, const char* function, int line)
+void zyn::logEntry(int level, const char* source, const char* function, int line)
 {
     PHONE_Log(level, "%s,%s,%d \n", source, function, line);
 }

@@ -10,6 +10,10 @@ inline constexpr int kSilentLogLevel = 8;
 /// when none is set. A @p level of 8 or above prints nothing.
 [[gnu::format(printf, 2, 3)]] void PHONE_Log(int level, const char* format, ...);
 
+namespace zyn {
+
 /// The line that marks the entry into a function: "%s,%s,%d \n" with the source's path without its extension, the
 /// function's name and the line of the call.
-void PHONE_LogEntry(int level, const char* source, const char* function, int line = __builtin_LINE());
+void logEntry(int level, const char* source, const char* function, int line = __builtin_LINE());
+
+} // namespace zyn

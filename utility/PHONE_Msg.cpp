@@ -23,14 +23,14 @@ QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type)
 
 bool PHONE_Msg::send(PHONE_MSG_TYPE_T type)
 {
-    PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, kSource, __func__);
     const QCString name = getMsg(type);
     return !name.isEmpty() && QCopChannel::send(zyn::kPhoneChannel, name);
 }
 
 bool PHONE_Msg::send(PHONE_MSG_TYPE_T type, const QByteArray& data)
 {
-    PHONE_LogEntry(kPhoneLogLevel, kSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, kSource, __func__);
     const QCString name = getMsg(type);
     if (name.isEmpty()) {
         PHONE_Log(kPhoneLogLevel, "Error in getting message");

@@ -19,7 +19,7 @@ QByteArray intPayload(int value)
 PHONE_MsgClient::PHONE_MsgClient(QObject* parent, const char* name)
     : PHONE_Msg(parent, name)
 {
-    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
     [[maybe_unused]] static const bool typesAreKnown = zyn::registerSignalTypes(staticMetaObject);
 }
 
@@ -27,7 +27,7 @@ PHONE_MsgClient::~PHONE_MsgClient() = default;
 
 bool PHONE_MsgClient::getTotalByteAndConnectedDuration()
 {
-    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
     return send(PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S);
 }
 
@@ -48,6 +48,6 @@ void PHONE_MsgClient::setRFMode(bool on)
 
 void PHONE_MsgClient::receive(const QCString& message, const QByteArray& data)
 {
-    PHONE_LogEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
     zyn::deliver(*this, message, data);
 }

@@ -71,7 +71,7 @@ public:
     }
 
     /// Prints the trace line of the client's receive().
-    void trace() const { PHONE_LogEntry(kPhoneLogLevel, kClientSource, "receive", m_line); }
+    void trace() const { logEntry(kPhoneLogLevel, kClientSource, "receive", m_line); }
 
 private:
     QPointer<PHONE_MsgClient> m_client;

@@ -101,7 +101,7 @@ int RecentCall_Setup::getMaxRecordSize(RC_CALL_CATEGORY_T category) const
 
 bool RecentCall_Setup::setTwoLineView(bool on)
 {
-    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     if (settings.setSettingInfo(kGroup, kTwoLineView, on))
         return true;
@@ -111,7 +111,7 @@ bool RecentCall_Setup::setTwoLineView(bool on)
 
 bool RecentCall_Setup::getTwoLineView()
 {
-    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     bool on = false;
     settings.getSettingInfo(kGroup, kTwoLineView, on, false);
@@ -130,7 +130,7 @@ bool RecentCall_Setup::isFixedDialFlexOn()
 
 bool RecentCall_Setup::isFixedDialingAvailable()
 {
-    PHONE_LogEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSource, __func__);
     if (!isFixedDialFlexOn()) {
         std::printf("FDN flex is off");
         return false;
