@@ -1,5 +1,5 @@
 // Lock files: of the activity log, and of the settings.
-#include "handset/favourites/ActivityLogLock.h"
+#include "handset/favourites/Favourites.h"
 #include "platform/SETUP_SET_Manager.h"
 #include "support/OtherUser.h"
 #include "support/Role.h"
@@ -50,8 +50,8 @@ public:
             return;
         ::alarm(kPatience);
         while (hear(m_end) != '\0') {
-            zyn::favourites::ActivityLogLock lock(directory);
-            say(m_end, lock.take() ? 'y' : 'n');
+            zyn::handset::ActivityLogLock lock(directory);
+            say(m_end, lock.lock() ? 'y' : 'n');
             hear(m_end);
         }
         ::_exit(EXIT_SUCCESS);
@@ -137,17 +137,17 @@ void tst_FileLock::hasOneOwnerOfManyWhoStart()
 void tst_FileLock::isLeftWhenItIsAnothers()
 {
     {
-        zyn::favourites::ActivityLogLock lock(m_directory->path());
-        QVERIFY(lock.take());
+        zyn::handset::ActivityLogLock lock(m_directory->path());
+        QVERIFY(lock.lock());
         QVERIFY(QFile::remove(path(u"topPalsLock"_s)));
         write(u"topPalsLock"_s, "1\nanother\n");
     }
     QVERIFY(QFile::exists(path(u"topPalsLock"_s)));
     {
-        zyn::favourites::ActivityLogLock lock(m_directory->path());
-        QVERIFY(lock.take());
-        zyn::favourites::ActivityLogLock second(m_directory->path());
-        QVERIFY(!second.take());
+        zyn::handset::ActivityLogLock lock(m_directory->path());
+        QVERIFY(lock.lock());
+        zyn::handset::ActivityLogLock second(m_directory->path());
+        QVERIFY(!second.lock());
         QCOMPARE(second.problem(), u"process %1 (tst_FileLock) owns the favourites"_s.arg(::getpid()));
     }
     QVERIFY(!QFile::exists(path(u"topPalsLock"_s)));

@@ -1,6 +1,6 @@
 // Files that are replaced whole: on a full disk, and behind links.
+#include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
-#include "handset/favourites/SeenCalls.h"
 #include "platform/posix/StagedFile_p.h"
 #include "support/ActivityLogFixture.h"
 #include "support/Descriptors.h"
@@ -47,7 +47,7 @@ bool writeEntries(const ActivityLogFixture& fixture, const QByteArray& path, boo
     const QString number = QFileInfo(QFile::decodeName(path)).fileName();
     if (isChanged) {
         fixture.setSlots(QString::number(slotCount));
-        return zyn::favourites::renew(number);
+        return zyn::handset::renewLog(number);
     }
     activity::revamp({}, number);
     for (int start = 1; start <= 5; ++start)

@@ -56,7 +56,7 @@ void FavouriteCounters::show()
 {
     // Who the favourites are, the library would go on to take from what it has read before.
     ActivityLog_ENG_RecordStore::destroy();
-    const auto keys = favourites::readKeys();
+    const auto keys = handset::readFavouriteKeys();
     watch(keys.value_or(QStringList()));
     if (!keys && m_isKnown) {
         m_output.write(

@@ -4,8 +4,7 @@
 #include "handset/common/TerminalProgram.h"
 #include "handset/common/Text.h"
 #include "handset/idle_screen/FavouriteCounters.h"
-#include "handset/recent_calls/Coalescing.h"
-#include "handset/recent_calls/MissedCallEngine.h"
+#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 
 #include <QtCore/QCoreApplication>
@@ -44,7 +43,7 @@ public:
         : m_output(output)
     {
         QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
-                         &handset::Coalescing::trigger);
+                         &handset::Debouncer::trigger);
         show();
     }
 
@@ -60,7 +59,7 @@ private:
     handset::Output& m_output;
     handset::MissedCallEngine m_engine;
     QString m_shown;
-    handset::Coalescing m_update{[this] { show(); }};
+    handset::Debouncer m_update{[this] { show(); }};
     handset::Retry m_retry{kFirstRetry, kSlowestRetry, [this] { show(); }};
 };
 

@@ -1,13 +1,32 @@
-// The recent calls, as the programs that show them read them.
+// The recent calls, as the programs that show them read and follow them.
 #include "handset/recent_calls/RecentCalls.h"
 
 #include "recentcall/utility/RC_Interface.h"
+
+#include <QtCore/QTimeZone>
 
 #include <algorithm>
 
 namespace zyn::handset {
 
+namespace {
+
 using Call = PHONE_ENG_RecentCall;
+
+constexpr int kMillisecondsPerSecond = 1000;
+
+RC_MissedCallItem itemOf(const PHONE_ENG_RecentCall& call)
+{
+    const QDateTime start = call.getStartDateTime().toUTC();
+    return {.date = start.date(),
+            .value = start.time().msecsSinceStartOfDay() / kMillisecondsPerSecond,
+            .first = call.getPhoneNumber(),
+            .second = call.getDisplayName(),
+            .word1 = static_cast<uint32_t>(call.uid),
+            .word2 = static_cast<uint32_t>(call.callType)};
+}
+
+} // namespace
 
 std::optional<std::vector<Call>> fetchCalls(RC_CALL_CATEGORY_T list, std::span<const RC_CALL_TYPE_T> types)
 {
@@ -26,6 +45,26 @@ std::optional<std::vector<Call>> fetchCalls(RC_CALL_CATEGORY_T list, std::span<c
 bool isUnread(const Call& call)
 {
     return call.category == RC_CALL_CATEGORY_MISSED && (call.readFlags & Call::kRead) == 0;
+}
+
+RC_MissedCallList MissedCallEngine::getUnreadMissedCallList()
+{
+    const auto calls = fetchCalls(RC_CALL_CATEGORY_MISSED);
+    m_isAnswered = calls.has_value();
+    RC_MissedCallList unread;
+    if (!calls)
+        return unread;
+    for (const PHONE_ENG_RecentCall& call : *calls) {
+        if (isUnread(call))
+            unread.append(itemOf(call));
+    }
+    return unread;
+}
+
+QDateTime MissedCallEngine::start(const RC_MissedCallItem& item)
+{
+    const QTime time = QTime::fromMSecsSinceStartOfDay(item.value * kMillisecondsPerSecond);
+    return QDateTime(item.date, time, QTimeZone::utc()).toLocalTime();
 }
 
 } // namespace zyn::handset

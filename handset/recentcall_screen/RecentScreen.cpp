@@ -3,7 +3,6 @@
 
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
-#include "handset/recent_calls/RecentCalls.h"
 #include "handset/recentcall_screen/ScreenText.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 
@@ -70,7 +69,7 @@ void RecentScreen::obey(RecentCall_MsgClient& client)
     connect(&client, &RecentCall_MsgClient::signalShowPage, this, &RecentScreen::showPage);
     connect(&client, &RecentCall_MsgClient::signalShowDetail, this, &RecentScreen::showDetail);
     connect(&client, &RecentCall_MsgClient::signalHideUI, this, &RecentScreen::hide);
-    connect(&client, &RecentCall_MsgClient::signalMissedCallUpdate, &m_missedUpdate, &Coalescing::trigger);
+    connect(&client, &RecentCall_MsgClient::signalMissedCallUpdate, &m_missedUpdate, &Debouncer::trigger);
 }
 
 void RecentScreen::showCategory(RC_CALL_CATEGORY_T category, OTHER_COMPONENT_SHOW_UI component)

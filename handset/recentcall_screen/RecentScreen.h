@@ -1,7 +1,7 @@
 // The recent-call screens.
 #pragma once
 
-#include "handset/recent_calls/Coalescing.h"
+#include "handset/recent_calls/RecentCalls.h"
 #include "handset/recentcall_screen/NumberPicker.h"
 #include "handset/recentcall_screen/ScreenPage.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -48,7 +48,7 @@ private:
 
     Output& m_output;
     NumberPicker& m_picker;
-    Coalescing m_missedUpdate;
+    Debouncer m_missedUpdate;
     const ScreenPage* m_page = nullptr; ///< the list on the screen; null for a detail, a picker or nothing
     Calls m_calls;                      ///< what that list shows
 };

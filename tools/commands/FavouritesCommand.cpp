@@ -20,7 +20,6 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-namespace favourites = zyn::favourites;
 using Entry = PHONE_ENG_ActivityLog;
 
 struct Favourite
@@ -50,9 +49,9 @@ constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
 
 void count(Favourite& favourite)
 {
-    favourites::Entries entries;
+    handset::ActivityEntries entries;
     TopPals_Missed_Details unread{favourite.number};
-    if (!favourites::readEntries(entries, favourite.number)
+    if (!handset::readEntries(entries, favourite.number)
         || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         return;
     favourite.entries = static_cast<int>(entries.count());
@@ -81,7 +80,7 @@ ExitCode listFavourites(const Invocation& call, Console& console)
 
 ExitCode showEntries(const Invocation& call, Console& console)
 {
-    favourites::Entries entries;
+    handset::ActivityEntries entries;
     if (readKeys().isEmpty())
         throw noFavourite(callNumber(call.argument(0)));
     readInto(entries, favouriteFrom(call));

@@ -18,8 +18,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-namespace favourites = zyn::favourites;
-using favourites::Change;
+using Change = handset::FavouriteChange;
 using Entry = PHONE_ENG_ActivityLog;
 
 /// Of an entry that was made of no call in the call log.
@@ -28,8 +27,8 @@ constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
 
 ExitCode tellChange(const QString& oldNumber, const QString& newNumber, Console& console)
 {
-    const Change change = favourites::replace(oldNumber, newNumber);
-    const QString text = favourites::describe(change, oldNumber, newNumber);
+    const Change change = handset::replaceFavourite(oldNumber, newNumber);
+    const QString text = handset::describe(change, oldNumber, newNumber);
     if (change != Change::Done && change != Change::Same)
         throw failure(text);
     console.write(printable(text) + u'\n');
@@ -71,7 +70,7 @@ ExitCode logEntry(const Invocation& call, Console& console)
     setMessage(entry, call);
     const FavouritesOwnership ownership;
     const QString key = favouriteFrom(call);
-    if (!favourites::addEntry(entry, key))
+    if (!handset::addEntry(entry, key))
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
     console.write(u"logged in place %1\n"_s.arg(entry.topPalsAvlPos));
     return Done;
@@ -81,7 +80,7 @@ ExitCode removeEntry(const Invocation& call, Console& console)
 {
     const int place = wholeNumber(call.argument(1), u"PLACE"_s, 0);
     const QString key = favouriteFrom(call);
-    favourites::Entries entries;
+    handset::ActivityEntries entries;
     readInto(entries, key);
     const auto found = std::ranges::find(entries, place, &Entry::topPalsAvlPos);
     if (found == entries.end())
@@ -110,14 +109,14 @@ Argument favouriteArgument()
 QString favouriteFrom(const Invocation& call)
 {
     QString key = zyn::favouriteKey(callNumber(call.argument(0)));
-    if (!favourites::isFavourite(key))
+    if (!handset::isFavourite(key))
         throw noFavourite(key);
     return key;
 }
 
 QStringList readKeys()
 {
-    const auto keys = favourites::readKeys();
+    const auto keys = handset::readFavouriteKeys();
     if (!keys)
         throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
             zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
@@ -126,12 +125,12 @@ QStringList readKeys()
 
 CommandError noFavourite(const QString& number)
 {
-    return failure(favourites::describe(Change::NoFavourite, number, QString()));
+    return failure(handset::describe(Change::NoFavourite, number, QString()));
 }
 
-void readInto(favourites::Entries& entries, const QString& key)
+void readInto(handset::ActivityEntries& entries, const QString& key)
 {
-    if (!favourites::readEntries(entries, key))
+    if (!handset::readEntries(entries, key))
         throw failure(u"the file of %1 cannot be read"_s.arg(key));
 }
 

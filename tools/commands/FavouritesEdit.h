@@ -1,6 +1,7 @@
 // What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
 #pragma once
 
+#include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
 #include "tools/zynphone/Command.h"
 
@@ -15,7 +16,7 @@ QStringList readKeys();
 /// The failure of a verb for a number that is no favourite's.
 CommandError noFavourite(const QString& number);
 /// Appends the entries of a favourite, newest first; a failure when they cannot be read.
-void readInto(favourites::Entries& entries, const QString& key);
+void readInto(handset::ActivityEntries& entries, const QString& key);
 
 /// @{ Verbs that write, and refuse while another process owns the favourites.
 Command replaceFavouriteCommand();

@@ -1,6 +1,7 @@
 // zynphone favourites export and import: the favourites and their entries as a file.
 #include "tools/commands/FavouritesFileCommand.h"
 
+#include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/FavouriteKey_p.h"
@@ -20,12 +21,11 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-namespace favourites = zyn::favourites;
 using Entry = PHONE_ENG_ActivityLog;
 using Records = std::vector<QByteArray>;
 
 /// The entries of @p key, newest first; of the same time, the one logged last first, which importing them keeps.
-std::vector<const Entry*> inOrder(const favourites::Entries& entries)
+std::vector<const Entry*> inOrder(const handset::ActivityEntries& entries)
 {
     std::vector<const Entry*> ordered(entries.begin(), entries.end());
     std::ranges::stable_sort(ordered, [](const Entry* one, const Entry* other) {
@@ -36,8 +36,8 @@ std::vector<const Entry*> inOrder(const favourites::Entries& entries)
 
 void appendFavourite(Records& records, int place, const QString& key)
 {
-    favourites::Entries entries;
-    if (!favourites::readEntries(entries, key))
+    handset::ActivityEntries entries;
+    if (!handset::readEntries(entries, key))
         throw failure(u"the file of %1 cannot be read"_s.arg(key));
     for (const Entry* entry : inOrder(entries))
         records.push_back(favouriteRecord(place, key, *entry));
@@ -70,12 +70,12 @@ public:
     explicit Import(const Records& records)
         : m_records(records)
     {
-        auto places = favourites::keys().count(QString());
+        auto places = handset::favouriteKeys().count(QString());
         for (const QByteArray& record : records) {
             const QString key = keyOf(record);
             if (m_keys.contains(key) || m_refused.contains(key))
                 continue;
-            const bool isKnown = favourites::isFavourite(key);
+            const bool isKnown = handset::isFavourite(key);
             if (!zyn::canNameContactFile(key) || (!isKnown && places == 0))
                 m_refused += key;
             else
@@ -89,19 +89,19 @@ public:
     {
         QStringList lines;
         for (const QString& key : m_refused)
-            lines += zyn::canNameContactFile(key) ? favourites::describe(favourites::Change::NoPlace, {}, key)
-                                                  : favourites::describe(favourites::Change::Refused, {}, key);
+            lines += zyn::canNameContactFile(key) ? handset::describe(handset::FavouriteChange::NoPlace, {}, key)
+                                                  : handset::describe(handset::FavouriteChange::Refused, {}, key);
         return lines;
     }
 
     void run()
     {
         for (const QString& key : m_keys) {
-            if (favourites::isFavourite(key))
+            if (handset::isFavourite(key))
                 continue;
-            const favourites::Change change = favourites::replace({}, key);
-            if (change != favourites::Change::Done)
-                throw failure(favourites::describe(change, {}, key) + u"; "_s + state());
+            const handset::FavouriteChange change = handset::replaceFavourite({}, key);
+            if (change != handset::FavouriteChange::Done)
+                throw failure(handset::describe(change, {}, key) + u"; "_s + state());
         }
         // The oldest first: the log takes what comes last for the newest.
         for (auto record = m_records.rbegin(); record != m_records.rend(); ++record)
@@ -119,11 +119,11 @@ private:
     {
         Entry entry;
         readEntry(entry, record);
-        favourites::Entries entries;
-        favourites::readEntries(entries, keyOf(record));
-        if (entry.inUse == 0 || !m_keys.contains(keyOf(record)) || favourites::isTooOld(entry, entries))
+        handset::ActivityEntries entries;
+        handset::readEntries(entries, keyOf(record));
+        if (entry.inUse == 0 || !m_keys.contains(keyOf(record)) || handset::isTooOld(entry, entries))
             return;
-        if (!favourites::addEntry(entry, keyOf(record)))
+        if (!handset::addEntry(entry, keyOf(record)))
             throw failure(u"the file of %1 cannot be written; %2"_s.arg(keyOf(record), state()));
         ++m_logged;
     }

@@ -1,7 +1,7 @@
 // The right to change the activity log, for a verb that does.
 #pragma once
 
-#include "handset/favourites/ActivityLogLock.h"
+#include "handset/favourites/Favourites.h"
 #include "tools/zynphone/ExitCode.h"
 
 namespace zyn::tool {
@@ -12,12 +12,12 @@ class FavouritesOwnership
 public:
     FavouritesOwnership()
     {
-        if (!m_lock.take())
+        if (!m_lock.lock())
             throw failure(m_lock.problem());
     }
 
 private:
-    favourites::ActivityLogLock m_lock;
+    handset::ActivityLogLock m_lock;
 };
 
 } // namespace zyn::tool

@@ -2,8 +2,7 @@
 #include "tools/commands/MissedCommand.h"
 
 #include "handset/common/TerminationSignals.h"
-#include "handset/recent_calls/Coalescing.h"
-#include "handset/recent_calls/MissedCallEngine.h"
+#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "tools/commands/SendCommand.h"
@@ -24,7 +23,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::Coalescing;
+using zyn::handset::Debouncer;
 using zyn::handset::MissedCallEngine;
 
 constexpr Column<RC_MissedCallItem> kColumns[] = {
@@ -70,7 +69,7 @@ public:
     void follow()
     {
         QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
-                         &Coalescing::trigger);
+                         &Debouncer::trigger);
         show();
         if (!isOver())
             QCoreApplication::exec();
@@ -95,7 +94,7 @@ private:
     std::optional<int> m_left; ///< none when there is no limit
     std::optional<QJsonObject> m_shown;
     MissedCallEngine m_engine;
-    Coalescing m_update{[this] { showAgain(); }};
+    Debouncer m_update{[this] { showAgain(); }};
 };
 
 ExitCode showMissed(const Invocation& call, Console& console)

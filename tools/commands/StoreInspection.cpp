@@ -1,7 +1,7 @@
 // zynphone inspect: a whole store directory.
 #include "tools/commands/StoreInspection.h"
 
-#include "handset/favourites/ActivityLogLock.h"
+#include "handset/favourites/Favourites.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/RecentCall_Command_p.h"
@@ -32,7 +32,7 @@ public:
         const StoreFiles::Images images = StoreFiles(m_directory).images();
         const auto file = images.find(lock);
         const bool isLeft = file != images.end() && file->second && !lockProblem(m_directory + u'/' + lock).isEmpty();
-        if (!m_lock.take())
+        if (!m_lock.lock())
             throw failure(m_lock.problem() + u"; end it first"_s);
         if (isLeft)
             m_done.add(lock, u"removed"_s);
@@ -100,7 +100,7 @@ private:
     }
 
     const QString m_directory;
-    zyn::favourites::ActivityLogLock m_lock;
+    zyn::handset::ActivityLogLock m_lock;
     QString m_copy;
     Findings m_done;
     Findings m_left;

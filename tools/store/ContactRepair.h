@@ -1,7 +1,7 @@
 // Makes a sound file of a favourite's calls and messages out of a damaged one.
 #pragma once
 
-#include "handset/favourites/Favourites.h"
+#include "handset/favourites/ActivityLog.h"
 #include "tools/store/CallsRepair.h"
 #include "tools/store/SlotRepair.h"
 
@@ -21,7 +21,7 @@ protected:
     void correct(QByteArray& record, int from, int to) override;
 
 private:
-    const favourites::AgeOrder m_isOlder;
+    const handset::AgeOrder m_isOlder;
 };
 
 /// Gives the entries that were made of @p calls, in the sound @p image of the file @p name, the uids of these.

@@ -1,7 +1,7 @@
 // Checks all files of a store directory, each for itself and with the others.
 #include "tools/store/StoreCheck.h"
 
-#include "handset/favourites/SeenCalls.h"
+#include "handset/favourites/ActivityLog.h"
 #include "platform/posix/FileLock_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "tools/store/ContactFileCheck.h"

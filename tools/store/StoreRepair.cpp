@@ -1,7 +1,7 @@
 // What makes a damaged store sound again.
 #include "tools/store/StoreRepair.h"
 
-#include "handset/favourites/SeenCalls.h"
+#include "handset/favourites/ActivityLog.h"
 #include "platform/posix/Place_p.h"
 #include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/PlainBytes_p.h"

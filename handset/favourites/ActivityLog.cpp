@@ -1,0 +1,292 @@
+// What the favourites' activity log holds, and which calls have been considered for it.
+#include "handset/favourites/ActivityLog.h"
+
+#include "platform/posix/File_p.h"
+#include "platform/posix/StagedFile_p.h"
+#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/TopPalsSlots_p.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <compare>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+
+using Store = ActivityLog_ENG_RecordStore;
+
+namespace zyn::handset {
+namespace {
+
+/// More than the call log ever holds.
+constexpr qsizetype kSeenCallsLimit = qsizetype{1024} * 1024;
+
+Store& store()
+{
+    return *Store::instance();
+}
+
+/// The path of the file of @p key; null when that can name none.
+QString pathOf(const QString& key)
+{
+    return key == QLatin1String(kTopPalsDetailsName) ? QString() : store().getStoreFileName(key);
+}
+
+std::optional<QByteArray> readFile(const QString& path)
+{
+    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path), O_RDONLY);
+    return posix::readWhole(fd.get(), contactFileSize(kMaxContactSlots));
+}
+
+/// Appends the entries in the first @p slots slots of @p image. A damaged one must not lead to the slot or the file of
+/// another: it gets the slot where it lies, and is left out when its number is not @p key. Under a wrong header, a slot
+/// is in use only if its flag is 1.
+void appendEntries(ActivityEntries& entries, const QByteArray& image, const QString& key, int slots)
+{
+    const bool isTrusted = hasValidHeader(image);
+    for (int slot = 0; slot < slots; ++slot) {
+        if (!isContactRecordInUse(image, slot))
+            continue;
+        auto entry = std::make_unique<PHONE_ENG_ActivityLog>();
+        readContactRecord(*entry, image, slot);
+        entry->topPalsAvlPos = slot;
+        if (entry->getPhoneNumber() == key && (isTrusted || entry->inUse == 1))
+            entries.append(entry.release());
+    }
+}
+
+/// How many slots of @p image are in use, whatever they hold.
+int usedSlots(const QByteArray& image)
+{
+    int used = 0;
+    for (int slot = 0; slot < contactRecordCount(image); ++slot)
+        used += isContactRecordInUse(image, slot) ? 1 : 0;
+    return used;
+}
+
+/// Copies @p contents, those of the file @p path, to a free name beside it; that name, or null on failure.
+QByteArray keepCopy(const QByteArray& path, const QByteArray& contents)
+{
+    const posix::UniqueFd original = posix::openTrusted(path, O_RDONLY);
+    for (int number = 1;; ++number) {
+        QByteArray copy = path + kFormerInfix + QByteArray::number(number);
+        if (posix::createFile(copy, contents, original.get()))
+            return copy;
+        if (errno != EEXIST)
+            return {};
+    }
+}
+
+/// The order of @p one and @p other by age at the time @p now, as far as calls have one.
+std::strong_ordering compareAge(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other, qint64 now)
+{
+    const auto age = [now](const PHONE_ENG_RecentCall& call) {
+        return std::tuple(call.startTime <= now, call.startTime, call.uid);
+    };
+    return age(one) <=> age(other);
+}
+
+auto olderFirst()
+{
+    return [isOlder = AgeOrder()](const auto* one, const auto* other) { return isOlder(*one, *other); };
+}
+
+/// Sorts @p entries, the oldest first, and removes the oldest of those that do not fit into @p slots slots.
+void keepNewest(ActivityEntries& entries, int slots)
+{
+    std::ranges::stable_sort(entries, olderFirst());
+    while (entries.count() > slots)
+        entries.removeFirst();
+}
+
+/// The oldest of @p entries, or null.
+const PHONE_ENG_ActivityLog* oldestOf(const ActivityEntries& entries)
+{
+    const auto oldest = std::ranges::min_element(entries, olderFirst());
+    return oldest == entries.end() ? nullptr : *oldest;
+}
+
+/// The index after the greatest of @p entries.
+int32_t nextIndex(const ActivityEntries& entries)
+{
+    int32_t next = 0;
+    for (const PHONE_ENG_ActivityLog* entry : entries)
+        next = std::max(next, std::min(entry->topPalsAvlIndex, std::numeric_limits<int32_t>::max() - 1) + 1);
+    return next;
+}
+
+/// The contents of a file of @p slots slots with @p entries in the first ones.
+QByteArray freshImage(const ActivityEntries& entries, int slots)
+{
+    QByteArray image = bytesOf(StoreFileHeader{}).toByteArray();
+    for (int slot = 0; slot < entries.count(); ++slot) {
+        entries.at(slot)->topPalsAvlPos = slot;
+        image += contactRecordBytes(*entries.at(slot));
+    }
+    const PHONE_ENG_ActivityLog blank;
+    return image + contactRecordBytes(blank).toByteArray().repeated(slots - entries.count());
+}
+
+/// The slot that can best be spared in the full file of a favourite with these @p entries: one that holds none of them,
+/// or else that of the oldest; -1 when there is none.
+int slotToSpare(const ActivityEntries& entries)
+{
+    std::vector<bool> isUsed(static_cast<size_t>(contactSlots()));
+    for (const PHONE_ENG_ActivityLog* entry : entries) {
+        if (isContactSlot(entry->topPalsAvlPos, static_cast<int>(isUsed.size())))
+            isUsed[static_cast<size_t>(entry->topPalsAvlPos)] = true;
+    }
+    const auto other = std::ranges::find(isUsed, false);
+    if (other != isUsed.end())
+        return static_cast<int>(other - isUsed.begin());
+    const PHONE_ENG_ActivityLog* const oldest = oldestOf(entries);
+    return oldest ? oldest->topPalsAvlPos : -1;
+}
+
+/// Makes the library learn the next index.
+void learnIndex(const QString& key)
+{
+    ActivityEntries entries;
+    entries.setAutoDelete(true);
+    store().readTopPalsAvlContactRecordList(entries, key);
+    // It now takes the slots that the entries name for used; read again, it takes those that are.
+    Store::destroy();
+}
+
+} // namespace
+
+bool readEntries(ActivityEntries& entries, const QString& key)
+{
+    entries.setAutoDelete(true);
+    const int slots = contactSlots();
+    const auto image = readFile(pathOf(key));
+    if (!image || !hasValidHeader(*image) || contactRecordCount(*image) < slots)
+        return false;
+    appendEntries(entries, *image, key, slots);
+    store().sortOnTimeStamp(entries);
+    return true;
+}
+
+AgeOrder::AgeOrder()
+    : m_now(QDateTime::currentSecsSinceEpoch())
+{}
+
+bool AgeOrder::operator()(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other) const
+{
+    return std::is_lt(compareAge(one, other, m_now));
+}
+
+bool AgeOrder::operator()(const PHONE_ENG_ActivityLog& one, const PHONE_ENG_ActivityLog& other) const
+{
+    const auto order = compareAge(one, other, m_now);
+    return std::is_lt(order)
+           || (std::is_eq(order)
+               && std::tie(one.topPalsAvlIndex, one.topPalsAvlPos)
+                      < std::tie(other.topPalsAvlIndex, other.topPalsAvlPos));
+}
+
+bool isTooOld(const PHONE_ENG_RecentCall& call, const ActivityEntries& entries)
+{
+    const PHONE_ENG_RecentCall* const oldest = oldestOf(entries);
+    return oldest && entries.count() >= contactSlots() && !AgeOrder()(*oldest, call);
+}
+
+bool hasValidLog(const QString& key)
+{
+    return store().checkTopPalsFile(pathOf(key));
+}
+
+bool renewLog(const QString& key)
+{
+    const int slots = contactSlots();
+    const QString path = pathOf(key);
+    const auto old = readFile(path);
+    if (slots == 0 || path.isNull() || (!old && QFile::exists(path)))
+        return false;
+    ActivityEntries entries;
+    entries.setAutoDelete(true);
+    if (old)
+        appendEntries(entries, *old, key, contactRecordCount(*old));
+    keepNewest(entries, slots);
+    const QByteArray image = freshImage(entries, slots);
+    const bool isLosing = old && entries.count() < usedSlots(*old);
+    const QByteArray name = QFile::encodeName(path);
+    const QByteArray copy = isLosing ? keepCopy(name, *old) : QByteArray();
+    if (isLosing && copy.isNull())
+        return false;
+    const bool isMade = posix::replaceFile(name, image);
+    if (!isMade && isLosing)
+        posix::removeFile(copy); // otherwise each attempt would leave one
+    Store::destroy();
+    return isMade && hasValidLog(key);
+}
+
+bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
+{
+    entry.setPhoneNumber(key);
+    entry.inUse = 1;
+    const bool isFavourite = !key.isEmpty() && store().getTopPalFileItem(key) >= 0;
+    if (!isFavourite || (!hasValidLog(key) && !renewLog(key)))
+        return false;
+    ActivityEntries others;
+    if (!readEntries(others, key))
+        return false;
+    const int32_t index = nextIndex(others);
+    learnIndex(key);
+    if (store().addTopPalsAvlItem(entry) == 1) {
+        // The library starts at 0 in each process, and repeats indexes until an entry has a greater one.
+        if (entry.topPalsAvlIndex < index) {
+            entry.topPalsAvlIndex = index;
+            store().modifyTopPalsAvlItem(entry);
+        }
+        return true;
+    }
+    if (store().getAvailableTopPalsAvlPos(key) >= 0)
+        return false;
+    // No slot was free, but the entry has its index now. A single write puts it over another one, so that nothing is
+    // lost when that fails.
+    entry.topPalsAvlIndex = std::max(entry.topPalsAvlIndex, index);
+    entry.topPalsAvlPos = slotToSpare(others);
+    return store().modifyTopPalsAvlItem(entry) == 1;
+}
+
+SeenCalls::SeenCalls(QString path)
+    : m_path(std::move(path))
+{
+    const QByteArray image = posix::readWhole(QFile::encodeName(m_path), kSeenCallsLimit).value_or(QByteArray());
+    if (!hasValidHeader(image))
+        return;
+    Mark mark = {};
+    constexpr qsizetype kSize = sizeof mark;
+    for (qsizetype at = sizeof(StoreFileHeader); at + kSize <= image.size(); at += kSize) {
+        std::memcpy(&mark, image.constData() + at, sizeof mark);
+        m_marks.insert(mark);
+    }
+}
+
+bool SeenCalls::replaceBy(std::span<const PHONE_ENG_RecentCall> calls)
+{
+    QSet<Mark> marks;
+    for (const PHONE_ENG_RecentCall& call : calls)
+        marks.insert(markOf(call));
+    if (m_isStored && marks == m_marks)
+        return true;
+    m_marks = marks;
+    QByteArray image = bytesOf(StoreFileHeader{}).toByteArray();
+    for (const Mark& mark : marks)
+        image += bytesOf(mark);
+    m_isStored = posix::replaceFile(QFile::encodeName(m_path), image);
+    return m_isStored;
+}
+
+} // namespace zyn::handset
