@@ -1,10 +1,12 @@
-// The recent-call screens.
+// The recent-call screens, and their number picker.
 #include "handset/recentcall_screen/RecentScreen.h"
 
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
-#include "handset/recentcall_screen/ScreenText.h"
+#include "handset/common/Text.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/RecentCall_Msg.h"
+#include "utility/PHONE_Payload_p.h"
 
 #include <algorithm>
 #include <span>
@@ -17,7 +19,7 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-/// The calls of @p page; nothing, and told in the log, when they cannot be had.
+/// The calls of @p page; nothing, which is logged, when the service does not answer.
 std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
 {
     auto calls = fetchCalls(page.category);
@@ -26,20 +28,20 @@ std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
     return calls;
 }
 
-/// Whether both are the same call, read or not. The uid alone does not tell: uids begin anew with new files.
+/// Whether both are the same call, read or not. The uid is not enough: uids begin anew with new files.
 bool isSameCall(const Call& left, const Call& right)
 {
     return left.category == right.category && left.uid == right.uid && left.startTime == right.startTime
            && left.getPhoneNumber() == right.getPhoneNumber();
 }
 
-/// Lets the unread ones of @p calls count as read, unless @p output could not show them.
+/// Marks the unread ones of @p calls as read, unless @p output could not show them.
 void markShown(std::span<const Call> calls, const Output& output)
 {
     if (!output.isSound())
         return;
     for (const Call& call : calls) {
-        // A service that does not answer would be waited for with every call.
+        // Every further call would wait for a service that does not answer.
         if (isUnread(call) && zyn::recentcall::markRead(call) == zyn::recentcall::Failure) {
             log(u"the recent-call service does not mark calls as read"_s);
             return;
@@ -57,13 +59,73 @@ QStringList numbersOf(const std::vector<Call>& calls)
 
 } // namespace
 
+NumberPicker::NumberPicker(Output& output, std::optional<QString> answer)
+    : m_output(output)
+    , m_answer(std::move(answer))
+{
+    connect(&m_input, &LineInput::entered, this, &NumberPicker::pick);
+}
+
+void NumberPicker::open(const QStringList& numbers)
+{
+    m_numbers = numbers;
+    m_isOpen = true;
+    if (m_numbers.isEmpty())
+        close();
+    else if (m_answer)
+        pick(*m_answer);
+    else
+        ask();
+}
+
+void NumberPicker::close()
+{
+    if (m_isOpen)
+        report(QString());
+}
+
+void NumberPicker::ask()
+{
+    m_output.write(u"Row to pick, or an empty line for none:\n"_s);
+    m_input.ask();
+}
+
+void NumberPicker::pick(const QString& line)
+{
+    const std::optional<int> row = wholeNumber(line);
+    const QString number = row ? m_numbers.value(*row) : QString();
+    if (!number.isEmpty() || line.isEmpty()) {
+        report(number);
+        return;
+    }
+    m_output.write(u"No number in row '%1'.\n"_s.arg(printable(line)));
+    if (m_answer)
+        close();
+    else
+        ask();
+}
+
+/// Closes the picker with @p number, or without one when that is empty.
+void NumberPicker::report(const QString& number)
+{
+    m_isOpen = false;
+    m_input.cancel();
+    m_output.write(number.isEmpty() ? u"picked none\n"_s : u"picked %1\n"_s.arg(printable(number)));
+    PayloadWriter payload;
+    payload.writeBool(!number.isEmpty());
+    if (!number.isEmpty())
+        payload.writeText(number);
+    if (!RecentCall_Msg::send(RecentCall_Msg::RECENTCALL_MSG_EXIT_PICKER_S, payload.payload()))
+        log(u"cannot tell what was picked"_s);
+}
+
 RecentScreen::RecentScreen(Output& output, NumberPicker& picker)
     : m_output(output)
     , m_picker(picker)
     , m_missedUpdate([this] { refresh(); })
 {}
 
-void RecentScreen::obey(RecentCall_MsgClient& client)
+void RecentScreen::follow(RecentCall_MsgClient& client)
 {
     connect(&client, &RecentCall_MsgClient::signalShowRecentCall, this, &RecentScreen::showCategory);
     connect(&client, &RecentCall_MsgClient::signalShowPage, this, &RecentScreen::showPage);
@@ -97,7 +159,7 @@ void RecentScreen::openPage(const ScreenPage& page)
 {
     auto calls = callsOf(page);
     if (page.asksForNumber) {
-        // Whoever waits for a number is told, too, that there is none.
+        // Whoever waits for a number learns too that there is none.
         const QStringList numbers = numbersOf(calls.value_or(Calls()));
         if (calls)
             draw(page, std::move(*calls));
@@ -138,8 +200,8 @@ void RecentScreen::hide()
     m_page = nullptr;
 }
 
-/// Draws the list again when other calls are in it. That a call is read now is no reason: drawing makes it so, and the
-/// service announces that.
+/// Draws the list again when other calls are in it. A call that was only read since is no reason: drawing marks calls
+/// as read, and the service announces that.
 void RecentScreen::refresh()
 {
     if (!m_page)

@@ -1,26 +1,29 @@
-// The pages of the recent-call screens.
+// The pages of the recent-call screens, and what they show as text.
 #pragma once
 
+#include "recentcall/utility/PHONE_ENG_RecentCall.h"
 #include "recentcall/utility/RecentCall_Msg.h"
+
+#include <QtCore/QString>
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 namespace zyn::handset {
 
-/// One page: the calls that it shows, newest first, in rows that are counted from 0.
+/// A page and the calls that it shows, newest first, in rows that are counted from 0.
 struct ScreenPage
 {
     RC_PAGE_ID_T page;
     const char* name;
     RC_CALL_CATEGORY_T category;
-    bool asksForNumber = false; ///< closes as soon as the user has picked the number of a row, or none
+    bool asksForNumber = false; ///< closes when the user has picked the number of a row, or none
 };
 
 inline constexpr RC_PAGE_ID_T kPickerPage{5};
 
-/// What a page number of the screens' messages stands for. The pages of the lists have the numbers of their categories,
-/// and are what is shown when a category is asked for; the screens have no other categories and no other pages.
+/// All pages. Those of the lists have the numbers of their categories, and are shown when a category is asked for.
 inline constexpr ScreenPage kScreenPages[] = {
     {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_ANSWERED}}, "answered", RC_CALL_CATEGORY_ANSWERED},
     {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_MISSED}}, "missed", RC_CALL_CATEGORY_MISSED},
@@ -42,5 +45,11 @@ inline const ScreenPage* pageListing(int category)
     const ScreenPage* const page = pageNumbered(category);
     return page && page->category == category ? page : nullptr;
 }
+
+/// The rows of a page under a line of titles, unread calls marked. Only printable characters come out.
+QString pageText(const ScreenPage& page, const std::vector<PHONE_ENG_RecentCall>& calls);
+
+/// All of one call, which is in row @p index of @p page.
+QString detailText(const ScreenPage& page, int index, const PHONE_ENG_RecentCall& call);
 
 } // namespace zyn::handset

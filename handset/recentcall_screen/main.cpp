@@ -9,8 +9,8 @@
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
-namespace handset = zyn::handset;
 
+namespace zyn::handset {
 namespace {
 
 const QString kPick = u"pick"_s;
@@ -19,7 +19,7 @@ const QString kPickNone = u"none"_s;
 QString description()
 {
     QStringList pages;
-    for (const handset::ScreenPage& page : handset::kScreenPages)
+    for (const ScreenPage& page : kScreenPages)
         pages += u"%1 %2"_s.arg(page.page).arg(QLatin1String(page.name));
     return u"Plays the recent-call screens: shows what others ask for on the channel\n"
            "/ZYN/recentcall, lets the missed calls that it has shown count as read,\n"
@@ -29,8 +29,8 @@ QString description()
            "Ends on SIGTERM and SIGINT, and when the handset is switched off."_s.arg(pages.join(u", "_s));
 }
 
-/// What the picker is answered with, when --pick is given: a row, or an empty line for none.
-std::optional<QString> unattendedAnswer(const handset::CommandLine& commandLine)
+/// The answer of --pick: a row, or an empty line for none; nothing when it is not given.
+std::optional<QString> unattendedAnswer(const CommandLine& commandLine)
 {
     if (!commandLine.isSet(kPick))
         return std::nullopt;
@@ -45,19 +45,22 @@ bool isAnswer(const QString& text)
 }
 
 } // namespace
+} // namespace zyn::handset
+
+namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
     handset::TerminalProgram program(argc, argv, u"zyn-recents"_s, QStringLiteral(ZYN_VERSION));
     handset::Output& output = program.output;
 
-    handset::CommandLine commandLine(description(), &output);
-    commandLine.add(QCommandLineOption(kPick, u"Answer the number picker with the number of this row, or with none."_s,
-                                       u"row|none"_s));
+    handset::CommandLine commandLine(handset::description(), &output);
+    commandLine.add(QCommandLineOption(
+        handset::kPick, u"Answer the number picker with the number of this row, or with none."_s, u"row|none"_s));
     if (!commandLine.parse())
         return handset::kUsageError;
-    const std::optional<QString> answer = unattendedAnswer(commandLine);
-    if (answer && !isAnswer(*answer)) {
+    const std::optional<QString> answer = handset::unattendedAnswer(commandLine);
+    if (answer && !handset::isAnswer(*answer)) {
         handset::log(u"--pick is the number of a row, 0 or more, or none"_s);
         return handset::kUsageError;
     }
@@ -67,7 +70,7 @@ int main(int argc, char** argv)
     RecentCall_MsgClient& client = *RecentCall_MsgClient::instance();
     if (!client.isListening())
         return EXIT_FAILURE;
-    screen.obey(client);
+    screen.follow(client);
     QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
     commandLine.announce(QString::fromUtf8(client.channel()));
     QCoreApplication::exec();

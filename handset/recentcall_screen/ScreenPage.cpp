@@ -1,5 +1,5 @@
-// What the recent-call screens show, as text.
-#include "handset/recentcall_screen/ScreenText.h"
+// The pages of the recent-call screens, and what they show as text.
+#include "handset/recentcall_screen/ScreenPage.h"
 
 #include "handset/common/Text.h"
 #include "handset/recent_calls/RecentCalls.h"
