@@ -1,10 +1,11 @@
 // The favourites: their owner, run as the process that it is, and the tool's verbs around it.
 #include "platform/QCopChannel.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tests/support/ActivityLogFixture.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"

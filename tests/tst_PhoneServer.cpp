@@ -3,7 +3,7 @@
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"

@@ -1,5 +1,5 @@
 // How store files come into being, in directories that are full, short of descriptors, or another user's.
-#include "recentcall/utility/StoreFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "support/Descriptors.h"
 #include "support/OtherUser.h"
 #include "support/ScopedFileSizeLimit.h"

@@ -1,7 +1,7 @@
 // The tool's doctor: a desk on which nothing is wrong, and each fault planted on it.
 #include "platform/posix/UnixSocket_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "support/ServiceProcess.h"
 #include "support/StoreFixture.h"
 #include "support/Terminal.h"

@@ -1,7 +1,7 @@
 // Calls in files, made-up calls, and completion in bash: the tool's verbs with a recent-call service of their own.
 #include "recentcall/utility/PHONE_RecentCall.h"
-#include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "support/ServiceProcess.h"
 #include "support/StoreFixture.h"
 #include "support/Tool.h"

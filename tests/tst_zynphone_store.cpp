@@ -1,6 +1,6 @@
 // A whole store directory checked and repaired by the tool, with every kind of damage.
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "support/ActivityLogFixture.h"
 #include "support/OtherUser.h"
 #include "support/ServiceProcess.h"

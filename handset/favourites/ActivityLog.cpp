@@ -3,9 +3,8 @@
 
 #include "platform/posix/File_p.h"
 #include "platform/posix/StagedFile_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/TopPalsSlots_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFile>

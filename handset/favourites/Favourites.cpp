@@ -3,10 +3,9 @@
 
 #include "handset/favourites/ActivityLog.h"
 #include "platform/posix/File_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/FavouriteKey_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>

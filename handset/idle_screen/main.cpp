@@ -6,11 +6,11 @@
 #include "handset/common/Text.h"
 #include "handset/favourites/Favourites.h"
 #include "handset/recent_calls/RecentCalls.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>

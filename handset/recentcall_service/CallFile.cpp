@@ -3,8 +3,8 @@
 
 #include "handset/common/Log.h"
 #include "platform/posix/File_p.h"
-#include "recentcall/utility/RecordFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <QtCore/QFile>
 

@@ -3,7 +3,7 @@
 
 #include "handset/common/Log.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "handset/recentcall_service/CallFile.h"
-#include "recentcall/utility/CallUids_p.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 
 #include <QtCore/QByteArray>
 

@@ -7,8 +7,8 @@
 #include "handset/common/TerminationSignals.h"
 #include "handset/recentcall_service/CallLog.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
-#include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RecentCall_Msg.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include <QtCore/QCoreApplication>

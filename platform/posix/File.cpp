@@ -27,6 +27,11 @@ zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = 0
         zyn::posix::retry([&] { return ::open(path.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
 }
 
+FileId idOf(const struct stat& status)
+{
+    return {status.st_dev, status.st_ino};
+}
+
 /// Whether something else than a regular file has the name @p path. To open a device may do more than to open it.
 bool isNoFile(const QByteArray& path)
 {
@@ -49,13 +54,19 @@ UniqueFd openForChanging(const QByteArray& path)
 std::optional<FileId> fileId(const QByteArray& path)
 {
     struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
+    return ::lstat(path.constData(), &status) == 0 ? std::optional(idOf(status)) : std::nullopt;
+}
+
+std::optional<FileId> fileId(int fd)
+{
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 ? std::optional(idOf(status)) : std::nullopt;
 }
 
 bool isNamed(int fd, const QByteArray& path)
 {
-    struct stat status = {};
-    return ::fstat(fd, &status) == 0 && fileId(path) == FileId{status.st_dev, status.st_ino};
+    const std::optional<FileId> open = fileId(fd);
+    return open && fileId(path) == open;
 }
 
 UniqueFd lockFile(const QByteArray& path)
@@ -139,6 +150,17 @@ std::optional<qint64> regularFileSize(int fd)
     return qint64{status.st_size};
 }
 
+std::optional<qint64> soleFileSize(int fd)
+{
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 && status.st_nlink == 1 ? std::optional(qint64{status.st_size}) : std::nullopt;
+}
+
+bool resize(int fd, qint64 size)
+{
+    return ::ftruncate(fd, static_cast<off_t>(size)) == 0;
+}
+
 off_t nextData(int fd, off_t offset)
 {
     const off_t next = ::lseek(fd, offset, SEEK_DATA);
@@ -149,10 +171,8 @@ off_t nextData(int fd, off_t offset)
 
 bool leadsTo(const QByteArray& path, int fd)
 {
-    struct stat open = {};
     struct stat found = {};
-    return ::fstat(fd, &open) == 0 && ::stat(path.constData(), &found) == 0 && open.st_dev == found.st_dev
-           && open.st_ino == found.st_ino;
+    return ::stat(path.constData(), &found) == 0 && fileId(fd) == idOf(found);
 }
 
 bool isMissing(const QByteArray& path)

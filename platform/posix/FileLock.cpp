@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <span>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zyn::posix {
@@ -27,8 +26,8 @@ QByteArray hostName()
 /// Whether @p path is that of nothing, or of something of this user's or root's.
 bool isOfTrustedOwner(const QByteArray& path)
 {
-    struct stat status = {};
-    return ::lstat(path.constData(), &status) != 0 || isTrustedUser(status.st_uid);
+    const std::optional<uid_t> owner = ownerOf(path);
+    return !owner || isTrustedUser(*owner);
 }
 
 } // namespace

@@ -33,6 +33,9 @@ struct FileId
 /// That of what @p path names, be it a link; nothing when it names nothing.
 std::optional<FileId> fileId(const QByteArray& path);
 
+/// That of the open file @p fd.
+std::optional<FileId> fileId(int fd);
+
 /// Whether @p path is a name of the open file @p fd.
 bool isNamed(int fd, const QByteArray& path);
 
@@ -65,6 +68,12 @@ std::optional<QByteArray> readWhole(int fd, qint64 limit);
 
 /// How many bytes the open file @p fd has; nothing when it is no regular file.
 std::optional<qint64> regularFileSize(int fd);
+
+/// How many bytes the open file @p fd has; nothing when it has another name, too.
+std::optional<qint64> soleFileSize(int fd);
+
+/// Cuts the open file @p fd to @p size bytes, or extends it with zeros.
+bool resize(int fd, qint64 size);
 
 /// The offset in the open file @p fd, from @p offset on, at which there is no hole; the file's end when there is none.
 off_t nextData(int fd, off_t offset);

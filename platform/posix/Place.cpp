@@ -106,6 +106,11 @@ UniqueFd openAt(const Place& place, int flags)
     return openAt(place.directory.get(), place.name, flags);
 }
 
+UniqueFd openForChanging(const Place& place)
+{
+    return openAt(place, O_RDWR);
+}
+
 UniqueFd openTrusted(const QByteArray& path, int flags)
 {
     // Most paths have no link: then one call does. The others are walked, as all are where the kernel lacks that call.

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+#include <fcntl.h>
 #include <sys/types.h>
 
 namespace zyn::posix {
@@ -34,10 +35,12 @@ std::optional<Place> placeOf(const QByteArray& path, LastLink last = LastLink::F
 /// Opens the file @p name in @p directory, but no link. Never waits for the other end of a FIFO.
 UniqueFd openAt(int directory, const QByteArray& name, int flags, mode_t mode = 0);
 /// The same of a place, where a link may have come meanwhile.
-UniqueFd openAt(const Place& place, int flags);
+UniqueFd openAt(const Place& place, int flags = O_RDONLY);
+/// That for reading and writing.
+UniqueFd openForChanging(const Place& place);
 
 /// Opens @p path, which is not created, as placeOf() finds it.
-UniqueFd openTrusted(const QByteArray& path, int flags);
+UniqueFd openTrusted(const QByteArray& path, int flags = O_RDONLY);
 
 /// Makes the directory @p path in one that exists; false when it cannot be made, also as something has its name.
 bool makeDirectory(const QByteArray& path, mode_t mode);

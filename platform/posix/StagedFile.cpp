@@ -120,20 +120,17 @@ bool StagedFile::exchange()
            || (isUnsupported() && moveOver());
 }
 
-UniqueFd StagedFile::openExchanged(int flags) const
+UniqueFd StagedFile::openExchanged() const
 {
-    return openAt(m_place.directory.get(), m_name, flags);
+    return openAt(m_place.directory.get(), m_name, O_RDWR);
 }
 
 bool StagedFile::isExchangedFor(int fd) const
 {
-    struct stat open = {};
-    struct stat named = {};
     if (!m_isNamed)
         return true;
-    return ::fstat(fd, &open) == 0
-           && ::fstatat(m_place.directory.get(), m_name.constData(), &named, AT_SYMLINK_NOFOLLOW) == 0
-           && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+    const std::optional<FileId> open = fileId(fd);
+    return open && entryId(m_place.directory.get(), m_name) == open;
 }
 
 bool replaceFile(const Place& place, const QByteArray& contents)

@@ -35,8 +35,8 @@ public:
     /// over.
     bool exchange();
 
-    /// Opens what an exchange has brought under the name that this file had.
-    UniqueFd openExchanged(int flags) const;
+    /// Opens what an exchange has brought under the name that this file had, for reading and writing.
+    UniqueFd openExchanged() const;
     /// Whether that is the open file @p fd, or nothing, as the file at the place was moved over.
     bool isExchangedFor(int fd) const;
 

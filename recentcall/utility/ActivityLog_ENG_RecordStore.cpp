@@ -1,23 +1,24 @@
 // The activity log of five favourites on disk.
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
-#include "recentcall/utility/TopPalsDetails_p.h"
-#include "recentcall/utility/TopPalsEntries_p.h"
-#include "recentcall/utility/TopPalsFile_p.h"
-#include "recentcall/utility/TopPalsSlots_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/TopPalsSlots_p.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <queue>
 #include <utility>
+#include <vector>
+
+using zyn::ContactFile;
 
 namespace {
 
@@ -41,16 +42,35 @@ int8_t freePlace(const zyn::TopPalsDetails& places)
     return place == places.end() ? int8_t{-1} : static_cast<int8_t>(place - places.begin());
 }
 
+/// The number in a place, as long as that is there; empty in a free one.
+QLatin1String numberOf(const TopPalNumberDetail& place)
+{
+    const auto length = static_cast<qsizetype>(qstrnlen(place.phoneNumber, sizeof place.phoneNumber));
+    return QLatin1String(place.phoneNumber, length);
+}
+
+/// The slots in use in the file of @p number: of those that it holds whole, however many it should have. None when its
+/// header is wrong.
+std::vector<int> usedSlots(const QString& number)
+{
+    if (number.isEmpty()) // a free place, for which no line is printed
+        return {};
+    const QString path = zyn::contactPath(number);
+    const qint64 size = std::min(QFileInfo(path).size(), ContactFile::size());
+    const auto image = zyn::readStoreFile(QFile::encodeName(path), size);
+    if (!image || !zyn::hasValidHeader(*image))
+        return {};
+    return ContactFile::usedSlots(*image, ContactFile::count(*image));
+}
+
 /// Appends the records in use, up to the end of @p image; whether it holds all @p slots slots.
 bool appendRecords(const ActivityLog_ENG_RecordStore& store, QSortedList<PHONE_ENG_ActivityLog>& list,
                    const QByteArray& image, int slots)
 {
-    const int present = zyn::contactRecordCount(image);
-    for (int slot = 0; slot < present; ++slot) {
-        if (!zyn::isContactRecordInUse(image, slot))
-            continue;
+    const int present = ContactFile::count(image);
+    for (const int slot : ContactFile::usedSlots(image, present)) {
         auto record = std::make_unique<PHONE_ENG_ActivityLog>();
-        zyn::readContactRecord(*record, image, slot);
+        ContactFile::read(*record, image, slot);
         if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
             std::printf("TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
                         "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n");
@@ -65,6 +85,40 @@ bool appendRecords(const ActivityLog_ENG_RecordStore& store, QSortedList<PHONE_E
     std::printf("TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
                 "callData failed\n");
     return false;
+}
+
+/// Orders @p list newest first, as a selection sort does, and keeps as many records as a file has slots.
+void sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list, int slots)
+{
+    std::printf("TP5_AVL:RC Store: ENTER: sortOnTimeStamp():");
+    std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): Before sort count = %d\n", static_cast<int>(list.count()));
+    // A selection sort whose search for the newest is a queue. The seconds are in the order of the date-times that they
+    // stand for; of equal ones the lowest place is the greatest, counted downwards.
+    using Candidate = std::pair<int32_t, qsizetype>;
+    std::vector<Candidate> starts;
+    starts.reserve(static_cast<size_t>(list.count()));
+    for (const PHONE_ENG_ActivityLog* record : std::as_const(list))
+        starts.emplace_back(record->startTime, -static_cast<qsizetype>(starts.size()));
+    std::priority_queue<Candidate> candidates({}, std::move(starts));
+
+    const auto records = list.begin();
+    const qsizetype kept = std::min(list.count(), qsizetype{slots});
+    for (qsizetype i = 0; i < kept; ++i) {
+        while (-candidates.top().second < i) // swapped away, and in the queue with its new place
+            candidates.pop();
+        const qsizetype max = -candidates.top().second;
+        candidates.pop();
+        if (max == i)
+            continue;
+        std::swap(records[i], records[max]);
+        candidates.emplace(records[max]->startTime, -max);
+        std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): swap(i = %d, max = %d)\n", static_cast<int>(i),
+                    static_cast<int>(max));
+    }
+    while (list.count() > kept)
+        list.removeLast();
+    std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): After sort count = %d\n", static_cast<int>(list.count()));
+    std::printf("TP5_AVL:RC Store: EXIT: sortOnTimeStamp()\n");
 }
 
 bool dropFavourite(zyn::TopPalsDetails& places, int i, const QString& number, int slots)
@@ -135,8 +189,8 @@ ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
     zyn::initTopPalNumberDetails(topPalNumberDetails);
     topPalsAvlFlags = {};
     for (int i = 0; i < kFavourites; ++i) {
-        const QString number = zyn::numberOf(topPalNumberDetails.at(size_t(i)));
-        for (const int slot : zyn::usedSlots(number))
+        const QString number = numberOf(topPalNumberDetails.at(size_t(i)));
+        for (const int slot : usedSlots(number))
             topPalsAvlFlags.mark(i, slot, true);
     }
 }
@@ -197,13 +251,13 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
         const QByteArray shownPath = path.toLatin1();
         std::printf("TP5_AVL:RC Store:  readTopPalsAvlContactRecordList(), fileName = %s\n", shownPath.constData());
         const int slots = zyn::contactSlots();
-        if (const auto image = zyn::readStoreFile(QFile::encodeName(path), zyn::contactFileSize(slots))) {
+        if (const auto image = zyn::readStoreFile(QFile::encodeName(path), ContactFile::size(slots))) {
             std::printf("TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n");
             isRead = zyn::hasValidHeader(*image) && appendRecords(*this, list, *image, slots);
             std::printf("TP5_AVL: RC Store: readTopPalsAvlContactRecordList(): r_callList.count() = %d\n",
                         static_cast<int>(list.count()));
             if (list.count() > 1)
-                zyn::sortOnTimeStamp(list, slots);
+                ::sortOnTimeStamp(list, slots);
         } else {
             std::printf("TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), cannot open file %s\n",
                         shownPath.constData());
@@ -215,7 +269,7 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
 
 void ActivityLog_ENG_RecordStore::sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list)
 {
-    zyn::sortOnTimeStamp(list, zyn::contactSlots());
+    ::sortOnTimeStamp(list, zyn::contactSlots());
 }
 
 int ActivityLog_ENG_RecordStore::revampTopPalsAvlStorage(const QString& oldNumber, const QString& newNumber)
@@ -241,14 +295,14 @@ bool ActivityLog_ENG_RecordStore::getCurrentTopPalsFileNames(QString* names)
     if (!names)
         return false;
     for (const TopPalNumberDetail& place : topPalNumberDetails)
-        *names++ = zyn::numberOf(place);
+        *names++ = numberOf(place);
     return true;
 }
 
 int8_t ActivityLog_ENG_RecordStore::getTopPalFileItem(const QString& number) const
 {
     for (int8_t i = 0; i < kFavourites; ++i) {
-        if (zyn::numberOf(topPalNumberDetails.at(size_t(i))) == number)
+        if (numberOf(topPalNumberDetails.at(size_t(i))) == number)
             return i;
     }
     return -1;

@@ -8,23 +8,7 @@
 #include <QtCore/QString>
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
-#include <type_traits>
-
-/// One of the five places for a favourite, in memory as on disk: 24 bytes, little-endian.
-struct TopPalNumberDetail
-{
-    int32_t nthFileItem = kFree; ///< the place's own number, 0 to 4; kFree when it holds no favourite
-    char phoneNumber[18] = {};   ///< Latin-1, at most 17 characters, padded with NUL
-    char padding[2] = {};        ///< 0 when written, ignored when read
-
-    static constexpr int32_t kFree = -1; ///< nthFileItem of a place without a favourite
-};
-static_assert(offsetof(TopPalNumberDetail, nthFileItem) == 0);
-static_assert(offsetof(TopPalNumberDetail, phoneNumber) == 4);
-static_assert(offsetof(TopPalNumberDetail, padding) == 22);
-static_assert(sizeof(TopPalNumberDetail) == 24 && std::is_trivially_copyable_v<TopPalNumberDetail>);
 
 /**
  * The activity log of this process: up to five favourites, and a file of the latest calls and messages of each.
@@ -41,7 +25,7 @@ static_assert(sizeof(TopPalNumberDetail) == 24 && std::is_trivially_copyable_v<T
 class ZYN_EXPORT ActivityLog_ENG_RecordStore
 {
 public:
-    static constexpr int kFavourites = 5; ///< how many favourites there may be
+    static constexpr int kFavourites = TopPalNumberDetail::kPlaces; ///< how many favourites there may be
 
     /// The store of the process. The first call makes it and the file of the favourites unless there is one; slots that
     /// hold entries already are known to be used, also those of a file of another size.

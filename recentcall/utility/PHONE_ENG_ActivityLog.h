@@ -1,4 +1,4 @@
-// The record of one activity of a favourite contact: a call or a message.
+// The records of the activity log: an activity of a favourite, a call or a message, and a favourite's place.
 #pragma once
 
 #include "platform/ZynExport.h"
@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 /**
  * A call record with the fields of the activity log: 300 bytes, little-endian, on disk as in memory.
@@ -77,3 +78,18 @@ static_assert(offsetof(PHONE_ENG_ActivityLog, flagB) == 297);
 static_assert(offsetof(PHONE_ENG_ActivityLog, padding298) == 298);
 #pragma GCC diagnostic pop
 static_assert(sizeof(PHONE_ENG_ActivityLog) == 300 && alignof(PHONE_ENG_ActivityLog) == 4);
+
+/// One of the five places for a favourite: 24 bytes, little-endian, on disk as in memory.
+struct TopPalNumberDetail
+{
+    int32_t nthFileItem = kFree; ///< the place's own number, 0 to 4; kFree when it holds no favourite
+    char phoneNumber[18] = {};   ///< Latin-1, at most 17 characters, padded with NUL
+    char padding[2] = {};        ///< 0 when written, ignored when read
+
+    static constexpr int kPlaces = 5;    ///< how many places there are
+    static constexpr int32_t kFree = -1; ///< nthFileItem of a place without a favourite
+};
+static_assert(offsetof(TopPalNumberDetail, nthFileItem) == 0);
+static_assert(offsetof(TopPalNumberDetail, phoneNumber) == 4);
+static_assert(offsetof(TopPalNumberDetail, padding) == 22);
+static_assert(sizeof(TopPalNumberDetail) == 24 && std::is_trivially_copyable_v<TopPalNumberDetail>);

@@ -2,6 +2,7 @@
 #include "recentcall/utility/PHONE_RecentCallInterface.h"
 
 #include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 
 using zyn::recentcall::interfaceResult;
@@ -28,7 +29,7 @@ int PHONE_RecentCall_Interface::rc_deleteAll(CALL_CATEGORY_T category)
 
 bool PHONE_RecentCall_Interface::getLastDialedNumber(QString& number)
 {
-    return zyn::recentcall::lastDialedNumber(number);
+    return RC_Interface().getLastDialedNumber(number);
 }
 
 PHONE_RecentCallInterface::PHONE_RecentCallInterface() = default;
@@ -37,5 +38,5 @@ PHONE_RecentCallInterface::~PHONE_RecentCallInterface() = default;
 
 bool PHONE_RecentCallInterface::getLastDialedNumber(QString& number)
 {
-    return zyn::recentcall::lastDialedNumber(number);
+    return RC_Interface().getLastDialedNumber(number);
 }

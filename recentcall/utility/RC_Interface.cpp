@@ -3,8 +3,9 @@
 
 #include "platform/CommandData_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
-#include "recentcall/utility/PlainBytes_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <algorithm>
 
@@ -76,5 +77,11 @@ int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATE
 
 bool RC_Interface::getLastDialedNumber(QString& number)
 {
-    return rc::lastDialedNumber(number);
+    QSortedList<PHONE_ENG_RecentCall> dialed;
+    dialed.setAutoDelete(true);
+    RecentCall_ENG_RecordStore::instance()->readDataList(dialed, RC_CALL_CATEGORY_DIALED);
+    if (dialed.isEmpty())
+        return false;
+    number = dialed.getFirst()->getPhoneNumber();
+    return true;
 }

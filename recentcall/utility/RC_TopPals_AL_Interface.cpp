@@ -3,7 +3,7 @@
 
 #include "platform/QCopChannel.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Payload_p.h"
 

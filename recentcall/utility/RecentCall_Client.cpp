@@ -1,12 +1,11 @@
-// Requests to the recent-call service, for the library's interfaces and for the programs of the handset.
+// The recent-call service's socket: its commands, and requests from the library's interfaces and the programs.
 #include "recentcall/utility/RecentCall_Client_p.h"
 
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
-#include "recentcall/utility/PHONE_RecentCall.h"
-#include "recentcall/utility/PlainBytes_p.h"
-#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
+#include "utility/PHONE_SocketDirectory_p.h"
 
 namespace zyn::recentcall {
 namespace {
@@ -25,7 +24,7 @@ QByteArray frame(int32_t code, QByteArrayView data)
 
 posix::UniqueFd connectToService()
 {
-    const QString path = RecentCall_dataDir() + QLatin1Char('/') + QLatin1String(kSocketName);
+    const QString path = socketDirectory(kSocketDirectory) + QLatin1Char('/') + QLatin1String(kSocketName);
     return connectCommandSocket(path, kReceiveBufferSize, kGreeting);
 }
 
@@ -68,17 +67,6 @@ Status markRead(const PHONE_ENG_RecentCall& record)
 int interfaceResult(int result)
 {
     return result == Success || result == NoSuchRecord ? result : kInterfaceFailure;
-}
-
-bool lastDialedNumber(QString& number)
-{
-    QSortedList<PHONE_ENG_RecentCall> dialed;
-    dialed.setAutoDelete(true);
-    RecentCall_ENG_RecordStore::instance()->readDataList(dialed, RC_CALL_CATEGORY_DIALED);
-    if (dialed.isEmpty())
-        return false;
-    number = dialed.getFirst()->getPhoneNumber();
-    return true;
 }
 
 } // namespace zyn::recentcall

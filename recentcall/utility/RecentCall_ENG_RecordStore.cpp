@@ -1,10 +1,8 @@
 // The recent calls on disk.
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 
-#include "platform/posix/File_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/RecordFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "utility/PHONE_Log.h"
 
 #include <algorithm>
@@ -13,8 +11,8 @@
 #include <iterator>
 #include <limits>
 #include <memory>
-#include <span>
 
+using zyn::RecordFile;
 using zyn::posix::UniqueFd;
 
 namespace {
@@ -94,28 +92,17 @@ QByteArray filePath(RC_CALL_CATEGORY_T category)
     return path;
 }
 
-const PHONE_ENG_RecentCall& blankRecord()
-{
-    static const PHONE_ENG_RecentCall record;
-    return record;
-}
-
 /// How many bytes the longest file of @p category has. Not the settings' limits: those who only look whether there is a
 /// file need not have read them.
 qint64 longestFile(RC_CALL_CATEGORY_T category)
 {
     constexpr auto kLists = static_cast<int>(std::size(zyn::kRecordLists));
-    return zyn::recordOffset(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots);
-}
-
-bool writeSlot(const UniqueFd& file, int slot, const PHONE_ENG_RecentCall& record)
-{
-    return zyn::posix::writeAt(file.get(), std::as_bytes(std::span(&record, 1)), off_t{zyn::recordOffset(slot)});
+    return RecordFile::size(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots);
 }
 
 bool writeBlankSlot(const UniqueFd& file, int slot)
 {
-    return passesSlotCheck(slot) && writeSlot(file, slot, blankRecord());
+    return passesSlotCheck(slot) && RecordFile::writeBlank(file.get(), slot);
 }
 
 } // namespace
@@ -138,8 +125,8 @@ RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
         const QByteArray path = filePath(category);
         zyn::removeLeftovers(path);
-        if (!zyn::isStoreFile(path, zyn::kRecordFileSize))
-            zyn::createStoreFile(path, zyn::freshRecordFile());
+        if (!RecordFile::isAt(path))
+            RecordFile::create(path);
     }
 }
 
@@ -160,7 +147,7 @@ bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
     if (!isSlotOf(record.category, record.slot))
         return false;
     const UniqueFd file = zyn::openStoreFile(filePath(record.category));
-    return file.isValid() && writeSlot(file, record.slot, record);
+    return file.isValid() && RecordFile::write(file.get(), record.slot, record);
 }
 
 bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
@@ -212,10 +199,8 @@ void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>&
     }
     if (!zyn::hasValidHeader(*image))
         return;
-    for (int slot = 0; slot < maximum(category); ++slot) {
-        if (!zyn::isRecordInUse(*image, slot))
-            continue;
-        auto record = std::make_unique<PHONE_ENG_RecentCall>(zyn::recordAt(*image, slot));
+    for (const int slot : RecordFile::usedSlots(*image, maximum(category))) {
+        auto record = std::make_unique<PHONE_ENG_RecentCall>(RecordFile::at(*image, slot));
         if (record->uid >= s_nextUid)
             s_nextUid = successor(record->uid);
         mark(m_slotBitmap, category, record->slot, true);

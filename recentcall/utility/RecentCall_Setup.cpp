@@ -4,8 +4,7 @@
 #include "platform/SETUP_SET_Manager.h"
 #include "platform/TAPI.h"
 #include "platform/UTIL_PhoneStatus.h"
-#include "recentcall/utility/RecordFile_p.h"
-#include "recentcall/utility/SwitchFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "utility/PHONE_Log.h"
 #include "utility/PHONE_Settings_p.h"
 

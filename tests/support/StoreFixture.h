@@ -4,7 +4,7 @@
 #include "platform/SETUP_SET_Manager.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "utility/PHONE_Settings_p.h"
 
 #include <QtCore/QFile>

@@ -1,7 +1,7 @@
 // zynphone calls export: the log of recent calls as a file.
 #include "tools/commands/ExportCommand.h"
 
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallSelection.h"
 #include "tools/interchange/CallFields.h"
 #include "tools/interchange/RecordsFile.h"

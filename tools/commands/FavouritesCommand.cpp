@@ -1,8 +1,8 @@
 // zynphone favourites: the favourites and their activity log.
 #include "tools/commands/FavouritesCommand.h"
 
-#include "recentcall/utility/FavouriteKey_p.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/FavouritesFileCommand.h"

@@ -1,10 +1,9 @@
 // What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
 #include "tools/commands/FavouritesEdit.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/FavouriteKey_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/FavouritesOwnership.h"
 #include "tools/interchange/FieldText.h"

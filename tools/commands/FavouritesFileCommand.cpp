@@ -3,8 +3,7 @@
 
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/FavouritesOwnership.h"
 #include "tools/interchange/FavouriteFields.h"

@@ -1,7 +1,7 @@
 // zynphone calls import: calls from a file for the log.
 #include "tools/commands/ImportCommand.h"
 
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallSending.h"
 #include "tools/interchange/CallFields.h"
 #include "tools/interchange/RecordsFile.h"

@@ -1,7 +1,7 @@
 // Calls that somebody might have made.
 #include "tools/commands/SeededCalls.h"
 
-#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 
 #include <QtCore/QRandomGenerator>
 

@@ -3,8 +3,8 @@
 
 #include "handset/favourites/Favourites.h"
 #include "platform/posix/UnixSocket_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/StoreCheck.h"
 #include "tools/store/StoreCopy.h"
 #include "tools/store/StoreRepair.h"

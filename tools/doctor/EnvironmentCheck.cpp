@@ -1,10 +1,10 @@
 // The variables that name directories, and what they name.
 #include "platform/SettingsDirectory_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
-#include "recentcall/utility/SwitchFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
+#include "utility/PHONE_Settings_p.h"
 
 #include <QtCore/QFileInfo>
 

@@ -1,5 +1,5 @@
 // The sockets of the handset's services, and who serves them.
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/doctor/SocketProbe.h"

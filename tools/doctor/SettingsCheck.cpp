@@ -3,7 +3,6 @@
 #include "platform/SettingsDirectory_p.h"
 #include "platform/SettingsFile_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/SwitchFile_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "utility/PHONE_EmergencyList_p.h"

@@ -1,8 +1,8 @@
 // The store directory and the files in it.
 #include "platform/posix/File_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/RecordFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/store/ContactFileCheck.h"

@@ -1,7 +1,7 @@
 // The fields of a call, all of them, as values that can be written down and read back.
 #include "tools/interchange/CallFields.h"
 
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/interchange/FieldForms.h"
 #include "tools/zynphone/CallText.h"
 

@@ -3,7 +3,7 @@
 
 #include "handset/common/Text.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/interchange/CallFields.h"
 #include "tools/interchange/FieldForms.h"
 #include "tools/zynphone/CallText.h"

@@ -1,7 +1,7 @@
 // Makes sound record files of calls out of damaged ones.
 #include "tools/store/CallsRepair.h"
 
-#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
 #include "tools/zynphone/CallText.h"

@@ -1,7 +1,7 @@
 // Makes sound record files of calls out of damaged ones.
 #pragma once
 
-#include "recentcall/utility/CallUids_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "tools/store/SlotRepair.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 // Checks the file of a favourite's calls and messages.
 #include "tools/store/ContactFileCheck.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/StoreFileProblems.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"

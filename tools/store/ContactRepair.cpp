@@ -1,8 +1,7 @@
 // Makes a sound file of a favourite's calls and messages out of a damaged one.
 #include "tools/store/ContactRepair.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/FavouriteKey_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/ContactFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
 

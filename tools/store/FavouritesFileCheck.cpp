@@ -1,7 +1,7 @@
 // Checks the file that names the favourites.
 #include "tools/store/FavouritesFileCheck.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/StoreFileProblems.h"
 #include "utility/FixedText_p.h"
 

@@ -1,8 +1,8 @@
 // Makes a sound file of the favourites out of a damaged one.
 #include "tools/store/FavouritesRepair.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/store/FavouritesFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
 #include "utility/FixedText_p.h"

@@ -1,8 +1,7 @@
 // Checks the record file of a list of calls.
 #include "tools/store/RecordFileCheck.h"
 
-#include "recentcall/utility/CallUids_p.h"
-#include "recentcall/utility/RecordFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
 #include "tools/store/StoreFileProblems.h"
 #include "tools/zynphone/CallText.h"
 

@@ -1,8 +1,7 @@
 // Makes a sound file of slots out of a damaged one.
 #include "tools/store/SlotRepair.h"
 
-#include "recentcall/utility/PlainBytes_p.h"
-#include "recentcall/utility/StoreFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/store/StoreFileProblems.h"
 
 #include <algorithm>

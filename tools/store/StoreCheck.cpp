@@ -3,7 +3,7 @@
 
 #include "handset/favourites/ActivityLog.h"
 #include "platform/posix/FileLock_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/ContactFileCheck.h"
 #include "tools/store/FavouritesFileCheck.h"
 #include "tools/store/RecordFileCheck.h"

@@ -2,7 +2,7 @@
 #include "tools/store/StoreCopy.h"
 
 #include "platform/posix/Place_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QDateTime>

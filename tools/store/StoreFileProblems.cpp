@@ -1,7 +1,7 @@
 // What can be wrong with every kind of store file.
 #include "tools/store/StoreFileProblems.h"
 
-#include "recentcall/utility/StoreFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <cstring>
 

@@ -3,12 +3,12 @@
 
 #include "platform/posix/File_p.h"
 #include "platform/posix/Place_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/ContactFileCheck.h"
-#include "tools/zynphone/ExitCode.h"
 #include "tools/store/FavouritesFileCheck.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreFileProblems.h"
+#include "tools/zynphone/ExitCode.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QDir>

@@ -3,8 +3,8 @@
 
 #include "handset/favourites/ActivityLog.h"
 #include "platform/posix/Place_p.h"
-#include "recentcall/utility/ActivityLogFile_p.h"
-#include "recentcall/utility/PlainBytes_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/store/ContactRepair.h"
 #include "tools/store/RecordFileCheck.h"
 #include "tools/store/StoreCheck.h"

@@ -1,9 +1,10 @@
 // The favourites and what of theirs is unread.
 #include "tools/top/FavouriteSource.h"
 
-#include "recentcall/utility/ActivityLogFile_p.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/top/PhoneState.h"
 #include "tools/zynphone/Counted.h"
 

@@ -2,7 +2,7 @@
 #include "tools/zynphone/ServiceError.h"
 
 #include "platform/posix/UnixSocket_p.h"
-#include "recentcall/utility/RecentCall_Command_p.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 
 #include <QtCore/QFile>
 

@@ -1,17 +1,17 @@
-// Uids of calls that leave room for those to come.
-#include "recentcall/utility/CallUids_p.h"
+// The uids of calls: room for those to come.
+#include "recentcall/utility/store/RecordFile_p.h"
 
 #include <algorithm>
 #include <tuple>
 
-using Call = PHONE_ENG_RecentCall;
-
 namespace zyn {
 namespace {
 
+using Call = PHONE_ENG_RecentCall;
+
 bool isHigh(int32_t uid)
 {
-    return uid > zyn::kGreatestUid / 2;
+    return uid > kGreatestUid / 2;
 }
 
 } // namespace

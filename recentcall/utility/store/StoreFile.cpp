@@ -1,113 +1,105 @@
-// What every store file has in common: its header, and how it comes into being.
-#include "recentcall/utility/StoreFile_p.h"
+// The files of the store directory: their header, and how they are opened, read and created.
+#include "recentcall/utility/store/StoreFile_p.h"
 
 #include "platform/posix/File_p.h"
 #include "platform/posix/StagedFile_p.h"
-#include "recentcall/utility/StoreDirectory_p.h"
+
+#include <QtCore/QFile>
 
 #include <algorithm>
 #include <cerrno>
 #include <span>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-using zyn::CreateResult;
-
 namespace zyn {
 namespace {
 
-/// What is known of a store file. One that could not be looked into may be sound, and full of calls.
+/// What is known of a store file. One that cannot be inspected may be valid and full of calls.
 enum class State { Missing, Unknown, Invalid, Valid };
 
-std::span<const std::byte> bytesOf(const QByteArray& contents)
+std::span<const std::byte> contentsOf(const QByteArray& image)
 {
-    return std::as_bytes(std::span(contents.constData(), static_cast<size_t>(contents.size())));
+    return std::as_bytes(std::span(image.constData(), static_cast<size_t>(image.size())));
+}
+
+std::span<std::byte> bufferOf(QByteArray& image)
+{
+    return std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
 }
 
 State stateOf(int fd, qint64 size)
 {
-    struct stat status = {};
-    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))
+    const std::optional<qint64> found = posix::regularFileSize(fd);
+    if (!found)
         return State::Unknown;
-    if (status.st_size != size)
+    if (*found != size)
         return State::Invalid;
-    zyn::StoreFileHeader header{0, 0};
-    const ssize_t length = zyn::posix::readAt(fd, std::as_writable_bytes(std::span(&header, 1)), 0);
+    StoreFileHeader header{0, 0};
+    const ssize_t length = posix::readAt(fd, std::as_writable_bytes(std::span(&header, 1)), 0);
     if (length < 0)
         return State::Unknown;
     return length == ssize_t{sizeof header} && header.isValid() ? State::Valid : State::Invalid;
 }
 
-State stateAt(const zyn::posix::Place& place, qint64 size)
+State stateAt(const posix::Place& place, qint64 size)
 {
-    const zyn::posix::UniqueFd fd = zyn::posix::openAt(place, O_RDONLY);
+    const posix::UniqueFd fd = posix::openAt(place);
     if (!fd.isValid())
         return errno == ENOENT ? State::Missing : State::Unknown;
     return stateOf(fd.get(), size);
 }
 
-/// Writes @p contents, which begin with a header, at the start of @p fd. What cannot be written whole tells by its
-/// header alone how far it would come.
+/// Writes @p contents, which begin with a header, at the start of @p fd. When not all of it can be written, an attempt
+/// with the header alone shows how far it would get.
 CreateResult writeContents(int fd, const QByteArray& contents)
 {
-    if (zyn::posix::writeAt(fd, bytesOf(contents), 0))
+    if (posix::writeAt(fd, contentsOf(contents), 0))
         return CreateResult::Done;
-    return zyn::posix::writeAt(fd, bytesOf(contents).first(sizeof(zyn::StoreFileHeader)), 0)
-               ? CreateResult::CannotWriteData
-               : CreateResult::CannotWriteHeader;
-}
-
-/// The size of a file that has one name only; one with another may be a file of somebody else, laid here to be written.
-std::optional<off_t> sizeOfSole(int fd)
-{
-    struct stat status = {};
-    return ::fstat(fd, &status) == 0 && status.st_nlink == 1 ? std::optional(status.st_size) : std::nullopt;
+    return posix::writeAt(fd, contentsOf(contents).first(sizeof(StoreFileHeader)), 0) ? CreateResult::CannotWriteData
+                                                                                      : CreateResult::CannotWriteHeader;
 }
 
 /// Writes into @p fd what differs between @p written and @p blank.
 bool applyChanges(int fd, const QByteArray& blank, const QByteArray& written)
 {
     for (qsizetype i = 0; i < std::min(blank.size(), written.size()); ++i) {
-        if (blank.at(i) != written.at(i) && !zyn::posix::writeAt(fd, bytesOf(written).subspan(size_t(i), 1), off_t{i}))
+        if (blank.at(i) != written.at(i) && !posix::writeAt(fd, contentsOf(written).subspan(size_t(i), 1), off_t{i}))
             return false;
     }
     return true;
 }
 
-/// Whether a file beside another cannot be made for want of permission, or of room for a longer name: for want of
-/// anything else, such as space, the other can be written no better.
+/// Whether a file beside another cannot be created because that is not permitted, or because its longer name has no
+/// room. For any other reason, such as a lack of space, writing the other one is no better.
 bool isForbidden(int error)
 {
     return error == EACCES || error == EPERM || error == ENAMETOOLONG;
 }
 
 /// Writes @p contents over the open file @p fd, which others may see half-written: for a directory that takes no new
-/// file. What cannot be written whole is put back.
+/// file. What cannot be written whole is undone.
 CreateResult overwrite(int fd, const QByteArray& contents)
 {
-    const std::optional<off_t> size = sizeOfSole(fd);
+    // One with another name may be a file of somebody else, linked here to be written.
+    const std::optional<qint64> size = posix::soleFileSize(fd);
     if (!size)
         return CreateResult::CannotOpen;
     QByteArray old(contents.size(), Qt::Uninitialized);
-    const ssize_t length =
-        zyn::posix::readAt(fd, std::as_writable_bytes(std::span(old.data(), static_cast<size_t>(old.size()))), 0);
+    const ssize_t length = posix::readAt(fd, bufferOf(old), 0);
     if (length < 0)
         return CreateResult::CannotOpen;
     old.truncate(length);
     const CreateResult result = writeContents(fd, contents);
-    if (result == CreateResult::Done && ::ftruncate(fd, off_t{contents.size()}) == 0)
+    if (result == CreateResult::Done && posix::resize(fd, contents.size()))
         return result;
-    if (zyn::posix::writeAt(fd, bytesOf(old), 0) && ::ftruncate(fd, *size) == 0)
-        zyn::posix::sync(fd);
+    if (posix::writeAt(fd, contentsOf(old), 0) && posix::resize(fd, *size))
+        posix::sync(fd);
     return result == CreateResult::Done ? CreateResult::CannotWriteData : result;
 }
 
-/// Replaces the file @p invalid, unless somebody else has replaced it since it was looked at: their file may hold
-/// calls, so it goes back, along with what was written into ours in between.
-bool replaceInvalidFile(zyn::posix::UniqueFd invalid, const QByteArray& contents, zyn::posix::StagedFile& staged)
+/// Replaces the file @p invalid, unless somebody else has replaced it since it was inspected: their file may hold
+/// calls, so it is put back, along with what was written into ours in between.
+bool replaceInvalidFile(posix::UniqueFd invalid, const QByteArray& contents, posix::StagedFile& staged)
 {
     staged.takeAfter(invalid.get());
     if (!staged.exchange())
@@ -115,19 +107,36 @@ bool replaceInvalidFile(zyn::posix::UniqueFd invalid, const QByteArray& contents
     if (staged.isExchangedFor(invalid.get()) && stateOf(invalid.get(), contents.size()) != State::Valid)
         return true;
     invalid.reset(); // there may be no more than this one
-    const zyn::posix::UniqueFd theirs = staged.openExchanged(O_RDWR);
+    const posix::UniqueFd theirs = staged.openExchanged();
     if (!staged.exchange())
         return false;
-    if (stateOf(theirs.get(), contents.size()) != State::Valid || !sizeOfSole(theirs.get()))
+    if (stateOf(theirs.get(), contents.size()) != State::Valid || !posix::soleFileSize(theirs.get()))
         return false;
-    return applyChanges(theirs.get(), contents, zyn::posix::readWhole(staged.fd(), contents.size()).value_or(contents));
+    return applyChanges(theirs.get(), contents, posix::readWhole(staged.fd(), contents.size()).value_or(contents));
 }
 
 } // namespace
 
+QByteArray storeDirectoryPath()
+{
+    const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
+    return (dataDirectory.isEmpty() ? QByteArrayLiteral("/tmp") : dataDirectory) + "/phone";
+}
+
+QString storePath(const QString& name)
+{
+    return QFile::decodeName(storeDirectoryPath()) + u'/' + name;
+}
+
+void makeStoreDirectory()
+{
+    constexpr mode_t kDirectoryMode = 0777; // less the process's umask
+    posix::makeDirectory(storeDirectoryPath(), kDirectoryMode);
+}
+
 bool isStoreFile(const QByteArray& path, qint64 size)
 {
-    const posix::UniqueFd fd = posix::openTrusted(path, O_RDONLY);
+    const posix::UniqueFd fd = posix::openTrusted(path);
     return stateOf(fd.get(), size) == State::Valid;
 }
 
@@ -141,14 +150,13 @@ posix::UniqueFd openStoreFile(const QByteArray& path)
 
 std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size)
 {
-    const posix::UniqueFd fd = posix::openTrusted(path, O_RDONLY);
+    const posix::UniqueFd fd = posix::openTrusted(path);
     if (!fd.isValid()) {
         makeStoreDirectory();
         return std::nullopt;
     }
     QByteArray image(static_cast<qsizetype>(size), Qt::Uninitialized);
-    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(size)));
-    const ssize_t length = posix::readAt(fd.get(), buffer, 0);
+    const ssize_t length = posix::readAt(fd.get(), bufferOf(image), 0);
     if (length < 0)
         return std::nullopt;
     image.truncate(length);
@@ -169,7 +177,7 @@ CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
     const State state = stateAt(*place, contents.size());
     if (state == State::Valid)
         return CreateResult::Done;
-    posix::UniqueFd invalid = state == State::Invalid ? posix::openAt(*place, O_RDWR) : posix::UniqueFd();
+    posix::UniqueFd invalid = state == State::Invalid ? posix::openForChanging(*place) : posix::UniqueFd();
     // Another process may have made it valid meanwhile.
     if (invalid.isValid() && stateOf(invalid.get(), contents.size()) == State::Valid)
         return CreateResult::Done;

@@ -1,7 +1,7 @@
 // Which slots of the favourites' files are known to hold an entry.
 #pragma once
 
-#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/store/ActivityLogFile_p.h"
 
 #include <array>
 #include <vector>
@@ -33,7 +33,7 @@ public:
     /// @}
 
 private:
-    std::array<std::vector<bool>, ActivityLog_ENG_RecordStore::kFavourites> m_used; ///< each as long as it had to be
+    std::array<std::vector<bool>, TopPalNumberDetail::kPlaces> m_used; ///< each as long as it had to be
 };
 
 /// The number by which the lines on standard output name a slot, held to what an int holds; writes such a line.
@@ -42,13 +42,7 @@ int getTp5AvlRecordPos(int favourite, int pos, int slots);
 /// Whether such a number is that of a slot of one of the favourites' files.
 constexpr bool isTopPalsAvlLawyalPos(int index, int slots)
 {
-    return index >= 0 && index < ActivityLog_ENG_RecordStore::kFavourites * slots;
-}
-
-/// Whether a file of @p slots slots has a slot @p pos.
-constexpr bool isContactSlot(int pos, int slots)
-{
-    return pos >= 0 && pos < slots;
+    return index >= 0 && index < TopPalNumberDetail::kPlaces * slots;
 }
 
 } // namespace zyn

@@ -1,5 +1,5 @@
 // Which slots of the favourites' files are known to hold an entry.
-#include "recentcall/utility/TopPalsSlots_p.h"
+#include "recentcall/utility/store/TopPalsSlots_p.h"
 
 #include <algorithm>
 #include <cstdint>
