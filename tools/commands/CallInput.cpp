@@ -17,11 +17,11 @@ constexpr qsizetype kNumberLimit = sizeof Call::phoneNumber - 1;
 constexpr qsizetype kNameLimit = sizeof Call::displayName - 1;
 constexpr qsizetype kSessionLimit = sizeof Call::pttSessionId - 1;
 
-QDateTime startFrom(const Invocation& call)
+QDateTime startFrom(const Invocation& invocation)
 {
-    if (!call.isSet(u"at"_s))
+    if (!invocation.isSet(u"at"_s))
         return QDateTime::currentDateTime();
-    const QString text = call.value(u"at"_s);
+    const QString text = invocation.value(u"at"_s);
     QDateTime start = QDateTime::fromString(text, Qt::ISODate);
     if (!start.isValid())
         throw usageError(u"'%1' is no date and time like 2024-05-31T18:30:00"_s.arg(text));
@@ -29,10 +29,10 @@ QDateTime startFrom(const Invocation& call)
     return start;
 }
 
-bool completedFrom(const Invocation& call, RC_CALL_CATEGORY_T list)
+bool completedFrom(const Invocation& invocation, RC_CALL_CATEGORY_T list)
 {
-    const bool completed = call.isSet(u"completed"_s);
-    const bool notCompleted = call.isSet(u"not-completed"_s);
+    const bool completed = invocation.isSet(u"completed"_s);
+    const bool notCompleted = invocation.isSet(u"not-completed"_s);
     if (completed && notCompleted)
         throw usageError(u"--completed and --not-completed exclude each other"_s);
     return completed || (!notCompleted && list != RC_CALL_CATEGORY_MISSED);
@@ -96,27 +96,27 @@ QMap<QString, QStringList> callWords()
     return {{u"LIST"_s, wordTexts(kLists)}, {u"TYPE"_s, wordTexts(kTypes)}};
 }
 
-PHONE_ENG_RecentCall callFrom(const Invocation& call)
+PHONE_ENG_RecentCall callFrom(const Invocation& invocation)
 {
-    const RC_CALL_CATEGORY_T list = wordNamed(kLists, call.argument(0), u"list"_s).value;
-    return callFrom(call, list, callNumber(call.argument(1)));
+    const RC_CALL_CATEGORY_T list = wordNamed(kLists, invocation.argument(0), u"list"_s).value;
+    return callFrom(invocation, list, callNumber(invocation.argument(1)));
 }
 
-PHONE_ENG_RecentCall callFrom(const Invocation& call, RC_CALL_CATEGORY_T list, const QString& number)
+PHONE_ENG_RecentCall callFrom(const Invocation& invocation, RC_CALL_CATEGORY_T list, const QString& number)
 {
     Call record;
     record.category = list;
     record.setPhoneNumber(number);
-    record.setDisplayName(callName(call.value(u"name"_s)));
-    record.setStartDateTime(startFrom(call));
-    if (call.isSet(u"duration"_s))
-        record.duration = wholeNumber(call.value(u"duration"_s), u"duration"_s, 0);
-    if (call.isSet(u"type"_s))
-        record.callType = wordNamed(kTypes, call.value(u"type"_s), u"type"_s).value;
-    if (call.isSet(u"session"_s))
-        setSession(record, call.value(u"session"_s));
-    record.readFlags = call.isSet(u"read"_s) ? Call::kRead : 0;
-    record.completed = completedFrom(call, record.category);
+    record.setDisplayName(callName(invocation.value(u"name"_s)));
+    record.setStartDateTime(startFrom(invocation));
+    if (invocation.isSet(u"duration"_s))
+        record.duration = wholeNumber(invocation.value(u"duration"_s), u"duration"_s, 0);
+    if (invocation.isSet(u"type"_s))
+        record.callType = wordNamed(kTypes, invocation.value(u"type"_s), u"type"_s).value;
+    if (invocation.isSet(u"session"_s))
+        setSession(record, invocation.value(u"session"_s));
+    record.readFlags = invocation.isSet(u"read"_s) ? Call::kRead : 0;
+    record.completed = completedFrom(invocation, record.category);
     return record;
 }
 

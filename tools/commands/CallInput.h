@@ -23,8 +23,8 @@ QMap<QString, QStringList> callWords();
 /// @}
 
 /// The call that @p call describes. A text that its field does not hold whole is a usage error, never cut.
-PHONE_ENG_RecentCall callFrom(const Invocation& call);
+PHONE_ENG_RecentCall callFrom(const Invocation& invocation);
 /// The call of @p list and @p number whose other fields the options describe.
-PHONE_ENG_RecentCall callFrom(const Invocation& call, RC_CALL_CATEGORY_T list, const QString& number);
+PHONE_ENG_RecentCall callFrom(const Invocation& invocation, RC_CALL_CATEGORY_T list, const QString& number);
 
 } // namespace zyn::tool

@@ -36,17 +36,17 @@ RC_CALL_CATEGORY_T listNamed(const QString& word)
     return wordNamed(kListsOrAll, word, u"list"_s).value;
 }
 
-RC_CALL_CATEGORY_T listFrom(const Invocation& call)
+RC_CALL_CATEGORY_T listFrom(const Invocation& invocation)
 {
-    return call.isSet(u"list"_s) ? listNamed(call.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
+    return invocation.isSet(u"list"_s) ? listNamed(invocation.value(u"list"_s)) : RC_CALL_CATEGORY_ALL;
 }
 
-std::vector<RC_CALL_TYPE_T> typesFrom(const Invocation& call)
+std::vector<RC_CALL_TYPE_T> typesFrom(const Invocation& invocation)
 {
     const QString type = u"type"_s;
-    if (!call.isSet(type) || call.value(type) == kAllTypes)
+    if (!invocation.isSet(type) || invocation.value(type) == kAllTypes)
         return {handset::kCallTypes.begin(), handset::kCallTypes.end()};
-    return {callTypeNamed(call.value(type), type)};
+    return {callTypeNamed(invocation.value(type), type)};
 }
 
 std::vector<PHONE_ENG_RecentCall> fetchCalls(RC_CALL_CATEGORY_T list, std::span<const RC_CALL_TYPE_T> types)

@@ -1,13 +1,10 @@
 // zynphone calls: the log of recent calls.
-#include "tools/commands/CallsCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/CallSelection.h"
-#include "tools/commands/ExportCommand.h"
-#include "tools/commands/ImportCommand.h"
-#include "tools/commands/SeedCommand.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ServiceError.h"
@@ -23,26 +20,26 @@ using Call = PHONE_ENG_RecentCall;
 
 constexpr int kNoSuchCall = 1; // of RC_Interface
 
-ExitCode listCalls(const Invocation& call, Console& console)
+ExitCode listCalls(const Invocation& invocation, Console& console)
 {
-    const auto list = call.arguments().isEmpty() ? RC_CALL_CATEGORY_ALL : listNamed(call.argument(0));
-    printTable(console, Table(callColumns(), fetchCalls(list, typesFrom(call))), call.isSet(u"json"_s));
+    const auto list = invocation.arguments().isEmpty() ? RC_CALL_CATEGORY_ALL : listNamed(invocation.argument(0));
+    printTable(console, Table(callColumns(), fetchCalls(list, typesFrom(invocation))), invocation.isSet(u"json"_s));
     return Done;
 }
 
-ExitCode addCall(const Invocation& call, Console& console)
+ExitCode addCall(const Invocation& invocation, Console& console)
 {
-    const RC_RecordInterfaceImpl record(new Call(callFrom(call)));
+    const RC_RecordInterfaceImpl record(new Call(callFrom(invocation)));
     if (RC_Interface().addRecord(record) != 0)
         throw recentCallServiceError();
     console.write(u"sent\n"_s);
     return Done;
 }
 
-ExitCode deleteCall(const Invocation& call, Console& console)
+ExitCode deleteCall(const Invocation& invocation, Console& console)
 {
-    const int uid = wholeNumber(call.argument(0), u"UID"_s);
-    const RC_CALL_CATEGORY_T list = listFrom(call);
+    const int uid = wholeNumber(invocation.argument(0), u"UID"_s);
+    const RC_CALL_CATEGORY_T list = listFrom(invocation);
     std::vector<Call> found = fetchCalls(list);
     std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
     if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
@@ -58,10 +55,10 @@ ExitCode deleteCall(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode clearCalls(const Invocation& call, Console& console)
+ExitCode clearCalls(const Invocation& invocation, Console& console)
 {
-    const RC_CALL_CATEGORY_T list = listNamed(call.argument(0));
-    for (const RC_CALL_TYPE_T type : typesFrom(call)) {
+    const RC_CALL_CATEGORY_T list = listNamed(invocation.argument(0));
+    for (const RC_CALL_TYPE_T type : typesFrom(invocation)) {
         const int result = RC_Interface().deleteRecordAll(list, type);
         // Nothing to delete is what was asked for.
         if (result != 0 && result != kNoSuchCall)
@@ -71,7 +68,7 @@ ExitCode clearCalls(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode showLastDialed(const Invocation& /*call*/, Console& console)
+ExitCode showLastDialed(const Invocation& /*invocation*/, Console& console)
 {
     QString number;
     if (!RC_Interface().getLastDialedNumber(number))

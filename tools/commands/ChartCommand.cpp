@@ -1,5 +1,5 @@
 // zynphone chart: a recording as a picture.
-#include "tools/commands/ChartCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/chart/ChartSvg.h"
 #include "tools/recording/Recording.h"
@@ -16,15 +16,16 @@ namespace {
 constexpr char kStandardOutput[] = "-";
 constexpr qsizetype kMostChannels = 64;
 
-ExitCode drawChart(const Invocation& call, Console& console)
+ExitCode drawChart(const Invocation& invocation, Console& console)
 {
-    const QString input = call.argument(0);
-    const QString output = call.isSet(u"output"_s) ? call.value(u"output"_s) : QLatin1String(kStandardOutput);
+    const QString input = invocation.argument(0);
+    const QString output =
+        invocation.isSet(u"output"_s) ? invocation.value(u"output"_s) : QLatin1String(kStandardOutput);
     const bool isToFile = output != QLatin1String(kStandardOutput);
     Recording recording(input);
     if (isToFile && QFileInfo(output) == QFileInfo(input))
         throw usageError(u"the chart would replace the recording"_s);
-    recording.keepOnly(call.values(u"channel"_s));
+    recording.keepOnly(invocation.values(u"channel"_s));
     if (const qsizetype channels = recording.channels().size(); channels > kMostChannels)
         throw failure(u"a chart has at most %1 channels, not %2; --channel chooses some"_s.arg(
             QString::number(kMostChannels), QString::number(channels)));

@@ -1,5 +1,5 @@
 // zynphone completion: completes command lines in a shell.
-#include "tools/commands/CompletionCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/zynphone/Completion.h"
 #include "tools/zynphone/Console.h"
@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-ExitCode printBashScript(const Invocation& /*call*/, Console& console)
+ExitCode printBashScript(const Invocation& /*invocation*/, Console& console)
 {
     console.write(uR"(# zynphone's verbs, options and fixed words in bash; files where it knows none.
 _zynphone() {

@@ -1,8 +1,8 @@
 // zynphone dial and hangup: requests to place and end voice calls.
-#include "tools/commands/DialCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commands/CallInput.h"
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCall.h"
@@ -26,22 +26,23 @@ struct Request
     signed char line;
 };
 
-Request requestFrom(const Invocation& call)
+Request requestFrom(const Invocation& invocation)
 {
     using Line = std::numeric_limits<signed char>;
-    return {.number = callNumber(call.argument(0)).toLatin1(),
-            .name = call.isSet(u"name"_s) ? callName(call.value(u"name"_s)) : QString(),
-            .flag = call.isSet(u"flag"_s),
-            .clir = numberFrom(call, u"clir"_s, 0),
-            .line = static_cast<signed char>(numberFrom(call, u"line"_s, zyn::kDefaultLine, Line::min(), Line::max()))};
+    return {.number = callNumber(invocation.argument(0)).toLatin1(),
+            .name = invocation.isSet(u"name"_s) ? callName(invocation.value(u"name"_s)) : QString(),
+            .flag = invocation.isSet(u"flag"_s),
+            .clir = numberFrom(invocation, u"clir"_s, 0),
+            .line = static_cast<signed char>(
+                numberFrom(invocation, u"line"_s, zyn::kDefaultLine, Line::min(), Line::max()))};
 }
 
 /// The one of --direct, --prepend and --mode that is set; null when none is.
-QString wayFrom(const Invocation& call)
+QString wayFrom(const Invocation& invocation)
 {
     QString way;
     for (const QString& option : {u"direct"_s, u"prepend"_s, u"mode"_s}) {
-        if (!call.isSet(option))
+        if (!invocation.isSet(option))
             continue;
         if (!way.isNull())
             throw usageError(u"--%1 and --%2 exclude each other"_s.arg(way, option));
@@ -51,10 +52,10 @@ QString wayFrom(const Invocation& call)
 }
 
 /// What the entry point behind @p way does not take must not be lost without a word.
-void refuseOptionsBesides(const QString& way, const Invocation& call)
+void refuseOptionsBesides(const QString& way, const Invocation& invocation)
 {
     for (const QString& option : {u"name"_s, u"flag"_s, u"clir"_s, u"line"_s}) {
-        if (call.isSet(option))
+        if (invocation.isSet(option))
             throw usageError(u"--%1 takes no --%2"_s.arg(way, option));
     }
 }
@@ -67,13 +68,13 @@ void makeCall(const Request& request, int mode)
         throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kVoiceCallChannel)));
 }
 
-ExitCode dial(const Invocation& call, Console& console)
+ExitCode dial(const Invocation& invocation, Console& console)
 {
-    const QString way = wayFrom(call);
+    const QString way = wayFrom(invocation);
     if (way == "direct"_L1 || way == "prepend"_L1)
-        refuseOptionsBesides(way, call);
-    Request request = requestFrom(call);
-    const int mode = numberFrom(call, u"mode"_s, 0);
+        refuseOptionsBesides(way, invocation);
+    Request request = requestFrom(invocation);
+    const int mode = numberFrom(invocation, u"mode"_s, 0);
     requireChannel(zyn::kVoiceCallChannel);
     if (way == "direct"_L1)
         PHONE_MakeVoiceCallDirectly(request.number.constData());
@@ -88,7 +89,7 @@ ExitCode dial(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode hangUp(const Invocation& /*call*/, Console& console)
+ExitCode hangUp(const Invocation& /*invocation*/, Console& console)
 {
     requireChannel(zyn::kVoiceCallChannel);
     PHONE_EndVoiceCall();

@@ -1,5 +1,5 @@
 // zynphone doctor: why nothing arrives.
-#include "tools/commands/DoctorCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/doctor/Checks.h"
 #include "tools/zynphone/Colour.h"
@@ -81,7 +81,7 @@ void printReport(const std::vector<Row>& rows, qsizetype faults, Console& consol
     console.write(report + (faults == 0 ? u"Nothing is wrong.\n"_s : u"%1 to mend.\n"_s.arg(counted(faults, "thing"))));
 }
 
-ExitCode examine(const Invocation& call, Console& console)
+ExitCode examine(const Invocation& invocation, Console& console)
 {
     std::vector<Row> rows;
     for (const Check& check : kChecks) {
@@ -89,7 +89,7 @@ ExitCode examine(const Invocation& call, Console& console)
             rows.push_back({check.topic, std::move(finding)});
     }
     const auto faults = std::ranges::count_if(rows, [](const Row& row) { return row.finding.level == Level::Wrong; });
-    if (call.isSet(u"json"_s))
+    if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(Table(kColumns, rows).json()));
     else
         printReport(rows, faults, console);

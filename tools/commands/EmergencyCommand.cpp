@@ -1,5 +1,5 @@
 // zynphone emergency: what the library takes for an emergency number, and why.
-#include "tools/commands/EmergencyCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "platform/HandsetState_p.h"
 #include "platform/UTIL_PhoneStatus.h"
@@ -95,9 +95,9 @@ constexpr Column<QString> kNumberColumns[] = {
     {"number", "NUMBER", [](const QString& number) { return QJsonValue(number); }},
 };
 
-ExitCode showTyping(const Invocation& call, Console& console)
+ExitCode showTyping(const Invocation& invocation, Console& console)
 {
-    const QString text = call.value(u"typing"_s);
+    const QString text = invocation.value(u"typing"_s);
     if (text.isEmpty())
         throw usageError(u"the text is empty"_s);
     const QStringList numbers = emergency::readList();
@@ -106,7 +106,7 @@ ExitCode showTyping(const Invocation& call, Console& console)
         if (!text.at(keys - 1).isHighSurrogate())
             verdicts.push_back(verdictOn(text.left(keys), numbers));
     }
-    printTable(console, Table(kVerdictColumns, verdicts), call.isSet(u"json"_s));
+    printTable(console, Table(kVerdictColumns, verdicts), invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -121,26 +121,27 @@ ExitCode checkNumber(const QString& number, Console& console, bool json)
     return Done;
 }
 
-ExitCode answer(const Invocation& call, Console& console)
+ExitCode answer(const Invocation& invocation, Console& console)
 {
-    const bool typing = call.isSet(u"typing"_s);
-    if (typing && !call.arguments().isEmpty())
+    const bool typing = invocation.isSet(u"typing"_s);
+    if (typing && !invocation.arguments().isEmpty())
         throw usageError(u"--typing takes no NUMBER"_s);
-    if (!typing && call.arguments().isEmpty())
+    if (!typing && invocation.arguments().isEmpty())
         throw usageError(u"missing argument NUMBER"_s);
-    return typing ? showTyping(call, console) : checkNumber(call.argument(0), console, call.isSet(u"json"_s));
+    return typing ? showTyping(invocation, console)
+                  : checkNumber(invocation.argument(0), console, invocation.isSet(u"json"_s));
 }
 
-ExitCode listNumbers(const Invocation& call, Console& console)
+ExitCode listNumbers(const Invocation& invocation, Console& console)
 {
-    printTable(console, Table(kNumberColumns, emergency::readList()), call.isSet(u"json"_s));
+    printTable(console, Table(kNumberColumns, emergency::readList()), invocation.isSet(u"json"_s));
     return Done;
 }
 
-ExitCode writeNumbers(const Invocation& call, Console& /*console*/)
+ExitCode writeNumbers(const Invocation& invocation, Console& /*console*/)
 {
     QStringList numbers;
-    for (const QString& number : call.arguments())
+    for (const QString& number : invocation.arguments())
         numbers += callNumber(number);
     if (numbers.size() > emergency::kRecordLimit)
         throw usageError(u"%1 numbers; at most %2 are written"_s.arg(numbers.size()).arg(emergency::kRecordLimit));

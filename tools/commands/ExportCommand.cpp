@@ -1,5 +1,5 @@
 // zynphone calls export: the log of recent calls as a file.
-#include "tools/commands/ExportCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallSelection.h"
@@ -11,11 +11,11 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-ExitCode exportCalls(const Invocation& call, Console& console)
+ExitCode exportCalls(const Invocation& invocation, Console& console)
 {
-    const RecordsFile file(call, callSchema(), call.argument(0));
+    const RecordsFile file(invocation, callSchema(), invocation.argument(0));
     std::vector<QByteArray> records;
-    for (const PHONE_ENG_RecentCall& record : fetchCalls(listFrom(call), typesFrom(call)))
+    for (const PHONE_ENG_RecentCall& record : fetchCalls(listFrom(invocation), typesFrom(invocation)))
         records.push_back(zyn::bytesOf(record).toByteArray());
     file.write(records, console);
     return Done;

@@ -1,12 +1,11 @@
 // zynphone favourites: the favourites and their activity log.
-#include "tools/commands/FavouritesCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/CallInput.h"
 #include "tools/commands/FavouritesEdit.h"
-#include "tools/commands/FavouritesFileCommand.h"
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
@@ -59,7 +58,7 @@ void count(Favourite& favourite)
     favourite.unreadMessages = unread.unreadMsgCount;
 }
 
-ExitCode listFavourites(const Invocation& call, Console& console)
+ExitCode listFavourites(const Invocation& invocation, Console& console)
 {
     std::vector<Favourite> found;
     QStringList unreadable;
@@ -72,40 +71,40 @@ ExitCode listFavourites(const Invocation& call, Console& console)
         if (favourite.entries.isNull())
             unreadable += favourite.number;
     }
-    printTable(console, Table(kFavouriteColumns, found), call.isSet(u"json"_s));
+    printTable(console, Table(kFavouriteColumns, found), invocation.isSet(u"json"_s));
     if (!unreadable.isEmpty())
         throw failure(u"the file of %1 cannot be read"_s.arg(unreadable.join(u", "_s)));
     return Done;
 }
 
-ExitCode showEntries(const Invocation& call, Console& console)
+ExitCode showEntries(const Invocation& invocation, Console& console)
 {
     handset::ActivityEntries entries;
     if (readKeys().isEmpty())
-        throw noFavourite(callNumber(call.argument(0)));
-    readInto(entries, favouriteFrom(call));
+        throw noFavourite(callNumber(invocation.argument(0)));
+    readInto(entries, favouriteFrom(invocation));
     std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
     for (const Entry* entry : entries)
         rows.emplace_back(*entry);
-    printTable(console, Table(activityColumns(), rows), call.isSet(u"json"_s));
+    printTable(console, Table(activityColumns(), rows), invocation.isSet(u"json"_s));
     return Done;
 }
 
-ExitCode countUnread(const Invocation& call, Console& console)
+ExitCode countUnread(const Invocation& invocation, Console& console)
 {
-    TopPals_Missed_Details unread{call.argument(0)};
+    TopPals_Missed_Details unread{invocation.argument(0)};
     if (readKeys().isEmpty() || RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         throw failure(u"no favourite's file for %1 can be read"_s.arg(unread.number));
-    printSheet(console, Table(kUnreadColumns, std::array{unread}), call.isSet(u"json"_s));
+    printSheet(console, Table(kUnreadColumns, std::array{unread}), invocation.isSet(u"json"_s));
     return Done;
 }
 
-ExitCode announce(const Invocation& call, Console& console)
+ExitCode announce(const Invocation& invocation, Console& console)
 {
-    const TopPals_Details_T details{call.value(u"name"_s), call.argument(1), call.value(u"image"_s),
-                                    numberFrom(call, u"contact-id"_s, 0)};
+    const TopPals_Details_T details{invocation.value(u"name"_s), invocation.argument(1), invocation.value(u"image"_s),
+                                    numberFrom(invocation, u"contact-id"_s, 0)};
     requireChannel(zyn::kActivityLogChannel);
-    if (!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(call.argument(0), details))
+    if (!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(invocation.argument(0), details))
         throw failure(u"a listener does not take the message"_s);
     console.write(u"sent\n"_s);
     return Done;

@@ -34,10 +34,10 @@ ExitCode tellChange(const QString& oldNumber, const QString& newNumber, Console&
     return Done;
 }
 
-ExitCode replaceFavourite(const Invocation& call, Console& console)
+ExitCode replaceFavourite(const Invocation& invocation, Console& console)
 {
-    const QString oldNumber = call.argument(0);
-    const QString newNumber = call.argument(1);
+    const QString oldNumber = invocation.argument(0);
+    const QString newNumber = invocation.argument(1);
     if (oldNumber.isEmpty() && newNumber.isEmpty())
         throw usageError(u"both numbers are empty"_s);
     if (!newNumber.isEmpty())
@@ -47,38 +47,38 @@ ExitCode replaceFavourite(const Invocation& call, Console& console)
 }
 
 /// What of a message the options describe.
-void setMessage(Entry& entry, const Invocation& call)
+void setMessage(Entry& entry, const Invocation& invocation)
 {
-    entry.msgType = numberFrom(call, u"message-type"_s, call.isSet(u"message"_s) ? 1 : 0);
-    entry.msgInfo = numberFrom(call, u"message-info"_s, 0);
-    entry.setMsgString(latin1Field(call.value(u"message"_s), u"message"_s, kMessageLimit));
+    entry.msgType = numberFrom(invocation, u"message-type"_s, invocation.isSet(u"message"_s) ? 1 : 0);
+    entry.msgInfo = numberFrom(invocation, u"message-info"_s, 0);
+    entry.setMsgString(latin1Field(invocation.value(u"message"_s), u"message"_s, kMessageLimit));
 }
 
-RC_CALL_CATEGORY_T listFrom(const Invocation& call)
+RC_CALL_CATEGORY_T listFrom(const Invocation& invocation)
 {
-    const bool isMessage = call.isSet(u"message"_s) || call.isSet(u"message-type"_s);
-    if (!call.isSet(u"list"_s))
+    const bool isMessage = invocation.isSet(u"message"_s) || invocation.isSet(u"message-type"_s);
+    if (!invocation.isSet(u"list"_s))
         return isMessage ? RC_CALL_CATEGORY_NONE : RC_CALL_CATEGORY_MISSED;
-    return wordNamed(kLists, call.value(u"list"_s), u"list"_s).value;
+    return wordNamed(kLists, invocation.value(u"list"_s), u"list"_s).value;
 }
 
-ExitCode logEntry(const Invocation& call, Console& console)
+ExitCode logEntry(const Invocation& invocation, Console& console)
 {
-    Entry entry(callFrom(call, listFrom(call), callNumber(call.argument(0))));
+    Entry entry(callFrom(invocation, listFrom(invocation), callNumber(invocation.argument(0))));
     entry.uid = kNoUid;
-    setMessage(entry, call);
+    setMessage(entry, invocation);
     const FavouritesOwnership ownership;
-    const QString key = favouriteFrom(call);
+    const QString key = favouriteFrom(invocation);
     if (!handset::addEntry(entry, key))
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
     console.write(u"logged in place %1\n"_s.arg(entry.topPalsAvlPos));
     return Done;
 }
 
-ExitCode removeEntry(const Invocation& call, Console& console)
+ExitCode removeEntry(const Invocation& invocation, Console& console)
 {
-    const int place = wholeNumber(call.argument(1), u"PLACE"_s, 0);
-    const QString key = favouriteFrom(call);
+    const int place = wholeNumber(invocation.argument(1), u"PLACE"_s, 0);
+    const QString key = favouriteFrom(invocation);
     handset::ActivityEntries entries;
     readInto(entries, key);
     const auto found = std::ranges::find(entries, place, &Entry::topPalsAvlPos);
@@ -90,12 +90,12 @@ ExitCode removeEntry(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode remove(const Invocation& call, Console& console)
+ExitCode remove(const Invocation& invocation, Console& console)
 {
     const FavouritesOwnership ownership;
-    if (call.arguments().size() > 1)
-        return removeEntry(call, console);
-    return tellChange(callNumber(call.argument(0)), QString(), console);
+    if (invocation.arguments().size() > 1)
+        return removeEntry(invocation, console);
+    return tellChange(callNumber(invocation.argument(0)), QString(), console);
 }
 
 } // namespace
@@ -105,9 +105,9 @@ Argument favouriteArgument()
     return {u"NUMBER"_s, u"of the favourite, of which the last %1 characters count"_s.arg(zyn::kFavouriteKeyLength)};
 }
 
-QString favouriteFrom(const Invocation& call)
+QString favouriteFrom(const Invocation& invocation)
 {
-    QString key = zyn::favouriteKey(callNumber(call.argument(0)));
+    QString key = zyn::favouriteKey(callNumber(invocation.argument(0)));
     if (!handset::isFavourite(key))
         throw noFavourite(key);
     return key;

@@ -9,7 +9,7 @@ namespace zyn::tool {
 
 Argument favouriteArgument();
 /// The key of the favourite that the first argument names; a failure when it is none.
-QString favouriteFrom(const Invocation& call);
+QString favouriteFrom(const Invocation& invocation);
 /// The key of each place, none when there are no favourites. The library would make the file that names them, and anew
 /// when it is damaged: a verb that only reads takes them from here, and fails in the latter case.
 QStringList readKeys();

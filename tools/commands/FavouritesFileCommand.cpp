@@ -1,5 +1,5 @@
 // zynphone favourites export and import: the favourites and their entries as a file.
-#include "tools/commands/FavouritesFileCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
@@ -44,9 +44,9 @@ void appendFavourite(Records& records, int place, const QString& key)
         records.push_back(favouriteRecord(place, key, Entry()));
 }
 
-ExitCode exportFavourites(const Invocation& call, Console& console)
+ExitCode exportFavourites(const Invocation& invocation, Console& console)
 {
-    const RecordsFile file(call, favouriteSchema(), call.argument(0));
+    const RecordsFile file(invocation, favouriteSchema(), invocation.argument(0));
     Records records;
     const QStringList keys = readKeys();
     for (int place = 0; place < keys.size(); ++place) {
@@ -133,15 +133,15 @@ private:
     int m_logged = 0;
 };
 
-ExitCode importFavourites(const Invocation& call, Console& console)
+ExitCode importFavourites(const Invocation& invocation, Console& console)
 {
-    const ReadRecords read = RecordsFile(call, favouriteSchema(), call.argument(0)).read(console);
+    const ReadRecords read = RecordsFile(invocation, favouriteSchema(), invocation.argument(0)).read(console);
     const FavouritesOwnership ownership;
     Import import(read.records);
     const QStringList problems = import.problems();
     for (const QString& problem : problems)
         console.writeError(u"zynphone: "_s + problem);
-    if (!problems.isEmpty() && call.isSet(u"strict"_s))
+    if (!problems.isEmpty() && invocation.isSet(u"strict"_s))
         throw failure(u"%1 cannot be made; none was taken"_s.arg(counted(problems.size(), "favourite")));
     import.run();
     console.write(import.state() + u'\n');

@@ -1,5 +1,5 @@
 // zynphone handset: the states of the stand-in handset.
-#include "tools/commands/HandsetCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "platform/HandsetState_p.h"
 #include "platform/SETUP_SET_Manager.h"
@@ -24,9 +24,9 @@ constexpr Column<State> kColumns[] = {
     {"meaning", "MEANING", [](const State& state) { return QJsonValue(QLatin1String(state.meaning)); }},
 };
 
-ExitCode showStates(const Invocation& call, Console& console)
+ExitCode showStates(const Invocation& invocation, Console& console)
 {
-    printTable(console, Table(kColumns, zyn::handset::kStates), call.isSet(u"json"_s));
+    printTable(console, Table(kColumns, zyn::handset::kStates), invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -65,10 +65,10 @@ QList<Assignment> assignmentsFrom(const QStringList& words)
     return assignments;
 }
 
-ExitCode setStates(const Invocation& call, Console& /*console*/)
+ExitCode setStates(const Invocation& invocation, Console& /*console*/)
 {
     SETUP_SET_Manager settings(zyn::handset::stateFile(), false);
-    for (const Assignment& assignment : assignmentsFrom(call.arguments())) {
+    for (const Assignment& assignment : assignmentsFrom(invocation.arguments())) {
         if (!settings.setSettingInfo(kGroup, QLatin1String(assignment.state->key), assignment.value))
             throw failure(u"cannot write %1"_s.arg(zyn::handset::stateFile()));
     }

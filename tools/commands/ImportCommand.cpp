@@ -1,5 +1,5 @@
 // zynphone calls import: calls from a file for the log.
-#include "tools/commands/ImportCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallSending.h"
@@ -20,9 +20,9 @@ Call callOf(const QByteArray& record)
     return zyn::toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
 }
 
-ExitCode importCalls(const Invocation& call, Console& console)
+ExitCode importCalls(const Invocation& invocation, Console& console)
 {
-    const ReadRecords read = RecordsFile(call, callSchema(), call.argument(0)).read(console);
+    const ReadRecords read = RecordsFile(invocation, callSchema(), invocation.argument(0)).read(console);
     std::vector<Call> calls;
     for (const QByteArray& record : read.records)
         calls.push_back(callOf(record));

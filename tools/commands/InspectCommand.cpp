@@ -1,5 +1,5 @@
 // zynphone inspect: what a file of the store holds, and whether it is sound.
-#include "tools/commands/InspectCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "platform/posix/File_p.h"
 #include "tools/commands/StoreInspection.h"
@@ -71,28 +71,28 @@ QString textReport(const QString& path, const FileFindings& findings)
     return findings.usedSlots.isEmpty() ? report : report + findings.usedSlots.text();
 }
 
-ExitCode inspectFile(const Invocation& call, Console& console)
+ExitCode inspectFile(const Invocation& invocation, Console& console)
 {
-    const QString path = call.argument(0);
+    const QString path = invocation.argument(0);
     const QByteArray image = readFile(path);
     const QString name = QFileInfo(path).fileName();
     const FileFindings findings = kindOf(path, name, image).check(name, image);
-    if (call.isSet(u"json"_s))
+    if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(jsonReport(path, image, findings)));
     else
         console.write(textReport(path, findings));
     return findings.isSound() ? Done : Failed;
 }
 
-ExitCode inspect(const Invocation& call, Console& console)
+ExitCode inspect(const Invocation& invocation, Console& console)
 {
-    const bool verifies = call.isSet(u"verify"_s);
-    const bool repairs = call.isSet(u"repair"_s);
+    const bool verifies = invocation.isSet(u"verify"_s);
+    const bool repairs = invocation.isSet(u"repair"_s);
     if (verifies && repairs)
         throw usageError(u"--verify and --repair exclude each other"_s);
     if (verifies)
-        return verifyStore(call, console);
-    return repairs ? repairStore(call, console) : inspectFile(call, console);
+        return verifyStore(invocation, console);
+    return repairs ? repairStore(invocation, console) : inspectFile(invocation, console);
 }
 
 } // namespace

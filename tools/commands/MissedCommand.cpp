@@ -1,11 +1,11 @@
 // zynphone missed: the unread missed calls.
-#include "tools/commands/MissedCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
 #include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ServiceError.h"
@@ -43,10 +43,10 @@ constexpr Column<RC_MissedCallItem> kColumns[] = {
 class MissedCalls
 {
 public:
-    MissedCalls(const Invocation& call, Console& console)
+    MissedCalls(const Invocation& invocation, Console& console)
         : m_console(console)
-        , m_json(call.isSet(u"json"_s))
-        , m_left(limitFrom(call, u"count"_s))
+        , m_json(invocation.isSet(u"json"_s))
+        , m_left(limitFrom(invocation, u"count"_s))
     {}
 
     void show()
@@ -97,15 +97,15 @@ private:
     Debouncer m_update{[this] { showAgain(); }};
 };
 
-ExitCode showMissed(const Invocation& call, Console& console)
+ExitCode showMissed(const Invocation& invocation, Console& console)
 {
-    const bool follows = call.isSet(u"follow"_s);
+    const bool follows = invocation.isSet(u"follow"_s);
     for (const QString& option : {u"count"_s, u"for"_s}) {
-        if (!follows && call.isSet(option))
+        if (!follows && invocation.isSet(option))
             throw usageError(u"--%1 is for --follow"_s.arg(option));
     }
-    const TimeLimit limit(call);
-    MissedCalls missed(call, console);
+    const TimeLimit limit(invocation);
+    MissedCalls missed(invocation, console);
     if (!follows) {
         missed.show();
         return Done;

@@ -1,5 +1,5 @@
 // zynphone monitor: the messages of the channels as they come.
-#include "tools/commands/MonitorCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
@@ -20,9 +20,9 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-QStringList channelsFrom(const Invocation& call)
+QStringList channelsFrom(const Invocation& invocation)
 {
-    QStringList channels = call.arguments();
+    QStringList channels = invocation.arguments();
     if (channels.isEmpty())
         channels = channelNames();
     channels.removeDuplicates();
@@ -32,14 +32,14 @@ QStringList channelsFrom(const Invocation& call)
 }
 
 /// What the options say of a recording that exists.
-RecordingWriter::Existing existingFrom(const Invocation& call)
+RecordingWriter::Existing existingFrom(const Invocation& invocation)
 {
     using enum RecordingWriter::Existing;
-    const bool replaces = call.isSet(u"force"_s);
-    const bool appends = call.isSet(u"append"_s);
+    const bool replaces = invocation.isSet(u"force"_s);
+    const bool appends = invocation.isSet(u"append"_s);
     if (replaces && appends)
         throw usageError(u"--force and --append exclude each other"_s);
-    if ((replaces || appends) && !call.isSet(u"record"_s))
+    if ((replaces || appends) && !invocation.isSet(u"record"_s))
         throw usageError(u"--%1 is for --record"_s.arg(replaces ? u"force"_s : u"append"_s));
     return replaces ? Replace : appends ? Append : Refuse;
 }
@@ -48,11 +48,11 @@ RecordingWriter::Existing existingFrom(const Invocation& call)
 class Monitor
 {
 public:
-    Monitor(const Invocation& call, Console& console)
+    Monitor(const Invocation& invocation, Console& console)
         : m_console(console)
-        , m_raw(call.isSet(u"raw"_s))
-        , m_json(call.isSet(u"json"_s))
-        , m_left(limitFrom(call, u"count"_s))
+        , m_raw(invocation.isSet(u"raw"_s))
+        , m_json(invocation.isSet(u"json"_s))
+        , m_left(limitFrom(invocation, u"count"_s))
     {}
 
     void listenOn(const QString& name)
@@ -108,17 +108,17 @@ private:
     bool m_isBroken = false; ///< whether the recording could not be written
 };
 
-ExitCode monitorChannels(const Invocation& call, Console& console)
+ExitCode monitorChannels(const Invocation& invocation, Console& console)
 {
-    const QStringList channels = channelsFrom(call);
-    const RecordingWriter::Existing existing = existingFrom(call);
-    const TimeLimit timeLimit(call);
+    const QStringList channels = channelsFrom(invocation);
+    const RecordingWriter::Existing existing = existingFrom(invocation);
+    const TimeLimit timeLimit(invocation);
     const zyn::handset::TerminationSignals signalsThatEnd;
-    Monitor monitor(call, console);
+    Monitor monitor(invocation, console);
     for (const QString& channel : channels)
         monitor.listenOn(channel);
-    if (call.isSet(u"record"_s))
-        monitor.recordIn(call.value(u"record"_s), existing);
+    if (invocation.isSet(u"record"_s))
+        monitor.recordIn(invocation.value(u"record"_s), existing);
     timeLimit.start();
     console.writeError(u"listening on "_s + channels.join(u", "_s));
     monitor.run();

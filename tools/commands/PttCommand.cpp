@@ -1,8 +1,8 @@
 // zynphone ptt: requests to start and end push-to-talk calls.
-#include "tools/commands/PttCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commands/CallInput.h"
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Ptt.h"
@@ -12,9 +12,9 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
+PTT_CALL_INFO_T pttCallFrom(const Invocation& invocation)
 {
-    const QStringList parties = call.arguments();
+    const QStringList parties = invocation.arguments();
     if (parties.size() > zyn::kMaxPttParties)
         throw usageError(u"%1 parties; at most %2 fit"_s.arg(parties.size()).arg(int{zyn::kMaxPttParties}));
     PTT_CALL_INFO_T info;
@@ -25,14 +25,14 @@ PTT_CALL_INFO_T pttCallFrom(const Invocation& call)
             info.secondList[info.count] = party.mid(equals + 1);
         ++info.count;
     }
-    info.firstValue = numberFrom(call, u"value1"_s, 0);
-    info.secondValue = numberFrom(call, u"value2"_s, 0);
+    info.firstValue = numberFrom(invocation, u"value1"_s, 0);
+    info.secondValue = numberFrom(invocation, u"value2"_s, 0);
     return info;
 }
 
-ExitCode startCall(const Invocation& call, Console& console)
+ExitCode startCall(const Invocation& invocation, Console& console)
 {
-    const PTT_CALL_INFO_T info = pttCallFrom(call);
+    const PTT_CALL_INFO_T info = pttCallFrom(invocation);
     requireChannel(zyn::kPttChannel);
     if (PHONE_MakePttCall(info) == 0)
         throw failure(u"the library refuses the call"_s);
@@ -40,7 +40,7 @@ ExitCode startCall(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode dropCall(const Invocation& /*call*/, Console& console)
+ExitCode dropCall(const Invocation& /*invocation*/, Console& console)
 {
     requireChannel(zyn::kPttChannel);
     PHONE_DropPttCall();

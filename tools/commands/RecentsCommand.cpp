@@ -1,11 +1,11 @@
 // zynphone recents: the recent-call screens.
-#include "tools/commands/RecentsCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
 #include "handset/recentcall_screen/ScreenPage.h"
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/TimeLimit.h"
@@ -50,30 +50,30 @@ RC_PAGE_ID_T pageFrom(const QString& word)
     return static_cast<RC_PAGE_ID_T>(wholeNumber(word, u"page"_s));
 }
 
-ExitCode showList(const Invocation& call, Console& console)
+ExitCode showList(const Invocation& invocation, Console& console)
 {
-    return tellSent(RecentCall_Msg::requestShowUI(categoryFrom(call.argument(0))), console);
+    return tellSent(RecentCall_Msg::requestShowUI(categoryFrom(invocation.argument(0))), console);
 }
 
-ExitCode showPage(const Invocation& call, Console& console)
+ExitCode showPage(const Invocation& invocation, Console& console)
 {
-    return tellSent(RecentCall_Msg::requestShowPage(pageFrom(call.argument(0))), console);
+    return tellSent(RecentCall_Msg::requestShowPage(pageFrom(invocation.argument(0))), console);
 }
 
-ExitCode showDetail(const Invocation& call, Console& console)
+ExitCode showDetail(const Invocation& invocation, Console& console)
 {
-    const int index = wholeNumber(call.argument(1), u"INDEX"_s);
-    return tellSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(call.argument(0))), console);
+    const int index = wholeNumber(invocation.argument(1), u"INDEX"_s);
+    return tellSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(invocation.argument(0))), console);
 }
 
-ExitCode hide(const Invocation& /*call*/, Console& console)
+ExitCode hide(const Invocation& /*invocation*/, Console& console)
 {
     return tellSent(RecentCall_Msg::requestHideUI(), console);
 }
 
-ExitCode pick(const Invocation& call, Console& console)
+ExitCode pick(const Invocation& invocation, Console& console)
 {
-    const TimeLimit limit(call, u"timeout"_s);
+    const TimeLimit limit(invocation, u"timeout"_s);
     requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
     const zyn::handset::TerminationSignals signalsThatEnd;
     RC_MsgInterface* const screens = RC_MsgInterface::instance();

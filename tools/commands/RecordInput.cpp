@@ -72,12 +72,12 @@ QList<QCommandLineOption> allStatusOptions()
     return options;
 }
 
-QByteArray allStatusFrom(const Invocation& call)
+QByteArray allStatusFrom(const Invocation& invocation)
 {
     QByteArray record(sizeof(AllStatus), '\0');
     for (const AllStatusField& field : kAllStatusFields) {
-        if (const QString name = QLatin1String(field.name); call.isSet(name))
-            record.replace(field.offset, field.size, allStatusBytes(field, call.value(name)));
+        if (const QString name = QLatin1String(field.name); invocation.isSet(name))
+            record.replace(field.offset, field.size, allStatusBytes(field, invocation.value(name)));
     }
     return record;
 }

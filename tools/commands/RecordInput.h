@@ -12,7 +12,7 @@ namespace zyn::tool {
 /// The options of allStatusFrom(), one for each field of the all-status record.
 QList<QCommandLineOption> allStatusOptions();
 /// The all-status record with the fields that @p call sets; the others are 0.
-QByteArray allStatusFrom(const Invocation& call);
+QByteArray allStatusFrom(const Invocation& invocation);
 
 /// The network list of @p words, which are an id and a name for each network.
 QByteArray networkListFrom(const QStringList& words);

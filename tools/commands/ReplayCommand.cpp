@@ -1,5 +1,5 @@
 // zynphone replay: the messages of a recording, sent again.
-#include "tools/commands/ReplayCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
 #include "tools/recording/Replay.h"
@@ -16,11 +16,11 @@ constexpr char kMaxSpeed[] = "max";
 constexpr double kSlowest = 0.001;
 constexpr double kFastest = 1'000'000;
 
-double speedFrom(const Invocation& call)
+double speedFrom(const Invocation& invocation)
 {
-    if (!call.isSet(u"speed"_s))
+    if (!invocation.isSet(u"speed"_s))
         return 1;
-    const QString text = call.value(u"speed"_s);
+    const QString text = invocation.value(u"speed"_s);
     if (text == QLatin1String(kMaxSpeed))
         return Replay::kNoPauses;
     bool ok = false;
@@ -42,11 +42,11 @@ QString progressText(const Replay& replay)
     return sentOf(replay) + u", %1:%2 left"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-ExitCode replay(const Invocation& call, Console& console)
+ExitCode replay(const Invocation& invocation, Console& console)
 {
-    const double speed = speedFrom(call);
-    Recording recording(call.argument(0));
-    recording.keepOnly(call.values(u"channel"_s));
+    const double speed = speedFrom(invocation);
+    Recording recording(invocation.argument(0));
+    recording.keepOnly(invocation.values(u"channel"_s));
     const zyn::handset::TerminationSignals signalsThatEnd;
     Replay replay(recording, speed);
     {

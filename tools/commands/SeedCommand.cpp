@@ -1,5 +1,5 @@
 // zynphone calls seed: made-up calls for the log.
-#include "tools/commands/SeedCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commands/CallSending.h"
 #include "tools/commands/SeededCalls.h"
@@ -17,11 +17,12 @@ namespace {
 
 constexpr int kMostCalls = 10'000;
 
-ExitCode seedCalls(const Invocation& call, Console& console)
+ExitCode seedCalls(const Invocation& invocation, Console& console)
 {
-    const int count = wholeNumber(call.argument(0), u"N"_s, 1, kMostCalls);
-    const int seed = call.isSet(u"random"_s) ? wholeNumber(call.value(u"random"_s), u"--random"_s, 0)
-                                             : QRandomGenerator::global()->bounded(std::numeric_limits<int>::max());
+    const int count = wholeNumber(invocation.argument(0), u"N"_s, 1, kMostCalls);
+    const int seed = invocation.isSet(u"random"_s)
+                         ? wholeNumber(invocation.value(u"random"_s), u"--random"_s, 0)
+                         : QRandomGenerator::global()->bounded(std::numeric_limits<int>::max());
     sendCalls(seededCalls(count, static_cast<quint32>(seed), QDateTime::currentDateTime()));
     console.write(u"sent %1 (--random %2)\n"_s.arg(counted(count, "call")).arg(seed));
     return Done;

@@ -1,5 +1,7 @@
 // zynphone send: any message with any payload.
-#include "tools/commands/SendCommand.h"
+#include "tools/commands/MessageSending.h"
+
+#include "tools/commands/Commands.h"
 
 #include "platform/QCopChannel.h"
 #include "tools/commands/Channels.h"
@@ -61,16 +63,16 @@ void writeTyped(PayloadWriter& writer, const QString& typed)
     type.value(writer, typed.mid(colon + 1));
 }
 
-ExitCode send(const Invocation& call, Console& console)
+ExitCode send(const Invocation& invocation, Console& console)
 {
-    if (call.argument(0).isEmpty())
+    if (invocation.argument(0).isEmpty())
         throw usageError(u"the channel's name is empty"_s);
-    if (call.argument(1).isEmpty())
+    if (invocation.argument(1).isEmpty())
         throw usageError(u"the message's name is empty"_s);
     PayloadWriter writer;
-    for (const QString& typed : call.arguments().mid(2))
+    for (const QString& typed : invocation.arguments().mid(2))
         writeTyped(writer, typed);
-    sendMessage(call.argument(0), call.argument(1), writer.payload(), console);
+    sendMessage(invocation.argument(0), invocation.argument(1), writer.payload(), console);
     return Done;
 }
 

@@ -1,5 +1,5 @@
 // zynphone settings: the recent-call settings, as the library reads them.
-#include "tools/commands/SettingsCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "tools/zynphone/CallText.h"
@@ -33,9 +33,9 @@ constexpr Column<Setup> kSettings[] = {
      [](const Setup& setup) { return QJsonValue(setup->isFixedDialingAvailable()); }},
 };
 
-ExitCode showSettings(const Invocation& call, Console& console)
+ExitCode showSettings(const Invocation& invocation, Console& console)
 {
-    printSheet(console, Table(kSettings, std::array{RecentCall_Setup::instance()}), call.isSet(u"json"_s));
+    printSheet(console, Table(kSettings, std::array{RecentCall_Setup::instance()}), invocation.isSet(u"json"_s));
     return Done;
 }
 

@@ -1,5 +1,5 @@
 // zynphone prepend, radio and language: the set-up of calls and of the phone server.
-#include "tools/commands/SetupCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "platform/QCopChannel.h"
 #include "tools/zynphone/Console.h"
@@ -22,14 +22,14 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{2};
 
-ExitCode showPrepend(const Invocation& /*call*/, Console& console)
+ExitCode showPrepend(const Invocation& /*invocation*/, Console& console)
 {
     console.write(PHONE_Setup().isPrepend() ? u"on\n"_s : u"off\n"_s);
     return Done;
 }
 
 template<bool on>
-ExitCode setPrepend(const Invocation& /*call*/, Console& /*console*/)
+ExitCode setPrepend(const Invocation& /*invocation*/, Console& /*console*/)
 {
     if (!PHONE_Setup().setPrepend(on))
         throw failure(u"the settings store did not take the switch"_s);
@@ -77,7 +77,7 @@ private:
 };
 
 template<bool on>
-ExitCode switchRadio(const Invocation& /*call*/, Console& console)
+ExitCode switchRadio(const Invocation& /*invocation*/, Console& console)
 {
     Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_RFMOD_S);
     PHONE_SetRFMode(on);
@@ -86,9 +86,9 @@ ExitCode switchRadio(const Invocation& /*call*/, Console& console)
     return result != 0 ? Done : Failed;
 }
 
-ExitCode setLanguage(const Invocation& call, Console& console)
+ExitCode setLanguage(const Invocation& invocation, Console& console)
 {
-    const int language = wholeNumber(call.argument(0), u"N"_s);
+    const int language = wholeNumber(invocation.argument(0), u"N"_s);
     Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_FEATUREDB_LANG_S);
     PHONE_SetTAPILanguage(language);
     console.write(u"result %1\n"_s.arg(answer.wait()));

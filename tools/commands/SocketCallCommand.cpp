@@ -1,5 +1,5 @@
 // zynphone java and stk: calls placed over a connection to the phone server.
-#include "tools/commands/SocketCallCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
 #include "tools/commands/CallInput.h"
@@ -85,11 +85,11 @@ ExitCode follow(const Replies& replies, const TimeLimit& limit)
 /// else.
 Replies* javaReplies = nullptr;
 
-ExitCode callFromJava(const Invocation& call, Console& console)
+ExitCode callFromJava(const Invocation& invocation, Console& console)
 {
-    const QByteArray number = callNumber(call.argument(0)).toLatin1();
-    const int value = numberFrom(call, u"value"_s, 0);
-    const TimeLimit limit(call);
+    const QByteArray number = callNumber(invocation.argument(0)).toLatin1();
+    const int value = numberFrom(invocation, u"value"_s, 0);
+    const TimeLimit limit(invocation);
     Replies replies(console);
     javaReplies = &replies;
     const int handle = PHONE_VoiceCall_Java_Init([](char code) { javaReplies->show(static_cast<uint8_t>(code)); });
@@ -114,10 +114,10 @@ PHONE_VoiceSTK_PARAMETER parameterFrom(const QString& text)
     return parameter;
 }
 
-ExitCode callFromSimToolkit(const Invocation& call, Console& console)
+ExitCode callFromSimToolkit(const Invocation& invocation, Console& console)
 {
-    PHONE_VoiceSTK_PARAMETER parameter = parameterFrom(call.argument(0));
-    const TimeLimit limit(call);
+    PHONE_VoiceSTK_PARAMETER parameter = parameterFrom(invocation.argument(0));
+    const TimeLimit limit(invocation);
     Replies replies(console);
     PHONE_VoiceSTK* const client = PHONE_VoiceSTK_Init();
     const auto disconnect = qScopeGuard([client] { PHONE_VoiceSTK_DeInit(client); });

@@ -1,5 +1,5 @@
 // zynphone speed-dial: the nine numbers of speed dial.
-#include "tools/commands/SpeedDialCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
@@ -26,25 +26,25 @@ constexpr Column<Entry> kColumns[] = {
     {"number", "NUMBER", [](const Entry& entry) { return QJsonValue(entry.number); }},
 };
 
-int indexFrom(const Invocation& call)
+int indexFrom(const Invocation& invocation)
 {
-    return wholeNumber(call.argument(0), u"INDEX"_s, kFirstIndex, kLastIndex);
+    return wholeNumber(invocation.argument(0), u"INDEX"_s, kFirstIndex, kLastIndex);
 }
 
-ExitCode listEntries(const Invocation& call, Console& console)
+ExitCode listEntries(const Invocation& invocation, Console& console)
 {
     QStringList numbers;
     PHONE_SpeedDial().getTurboDialingList(numbers);
     std::vector<Entry> entries;
     for (const QString& number : numbers)
         entries.push_back({kFirstIndex + static_cast<int>(entries.size()), number});
-    printTable(console, Table(kColumns, entries), call.isSet(u"json"_s));
+    printTable(console, Table(kColumns, entries), invocation.isSet(u"json"_s));
     return Done;
 }
 
-ExitCode showEntry(const Invocation& call, Console& console)
+ExitCode showEntry(const Invocation& invocation, Console& console)
 {
-    const int index = indexFrom(call);
+    const int index = indexFrom(invocation);
     const QString number = PHONE_SpeedDial().getTurboDialing(index);
     if (number.isEmpty())
         throw failure(u"entry %1 is free"_s.arg(index));
@@ -52,15 +52,15 @@ ExitCode showEntry(const Invocation& call, Console& console)
     return Done;
 }
 
-ExitCode setEntry(const Invocation& call, Console& /*console*/)
+ExitCode setEntry(const Invocation& invocation, Console& /*console*/)
 {
-    const int index = indexFrom(call);
-    if (!PHONE_SpeedDial().setTurboDialing(index, call.argument(1)))
+    const int index = indexFrom(invocation);
+    if (!PHONE_SpeedDial().setTurboDialing(index, invocation.argument(1)))
         throw failure(u"the settings store did not take the number"_s);
     return Done;
 }
 
-ExitCode showFirstFree(const Invocation& /*call*/, Console& console)
+ExitCode showFirstFree(const Invocation& /*invocation*/, Console& console)
 {
     const int index = PHONE_SpeedDial().getFirstAvailableTurboDialingIndex();
     if (index < kFirstIndex)

@@ -1,8 +1,8 @@
 // zynphone status: the phone server's status messages by name.
-#include "tools/commands/StatusCommand.h"
+#include "tools/commands/Commands.h"
 
+#include "tools/commands/MessageSending.h"
 #include "tools/commands/RecordInput.h"
-#include "tools/commands/SendCommand.h"
 #include "tools/recording/RecordFields.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
@@ -85,33 +85,33 @@ QByteArray payloadFrom(const PhoneMessage& message, const QStringList& words)
 }
 
 /// What only a snapshot takes must not be lost without a word.
-void refuseSnapshotOptions(const Invocation& call)
+void refuseSnapshotOptions(const Invocation& invocation)
 {
     for (const QCommandLineOption& option : allStatusOptions()) {
-        if (const QString name = option.names().constFirst(); call.isSet(name))
+        if (const QString name = option.names().constFirst(); invocation.isSet(name))
             throw usageError(u"--%1 is for 'snapshot'"_s.arg(name));
     }
 }
 
-QByteArray statusPayload(const PhoneMessage& message, const Invocation& call)
+QByteArray statusPayload(const PhoneMessage& message, const Invocation& invocation)
 {
-    const QStringList words = call.arguments().mid(1);
+    const QStringList words = invocation.arguments().mid(1);
     const FieldKind kind = leadingKind(message.fields);
     if (kind == FieldKind::AllStatusRecord) {
         if (!words.isEmpty())
             throw usageError(u"superfluous argument '%1'"_s.arg(words.first()));
-        return allStatusFrom(call);
+        return allStatusFrom(invocation);
     }
-    refuseSnapshotOptions(call);
+    refuseSnapshotOptions(invocation);
     return kind == FieldKind::NetworkListRecord ? networkListFrom(words) : payloadFrom(message, words);
 }
 
-ExitCode sendStatus(const Invocation& call, Console& console)
+ExitCode sendStatus(const Invocation& invocation, Console& console)
 {
-    const QString status = call.argument(0);
+    const QString status = invocation.argument(0);
     const PhoneMessage& message = statusNamed(status);
     const QCString name = messageName(kPhonePrefix, static_cast<unsigned>(message.type), kPhoneTypes);
-    sendMessage(QLatin1String(kPhoneChannel), QLatin1String(name), statusPayload(message, call), console);
+    sendMessage(QLatin1String(kPhoneChannel), QLatin1String(name), statusPayload(message, invocation), console);
     return Done;
 }
 

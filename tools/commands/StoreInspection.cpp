@@ -108,11 +108,11 @@ private:
 
 } // namespace
 
-ExitCode verifyStore(const Invocation& call, Console& console)
+ExitCode verifyStore(const Invocation& invocation, Console& console)
 {
-    const StoreFiles files(call.argument(0));
+    const StoreFiles files(invocation.argument(0));
     const Findings findings = checkStore(files);
-    if (call.isSet(u"json"_s))
+    if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(QJsonObject{{u"directory"_s, files.directory()},
                                                 {u"sound"_s, findings.isEmpty()},
                                                 {u"problems"_s, findings.json("problem")}}));
@@ -122,11 +122,11 @@ ExitCode verifyStore(const Invocation& call, Console& console)
     return findings.isEmpty() ? Done : Failed;
 }
 
-ExitCode repairStore(const Invocation& call, Console& console)
+ExitCode repairStore(const Invocation& invocation, Console& console)
 {
-    Repair repair(call.argument(0));
+    Repair repair(invocation.argument(0));
     repair.run();
-    if (call.isSet(u"json"_s))
+    if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(repair.json()));
     else
         console.write(repair.text());

@@ -8,9 +8,9 @@ namespace zyn::tool {
 class Console;
 
 /// Tells what is wrong with the store directory that the argument names.
-ExitCode verifyStore(const Invocation& call, Console& console);
+ExitCode verifyStore(const Invocation& invocation, Console& console);
 
 /// Makes it sound, and tells what was done and what is left.
-ExitCode repairStore(const Invocation& call, Console& console);
+ExitCode repairStore(const Invocation& invocation, Console& console);
 
 } // namespace zyn::tool

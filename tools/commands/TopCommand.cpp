@@ -1,5 +1,5 @@
 // zynphone top: the phone's state as it changes.
-#include "tools/commands/TopCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
@@ -163,11 +163,11 @@ ExitCode showLive(const TimeLimit& timeLimit, Console& console)
     return Done;
 }
 
-ExitCode showTop(const Invocation& call, Console& console)
+ExitCode showTop(const Invocation& invocation, Console& console)
 {
-    const TimeLimit timeLimit(call);
+    const TimeLimit timeLimit(invocation);
     const zyn::handset::TerminationSignals signalsThatEnd;
-    return call.isSet(u"once"_s) ? showOnce(timeLimit, console) : showLive(timeLimit, console);
+    return invocation.isSet(u"once"_s) ? showOnce(timeLimit, console) : showLive(timeLimit, console);
 }
 
 } // namespace

@@ -25,11 +25,11 @@ QString nameOf(const StoredField& field)
     return QLatin1String(field.name);
 }
 
-const RecordFormat& formatFrom(const Invocation& call, const QString& path)
+const RecordFormat& formatFrom(const Invocation& invocation, const QString& path)
 {
     const QString format = u"format"_s;
-    if (call.isSet(format))
-        return *wordNamed(kRecordFormats, call.value(format), format).value;
+    if (invocation.isSet(format))
+        return *wordNamed(kRecordFormats, invocation.value(format), format).value;
     if (path.isNull())
         return kCsvFormat;
     return *wordNamed(kRecordFormats, QFileInfo(path).suffix().toLower(), u"file ending"_s).value;
@@ -70,11 +70,11 @@ QString RecordsFile::fieldList(const RecordSchema& schema)
     return lines.join(u'\n') + u'\n';
 }
 
-RecordsFile::RecordsFile(const Invocation& call, const RecordSchema& schema, const QString& path)
-    : m_call(call)
+RecordsFile::RecordsFile(const Invocation& invocation, const RecordSchema& schema, const QString& path)
+    : m_call(invocation)
     , m_schema(schema)
     , m_path(path == "-"_L1 || path.isEmpty() ? QString() : path)
-    , m_format(formatFrom(call, m_path))
+    , m_format(formatFrom(invocation, m_path))
 {}
 
 void RecordsFile::write(const std::vector<QByteArray>& records, Console& console) const

@@ -1,8 +1,8 @@
 // A file of records, as a command line names it.
 #pragma once
 
-#include "tools/zynphone/Command.h"
 #include "tools/interchange/RecordsText.h"
+#include "tools/zynphone/Command.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -27,7 +27,7 @@ public:
     /// The file at @p path; standard input or output when that is "-" or empty. A usage error when neither its ending
     /// nor an option tells its format.
     /// @p call and @p schema must outlive it.
-    RecordsFile(const Invocation& call, const RecordSchema& schema, const QString& path);
+    RecordsFile(const Invocation& invocation, const RecordSchema& schema, const QString& path);
 
     /// Writes @p records, whole or not at all, in place of what the file was; a device or a pipe is written to.
     void write(const std::vector<QByteArray>& records, Console& console) const;

@@ -72,23 +72,23 @@ const Command& findVerb(const Command& group, const QStringList& given)
     return *verb;
 }
 
-ExitCode runInvocation(const Command& command, const QString& path, const Invocation& call, Console& console)
+ExitCode runInvocation(const Command& command, const QString& path, const Invocation& invocation, Console& console)
 {
-    if (call.isSet(u"trace"_s))
+    if (invocation.isSet(u"trace"_s))
         console.showTrace();
-    if (call.isSet(u"help"_s)) {
+    if (invocation.isSet(u"help"_s)) {
         console.write(helpText(command, path));
         return Done;
     }
-    if (call.isSet(u"version"_s)) {
+    if (invocation.isSet(u"version"_s)) {
         console.write(u"zynphone %1\n"_s.arg(QCoreApplication::applicationVersion()));
         return Done;
     }
     if (command.run) {
-        checkArguments(command, call.arguments());
-        return command.run(call, console);
+        checkArguments(command, invocation.arguments());
+        return command.run(invocation, console);
     }
-    const QStringList given = call.arguments();
+    const QStringList given = invocation.arguments();
     const Command& verb = findVerb(command, given);
     return runCommand(verb, path + u' ' + verb.name, given.mid(1), console);
 }
@@ -169,16 +169,17 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
     return *number;
 }
 
-int numberFrom(const Invocation& call, const QString& option, int byDefault, int lowest, int highest)
+int numberFrom(const Invocation& invocation, const QString& option, int byDefault, int lowest, int highest)
 {
-    return call.isSet(option) ? wholeNumber(call.value(option), u"--"_s + option, lowest, highest) : byDefault;
+    return invocation.isSet(option) ? wholeNumber(invocation.value(option), u"--"_s + option, lowest, highest)
+                                    : byDefault;
 }
 
-std::optional<int> limitFrom(const Invocation& call, const QString& option, int highest)
+std::optional<int> limitFrom(const Invocation& invocation, const QString& option, int highest)
 {
-    if (!call.isSet(option))
+    if (!invocation.isSet(option))
         return std::nullopt;
-    return wholeNumber(call.value(option), u"--"_s + option, 1, highest);
+    return wholeNumber(invocation.value(option), u"--"_s + option, 1, highest);
 }
 
 } // namespace zyn::tool

@@ -79,11 +79,11 @@ QCommandLineOption valueOption(const QString& name, const QString& valueName, co
 QCommandLineOption jsonOption();
 
 /// The whole number that @p option sets, or @p byDefault when it is not set.
-int numberFrom(const Invocation& call, const QString& option, int byDefault,
+int numberFrom(const Invocation& invocation, const QString& option, int byDefault,
                int lowest = std::numeric_limits<int>::min(), int highest = std::numeric_limits<int>::max());
 
 /// The whole number from 1 to @p highest that @p option sets; nothing when it is not set.
-std::optional<int> limitFrom(const Invocation& call, const QString& option,
+std::optional<int> limitFrom(const Invocation& invocation, const QString& option,
                              int highest = std::numeric_limits<int>::max());
 
 /// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the

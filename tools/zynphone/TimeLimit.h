@@ -22,8 +22,8 @@ public:
     }
 
     /// @param option  the one that sets it, if not option()
-    explicit TimeLimit(const Invocation& call, const QString& option = QStringLiteral("for"))
-        : m_seconds(limitFrom(call, option, kMaxSeconds))
+    explicit TimeLimit(const Invocation& invocation, const QString& option = QStringLiteral("for"))
+        : m_seconds(limitFrom(invocation, option, kMaxSeconds))
     {}
 
     bool isSet() const { return m_seconds.has_value(); }

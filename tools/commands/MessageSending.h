@@ -1,11 +1,9 @@
-// zynphone send: any message with any payload.
+// Sends a message for the verbs that do, and says so.
 #pragma once
 
 #include "tools/zynphone/Command.h"
 
 namespace zyn::tool {
-
-Command sendCommand();
 
 /// Sends a message, and says so; throws when it cannot be sent.
 void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console);
