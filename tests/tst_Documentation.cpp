@@ -12,15 +12,15 @@
 #include "support/StdoutCapture.h"
 #include "tools/recording/RecordingLine.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
 #include "utility/PHONE_EmergencyList_p.h"
-#include "utility/PHONE_MsgTable_p.h"
-#include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_Settings_p.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>

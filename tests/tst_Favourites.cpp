@@ -11,7 +11,7 @@
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/StdoutCapture.h"
 #include "tests/support/Tool.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QDir>
 

@@ -2,7 +2,7 @@
 #include "support/Patience.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_MsgClient.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtTest/QSignalSpy>

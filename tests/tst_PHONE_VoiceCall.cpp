@@ -2,12 +2,12 @@
 #include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 #include "utility/PHONE_VoiceCallSender.h"
+#include "utility/message/Message_p.h"
 
 #include <QtTest/QTest>
 

@@ -8,14 +8,14 @@
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_MsgClient.h"
-#include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QDir>
 

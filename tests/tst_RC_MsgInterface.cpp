@@ -5,7 +5,7 @@
 #include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StdoutCapture.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QRegularExpression>

@@ -3,7 +3,7 @@
 #include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "support/Tool.h"
-#include "utility/PHONE_MsgTable_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>

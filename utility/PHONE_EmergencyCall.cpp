@@ -3,7 +3,7 @@
 
 #include "platform/UTIL_PhoneStatus.h"
 #include "utility/PHONE_EmergencyList_p.h"
-#include "utility/PHONE_Log.h"
+#include "utility/PHONE_Log_p.h"
 
 #include <algorithm>
 #include <iterator>

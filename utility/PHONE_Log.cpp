@@ -1,5 +1,5 @@
 // The library's debug lines.
-#include "utility/PHONE_Log.h"
+#include "utility/PHONE_Log_p.h"
 
 #include "platform/aplog.h"
 

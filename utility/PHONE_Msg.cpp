@@ -1,8 +1,8 @@
 // Names and sends the messages of the phone channel.
 #include "utility/PHONE_Msg.h"
 
-#include "utility/PHONE_Log.h"
-#include "utility/PHONE_MsgName_p.h"
+#include "utility/PHONE_Log_p.h"
+#include "utility/message/Message_p.h"
 
 namespace {
 

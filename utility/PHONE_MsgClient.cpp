@@ -1,11 +1,10 @@
 // Turns the phone server's messages into signals.
 #include "utility/PHONE_MsgClient.h"
 
-#include "utility/PHONE_Log.h"
-#include "utility/PHONE_MsgDecoder_p.h"
-#include "utility/PHONE_MsgSignals_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_Log_p.h"
 #include "utility/PHONE_SignalTypes_p.h"
+#include "utility/message/Payload_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 namespace {
 

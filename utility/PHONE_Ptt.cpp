@@ -2,9 +2,9 @@
 #include "utility/PHONE_Ptt.h"
 
 #include "platform/QCopChannel.h"
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Log.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/PHONE_Log_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <span>
 #include <type_traits>

@@ -1,8 +1,8 @@
 // Places and ends voice calls.
 #include "utility/PHONE_VoiceCall.h"
 
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCallSender.h"
+#include "utility/message/Message_p.h"
 
 // The sender refuses a null number.
 

@@ -1,9 +1,9 @@
 // Receives requests to place and end voice calls.
 #include "utility/PHONE_VoiceCallReceiver.h"
 
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_SignalTypes_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 PHONE_VoiceCallReceiver::PHONE_VoiceCallReceiver(QObject* parent, const char* name)
     : QCopChannel(zyn::kVoiceCallChannel, parent, name)

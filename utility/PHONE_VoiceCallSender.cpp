@@ -2,8 +2,8 @@
 #include "utility/PHONE_VoiceCallSender.h"
 
 #include "platform/QCopChannel.h"
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 PHONE_VoiceCallSender::PHONE_VoiceCallSender() = default;
 

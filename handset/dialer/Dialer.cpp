@@ -5,10 +5,10 @@
 #include "handset/common/Output.h"
 #include "platform/UTIL_PhoneStatus.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_VoiceCall.h"
+#include "utility/message/Message_p.h"
 
 using namespace Qt::StringLiterals;
 

@@ -13,9 +13,9 @@
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_MsgClient.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>

@@ -4,8 +4,8 @@
 #include "handset/common/Log.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "handset/phone_server/Status.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <algorithm>
 #include <iterator>

@@ -2,9 +2,9 @@
 #include "handset/phone_server/PhoneServer.h"
 
 #include "handset/phone_server/ClientConnection.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/message/Message_p.h"
 
 namespace zyn::handset {
 

@@ -3,8 +3,8 @@
 
 #include "handset/common/Log.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <optional>
 

@@ -4,8 +4,8 @@
 #include "handset/phone_server/ScriptError.h"
 #include "handset/phone_server/ScriptWords.h"
 #include "platform/TAPI.h"
-#include "utility/PHONE_AllStatus_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/AllStatus_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <algorithm>
 #include <limits>

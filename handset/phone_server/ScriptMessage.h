@@ -1,7 +1,7 @@
 // The status messages of a script.
 #pragma once
 
-#include "utility/PHONE_MsgTable_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

@@ -3,8 +3,8 @@
 
 #include "handset/common/Log.h"
 #include "platform/QCopChannel.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 namespace zyn::handset {
 

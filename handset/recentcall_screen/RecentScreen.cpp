@@ -6,7 +6,7 @@
 #include "handset/common/Text.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_Msg.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <algorithm>
 #include <span>

@@ -3,7 +3,7 @@
 #include "handset/common/TerminalProgram.h"
 #include "handset/status_bar/StatusBar.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
-#include "utility/PHONE_MsgName_p.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>
 

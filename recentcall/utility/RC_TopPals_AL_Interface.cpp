@@ -4,8 +4,8 @@
 #include "platform/QCopChannel.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <cstdio>
 #include <utility>

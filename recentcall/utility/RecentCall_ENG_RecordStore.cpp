@@ -3,7 +3,7 @@
 
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/RecordFile_p.h"
-#include "utility/PHONE_Log.h"
+#include "utility/PHONE_Log_p.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,8 @@
 // Names and sends the messages of the recent-call screens.
 #include "recentcall/utility/RecentCall_Msg.h"
 
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <cstdio>
 

@@ -1,10 +1,9 @@
 // Turns the messages of the recent-call screens into signals.
 #include "recentcall/utility/RecentCall_MsgClient.h"
 
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_SignalTypes_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <algorithm>
 #include <cstdio>

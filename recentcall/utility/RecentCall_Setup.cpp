@@ -5,7 +5,7 @@
 #include "platform/TAPI.h"
 #include "platform/UTIL_PhoneStatus.h"
 #include "recentcall/utility/store/RecordFile_p.h"
-#include "utility/PHONE_Log.h"
+#include "utility/PHONE_Log_p.h"
 #include "utility/PHONE_Settings_p.h"
 
 #include <algorithm>

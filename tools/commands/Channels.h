@@ -1,7 +1,7 @@
 // The library's channels by their names.
 #pragma once
 
-#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QStringList>
 

@@ -4,9 +4,9 @@
 #include "tools/commands/CallInput.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallSender.h"
+#include "utility/message/Message_p.h"
 
 #include <limits>
 

@@ -8,7 +8,7 @@
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"
-#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/message/Message_p.h"
 
 #include <array>
 #include <functional>

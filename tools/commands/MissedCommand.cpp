@@ -10,7 +10,7 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ServiceError.h"
 #include "tools/zynphone/TimeLimit.h"
-#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QScopeGuard>

@@ -4,8 +4,8 @@
 #include "tools/commands/CallInput.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
-#include "utility/PHONE_ChannelMessages_p.h"
 #include "utility/PHONE_Ptt.h"
+#include "utility/message/Message_p.h"
 
 using namespace Qt::StringLiterals;
 

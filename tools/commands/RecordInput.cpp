@@ -5,7 +5,7 @@
 #include "tools/interchange/FieldText.h"
 #include "tools/zynphone/BlockText.h"
 #include "utility/FixedText_p.h"
-#include "utility/PHONE_AllStatus_p.h"
+#include "utility/message/AllStatus_p.h"
 
 #include <cstdint>
 #include <iterator>

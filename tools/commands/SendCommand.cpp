@@ -8,7 +8,7 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/HexText.h"
 #include "tools/zynphone/Words.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <array>
 #include <cstdint>

@@ -4,10 +4,10 @@
 #include "platform/QCopChannel.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_Msg.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_Payload_p.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_Setup.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>

@@ -8,9 +8,9 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Nearest.h"
 #include "tools/zynphone/Table.h"
-#include "utility/PHONE_MsgName_p.h"
-#include "utility/PHONE_MsgTable_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <cstdint>
 #include <limits>

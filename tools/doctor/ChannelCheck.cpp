@@ -3,7 +3,7 @@
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/doctor/SocketProbe.h"
-#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QStringList>

@@ -3,8 +3,8 @@
 
 #include "tools/recording/RecordFields.h"
 #include "tools/zynphone/BlockText.h"
-#include "utility/PHONE_ChannelMessages_p.h"
-#include "utility/PHONE_Payload_p.h"
+#include "utility/message/Message_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QJsonArray>
 

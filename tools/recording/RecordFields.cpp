@@ -4,7 +4,7 @@
 #include "platform/TAPI.h"
 #include "tools/zynphone/BlockText.h"
 #include "utility/FixedText_p.h"
-#include "utility/PHONE_AllStatus_p.h"
+#include "utility/message/AllStatus_p.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/recording/MessageFields.h"
-#include "utility/PHONE_PayloadFields_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QByteArray>
 

@@ -4,7 +4,7 @@
 #include "handset/common/Text.h"
 #include "tools/top/StateText.h"
 #include "tools/zynphone/BlockText.h"
-#include "utility/PHONE_ChannelMessages_p.h"
+#include "utility/message/Message_p.h"
 
 #include <type_traits>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/TAPI.h"
-#include "utility/PHONE_PayloadFields_p.h"
+#include "utility/message/Payload_p.h"
 
 #include <QtCore/QByteArray>
 

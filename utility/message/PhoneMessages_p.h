@@ -1,14 +1,17 @@
-// What the messages of the phone channel emit.
+// The messages of the phone channel: their fields, and what becomes of each.
 #pragma once
 
-#include "utility/PHONE_Log.h"
+#include "platform/QCString.h"
+#include "utility/PHONE_Log_p.h"
+#include "utility/PHONE_Msg.h"
 #include "utility/PHONE_MsgClient.h"
-#include "utility/PHONE_PayloadFields_p.h"
-
+#include "utility/message/Payload_p.h"
 #include <QtCore/QPointer>
-
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <span>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -106,5 +109,43 @@ void emitProviderName(const Emitter& emitter, FieldValues& values);
 void emitNetworkList0(const Emitter& emitter, FieldValues& values);
 void emitNetworkList1(const Emitter& emitter, FieldValues& values);
 /// @}
+
+/// One debug line: a printf format with at most one conversion, %d for a number or %s for a text, and its
+/// argument.
+struct LogLine
+{
+    const char* format;
+    Argument argument = {};
+    const char* banner = nullptr; ///< printed before and after the line
+
+    constexpr bool printsText() const { return std::string_view(format).find("%s") != std::string_view::npos; }
+};
+
+/// One message type. A request has neither log lines nor signals: the client receives its own and ignores it.
+/// For constants only: the lists do not own what is in them.
+struct PhoneMessage
+{
+    PHONE_Msg::PHONE_MSG_TYPE_T type;
+    const char* enumerator; ///< null for the number without a use
+    const char* name;       ///< the type's name for people, null for the number without a use
+    std::initializer_list<Field> fields;
+    std::initializer_list<LogLine> log;
+    void (*emitSignals)(const Emitter& emitter, FieldValues& values); ///< null when there are none
+
+    constexpr bool isStatus() const { return emitSignals || log.size() > 0; }
+};
+
+/// All types; the index is the type.
+std::span<const PhoneMessage> phoneMessages();
+
+} // namespace zyn
+
+class PHONE_MsgClient;
+
+namespace zyn {
+
+/// Reads, logs and emits one message. One that is not a status message of the phone channel is ignored.
+/// @param line  of the call, for the trace lines
+void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line = __builtin_LINE());
 
 } // namespace zyn

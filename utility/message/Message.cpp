@@ -1,10 +1,9 @@
-// The messages of the library's channels, one row each; those of the phone channel have a table of their own.
-#include "utility/PHONE_ChannelMessages_p.h"
-
+// The messages of the library's channels; those of the phone channel have a table of their own.
 #include "recentcall/utility/RecentCall_Msg.h"
-#include "utility/PHONE_MsgTable_p.h"
-
+#include "utility/message/Message_p.h"
+#include "utility/message/PhoneMessages_p.h"
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 
 namespace zyn {
@@ -84,6 +83,29 @@ std::optional<MessageForm> messageForm(const QCString& channel, const QCString& 
     if (found == std::end(kMessages))
         return std::nullopt;
     return MessageForm{found->enumerator, found->fields};
+}
+
+QCString messageName(std::string_view prefix, unsigned type, unsigned types)
+{
+    if (type >= types)
+        return QCString("");
+    return QCString(prefix.data(), static_cast<qsizetype>(prefix.size())) + QCString::number(type);
+}
+
+std::optional<unsigned> messageType(std::string_view prefix, const QCString& name, unsigned types)
+{
+    std::string_view digits(name.constData(), static_cast<size_t>(name.size()));
+    if (!digits.starts_with(prefix))
+        return std::nullopt;
+    digits.remove_prefix(prefix.size());
+    if (digits.size() > 1 && digits.front() == '0')
+        return std::nullopt;
+    unsigned type = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [parsed, error] = std::from_chars(digits.data(), end, type);
+    if (error != std::errc() || parsed != end || type >= types)
+        return std::nullopt;
+    return type;
 }
 
 } // namespace zyn
