@@ -147,9 +147,9 @@ QMap<QString, Layout> filesAndFrames()
     const QString number = QString::number(sizeof(zyn::emergency::Record));
     return {
         {u"Record file"_s,
-         storeFile(QString::number(zyn::kRecordFileSize), {slotRow(u"PHONE_ENG_RecentCall"_s, u"i"_s)})},
+         storeFile(QString::number(zyn::RecordFile::size()), {slotRow(u"PHONE_ENG_RecentCall"_s, u"i"_s)})},
         {u"Details file"_s,
-         storeFile(QString::number(zyn::kTopPalsDetailsSize), layoutOf(u"TopPalNumberDetail"_s, 8, u"i"_s).rows)},
+         storeFile(QString::number(zyn::DetailsFile::size()), layoutOf(u"TopPalNumberDetail"_s, 8, u"i"_s).rows)},
         {u"Favourite's file"_s,
          storeFile(u"8 + %1 × M"_s.arg(sizeof(PHONE_ENG_ActivityLog)), {slotRow(u"PHONE_ENG_ActivityLog"_s, u"p"_s)})},
         {u"Calls looked at"_s, storeFile(u"8 + 8 × N"_s, layoutOf(u"SeenCalls::Mark"_s, 8, u"i"_s).rows)},

@@ -331,7 +331,7 @@ void FavouritesTest::knowsWhatIsNewest()
     setSlots(2);
     startOwner();
     startService();
-    QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(2));
+    QTRY_COMPARE(QFile(path("555")).size(), zyn::ContactFile::size(2));
     QTEST(messages(), "left");
     m_owner->stop();
     for (const char* next : {"x", "y"})
@@ -416,11 +416,11 @@ void FavouritesTest::renewsAFileOfAnotherSize()
     for (const int count : {20, 3}) {
         setSlots(count);
         reportCallChange();
-        QTRY_COMPARE(QFile(path("555")).size(), zyn::contactFileSize(count));
+        QTRY_COMPARE(QFile(path("555")).size(), zyn::ContactFile::size(count));
         QCOMPARE(entries("555"), QList<int>({5, 4, 3, 2, 1}).first(std::min(count, 5)));
         QCOMPARE(QFile::exists(path("555.old.1")), count == 3);
     }
-    QCOMPARE(QFile(path("555.old.1")).size(), zyn::contactFileSize(20));
+    QCOMPARE(QFile(path("555.old.1")).size(), zyn::ContactFile::size(20));
     QVERIFY(run({u"inspect"_s, u"--verify"_s, m_store->path() + u"/phone"_s})
                 .contains(u"555.old.1: the copy of a file whose entries did not all fit\n"_s));
     // A wrong header costs no entry.
@@ -433,7 +433,7 @@ void FavouritesTest::renewsAFileOfAnotherSize()
     setSlots(0);
     QVERIFY(add("555", 6) && add("9", 6));
     QTRY_COMPARE(QFile(path("topPalsCalls")).size(), 8 + 6 * 8);
-    QCOMPARE(QFile(path("555")).size(), zyn::contactFileSize(3));
+    QCOMPARE(QFile(path("555")).size(), zyn::ContactFile::size(3));
     setSlots(3);
     reportCallChange();
     QTRY_COMPARE(entries("555"), QList<int>({6, 5, 4}));
@@ -542,7 +542,7 @@ void FavouritesTest::inspects()
     run("favourites log 555");
     QCOMPARE(inspected("topPalsDetails"), u"favourites, 1 in use, sound\n"_s);
     const QByteArray sound = m_store->read(u"555"_s);
-    QCOMPARE(sound.size(), zyn::kRecordFileSize);
+    QCOMPARE(sound.size(), zyn::RecordFile::size());
     for (const char* name : {"555", "copy"}) {
         m_store->write(QLatin1String(name), sound);
         QCOMPARE(inspected(name), u"activities of a favourite, 2 in use, sound\n"_s);

@@ -99,12 +99,13 @@ std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
 /// A record file that holds calls with these uids, from its first slot on.
 QByteArray imageOf(RC_CALL_CATEGORY_T category, const Uids& uids)
 {
-    QByteArray image = zyn::freshRecordFile();
+    QByteArray image = zyn::RecordFile::blankImage();
     for (int slot = 0; slot < uids.size(); ++slot) {
         PHONE_ENG_RecentCall call = claim(category, uids.at(slot));
         call.inUse = 1;
         call.slot = slot;
-        image.replace(qsizetype(zyn::recordOffset(slot)), qsizetype{sizeof call}, zyn::bytesOf(call).toByteArray());
+        image.replace(qsizetype(zyn::RecordFile::offset(slot)), qsizetype{sizeof call},
+                      zyn::bytesOf(call).toByteArray());
     }
     return image;
 }
@@ -158,7 +159,7 @@ int restoreOften(const QStringList& arguments)
     constexpr int kTimes = 500;
     const QString path = arguments.value(0);
     const QByteArray backup = imageOf(kMissed, {100, 101, 102});
-    const auto size = qsizetype(zyn::recordOffset(3));
+    const auto size = qsizetype(zyn::RecordFile::offset(3));
     for (int left = kTimes; left > 0; --left) {
         if (!byRename(path, backup))
             return EXIT_FAILURE;
@@ -204,7 +205,7 @@ bool damageItsSlotNumbers(const StoreFixture& files)
 {
     QByteArray image = files.read(kDialed);
     for (const int slot : {0, 1, 2, 3, 20, 49}) {
-        const auto at = qsizetype(zyn::recordOffset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
+        const auto at = qsizetype(zyn::RecordFile::offset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
         image.replace(at, 4, words({slot * 1000 - 7}));
     }
     return intoTheOldFile(files.file(kDialed), image);
@@ -256,7 +257,7 @@ private:
     {
         QByteArray bytes = m_files->read(category);
         m_files->write(category,
-                       bytes.replace(qsizetype(zyn::recordOffset(slot)) + qsizetype(field), 4, words({value})));
+                       bytes.replace(qsizetype(zyn::RecordFile::offset(slot)) + qsizetype(field), 4, words({value})));
     }
 
     /// The uids of the missed calls that are not read, in the order of their slots.
@@ -264,8 +265,8 @@ private:
     {
         QStringList found;
         const QByteArray image = m_files->read(kMissed);
-        for (int slot = 0; slot < zyn::recordCount(image); ++slot) {
-            const PHONE_ENG_RecentCall record = zyn::recordAt(image, slot);
+        for (int slot = 0; slot < zyn::RecordFile::count(image); ++slot) {
+            const PHONE_ENG_RecentCall record = zyn::RecordFile::at(image, slot);
             if (record.inUse && record.readFlags == 0)
                 found += QString::number(record.uid);
         }
@@ -422,7 +423,7 @@ private Q_SLOTS:
         m_files->setLimits(50, 3, 50);
         QByteArray image = imageOf(kMissed, {5, 6, 7, 8, 7, 9});
         const auto slotField = [](int slot) {
-            return qsizetype(zyn::recordOffset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
+            return qsizetype(zyn::RecordFile::offset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
         };
         image.replace(slotField(4), 4, words({2})); // as the one in slot 2, whose place it left
         m_files->write(kMissed, image);
@@ -740,7 +741,7 @@ private Q_SLOTS:
         const auto markAllUnread = [&] {
             QByteArray image = m_files->read(kMissed);
             for (int i = 0; i < 4; ++i)
-                image[qsizetype(zyn::recordOffset(i)) + qsizetype{offsetof(PHONE_ENG_RecentCall, readFlags)}] = 0;
+                image[qsizetype(zyn::RecordFile::offset(i)) + qsizetype{offsetof(PHONE_ENG_RecentCall, readFlags)}] = 0;
             m_files->write(kMissed, image);
         };
         markAllUnread();

@@ -218,7 +218,7 @@ void tst_StoreFile::leavesAnInvalidListOnAFullDisk()
     QFETCH(const int, space);
     QFETCH(const bool, isClosed);
     m_fixture->add(kAnswered, "112");
-    const QByteArray before = m_fixture->read(kAnswered).leftJustified(zyn::kRecordFileSize + change, '\0', true);
+    const QByteArray before = m_fixture->read(kAnswered).leftJustified(zyn::RecordFile::size() + change, '\0', true);
     m_fixture->write(kAnswered, before);
     const QString directory = m_fixture->file(QString());
     if (isClosed) {

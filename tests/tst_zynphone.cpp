@@ -299,8 +299,8 @@ void ZynphoneTest::inspectTellsDamage()
     record.slot = 3;
     record.category = RC_CALL_CATEGORY_T(9);
     QByteArray damaged = sound + QByteArray(228, '\1'); // one slot more, which no list has
-    damaged.replace(qsizetype(zyn::recordOffset(1)), 228, zyn::bytesOf(record).toByteArray());
-    damaged[qsizetype(zyn::recordOffset(2))] = '1';
+    damaged.replace(qsizetype(zyn::RecordFile::offset(1)), 228, zyn::bytesOf(record).toByteArray());
+    damaged[qsizetype(zyn::RecordFile::offset(2))] = '1';
     const QByteArray all = told(damaged);
     QCOMPARE(
         all.left(all.indexOf("SLOT")),

@@ -42,7 +42,7 @@ void resize(const Store& store, const char* name, qint64 size)
 
 qsizetype inSlot(int slot, size_t offset)
 {
-    return qsizetype(zyn::recordOffset(slot)) + qsizetype(offset);
+    return qsizetype(zyn::RecordFile::offset(slot)) + qsizetype(offset);
 }
 
 /// Puts the calls of the first slots of a list behind its last one.
@@ -52,7 +52,7 @@ void addSlots(const Store& store, const char* name, int count)
     QByteArray more = image.sliced(inSlot(0, 0), inSlot(count, 0) - inSlot(0, 0));
     store.write(QLatin1String(name), image + more);
     for (int slot = 0; slot < count; ++slot)
-        patch(store, name, zyn::recordOffset(slot), zyn::bytesOf(Call()).toByteArray());
+        patch(store, name, zyn::RecordFile::offset(slot), zyn::bytesOf(Call()).toByteArray());
 }
 
 struct Damage
@@ -95,7 +95,7 @@ const Damage kDamages[] = {
      },
      "rc_m: slot 2: uid 2147483646 is that of slot 1 too\n"},
     {"header of calls", [](const Store& s) { patch(s, "rc_m", 4, "\4"); }, "rc_m: the version is 4, not 5\n"},
-    {"calls cut short", [](const Store& s) { resize(s, "rc_a", zyn::recordOffset(3) + 5); },
+    {"calls cut short", [](const Store& s) { resize(s, "rc_a", zyn::RecordFile::offset(3) + 5); },
      "rc_a: the size is 697 bytes, not 11408\n"},
     {"too many calls", [](const Store& s) { addSlots(s, "rc_d", 2); }, "rc_d: the size is 11864 bytes, not 11408\n"},
     {"header of the favourites", [](const Store& s) { patch(s, "topPalsDetails", 0, "5"); },
@@ -103,26 +103,26 @@ const Damage kDamages[] = {
      "topPalsDetails: the magic is 0xa0b0c035, not 0xa0b0c0d0\n"},
     {"favourites cut short", [](const Store& s) { resize(s, "topPalsDetails", 100); },
      "topPalsDetails: the size is 100 bytes, not 128\n"},
-    {"place of a favourite", [](const Store& s) { patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(1), "\4"); },
+    {"place of a favourite", [](const Store& s) { patch(s, "topPalsDetails", zyn::DetailsFile::offset(1), "\4"); },
      "topPalsDetails: place 1: it names place 4\n"},
     {"place that says that it is free",
-     [](const Store& s) { patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(1), "\xFF\xFF\xFF\xFF"); },
+     [](const Store& s) { patch(s, "topPalsDetails", zyn::DetailsFile::offset(1), "\xFF\xFF\xFF\xFF"); },
      "5550002: no favourite has this number\ntopPalsDetails: place 1: it is free but has a number\n"},
     {"favourite without a file",
      [](const Store& s) {
-         patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(2),
+         patch(s, "topPalsDetails", zyn::DetailsFile::offset(2),
                zyn::bytesOf(TopPalNumberDetail{2, "777"}).toByteArray());
      },
      "topPalsDetails: place 2: the favourite 777 has no file\n"},
     {"number that names no file",
      [](const Store& s) {
-         patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(3),
+         patch(s, "topPalsDetails", zyn::DetailsFile::offset(3),
                zyn::bytesOf(TopPalNumberDetail{3, "../x"}).toByteArray());
      },
      "topPalsDetails: place 3: no file can have the number '../x'\n"},
     {"file without a favourite",
      [](const Store& s) {
-         patch(s, "topPalsDetails", zyn::topPalsDetailsOffset(0), zyn::bytesOf(TopPalNumberDetail{}).toByteArray());
+         patch(s, "topPalsDetails", zyn::DetailsFile::offset(0), zyn::bytesOf(TopPalNumberDetail{}).toByteArray());
      },
      "5550001: no favourite has this number\n"},
     {"file without a favourite and entries",
@@ -141,7 +141,7 @@ const Damage kDamages[] = {
      "5550001: slot 1: the number is '8550001'\n5550001: slot 1: the message has no NUL\n"},
     {"header of entries", [](const Store& s) { patch(s, kSecond, 0, "5"); },
      "5550002: the magic is 0xa0b0c035, not 0xa0b0c0d0\n"},
-    {"fewer slots", [](const Store& s) { resize(s, kSecond, zyn::contactFileSize(3)); },
+    {"fewer slots", [](const Store& s) { resize(s, kSecond, zyn::ContactFile::size(3)); },
      "5550002: the size is 908 bytes, not 4508\n"},
     {"leftover", [](const Store& s) { s.write(u"rc_a.new.2147483647"_s, "x"); },
      "rc_a.new.2147483647: left over by a process that was making a file\n"},
@@ -307,7 +307,7 @@ void ZynphoneStoreTest::keepsEntriesWithoutASlot()
         m_store->setSlots(QString::number(slots));
         const auto sizes = u"5550001: the size is 4508 bytes, not %1\n5550002: the size is 4508 bytes, not %1\n"_s;
         QCOMPARE(inspect("--repair"),
-                 sizes.arg(zyn::contactFileSize(slots)) + u"*/phone: 0 repairs, 2 problems left\nexit 1"_s);
+                 sizes.arg(zyn::ContactFile::size(slots)) + u"*/phone: 0 repairs, 2 problems left\nexit 1"_s);
     }
     // Nor does a wrong header cost one.
     const QList<int> before = records();

@@ -20,8 +20,6 @@
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-
 using Store = ActivityLog_ENG_RecordStore;
 
 namespace zyn::handset {
@@ -43,8 +41,8 @@ QString pathOf(const QString& key)
 
 std::optional<QByteArray> readFile(const QString& path)
 {
-    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path), O_RDONLY);
-    return posix::readWhole(fd.get(), contactFileSize(kMaxContactSlots));
+    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path));
+    return posix::readWhole(fd.get(), ContactFile::size());
 }
 
 /// Appends the entries in the first @p slots slots of @p image. A damaged one must not lead to the slot or the file of
@@ -53,30 +51,19 @@ std::optional<QByteArray> readFile(const QString& path)
 void appendEntries(ActivityEntries& entries, const QByteArray& image, const QString& key, int slots)
 {
     const bool isTrusted = hasValidHeader(image);
-    for (int slot = 0; slot < slots; ++slot) {
-        if (!isContactRecordInUse(image, slot))
-            continue;
+    for (const int slot : ContactFile::usedSlots(image, slots)) {
         auto entry = std::make_unique<PHONE_ENG_ActivityLog>();
-        readContactRecord(*entry, image, slot);
+        ContactFile::read(*entry, image, slot);
         entry->topPalsAvlPos = slot;
         if (entry->getPhoneNumber() == key && (isTrusted || entry->inUse == 1))
             entries.append(entry.release());
     }
 }
 
-/// How many slots of @p image are in use, whatever they hold.
-int usedSlots(const QByteArray& image)
-{
-    int used = 0;
-    for (int slot = 0; slot < contactRecordCount(image); ++slot)
-        used += isContactRecordInUse(image, slot) ? 1 : 0;
-    return used;
-}
-
 /// Copies @p contents, those of the file @p path, to a free name beside it; that name, or null on failure.
 QByteArray keepCopy(const QByteArray& path, const QByteArray& contents)
 {
-    const posix::UniqueFd original = posix::openTrusted(path, O_RDONLY);
+    const posix::UniqueFd original = posix::openTrusted(path);
     for (int number = 1;; ++number) {
         QByteArray copy = path + kFormerInfix + QByteArray::number(number);
         if (posix::createFile(copy, contents, original.get()))
@@ -127,13 +114,12 @@ int32_t nextIndex(const ActivityEntries& entries)
 /// The contents of a file of @p slots slots with @p entries in the first ones.
 QByteArray freshImage(const ActivityEntries& entries, int slots)
 {
-    QByteArray image = bytesOf(StoreFileHeader{}).toByteArray();
+    QByteArray image = ContactFile::blankImage(slots);
     for (int slot = 0; slot < entries.count(); ++slot) {
         entries.at(slot)->topPalsAvlPos = slot;
-        image += contactRecordBytes(*entries.at(slot));
+        ContactFile::put(image, slot, *entries.at(slot));
     }
-    const PHONE_ENG_ActivityLog blank;
-    return image + contactRecordBytes(blank).toByteArray().repeated(slots - entries.count());
+    return image;
 }
 
 /// The slot that can best be spared in the full file of a favourite with these @p entries: one that holds none of them,
@@ -169,7 +155,7 @@ bool readEntries(ActivityEntries& entries, const QString& key)
     entries.setAutoDelete(true);
     const int slots = contactSlots();
     const auto image = readFile(pathOf(key));
-    if (!image || !hasValidHeader(*image) || contactRecordCount(*image) < slots)
+    if (!image || !hasValidHeader(*image) || ContactFile::count(*image) < slots)
         return false;
     appendEntries(entries, *image, key, slots);
     store().sortOnTimeStamp(entries);
@@ -215,10 +201,11 @@ bool renewLog(const QString& key)
     ActivityEntries entries;
     entries.setAutoDelete(true);
     if (old)
-        appendEntries(entries, *old, key, contactRecordCount(*old));
+        appendEntries(entries, *old, key, ContactFile::count(*old));
     keepNewest(entries, slots);
     const QByteArray image = freshImage(entries, slots);
-    const bool isLosing = old && entries.count() < usedSlots(*old);
+    const bool isLosing =
+        old && entries.count() < qsizetype(ContactFile::usedSlots(*old, ContactFile::count(*old)).size());
     const QByteArray name = QFile::encodeName(path);
     const QByteArray copy = isLosing ? keepCopy(name, *old) : QByteArray();
     if (isLosing && copy.isNull())

@@ -5,7 +5,6 @@
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
@@ -97,7 +96,7 @@ QStringList favouriteKeys()
 
 std::optional<QStringList> readFavouriteKeys()
 {
-    if (isStoreFile(detailsPath(), kTopPalsDetailsSize))
+    if (DetailsFile::isAt(detailsPath()))
         return favouriteKeys();
     return posix::isMissing(detailsPath()) ? std::optional(QStringList()) : std::nullopt;
 }
@@ -105,7 +104,7 @@ std::optional<QStringList> readFavouriteKeys()
 bool reloadFavourites()
 {
     Store::destroy();
-    return readStoreFile(detailsPath(), kTopPalsDetailsSize) || posix::isMissing(detailsPath());
+    return readStoreFile(detailsPath(), DetailsFile::size()) || posix::isMissing(detailsPath());
 }
 
 bool isFavourite(const QString& key)

@@ -4,7 +4,6 @@
 #include "handset/common/Log.h"
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/store/RecordFile_p.h"
-#include "recentcall/utility/store/StoreFile_p.h"
 
 #include <QtCore/QFile>
 
@@ -22,14 +21,9 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-/// How long, in all, a file that is too short is waited for: somebody may be writing a backup into it.
-constexpr std::chrono::milliseconds kPatience{500};
-constexpr std::chrono::milliseconds kBetweenLooks{5};
-
-std::span<std::byte> bytesOf(QByteArray& image)
-{
-    return std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
-}
+/// How long, in all, to wait for a file that is too short: somebody may be writing a backup into it.
+constexpr std::chrono::milliseconds kShortFileTimeout{500};
+constexpr std::chrono::milliseconds kReadInterval{5};
 
 } // namespace
 
@@ -41,15 +35,15 @@ bool isNewer(const Call& call, const Call& other)
 CallFile::Found CallFile::open()
 {
     const QByteArray last = m_image;
-    State state = readPatiently();
-    const bool isReplaceable = state != State::Sound && state != State::Unreadable;
+    State state = readComplete();
+    const bool isReplaceable = state != State::Valid && state != State::Unreadable;
     if (isReplaceable) {
-        zyn::makeStoreDirectory();
-        zyn::createStoreFile(path(), zyn::freshRecordFile());
+        makeStoreDirectory();
+        RecordFile::create(path());
         state = read();
     }
-    if (state != State::Sound) {
-        tell(state);
+    if (state != State::Valid) {
+        report(state);
         close();
         return Found::Unreadable;
     }
@@ -64,10 +58,8 @@ CallFile::Found CallFile::open()
 std::vector<Call> CallFile::calls() const
 {
     std::vector<Call> calls;
-    for (int slot = 0; slot < zyn::kRecordSlots; ++slot) {
-        if (!zyn::isRecordInUse(m_image, slot))
-            continue;
-        calls.push_back(zyn::recordAt(m_image, slot));
+    for (const int slot : RecordFile::usedSlots(m_image)) {
+        calls.push_back(RecordFile::at(m_image, slot));
         calls.back().slot = slot;
         calls.back().category = m_list;
     }
@@ -78,13 +70,13 @@ std::vector<Call> CallFile::calls() const
 void CallFile::correctSlots()
 {
     for (const Call& call : calls()) {
-        Call stored = zyn::recordAt(m_image, call.slot);
-        const int told = std::exchange(stored.slot, call.slot);
-        if (told != call.slot && writeSlot(call.slot, stored)) {
+        Call stored = RecordFile::at(m_image, call.slot);
+        const int named = std::exchange(stored.slot, call.slot);
+        if (named != call.slot && writeSlot(call.slot, stored)) {
             log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected")
                     .arg(call.slot)
                     .arg(m_list)
-                    .arg(told));
+                    .arg(named));
         }
     }
 }
@@ -101,8 +93,8 @@ bool CallFile::erase(int slot)
 
 bool CallFile::exchange(int from, int to)
 {
-    Call call = zyn::recordAt(m_image, from);
-    Call other = zyn::isRecordInUse(m_image, to) ? zyn::recordAt(m_image, to) : Call();
+    Call call = RecordFile::at(m_image, from);
+    Call other = RecordFile::isInUse(m_image, to) ? RecordFile::at(m_image, to) : Call();
     call.slot = to;
     if (other.inUse != 0)
         other.slot = from;
@@ -111,60 +103,60 @@ bool CallFile::exchange(int from, int to)
 
 bool CallFile::isInPlace() const
 {
-    return zyn::posix::leadsTo(path(), m_fd.get()) && zyn::posix::regularFileSize(m_fd.get()) == zyn::kRecordFileSize;
+    return posix::leadsTo(path(), m_fd.get()) && posix::regularFileSize(m_fd.get()) == RecordFile::size();
 }
 
 bool CallFile::holds(const Call& call) const
 {
     Call stored;
-    const auto bytes = std::as_writable_bytes(std::span(&stored, 1));
-    const ssize_t n = zyn::posix::readAt(m_fd.get(), bytes, off_t{zyn::recordOffset(call.slot)});
-    return n == ssize_t{sizeof stored} && zyn::bytesOf(stored) == zyn::bytesOf(call) && isInPlace();
+    return RecordFile::readAt(m_fd.get(), call.slot, stored) && RecordFile::bytes(stored) == RecordFile::bytes(call)
+           && isInPlace();
 }
 
 QByteArray CallFile::path() const
 {
-    return zyn::storeDirectoryPath() + zyn::recordFileName(m_list);
+    return storeDirectoryPath() + recordFileName(m_list);
 }
 
 CallFile::State CallFile::read()
 {
     close();
-    m_fd = zyn::posix::openForChanging(path());
+    m_fd = posix::openForChanging(path());
     if (!m_fd.isValid() && errno == ENOENT)
         return State::Missing;
     // What may not be changed may still be shown.
     if (!m_fd.isValid())
-        m_fd = zyn::posix::openForReading(path());
-    const std::optional<qint64> size = zyn::posix::regularFileSize(m_fd.get());
+        m_fd = posix::openForReading(path());
+    const std::optional<qint64> size = posix::regularFileSize(m_fd.get());
     if (!size)
         return State::Unreadable;
-    if (*size != zyn::kRecordFileSize)
-        return *size < zyn::kRecordFileSize ? State::Short : State::Damaged;
+    if (*size != RecordFile::size())
+        return *size < RecordFile::size() ? State::Short : State::Damaged;
     QByteArray image(static_cast<qsizetype>(*size), Qt::Uninitialized);
-    const ssize_t n = zyn::posix::readAt(m_fd.get(), bytesOf(image), 0);
-    if (n < 0)
+    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
+    const ssize_t length = posix::readAt(m_fd.get(), buffer, 0);
+    if (length < 0)
         return State::Unreadable;
-    if (n < image.size())
+    if (length < image.size())
         return State::Short;
-    if (!zyn::hasValidHeader(image))
+    if (!hasValidHeader(image))
         return State::Damaged;
     m_image = image;
-    return State::Sound;
+    return State::Valid;
 }
 
-CallFile::State CallFile::readPatiently()
+CallFile::State CallFile::readComplete()
 {
     State state = read();
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    const auto deadline = std::chrono::steady_clock::now() + kShortFileTimeout;
     while (state == State::Short && !m_isGivenUp && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(kBetweenLooks);
+        std::this_thread::sleep_for(kReadInterval);
         state = read();
     }
     return state;
 }
 
-void CallFile::tell(State state)
+void CallFile::report(State state)
 {
     if (std::exchange(m_isGivenUp, true))
         return;
@@ -178,10 +170,9 @@ void CallFile::tell(State state)
 
 bool CallFile::writeSlot(int slot, const Call& record)
 {
-    const auto bytes = std::as_bytes(std::span(&record, 1));
-    if (!zyn::posix::writeAt(m_fd.get(), bytes, off_t{zyn::recordOffset(slot)}))
+    if (!RecordFile::write(m_fd.get(), slot, record))
         return false;
-    m_image.replace(static_cast<qsizetype>(zyn::recordOffset(slot)), qsizetype{sizeof record}, zyn::bytesOf(record));
+    RecordFile::put(m_image, slot, record);
     return true;
 }
 

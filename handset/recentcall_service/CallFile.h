@@ -13,37 +13,37 @@ namespace zyn::handset {
 /**
  * The calls of one list on disk, in all slots of the file, whatever the list's limit.
  *
- * Nothing of a file holds for longer than one operation: another process may make it anew or blank it, and a backup may
- * be put in its place, as a new file or into the old one. So each operation opens and reads it again, and writes
- * through the descriptor that it has read from. What it held the last time only tells whether others have changed it.
+ * What is known of a file is valid for one operation: another process may recreate or blank it, and a backup may be put
+ * in its place, as a new file or into the old one. So each operation opens and reads it again, and writes through the
+ * descriptor that it has read from. What it held the last time only serves to notice changes by others.
  */
 class CallFile
 {
 public:
-    /// How a file is found: as it was left, not as it was left, or made anew now, as it was missing or damaged; or its
-    /// calls cannot be had, which is told in the log once.
+    /// How a file is found: as it was left, changed, or created anew now because it was missing or damaged; or its
+    /// calls are not available, which is logged once.
     enum class Found { AsLeft, Changed, MadeAnew, Unreadable };
 
     explicit CallFile(RC_CALL_CATEGORY_T list)
         : m_list(list)
     {}
 
-    /// Opens and reads the file; all below is about what was found then.
+    /// Opens and reads the file; all below is about what it held then.
     Found open();
     void close() { m_fd.reset(); }
 
     RC_CALL_CATEGORY_T list() const { return m_list; }
-    /// The calls, newest first. List and slot are those in which a call lies, whatever a damaged record says.
+    /// The calls, newest first, with the list and the slot where each lies, whatever a damaged record says.
     std::vector<PHONE_ENG_RecentCall> calls() const;
 
-    /// Writes into each call the slot that it lies in: readers go by what the record says.
+    /// Writes into each call the slot where it lies: readers go by what the record says.
     void correctSlots();
     /// Puts @p call into the slot that it names.
     bool write(const PHONE_ENG_RecentCall& call);
     /// Frees @p slot.
     bool erase(int slot);
-    /// Moves the call in slot @p from to the slot @p to, and the one that lies there, if any, the other way. A process
-    /// that dies meanwhile leaves the first one twice.
+    /// Moves the call in slot @p from to slot @p to, and one that lies there the other way. A process that dies in
+    /// between leaves the first one twice.
     bool exchange(int from, int to);
 
     /// Whether this is still the file of the list, and whole.
@@ -52,17 +52,17 @@ public:
     bool holds(const PHONE_ENG_RecentCall& call) const;
 
 private:
-    enum class State { Sound, Missing, Short, Damaged, Unreadable };
+    enum class State { Valid, Missing, Short, Damaged, Unreadable };
 
     QByteArray path() const;
     State read();
-    State readPatiently();
-    void tell(State state);
+    State readComplete();
+    void report(State state);
     bool writeSlot(int slot, const PHONE_ENG_RecentCall& record);
 
     RC_CALL_CATEGORY_T m_list;
-    zyn::posix::UniqueFd m_fd;
-    QByteArray m_image; ///< empty until the file was found sound once
+    posix::UniqueFd m_fd;
+    QByteArray m_image; ///< empty until the file was found valid once
     bool m_isGivenUp = false;
 };
 

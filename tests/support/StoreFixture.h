@@ -48,7 +48,7 @@ public:
     /// @}
     PHONE_ENG_RecentCall recordIn(RC_CALL_CATEGORY_T category, int slot) const
     {
-        return zyn::recordAt(read(category), slot);
+        return zyn::RecordFile::at(read(category), slot);
     }
 
     /// Sets the limits of the answered, missed and dialed lists; they hold from the next store on.

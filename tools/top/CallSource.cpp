@@ -25,16 +25,13 @@ using Call = PHONE_ENG_RecentCall;
 /// The calls in the file of @p list; none when there is no sound one.
 std::vector<Call> callsIn(RC_CALL_CATEGORY_T list)
 {
-    const QByteArray image =
-        zyn::posix::readWhole(zyn::storeDirectoryPath() + zyn::recordFileName(list), zyn::kRecordFileSize)
-            .value_or(QByteArray());
+    const QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(list);
+    const auto image = zyn::posix::readWhole(path, zyn::RecordFile::size());
     std::vector<Call> calls;
-    if (image.size() != zyn::kRecordFileSize || !zyn::hasValidHeader(image))
+    if (!image || !zyn::RecordFile::isValid(*image))
         return calls;
-    for (int slot = 0; slot < zyn::kRecordSlots; ++slot) {
-        if (zyn::isRecordInUse(image, slot))
-            calls.push_back(zyn::recordAt(image, slot));
-    }
+    for (const int slot : zyn::RecordFile::usedSlots(*image))
+        calls.push_back(zyn::RecordFile::at(*image, slot));
     return calls;
 }
 

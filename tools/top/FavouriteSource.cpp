@@ -42,7 +42,7 @@ void readFavourites(PhoneState& state)
 {
     Numbers numbers;
     // The store would make the file of the favourites.
-    if (isStoreFile(storeDirectoryPath() + '/' + kTopPalsDetailsName, kTopPalsDetailsSize)) {
+    if (DetailsFile::isAt(storeDirectoryPath() + '/' + kTopPalsDetailsName)) {
         // A store knows the favourites as they were when it was made.
         Store::destroy();
         Store::instance()->getCurrentTopPalsFileNames(numbers.data());

@@ -106,6 +106,13 @@ public:
         image.replace(static_cast<qsizetype>(offset(slot)), qsizetype{sizeof record}, bytes(record));
     }
 
+    /// Reads @p record from @p slot of the open file @p fd; false when it is not there whole.
+    static bool readAt(int fd, int slot, Record& record)
+    {
+        const auto buffer = std::as_writable_bytes(std::span(&record, 1));
+        return posix::readAt(fd, buffer, static_cast<off_t>(offset(slot))) == ssize_t{sizeof record};
+    }
+
     /// Writes @p record into @p slot of the open file @p fd.
     static bool write(int fd, int slot, const Record& record)
     {
