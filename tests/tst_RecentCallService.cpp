@@ -4,78 +4,125 @@
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "tests/support/Patience.h"
+#include "tests/support/Scenario.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
-#include <limits>
 
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
 using zyn::posix::UniqueFd;
 namespace rc = zyn::recentcall;
 
 namespace {
 
-constexpr auto kAnswered = RC_CALL_CATEGORY_ANSWERED;
-constexpr auto kMissed = RC_CALL_CATEGORY_MISSED;
-constexpr auto kDialed = RC_CALL_CATEGORY_DIALED;
-constexpr auto kAll = RC_CALL_CATEGORY_ALL;
-constexpr auto kVoice = RC_CALL_TYPE_VOICE;
-const QString kSocket = QStringLiteral("/tmp/zynrecentcallcom/recentcall_interface");
+const QString kSocket = u"/tmp/zynrecentcallcom/recentcall_interface"_s;
 
-using Uids = QList<int>;
-constexpr int kLastUid = std::numeric_limits<int>::max();
+/// The calls of a type in a list.
+struct Calls
+{
+    RC_CALL_CATEGORY_T list;
+    RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE;
+};
+
+constexpr Calls kAnswered{RC_CALL_CATEGORY_ANSWERED};
+constexpr Calls kMissed{RC_CALL_CATEGORY_MISSED};
+constexpr Calls kDialed{RC_CALL_CATEGORY_DIALED};
+constexpr Calls kAll{RC_CALL_CATEGORY_ALL};
+
+/// Calls as the first word of a step names them: "missed", "missed/ptt1" or "5/-9".
+Calls callsOf(const QStringList& words)
+{
+    static const QMap<QString, int> names{{u"answered"_s, RC_CALL_CATEGORY_ANSWERED},
+                                          {u"missed"_s, RC_CALL_CATEGORY_MISSED},
+                                          {u"dialed"_s, RC_CALL_CATEGORY_DIALED},
+                                          {u"all"_s, RC_CALL_CATEGORY_ALL},
+                                          {u""_s, RC_CALL_TYPE_VOICE},
+                                          {u"voice"_s, RC_CALL_TYPE_VOICE},
+                                          {u"ptt1"_s, RC_CALL_TYPE_PTT1},
+                                          {u"ptt2"_s, RC_CALL_TYPE_PTT2}};
+    const auto number = [](const QString& name) { return names.value(name, name.toInt()); };
+    const QString word = words.value(0);
+    return {RC_CALL_CATEGORY_T(number(word.section(u'/', 0, 0))), RC_CALL_TYPE_T(number(word.section(u'/', 1)))};
+}
 
 /// What a client may claim about a call: neither uid nor slot are its to say.
-PHONE_ENG_RecentCall claim(RC_CALL_CATEGORY_T category, int uid = 4711, RC_CALL_TYPE_T type = kVoice)
+PHONE_ENG_RecentCall claim(const Calls& calls, int uid = 4711, int slot = 77)
 {
-    PHONE_ENG_RecentCall record(QStringLiteral("+447700900123"), QDateTime::currentDateTime(), 5, true);
-    record.category = category;
-    record.callType = type;
+    PHONE_ENG_RecentCall record(u"+447700900123"_s, QDateTime::currentDateTime(), 5, true);
+    record.category = calls.list;
+    record.callType = calls.type;
     record.uid = uid;
-    record.slot = 77;
+    record.slot = slot;
     record.reservedB = 0x01020304;
     return record;
 }
 
-int add(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+/// Adds a call, several, or one that is unread.
+QString add(const Calls& calls, const QString& how = {})
 {
-    PHONE_ENG_RecentCall record = claim(category, 4711, type);
-    return PHONE_RecentCall_AddRecord(record);
+    PHONE_ENG_RecentCall record = claim(calls);
+    if (how == u"unread")
+        record.readFlags = 0;
+    int failures = 0;
+    for (int left = how.startsWith(u'x') ? how.mid(1).toInt() : 1; left > 0; --left)
+        failures += PHONE_RecentCall_AddRecord(record) == 0 ? 0 : 1;
+    return failures == 0 ? QString() : u"failed"_s;
 }
 
-int remove(int uid, RC_CALL_CATEGORY_T category, int slot = 77)
+/// Numbers, of which "5..2" stands for 5 4 3 2.
+QList<int> numbers(const QStringList& words)
 {
-    PHONE_ENG_RecentCall record = claim(category, uid);
-    record.slot = slot;
-    return PHONE_RecentCall_DeleteRecord(record);
+    QList<int> result;
+    for (QString word : words) {
+        const QStringList ends = word.replace(u"LAST"_s, QString::number(INT_MAX)).split(u".."_s);
+        const int last = ends.last().toInt();
+        for (int number = ends.first().toInt(); number != last; number += number < last ? 1 : -1)
+            result += number;
+        result += last;
+    }
+    return result;
 }
 
-void addUnread(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+QString text(const QList<int>& numbers)
 {
-    PHONE_ENG_RecentCall record = claim(category, 4711, type);
-    record.readFlags = 0;
-    PHONE_RecentCall_AddRecord(record);
+    QStringList words;
+    for (qsizetype at = 0; at < numbers.size();) {
+        qsizetype length = 1;
+        while (at + length < numbers.size() && numbers.at(at + length) == numbers.at(at) - length)
+            ++length;
+        const qsizetype shown = length > 2 ? length : 1;
+        words += QString::number(numbers.at(at)).replace(QString::number(INT_MAX), u"LAST"_s);
+        if (length > 2)
+            words.last() += u"..%1"_s.arg(numbers.at(at + length - 1));
+        at += shown;
+    }
+    return words.join(u' ');
 }
 
-/// The uids of a list in its order; -3 alone when the service does not answer with success.
-Uids uids(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T type = kVoice)
+/// The uids of a list in its order; less than 0 alone for a failure.
+QList<int> uids(const Calls& calls)
 {
-    QPtrList<RC_RecordInterface> list;
-    if (const int result = RC_Interface().getRecordList(list, category, type); result != 0)
+    QPtrList<RC_RecordInterface> records;
+    if (const int result = RC_Interface().getRecordList(records, calls.list, calls.type); result != 0)
         return {-result};
-    Uids found;
-    for (const RC_RecordInterface* record : list)
-        found += record->getUID();
-    return found;
+    QList<int> uids;
+    for (const RC_RecordInterface* record : records)
+        uids += record->getUID();
+    return uids;
+}
+
+QString list(const Calls& calls)
+{
+    return text(uids(calls));
 }
 
 const QByteArray kGreeting = frame(0, words({0}));
-const QByteArray kListAll = frame(rc::ListRecords, words({kAll, kVoice}));
+const QByteArray kListAll = frame(rc::ListRecords, words({kAll.list, kAll.type}));
 const QByteArray kAddMissed = frame(rc::AddRecord, zyn::bytesOf(claim(kMissed)).toByteArray());
 
 UniqueFd client(const QByteArray& bytes)
@@ -96,26 +143,27 @@ std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
     return sent.first(size);
 }
 
-/// A record file that holds calls with these uids, from its first slot on.
-QByteArray imageOf(RC_CALL_CATEGORY_T category, const Uids& uids)
+/// How many calls an answer holds, and how many it could, of a client that then closes its end.
+QString sizes(const UniqueFd& fd)
+{
+    ::shutdown(fd.get(), SHUT_WR);
+    int32_t counts[2] = {-1, -1};
+    const QByteArray data = sentBeforeClose(fd).value_or(QByteArray()).mid(8, qsizetype{sizeof counts});
+    std::copy(data.begin(), data.end(), reinterpret_cast<char*>(counts));
+    return u"%1 of %2"_s.arg(counts[0]).arg(counts[1]);
+}
+
+/// A record file that holds unread calls with these uids, from its first slot on.
+QByteArray imageOf(const Calls& calls, const QList<int>& uids)
 {
     QByteArray image = zyn::RecordFile::blankImage();
     for (int slot = 0; slot < uids.size(); ++slot) {
-        PHONE_ENG_RecentCall call = claim(category, uids.at(slot));
+        PHONE_ENG_RecentCall call = claim(calls, uids.at(slot), slot);
         call.inUse = 1;
-        call.slot = slot;
-        image.replace(qsizetype(zyn::RecordFile::offset(slot)), qsizetype{sizeof call},
-                      zyn::bytesOf(call).toByteArray());
+        call.readFlags = 0;
+        zyn::RecordFile::put(image, slot, call);
     }
     return image;
-}
-
-Uids downFrom(int uid, int count)
-{
-    Uids uids;
-    for (int i = 0; i < count; ++i)
-        uids += uid - i;
-    return uids;
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes, QIODevice::OpenMode mode = QIODevice::WriteOnly)
@@ -124,34 +172,21 @@ bool writeFile(const QString& path, const QByteArray& bytes, QIODevice::OpenMode
     return file.open(mode) && file.write(bytes) == bytes.size();
 }
 
-/// @{ The ways in which a backup comes to its place.
-using Restoring = bool (*)(const QString& path, const QByteArray& image);
-
-bool byRename(const QString& path, const QByteArray& image)
+bool replaceFile(const QString& path, const QByteArray& image)
 {
     const QByteArray staged = QFile::encodeName(path) + ".restored";
     return writeFile(QFile::decodeName(staged), image)
            && ::rename(staged.constData(), QFile::encodeName(path).constData()) == 0;
 }
 
-bool afterRemoval(const QString& path, const QByteArray& image)
-{
-    return QFile::remove(path) && writeFile(path, image);
-}
-
-bool intoTheOldFile(const QString& path, const QByteArray& image)
-{
-    return writeFile(path, image, QIODevice::ReadWrite);
-}
-
-bool intoTheOldFileWithItsTime(const QString& path, const QByteArray& image)
+/// Does @p change, and leaves the file at @p path the time that it has.
+void changeKeepingTime(const QString& path, const std::function<void()>& change)
 {
     const QDateTime time = QFileInfo(path).lastModified();
+    change();
     QFile file(path);
-    return file.open(QIODevice::ReadWrite) && file.write(image) == image.size() && file.flush()
-           && file.setFileTime(time, QFileDevice::FileModificationTime);
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime));
 }
-/// @}
 
 /// Puts the same backup in place again and again; fails when a call of it is not there by the next time.
 int restoreOften(const QStringList& arguments)
@@ -161,7 +196,7 @@ int restoreOften(const QStringList& arguments)
     const QByteArray backup = imageOf(kMissed, {100, 101, 102});
     const auto size = qsizetype(zyn::RecordFile::offset(3));
     for (int left = kTimes; left > 0; --left) {
-        if (!byRename(path, backup))
+        if (!replaceFile(path, backup))
             return EXIT_FAILURE;
         if (left == kTimes)
             role::sayReady();
@@ -172,67 +207,11 @@ int restoreOften(const QStringList& arguments)
     return EXIT_SUCCESS;
 }
 
-/// @{ What others do to the dialed list.
-using Meddling = bool (*)(const StoreFixture& files);
-
-bool nothing(const StoreFixture& /*files*/)
-{
-    return true;
-}
-
-bool removeAndReadIt(const StoreFixture& files)
-{
-    QString number;
-    StoreFixture::forgetSingletons();
-    return QFile::remove(files.file(kDialed)) && !RC_Interface().getLastDialedNumber(number)
-           && QFile::exists(files.file(kDialed));
-}
-
-bool blankIt(const StoreFixture& files)
-{
-    const QDateTime time = QFileInfo(files.file(kDialed)).lastModified();
-    StoreFixture::store().clearAllData();
-    QFile file(files.file(kDialed));
-    return file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime);
-}
-
-bool removeItsDirectory(const StoreFixture& files)
-{
-    return QDir(files.path() + QStringLiteral("/phone")).removeRecursively();
-}
-
-bool damageItsSlotNumbers(const StoreFixture& files)
-{
-    QByteArray image = files.read(kDialed);
-    for (const int slot : {0, 1, 2, 3, 20, 49}) {
-        const auto at = qsizetype(zyn::RecordFile::offset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
-        image.replace(at, 4, words({slot * 1000 - 7}));
-    }
-    return intoTheOldFile(files.file(kDialed), image);
-}
-
-bool makeItADirectory(const StoreFixture& files)
-{
-    return QFile::remove(files.file(kDialed)) && QDir().mkdir(files.file(kDialed));
-}
-
-bool makeItAFifo(const StoreFixture& files)
-{
-    return QFile::remove(files.file(kDialed))
-           && ::mkfifo(QFile::encodeName(files.file(kDialed)).constData(), 0600) == 0;
-}
-
-bool makeItALinkToItself(const StoreFixture& files)
-{
-    return QFile::remove(files.file(kDialed)) && QFile::link(files.file(kDialed), files.file(kDialed));
-}
-/// @}
-
 /// Adds calls until the given number of them was taken, whether or not the service is there all the time.
 int addUntilTaken(const QStringList& arguments)
 {
     for (int left = arguments.value(0).toInt(); left > 0;)
-        left -= add(kAnswered) == 0 ? 1 : 0;
+        left -= add(kAnswered).isEmpty() ? 1 : 0;
     return EXIT_SUCCESS;
 }
 
@@ -245,230 +224,137 @@ class tst_RecentCallService : public QObject
 private:
     std::optional<StoreFixture> m_files;
     ServiceProcess m_service;
+    std::optional<QCopChannel> m_channel;
+    QStringList m_heard; ///< what each announcement has found on disk
 
     void start(const QString& options = {}, const QString& before = {})
     {
         QVERIFY(m_service.start(ZYN_RECENTCALLD, options, before));
     }
-    void tell(int signal) { m_service.tell(signal); }
     int stop(int signal = SIGTERM) { return m_service.stop(signal); }
-    QByteArray log() { return m_service.log(); }
-    void overwrite(RC_CALL_CATEGORY_T category, int slot, size_t field, int32_t value)
+    void restart(const QString& options = {}, const QString& before = {})
     {
-        QByteArray bytes = m_files->read(category);
-        m_files->write(category,
-                       bytes.replace(qsizetype(zyn::RecordFile::offset(slot)) + qsizetype(field), 4, words({value})));
+        QCOMPARE(stop(), 0);
+        start(options, before);
     }
-
-    /// The uids of the missed calls that are not read, in the order of their slots.
-    QString unreadOnDisk() const
+    /// The slots on disk with a call that is read, or not.
+    QString slotsOf(const Calls& calls, bool isRead) const
     {
         QStringList found;
-        const QByteArray image = m_files->read(kMissed);
-        for (int slot = 0; slot < zyn::RecordFile::count(image); ++slot) {
-            const PHONE_ENG_RecentCall record = zyn::RecordFile::at(image, slot);
-            if (record.inUse && record.readFlags == 0)
-                found += QString::number(record.uid);
+        for (int slot = 0; slot < zyn::kRecordSlots; ++slot) {
+            const PHONE_ENG_RecentCall call = m_files->recordIn(calls.list, slot);
+            if (call.inUse != 0 && (call.readFlags != 0) == isRead)
+                found += QString::number(slot);
         }
-        return found.join(QLatin1Char(' '));
+        return found.join(u' ');
     }
+    void overwrite(RC_CALL_CATEGORY_T list, int slot, const QString& field, int32_t value) const
+    {
+        const size_t at =
+            field == u"slot" ? offsetof(PHONE_ENG_RecentCall, slot) : offsetof(PHONE_ENG_RecentCall, category);
+        QByteArray image = m_files->read(list);
+        image.replace(qsizetype(zyn::RecordFile::offset(slot)) + qsizetype(at), 4, words({value}));
+        QVERIFY(writeFile(m_files->file(list), image, QIODevice::ReadWrite));
+    }
+    void restore(RC_CALL_CATEGORY_T list, const QString& how, const QByteArray& image) const
+    {
+        const QString path = m_files->file(list);
+        const auto overwriteFile = [&] { QVERIFY(writeFile(path, image, QIODevice::ReadWrite)); };
+        if (how == u"renamed")
+            QVERIFY(replaceFile(path, image));
+        else if (how == u"anew")
+            QVERIFY((!QFile::exists(path) || QFile::remove(path)) && writeFile(path, image));
+        else if (how == u"over")
+            overwriteFile();
+        else if (how == u"over-with-its-time")
+            changeKeepingTime(path, overwriteFile);
+        else
+            QFAIL(qPrintable(how));
+    }
+    void spoil(RC_CALL_CATEGORY_T list, const QString& with) const
+    {
+        const QString path = m_files->file(list);
+        QVERIFY(QFile::remove(path) || QDir().rmdir(path));
+        if (with == u"directory")
+            QVERIFY(QDir().mkdir(path));
+        else if (with == u"fifo")
+            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        else if (with == u"link-to-itself")
+            QVERIFY(QFile::link(path, path));
+    }
+    scenario::Verbs verbs();
 
 private Q_SLOTS:
     void init()
     {
         m_files.emplace();
+        m_heard.clear();
+        connect(&m_channel.emplace("/ZYN/recentcall"), &QCopChannel::received, this,
+                [this](const QCString& message, const QByteArray& data) {
+                    m_heard += QString::fromUtf8(message + data + ": ") + slotsOf(kMissed, false);
+                });
         start();
     }
     void cleanup()
     {
         if (m_service.isRunning())
             QCOMPARE(stop(), 0);
-        QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + QStringLiteral(".lock")));
+        m_channel.reset();
+        QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + u".lock"_s));
     }
+
+    void keepsTheCalls_data() { scenario::addRows(QFINDTESTDATA("data/recentcall_service.txt")); }
+    void keepsTheCalls() { scenario::play(verbs()); }
 
     void tellsItsServiceManagerOnceItServes_data()
     {
         QTest::addColumn<QString>("mark");
         QTest::newRow("at a socket with a file") << QString();
-        QTest::newRow("at a socket without one") << QStringLiteral("@");
+        QTest::newRow("at a socket without one") << u"@"_s;
     }
     void tellsItsServiceManagerOnceItServes()
     {
         QFETCH(QString, mark);
-        stop();
-        const QString name = mark + m_files->path() + QStringLiteral("/notify");
+        const QString name = mark + m_files->path() + u"/notify"_s;
         const UniqueFd manager(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
         const auto address = zyn::posix::unixAddress(name.toLocal8Bit().replace('@', '\0'));
         QCOMPARE(::bind(manager.get(), address.get(), address.length), 0);
-
-        start({}, QStringLiteral("export NOTIFY_SOCKET='%1';").arg(name));
-        QByteArray text(32, '\0');
-        QCOMPARE(::recv(manager.get(), text.data(), size_t(text.size()), 0), 7);
-        QCOMPARE(text.first(7), "READY=1");
-        QCOMPARE(::recv(manager.get(), text.data(), size_t(text.size()), 0), -1);
+        restart({}, u"export NOTIFY_SOCKET='%1';"_s.arg(name));
+        QByteArray message(32, '\0');
+        QCOMPARE(::recv(manager.get(), message.data(), size_t(message.size()), 0), 7);
+        QCOMPARE(message.first(7), "READY=1");
+        QCOMPARE(::recv(manager.get(), message.data(), size_t(message.size()), 0), -1);
     }
 
     void servesUnderADeafServiceManager()
     {
-        stop();
-        start({}, QStringLiteral("export NOTIFY_SOCKET=/tmp/nobody;"));
-        QCOMPARE(uids(kAll), Uids());
-        QCOMPARE(log(),
+        restart({}, u"export NOTIFY_SOCKET=/tmp/nobody;"_s);
+        QCOMPARE(list(kAll), QString());
+        QCOMPARE(m_service.log(),
                  "zyn-recentcalld: the service manager at /tmp/nobody does not hear: No such file or directory\n");
-    }
-
-    void keepsEachListAndCallTypeApart_data()
-    {
-        QTest::addColumn<RC_CALL_CATEGORY_T>("category");
-        QTest::addColumn<RC_CALL_TYPE_T>("type");
-        QTest::newRow("answered voice calls") << kAnswered << kVoice;
-        QTest::newRow("missed push-to-talk calls") << kMissed << RC_CALL_TYPE_PTT1;
-        QTest::newRow("dialed calls of a type unknown") << kDialed << RC_CALL_TYPE_T(-9);
-    }
-    void keepsEachListAndCallTypeApart()
-    {
-        QFETCH(RC_CALL_CATEGORY_T, category);
-        QFETCH(RC_CALL_TYPE_T, type);
-        const auto otherCategory = RC_CALL_CATEGORY_T(category % 3 + 1);
-        const auto otherType = RC_CALL_TYPE_PTT2;
-        for (int i = 0; i < 3; ++i)
-            QCOMPARE(add(category, type), 0); // uids 0, 1, 2
-        add(otherCategory, type);             // 3
-        add(category, otherType);             // 4
-        QCOMPARE(uids(category, type), Uids({2, 1, 0}));
-        QCOMPARE(uids(kAll, type), Uids({3, 2, 1, 0}));
-
-        QCOMPARE(remove(1, otherCategory), 1);
-        QCOMPARE(remove(1, category), 0);
-        QCOMPARE(remove(1, category), 1);
-        QCOMPARE(uids(category, type), Uids({2, 0}));
-
-        QCOMPARE(PHONE_RecentCall_DeleteAll(category, type), 0);
-        QCOMPARE(PHONE_RecentCall_DeleteAll(category, type), 0);
-        QCOMPARE(uids(kAll, type), Uids({3}));
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, type), 0);
-        QCOMPARE(uids(kAll, type), Uids());
-        QCOMPARE(uids(category, otherType), Uids({4}));
     }
 
     void storesTheRecordAsItIs()
     {
         PHONE_ENG_RecentCall record = claim(kMissed);
         PHONE_RecentCall_AddRecord(record);
-        QCOMPARE(uids(kMissed), Uids({0}));
+        QCOMPARE(list(kMissed), u"0"_s);
         record.uid = 0;
         record.slot = 0;
         record.inUse = 1;
-        QCOMPARE(zyn::bytesOf(m_files->recordIn(kMissed, 0)), zyn::bytesOf(record));
-    }
-
-    void fullListLosesItsOldest()
-    {
-        m_files->setLimits(50, 3, 0);
-        stop();
-        start();
-        for (int i = 0; i < 5; ++i) {
-            add(kMissed, i == 3 ? RC_CALL_TYPE_PTT1 : kVoice);
-            add(kDialed);
-        }
-        QCOMPARE(uids(kMissed), Uids({4, 2}));
-        QCOMPARE(uids(kMissed, RC_CALL_TYPE_PTT1), Uids({3}));
-        const UniqueFd fd = client(kGreeting + kListAll);
-        ::shutdown(fd.get(), SHUT_WR);
-        QCOMPARE(sentBeforeClose(fd).value_or(QByteArray()).mid(8, 8), words({2, 53}));
-        QCOMPARE(log().count("a call of category 3 refused"), 5);
-    }
-
-    void showsTheNewestBelowALoweredLimit()
-    {
-        const auto startWith = [&](int limit) {
-            stop();
-            m_files->setLimits(50, 50, limit);
-            start();
-        };
-        for (int i = 0; i < 50; ++i)
-            add(kDialed);
-        startWith(10);
-        QCOMPARE(uids(kDialed), downFrom(49, 10));
-        QCOMPARE(m_files->uids(kDialed), downFrom(49, 10)); // as those see it who read the file
-        for (int i = 0; i < 3; ++i)
-            add(kDialed);
-        QCOMPARE(uids(kDialed), downFrom(52, 10));
-        // What the user deletes is not made up for by older calls.
-        QCOMPARE(remove(52, kDialed), 0);
-        QCOMPARE(uids(kDialed), downFrom(51, 9));
-        startWith(50);
-        QCOMPARE(uids(kDialed), downFrom(51, 49));
-        add(kDialed);
-        QCOMPARE(remove(50, kDialed), 0);
-        QCOMPARE(uids(kDialed), Uids({52, 51}) + downFrom(49, 47));
-
-        // A backup of a longer list comes while the limit is low.
-        startWith(3);
-        Uids many;
-        for (int i = 0; i < 50; ++i)
-            many += 100 + (i * 7) % 50;
-        QVERIFY(byRename(m_files->file(kDialed), imageOf(kDialed, many)));
-        add(kDialed);
-        QCOMPARE(uids(kDialed), downFrom(150, 3));
-        // To delete all is to delete those behind the limit, too.
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kDialed, kVoice), 0);
-        startWith(50);
-        QCOMPARE(uids(kDialed), Uids());
-    }
-
-    void showsNoCallTwiceThatWasBeingMoved()
-    {
-        stop();
-        m_files->setLimits(50, 3, 50);
-        QByteArray image = imageOf(kMissed, {5, 6, 7, 8, 7, 9});
-        const auto slotField = [](int slot) {
-            return qsizetype(zyn::RecordFile::offset(slot)) + qsizetype{offsetof(PHONE_ENG_RecentCall, slot)};
-        };
-        image.replace(slotField(4), 4, words({2})); // as the one in slot 2, whose place it left
-        m_files->write(kMissed, image);
-        start();
-        QCOMPARE(uids(kMissed), downFrom(9, 3));
-        stop();
-        m_files->setLimits(50, 50, 50);
-        start();
-        QCOMPARE(uids(kMissed), downFrom(9, 5));
-    }
-
-    void survivesItsEnd_data()
-    {
-        QTest::addColumn<int>("signal");
-        QTest::addColumn<int>("exitCode");
-        QTest::newRow("told to end") << SIGTERM << 0;
-        QTest::newRow("interrupted") << SIGINT << 0;
-        QTest::newRow("killed") << SIGKILL << -1;
-    }
-    void survivesItsEnd()
-    {
-        QFETCH(int, signal);
-        QFETCH(int, exitCode);
-        for (const auto category : zyn::kRecordLists)
-            add(category);
-        QCOMPARE(uids(kAll), Uids({2, 1, 0}));
-        QCOMPARE(stop(signal), exitCode);
-        QCOMPARE(QFile::exists(kSocket), exitCode != 0);
-        start();
-        add(kMissed);
-        QCOMPARE(uids(kAll), Uids({3, 2, 1, 0}));
+        QCOMPARE(zyn::bytesOf(m_files->recordIn(kMissed.list, 0)), zyn::bytesOf(record));
     }
 
     void refusesToStartBesideALiveService()
     {
-        const QByteArray refusal =
-            "zyn-recentcalld: cannot listen on " + kSocket.toLatin1() + ": another service has it\n";
         QProcess second;
         for (const bool isLocked : {true, false}) {
-            if (!isLocked)
-                QVERIFY(QFile::remove(kSocket + QStringLiteral(".lock")));
+            QVERIFY(isLocked || QFile::remove(kSocket + u".lock"_s));
             second.start(QStringLiteral(ZYN_RECENTCALLD), QStringList());
             QCOMPARE(role::finish(second), 1);
-            QCOMPARE(second.readAllStandardError(), refusal);
-            QCOMPARE(uids(kAll), Uids());
+            QCOMPARE(second.readAllStandardError(),
+                     "zyn-recentcalld: cannot listen on " + kSocket.toLatin1() + ": another service has it\n");
+            QCOMPARE(list(kAll), QString());
         }
     }
 
@@ -493,91 +379,67 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QCOMPARE(sentBeforeClose(client(bytes + kAddMissed)), QByteArray());
-        QCOMPARE(uids(kAll), Uids());
-        QCOMPARE(log().count('\n'), 1);
-    }
-
-    void knowsNoOtherCategories()
-    {
-        for (const int number : {0, 5, -1, std::numeric_limits<int>::min()}) {
-            const auto category = RC_CALL_CATEGORY_T(number);
-            QCOMPARE(uids(category), Uids({-3}));
-            QCOMPARE(PHONE_RecentCall_DeleteAll(category, kVoice), 2);
-            QCOMPARE(add(category), 0);
-            QCOMPARE(remove(0, category), 1);
-        }
-        QCOMPARE(uids(kAll), Uids());
+        QCOMPARE(list(kAll), QString());
+        QCOMPARE(m_service.log().count('\n'), 1);
     }
 
     void dropsClientsThatKeepItWaiting()
     {
-        stop();
-        start(QStringLiteral("--patience 3000"));
-        for (int i = 0; i < 50; ++i)
-            add(kDialed);
+        restart(u"--patience 3000"_s);
+        add(kDialed, u"x50"_s);
         const UniqueFd silent = client({});
         const UniqueFd greetedOnly = client(kGreeting);
         const UniqueFd stalled = client(kGreeting + kAddMissed.chopped(1));
         const UniqueFd deaf = client(kGreeting + kListAll.repeated(100));
-        QCOMPARE(uids(kAll).count(), 50);
+        QCOMPARE(list(kAll), u"49..0"_s);
         for (const UniqueFd* fd : {&silent, &greetedOnly, &stalled})
             QCOMPARE(sentBeforeClose(*fd), QByteArray());
         const qsizetype wholeAnswers = qsizetype{100} * (16 + 50 * 228);
         QVERIFY(sentBeforeClose(deaf).value_or(QByteArray(wholeAnswers, '\0')).size() < wholeAnswers);
-        QCOMPARE(log().count("in time: connection closed"), 4);
+        QCOMPARE(m_service.log().count("in time: connection closed"), 4);
     }
 
     void carriesOutWhatFollowsAnAnswerThatNobodyTakes()
     {
-        for (int i = 0; i < 50; ++i)
-            add(kDialed);
+        add(kDialed, u"x50"_s);
         client(kGreeting + kListAll.repeated(100) + kAddMissed);
-        QTRY_COMPARE(uids(kMissed), Uids({50}));
+        QTRY_COMPARE(list(kMissed), u"50"_s);
     }
 
     void clientsWaitForTheirTurnWhenDescriptorsAreShort()
     {
-        stop();
-        start({}, QStringLiteral("ulimit -n 48;"));
+        restart({}, u"ulimit -n 48;"_s);
         std::vector<UniqueFd> crowd(100);
         for (UniqueFd& fd : crowd)
             fd = client(kGreeting);
-        QCOMPARE(add(kMissed), 0);
+        QCOMPARE(add(kMissed), QString());
         // A client that has its turn is served in full meanwhile.
         for (int slot = 0; slot < 10; ++slot) {
             send(crowd.front(), kAddMissed);
-            QTRY_COMPARE(m_files->recordIn(kMissed, slot).inUse, 1);
+            QTRY_COMPARE(m_files->recordIn(kMissed.list, slot).inUse, 1);
         }
         crowd.clear();
-        QCOMPARE(uids(kMissed).count(), 11);
+        QCOMPARE(list(kMissed), u"10..0"_s);
     }
 
-    void carriesOutFirstWhatWasSentBeforeAConnectionWasOpened()
+    void carriesOutFirstWhatWasSentFirst()
     {
         const UniqueFd earlier = client(kGreeting);
-        QCOMPARE(uids(kMissed), Uids());
-        tell(SIGSTOP);
+        QCOMPARE(list(kMissed), QString());
+        m_service.tell(SIGSTOP);
         send(earlier, kAddMissed);
         const UniqueFd later = client(kGreeting + kListAll);
-        ::shutdown(later.get(), SHUT_WR);
-        tell(SIGCONT);
-        QCOMPARE(sentBeforeClose(later).value_or(QByteArray()).mid(8, 4), words({1}));
-    }
-
-    void carriesOutAllThatWasSentBeforeItsEnd()
-    {
-        const UniqueFd earlier = client(kGreeting);
-        QCOMPARE(uids(kMissed), Uids());
-        tell(SIGSTOP);
-        for (int i = 0; i < 4; ++i)
-            send(earlier, kAddMissed);
-        for (int i = 0; i < 4; ++i)
-            QCOMPARE(add(kMissed), 0);
-        tell(SIGTERM);
-        tell(SIGCONT);
+        m_service.tell(SIGCONT);
+        QCOMPARE(sizes(later), u"1 of 150"_s);
+        // And before it ends all that was sent.
+        m_service.tell(SIGSTOP);
+        send(earlier, kAddMissed.repeated(4));
+        QCOMPARE(add(kMissed, u"x4"_s), QString());
+        m_service.tell(SIGTERM);
+        m_service.tell(SIGCONT);
         QCOMPARE(m_service.finish(), 0);
         start();
-        QCOMPARE(uids(kMissed).count(), 8);
+        QCOMPARE(list(kMissed), u"8..0"_s);
     }
 
     void losesNoAddOfClientsThatCloseAtOnce()
@@ -585,328 +447,129 @@ private Q_SLOTS:
         constexpr int kEach = 500;
         std::vector<std::unique_ptr<QProcess>> adders(4);
         for (auto& adder : adders)
-            adder = role::start(QStringLiteral("add"), {QString::number(kEach)});
+            adder = role::start(u"add"_s, {QString::number(kEach)});
         int own = 0;
         const auto isRunning = [](const auto& adder) { return adder->state() != QProcess::NotRunning; };
-        while (std::any_of(adders.begin(), adders.end(), isRunning)) {
+        while (std::ranges::any_of(adders, isRunning)) {
             QCoreApplication::processEvents();
-            QCOMPARE(add(kMissed), 0);
-            QCOMPARE(uids(kMissed).count(), std::min(++own, 50));
-            if (own % 20 == 0) {
-                QCOMPARE(stop(), 0);
-                start();
-            }
+            QCOMPARE(add(kMissed), QString());
+            QCOMPARE(uids(kMissed).size(), std::min(++own, 50));
+            if (own % 20 == 0)
+                restart();
         }
         for (const auto& adder : adders)
             QCOMPARE(role::finish(*adder), 0);
         // Every add that was taken has used one uid.
         QCOMPARE(uids(kAll).value(0), int(adders.size()) * kEach + own - 1);
-        QCOMPARE(uids(kAnswered).count(), 50);
-    }
-
-    void makesADamagedFileAnew_data()
-    {
-        QTest::addColumn<int>("keptBytes");
-        QTest::addColumn<QByteArray>("addedBytes");
-        QTest::newRow("missing") << -1 << QByteArray();
-        QTest::newRow("cut in its header") << 6 << QByteArray();
-        QTest::newRow("cut between records") << 8 + 228 << QByteArray();
-        QTest::newRow("one byte long") << 11'408 << QByteArray(1, '\0');
-        QTest::newRow("another header") << 0 << QByteArray(11'408, '\6');
-    }
-    void makesADamagedFileAnew()
-    {
-        QFETCH(int, keptBytes);
-        QFETCH(QByteArray, addedBytes);
-        add(kAnswered);
-        add(kMissed);
-        QCOMPARE(uids(kAll), Uids({1, 0}));
-        if (keptBytes < 0)
-            QVERIFY(QFile::remove(m_files->file(kMissed)));
-        else
-            m_files->write(kMissed, m_files->read(kMissed).first(keptBytes) + addedBytes);
-        add(kMissed);
-        QCOMPARE(uids(kAll), Uids({2, 0}));
-        QVERIFY(log().startsWith("zyn-recentcalld: missing or damaged record files are made anew"));
-        start();
-        QCOMPARE(uids(kAll), Uids({2, 0}));
-    }
-
-    void keepsACallWhoseSlotIsWrong()
-    {
-        for (int i = 0; i < 2; ++i)
-            add(kMissed);
-        QCOMPARE(uids(kMissed), Uids({1, 0}));
-        QCOMPARE(stop(), 0);
-        overwrite(kMissed, 0, offsetof(PHONE_ENG_RecentCall, slot), 5);
-        start();
-        add(kMissed);
-        QCOMPARE(uids(kMissed), Uids({2, 1, 0}));
-        QCOMPARE(remove(0, kMissed), 0);
-        QCOMPARE(uids(kMissed), Uids({2, 1}));
-    }
-
-    void losesNoCallAfterOthersHave_data()
-    {
-        QTest::addColumn<Meddling>("meddle");
-        QTest::newRow("done nothing") << &nothing;
-        QTest::newRow("removed the list, and read it") << &removeAndReadIt;
-        QTest::newRow("blanked the list, and left its time") << &blankIt;
-        QTest::newRow("removed the directory") << &removeItsDirectory;
-        QTest::newRow("damaged slot numbers") << &damageItsSlotNumbers;
-    }
-    void losesNoCallAfterOthersHave()
-    {
-        QFETCH(Meddling, meddle);
-        for (int i = 0; i < 50; ++i)
-            add(kDialed);
-        QCOMPARE(uids(kDialed), downFrom(49, 50));
-        QVERIFY(meddle(*m_files));
-        add(kDialed);
-        QCOMPARE(uids(kDialed).value(0), 50);
-        for (int i = 1; i < 100; ++i)
-            add(kDialed);
-        QCOMPARE(uids(kDialed), downFrom(149, 50));
-        for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
-            QCOMPARE(m_files->recordIn(kDialed, slot).slot, slot);
-        QVERIFY(!log().contains("lost"));
-    }
-
-    void addsToABackupThatWasPutInPlace_data()
-    {
-        QTest::addColumn<Restoring>("restore");
-        QTest::newRow("as another file") << &byRename;
-        QTest::newRow("after the old one was removed") << &afterRemoval;
-        QTest::newRow("into the old file") << &intoTheOldFile;
-        QTest::newRow("into the old file, whose time stays") << &intoTheOldFileWithItsTime;
-    }
-    void addsToABackupThatWasPutInPlace()
-    {
-        QFETCH(Restoring, restore);
-        add(kMissed);
-        QCOMPARE(uids(kMissed), Uids{0});
-        QVERIFY(restore(m_files->file(kMissed), imageOf(kMissed, {100, 101, 102, 103, 104})));
-        add(kMissed);
-        QCOMPARE(uids(kMissed), downFrom(105, 6));
-        // An older one: what is added is newer than all that there has been.
-        QVERIFY(restore(m_files->file(kMissed), imageOf(kMissed, {7, 8})));
-        add(kDialed);
-        add(kMissed);
-        QCOMPARE(uids(kAll), Uids({107, 106, 8, 7}));
+        QCOMPARE(uids(kAnswered).size(), 50);
     }
 
     void addsToABackupThatIsBeingWritten()
     {
         add(kMissed);
-        QCOMPARE(uids(kMissed), Uids{0});
-        QFile file(m_files->file(kMissed));
+        QCOMPARE(list(kMissed), u"0"_s);
+        QFile file(m_files->file(kMissed.list));
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered));
         add(kMissed);
         file.write(imageOf(kMissed, {100, 101, 102}));
-        QCOMPARE(uids(kMissed), downFrom(103, 4));
+        QCOMPARE(list(kMissed), u"103..100"_s);
     }
 
     void losesNoCallOfABackupThatComesMeanwhile()
     {
-        const auto restorer = role::start(QStringLiteral("restore"), {m_files->file(kMissed)});
+        const auto restorer = role::start(u"restore"_s, {m_files->file(kMissed.list)});
         QVERIFY(role::waitReady(*restorer));
         while (restorer->state() != QProcess::NotRunning) {
-            QCOMPARE(add(kMissed), 0);
+            QCOMPARE(add(kMissed), QString());
             // The list must not become full: it would lose its oldest.
             for (const int uid : uids(kMissed)) {
+                PHONE_ENG_RecentCall call = claim(kMissed, uid);
                 if (uid > 102)
-                    remove(uid, kMissed);
+                    PHONE_RecentCall_DeleteRecord(call);
             }
             QCoreApplication::processEvents();
         }
         QCOMPARE(role::finish(*restorer), 0);
         add(kMissed);
-        QCOMPARE(uids(kMissed).mid(uids(kMissed).size() - 3), Uids({102, 101, 100}));
-        QVERIFY(!log().contains("lost"));
-    }
-
-    void ofEqualUidsMeansTheOneInTheSlot_data()
-    {
-        QTest::addColumn<int>("slot");
-        QTest::newRow("the first") << 0;
-        QTest::newRow("one in between") << 1;
-        QTest::newRow("the last") << 2;
-    }
-    void ofEqualUidsMeansTheOneInTheSlot()
-    {
-        QFETCH(int, slot);
-        m_files->write(kMissed, imageOf(kMissed, {5, 5, 5, 6}));
-        PHONE_ENG_RecentCall record = claim(kMissed, 5);
-        record.slot = slot;
-        const auto markAllUnread = [&] {
-            QByteArray image = m_files->read(kMissed);
-            for (int i = 0; i < 4; ++i)
-                image[qsizetype(zyn::RecordFile::offset(i)) + qsizetype{offsetof(PHONE_ENG_RecentCall, readFlags)}] = 0;
-            m_files->write(kMissed, image);
-        };
-        markAllUnread();
-        QCOMPARE(rc::markRead(record), rc::Success);
-        for (int i = 0; i < 4; ++i)
-            QCOMPARE(m_files->recordIn(kMissed, i).readFlags != 0, i == slot);
-        QCOMPARE(remove(5, kMissed, slot), 0);
-        for (int i = 0; i < 4; ++i)
-            QCOMPARE(m_files->recordIn(kMissed, i).inUse == 0, i == slot);
-    }
-
-    void goesOnWhenNoUidIsLeft_data()
-    {
-        QTest::addColumn<Uids>("missed");
-        QTest::addColumn<Uids>("dialed");
-        QTest::addColumn<Uids>("expected");
-        QTest::newRow("one has the last uid") << Uids{5, kLastUid} << Uids{6} << Uids{7, 6, 5};
-        QTest::newRow("several have it") << Uids{kLastUid, kLastUid} << Uids{kLastUid, 3} << Uids{6, 5, 4, 3};
-        QTest::newRow("all are near it") << Uids{kLastUid, kLastUid - 4} << Uids{kLastUid - 2} << Uids{2, 1, 0};
-        QTest::newRow("there is one left") << Uids{kLastUid - 1, 3} << Uids() << Uids{kLastUid - 1, 3};
-    }
-    void goesOnWhenNoUidIsLeft()
-    {
-        QFETCH(Uids, missed);
-        QFETCH(Uids, dialed);
-        QFETCH(Uids, expected);
-        stop();
-        m_files->write(kMissed, imageOf(kMissed, missed));
-        m_files->write(kDialed, imageOf(kDialed, dialed));
-        start();
-        QCOMPARE(uids(kAll), expected);
-        // The newest is always first, and none of the others goes.
-        for (int added = 0; added < 4; ++added) {
-            const Uids before = uids(kAnswered);
-            add(kAnswered);
-            const Uids after = uids(kAnswered);
-            QCOMPARE(after.size(), before.size() + 1);
-            QVERIFY(std::ranges::is_sorted(after, std::greater<>()) && uids(kAll).value(0) == after.value(0));
-        }
-        QCOMPARE(uids(kAll).size(), expected.size() + 4);
-    }
-
-    void knowsRenumberedCallsByTheirOldUids()
-    {
-        for (int i = 0; i < 8; ++i)
-            add(kAnswered);
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kAnswered, kVoice), 0);
-        // The uid comes while the service runs, and twice.
-        m_files->write(kMissed, imageOf(kMissed, {6, kLastUid, kLastUid}));
-        QCOMPARE(uids(kMissed), Uids({kLastUid, kLastUid, 6}));
-        add(kDialed);
-        QCOMPARE(uids(kAll), Uids({10, 9, 8, 6}));
-        QCOMPARE(remove(kLastUid, kMissed, 2), 0);
-        QCOMPARE(remove(kLastUid, kMissed, 2), 1);
-        QCOMPARE(uids(kAll), Uids({10, 8, 6}));
-        // The last one, once it is deleted, is in nobody's way.
-        m_files->write(kMissed, imageOf(kMissed, {kLastUid - 1}));
-        add(kMissed);
-        QCOMPARE(remove(kLastUid, kMissed), 0);
-        add(kMissed);
-        QCOMPARE(uids(kMissed), downFrom(kLastUid, 2));
-    }
-
-    void givesOfAllListsWhatCanBeHad_data()
-    {
-        QTest::addColumn<Meddling>("spoil");
-        QTest::newRow("one is a directory") << &makeItADirectory;
-        QTest::newRow("one is a FIFO") << &makeItAFifo;
-        QTest::newRow("one is a link to itself") << &makeItALinkToItself;
-    }
-    void givesOfAllListsWhatCanBeHad()
-    {
-        QFETCH(Meddling, spoil);
-        for (const auto category : {kAnswered, kMissed, kDialed})
-            add(category);
-        QCOMPARE(uids(kAll), downFrom(2, 3));
-        QVERIFY(spoil(*m_files));
-        QCOMPARE(uids(kAll), Uids({1, 0}));
-        QCOMPARE(uids(kDialed), Uids{-3});
-        add(kDialed);
-        add(kMissed);
-        QCOMPARE(uids(kAll), Uids({3, 1, 0}));
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, kVoice), 2);
-        QCOMPARE(uids(kAll), Uids());
-        const QByteArray lines = log();
-        QCOMPARE(lines.count("list 3 is left out, because of its file"), 1);
-        QCOMPARE(lines.count("a call of list 3 is lost: its file cannot be had"), 1);
-    }
-
-    void failsForAFileThatItCannotHave()
-    {
-        QVERIFY(QFile::remove(m_files->file(kMissed)));
-        QVERIFY(QDir().mkdir(m_files->file(kMissed)));
-        QPtrList<RC_RecordInterface> list;
-        QCOMPARE(RC_Interface().getRecordList(list, kMissed, kVoice), 3);
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, kVoice), 2);
-        QCOMPARE(remove(0, kMissed), 2);
-        QCOMPARE(RC_Interface().getRecordList(list, kAnswered, kVoice), 0);
-    }
-
-    void announcesEachChangeOfTheMissedCalls()
-    {
-        QStringList seen, expected;
-        const QCopChannel channel("/ZYN/recentcall");
-        connect(&channel, &QCopChannel::received, this, [&](const QCString& message, const QByteArray& data) {
-            seen += QString::fromUtf8(message + data + ": ") + unreadOnDisk();
-        });
-        const auto expect = [&](const char* unread) {
-            expected += QStringLiteral("RECENTCALL_MSG_2: ") + QLatin1String(unread);
-            QTRY_COMPARE(seen, expected);
-        };
-        addUnread(kMissed); // uid 0
-        expect("0");
-        addUnread(kDialed); // 1
-        addUnread(kMissed, RC_CALL_TYPE_PTT1);
-        expect("0 2");
-        QCOMPARE(rc::markRead(claim(kMissed, 0)), rc::Success);
-        expect("2");
-        QCOMPARE(rc::markRead(claim(kMissed, 0)), rc::Success);
-        QCOMPARE(rc::markRead(claim(kMissed, 1)), rc::NoSuchRecord);
-        QCOMPARE(rc::markRead(claim(kAll, 2)), rc::NoSuchRecord);
-        QCOMPARE(rc::markRead(claim(kDialed, 1)), rc::Success);
-        QCOMPARE(m_files->recordIn(kDialed, 0).readFlags, PHONE_ENG_RecentCall::kRead);
-        QCOMPARE(remove(2, kMissed), 0);
-        expect("");
-        QCOMPARE(remove(2, kMissed), 1);
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kMissed, RC_CALL_TYPE_PTT1), 0);
-        addUnread(kMissed); // 3
-        expect("3");
-        QCOMPARE(PHONE_RecentCall_DeleteAll(kAll, kVoice), 0);
-        expect("");
-        QVERIFY(QFile::remove(m_files->file(kMissed)));
-        QCOMPARE(uids(kMissed), Uids());
-        expect("");
-
-        m_files->setLimits(50, 1, 50);
-        stop();
-        start();
-        expect("");
-        addUnread(kMissed);
-        expect("0");
-        addUnread(kMissed);
-        expect("1");
-        QCOMPARE(stop(), 0);
-        QCoreApplication::processEvents();
-        QCOMPARE(seen, expected);
-    }
-
-    void believesNoDamagedRecord()
-    {
-        for (int i = 0; i < 3; ++i)
-            add(kMissed);
-        QCOMPARE(uids(kMissed), Uids({2, 1, 0}));
-        overwrite(kMissed, 0, offsetof(PHONE_ENG_RecentCall, category), 0x7FFFFFFF);
-        overwrite(kMissed, 1, offsetof(PHONE_ENG_RecentCall, slot), 2);
-        QCOMPARE(remove(0, kMissed), 0);
-        QCOMPARE(remove(1, kMissed), 0);
-        QCOMPARE(uids(kMissed), Uids({2}));
+        QCOMPARE(text(uids(kMissed).mid(uids(kMissed).size() - 3)), u"102..100"_s);
+        QVERIFY(!m_service.log().contains("lost"));
     }
 };
 
+/// The words of the scenarios.
+scenario::Verbs tst_RecentCallService::verbs()
+{
+    using Words = QStringList;
+    const auto record = [](const Words& words) {
+        return claim(callsOf(words), numbers(words.mid(1, 1)).first(), words.value(2, u"77"_s).toInt());
+    };
+    return {
+        {u"start"_s, [this] { start(); }},
+        {u"restart"_s, [this] { restart(); }},
+        {u"stop"_s, [this] { return stop(); }},
+        {u"interrupt"_s, [this] { return stop(SIGINT); }},
+        {u"kill"_s, [this] { return stop(SIGKILL); }},
+        {u"has-socket"_s, [] { return QFile::exists(kSocket); }},
+        {u"limits"_s,
+         [this](const Words& limits) {
+             m_files->setLimits(limits.at(0).toInt(), limits.at(1).toInt(), limits.at(2).toInt());
+         }},
+        {u"add"_s, [](const Words& words) { return add(callsOf(words), words.value(1)); }},
+        {u"list"_s, [](const Words& words) { return list(callsOf(words)); }},
+        {u"sizes"_s, [] { return sizes(client(kGreeting + kListAll)); }},
+        {u"delete"_s,
+         [=](const Words& words) {
+             PHONE_ENG_RecentCall call = record(words);
+             return PHONE_RecentCall_DeleteRecord(call);
+         }},
+        {u"clear"_s,
+         [](const Words& words) { return PHONE_RecentCall_DeleteAll(callsOf(words).list, callsOf(words).type); }},
+        {u"mark"_s, [=](const Words& words) { return int{rc::markRead(record(words))}; }},
+        // What is on disk, and what others do to it.
+        {u"file"_s, [this](const Words& words) { return text(m_files->uids(callsOf(words).list)); }},
+        {u"read"_s, [this](const Words& words) { return slotsOf(callsOf(words), true); }},
+        {u"unread"_s, [this](const Words& words) { return slotsOf(callsOf(words), false); }},
+        {u"slots"_s,
+         [this](const Words& words) {
+             QList<int> named;
+             for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
+                 named.prepend(m_files->recordIn(callsOf(words).list, slot).slot);
+             return text(named);
+         }},
+        {u"put"_s,
+         [this](const Words& words) {
+             restore(callsOf(words).list, words.at(1), imageOf(callsOf(words), numbers(words.mid(2))));
+         }},
+        {u"cut"_s,
+         [this](const Words& words) {
+             const RC_CALL_CATEGORY_T list = callsOf(words).list;
+             m_files->write(list, m_files->read(list).first(words.at(1).toInt())
+                                      + QByteArray(words.value(2).toInt(), char(words.value(3).toInt())));
+         }},
+        {u"overwrite"_s,
+         [this](const Words& words) {
+             overwrite(callsOf(words).list, words.at(1).toInt(), words.at(2), words.at(3).toInt());
+         }},
+        {u"spoil"_s, [this](const Words& words) { spoil(callsOf(words).list, words.value(1)); }},
+        {u"remove-directory"_s, [this] { return QDir(m_files->path() + u"/phone"_s).removeRecursively(); }},
+        {u"last-dialed"_s,
+         [] {
+             QString number;
+             StoreFixture::forgetSingletons();
+             return RC_Interface().getLastDialedNumber(number);
+         }},
+        {u"blank"_s,
+         [this] { changeKeepingTime(m_files->file(kDialed.list), [] { StoreFixture::store().clearAllData(); }); }},
+        // What others hear.
+        {u"heard"_s,
+         [this] { return u"%1 %2"_s.arg(m_heard.size()).arg(m_heard.value(m_heard.size() - 1)).trimmed(); }},
+        {u"logged"_s, [this](const Words& words) { return m_service.logged().count(words.join(u' ').toUtf8()); }},
+    };
+}
+
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_RecentCallService>(
-        argc, argv, {{QStringLiteral("add"), addUntilTaken}, {QStringLiteral("restore"), restoreOften}});
+    return role::testMain<tst_RecentCallService>(argc, argv, {{u"add"_s, addUntilTaken}, {u"restore"_s, restoreOften}});
 }
 
 #include "tst_RecentCallService.moc"

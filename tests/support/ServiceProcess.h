@@ -42,12 +42,16 @@ public:
         tell(signal);
         return finish();
     }
-    /// Waits until it has logged @p text, which log() gives nevertheless.
-    bool waitLogged(const QByteArray& text)
+    /// What it has logged up to now, which log() gives nevertheless.
+    QByteArray logged()
     {
         m_process.setReadChannel(QProcess::StandardError);
-        return QTest::qWaitFor([&] { return m_process.peek(m_process.bytesAvailable()).contains(text); },
-                               role::kPatience);
+        return m_process.peek(m_process.bytesAvailable());
+    }
+    /// Waits until it has logged @p text.
+    bool waitLogged(const QByteArray& text)
+    {
+        return QTest::qWaitFor([&] { return logged().contains(text); }, role::kPatience);
     }
     /// Ends the service and gives what it has logged since it told that it listens.
     QByteArray log()

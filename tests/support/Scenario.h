@@ -1,0 +1,85 @@
+// Scenarios: tests that are written as text, one step a line.
+#pragma once
+
+#include "tests/support/Role.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QVariant>
+
+#include <functional>
+#include <map>
+#include <type_traits>
+
+namespace scenario {
+
+/// What a step does with the words behind its first one, if it wants any; what it returns is shown as text.
+class Verb
+{
+public:
+    template<typename Action>
+    Verb(Action action) // NOLINT(google-explicit-constructor): a table of actions is one of verbs
+        : m_show([action](const QStringList& words) {
+            const auto act = [&] {
+                if constexpr (std::is_invocable_v<Action>)
+                    return action();
+                else
+                    return action(words);
+            };
+            if constexpr (std::is_void_v<decltype(act())>)
+                return act(), QString();
+            else
+                return QVariant(act()).toString();
+        })
+    {}
+
+    QString operator()(const QStringList& words) const { return m_show(words); }
+
+private:
+    std::function<QString(const QStringList& words)> m_show;
+};
+
+using Verbs = std::map<QString, Verb>;
+
+/// Adds a row for each scenario in the file @p path: "# name", then the steps. What a step shows stands behind " = ";
+/// what it comes to show behind " => ", and what that comes to contain behind " ~ ". Other steps show nothing.
+inline void addRows(const QString& path)
+{
+    QTest::addColumn<QStringList>("steps");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no scenarios");
+    for (const QString& text : QString::fromUtf8(file.readAll()).split(QStringLiteral("\n# ")).mid(1)) {
+        const QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QTest::newRow(qPrintable(lines.first())) << lines.mid(1);
+    }
+}
+
+/// Takes the steps of the row; fails with the first that shows something else.
+inline void play(const Verbs& verbs)
+{
+    static const QRegularExpression form(QStringLiteral("^(.*?)(?: (=>|=|~)(?: (.*))?)?$"));
+    QFETCH(QStringList, steps);
+    for (const QString& step : steps) {
+        const QStringList parts = form.match(step).capturedTexts();
+        QStringList words =
+            parts.at(1).split(QLatin1Char(' '), Qt::SkipEmptyParts).replaceInStrings(QStringLiteral("''"), QString());
+        const auto verb = verbs.find(words.first());
+        QVERIFY2(verb != verbs.end(), qPrintable(step));
+        const QString relation = parts.value(2);
+        const QString expected = parts.value(3);
+        QString shown = verb->second(words.mid(1));
+        const auto isRight = [&] {
+            return relation == QLatin1String("~") ? shown.contains(expected) : shown == expected;
+        };
+        const bool mayWait = !relation.isEmpty() && relation != QLatin1String("=");
+        for (const QDeadlineTimer deadline(role::kPatience); mayWait && !isRight() && !deadline.hasExpired();) {
+            QTest::qWait(10);
+            shown = verb->second(words.mid(1));
+        }
+        QVERIFY2(!QTest::currentTestFailed() && isRight(), qPrintable(step + QStringLiteral("\nshows ") + shown));
+    }
+}
+
+} // namespace scenario
