@@ -1,9 +1,13 @@
-// The frame of a command on a socket: 8 bytes of header, then the data.
+// The frame of a command on a socket, 8 bytes of header and then the data, and how long a socket waits for one.
 #pragma once
+
+#include "platform/UTIL_CommandBody.h"
 
 #include <QtCore/QtEndian>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -13,6 +17,9 @@ namespace zyn {
 
 /// The most data that one command carries, in bytes.
 inline constexpr int32_t kCommandDataLimit = 1024 * 1024;
+
+/// A peer that does nothing for this long, or a frame that takes longer, counts as gone.
+inline constexpr std::chrono::milliseconds kCommandTimeout{5000};
 
 /**
  * The header of a command frame.
@@ -48,5 +55,12 @@ struct CommandFrameHeader
         return header;
     }
 };
+
+/// The data of a command record: dataLength bytes, but never more than were allocated.
+inline std::span<std::byte> commandData(const UTIL_CommandBody& command)
+{
+    const auto length = static_cast<size_t>(std::max(command.dataLength, 0));
+    return std::as_writable_bytes(std::span(command.dataBuffer(), std::min(length, command.allocatedLength())));
+}
 
 } // namespace zyn

@@ -4,7 +4,7 @@
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "platform/qcop/ChannelListener_p.h"
-#include "platform/qcop/ThreadSender_p.h"
+#include "platform/qcop/ChannelSender_p.h"
 
 namespace {
 
@@ -19,7 +19,8 @@ QCString nameOf(const QCString& text)
 QCopChannel::QCopChannel(const QCString& channel, QObject* parent, const char* name)
     : QObject(parent)
     , m_channel(nameOf(channel))
-    , m_listener(std::make_unique<zyn::ChannelListener>(m_channel, *this))
+    , m_listener(std::make_unique<zyn::ChannelListener>(
+          m_channel, [this](const QByteArray& message, const QByteArray& data) { receive(message, data); }, this))
 {
     // By this name receivers may be connected with a queue between.
     qRegisterMetaType<QCString>("QCString");
@@ -38,7 +39,7 @@ bool QCopChannel::send(const QCString& channel, const QCString& message, const Q
     const QCString channelName = nameOf(channel);
     const QCString messageName = nameOf(message);
     const zyn::ChannelFrame frame(messageName, data);
-    return !channelName.isEmpty() && frame.isValid() && zyn::sendFromThisThread(channelName, frame);
+    return !channelName.isEmpty() && frame.isValid() && zyn::ChannelSender::sendFromThisThread(channelName, frame);
 }
 
 bool QCopChannel::send(const QCString& channel, const QCString& message)

@@ -1,15 +1,12 @@
 // Reading and changing one settings file.
 #include "platform/SettingsFile_p.h"
 
+#include "platform/posix/Directory_p.h"
 #include "platform/posix/FileLock_p.h"
-#include "platform/posix/File_p.h"
-#include "platform/posix/PrivateDirectory_p.h"
 #include "platform/posix/StagedFile_p.h"
 
-#include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QThread>
 
 #include <algorithm>
 #include <cerrno>
@@ -17,14 +14,11 @@
 #include <tuple>
 #include <utility>
 
-#include <fcntl.h>
-
 namespace zyn {
 namespace {
 
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr std::chrono::milliseconds kLockTimeout{5000};
-constexpr std::chrono::milliseconds kLockPause{2};
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 struct Line
@@ -169,43 +163,13 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
     return text.insert(groupEnd, added);
 }
 
-bool syncDirectory(const QString& path)
+/// What the file at @p path holds; empty when it is missing.
+std::optional<QByteArray> read(const posix::PathAt& path)
 {
-    return zyn::posix::sync(zyn::posix::openForReading(QFile::encodeName(path)).get());
-}
-
-/// Creates the directory @p path, and those above it, on disk.
-bool makeDirectory(const QString& path)
-{
-    constexpr mode_t kMode = 0777; // less the process's umask
-    const QByteArray name = QFile::encodeName(path);
-    const auto exists = [&] { return zyn::posix::openTrusted(name, O_PATH | O_DIRECTORY).isValid(); };
-    if (exists())
-        return true;
-    const QString parent = QFileInfo(path).path();
-    return parent != path && makeDirectory(parent) && (zyn::posix::makeDirectory(name, kMode) || exists())
-           && syncDirectory(parent);
-}
-
-/// Takes the lock, or gives up after kLockTimeout with errno EWOULDBLOCK. That of another user is not waited for.
-bool acquire(zyn::posix::FileLock& lock, const QByteArray& path)
-{
-    const QDeadlineTimer deadline(kLockTimeout);
-    while (!lock.take(path, zyn::posix::LockOwner::Trusted)) {
-        if (errno != EWOULDBLOCK || deadline.hasExpired())
-            return false;
-        QThread::msleep(static_cast<unsigned long>(kLockPause.count()));
-    }
-    return true;
-}
-
-/// What the file at @p place holds; empty when it is missing.
-std::optional<QByteArray> read(const zyn::posix::Place& place)
-{
-    const zyn::posix::UniqueFd fd = zyn::posix::openAt(place, O_RDONLY);
+    const posix::UniqueFd fd = posix::openAt(path);
     if (!fd.isValid() && errno == ENOENT)
         return QByteArray();
-    return zyn::posix::readWhole(fd.get(), kSizeLimit);
+    return posix::readWhole(fd.get(), kSizeLimit);
 }
 
 } // namespace
@@ -261,24 +225,25 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
 {
     if (!fitsOneLine(group) || !isKey(key))
         return false;
-    if (m_path.contains(QChar::Null) || !makeDirectory(QFileInfo(m_path).path()))
+    if (m_path.contains(QChar::Null) || !posix::makeDirectories(QFile::encodeName(QFileInfo(m_path).path())))
         return false;
     // A link and its target are changed under one lock.
-    const std::optional<posix::Place> place = posix::placeOf(QFile::encodeName(m_path));
-    if (m_isLockedOut || !place)
+    const std::optional<posix::PathAt> found = posix::resolve(QFile::encodeName(m_path));
+    if (m_isLockedOut || !found)
         return false;
     posix::FileLock lock;
-    if (!acquire(lock, posix::pathThrough(place->directory.get(), place->name + ".lock"))) {
+    const QByteArray lockPath = posix::pathThrough(found->directory.get(), found->name + ".lock");
+    if (!lock.lock(lockPath, posix::LockOwner::Trusted, kLockTimeout)) {
         m_isLockedOut = errno == EWOULDBLOCK;
         return false;
     }
-    posix::removeTemporaryFiles(*place);
-    const std::optional<QByteArray> text = read(*place);
+    posix::removeTemporaryFiles(*found);
+    const std::optional<QByteArray> text = read(*found);
     if (!text)
         return false;
     const QByteArray entry = key.toUtf8() + '=' + settingBytes(value) + '\n';
     const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
-    return changed.size() <= kSizeLimit && posix::replaceFile(*place, changed);
+    return changed.size() <= kSizeLimit && posix::replaceFile(*found, changed);
 }
 
 } // namespace zyn

@@ -1,12 +1,8 @@
 // Commands on a Unix-domain stream socket.
 #include "platform/Socket_Command.h"
 
-#include "platform/CommandData_p.h"
 #include "platform/CommandFrame_p.h"
-#include "platform/CommandTimeout_p.h"
 #include "platform/posix/UnixSocket_p.h"
-
-#include <poll.h>
 
 using zyn::CommandFrameHeader;
 using zyn::kCommandTimeout;
@@ -25,7 +21,7 @@ int Socket_WriteCommand(int socket, UTIL_CommandBody* command)
 
 UTIL_CommandBody* Socket_ReadCommand(int socket)
 {
-    if (!zyn::posix::waitFor(socket, POLLIN, Clock::now() + kCommandTimeout))
+    if (!zyn::posix::waitUntilReadable(socket, Clock::now() + kCommandTimeout))
         return nullptr;
     const auto deadline = Clock::now() + kCommandTimeout;
     CommandFrameHeader::Bytes bytes;

@@ -1,6 +1,5 @@
 // The documents against the code that they describe.
 #include "platform/CommandFrame_p.h"
-#include "platform/CommandTimeout_p.h"
 #include "platform/HandsetState_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"

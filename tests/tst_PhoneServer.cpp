@@ -1,5 +1,6 @@
 // The phone server, run as the process that it is beside a real recent-call service.
 #include "handset/phone_server/CallCourse.h"
+#include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
@@ -140,6 +141,7 @@ private:
     ServiceProcess m_recentCalls;
     ServiceProcess m_server;
     UniqueFd m_foreign; ///< what another user holds
+    zyn::posix::FileLock m_foreignLock;
 
     void restart(const QString& options)
     {
@@ -503,7 +505,7 @@ private Q_SLOTS:
         row("a link to nothing", "", danglingLink);
         row("a directory", "", directory);
         row("a directory with something in it", "", fullDirectory);
-        row("a lock that is held", ".lock", [this](const QByteArray& path) { m_foreign = zyn::posix::lockFile(path); });
+        row("a lock that is held", ".lock", [this](const QByteArray& path) { m_foreignLock.lock(path); });
         row("a link as the lock", ".lock", danglingLink);
         row("a directory as the lock", ".lock", directory);
         row("a pipe as the lock", ".lock", [](const QByteArray& path) { ::mkfifo(path.constData(), 0666); });
@@ -521,6 +523,7 @@ private Q_SLOTS:
         QVERIFY(m_server.start(ZYN_PHONED));
         QCOMPARE(replies(client(kRegisterSim + kSimCall), 1), QList<int>({CallDialing}));
         m_foreign.reset();
+        m_foreignLock.unlock();
         QDir(QLatin1String(zyn::voicecall::kSocketDirectory)).removeRecursively();
         m_server.stop();
     }

@@ -50,7 +50,7 @@ private:
     bool isLocked() const
     {
         zyn::posix::FileLock attempt;
-        return !attempt.take(QFile::encodeName(lock())) && errno == EWOULDBLOCK;
+        return !attempt.lock(QFile::encodeName(lock())) && errno == EWOULDBLOCK;
     }
 
     StoreFixture m_store;
@@ -138,7 +138,7 @@ void tst_ServiceSocket::isLeftWhenItIsAnothers()
     m_service->tell(SIGSTOP);
     QVERIFY(QFile::remove(m_socket) && QFile::remove(lock()));
     zyn::posix::FileLock held;
-    QVERIFY(held.take(QFile::encodeName(lock())));
+    QVERIFY(held.lock(QFile::encodeName(lock())));
     const auto listener = zyn::posix::listenUnix(QFile::encodeName(m_socket), 0600);
     QVERIFY(listener.isValid());
     m_service->tell(SIGCONT);

@@ -1,8 +1,7 @@
 // Commands on a socket, and the connection under them. Signals interrupt every wait.
 #include "platform/CommandFrame_p.h"
-#include "platform/CommandTimeout_p.h"
 #include "platform/Socket_Command.h"
-#include "platform/posix/Retry_p.h"
+#include "platform/posix/UniqueFd_p.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "support/Descriptors.h"
 
@@ -76,7 +75,7 @@ QByteArray receive(const UniqueFd& socket, qsizetype limit)
     while (all.size() < limit) {
         const auto room = std::span(block).first(static_cast<size_t>(limit - all.size()));
         const ssize_t n = zyn::posix::receiveSome(socket.get(), room);
-        if (n == 0 || (n < 0 && !zyn::posix::waitFor(socket.get(), POLLIN, Clock::now() + kPatience)))
+        if (n == 0 || (n < 0 && !zyn::posix::waitUntilReadable(socket.get(), Clock::now() + kPatience)))
             break;
         all.append(reinterpret_cast<const char*>(block.data()), std::max<ssize_t>(n, 0));
     }

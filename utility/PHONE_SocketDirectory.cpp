@@ -1,16 +1,15 @@
 // The directories in which the handset's services keep their command sockets.
 #include "utility/PHONE_SocketDirectory_p.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include "platform/posix/PathAt_p.h"
 
 namespace zyn {
 
 QString socketDirectory(const char* directory)
 {
     constexpr mode_t kOpenToAll = 0777;
-    ::mkdir(directory, kOpenToAll);
-    ::fchmodat(AT_FDCWD, directory, kOpenToAll, AT_SYMLINK_NOFOLLOW);
+    posix::makeDirectory(directory, kOpenToAll);
+    posix::setMode(directory, kOpenToAll);
     return QLatin1String(directory) + QLatin1Char('/');
 }
 

@@ -8,14 +8,13 @@
 
 #include <cstdio>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace zyn::handset {
 
 void log(const QString& text)
 {
-    if (!posix::waitFor(STDERR_FILENO, POLLOUT, posix::Clock::now()))
+    if (!posix::waitUntilWritable(STDERR_FILENO, posix::Clock::now()))
         return;
     const QByteArray line =
         (QCoreApplication::applicationName() + QLatin1String(": ") + printable(text)).toLocal8Bit() + '\n';

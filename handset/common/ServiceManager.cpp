@@ -2,7 +2,7 @@
 #include "handset/common/ServiceManager.h"
 
 #include "handset/common/Log.h"
-#include "platform/posix/Retry_p.h"
+#include "platform/posix/UniqueFd_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <cerrno>

@@ -2,7 +2,7 @@
 #include "handset/common/ServiceSocket.h"
 
 #include "handset/common/Log.h"
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QDir>
@@ -43,7 +43,7 @@ void makeDirectoryOf(const QString& path)
 {
     const QByteArray directory = QFile::encodeName(QFileInfo(path).path());
     if (posix::makeDirectory(directory, kOpenToAll))
-        ::fchmodat(AT_FDCWD, directory.constData(), kOpenToAll, AT_SYMLINK_NOFOLLOW);
+        posix::setMode(directory, kOpenToAll);
 }
 
 QString userText(uid_t user)
@@ -126,7 +126,7 @@ bool ServiceSocket::lock()
 {
     const QByteArray path = QFile::encodeName(lockPath(m_path));
     replaceForeign(path);
-    return m_lock.isInPlace() || m_lock.take(path);
+    return m_lock.isInPlace() || m_lock.lock(path);
 }
 
 /// Becomes the only one who may listen.
@@ -189,7 +189,7 @@ void ServiceSocket::release()
     turnAway();
     m_listener.reset();
     m_made.reset();
-    m_lock.release();
+    m_lock.unlock();
 }
 
 } // namespace zyn::handset

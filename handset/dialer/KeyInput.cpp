@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <span>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace zyn::handset {
@@ -77,7 +76,7 @@ void KeyInput::take(char byte)
 void KeyInput::finishKey()
 {
     // A process that was held up finds the rest here, late by no fault of the terminal.
-    if (m_readable.isEnabled() && posix::waitFor(STDIN_FILENO, POLLIN, posix::Clock::now())) {
+    if (m_readable.isEnabled() && posix::waitUntilReadable(STDIN_FILENO, posix::Clock::now())) {
         read();
         return;
     }

@@ -69,7 +69,7 @@ ActivityLogLock::ActivityLogLock(const QString& directory)
 
 bool ActivityLogLock::lock()
 {
-    const bool isLocked = m_lock.take(QFile::encodeName(m_path));
+    const bool isLocked = m_lock.lock(QFile::encodeName(m_path));
     m_isOwned = !isLocked && errno == EWOULDBLOCK;
     if (isLocked)
         m_lock.sign(QCoreApplication::applicationName().toUtf8());

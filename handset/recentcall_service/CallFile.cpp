@@ -3,6 +3,7 @@
 
 #include "handset/common/Log.h"
 #include "platform/posix/File_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/RecordFile_p.h"
 
 #include <QtCore/QFile>
@@ -121,7 +122,7 @@ QByteArray CallFile::path() const
 CallFile::State CallFile::read()
 {
     close();
-    m_fd = posix::openForChanging(path());
+    m_fd = posix::openTrusted(path(), posix::Access::Change);
     if (!m_fd.isValid() && errno == ENOENT)
         return State::Missing;
     // What may not be changed may still be shown.

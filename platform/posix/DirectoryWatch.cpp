@@ -1,8 +1,7 @@
-// Tells whether directories and files have changed since somebody looked.
+// Notices that directories and files have changed.
 #include "platform/posix/DirectoryWatch_p.h"
 
-#include "platform/posix/PrivateDirectory_p.h"
-#include "platform/posix/Retry_p.h"
+#include "platform/posix/Directory_p.h"
 
 #include <array>
 #include <cerrno>
@@ -92,7 +91,7 @@ bool DirectoryWatch::poll()
             inotify_event event = {};
             std::memcpy(&event, buffer.data() + offset, sizeof event);
             offset += sizeof event + event.len;
-            if ((event.mask & IN_IGNORED) != 0) // the end of a watch, whose reason has been told before
+            if ((event.mask & IN_IGNORED) != 0) // the end of a watch, whose reason was an event of its own
                 continue;
             const auto found = m_changed.find(event.wd);
             (found == m_changed.end() ? m_allChanged : found->second) = ++m_now;

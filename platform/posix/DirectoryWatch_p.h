@@ -1,4 +1,4 @@
-// Tells whether directories and files have changed since somebody looked.
+// Notices that directories and files have changed.
 #pragma once
 
 #include "platform/posix/ForkLocalFd_p.h"

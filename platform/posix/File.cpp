@@ -1,88 +1,38 @@
 // Files: opened without waiting, read and written whole.
 #include "platform/posix/File_p.h"
 
-#include "platform/posix/Place_p.h"
-#include "platform/posix/Retry_p.h"
-
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 
 #include <fcntl.h>
-#include <pwd.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace zyn::posix {
-namespace {
-
-constexpr mode_t kLockFileMode = 0600;
-
-zyn::posix::UniqueFd openFile(const QByteArray& path, int flags, mode_t mode = 0)
-{
-    if (path.contains('\0'))
-        return {};
-    return zyn::posix::UniqueFd(
-        zyn::posix::retry([&] { return ::open(path.constData(), flags | O_CLOEXEC | O_NONBLOCK, mode); }));
-}
-
-FileId idOf(const struct stat& status)
-{
-    return {status.st_dev, status.st_ino};
-}
-
-/// Whether something else than a regular file has the name @p path. To open a device may do more than to open it.
-bool isNoFile(const QByteArray& path)
-{
-    struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 && !S_ISREG(status.st_mode);
-}
-
-} // namespace
 
 UniqueFd openForReading(const QByteArray& path)
 {
-    return openFile(path, O_RDONLY);
-}
-
-UniqueFd openForChanging(const QByteArray& path)
-{
-    return openTrusted(path, O_RDWR);
+    if (path.contains('\0'))
+        return {};
+    return UniqueFd(retry([&] { return ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
 }
 
 std::optional<FileId> fileId(const QByteArray& path)
 {
     struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 ? std::optional(idOf(status)) : std::nullopt;
+    return ::lstat(path.constData(), &status) == 0 ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
 }
 
 std::optional<FileId> fileId(int fd)
 {
     struct stat status = {};
-    return ::fstat(fd, &status) == 0 ? std::optional(idOf(status)) : std::nullopt;
+    return ::fstat(fd, &status) == 0 ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
 }
 
 bool isNamed(int fd, const QByteArray& path)
 {
-    const std::optional<FileId> open = fileId(fd);
-    return open && fileId(path) == open;
-}
-
-UniqueFd lockFile(const QByteArray& path)
-{
-    for (;;) {
-        if (isNoFile(path)) {
-            errno = EEXIST;
-            return {};
-        }
-        UniqueFd fd = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, kLockFileMode);
-        if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
-            return {};
-        // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
-        if (isNamed(fd.get(), path))
-            return fd;
-    }
+    const std::optional<FileId> id = fileId(fd);
+    return id && fileId(path) == id;
 }
 
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset)
@@ -116,6 +66,11 @@ bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset)
         offset += n;
     }
     return true;
+}
+
+bool resize(int fd, qint64 size)
+{
+    return retry([&] { return ::ftruncate(fd, static_cast<off_t>(size)); }) == 0;
 }
 
 bool sync(int fd)
@@ -153,12 +108,7 @@ std::optional<qint64> regularFileSize(int fd)
 std::optional<qint64> soleFileSize(int fd)
 {
     struct stat status = {};
-    return ::fstat(fd, &status) == 0 && status.st_nlink == 1 ? std::optional(qint64{status.st_size}) : std::nullopt;
-}
-
-bool resize(int fd, qint64 size)
-{
-    return ::ftruncate(fd, static_cast<off_t>(size)) == 0;
+    return ::fstat(fd, &status) == 0 && status.st_nlink == 1 ? regularFileSize(fd) : std::nullopt;
 }
 
 off_t nextData(int fd, off_t offset)
@@ -172,51 +122,13 @@ off_t nextData(int fd, off_t offset)
 bool leadsTo(const QByteArray& path, int fd)
 {
     struct stat found = {};
-    return ::stat(path.constData(), &found) == 0 && fileId(fd) == idOf(found);
+    return ::stat(path.constData(), &found) == 0 && fileId(fd) == FileId{found.st_dev, found.st_ino};
 }
 
 bool isMissing(const QByteArray& path)
 {
     struct stat status = {};
     return ::stat(path.constData(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
-}
-
-bool isTrustedUser(uid_t user)
-{
-    return user == ::geteuid() || user == 0;
-}
-
-QByteArray userName(uid_t user)
-{
-    const passwd* entry = ::getpwuid(user);
-    return entry ? QByteArray(entry->pw_name) : QByteArray::number(user);
-}
-
-std::optional<uid_t> ownerOf(const QByteArray& path)
-{
-    struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 ? std::optional(status.st_uid) : std::nullopt;
-}
-
-bool clearOfOthers(const QByteArray& path)
-{
-    const auto isOfOthers = [](const QByteArray& name) {
-        const std::optional<uid_t> owner = ownerOf(name);
-        return owner && !isTrustedUser(*owner);
-    };
-    if (!isOfOthers(path))
-        return false;
-    const QByteArray aside = path + ".away." + QByteArray::number(::getpid());
-    if (::renameat2(AT_FDCWD, path.constData(), AT_FDCWD, aside.constData(), RENAME_NOREPLACE) != 0)
-        return false;
-    // Another process may have put its own there after the look.
-    if (!isOfOthers(aside)) {
-        ::renameat2(AT_FDCWD, aside.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE);
-        return false;
-    }
-    if (::unlink(aside.constData()) != 0)
-        ::rmdir(aside.constData());
-    return true;
 }
 
 } // namespace zyn::posix

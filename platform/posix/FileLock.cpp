@@ -2,20 +2,28 @@
 #include "platform/posix/FileLock_p.h"
 
 #include "platform/posix/File_p.h"
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QList>
+#include <QtCore/QThread>
 
 #include <array>
 #include <cerrno>
 #include <span>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zyn::posix {
 namespace {
 
+constexpr mode_t kMode = 0600;
 constexpr qint64 kSizeLimit = 4096;
+/// How often a lock that another process holds is tried.
+constexpr std::chrono::milliseconds kPause{2};
 
 QByteArray hostName()
 {
@@ -23,30 +31,53 @@ QByteArray hostName()
     return ::gethostname(name.data(), name.size() - 1) == 0 ? QByteArray(name.data()) : QByteArray();
 }
 
-/// Whether @p path is that of nothing, or of something of this user's or root's.
-bool isOfTrustedOwner(const QByteArray& path)
+/// Locks the file without waiting; none, and errno tells why.
+UniqueFd lockFile(const QByteArray& path)
 {
-    const std::optional<uid_t> owner = ownerOf(path);
-    return !owner || isTrustedUser(*owner);
+    for (;;) {
+        // To open a device may do more than to open it.
+        struct stat status = {};
+        if (::lstat(path.constData(), &status) == 0 && !S_ISREG(status.st_mode)) {
+            errno = EEXIST;
+            return {};
+        }
+        UniqueFd fd = openAt(AT_FDCWD, path, O_RDWR | O_CREAT, kMode);
+        if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
+            return {};
+        // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
+        if (isNamed(fd.get(), path))
+            return fd;
+    }
 }
 
 } // namespace
 
-bool FileLock::take(const QByteArray& path, LockOwner owner)
+bool FileLock::lock(const QByteArray& path, LockOwner owner, std::chrono::milliseconds timeout)
 {
-    release();
-    if (owner == LockOwner::Trusted && !isOfTrustedOwner(path)) {
+    const QDeadlineTimer deadline(timeout);
+    while (!lockOnce(path, owner)) {
+        if (errno != EWOULDBLOCK || deadline.hasExpired())
+            return false;
+        QThread::msleep(static_cast<unsigned long>(kPause.count()));
+    }
+    return true;
+}
+
+bool FileLock::lockOnce(const QByteArray& path, LockOwner owner)
+{
+    unlock();
+    if (owner == LockOwner::Trusted && !isTrustedUser(ownerOf(path).value_or(currentUser()))) {
         errno = EPERM;
         return false;
     }
     m_path = path;
     m_fd = lockFile(path);
-    return isHeld();
+    return isLocked();
 }
 
 bool FileLock::isInPlace() const
 {
-    return isHeld() && isNamed(m_fd.get(), m_path);
+    return isLocked() && isNamed(m_fd.get(), m_path);
 }
 
 void FileLock::sign(const QByteArray& program) const
@@ -58,7 +89,7 @@ void FileLock::sign(const QByteArray& program) const
     writeAt(m_fd.get(), std::as_bytes(std::span(text.constData(), static_cast<size_t>(text.size()))), 0);
 }
 
-void FileLock::release()
+void FileLock::unlock()
 {
     if (isInPlace())
         ::unlink(m_path.constData());

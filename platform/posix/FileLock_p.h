@@ -5,6 +5,7 @@
 
 #include <QtCore/QByteArray>
 
+#include <chrono>
 #include <optional>
 
 namespace zyn::posix {
@@ -15,7 +16,7 @@ enum class LockOwner { Anybody, Trusted };
 /**
  * The lock on a file, which goes with the object, or with the process, however that ends.
  *
- * The file is made when it is missing, and removed at the end, unless it is another one by then.
+ * The file is made for this user alone when it is missing, and removed at the end, unless it is another one by then.
  */
 class FileLock
 {
@@ -23,19 +24,26 @@ public:
     FileLock() = default;
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
-    ~FileLock() { release(); }
+    ~FileLock() { unlock(); }
 
-    /// Takes the lock on @p path, as lockFile() does; false, and errno tells why not: EPERM for the file of a user
-    /// whose it may not be.
-    bool take(const QByteArray& path, LockOwner owner = LockOwner::Anybody);
-    bool isHeld() const { return m_fd.isValid(); }
+    /**
+     * Locks the file @p path, waiting for its holder for at most @p timeout.
+     *
+     * False, and errno tells why: EWOULDBLOCK while another process holds the lock, EEXIST when the name is that of no
+     * regular file, EPERM for the file of a user whose it may not be. The kernel ends the lock of a process that dies;
+     * no name or number of a process decides.
+     */
+    bool lock(const QByteArray& path, LockOwner owner = LockOwner::Anybody, std::chrono::milliseconds timeout = {});
+    bool isLocked() const { return m_fd.isValid(); }
     /// Whether the path still leads to the locked file: else the lock keeps nobody out.
     bool isInPlace() const;
-    /// Writes into the file which process holds it; it is held in any case.
+    /// Writes into the file which process holds it; the lock holds in any case.
     void sign(const QByteArray& program) const;
-    void release();
+    void unlock();
 
 private:
+    bool lockOnce(const QByteArray& path, LockOwner owner);
+
     QByteArray m_path;
     UniqueFd m_fd;
 };

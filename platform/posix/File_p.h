@@ -13,13 +13,8 @@
 
 namespace zyn::posix {
 
-// Paths are names as the system has them, as QFile::encodeName() gives them.
-
 /// Opens @p path for reading. A FIFO is opened without waiting for its writer.
 UniqueFd openForReading(const QByteArray& path);
-
-/// Opens @p path for reading and writing; never creates it, and follows no link that somebody else has laid.
-UniqueFd openForChanging(const QByteArray& path);
 
 /// Tells a file from every other that there is at the same time.
 struct FileId
@@ -32,21 +27,11 @@ struct FileId
 
 /// That of what @p path names, be it a link; nothing when it names nothing.
 std::optional<FileId> fileId(const QByteArray& path);
-
-/// That of the open file @p fd.
+/// That of an open file.
 std::optional<FileId> fileId(int fd);
 
 /// Whether @p path is a name of the open file @p fd.
 bool isNamed(int fd, const QByteArray& path);
-
-/**
- * Locks the file @p path, created for this user alone when it is missing, for as long as the descriptor is open.
- *
- * None, with errno EWOULDBLOCK, while another process holds the lock; with EEXIST, when the name is that of no regular
- * file. The kernel ends the lock of a process that dies; no name or number of a process decides. Whoever holds the lock
- * may remove the file.
- */
-UniqueFd lockFile(const QByteArray& path);
 
 /// Reads into @p buffer from @p offset on; the number of bytes read, fewer only at the end of the file; -1 on an error.
 ssize_t readAt(int fd, std::span<std::byte> buffer, off_t offset);
@@ -58,6 +43,9 @@ ssize_t readOnceAt(int fd, std::span<std::byte> buffer, off_t offset);
 /// Writes all of @p bytes at @p offset.
 bool writeAt(int fd, std::span<const std::byte> bytes, off_t offset);
 
+/// Cuts the file off, or fills it up with zeros, to @p size bytes.
+bool resize(int fd, qint64 size);
+
 /// Brings what was written to @p fd to disk; of a directory, the names in it.
 bool sync(int fd);
 
@@ -68,12 +56,8 @@ std::optional<QByteArray> readWhole(int fd, qint64 limit);
 
 /// How many bytes the open file @p fd has; nothing when it is no regular file.
 std::optional<qint64> regularFileSize(int fd);
-
-/// How many bytes the open file @p fd has; nothing when it has another name, too.
+/// The same; nothing, too, when the file has another name.
 std::optional<qint64> soleFileSize(int fd);
-
-/// Cuts the open file @p fd to @p size bytes, or extends it with zeros.
-bool resize(int fd, qint64 size);
 
 /// The offset in the open file @p fd, from @p offset on, at which there is no hole; the file's end when there is none.
 off_t nextData(int fd, off_t offset);
@@ -83,18 +67,5 @@ bool leadsTo(const QByteArray& path, int fd);
 
 /// Whether there is no file @p path, nor a link to one; false, too, when that cannot be told.
 bool isMissing(const QByteArray& path);
-
-/// Whether files and processes of @p user are this process's business: its own, and root's.
-bool isTrustedUser(uid_t user);
-
-/// The name of @p user, or the number of one without a name.
-QByteArray userName(uid_t user);
-
-/// The user whom @p path belongs to, a link itself and not its target; nothing when there is no such name.
-std::optional<uid_t> ownerOf(const QByteArray& path);
-
-/// Removes what has the name @p path when it is neither this user's nor root's; a directory that is not empty gets
-/// another name beside it. Whether anything has made way.
-bool clearOfOthers(const QByteArray& path);
 
 } // namespace zyn::posix

@@ -1,9 +1,8 @@
 // Files that come into being whole and at once: written under a name of their own, then renamed.
 #include "platform/posix/StagedFile_p.h"
 
+#include "platform/posix/Directory_p.h"
 #include "platform/posix/File_p.h"
-#include "platform/posix/PrivateDirectory_p.h"
-#include "platform/posix/Retry_p.h"
 
 #include <QtCore/QList>
 
@@ -68,12 +67,12 @@ bool writeWhole(int fd, const QByteArray& contents)
 
 } // namespace
 
-StagedFile::StagedFile(const Place& place)
-    : m_place(place)
-    , m_name(place.name + kStagedInfix + QByteArray::number(::getpid()))
+StagedFile::StagedFile(const PathAt& path)
+    : m_path(path)
+    , m_name(path.name + kStagedInfix + QByteArray::number(::getpid()))
 {
-    removeLeftovers(place);
-    m_fd = openAt(place.directory.get(), m_name, O_RDWR | O_CREAT | O_EXCL, kNewFileMode);
+    removeLeftovers(path);
+    m_fd = openAt(path.directory.get(), m_name, O_RDWR | O_CREAT | O_EXCL, kNewFileMode);
     m_isNamed = m_fd.isValid();
     if (m_isNamed)
         canLock(m_fd.get());
@@ -82,10 +81,10 @@ StagedFile::StagedFile(const Place& place)
 StagedFile::~StagedFile()
 {
     if (m_isNamed)
-        ::unlinkat(m_place.directory.get(), m_name.constData(), 0);
+        ::unlinkat(m_path.directory.get(), m_name.constData(), 0);
 }
 
-void StagedFile::takeAfter(int other) const
+void StagedFile::copyOwnership(int other) const
 {
     struct stat status = {};
     if (::fstat(other, &status) != 0)
@@ -96,8 +95,8 @@ void StagedFile::takeAfter(int other) const
 
 bool StagedFile::moveIn()
 {
-    const int directory = m_place.directory.get();
-    const char* to = m_place.name.constData();
+    const int directory = m_path.directory.get();
+    const char* to = m_path.name.constData();
     if (::renameat2(directory, m_name.constData(), directory, to, RENAME_NOREPLACE) == 0) {
         m_isNamed = false;
         return true;
@@ -108,94 +107,94 @@ bool StagedFile::moveIn()
 
 bool StagedFile::moveOver()
 {
-    const int directory = m_place.directory.get();
-    m_isNamed = ::renameat(directory, m_name.constData(), directory, m_place.name.constData()) != 0;
+    const int directory = m_path.directory.get();
+    m_isNamed = ::renameat(directory, m_name.constData(), directory, m_path.name.constData()) != 0;
     return !m_isNamed;
 }
 
 bool StagedFile::exchange()
 {
-    const int directory = m_place.directory.get();
-    return ::renameat2(directory, m_name.constData(), directory, m_place.name.constData(), RENAME_EXCHANGE) == 0
+    const int directory = m_path.directory.get();
+    return ::renameat2(directory, m_name.constData(), directory, m_path.name.constData(), RENAME_EXCHANGE) == 0
            || (isUnsupported() && moveOver());
 }
 
 UniqueFd StagedFile::openExchanged() const
 {
-    return openAt(m_place.directory.get(), m_name, O_RDWR);
+    return openAt(m_path.directory.get(), m_name, O_RDWR);
 }
 
 bool StagedFile::isExchangedFor(int fd) const
 {
     if (!m_isNamed)
         return true;
-    const std::optional<FileId> open = fileId(fd);
-    return open && entryId(m_place.directory.get(), m_name) == open;
+    const std::optional<EntryStatus> exchanged = entryStatus(m_path.directory.get(), m_name);
+    return exchanged && fileId(fd) == exchanged->id;
 }
 
-bool replaceFile(const Place& place, const QByteArray& contents)
+bool replaceFile(const PathAt& path, const QByteArray& contents)
 {
-    const int parent = place.directory.get();
+    const int parent = path.directory.get();
     struct stat status = {};
-    const bool isThere = ::fstatat(parent, place.name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    const bool isThere = ::fstatat(parent, path.name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
     if (!isThere && errno != ENOENT)
         return false;
     if (isThere && !S_ISREG(status.st_mode)) {
         errno = EEXIST;
         return false;
     }
-    const UniqueFd old = isThere ? openAt(place, O_WRONLY) : UniqueFd();
+    const UniqueFd old = isThere ? openAt(parent, path.name, O_WRONLY) : UniqueFd();
     if (isThere && !old.isValid())
         return false;
     // One that may not be read cannot be synchronised either.
     const UniqueFd directory = openAt(parent, ".", O_RDONLY | O_DIRECTORY);
     if (!directory.isValid() && errno != EACCES)
         return false;
-    StagedFile staged(place);
+    StagedFile staged(path);
     if (!staged.isValid())
         return false;
     if (isThere)
-        staged.takeAfter(old.get());
+        staged.copyOwnership(old.get());
     return writeWhole(staged.fd(), contents) && staged.moveOver() && (!directory.isValid() || sync(directory.get()));
 }
 
 bool replaceFile(const QByteArray& path, const QByteArray& contents)
 {
-    const std::optional<Place> place = placeOf(path);
-    return place && replaceFile(*place, contents);
+    const std::optional<PathAt> found = resolve(path);
+    return found && replaceFile(*found, contents);
 }
 
 bool createFile(const QByteArray& path, const QByteArray& contents, int model)
 {
-    const std::optional<Place> place = placeOf(path, LastLink::Keep);
-    if (!place)
+    const std::optional<PathAt> found = resolve(path, LastLink::Keep);
+    if (!found)
         return false;
-    StagedFile staged(*place);
+    StagedFile staged(*found);
     if (!staged.isValid())
         return false;
-    staged.takeAfter(model);
+    staged.copyOwnership(model);
     return writeWhole(staged.fd(), contents) && staged.moveIn();
 }
 
-void removeLeftovers(const Place& place)
+void removeLeftovers(const PathAt& path)
 {
-    const QByteArray prefix = place.name + kStagedInfix;
-    for (const QByteArray& name : entries(place.directory.get(), S_IFREG).value_or(QList<QByteArray>())) {
+    const QByteArray prefix = path.name + kStagedInfix;
+    for (const QByteArray& name : entries(path.directory.get(), EntryType::File).value_or(QList<QByteArray>())) {
         if (!name.startsWith(prefix) || !isNobodyElses(name.sliced(prefix.size())))
             continue;
         // The lock tells those that only seem to be: in another container, a process lives under another number.
-        const UniqueFd fd = openAt(place.directory.get(), name, O_RDONLY);
+        const UniqueFd fd = openAt(path.directory.get(), name, O_RDONLY);
         if (fd.isValid() && canLock(fd.get()))
-            ::unlinkat(place.directory.get(), name.constData(), 0);
+            ::unlinkat(path.directory.get(), name.constData(), 0);
     }
 }
 
-void removeTemporaryFiles(const Place& place)
+void removeTemporaryFiles(const PathAt& path)
 {
     constexpr qsizetype kLetters = 6;
-    const int directory = place.directory.get();
-    const QByteArray prefix = place.name + '.';
-    for (const QByteArray& name : entries(directory, S_IFREG).value_or(QList<QByteArray>())) {
+    const int directory = path.directory.get();
+    const QByteArray prefix = path.name + '.';
+    for (const QByteArray& name : entries(directory, EntryType::File).value_or(QList<QByteArray>())) {
         if (!name.startsWith(prefix) || name.size() != prefix.size() + kLetters)
             continue;
         const QByteArrayView letters = QByteArrayView(name).last(kLetters);

@@ -1,7 +1,7 @@
 // Files that come into being whole and at once: written under a name of their own, then renamed.
 #pragma once
 
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 
 #include <QtCore/QByteArray>
 
@@ -14,8 +14,8 @@ inline constexpr char kStagedInfix[] = ".new.";
 class StagedFile
 {
 public:
-    /// Makes the file, after removeLeftovers().
-    explicit StagedFile(const Place& place);
+    /// Makes the file beside @p path, which outlives it, after removeLeftovers().
+    explicit StagedFile(const PathAt& path);
     StagedFile(const StagedFile&) = delete;
     StagedFile& operator=(const StagedFile&) = delete;
     ~StagedFile();
@@ -25,23 +25,22 @@ public:
     int fd() const { return m_fd.get(); }
 
     /// Gives it the owner and the permissions of the open file @p other, as far as this process may.
-    void takeAfter(int other) const;
+    void copyOwnership(int other) const;
 
-    /// @{ Moves it to its place: there, nothing must be; or whatever is there gives way.
+    /// @{ Moves it to its place: nothing must be there; or whatever is there gives way.
     bool moveIn();
     bool moveOver();
     /// @}
-    /// Lets it and what is at its place change their names at once; where the file system cannot do that, moves it
-    /// over.
+    /// Exchanges its name with that of what is at its place; where the file system cannot do that, moves it over.
     bool exchange();
 
-    /// Opens what an exchange has brought under the name that this file had, for reading and writing.
+    /// Opens for changes what an exchange has brought under the name that this file had.
     UniqueFd openExchanged() const;
-    /// Whether that is the open file @p fd, or nothing, as the file at the place was moved over.
+    /// Whether that is the open file @p fd, or nothing, as this file was moved over the other.
     bool isExchangedFor(int fd) const;
 
 private:
-    const Place& m_place;
+    const PathAt& m_path;
     const QByteArray m_name;
     UniqueFd m_fd;
     bool m_isNamed = false;
@@ -54,24 +53,22 @@ private:
  * replaced, nor what may not be written. On failure errno tells why.
  */
 bool replaceFile(const QByteArray& path, const QByteArray& contents);
-
-/// The same at a place.
-bool replaceFile(const Place& place, const QByteArray& contents);
+bool replaceFile(const PathAt& path, const QByteArray& contents);
 
 /// Makes the file @p path with @p contents, whole and on disk, and with the owner and the permissions of the open file
 /// @p model; false, with errno EEXIST, when anything has that name.
 bool createFile(const QByteArray& path, const QByteArray& contents, int model);
 
-/// Removes the staged files that killed processes have left for @p place.
-void removeLeftovers(const Place& place);
+/// Removes the staged files that killed processes have left for @p path.
+void removeLeftovers(const PathAt& path);
 
 /**
- * Removes what killed writers of earlier versions have left beside @p place, under its name with a dot and six random
+ * Removes what killed writers of earlier versions have left beside @p path, under its name with a dot and six random
  * letters. Nobody may be writing there.
  *
  * Somebody may have given a copy such a name, too: one that is a word, of one case or with a capital, goes only when it
  * is empty.
  */
-void removeTemporaryFiles(const Place& place);
+void removeTemporaryFiles(const PathAt& path);
 
 } // namespace zyn::posix

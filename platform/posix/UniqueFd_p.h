@@ -1,11 +1,22 @@
-// A file descriptor that closes itself.
+// A file descriptor that closes itself, and system calls that a signal may interrupt.
 #pragma once
+
+#include <cerrno>
+#include <utility>
 
 #include <unistd.h>
 
-#include <utility>
-
 namespace zyn::posix {
+
+/// Calls @p call again for as long as a signal interrupts it.
+template<typename Call>
+auto retry(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
 
 /// Owns one descriptor, or none (-1).
 class UniqueFd

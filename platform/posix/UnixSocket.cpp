@@ -1,13 +1,13 @@
 // Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
 #include "platform/posix/UnixSocket_p.h"
 
-#include "platform/posix/File_p.h"
-#include "platform/posix/Retry_p.h"
+#include "platform/posix/PathAt_p.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 #include <linux/sockios.h>
 #include <poll.h>
@@ -32,6 +32,21 @@ timeval toTimeval(milliseconds time)
 bool isPassing()
 {
     return errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS || errno == ENOMEM;
+}
+
+bool waitFor(int fd, short events, Clock::time_point deadline)
+{
+    // poll() would skip a negative descriptor and only wait.
+    while (fd >= 0) {
+        const auto left = ceil<milliseconds>(deadline - Clock::now()).count();
+        pollfd entry = {fd, events, 0};
+        const int ready = ::poll(&entry, 1, static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000)));
+        if (ready > 0)
+            return true;
+        if ((ready < 0 && errno != EINTR) || Clock::now() >= deadline)
+            return false;
+    }
+    return false;
 }
 
 } // namespace
@@ -60,6 +75,18 @@ void limitSends(int fd, milliseconds timeout)
 {
     const timeval limit = toTimeval(timeout);
     ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+}
+
+void setBufferSizes(int fd, int toSend, int received)
+{
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &toSend, sizeof toSend);
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &received, sizeof received);
+}
+
+void dropOnClose(int fd)
+{
+    const linger atOnce = {1, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
 
 UniqueFd connectUnix(const QByteArray& path, milliseconds timeout)
@@ -145,27 +172,27 @@ bool isPeerTrusted(int fd)
     return peer && isTrustedUser(peer->uid);
 }
 
-bool isHungUp(int fd)
+bool waitUntilReadable(int fd, Clock::time_point deadline)
 {
-    pollfd entry = {fd, 0, 0};
-    return ::poll(&entry, 1, 0) > 0;
+    return waitFor(fd, POLLIN, deadline);
 }
 
-bool waitFor(int fd, short events, Clock::time_point deadline)
+bool waitUntilWritable(int fd, Clock::time_point deadline)
 {
-    // poll would skip a negative descriptor and only wait.
-    while (fd >= 0) {
-        const auto left = ceil<milliseconds>(deadline - Clock::now()).count();
-        pollfd entry = {fd, events, 0};
-        const int ready = ::poll(&entry, 1, static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000)));
-        if (ready > 0)
-            return true;
-        if (ready < 0 && errno != EINTR)
-            return false;
-        if (Clock::now() >= deadline)
-            return false;
-    }
-    return false;
+    return waitFor(fd, POLLOUT, deadline);
+}
+
+bool waitUntilClosed(int fd, Clock::time_point deadline)
+{
+    return waitFor(fd, 0, deadline);
+}
+
+void waitUntilAnyWritable(std::span<const int> descriptors, milliseconds timeout)
+{
+    std::vector<pollfd> waiting;
+    for (const int fd : descriptors)
+        waiting.push_back({fd, POLLOUT, 0});
+    ::poll(waiting.data(), waiting.size(), static_cast<int>(timeout.count()));
 }
 
 ssize_t sendSome(int fd, std::span<iovec> blocks)
@@ -179,8 +206,8 @@ ssize_t sendSome(int fd, std::span<iovec> blocks)
 
 bool isAllReceived(int fd)
 {
-    int left = 0;
-    return ::ioctl(fd, SIOCOUTQ, &left) != 0 || left == 0;
+    int unread = 0;
+    return ::ioctl(fd, SIOCOUTQ, &unread) != 0 || unread == 0;
 }
 
 ssize_t receiveSome(int fd, std::span<std::byte> buffer)
@@ -194,7 +221,7 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
     while (!first.empty() || !second.empty()) {
         std::array<iovec, 2> blocks{toIovec(first), toIovec(second)};
         const ssize_t n = sendSome(fd, blocks);
-        if (n < 0 || (n == 0 && !waitFor(fd, POLLOUT, deadline)))
+        if (n < 0 || (n == 0 && !waitUntilWritable(fd, deadline)))
             return false;
         const size_t fromFirst = std::min(first.size(), static_cast<size_t>(n));
         first = first.subspan(fromFirst);
@@ -230,7 +257,7 @@ bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
 {
     while (!buffer.empty()) {
         const ssize_t n = receiveSome(fd, buffer);
-        if (n == 0 || (n < 0 && !waitFor(fd, POLLIN, deadline)))
+        if (n == 0 || (n < 0 && !waitUntilReadable(fd, deadline)))
             return false;
         buffer = buffer.subspan(static_cast<size_t>(std::max<ssize_t>(n, 0)));
     }

@@ -37,8 +37,14 @@ UnixAddress unixAddress(const QByteArray& path);
 /// A new stream socket, closed on exec; @p flags may add SOCK_NONBLOCK.
 UniqueFd unixSocket(int flags = 0);
 
-/// Lets what is sent over the socket, and its connecting, wait for at most @p timeout.
+/// Limits to @p timeout how long the socket waits to connect, and to send.
 void limitSends(int fd, std::chrono::milliseconds timeout);
+
+/// How many bytes the kernel keeps for the socket in each direction. A kernel that refuses changes no result.
+void setBufferSizes(int fd, int toSend, int received);
+
+/// The socket's close waits for nothing, and drops what was not received.
+void dropOnClose(int fd);
 
 /**
  * Connects to the stream socket at @p path.
@@ -65,21 +71,24 @@ bool isBound(const QByteArray& path);
 /// from it never waits.
 UniqueFd listenUnix(const QByteArray& path, mode_t mode);
 
-/// The next connection that waits at @p listener, non-blocking; none when none waits or errno tells of a shortage.
+/// The next connection that waits at @p listener, non-blocking; none when none waits or errno names a shortage.
 UniqueFd acceptConnection(int listener);
 
-/// The process at the other end of a connection; nothing when the kernel does not tell.
+/// The process at the other end of a connection; nothing when the kernel does not know.
 std::optional<ucred> peerOf(int fd);
 
 /// Whether the process at the other end runs as this process's user or as root.
 bool isPeerTrusted(int fd);
 
-/// Whether the other end of a connection is closed.
-bool isHungUp(int fd);
+/// @{ Waits until @p fd can be read from, can be written to, or is closed by its peer, which ends the first two as
+/// well; false when @p deadline has passed first, and at once for a negative descriptor.
+bool waitUntilReadable(int fd, Clock::time_point deadline);
+bool waitUntilWritable(int fd, Clock::time_point deadline);
+bool waitUntilClosed(int fd, Clock::time_point deadline);
+/// @}
 
-/// Waits until @p fd has one of the poll @p events or is closed by its peer; false when @p deadline has passed first,
-/// and at once for a negative descriptor.
-bool waitFor(int fd, short events, Clock::time_point deadline);
+/// Waits until one of @p descriptors can be written to, at most for @p timeout. Negative ones are passed over.
+void waitUntilAnyWritable(std::span<const int> descriptors, std::chrono::milliseconds timeout);
 
 /// The block as a part of a transfer, which only reads it.
 iovec toIovec(std::span<const std::byte> bytes);
@@ -98,21 +107,20 @@ ssize_t receiveSome(int fd, std::span<std::byte> buffer);
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.
 bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte> second, Clock::time_point deadline);
 
-/// Ends both directions of a connection whose descriptor stays open: its end is the next thing to be read, behind what
-/// has come already.
+/// Ends both directions of a connection whose descriptor stays open. What has arrived can still be read, then the end.
 void shutDown(int fd);
+
+/// Ends the sending direction: the peer reads what was sent, then the end.
+void endSending(int fd);
 
 /// What has become of what was sent on a connection.
 enum class Delivery {
     Pending, ///< the peer has yet to read some of it
-    Read,    ///< all of it
+    Read,    ///< the peer has read all of it
     Lost,    ///< the connection ended before the peer had read it
 };
 
-/// Ends the sending direction, behind what was sent already: the peer reads its end there.
-void endSending(int fd);
-
-/// Tells of a connection on which the peer has nothing to say. Its end, or anything it says, makes @p fd readable.
+/// How far a peer that has nothing to say has read. Its end, or anything it says, makes @p fd readable.
 Delivery deliveryOn(int fd);
 
 /// Fills @p buffer before @p deadline; false when the peer closes or stays silent first.

@@ -1,9 +1,11 @@
 // Where the listeners of a channel are found.
 #include "platform/qcop/ChannelDirectory_p.h"
 
-#include "platform/posix/PrivateDirectory_p.h"
+#include "platform/posix/Directory_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -12,12 +14,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
-#include <ctime>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zyn {
 namespace {
@@ -28,16 +24,15 @@ constexpr qsizetype kFileNameLimit = 200;
 constexpr mode_t kUnfinished = 0200;
 constexpr mode_t kFinished = 0600;
 /// An unfinished socket is nobody's for a moment while it is bound, after which it seems dead only when it is.
-constexpr qint64 kUnfinishedSeconds = 10;
+constexpr std::chrono::seconds kUnfinishedTime{10};
 /// A process looks at all listeners for it at most so often.
 constexpr std::chrono::seconds kCleanInterval{1};
 /// Begins the file name of a channel whose own name does not fit; never occurs in one that does.
 constexpr char kHashMark = '=';
 constexpr char kEncodingMark = '%';
 
-/// The channel's name as a file name: percent-encoded, the dot too, which may hide a file or leave the
-/// directory.
-QByteArray fileName(const QCString& channel)
+/// The channel's name as a file name: percent-encoded, the dot too, which may hide a file or leave the directory.
+QByteArray fileName(const QByteArray& channel)
 {
     QByteArray encoded = channel.toPercentEncoding({}, ".");
     if (encoded.size() <= kFileNameLimit)
@@ -69,10 +64,10 @@ QByteArray ChannelEnvironment::root() const
         return channelPath.startsWith('/') ? cleanPath(channelPath) : QByteArray();
     if (!runtimePath.isEmpty()) {
         const QByteArray path = cleanPath(runtimePath);
-        const bool isUsable = path.startsWith('/') && posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+        const bool isUsable = path.startsWith('/') && posix::openPrivateDirectory(path).isValid();
         return isUsable ? path + "/zynqcop" : QByteArray();
     }
-    return "/tmp/zynqcop-" + QByteArray::number(::geteuid());
+    return "/tmp/zynqcop-" + QByteArray::number(posix::currentUser());
 }
 
 ChannelDirectory::ChannelDirectory(posix::UniqueFd root, QByteArray name)
@@ -89,15 +84,15 @@ std::optional<ChannelDirectory> ChannelDirectory::openEntry(posix::UniqueFd root
     return directory;
 }
 
-std::optional<ChannelDirectory> ChannelDirectory::open(const QByteArray& root, const QCString& channel)
+std::optional<ChannelDirectory> ChannelDirectory::open(const QByteArray& root, const QByteArray& channel)
 {
-    posix::UniqueFd fd = posix::openPrivateDirectory(AT_FDCWD, root);
+    posix::UniqueFd fd = posix::openPrivateDirectory(root);
     if (!fd.isValid())
         return std::nullopt;
     return openEntry(std::move(fd), fileName(channel));
 }
 
-std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, const QCString& channel)
+std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, const QByteArray& channel)
 {
     posix::makePrivateDirectory(makeRoot(root).get(), fileName(channel));
     return open(root, channel);
@@ -105,15 +100,16 @@ std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, c
 
 posix::UniqueFd ChannelDirectory::makeRoot(const QByteArray& root)
 {
-    return posix::makePrivateDirectory(AT_FDCWD, root);
+    return posix::makePrivateDirectory(root);
 }
 
-QList<QCString> ChannelDirectory::channels(const QByteArray& root)
+QList<QByteArray> ChannelDirectory::channels(const QByteArray& root)
 {
-    QList<QCString> result;
-    const posix::UniqueFd directory = posix::openPrivateDirectory(AT_FDCWD, root);
-    for (const QByteArray& name : posix::entries(directory.get(), S_IFDIR).value_or(QList<QByteArray>())) {
-        const QCString channel = QCString::fromPercentEncoding(name);
+    QList<QByteArray> result;
+    const posix::UniqueFd directory = posix::openPrivateDirectory(root);
+    for (const QByteArray& name :
+         posix::entries(directory.get(), posix::EntryType::Directory).value_or(QList<QByteArray>())) {
+        const QByteArray channel = QByteArray::fromPercentEncoding(name);
         if (fileName(channel) == name)
             result.append(channel);
     }
@@ -128,11 +124,12 @@ void ChannelDirectory::clean(const QByteArray& root)
     if (now.count() < next.exchange((now + kCleanInterval).count()))
         return;
     // The directory is one that the user has named: what might be something else of his stays.
-    const posix::UniqueFd fd = posix::openPrivateDirectory(AT_FDCWD, root);
-    for (const QByteArray& entry : posix::entries(fd.get(), S_IFDIR).value_or(QList<QByteArray>())) {
+    const posix::UniqueFd fd = posix::openPrivateDirectory(root);
+    for (const QByteArray& entry :
+         posix::entries(fd.get(), posix::EntryType::Directory).value_or(QList<QByteArray>())) {
         if (isHidden(entry))
             continue;
-        const auto directory = openEntry(posix::openPrivateDirectory(AT_FDCWD, root), entry);
+        const auto directory = openEntry(posix::openPrivateDirectory(root), entry);
         if (!directory)
             continue;
         bool isChannel = entry.contains(kEncodingMark) || entry.startsWith(kHashMark);
@@ -143,14 +140,14 @@ void ChannelDirectory::clean(const QByteArray& root)
     }
 }
 
-QByteArray ChannelDirectory::path(const QByteArray& root, const QCString& channel)
+QByteArray ChannelDirectory::path(const QByteArray& root, const QByteArray& channel)
 {
     return root + '/' + fileName(channel);
 }
 
 std::optional<QList<QByteArray>> ChannelDirectory::listeners() const
 {
-    auto names = posix::entries(fd(), S_IFSOCK);
+    auto names = posix::entries(fd(), posix::EntryType::Socket);
     if (names)
         names->removeIf(&isHidden);
     return names;
@@ -163,7 +160,7 @@ posix::UniqueFd ChannelDirectory::listenAs(const QByteArray& name) const
     posix::UniqueFd socket = posix::listenUnix(fits ? path : posix::pathThrough(fd(), name), kUnfinished);
     // Senders notice the new mode; what was refused until then is no dead listener. Changed through the directory, it
     // also tells that the path has led nowhere else.
-    if (!socket.isValid() || ::fchmodat(fd(), name.constData(), kFinished, 0) != 0) {
+    if (!socket.isValid() || !posix::setEntryMode(fd(), name, kFinished)) {
         remove(name);
         return {};
     }
@@ -177,13 +174,12 @@ posix::UniqueFd ChannelDirectory::connectTo(const QByteArray& name) const
 
 bool ChannelDirectory::removeIfDead(const QByteArray& name) const
 {
-    struct stat status = {};
-    if (::fstatat(fd(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    const std::optional<posix::EntryStatus> status = posix::entryStatus(fd(), name);
+    if (!status)
         return false;
     // Its process's number does not tell: where others number processes in their own way, a living one looks dead.
-    const bool isUnfinished = (status.st_mode & ~mode_t{S_IFMT}) == kUnfinished;
-    const qint64 age = qint64{::time(nullptr)} - qint64{status.st_ctime};
-    if ((isUnfinished && std::abs(age) < kUnfinishedSeconds) || posix::isBound(posix::pathThrough(fd(), name)))
+    const bool isUnfinished = status->permissions == kUnfinished && std::chrono::abs(status->age) < kUnfinishedTime;
+    if (isUnfinished || posix::isBound(posix::pathThrough(fd(), name)))
         return false;
     remove(name);
     return true;
@@ -191,17 +187,24 @@ bool ChannelDirectory::removeIfDead(const QByteArray& name) const
 
 void ChannelDirectory::remove(const QByteArray& name) const
 {
-    ::unlinkat(fd(), name.constData(), 0);
+    posix::removeEntry(fd(), name);
+}
+
+std::optional<posix::FileId> ChannelDirectory::fileOf(const QByteArray& name) const
+{
+    const std::optional<posix::EntryStatus> status = posix::entryStatus(fd(), name);
+    return status ? std::optional(status->id) : std::nullopt;
 }
 
 void ChannelDirectory::removeIfEmpty() const
 {
-    ::unlinkat(m_root.get(), m_name.constData(), AT_REMOVEDIR);
+    posix::removeEmptyDirectory(m_root.get(), m_name);
 }
 
 QByteArray ChannelDirectory::newName()
 {
-    return QByteArray::number(::getpid()) + '-' + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
+    return QByteArray::number(QCoreApplication::applicationPid()) + '-'
+           + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
 }
 
 pid_t ChannelDirectory::owner(const QByteArray& name)

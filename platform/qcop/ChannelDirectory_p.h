@@ -1,8 +1,7 @@
 // Where the listeners of a channel are found.
 #pragma once
 
-#include "platform/QCString.h"
-#include "platform/posix/UniqueFd_p.h"
+#include "platform/posix/File_p.h"
 
 #include <QtCore/QList>
 
@@ -21,10 +20,9 @@ struct ChannelEnvironment
     static ChannelEnvironment current();
     bool operator==(const ChannelEnvironment&) const = default;
 
-    /// The directory that ZYN_QCOP_PATH names, else "zynqcop" in XDG_RUNTIME_DIR, else one named after the
-    /// user in /tmp. A set variable is binding, so that no two processes with the same environment ever
-    /// differ: empty when it is not absolute, or while the runtime directory is missing or not the user's
-    /// alone.
+    /// The directory that ZYN_QCOP_PATH names, else "zynqcop" in XDG_RUNTIME_DIR, else one named after the user in
+    /// /tmp. A set variable is binding, so that no two processes with the same environment ever differ: empty when it
+    /// is not absolute, or while the runtime directory is missing or not the user's alone.
     QByteArray root() const;
 };
 
@@ -41,20 +39,19 @@ class ChannelDirectory
 public:
     /// Opens the directory of @p channel under @p root; nothing when either is missing, with errno ENOENT, or may not
     /// be used.
-    static std::optional<ChannelDirectory> open(const QByteArray& root, const QCString& channel);
+    static std::optional<ChannelDirectory> open(const QByteArray& root, const QByteArray& channel);
     /// The same; what is missing is made first.
-    static std::optional<ChannelDirectory> make(const QByteArray& root, const QCString& channel);
+    static std::optional<ChannelDirectory> make(const QByteArray& root, const QByteArray& channel);
     /// The directory in which the channels' are, open and made when missing; none when it may not be used.
     static posix::UniqueFd makeRoot(const QByteArray& root);
-    /// The channels that have a directory, sorted. One whose name is too long to be told from its directory
-    /// is left out.
-    static QList<QCString> channels(const QByteArray& root);
+    /// The channels that have a directory, sorted, without those of names too long for a directory's.
+    static QList<QByteArray> channels(const QByteArray& root);
     /// Removes what listeners under @p root have left that were killed: their sockets, and directories without any.
     /// Does so at most once a second in a process, so that thousands of listeners do not look at each other.
     static void clean(const QByteArray& root);
 
     /// Where the directory of @p channel under @p root is, or would be.
-    static QByteArray path(const QByteArray& root, const QCString& channel);
+    static QByteArray path(const QByteArray& root, const QByteArray& channel);
 
     int fd() const { return m_fd.get(); }
 
@@ -62,13 +59,14 @@ public:
     std::optional<QList<QByteArray>> listeners() const;
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
-    /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED
-    /// when it is dead or does not listen yet, ENOENT when it has gone, EAGAIN when too many connections wait to be
-    /// accepted.
+    /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED when it is
+    /// dead or does not listen yet, ENOENT when it has gone, EAGAIN when too many connections wait to be accepted.
     posix::UniqueFd connectTo(const QByteArray& name) const;
     /// Removes the socket of a listener that is certainly dead; whether it was.
     bool removeIfDead(const QByteArray& name) const;
     void remove(const QByteArray& name) const;
+    /// The socket's file of the listener @p name; nothing when there is none.
+    std::optional<posix::FileId> fileOf(const QByteArray& name) const;
     /// Removes the directory itself, unless anything is in it.
     void removeIfEmpty() const;
 

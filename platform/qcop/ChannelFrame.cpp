@@ -23,7 +23,7 @@ std::span<const std::byte> bytes(QByteArrayView view)
 /// Whether the lengths add up to a message that may be sent. Their sum cannot overflow: each is 32 bits wide.
 bool isMessageSize(uint64_t nameSize, uint64_t dataSize)
 {
-    return nameSize > 0 && nameSize + dataSize <= uint64_t{zyn::kMessageLimit};
+    return nameSize > 0 && nameSize + dataSize <= uint64_t{kMessageLimit};
 }
 
 } // namespace
@@ -68,7 +68,7 @@ void ChannelFrameReader::add(qsizetype size)
     m_filled += size;
 }
 
-bool ChannelFrameReader::next(QCString& name, QByteArray& data)
+bool ChannelFrameReader::next(QByteArray& name, QByteArray& data)
 {
     const QByteArrayView rest = QByteArrayView(m_buffer).sliced(m_offset, m_filled - m_offset);
     if (m_isBroken || rest.size() < ChannelFrame::kHeaderSize) {

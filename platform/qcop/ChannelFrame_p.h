@@ -9,8 +9,6 @@
 // nothing. The channel is not named: each listener has a socket of its own, in the channel's directory.
 #pragma once
 
-#include "platform/QCString.h"
-
 #include <QtCore/QByteArray>
 
 #include <array>
@@ -47,7 +45,7 @@ private:
     QByteArrayView m_data;
 };
 
-/// Takes messages out of a connection's bytes, in whatever pieces they come. Holds no more than has come.
+/// Finds the messages in a connection's bytes, in whatever pieces they come. Holds no more than has arrived.
 class ChannelFrameReader
 {
 public:
@@ -55,11 +53,11 @@ public:
     std::span<std::byte> room();
     void add(qsizetype size);
 
-    /// Takes the next message; false when none is complete.
-    bool next(QCString& name, QByteArray& data);
+    /// Removes the next message; false when none is complete.
+    bool next(QByteArray& name, QByteArray& data);
     /// Whether bytes are left, of a message that is complete or not.
     bool hasMore() const { return m_offset < m_filled; }
-    /// Whether what came is no frame. No message follows then.
+    /// Whether what arrived is no frame. No message follows then.
     bool isBroken() const { return m_isBroken; }
 
 private:
@@ -68,7 +66,7 @@ private:
     QByteArray m_buffer;
     qsizetype m_offset = 0; ///< what has been read of the buffer
     qsizetype m_filled = 0; ///< what has been added; the rest is room
-    QCString m_lastName;    ///< shared by messages of the same name in a row
+    QByteArray m_lastName;  ///< shared by messages of the same name in a row
     bool m_isBroken = false;
 };
 

@@ -1,23 +1,217 @@
-// A sender's view of one channel: all its listeners.
+// The sending end of a channel: the connections to its listeners.
 #include "platform/qcop/ChannelPeers_p.h"
 
-#include "platform/posix/DirectoryWatch_p.h"
+#include "platform/posix/UnixSocket_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
+#include "platform/qcop/ChannelFrame_p.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace zyn {
 namespace {
 
+/// How much is gathered before it is written: large writes stop paying off beyond it.
+constexpr qsizetype kGatherSize = qsizetype{64} * 1024;
+/// The most memory that is kept while nothing is pending.
+constexpr qsizetype kIdleQueue = 4 * kGatherSize;
+/// How often a listener too busy to accept is tried again.
+constexpr std::chrono::milliseconds kRetryInterval{20};
 /// How many messages of one turn are written at once. What is gathered is late when the turn takes long, and lost when
 /// the process dies in it, so that it must be worth it.
 constexpr unsigned kAtOnce = 16;
 
 } // namespace
 
-ChannelPeers::ChannelPeers(const QByteArray& root, const QCString& channel, posix::DirectoryWatch& watch,
+ChannelPeer::ChannelPeer(const QByteArray& root, const QByteArray& channel, const QByteArray& name,
+                         ChannelConnections& all)
+    : m_root(root)
+    , m_channel(channel)
+    , m_name(name)
+    , m_generation(posix::forkGeneration())
+    , m_all(all)
+    , m_nextFlush(kGatherSize)
+{}
+
+ChannelPeer::~ChannelPeer()
+{
+    disconnect();
+}
+
+ChannelPeer::Result ChannelPeer::send(const ChannelFrame& frame, bool gather)
+{
+    // A lost connection does not tell whether the listener is dead; whether a new one is refused does.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const Link state = link();
+        if (state == Link::Gone)
+            return Result::Gone;
+        if (state == Link::Failed || !makeRoom(frame))
+            return Result::Missed;
+        if (put(frame, gather))
+            return Result::Accepted;
+    }
+    return Result::Missed;
+}
+
+/// Makes the connection unless there is one.
+ChannelPeer::Link ChannelPeer::link()
+{
+    return m_fd ? Link::Open : connect();
+}
+
+ChannelPeer::Link ChannelPeer::connect()
+{
+    const auto directory = ChannelDirectory::open(m_root, m_channel);
+    if (!directory)
+        return errno == ENOENT ? Link::Gone : Link::Failed;
+    int error = 0;
+    m_fd.emplace([&] {
+        posix::UniqueFd fd = directory->connectTo(m_name);
+        error = fd.isValid() ? 0 : errno;
+        return fd;
+    });
+    if (m_fd->isValid() && posix::isPeerTrusted(fd())) {
+        ++m_all.count;
+        return Link::Open;
+    }
+    m_fd.reset();
+    switch (error) {
+    case ECONNREFUSED:
+        // One that does not listen yet is found again when it does.
+        if (directory->removeIfDead(m_name))
+            directory->removeIfEmpty();
+        return Link::Gone;
+    case ENOENT:
+        return Link::Gone;
+    case EAGAIN:
+        return Link::Waiting;
+    default:
+        return Link::Failed;
+    }
+}
+
+/// Whether the message fits into what may wait, if need be after a write.
+bool ChannelPeer::makeRoom(const ChannelFrame& frame)
+{
+    const auto fits = [&] { return !isPending() || m_queue.size() + frame.size() <= kQueueLimit; };
+    if (!fits() && m_fd)
+        flush();
+    return fits();
+}
+
+/// Writes or keeps the message; false when the connection turns out to be lost.
+bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
+{
+    const bool isConnected = m_fd.has_value();
+    if (isConnected && !isPending() && !gather)
+        return putAtOnce(frame);
+    frame.appendTo(m_queue);
+    notePending();
+    if (isConnected && (!gather || m_queue.size() >= m_nextFlush))
+        flush();
+    return m_fd.has_value() == isConnected;
+}
+
+bool ChannelPeer::putAtOnce(const ChannelFrame& frame)
+{
+    auto blocks = frame.blocks();
+    const ssize_t n = posix::sendSome(fd(), blocks);
+    if (n < 0) {
+        disconnect();
+        return false;
+    }
+    frame.appendTo(m_queue, n);
+    notePending();
+    return true;
+}
+
+void ChannelPeer::flush()
+{
+    if (!isPending())
+        return;
+    if (const Link state = link(); state != Link::Open) {
+        if (state == Link::Gone)
+            disconnect();
+        return;
+    }
+    std::array blocks{posix::toIovec(std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))))};
+    const ssize_t n = posix::sendSome(fd(), blocks);
+    if (n < 0)
+        return disconnect();
+    m_queue.remove(0, n);
+    notePending();
+    if (!isPending() && m_queue.capacity() > kIdleQueue)
+        m_queue = QByteArray();
+    m_nextFlush = m_queue.size() + kGatherSize;
+}
+
+void ChannelPeer::flushFromLoop()
+{
+    if (m_generation != posix::forkGeneration()) // a forked child's loop: what waits here is its parent's
+        return disconnect();
+    flush();
+    const bool isConnected = m_fd.has_value();
+    if (isPending() && isConnected && !m_notifier) {
+        m_notifier = std::make_unique<QSocketNotifier>(fd(), QSocketNotifier::Write);
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { flushFromLoop(); });
+    }
+    if (m_notifier)
+        m_notifier->setEnabled(isPending());
+    if (isPending() && !isConnected)
+        retryFromLoop();
+}
+
+void ChannelPeer::retryFromLoop()
+{
+    if (!m_retry) {
+        m_retry = std::make_unique<QTimer>();
+        m_retry->setSingleShot(true);
+        m_retry->callOnTimeout([this] { flushFromLoop(); });
+    }
+    m_retry->start(kRetryInterval);
+}
+
+void ChannelPeer::leaveLoop()
+{
+    m_notifier.reset();
+    m_retry.reset();
+}
+
+bool ChannelPeer::isIdle() const
+{
+    return !isPending() && (!m_fd || posix::isAllReceived(fd()));
+}
+
+bool ChannelPeer::isAlive() const
+{
+    return m_fd && !posix::waitUntilClosed(fd(), posix::Clock::now());
+}
+
+void ChannelPeer::disconnect()
+{
+    m_notifier.reset();
+    m_queue = QByteArray();
+    notePending();
+    m_nextFlush = kGatherSize;
+    if (m_fd)
+        --m_all.count;
+    m_fd.reset();
+}
+
+void ChannelPeer::notePending()
+{
+    if (isPending() == m_pendingPlace.has_value())
+        return;
+    if (m_pendingPlace)
+        m_all.pending.erase(*m_pendingPlace);
+    m_pendingPlace.reset();
+    if (isPending())
+        m_pendingPlace = m_all.pending.insert(m_all.pending.end(), this);
+}
+
+ChannelPeers::ChannelPeers(const QByteArray& root, const QByteArray& channel, posix::DirectoryWatch& watch,
                            ChannelConnections& connections)
     : m_root(root)
     , m_channel(channel)
@@ -43,13 +237,13 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn)
         m_sentInTurn = 0;
     const bool gather = turn != 0 && m_sentInTurn >= kAtOnce;
     m_sentInTurn = std::min(m_sentInTurn + 1, kAtOnce);
-    bool isTaken = true;
+    bool isAccepted = true;
     for (auto it = m_peers.begin(); it != m_peers.end();) {
-        const auto result = it->second.take(frame, gather);
-        isTaken = isTaken && result != ChannelPeer::Result::Missed;
+        const auto result = it->second.send(frame, gather);
+        isAccepted = isAccepted && result != ChannelPeer::Result::Missed;
         it = result == ChannelPeer::Result::Gone ? m_peers.erase(it) : std::next(it);
     }
-    return isTaken;
+    return isAccepted;
 }
 
 bool ChannelPeers::isIdle() const

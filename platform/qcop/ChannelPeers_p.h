@@ -1,26 +1,106 @@
-// A sender's view of one channel: all its listeners.
+// The sending end of a channel: the connections to its listeners.
 #pragma once
 
-#include "platform/QCString.h"
-#include "platform/qcop/ChannelPeer_p.h"
+#include "platform/posix/DirectoryWatch_p.h"
+#include "platform/posix/ForkLocalFd_p.h"
 
+#include <QtCore/QByteArray>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+
+#include <cstddef>
+#include <list>
 #include <map>
+#include <memory>
+#include <optional>
 
 namespace zyn {
 
-namespace posix {
-class DirectoryWatch;
-}
+class ChannelFrame;
+class ChannelPeer;
 
-/// The listeners of one channel as one sending thread knows them. Their list is read again whenever it may
-/// have changed.
+/// What the connections of one sending thread have in common.
+struct ChannelConnections
+{
+    std::list<ChannelPeer*> pending; ///< those with something to send
+    size_t count = 0;                ///< the open ones
+};
+
+/**
+ * Keeps the connection to one listener, and in order what is yet to be sent to it.
+ *
+ * Nothing here waits. A listener for which kQueueLimit bytes wait misses what does not fit, until it has read some of
+ * them; what was accepted stays in order and follows.
+ */
+class ChannelPeer
+{
+public:
+    /// The most bytes that wait in memory for one listener, unless a single message is larger.
+    static constexpr qsizetype kQueueLimit = qsizetype{16} * 1024 * 1024;
+
+    enum class Result {
+        Accepted, ///< the listener got or will get the message
+        Missed,   ///< it will not
+        Gone,     ///< there is no such listener any more
+    };
+
+    /// The listener @p name of @p channel, whose directory is under @p root. Connects with the first message.
+    ChannelPeer(const QByteArray& root, const QByteArray& channel, const QByteArray& name, ChannelConnections& all);
+    ChannelPeer(const ChannelPeer&) = delete;
+    ChannelPeer& operator=(const ChannelPeer&) = delete;
+    ~ChannelPeer();
+
+    /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large write.
+    Result send(const ChannelFrame& frame, bool gather);
+    /// Writes what the socket takes of what is kept.
+    void flush();
+    /// Lets the calling thread's event loop write what is kept as soon as the listener takes it.
+    void flushFromLoop();
+    /// Needs no event loop from now on.
+    void leaveLoop();
+    bool isPending() const { return !m_queue.isEmpty(); }
+    /// Whether the listener has received all. Only then may the connection be given up: what is sent over another would
+    /// overtake what has not been received.
+    bool isIdle() const;
+    /// Whether a listener that cannot be found any more still receives what is sent to it.
+    bool isAlive() const;
+    /// The connection; -1 while there is none.
+    int fd() const { return m_fd ? m_fd->get() : -1; }
+
+private:
+    enum class Link { Open, Waiting, Failed, Gone };
+
+    Link link();
+    Link connect();
+    bool makeRoom(const ChannelFrame& frame);
+    bool put(const ChannelFrame& frame, bool gather);
+    bool putAtOnce(const ChannelFrame& frame);
+    void retryFromLoop();
+    void disconnect();
+    void notePending();
+
+    const QByteArray m_root;
+    const QByteArray m_channel;
+    const QByteArray m_name;
+    const unsigned m_generation;
+    ChannelConnections& m_all;
+    std::optional<posix::ForkLocalFd> m_fd; ///< a child's copy would seem to a listener to be a sender that lives
+    std::optional<std::list<ChannelPeer*>::iterator> m_pendingPlace;
+    QByteArray m_queue;
+    qsizetype m_nextFlush;
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< enabled while connected and pending
+    std::unique_ptr<QTimer> m_retry;             ///< runs while pending without a connection
+};
+
+/// The listeners of one channel as one sending thread knows them. Their list is read again whenever it may have
+/// changed.
 class ChannelPeers
 {
 public:
     using Map = std::map<QByteArray, ChannelPeer>;
 
     /// Lives no longer than @p watch and @p connections, which those of other channels share.
-    ChannelPeers(const QByteArray& root, const QCString& channel, posix::DirectoryWatch& watch,
+    ChannelPeers(const QByteArray& root, const QByteArray& channel, posix::DirectoryWatch& watch,
                  ChannelConnections& connections);
     ChannelPeers(const ChannelPeers&) = delete;
     ChannelPeers& operator=(const ChannelPeers&) = delete;
@@ -39,7 +119,7 @@ private:
     bool refresh();
 
     const QByteArray m_root;
-    const QCString m_channel;
+    const QByteArray m_channel;
     posix::DirectoryWatch& m_watch;
     ChannelConnections& m_connections;
     Map m_peers;

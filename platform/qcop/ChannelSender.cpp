@@ -1,19 +1,22 @@
-// What a thread sends on channels.
+// What a thread sends on channels, and its event loop's part in that.
 #include "platform/qcop/ChannelSender_p.h"
 
 #include "platform/posix/ForkLocalFd_p.h"
-#include "platform/qcop/ChannelFrame_p.h"
-#include "platform/qcop/SenderLoop_p.h"
+#include "platform/posix/UnixSocket_p.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
-#include <poll.h>
+#include <pthread.h>
 
 namespace zyn {
 namespace {
 
-/// How often a sender that drains looks after listeners that accept no connection, which poll() cannot wait
+/// How often a sender that drains looks after listeners that accept no connection, which nothing can wait
 /// for.
 constexpr std::chrono::milliseconds kDrainStep{20};
 
@@ -21,16 +24,73 @@ constexpr std::chrono::milliseconds kDrainStep{20};
 constexpr size_t kChannelLimit = 4096;
 /// The part of the process's descriptors that a sender uses for connections.
 constexpr size_t kDescriptorPart = 4;
-/// How many channels a sender looks at to give one up, and how many listeners that have yet to take something it tries
-/// with a message for others: what a message costs must not grow with the number of channels.
+/// How many channels a sender looks at to give one up, and how many listeners with something pending it tries with a
+/// message for others: what a message costs must not grow with the number of channels.
 constexpr int kCandidates = 4;
 constexpr size_t kFlushedWithOthers = 16;
 
+/// How many of the loops that seem to run in this thread are, as far as known, a forking parent's.
+thread_local int t_foreignLoops = 0;
+
+int loopLevel()
+{
+    return QThread::currentThread()->loopLevel();
+}
+
+void followForks()
+{
+    ::pthread_atfork(nullptr, nullptr, [] { t_foreignLoops = loopLevel(); });
+}
+
 } // namespace
 
-ChannelSender::Channel::Channel(ChannelSender& sender, std::list<Place>::iterator place)
-    : recent(place)
-    , peers(place->first, place->second, sender.m_watch, sender.m_connections)
+Q_COREAPP_STARTUP_FUNCTION(followForks)
+
+SenderLoop::SenderLoop(std::function<void()> flush)
+    : m_flush(std::move(flush))
+{}
+
+quint64 SenderLoop::turn()
+{
+    if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance(); dispatcher != m_dispatcher)
+        watch(dispatcher);
+    return m_announcesTurns && loopLevel() > t_foreignLoops ? m_turn : 0;
+}
+
+/// A loop that is left in the middle of a turn delivers no more events. Only the GLib dispatcher announces the end
+/// of that turn too; with another nothing is gathered, for it might wait for ever.
+void SenderLoop::watch(QAbstractEventDispatcher* dispatcher)
+{
+    m_dispatcher = dispatcher;
+    m_announcesTurns = dispatcher && dispatcher->inherits("QEventDispatcherGlib");
+    if (m_announcesTurns)
+        connect(dispatcher, &QAbstractEventDispatcher::awake, this, &SenderLoop::noteTurn);
+}
+
+void SenderLoop::flushLater()
+{
+    if (std::exchange(m_isFlushWanted, true))
+        return;
+    // Every kind of loop delivers an event, if need be one that starts later.
+    QMetaObject::invokeMethod(this, &SenderLoop::endTurn, Qt::QueuedConnection);
+}
+
+void SenderLoop::noteTurn()
+{
+    t_foreignLoops = std::clamp(loopLevel() - 1, 0, t_foreignLoops);
+    endTurn();
+}
+
+void SenderLoop::endTurn()
+{
+    ++m_turn;
+    if (std::exchange(m_isFlushWanted, false))
+        m_flush();
+}
+
+ChannelSender::Channel::Channel(ChannelSender& sender, std::list<Key>::iterator key)
+    : recent(key)
+    , peers(key->first, key->second, sender.m_watch, sender.m_connections)
 {}
 
 ChannelSender::ChannelSender()
@@ -39,27 +99,27 @@ ChannelSender::ChannelSender()
 
 ChannelSender::~ChannelSender() = default;
 
-bool ChannelSender::send(const QCString& channel, const ChannelFrame& frame)
+bool ChannelSender::send(const QByteArray& channel, const ChannelFrame& frame)
 {
     m_watch.poll();
     followEnvironment();
     if (m_root.isEmpty())
         return false;
     const quint64 turn = m_loop ? m_loop->turn() : 0;
-    const bool isTaken = channelAt({m_root, channel}).peers.send(frame, turn);
+    const bool isAccepted = channelOf({m_root, channel}).peers.send(frame, turn);
     if (m_connections.pending.empty())
-        return isTaken;
+        return isAccepted;
     if (m_loop)
         m_loop->flushLater();
     if (turn == 0)
         flushSome(kFlushedWithOthers);
-    return isTaken;
+    return isAccepted;
 }
 
-/// The environment may change while the process runs, and with it the place of the channels.
+/// The environment may change while the process runs, and with it where the channels are.
 void ChannelSender::followEnvironment()
 {
-    // A place that was refused may have become usable, and the other way round.
+    // A directory that was refused may have become usable, and the other way round.
     ChannelEnvironment environment = ChannelEnvironment::current();
     if (environment == m_environment && !m_root.isEmpty() && !m_watch.haveAllChanged(m_rootMoment))
         return;
@@ -70,14 +130,14 @@ void ChannelSender::followEnvironment()
         forgetOtherRoots();
 }
 
-ChannelSender::Channel& ChannelSender::channelAt(const Place& place)
+ChannelSender::Channel& ChannelSender::channelOf(const Key& key)
 {
-    if (const auto found = m_channels.find(place); found != m_channels.end()) {
+    if (const auto found = m_channels.find(key); found != m_channels.end()) {
         m_recent.splice(m_recent.end(), m_recent, found->second.recent);
         return found->second;
     }
     makeRoom();
-    return m_channels.try_emplace(place, *this, m_recent.insert(m_recent.end(), place)).first->second;
+    return m_channels.try_emplace(key, *this, m_recent.insert(m_recent.end(), key)).first->second;
 }
 
 void ChannelSender::makeRoom()
@@ -129,7 +189,7 @@ void ChannelSender::flushSome(size_t most)
 void ChannelSender::leaveLoop()
 {
     m_loop.reset();
-    for (auto& [place, channel] : m_channels) {
+    for (auto& [key, channel] : m_channels) {
         for (auto& [name, peer] : channel.peers.peers())
             peer.leaveLoop();
     }
@@ -142,10 +202,10 @@ void ChannelSender::drain(std::chrono::nanoseconds time)
         flushSome(m_connections.pending.size());
         if (m_connections.pending.empty() || std::chrono::steady_clock::now() >= deadline)
             return;
-        std::vector<pollfd> waiting;
+        std::vector<int> waiting;
         for (const ChannelPeer* peer : m_connections.pending)
-            waiting.push_back({peer->fd(), POLLOUT, 0});
-        ::poll(waiting.data(), waiting.size(), static_cast<int>(kDrainStep.count()));
+            waiting.push_back(peer->fd());
+        posix::waitUntilAnyWritable(waiting, kDrainStep);
     }
 }
 

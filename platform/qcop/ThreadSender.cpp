@@ -1,9 +1,6 @@
-// The sender of the calling thread.
-#include "platform/qcop/ThreadSender_p.h"
-
+// The sender of the calling thread: when it is made, and how it ends.
 #include "platform/posix/ForkLocalFd_p.h"
 #include "platform/qcop/ChannelSender_p.h"
-#include "platform/qcop/SenderLoop_p.h"
 
 #include <QtCore/QThread>
 
@@ -15,10 +12,9 @@
 namespace zyn {
 namespace {
 
-using zyn::ChannelSender;
 using Clock = std::chrono::steady_clock;
 
-/// How long a thread or process waits in all at its end for listeners that have not taken everything.
+/// How long a thread or process waits in all at its end for listeners that have not received everything.
 constexpr std::chrono::seconds kDrainTime{2};
 
 /**
@@ -36,9 +32,9 @@ struct Thread
 thread_local Thread t_thread = {};
 
 /// Waits for the listeners of the calling thread, for as long as it has not yet waited.
-void drain()
+void drainThisThread()
 {
-    if (!t_thread.sender || t_thread.generation != zyn::posix::forkGeneration())
+    if (!t_thread.sender || t_thread.generation != posix::forkGeneration())
         return;
     const auto start = Clock::now();
     t_thread.sender->drain(kDrainTime - t_thread.waited);
@@ -48,7 +44,7 @@ void drain()
 /// Ends what needs the thread's event loop.
 void endLoop()
 {
-    drain();
+    drainThisThread();
     if (t_thread.sender)
         t_thread.sender->leaveLoop();
 }
@@ -79,7 +75,7 @@ public:
     /// Comes after the static objects of those who use the library. The key stays: threads may go on.
     ~SenderEnd()
     {
-        drain();
+        drainThisThread();
         t_thread.isEnding = true;
     }
 
@@ -88,7 +84,7 @@ public:
 private:
     static void end(ChannelSender* sender)
     {
-        drain();
+        drainThisThread();
         t_thread.sender = nullptr;
         delete sender;
     }
@@ -100,12 +96,12 @@ const SenderEnd theSenderEnd;
 ChannelSender& threadSender()
 {
     // What a forked child finds gathered is its parent's to write.
-    if (t_thread.sender && t_thread.generation != zyn::posix::forkGeneration())
+    if (t_thread.sender && t_thread.generation != posix::forkGeneration())
         delete std::exchange(t_thread.sender, nullptr);
     if (t_thread.sender)
         return *t_thread.sender;
     t_thread.sender = new ChannelSender;
-    t_thread.generation = zyn::posix::forkGeneration();
+    t_thread.generation = posix::forkGeneration();
     theSenderEnd.follow(t_thread.sender);
     if (t_thread.isEnding) {
         t_thread.sender->leaveLoop();
@@ -120,12 +116,12 @@ ChannelSender& threadSender()
 
 } // namespace
 
-bool sendFromThisThread(const QCString& channel, const ChannelFrame& frame)
+bool ChannelSender::sendFromThisThread(const QByteArray& channel, const ChannelFrame& frame)
 {
-    const bool isTaken = threadSender().send(channel, frame);
+    const bool isAccepted = threadSender().send(channel, frame);
     if (t_thread.isEnding)
-        drain(); // nobody may come to do so later
-    return isTaken;
+        drainThisThread(); // nobody may come to do so later
+    return isAccepted;
 }
 
 } // namespace zyn

@@ -1,7 +1,7 @@
 // The log of recent calls, for applications.
 #include "recentcall/utility/RC_Interface.h"
 
-#include "platform/CommandData_p.h"
+#include "platform/CommandFrame_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <thread>
 
-#include <poll.h>
 #include <sys/socket.h>
 
 /// Listens on a path, takes one connection, reads the greeting and one command, sends the scripted bytes and closes.
@@ -72,7 +71,7 @@ private:
 
     void serve()
     {
-        if (!zyn::posix::waitFor(m_listener.get(), POLLIN, soon()))
+        if (!zyn::posix::waitUntilReadable(m_listener.get(), soon()))
             return;
         const zyn::posix::UniqueFd client(::accept(m_listener.get(), nullptr, nullptr));
         for (int i = 0; i < m_frames; ++i) {

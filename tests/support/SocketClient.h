@@ -36,5 +36,5 @@ inline zyn::posix::UniqueFd connectAndSend(const QString& path, const QByteArray
 /// Whether the service closes the connection.
 inline bool isClosed(const zyn::posix::UniqueFd& fd)
 {
-    return zyn::posix::waitFor(fd.get(), 0, zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience));
+    return zyn::posix::waitUntilClosed(fd.get(), zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience));
 }

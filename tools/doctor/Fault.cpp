@@ -1,7 +1,7 @@
 // Why a directory or a file cannot be used.
 #include "tools/doctor/Fault.h"
 
-#include "platform/posix/PrivateDirectory_p.h"
+#include "platform/posix/Directory_p.h"
 
 #include <QtCore/QFileInfo>
 
@@ -68,7 +68,7 @@ QByteArray existingPart(QByteArray path)
 
 std::optional<Fault> privateDirectoryFault(const QByteArray& path)
 {
-    const bool isPrivate = posix::openPrivateDirectory(AT_FDCWD, path).isValid();
+    const bool isPrivate = posix::openPrivateDirectory(path).isValid();
     if (isPrivate && ::access(path.constData(), R_OK | W_OK | X_OK) == 0)
         return std::nullopt;
     struct stat status = {};

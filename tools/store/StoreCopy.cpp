@@ -1,7 +1,7 @@
 // A copy of a store directory.
 #include "tools/store/StoreCopy.h"
 
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/zynphone/ExitCode.h"
 
@@ -21,7 +21,7 @@ namespace {
 /// file of the store.
 QString copyFile(const QString& from, const QString& to)
 {
-    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(from), O_RDONLY);
+    const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(from));
     if (!fd.isValid() && QFileInfo(from).isSymLink())
         return {};
     QFile file(fd.isValid() ? u"/proc/self/fd/%1"_s.arg(fd.get()) : from);

@@ -2,7 +2,7 @@
 #include "tools/store/StoreFiles.h"
 
 #include "platform/posix/File_p.h"
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/ContactFileCheck.h"
 #include "tools/store/FavouritesFileCheck.h"
@@ -35,7 +35,7 @@ StoreFiles::StoreFiles(const QString& directory)
                                directory, recordFile(RC_CALL_CATEGORY_ANSWERED), recordFile(RC_CALL_CATEGORY_MISSED),
                                recordFile(RC_CALL_CATEGORY_DIALED), QLatin1String(kTopPalsDetailsName)));
     for (const QString& name : names) {
-        const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path(name)), O_RDONLY);
+        const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(path(name)));
         m_images.emplace(name, posix::readWhole(fd.get(), kStoreFileLimit));
     }
 }

@@ -2,7 +2,7 @@
 #include "tools/store/StoreRepair.h"
 
 #include "handset/favourites/ActivityLog.h"
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/store/ContactRepair.h"

@@ -8,7 +8,6 @@
 #include <chrono>
 #include <utility>
 
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -113,7 +112,7 @@ Canvas Screen::blank() const
 
 bool Screen::hasRoom(std::chrono::milliseconds patience) const
 {
-    return posix::waitFor(m_console.descriptor(), POLLOUT, posix::Clock::now() + patience);
+    return posix::waitUntilWritable(m_console.descriptor(), posix::Clock::now() + patience);
 }
 
 bool Screen::show(const Canvas& canvas)

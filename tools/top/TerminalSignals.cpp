@@ -1,7 +1,7 @@
 // What a terminal and its shell tell a program by signals.
 #include "tools/top/TerminalSignals.h"
 
-#include "platform/posix/Retry_p.h"
+#include "platform/posix/UniqueFd_p.h"
 
 #include <csignal>
 #include <initializer_list>

@@ -2,7 +2,7 @@
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 
 #include "platform/posix/File_p.h"
-#include "platform/posix/Place_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QFile>

@@ -41,7 +41,7 @@ State stateOf(int fd, qint64 size)
     return length == ssize_t{sizeof header} && header.isValid() ? State::Valid : State::Invalid;
 }
 
-State stateAt(const posix::Place& place, qint64 size)
+State stateAt(const posix::PathAt& place, qint64 size)
 {
     const posix::UniqueFd fd = posix::openAt(place);
     if (!fd.isValid())
@@ -101,7 +101,7 @@ CreateResult overwrite(int fd, const QByteArray& contents)
 /// calls, so it is put back, along with what was written into ours in between.
 bool replaceInvalidFile(posix::UniqueFd invalid, const QByteArray& contents, posix::StagedFile& staged)
 {
-    staged.takeAfter(invalid.get());
+    staged.copyOwnership(invalid.get());
     if (!staged.exchange())
         return false;
     if (staged.isExchangedFor(invalid.get()) && stateOf(invalid.get(), contents.size()) != State::Valid)
@@ -142,7 +142,7 @@ bool isStoreFile(const QByteArray& path, qint64 size)
 
 posix::UniqueFd openStoreFile(const QByteArray& path)
 {
-    posix::UniqueFd fd = posix::openForChanging(path);
+    posix::UniqueFd fd = posix::openTrusted(path, posix::Access::Change);
     if (!fd.isValid())
         makeStoreDirectory();
     return fd;
@@ -165,7 +165,7 @@ std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size)
 
 CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
-    const std::optional<posix::Place> place = posix::placeOf(path);
+    const std::optional<posix::PathAt> place = posix::resolve(path);
     if (!place)
         return CreateResult::CannotOpen;
     posix::StagedFile staged(*place);
@@ -177,7 +177,7 @@ CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
     const State state = stateAt(*place, contents.size());
     if (state == State::Valid)
         return CreateResult::Done;
-    posix::UniqueFd invalid = state == State::Invalid ? posix::openForChanging(*place) : posix::UniqueFd();
+    posix::UniqueFd invalid = state == State::Invalid ? posix::openAt(*place, posix::Access::Change) : posix::UniqueFd();
     // Another process may have made it valid meanwhile.
     if (invalid.isValid() && stateOf(invalid.get(), contents.size()) == State::Valid)
         return CreateResult::Done;
@@ -192,7 +192,7 @@ CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
 
 void removeLeftovers(const QByteArray& path)
 {
-    if (const std::optional<posix::Place> place = posix::placeOf(path))
+    if (const std::optional<posix::PathAt> place = posix::resolve(path))
         posix::removeLeftovers(*place);
 }
 

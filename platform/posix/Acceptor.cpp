@@ -1,0 +1,47 @@
+// Accepts the connections to a listening socket as they come.
+#include "platform/posix/Acceptor_p.h"
+
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+namespace zyn::posix {
+namespace {
+
+constexpr std::chrono::milliseconds kPause{100};
+
+bool isShortage(int error)
+{
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS;
+}
+
+} // namespace
+
+Acceptor::Acceptor(int listener, std::function<bool()> accept, QObject* parent)
+    : QObject(parent)
+    , m_accept(std::move(accept))
+    , m_notifier(listener, QSocketNotifier::Read, this)
+    , m_pause(this)
+{
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(kPause);
+    m_pause.callOnTimeout(this, [this] { setEnabled(true); });
+    connect(&m_notifier, &QSocketNotifier::activated, this, &Acceptor::acceptNext);
+}
+
+void Acceptor::setEnabled(bool isEnabled)
+{
+    m_pause.stop();
+    m_notifier.setEnabled(isEnabled);
+}
+
+void Acceptor::acceptNext()
+{
+    if (m_accept() || errno == EAGAIN || errno == EWOULDBLOCK || errno == ECONNABORTED)
+        return;
+    m_notifier.setEnabled(false); // for good, when the socket is of no use any more
+    if (isShortage(errno))
+        m_pause.start();
+}
+
+} // namespace zyn::posix

@@ -1,0 +1,58 @@
+// Directories: those that belong to this user alone, and what is in them.
+#pragma once
+
+#include "platform/posix/File_p.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+
+#include <chrono>
+#include <optional>
+
+#include <sys/types.h>
+
+namespace zyn::posix {
+
+/// Opens the directory @p path for use as a parent. Refused when it is somebody else's, a symbolic link, or open to
+/// anybody but its owner; errno is ENOENT only when it is missing.
+UniqueFd openPrivateDirectory(const QByteArray& path);
+/// The same of the entry @p name of the directory @p parent.
+UniqueFd openPrivateDirectory(int parent, const QByteArray& name);
+
+/// @{ The same; a missing directory is made first, with mode 0700, in a parent that exists.
+UniqueFd makePrivateDirectory(const QByteArray& path);
+UniqueFd makePrivateDirectory(int parent, const QByteArray& name);
+/// @}
+
+/// Makes the directory @p path, and those above it, on disk; true also when it is there.
+bool makeDirectories(const QByteArray& path);
+
+enum class EntryType { Directory, File, Socket };
+
+/// The names in @p directory of what is of @p type, hidden ones too; nothing when they could not all be read.
+std::optional<QList<QByteArray>> entries(int directory, EntryType type);
+
+/// What is known of an entry of a directory.
+struct EntryStatus
+{
+    FileId id;
+    mode_t permissions;
+    std::chrono::seconds age; ///< since its last change of any kind; negative when the clock was set back
+};
+
+/// That of the entry @p name of @p directory, be it a link; nothing when there is none.
+std::optional<EntryStatus> entryStatus(int directory, const QByteArray& name);
+
+/// @{ Change the entry @p name of @p directory, which is this process's: false, when that could not be done.
+bool setEntryMode(int directory, const QByteArray& name, mode_t mode);
+bool removeEntry(int directory, const QByteArray& name);
+bool removeEmptyDirectory(int directory, const QByteArray& name);
+/// @}
+
+/// The path by which the open directory @p directory is found now; empty when the kernel does not tell.
+QByteArray pathOf(int directory);
+
+/// A path to @p name in the open directory @p directory, or to the directory itself, however long its own path is.
+QByteArray pathThrough(int directory, const QByteArray& name = {});
+
+} // namespace zyn::posix
