@@ -509,7 +509,7 @@ scenario::Verbs tst_RecentCallService::verbs()
         {u"stop"_s, [this] { return stop(); }},
         {u"interrupt"_s, [this] { return stop(SIGINT); }},
         {u"kill"_s, [this] { return stop(SIGKILL); }},
-        {u"has-socket"_s, [] { return QFile::exists(kSocket); }},
+        {u"left-socket"_s, [] { return QFile::exists(kSocket) ? u"yes"_s : u"no"_s; }},
         {u"limits"_s,
          [this](const Words& limits) {
              m_files->setLimits(limits.at(0).toInt(), limits.at(1).toInt(), limits.at(2).toInt());
@@ -556,7 +556,7 @@ scenario::Verbs tst_RecentCallService::verbs()
          [] {
              QString number;
              StoreFixture::forgetSingletons();
-             return RC_Interface().getLastDialedNumber(number);
+             return RC_Interface().getLastDialedNumber(number) ? number : u"none"_s;
          }},
         {u"blank"_s,
          [this] { changeKeepingTime(m_files->file(kDialed.list), [] { StoreFixture::store().clearAllData(); }); }},

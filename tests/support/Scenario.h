@@ -14,7 +14,8 @@
 
 namespace scenario {
 
-/// What a step does with the words behind its first one, if it wants any; what it returns is shown as text.
+/// What a step does with the words behind its first one, if it wants any; it shows what that returns, of a bool only
+/// that it is false.
 class Verb
 {
 public:
@@ -29,6 +30,8 @@ public:
             };
             if constexpr (std::is_void_v<decltype(act())>)
                 return act(), QString();
+            else if constexpr (std::is_same_v<decltype(act()), bool>)
+                return act() ? QString() : QStringLiteral("failed");
             else
                 return QVariant(act()).toString();
         })
