@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/SETUP_SET_Manager.h"
-#include "platform/SettingsDirectory_p.h"
+#include "platform/SettingsFile_p.h"
 
 #include <array>
 

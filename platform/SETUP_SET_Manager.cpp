@@ -1,7 +1,6 @@
 // The settings store.
 #include "platform/SETUP_SET_Manager.h"
 
-#include "platform/SettingsDirectory_p.h"
 #include "platform/SettingsFile_p.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Reading and changing one settings file.
+// Settings files: where they are, and how one is read and changed.
 #include "platform/SettingsFile_p.h"
 
 #include "platform/posix/Directory_p.h"
@@ -7,6 +7,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QStandardPaths>
 
 #include <algorithm>
 #include <cerrno>
@@ -173,6 +174,19 @@ std::optional<QByteArray> read(const posix::PathAt& path)
 }
 
 } // namespace
+
+QString settingsDirectory()
+{
+    const QString writePath = QFile::decodeName(qgetenv("ZYN_APP_WRITE_PATH"));
+    if (!writePath.isEmpty())
+        return writePath + QLatin1String("/setup");
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1String("/zynphone/setup");
+}
+
+QString settingsFile(AM_Global::Apps app)
+{
+    return settingsDirectory() + QStringLiteral("/zyn_app%1.cfg").arg(int{app});
+}
 
 QString settingText(const QByteArray& value)
 {

@@ -1,5 +1,7 @@
-// Reading and changing one settings file.
+// Settings files: where they are, and how one is read and changed.
 #pragma once
+
+#include "platform/AM_Global.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -8,6 +10,13 @@
 #include <optional>
 
 namespace zyn {
+
+/// The directory of the settings files, which need not exist: "setup" under the directory that the environment variable
+/// ZYN_APP_WRITE_PATH names, or under the user's configuration directory when that is unset or empty.
+QString settingsDirectory();
+
+/// The settings file of application @p app.
+QString settingsFile(AM_Global::Apps app);
 
 /// The text that the stored bytes @p value stand for.
 QString settingText(const QByteArray& value);
@@ -27,8 +36,8 @@ public:
     /// the file cannot be read.
     std::optional<QList<int>> strayLines() const;
 
-    /// Stores @p value; false when a line cannot hold the names or it could not be brought to disk.
-    /// Waits up to 5 seconds for another writer; where that was in vain, later calls fail without waiting.
+    /// Stores @p value; false when a line cannot hold the names or it could not be brought to disk. Waits up to 5
+    /// seconds for another writer; where that was in vain, later calls fail without waiting.
     bool setValue(const QString& group, const QString& key, const QString& value);
 
 private:

@@ -1,12 +1,31 @@
-// Commands on a Unix-domain stream socket.
+// Commands on a Unix-domain stream socket, and the record of one.
 #include "platform/Socket_Command.h"
 
 #include "platform/CommandFrame_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
+#include <new>
+
 using zyn::CommandFrameHeader;
 using zyn::kCommandTimeout;
 using zyn::posix::Clock;
+
+UTIL_CommandBody::UTIL_CommandBody() = default;
+
+UTIL_CommandBody::~UTIL_CommandBody() = default;
+
+bool UTIL_CommandBody::AllocateDataBuffer()
+{
+    m_buffer.reset();
+    m_allocated = 0;
+    if (dataLength < 0 || dataLength > zyn::kCommandDataLimit)
+        return false;
+    m_buffer.reset(new (std::nothrow) char[static_cast<size_t>(dataLength)]());
+    if (!m_buffer)
+        return false;
+    m_allocated = static_cast<size_t>(dataLength);
+    return true;
+}
 
 int Socket_WriteCommand(int socket, UTIL_CommandBody* command)
 {

@@ -9,7 +9,6 @@
 #include "handset/common/Log.h"
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QSocketNotifier>
 
 #include <cerrno>
 #include <chrono>
@@ -20,7 +19,6 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-constexpr auto kAcceptPause = 100ms;
 constexpr auto kPlaceCheck = 5s;
 
 } // namespace
@@ -30,9 +28,6 @@ CommandServer::CommandServer(const QString& path, int maxConnections, Factory fa
     , m_factory(std::move(factory))
     , m_socket(path)
 {
-    m_acceptPause.setSingleShot(true);
-    m_acceptPause.setInterval(kAcceptPause);
-    connect(&m_acceptPause, &QTimer::timeout, this, &CommandServer::resumeAccepting);
     m_placeCheck.setTimerType(Qt::VeryCoarseTimer);
     m_placeCheck.setInterval(kPlaceCheck);
     connect(&m_placeCheck, &QTimer::timeout, this, &CommandServer::keepPlace);
@@ -56,8 +51,7 @@ bool CommandServer::listen()
 
 void CommandServer::startAccepting()
 {
-    m_newClient = std::make_unique<QSocketNotifier>(m_socket.descriptor(), QSocketNotifier::Read);
-    connect(m_newClient.get(), &QSocketNotifier::activated, this, &CommandServer::acceptNext);
+    m_acceptor = std::make_unique<posix::Acceptor>(m_socket.descriptor(), [this] { return acceptNext(); });
 }
 
 /// Makes the socket again when it is gone.
@@ -72,7 +66,7 @@ void CommandServer::keepPlace()
     // Those that cannot be accepted now would be lost with the old socket.
     if (errno == EAGAIN && m_socket.makeAgain()) {
         startAccepting();
-        m_newClient->setEnabled(m_connections.size() < m_maxConnections);
+        m_acceptor->setEnabled(m_connections.size() < m_maxConnections);
         watchPlace();
     }
 }
@@ -87,7 +81,7 @@ void CommandServer::watchPlace()
 void CommandServer::close()
 {
     m_placeCheck.stop();
-    m_newClient.reset();
+    m_acceptor.reset();
     if (m_socket.isListening()) {
         m_socket.turnAway();
         const auto connections = m_connections;
@@ -99,18 +93,22 @@ void CommandServer::close()
     m_socket.release();
 }
 
-void CommandServer::acceptNext()
+/// False, and errno tells why, when there is none.
+bool CommandServer::acceptNext()
 {
     posix::UniqueFd client = m_socket.accept();
     if (!client.isValid()) {
-        if (errno != EAGAIN)
-            pauseAccepting();
-        return;
+        if (const int error = errno; error != EAGAIN) {
+            log(QStringLiteral("cannot accept a client now: %1").arg(QString::fromLocal8Bit(std::strerror(error))));
+            errno = error;
+        }
+        return false;
     }
     serveOlder();
     open(std::move(client))->serve();
     if (m_connections.size() >= m_maxConnections)
-        m_newClient->setEnabled(false);
+        m_acceptor->setEnabled(false);
+    return true;
 }
 
 /// What came over the connections before a new one was accepted is carried out first.
@@ -137,18 +135,10 @@ void CommandServer::forget(CommandConnection* connection)
     resumeAccepting();
 }
 
-/// The system is short of something; clients wait in the backlog meanwhile.
-void CommandServer::pauseAccepting()
-{
-    log(QStringLiteral("cannot accept a client now: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
-    m_newClient->setEnabled(false);
-    m_acceptPause.start();
-}
-
 void CommandServer::resumeAccepting()
 {
-    if (m_newClient && m_connections.size() < m_maxConnections)
-        m_newClient->setEnabled(true);
+    if (m_acceptor && m_connections.size() < m_maxConnections)
+        m_acceptor->setEnabled(true);
 }
 
 } // namespace zyn::handset

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "handset/common/ServiceSocket.h"
+#include "platform/posix/Acceptor_p.h"
 
 #include <QtCore/QFileSystemWatcher>
 #include <QtCore/QList>
@@ -10,8 +11,6 @@
 
 #include <functional>
 #include <memory>
-
-class QSocketNotifier;
 
 namespace zyn::handset {
 
@@ -49,20 +48,18 @@ public:
 
 private:
     void startAccepting();
-    void acceptNext();
+    bool acceptNext();
     void keepPlace();
     void watchPlace();
     void serveOlder();
     CommandConnection* open(posix::UniqueFd socket);
     void forget(CommandConnection* connection);
-    void pauseAccepting();
     void resumeAccepting();
 
     const int m_maxConnections;
     const Factory m_factory;
     ServiceSocket m_socket;
-    std::unique_ptr<QSocketNotifier> m_newClient;
-    QTimer m_acceptPause;
+    std::unique_ptr<posix::Acceptor> m_acceptor;
     QFileSystemWatcher m_placeWatch;
     QTimer m_placeCheck; ///< for what a watch does not tell
     /// In the order in which they were opened.

@@ -10,9 +10,10 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{100};
 
-bool isShortage(int error)
+/// Whether no other connection follows: the socket was shut down, or is none in a forked child.
+bool isFinal(int error)
 {
-    return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS;
+    return error == EINVAL || error == ENOTSOCK || error == EBADF;
 }
 
 } // namespace
@@ -39,8 +40,8 @@ void Acceptor::acceptNext()
 {
     if (m_accept() || errno == EAGAIN || errno == EWOULDBLOCK || errno == ECONNABORTED)
         return;
-    m_notifier.setEnabled(false); // for good, when the socket is of no use any more
-    if (isShortage(errno))
+    m_notifier.setEnabled(false);
+    if (!isFinal(errno))
         m_pause.start();
 }
 

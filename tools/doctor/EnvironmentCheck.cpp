@@ -1,5 +1,5 @@
 // The variables that name directories, and what they name.
-#include "platform/SettingsDirectory_p.h"
+#include "platform/SettingsFile_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/doctor/Checks.h"

@@ -1,6 +1,5 @@
 // The settings files, the list of emergency numbers, and which features are switched on.
 #include "platform/HandsetState_p.h"
-#include "platform/SettingsDirectory_p.h"
 #include "platform/SettingsFile_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "tools/doctor/Checks.h"
