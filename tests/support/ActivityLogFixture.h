@@ -4,8 +4,6 @@
 #include "StoreFixture.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 
-#include <QtCore/QDir>
-
 /// Each makes the log's store anew on its first use, as a process does that starts.
 class ActivityLogFixture : public StoreFixture
 {
@@ -18,11 +16,6 @@ public:
     {
         SETUP_SET_Manager settings(path() + QLatin1String("/setup/zyn_toppals.cfg"), false);
         settings.setSettingInfo(QStringLiteral("TopPals-UI"), QStringLiteral("MaxItemsToLog"), text);
-    }
-    /// The names of all files in the store directory.
-    QString files() const
-    {
-        return QDir(file(QString())).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).join(u' ');
     }
 };
 

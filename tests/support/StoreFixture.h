@@ -1,14 +1,24 @@
-// A store directory and settings of a test's own, and the words in which tests speak of record files.
+// A store directory and settings of a test's own, and what tests of the stores have in common.
 #pragma once
 
+#include "Descriptors.h"
+#include "StdoutCapture.h"
 #include "platform/SETUP_SET_Manager.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/RecordFile_p.h"
 #include "utility/PHONE_Settings_p.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+#include <functional>
+#include <optional>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 /// Fresh directories named by ZYN_LOCAL_APP_WRITE_PATH and ZYN_APP_WRITE_PATH, and no singleton left from before.
 class StoreFixture
@@ -25,6 +35,12 @@ public:
     ~StoreFixture() { forgetSingletons(); }
 
     QString path() const { return m_directory.path(); }
+    /// The names of all that is in the store directory.
+    QString files() const
+    {
+        constexpr auto kAll = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
+        return QDir(file(QString())).entryList(kAll).join(u' ');
+    }
     QString file(const QString& name) const { return m_directory.path() + QLatin1String("/phone/") + name; }
     QString file(RC_CALL_CATEGORY_T category) const
     {
@@ -102,4 +118,51 @@ public:
 
 private:
     QTemporaryDir m_directory;
+};
+
+/// The bytes of a list's file without a call.
+inline QByteArray freshList()
+{
+    return QByteArray::fromHex("d0c0b0a005000000") + QByteArray(228, '\0').replace(80, 1, "\1").repeated(50);
+}
+
+/// Does @p work in a process of its own; whether it succeeded. A process that hangs ends by itself.
+inline bool inAnotherProcess(const std::function<bool()>& work)
+{
+    constexpr unsigned int kTimeout = 60; // seconds
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(kTimeout);
+        ::_exit(work() ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = -1;
+    return ::waitpid(child, &status, 0) == child && status == EXIT_SUCCESS;
+}
+
+/// A test of a store: of each function, standard output is captured, and no descriptor stays open.
+template<typename Fixture>
+class StoreTest : public QObject
+{
+protected:
+    void begin()
+    {
+        m_output.emplace();
+        m_fixture.emplace();
+        m_descriptors = openDescriptors();
+    }
+    void end()
+    {
+        QCOMPARE(openDescriptors(), m_descriptors);
+        m_fixture.reset();
+        const QByteArray output = m_output->take();
+        m_output.reset();
+        if (QTest::currentTestFailed()) // the message of the failure was captured, too
+            qInfo("%s", output.right(1000).constData());
+    }
+
+    std::optional<Fixture> m_fixture;
+
+private:
+    std::optional<StdoutCapture> m_output;
+    qsizetype m_descriptors = 0;
 };
