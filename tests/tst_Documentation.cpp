@@ -9,7 +9,7 @@
 #include "support/Markdown.h"
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
-#include "tools/recording/RecordingLine.h"
+#include "tools/recording/Recording.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/PHONE_CommandSocket_p.h"
 #include "utility/PHONE_EmergencyList_p.h"

@@ -9,8 +9,6 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool::chart;
-
 constexpr int kFirstHeads = 96;
 constexpr int kBelowHeads = 18;
 /// How far a reader scrolls before the heads come again.

@@ -1,7 +1,6 @@
 // Where everything in a chart stands.
 #pragma once
 
-#include "tools/chart/ChartFolding.h"
 #include "tools/chart/ChartText.h"
 
 #include <QtCore/QString>
@@ -12,7 +11,6 @@
 namespace zyn::tool {
 
 /// All places and sizes are pixels.
-namespace chart {
 inline constexpr int kMargin = 28;
 inline constexpr int kTitleBaseline = 46;
 inline constexpr int kNoteBaseline = 68;
@@ -29,7 +27,6 @@ inline int badgeWidth(const QString& badge)
 {
     return int(badge.size()) * 7 + 12;
 }
-} // namespace chart
 
 /// One channel.
 struct ChartLane
@@ -76,7 +73,7 @@ public:
     /// Where the lanes' lines end.
     int bottom() const { return m_bottom; }
     int width() const { return m_width; }
-    int height() const { return m_bottom + chart::kMargin; }
+    int height() const { return m_bottom + kMargin; }
 
 private:
     ChartEntry entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,

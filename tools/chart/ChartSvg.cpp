@@ -2,18 +2,248 @@
 #include "tools/chart/ChartSvg.h"
 
 #include "tools/chart/ChartLayout.h"
-#include "tools/chart/ChartStyle.h"
-#include "tools/chart/SvgWriter.h"
-#include "tools/zynphone/Counted.h"
+#include "tools/zynphone/Text.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtCore/QXmlStreamWriter>
 
 #include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool::chart;
+/// Writes one picture, element by element. Places and sizes are pixels; the classes are those of its style.
+class SvgWriter
+{
+public:
+    SvgWriter();
+    SvgWriter(const SvgWriter&) = delete;
+    SvgWriter& operator=(const SvgWriter&) = delete;
+
+    /// The picture's size, and what is told to those who do not see it.
+    void begin(int width, int height, const QString& title, const QString& description);
+    void style(const QString& rules);
+    /// Ends the picture, and gives it.
+    QByteArray finish();
+
+    /// What follows, until endGroup(), belongs together.
+    void beginGroup(const QString& styleClass);
+    void endGroup();
+    /// What a viewer shows for the group that has just begun.
+    void tooltip(const QString& text);
+
+    void text(const char* styleClass, int x, int y, const QString& content);
+    /// A text whose beginning, if it is not empty, has the class @p prefixClass.
+    void text(const char* styleClass, int x, int y, const char* prefixClass, const QString& prefix,
+              const QString& content);
+    void rectangle(const char* styleClass, int x, int y, int width, int height, int corner);
+    void circle(const char* styleClass, int x, int y, int radius);
+    void path(const char* styleClass, const QString& steps);
+
+private:
+    using Attributes = std::initializer_list<std::pair<const char*, QString>>;
+    void beginElement(const char* name, Attributes attributes);
+    void emptyElement(const char* name, Attributes attributes);
+    void textElement(const char* name, Attributes attributes, const QString& content);
+
+    QByteArray m_svg;
+    QXmlStreamWriter m_xml;
+};
+
+constexpr char kTitleId[] = "chart-title";
+constexpr char kDescriptionId[] = "chart-description";
+
+QString px(int value)
+{
+    return QString::number(value);
+}
+
+QString latin1(const char* text)
+{
+    return QLatin1String(text);
+}
+
+SvgWriter::SvgWriter()
+    : m_xml(&m_svg)
+{
+    m_xml.setAutoFormatting(true);
+    m_xml.setAutoFormattingIndent(1);
+}
+
+void SvgWriter::begin(int width, int height, const QString& title, const QString& description)
+{
+    m_xml.writeStartDocument();
+    beginElement("svg", {{"xmlns", u"http://www.w3.org/2000/svg"_s},
+                         {"width", px(width)},
+                         {"height", px(height)},
+                         {"viewBox", u"0 0 %1 %2"_s.arg(px(width), px(height))},
+                         {"role", u"img"_s},
+                         {"aria-labelledby", latin1(kTitleId) + u' ' + latin1(kDescriptionId)}});
+    textElement("title", {{"id", latin1(kTitleId)}}, title);
+    textElement("desc", {{"id", latin1(kDescriptionId)}}, description);
+}
+
+void SvgWriter::style(const QString& rules)
+{
+    textElement("style", {}, rules);
+}
+
+QByteArray SvgWriter::finish()
+{
+    m_xml.writeEndDocument();
+    return m_svg;
+}
+
+void SvgWriter::beginGroup(const QString& styleClass)
+{
+    beginElement("g", {{"class", styleClass}});
+}
+
+void SvgWriter::endGroup()
+{
+    m_xml.writeEndElement();
+}
+
+void SvgWriter::tooltip(const QString& text)
+{
+    textElement("title", {}, text);
+}
+
+void SvgWriter::text(const char* styleClass, int x, int y, const QString& content)
+{
+    text(styleClass, x, y, "", QString(), content);
+}
+
+void SvgWriter::text(const char* styleClass, int x, int y, const char* prefixClass, const QString& prefix,
+                     const QString& content)
+{
+    beginElement("text", {{"class", latin1(styleClass)}, {"x", px(x)}, {"y", px(y)}});
+    if (!prefix.isEmpty())
+        textElement("tspan", {{"class", latin1(prefixClass)}}, prefix);
+    m_xml.writeCharacters(content);
+    m_xml.writeEndElement();
+}
+
+void SvgWriter::rectangle(const char* styleClass, int x, int y, int width, int height, int corner)
+{
+    emptyElement("rect", {{"class", latin1(styleClass)},
+                          {"x", px(x)},
+                          {"y", px(y)},
+                          {"width", px(width)},
+                          {"height", px(height)},
+                          {"rx", px(corner)}});
+}
+
+void SvgWriter::circle(const char* styleClass, int x, int y, int radius)
+{
+    emptyElement("circle", {{"class", latin1(styleClass)}, {"cx", px(x)}, {"cy", px(y)}, {"r", px(radius)}});
+}
+
+void SvgWriter::path(const char* styleClass, const QString& steps)
+{
+    emptyElement("path", {{"class", latin1(styleClass)}, {"d", steps}});
+}
+
+void SvgWriter::beginElement(const char* name, Attributes attributes)
+{
+    m_xml.writeStartElement(latin1(name));
+    for (const auto& [attribute, value] : attributes)
+        m_xml.writeAttribute(latin1(attribute), value);
+}
+
+void SvgWriter::emptyElement(const char* name, Attributes attributes)
+{
+    m_xml.writeEmptyElement(latin1(name));
+    for (const auto& [attribute, value] : attributes)
+        m_xml.writeAttribute(latin1(attribute), value);
+}
+
+void SvgWriter::textElement(const char* name, Attributes attributes, const QString& content)
+{
+    beginElement(name, attributes);
+    m_xml.writeCharacters(content);
+    m_xml.writeEndElement();
+}
+
+/// The colour of a lane on light and on dark ground; each is told from its neighbours by people who see fewer colours,
+/// and text on it, or in it, is legible.
+struct LaneColor
+{
+    const char* light;
+    const char* dark;
+};
+
+constexpr std::array<LaneColor, 8> kLaneColors{{
+    {"#0b61a4", "#6cb2f2"}, // blue
+    {"#a8430c", "#f2975f"}, // orange
+    {"#0b7250", "#4fc797"}, // green
+    {"#84408f", "#d6a0e0"}, // purple
+    {"#755600", "#dcb64c"}, // ochre
+    {"#0b6878", "#5cc6d6"}, // teal
+    {"#a81f45", "#f58ca4"}, // crimson
+    {"#4b5563", "#a9b4c2"}, // slate
+}};
+
+constexpr char kStyle[] = R"(
+text{font-family:system-ui,sans-serif;fill:#1c2126}
+.mono{font-family:ui-monospace,monospace;font-size:11px;white-space:pre}
+.paper{fill:#ffffff}
+.title{font-size:20px;font-weight:600}
+.note,.unit,.span{font-size:12px;fill:#5b6570}
+.unit,.span{font-size:11px}
+.time{fill:#5b6570;text-anchor:end}
+.unit,.silence{text-anchor:end}
+.silence{font-size:11px;font-style:italic;fill:#5b6570}
+.axis{fill:none;stroke:#b4bdc7;stroke-width:1.5}
+.dot{fill:#7b8692}
+.gap{stroke-dasharray:1 5;stroke-linecap:round}
+.name{font-size:12px;font-weight:600}
+.prefix{font-weight:400;fill:#5b6570}
+.on{font-size:12px;font-weight:600;fill:#ffffff}
+.count{text-anchor:middle;font-size:11px}
+.line{fill:none;stroke-width:1.5}
+.arrow{fill:none;stroke-width:1;stroke-opacity:.55}
+.card{fill-opacity:.09}
+.bar{fill-opacity:.4}
+)";
+
+constexpr char kDarkStyle[] = R"(text{fill:#e8ecf0}
+.paper{fill:#14181d}
+.note,.unit,.span,.time,.silence,.prefix{fill:#9aa5b1}
+.axis{stroke:#4a545f}
+.dot{fill:#8d98a4}
+.on{fill:#14181d}
+.card{fill-opacity:.14}
+)";
+
+/// The class of what has the colour of a lane.
+QString laneClass(qsizetype lane)
+{
+    return u"l%1"_s.arg(lane % qsizetype(kLaneColors.size()));
+}
+
+QString laneRules(qsizetype lanes, const char* LaneColor::*color)
+{
+    QString rules;
+    for (qsizetype lane = 0; lane < std::min(lanes, qsizetype(kLaneColors.size())); ++lane) {
+        const QString value = QLatin1String(kLaneColors[size_t(lane)].*color);
+        rules += u".%1 .fill{fill:%2} .%1 .line,.%1 .arrow{stroke:%2}\n"_s.arg(laneClass(lane), value);
+    }
+    return rules;
+}
+
+/// The rules of a chart with @p lanes lanes, for light and for dark surroundings.
+QString chartStyle(qsizetype lanes)
+{
+    return QLatin1String(kStyle) + laneRules(lanes, &LaneColor::light) + u"@media (prefers-color-scheme:dark){\n"_s
+           + QLatin1String(kDarkStyle) + laneRules(lanes, &LaneColor::dark) + u"}\n"_s;
+}
 
 constexpr int kDotRadius = 3;
 constexpr int kArrowHead = 7;

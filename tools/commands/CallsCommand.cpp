@@ -3,11 +3,10 @@
 
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
-#include "tools/commands/CallInput.h"
-#include "tools/commands/CallSelection.h"
-#include "tools/zynphone/CallText.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/ServiceError.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/RecordText.h"
 
 #include <vector>
 

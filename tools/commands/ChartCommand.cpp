@@ -4,7 +4,6 @@
 #include "tools/chart/ChartSvg.h"
 #include "tools/recording/Recording.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/OutputFile.h"
 
 #include <QtCore/QFileInfo>
 

@@ -1,7 +1,7 @@
 // zynphone dial and hangup: requests to place and end voice calls.
 #include "tools/commands/Commands.h"
 
-#include "tools/commands/CallInput.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_VoiceCall.h"

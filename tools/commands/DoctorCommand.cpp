@@ -2,10 +2,9 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/doctor/Checks.h"
-#include "tools/zynphone/Colour.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
 #include "tools/zynphone/Table.h"
+#include "tools/zynphone/Text.h"
 
 #include <algorithm>
 #include <array>

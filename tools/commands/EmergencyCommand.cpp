@@ -3,7 +3,7 @@
 
 #include "platform/HandsetState_p.h"
 #include "platform/UTIL_PhoneStatus.h"
-#include "tools/commands/CallInput.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
 #include "utility/PHONE_EmergencyCall.h"

@@ -2,8 +2,8 @@
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/store/StoreFile_p.h"
-#include "tools/commands/CallSelection.h"
-#include "tools/interchange/CallFields.h"
+#include "tools/commands/CallOptions.h"
+#include "tools/interchange/RecordSchemas.h"
 #include "tools/interchange/RecordsFile.h"
 
 using namespace Qt::StringLiterals;

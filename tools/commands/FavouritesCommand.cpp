@@ -3,11 +3,11 @@
 
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "tools/commands/CallInput.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/MessageSending.h"
-#include "tools/zynphone/ActivityText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/RecordText.h"
 #include "utility/message/Message_p.h"
 
 #include <array>

@@ -1,14 +1,13 @@
-// What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
+// Changes of the favourites and their logs, by the process that owns them for as long.
 #include "tools/commands/FavouritesEdit.h"
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
-#include "tools/commands/CallInput.h"
-#include "tools/commands/FavouritesOwnership.h"
-#include "tools/interchange/FieldText.h"
-#include "tools/zynphone/CallText.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/RecordText.h"
+#include "tools/zynphone/Text.h"
 
 #include <algorithm>
 
@@ -54,7 +53,8 @@ void setMessage(Entry& entry, const Invocation& invocation)
     entry.setMsgString(latin1Field(invocation.value(u"message"_s), u"message"_s, kMessageLimit));
 }
 
-RC_CALL_CATEGORY_T listFrom(const Invocation& invocation)
+/// A missed call unless the options say otherwise; a message belongs to no list.
+RC_CALL_CATEGORY_T entryListFrom(const Invocation& invocation)
 {
     const bool isMessage = invocation.isSet(u"message"_s) || invocation.isSet(u"message-type"_s);
     if (!invocation.isSet(u"list"_s))
@@ -64,7 +64,7 @@ RC_CALL_CATEGORY_T listFrom(const Invocation& invocation)
 
 ExitCode logEntry(const Invocation& invocation, Console& console)
 {
-    Entry entry(callFrom(invocation, listFrom(invocation), callNumber(invocation.argument(0))));
+    Entry entry(callFrom(invocation, entryListFrom(invocation), callNumber(invocation.argument(0))));
     entry.uid = kNoUid;
     setMessage(entry, invocation);
     const FavouritesOwnership ownership;

@@ -1,11 +1,26 @@
-// What the verbs of zynphone favourites have in common, and those that change the favourites and their log.
+// Changes of the favourites and their logs, by the process that owns them for as long.
 #pragma once
 
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
 #include "tools/zynphone/Command.h"
+#include "tools/zynphone/ExitCode.h"
 
 namespace zyn::tool {
+
+/// That right, for as long as it lives; a failure when another process has it.
+class FavouritesOwnership
+{
+public:
+    FavouritesOwnership()
+    {
+        if (!m_lock.lock())
+            throw failure(m_lock.problem());
+    }
+
+private:
+    handset::ActivityLogLock m_lock;
+};
 
 Argument favouriteArgument();
 /// The key of the favourite that the first argument names; a failure when it is none.

@@ -5,12 +5,11 @@
 #include "handset/favourites/Favourites.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/FavouritesEdit.h"
-#include "tools/commands/FavouritesOwnership.h"
-#include "tools/interchange/FavouriteFields.h"
+#include "tools/interchange/RecordSchemas.h"
 #include "tools/interchange/RecordsFile.h"
-#include "tools/store/ContactFileCheck.h"
+#include "tools/store/FileCheck.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
+#include "tools/zynphone/Text.h"
 
 #include <algorithm>
 #include <tuple>

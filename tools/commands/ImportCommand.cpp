@@ -2,11 +2,11 @@
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/store/StoreFile_p.h"
-#include "tools/commands/CallSending.h"
-#include "tools/interchange/CallFields.h"
+#include "tools/commands/CallOptions.h"
+#include "tools/interchange/RecordSchemas.h"
 #include "tools/interchange/RecordsFile.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
+#include "tools/zynphone/Text.h"
 
 using namespace Qt::StringLiterals;
 

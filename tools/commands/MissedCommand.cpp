@@ -6,10 +6,10 @@
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "tools/commands/MessageSending.h"
-#include "tools/zynphone/CallText.h"
+#include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/ServiceError.h"
-#include "tools/zynphone/TimeLimit.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/RecordText.h"
 #include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>

@@ -5,9 +5,9 @@
 #include "platform/QCopChannel.h"
 #include "tools/commands/Channels.h"
 #include "tools/recording/MessageText.h"
-#include "tools/recording/RecordingWriter.h"
+#include "tools/recording/Recording.h"
+#include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/TimeLimit.h"
 
 #include <QtCore/QCoreApplication>
 

@@ -1,7 +1,7 @@
 // zynphone ptt: requests to start and end push-to-talk calls.
 #include "tools/commands/Commands.h"
 
-#include "tools/commands/CallInput.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_Ptt.h"

@@ -2,8 +2,8 @@
 #include "tools/commands/RecordInput.h"
 
 #include "platform/TAPI.h"
-#include "tools/interchange/FieldText.h"
 #include "tools/zynphone/BlockText.h"
+#include "tools/zynphone/Text.h"
 #include "utility/FixedText_p.h"
 #include "utility/message/AllStatus_p.h"
 

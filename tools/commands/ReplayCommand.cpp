@@ -4,8 +4,7 @@
 #include "handset/common/TerminationSignals.h"
 #include "tools/recording/Replay.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
-#include "tools/zynphone/Progress.h"
+#include "tools/zynphone/Text.h"
 
 using namespace Qt::StringLiterals;
 

@@ -7,7 +7,7 @@
 #include "tools/commands/Channels.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/HexText.h"
-#include "tools/zynphone/Words.h"
+#include "tools/zynphone/Text.h"
 #include "utility/message/Payload_p.h"
 
 #include <array>

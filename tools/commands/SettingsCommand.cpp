@@ -2,8 +2,8 @@
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "tools/zynphone/CallText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/RecordText.h"
 
 #include <array>
 

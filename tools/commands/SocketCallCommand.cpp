@@ -2,29 +2,104 @@
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
-#include "tools/commands/CallInput.h"
-#include "tools/commands/ConnectionWatch.h"
+#include "tools/commands/CallOptions.h"
 #include "tools/zynphone/BlockText.h"
+#include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/ServiceError.h"
-#include "tools/zynphone/TimeLimit.h"
-#include "tools/zynphone/Words.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/Text.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
 #include "utility/PHONE_VoiceJava.h"
 #include "utility/PHONE_VoiceSTK.h"
 
+#include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QObject>
 #include <QtCore/QScopeGuard>
 
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <optional>
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/un.h>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
+
+/**
+ * Ends the event loop when the library has closed its connection to a server, of which it tells nobody.
+ *
+ * What may close it is read in the event loop, so it is looked at whenever the loop has nothing left to do.
+ */
+class ConnectionWatch
+{
+public:
+    /// Watches the process's connection to a server whose socket is called @p socketName.
+    explicit ConnectionWatch(const char* socketName);
+    ConnectionWatch(const ConnectionWatch&) = delete;
+    ConnectionWatch& operator=(const ConnectionWatch&) = delete;
+
+    bool isLost() const;
+
+private:
+    QObject m_context;
+    int m_socket;
+    ino_t m_inode; ///< the number may be given to another descriptor
+};
+
+constexpr int kNoSocket = -1;
+
+/// The name of the socket that @p fd is connected to; empty when it is not connected to a named one.
+QByteArray peerName(int fd)
+{
+    sockaddr_un peer = {};
+    socklen_t length = sizeof peer;
+    if (::getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) != 0 || peer.sun_family != AF_UNIX)
+        return {};
+    const QByteArray path(peer.sun_path, qsizetype(qstrnlen(peer.sun_path, sizeof peer.sun_path)));
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
+int findConnection(const char* socketName)
+{
+    const QDir descriptors(QStringLiteral("/proc/self/fd"));
+    for (const QString& entry : descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
+        if (const int fd = entry.toInt(); peerName(fd) == socketName)
+            return fd;
+    }
+    return kNoSocket;
+}
+
+/// The number of the open file behind @p fd.
+std::optional<ino_t> inodeOf(int fd)
+{
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 ? std::optional(status.st_ino) : std::nullopt;
+}
+
+ConnectionWatch::ConnectionWatch(const char* socketName)
+    : m_socket(findConnection(socketName))
+    , m_inode(inodeOf(m_socket).value_or(0))
+{
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &m_context, [this] {
+        if (isLost())
+            QCoreApplication::quit();
+    });
+}
+
+bool ConnectionWatch::isLost() const
+{
+    return inodeOf(m_socket) != m_inode;
+}
 
 namespace voicecall = zyn::voicecall;
 

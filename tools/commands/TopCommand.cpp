@@ -4,14 +4,11 @@
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
 #include "platform/UTIL_PhoneStatus.h"
-#include "tools/top/CallSource.h"
-#include "tools/top/FavouriteSource.h"
 #include "tools/top/Screen.h"
-#include "tools/top/StatusSource.h"
-#include "tools/top/TerminalSignals.h"
+#include "tools/top/StateSources.h"
 #include "tools/top/TopView.h"
+#include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/TimeLimit.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>

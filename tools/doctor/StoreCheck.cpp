@@ -5,9 +5,7 @@
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
-#include "tools/store/ContactFileCheck.h"
-#include "tools/store/FavouritesFileCheck.h"
-#include "tools/store/RecordFileCheck.h"
+#include "tools/store/FileCheck.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>

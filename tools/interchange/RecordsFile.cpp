@@ -1,19 +1,278 @@
-// A file of records, as a command line names it.
+// Records of any kind as CSV and JSON, and the files of these.
 #include "tools/interchange/RecordsFile.h"
 
+#include "handset/common/Text.h"
+#include "tools/interchange/CsvText.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Counted.h"
-#include "tools/zynphone/OutputFile.h"
+#include "tools/zynphone/ExitCode.h"
 
+#include <QtCore/QByteArrayView>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QVariant>
 
+#include <algorithm>
 #include <cstdio>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
+
+using NamedText = std::pair<const StoredField*, QString>;
+
+/// Goes through the elements of an array, as the parser that Qt has does not say where they stand.
+class JsonElements
+{
+public:
+    /// @p text is sound JSON, an array, and must outlive it.
+    explicit JsonElements(QByteArrayView text)
+        : m_text(text)
+    {}
+
+    /// The line, from 1, on which the next element begins.
+    int nextLine();
+
+private:
+    void passString();
+
+    const QByteArrayView m_text;
+    qsizetype m_at = 0;
+    int m_line = 1;
+    int m_depth = 0;
+};
+
+/// The bytes of @p field in @p record.
+QByteArray fieldBytes(const StoredField& field, const QByteArray& record)
+{
+    return record.sliced(static_cast<qsizetype>(field.offset), static_cast<qsizetype>(field.size));
+}
+
+/// The field of that name; a failure that suggests another name when there is none.
+const StoredField& fieldNamed(const RecordSchema& schema, const QString& name)
+{
+    QStringList known;
+    for (const StoredField& field : schema.fields) {
+        known += QLatin1String(field.name);
+        if (known.last() == name)
+            return field;
+    }
+    throw failure(u"unknown field '%1'"_s.arg(name) + suggestion(name, known));
+}
+
+/// Throws unless @p given holds every field that a record of @p schema must have, and none twice.
+void requireFields(const RecordSchema& schema, const std::vector<const StoredField*>& given)
+{
+    for (const StoredField& field : schema.fields) {
+        const auto times = std::ranges::count(given, &field);
+        if (times > 1)
+            throw failure(u"the field '%1' is there twice"_s.arg(QLatin1String(field.name)));
+        if (times == 0 && field.presence == StoredField::Required)
+            throw failure(u"the field '%1' is missing"_s.arg(QLatin1String(field.name)));
+    }
+}
+
+/// The record with @p texts in its fields. Throws when a text does not fit its field; an empty one of a field that may
+/// miss is as good as none.
+QByteArray recordOf(const RecordSchema& schema, const std::vector<NamedText>& texts)
+{
+    QByteArray record = schema.blank;
+    for (const auto& [field, text] : texts) {
+        if (text.isEmpty() && field->presence != StoredField::Required)
+            continue;
+        const auto size = static_cast<qsizetype>(field->size);
+        record.replace(static_cast<qsizetype>(field->offset), size,
+                       field->form->bytes(text, QLatin1String(field->name), size));
+    }
+    return record;
+}
+
+int JsonElements::nextLine()
+{
+    bool isBetween = false;
+    for (; m_at < m_text.size(); ++m_at) {
+        const char character = m_text[m_at];
+        const bool isBlank = character == ' ' || character == '\t' || character == '\r' || character == '\n';
+        if (isBetween && !isBlank)
+            break;
+        if (character == '\n')
+            ++m_line;
+        else if (character == '"')
+            passString();
+        else if (character == '[' || character == '{')
+            isBetween = m_depth++ == 0;
+        else if (character == ']' || character == '}')
+            --m_depth;
+        else if (character == ',')
+            isBetween = m_depth == 1;
+    }
+    return m_line;
+}
+
+/// Goes to the end of the string that begins here.
+void JsonElements::passString()
+{
+    for (++m_at; m_at < m_text.size() && m_text[m_at] != '"'; ++m_at) {
+        if (m_text[m_at] == '\\')
+            ++m_at;
+    }
+}
+
+using zyn::handset::jsonEscaped;
+
+QString csvText(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records)
+{
+    QStringList names;
+    for (const StoredField& field : fields)
+        names += QLatin1String(field.name);
+    QString text = csvLine(names);
+    for (const QByteArray& record : records) {
+        QStringList cells;
+        for (const StoredField& field : fields)
+            cells += field.form->value(fieldBytes(field, record)).toVariant().toString();
+        text += csvLine(cells);
+    }
+    return text;
+}
+
+/// What is wrong at @p place. A long text is cut in its middle, where what the file holds is quoted.
+QString problem(const QString& place, const CommandError& error)
+{
+    const QString& message = error.message();
+    constexpr qsizetype kKept = 120; // on each side
+    if (message.size() <= 2 * kKept)
+        return place + message;
+    return place + message.left(kKept) + u'\u2026' + message.right(kKept);
+}
+
+/// Adds the record that @p read gives to @p result, or why it gives none.
+template<typename Read>
+void addTo(ReadRecords& result, const QString& place, Read read)
+{
+    try {
+        result.records.push_back(read());
+    } catch (const CommandError& error) {
+        result.problems += problem(place, error);
+    }
+}
+
+QString linePlace(const QString& name, int line)
+{
+    return u"%1:%2: "_s.arg(name, QString::number(line));
+}
+
+std::vector<const StoredField*> columnsOf(const RecordSchema& schema, const CsvRow& header)
+{
+    if (!header.problem.isEmpty())
+        throw failure(header.problem);
+    std::vector<const StoredField*> columns;
+    for (const QString& cell : header.cells)
+        columns.push_back(&fieldNamed(schema, cell));
+    requireFields(schema, columns);
+    return columns;
+}
+
+QByteArray recordOfRow(const RecordSchema& schema, const std::vector<const StoredField*>& columns, const CsvRow& row)
+{
+    const auto width = static_cast<qsizetype>(columns.size());
+    if (!row.problem.isEmpty())
+        throw failure(row.problem);
+    if (row.cells.size() != width)
+        throw failure(u"the line has %1 fields, not %2"_s.arg(row.cells.size()).arg(width));
+    std::vector<NamedText> texts;
+    for (qsizetype place = 0; place < width; ++place)
+        texts.emplace_back(columns[static_cast<size_t>(place)], row.cells[place]);
+    return recordOf(schema, texts);
+}
+
+ReadRecords readCsv(const RecordSchema& schema, const QByteArray& text, const QString& name)
+{
+    CsvReader reader(text);
+    if (reader.atEnd())
+        throw failure(linePlace(name, 1) + u"no line names the fields"_s);
+    const CsvRow header = reader.next();
+    std::vector<const StoredField*> columns;
+    try {
+        columns = columnsOf(schema, header);
+    } catch (const CommandError& error) {
+        throw failure(problem(linePlace(name, header.line), error));
+    }
+    ReadRecords result;
+    while (!reader.atEnd()) {
+        const CsvRow row = reader.next();
+        addTo(result, linePlace(name, row.line), [&] { return recordOfRow(schema, columns, row); });
+    }
+    return result;
+}
+
+QString jsonText(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records)
+{
+    QStringList lines;
+    for (const QByteArray& record : records) {
+        QJsonObject object;
+        for (const StoredField& field : fields)
+            object.insert(QLatin1String(field.name), field.form->value(fieldBytes(field, record)));
+        lines += jsonEscaped(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
+    }
+    return u"[\n"_s + lines.join(u",\n"_s) + (lines.isEmpty() ? u"]\n"_s : u"\n]\n"_s);
+}
+
+void requireKind(const StoredField& field, const QJsonValue& value)
+{
+    const FieldForm::Kind kind = field.form->kind;
+    const bool isRight =
+        kind == FieldForm::Text ? value.isString() : value.isDouble() || (kind == FieldForm::Flag && value.isBool());
+    if (isRight)
+        return;
+    constexpr std::array kWanted{"no text", "no number", "neither true nor false nor a number"};
+    throw failure(u"the field '%1' is %2"_s.arg(QLatin1String(field.name), QLatin1String(kWanted[kind])));
+}
+
+QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
+{
+    if (!value.isObject())
+        throw failure(u"it is no object"_s);
+    const QJsonObject object = value.toObject();
+    std::vector<const StoredField*> given;
+    std::vector<NamedText> texts;
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const QString name = member.key();
+        const StoredField& field = fieldNamed(schema, name);
+        requireKind(field, *member);
+        given.push_back(&field);
+        texts.emplace_back(&field, member->toVariant().toString());
+    }
+    requireFields(schema, given);
+    return recordOf(schema, texts);
+}
+
+int lineAt(const QByteArray& text, qsizetype offset)
+{
+    return 1 + static_cast<int>(text.first(std::clamp<qsizetype>(offset, 0, text.size())).count('\n'));
+}
+
+ReadRecords readJson(const RecordSchema& schema, const QByteArray& text, const QString& name)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        throw failure(linePlace(name, lineAt(text, error.offset)) + u"no JSON: "_s + error.errorString());
+    }
+    if (!document.isArray())
+        throw failure(linePlace(name, lineAt(text, text.indexOf('{'))) + u"no array of objects"_s);
+    ReadRecords result;
+    JsonElements elements(text);
+    int number = 0;
+    for (const QJsonValue value : document.array()) {
+        const QString place = linePlace(name, elements.nextLine()) + u"record %1: "_s.arg(++number);
+        addTo(result, place, [&] { return recordOfObject(schema, value); });
+    }
+    return result;
+}
 
 /// Many times what the largest lists take.
 constexpr qint64 kSizeLimit = qint64{16} * 1024 * 1024;
@@ -43,6 +302,9 @@ QCommandLineOption formatOption()
 }
 
 } // namespace
+
+const RecordFormat kCsvFormat{csvText, readCsv};
+const RecordFormat kJsonFormat{jsonText, readJson};
 
 QList<QCommandLineOption> RecordsFile::exportOptions()
 {

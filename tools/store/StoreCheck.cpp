@@ -4,10 +4,8 @@
 #include "handset/favourites/ActivityLog.h"
 #include "platform/posix/FileLock_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "tools/store/ContactFileCheck.h"
-#include "tools/store/FavouritesFileCheck.h"
-#include "tools/store/RecordFileCheck.h"
-#include "tools/store/StoreFileProblems.h"
+#include "tools/store/FileCheck.h"
+#include "tools/store/Finding.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>

@@ -1,7 +1,7 @@
 // Checks all files of a store directory, each for itself and with the others.
 #pragma once
 
-#include "tools/store/Findings.h"
+#include "tools/store/Finding.h"
 #include "tools/store/StoreFiles.h"
 
 namespace zyn::tool {

@@ -1,4 +1,4 @@
-// The files of a store directory, as they were when it was read.
+// The files of a store directory: read, and copied to be kept.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -42,5 +42,9 @@ StoreRole roleOf(const QString& name, const std::map<int, QString>& favourites);
 
 /// Whether @p number is one of @p favourites.
 bool isAmong(const std::map<int, QString>& favourites, const QString& number);
+
+/// Copies the regular files of @p files, but for the lock, into a new directory beside theirs, whose path is the
+/// result: the name with the local time behind it. Throws, and leaves no copy, when one of them cannot be copied.
+QString copyStore(const StoreFiles& files);
 
 } // namespace zyn::tool

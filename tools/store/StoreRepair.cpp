@@ -5,11 +5,11 @@
 #include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
-#include "tools/store/ContactRepair.h"
-#include "tools/store/RecordFileCheck.h"
+#include "tools/store/FileCheck.h"
+#include "tools/store/FileRepair.h"
 #include "tools/store/StoreCheck.h"
+#include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
-#include "tools/zynphone/OutputFile.h"
 
 #include <QtCore/QFile>
 

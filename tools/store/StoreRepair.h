@@ -1,9 +1,8 @@
 // What makes a damaged store sound again.
 #pragma once
 
-#include "tools/store/CallsRepair.h"
-#include "tools/store/FavouritesRepair.h"
-#include "tools/store/Findings.h"
+#include "tools/store/FileRepair.h"
+#include "tools/store/Finding.h"
 #include "tools/store/StoreFiles.h"
 
 #include <QtCore/QStringList>

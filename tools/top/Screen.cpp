@@ -1,21 +1,83 @@
-// The terminal as a screen that is drawn, and left as it was.
+// The terminal that zynphone top draws on: a canvas of cells, the signals of the terminal, and the screen.
 #include "tools/top/Screen.h"
 
+#include "handset/common/Text.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "tools/zynphone/Console.h"
 
+#include <QtCore/QList>
+
+#include <algorithm>
 #include <array>
-#include <chrono>
+#include <csignal>
+#include <initializer_list>
 #include <utility>
 
 #include <sys/ioctl.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
+#include <wchar.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace zyn::tool {
 namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+/// More marks than any script puts on one letter.
+constexpr qsizetype kMaxGlyphLength = 8;
+
+/// A character with the marks on it, and how many places it takes.
+struct Glyph
+{
+    QString text;
+    int width;
+};
+
+std::vector<Glyph> glyphsOf(const QString& text)
+{
+    std::vector<Glyph> glyphs;
+    for (char32_t code : zyn::handset::jsonEscaped(text).toUcs4()) {
+        const int width = ::wcwidth(static_cast<wchar_t>(code));
+        if (width > 0)
+            glyphs.push_back({QString::fromUcs4(&code, 1), width});
+        else if (width < 0 || glyphs.empty())
+            glyphs.push_back({QString::fromUcs4(&kReplacement, 1), 1});
+        else if (glyphs.back().text.size() < kMaxGlyphLength)
+            glyphs.back().text += QString::fromUcs4(&code, 1);
+    }
+    return glyphs;
+}
+
+int widthOf(const std::vector<Glyph>& glyphs)
+{
+    int width = 0;
+    for (const Glyph& glyph : glyphs)
+        width += glyph.width;
+    return width;
+}
+
+void elide(std::vector<Glyph>& glyphs, int limit)
+{
+    int width = widthOf(glyphs);
+    if (width <= limit)
+        return;
+    while (!glyphs.empty() && width >= limit) {
+        width -= glyphs.back().width;
+        glyphs.pop_back();
+    }
+    glyphs.push_back({QStringLiteral("\u2026"), 1});
+}
+
+sigset_t setOf(std::initializer_list<int> numbers)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : numbers)
+        sigaddset(&signals, number);
+    return signals;
+}
 
 // The other screen, and the cursor.
 constexpr QLatin1String kEnter("\033[?1049h\033[?25l");
@@ -71,6 +133,52 @@ void drawRow(Drawing& drawing, const Canvas& shown, const Canvas& canvas, int ro
 }
 
 } // namespace
+
+Canvas::Canvas(int columns, int rows)
+    : m_columns(std::max(columns, 0))
+    , m_rows(std::max(rows, 0))
+    , m_cells(static_cast<size_t>(m_columns) * static_cast<size_t>(m_rows))
+{}
+
+void Canvas::put(int row, int column, int width, const QString& text, Style style)
+{
+    const int limit = std::min(width, m_columns - column);
+    if (row < 0 || row >= m_rows || column < 0 || limit <= 0)
+        return;
+    std::vector<Glyph> glyphs = glyphsOf(text);
+    elide(glyphs, limit);
+    for (const Glyph& glyph : glyphs) {
+        m_cells[index(row, column++)] = {glyph.text, style};
+        for (int half = 1; half < glyph.width; ++half)
+            m_cells[index(row, column++)] = {QString(), style};
+    }
+}
+
+TerminalSignals::TerminalSignals(std::function<void(int)> handler)
+    : m_handler(std::move(handler))
+{
+    const sigset_t signals = setOf({SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH});
+    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+    m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+    m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { deliver(); });
+}
+
+void TerminalSignals::deliver()
+{
+    signalfd_siginfo info = {};
+    while (posix::retry([&] { return ::read(m_signals.get(), &info, sizeof info); }) == ssize_t{sizeof info})
+        m_handler(static_cast<int>(info.ssi_signo));
+}
+
+void TerminalSignals::stop()
+{
+    const sigset_t signal = setOf({SIGTSTP});
+    // Pending while it is blocked; the process stops where it is unblocked.
+    ::raise(SIGTSTP);
+    ::sigprocmask(SIG_UNBLOCK, &signal, nullptr);
+    ::sigprocmask(SIG_BLOCK, &signal, nullptr);
+}
 
 Screen::Screen(Console& console)
     : m_console(console)

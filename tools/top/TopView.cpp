@@ -2,8 +2,8 @@
 #include "tools/top/TopView.h"
 
 #include "handset/common/Text.h"
-#include "tools/top/Canvas.h"
 #include "tools/top/PhoneState.h"
+#include "tools/top/Screen.h"
 
 #include <algorithm>
 #include <iterator>

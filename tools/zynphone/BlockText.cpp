@@ -1,8 +1,8 @@
 // Blocks of bytes of a fixed size, as the tool writes and reads them.
 #include "tools/zynphone/BlockText.h"
 
-#include "tools/interchange/FieldText.h"
 #include "tools/zynphone/HexText.h"
+#include "tools/zynphone/Text.h"
 
 #include <algorithm>
 

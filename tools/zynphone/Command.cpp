@@ -3,9 +3,7 @@
 
 #include "handset/common/Text.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/Help.h"
-
-#include <QtCore/QCoreApplication>
+#include "tools/zynphone/Table.h"
 
 #include <algorithm>
 
@@ -13,6 +11,60 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
+
+QString syntax(const Argument& argument)
+{
+    switch (argument.count) {
+    case Argument::Optional:
+        return u'[' + argument.name + u']';
+    case Argument::Many:
+        return argument.name + u"..."_s;
+    case Argument::Any:
+        return u'[' + argument.name + u"...]"_s;
+    default:
+        return argument.name;
+    }
+}
+
+QString usageLine(const Command& command, const QString& path)
+{
+    QStringList words{u"Usage:"_s, path};
+    if (!command.run)
+        words += u"VERB"_s;
+    for (const Argument& argument : command.arguments)
+        words += syntax(argument);
+    const QString line = words.join(u' ') + u" [OPTION...]\n"_s;
+    return command.run && !command.verbs.empty() ? line + u"       %1 VERB [OPTION...]\n"_s.arg(path) : line;
+}
+
+QStringList optionRow(const QCommandLineOption& option)
+{
+    QString synopsis = u"  --"_s + option.names().constFirst();
+    if (!option.valueName().isEmpty())
+        synopsis += u' ' + option.valueName();
+    return {synopsis, option.description()};
+}
+
+QString section(const QString& title, const QList<QStringList>& rows)
+{
+    return rows.isEmpty() ? QString() : u'\n' + title + u":\n"_s + alignedLines(rows);
+}
+
+/// The help of @p command, whose name with that of its groups is @p path.
+QString helpText(const Command& command, const QString& path)
+{
+    QList<QStringList> verbs;
+    for (const Command& verb : command.verbs)
+        verbs += {u"  "_s + verb.name, verb.summary};
+    QList<QStringList> arguments;
+    for (const Argument& argument : command.arguments)
+        arguments += {u"  "_s + argument.name, argument.meaning};
+    QList<QStringList> options;
+    for (const QCommandLineOption& option : command.options + commonOptions())
+        options += optionRow(option);
+    return usageLine(command, path) + u'\n' + command.summary + u".\n"_s + command.details + section(u"Verbs"_s, verbs)
+           + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
+}
 
 /// Marks a negative number, which the parser would take for options. No word of a command line holds this
 /// character.

@@ -5,19 +5,23 @@
 
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
 #include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QTimer>
 
+#include <chrono>
 #include <limits>
 #include <optional>
 #include <vector>
 
 namespace zyn::tool {
 
-class Console;
 struct Command;
+
+class Console;
 
 /// What a verb takes besides its options.
 struct Argument
@@ -94,5 +98,35 @@ ExitCode runCommand(const Command& command, const QString& path, const QStringLi
 /// range.
 int wholeNumber(const QString& text, const QString& what, int lowest = std::numeric_limits<int>::min(),
                 int highest = std::numeric_limits<int>::max());
+
+/// How many seconds the event loop may run, as the option says.
+class TimeLimit
+{
+public:
+    static QCommandLineOption option(const QString& text = QStringLiteral("end after that time"))
+    {
+        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), text);
+    }
+
+    /// @param option  the one that sets it, if not option()
+    explicit TimeLimit(const Invocation& invocation, const QString& option = QStringLiteral("for"))
+        : m_seconds(limitFrom(invocation, option, kMaxSeconds))
+    {}
+
+    bool isSet() const { return m_seconds.has_value(); }
+
+    /// From now on the time runs; nothing ends when none is set.
+    void start() const
+    {
+        if (m_seconds)
+            QTimer::singleShot(std::chrono::seconds(*m_seconds), QCoreApplication::instance(), &QCoreApplication::quit);
+    }
+
+private:
+    /// The longest time that a timer takes.
+    static constexpr int kMaxSeconds = std::numeric_limits<int>::max() / 1000;
+
+    std::optional<int> m_seconds;
+};
 
 } // namespace zyn::tool

@@ -1,4 +1,5 @@
-// How the tool ends: its exit codes, and the error that a verb ends with.
+// How the tool ends: its exit codes, the error that a verb ends with, and what a service that does not answer makes of
+// it.
 #pragma once
 
 #include <QtCore/QString>
@@ -43,5 +44,12 @@ inline CommandError usageError(QString message)
 {
     return CommandError(Usage, std::move(message));
 }
+
+/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the
+/// library's results do not tell.
+CommandError serviceError(const QString& service, const QString& path);
+
+/// The same of a request to the recent-call service.
+CommandError recentCallServiceError();
 
 } // namespace zyn::tool

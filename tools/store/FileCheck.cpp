@@ -1,0 +1,271 @@
+// Checks the files of a store, each by itself: record files, contacts' files, the favourites' file.
+#include "tools/store/FileCheck.h"
+
+#include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "recentcall/utility/store/RecordFile_p.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/RecordText.h"
+#include "utility/FixedText_p.h"
+
+#include <QtCore/QHash>
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <string_view>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::tool {
+namespace {
+
+using Call = PHONE_ENG_RecentCall;
+
+/// What is wrong with the record in @p place of the file of @p list, seen alone.
+QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T list)
+{
+    QStringList problems;
+    if (record.slot != place)
+        problems += u"the record names slot %1"_s.arg(record.slot);
+    if (list != RC_CALL_CATEGORY_NONE && record.category != list)
+        problems += u"the category is %1"_s.arg(categoryWord(record.category));
+    if (record.uid == zyn::kGreatestUid)
+        problems += u"its uid leaves none for newer calls"_s;
+    return problems + flagProblems(record) + textProblems(record);
+}
+
+/// Looks at the slots one after the other.
+class SlotCheck
+{
+public:
+    SlotCheck(RC_CALL_CATEGORY_T list, const QStringList& problems)
+        : m_list(list)
+        , m_problems(problems)
+    {}
+
+    void look(const Call& record, int place)
+    {
+        m_problems.add(place, recordProblems(record, place, m_list));
+        if (const auto other = m_placeOfUid.constFind(record.uid); other != m_placeOfUid.cend())
+            m_problems.add(place, u"uid %1 is that of slot %2 too"_s.arg(record.uid).arg(*other));
+        else
+            m_placeOfUid.insert(record.uid, place);
+        m_records.push_back(record);
+        m_records.back().slot = place;
+    }
+
+    void lookAtFree(const Call& record, int place)
+    {
+        if (zyn::bytesOf(record) != zyn::bytesOf(Call()))
+            m_problems.add(place, u"it is free but not blank"_s);
+    }
+
+    const Problems& problems() const { return m_problems; }
+    Table table() const { return Table(slotColumns(), m_records); }
+
+private:
+    RC_CALL_CATEGORY_T m_list;
+    QHash<int32_t, int> m_placeOfUid;
+    Problems m_problems;
+    std::vector<Call> m_records;
+};
+
+using Entry = PHONE_ENG_ActivityLog;
+
+constexpr std::string_view kDialedCharacters = "0123456789*#+";
+
+/// What is wrong with @p entry, in @p slot of the file @p name, seen alone.
+QStringList entryProblems(const Entry& entry, int slot, const QString& name)
+{
+    QStringList problems;
+    if (entry.topPalsAvlPos != slot)
+        problems += u"the entry names slot %1"_s.arg(entry.topPalsAvlPos);
+    if (entry.topPalsAvlIndex < 0)
+        problems += u"the index is %1"_s.arg(entry.topPalsAvlIndex);
+    if (isContactFileName(name) && entry.getPhoneNumber() != name)
+        problems += u"the number is '%1'"_s.arg(printable(entry.getPhoneNumber()));
+    problems += flagProblems(entry) + textProblems(entry);
+    if (!isTerminated(entry.msgString))
+        problems += u"the message has no NUL"_s;
+    return problems;
+}
+
+/// Looks at the slots one after the other.
+class EntryCheck
+{
+public:
+    EntryCheck(const QString& name, const QStringList& problems)
+        : m_name(name)
+        , m_problems(problems)
+    {}
+
+    void look(const QByteArray& image, int slot)
+    {
+        Entry& entry = m_entries.emplace_back();
+        zyn::readContactRecord(entry, image, slot);
+        if (entry.inUse == 0) {
+            if (zyn::contactRecordBytes(entry) != zyn::contactRecordBytes(m_blank))
+                m_problems.add(slot, u"it is free but not blank"_s);
+            m_entries.pop_back();
+            return;
+        }
+        m_problems.add(slot, entryProblems(entry, slot, m_name));
+        entry.topPalsAvlPos = slot;
+    }
+
+    const Problems& problems() const { return m_problems; }
+    Table table() const { return Table(activityColumns(), m_entries); }
+
+private:
+    const QString m_name;
+    const Entry m_blank;
+    Problems m_problems;
+    std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
+};
+
+struct Favourite
+{
+    int place;
+    QString number;
+};
+
+constexpr Column<Favourite> kColumns[] = {
+    {"place", "PLACE", [](const Favourite& favourite) { return QJsonValue(favourite.place); }},
+    {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
+};
+
+/// What is wrong with @p detail, in @p place, seen alone.
+QStringList placeProblems(const TopPalNumberDetail& detail, int place)
+{
+    const bool isFree = detail.nthFileItem == TopPalNumberDetail::kFree;
+    const bool hasNumber = detail.phoneNumber[0] != '\0';
+    QStringList problems;
+    if (!isFree && detail.nthFileItem != place)
+        problems += u"it names place %1"_s.arg(detail.nthFileItem);
+    if (isFree && hasNumber)
+        problems += u"it is free but has a number"_s;
+    if (!isFree && !hasNumber)
+        problems += u"it is taken but has no number"_s;
+    if (!isTerminated(detail.phoneNumber))
+        problems += u"the number has no NUL"_s;
+    return problems;
+}
+
+} // namespace
+
+QString recordFile(RC_CALL_CATEGORY_T list)
+{
+    return QLatin1String(recordFileName(list)).sliced(1);
+}
+
+RC_CALL_CATEGORY_T listOfFile(const QString& name)
+{
+    const auto found = std::ranges::find(kRecordLists, name, recordFile);
+    return found == std::end(kRecordLists) ? RC_CALL_CATEGORY_NONE : *found;
+}
+
+bool isRecordFileName(const QString& name)
+{
+    return listOfFile(name) != RC_CALL_CATEGORY_NONE;
+}
+
+bool isRecordFileImage(const QByteArray& image)
+{
+    return image.size() == kRecordFileSize && hasValidHeader(image);
+}
+
+FileFindings checkRecordFile(const QString& name, const QByteArray& image)
+{
+    const RC_CALL_CATEGORY_T list = listOfFile(name);
+    QStringList problems = headerProblems(image);
+    const int places = problems.isEmpty() ? std::min(recordCount(image), kRecordSlots) : 0;
+    problems += sizeProblems(image, kRecordFileSize);
+    SlotCheck check(list, problems);
+    for (int place = 0; place < places; ++place) {
+        if (isRecordInUse(image, place))
+            check.look(recordAt(image, place), place);
+        else
+            check.lookAtFree(recordAt(image, place), place);
+    }
+    const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
+    return {kind, kSlotWord, check.problems(), check.table()};
+}
+
+bool isContactFileName(const QString& name)
+{
+    return !name.isEmpty() && std::ranges::all_of(name, [](QChar character) {
+        return kDialedCharacters.find(character.toLatin1()) != kDialedCharacters.npos;
+    });
+}
+
+bool isContactFileImage(const QByteArray& image)
+{
+    const int slots = contactRecordCount(image);
+    if (!hasValidHeader(image) || image.size() != contactFileSize(slots))
+        return false;
+    Entry entry;
+    const int32_t nowhere = entry.topPalsAvlPos;
+    int known = 0;
+    for (int slot = 0; slot < slots; ++slot) {
+        readContactRecord(entry, image, slot);
+        known += entry.topPalsAvlPos == slot || entry.topPalsAvlPos == nowhere ? 1 : 0;
+    }
+    return known >= slots - known;
+}
+
+FileFindings checkContactFile(const QString& name, const QByteArray& image)
+{
+    QStringList problems = headerProblems(image);
+    const int slots = problems.isEmpty() ? contactRecordCount(image) : 0;
+    problems += sizeProblems(image, contactFileSize(contactSlots()));
+    EntryCheck check(name, problems);
+    for (int slot = 0; slot < slots; ++slot)
+        check.look(image, slot);
+    return {u"activities of a favourite"_s, kSlotWord, check.problems(), check.table()};
+}
+
+int placeCount(const QByteArray& image)
+{
+    const qint64 length = std::min<qint64>(image.size(), kTopPalsDetailsSize) - topPalsDetailsOffset(0);
+    return static_cast<int>(std::max<qint64>(length, 0) / qint64{sizeof(TopPalNumberDetail)});
+}
+
+TopPalNumberDetail detailAt(const QByteArray& image, int place)
+{
+    TopPalNumberDetail detail;
+    std::memcpy(&detail, image.constData() + topPalsDetailsOffset(place), sizeof detail);
+    return detail;
+}
+
+bool isFavouritesFileName(const QString& name)
+{
+    return name == QLatin1String(kTopPalsDetailsName);
+}
+
+bool isFavouritesFileImage(const QByteArray& image)
+{
+    return image.size() == kTopPalsDetailsSize && hasValidHeader(image);
+}
+
+FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& image)
+{
+    Problems problems(headerProblems(image) + sizeProblems(image, kTopPalsDetailsSize));
+    const int places = hasValidHeader(image) ? placeCount(image) : 0;
+    std::vector<Favourite> favourites;
+    for (int place = 0; place < places; ++place) {
+        const TopPalNumberDetail detail = detailAt(image, place);
+        QStringList found = placeProblems(detail, place);
+        if (detail.nthFileItem != TopPalNumberDetail::kFree) {
+            const QString number = latin1Text(detail.phoneNumber);
+            const auto other = std::ranges::find(favourites, number, &Favourite::number);
+            if (other != favourites.end())
+                found += u"its number is that of place %1 too"_s.arg(other->place);
+            favourites.push_back({place, number});
+        }
+        problems.add(place, found);
+    }
+    return {u"favourites"_s, kPlaceWord, problems, Table(kColumns, favourites)};
+}
+
+} // namespace zyn::tool

@@ -1,0 +1,57 @@
+// Texts for people and from them: counts, cut texts, words for values, the nearest word, texts for fields.
+#include "tools/zynphone/Text.h"
+
+#include <compare>
+#include <numeric>
+#include <vector>
+
+namespace zyn::tool {
+namespace {
+
+/// How many characters must be inserted, removed or replaced to make one word of the other.
+struct Edits
+{
+    qsizetype ofBeginning; ///< when the rest of the second word does not count
+    qsizetype ofWhole;
+
+    auto operator<=>(const Edits&) const = default; // NOLINT(modernize-use-nullptr): what it says of the generated code
+};
+
+Edits edits(const QString& from, const QString& to)
+{
+    std::vector<qsizetype> row(static_cast<size_t>(to.size()) + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const QChar character : from) {
+        qsizetype diagonal = row[0]++;
+        for (size_t column = 1; column < row.size(); ++column) {
+            const qsizetype replaced = diagonal + (to[static_cast<qsizetype>(column) - 1] != character);
+            diagonal = row[column];
+            row[column] = std::min({replaced, row[column] + 1, row[column - 1] + 1});
+        }
+    }
+    return {*std::ranges::min_element(row), row.back()};
+}
+
+} // namespace
+
+QString nearestWord(const QString& word, const QStringList& known)
+{
+    QString nearest;
+    Edits fewest{(word.size() + 1) / 2, 0};
+    for (const QString& candidate : known) {
+        const Edits candidateEdits = edits(word, candidate);
+        if (candidateEdits < fewest) {
+            fewest = candidateEdits;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}
+
+QString suggestion(const QString& word, const QStringList& known)
+{
+    const QString nearest = nearestWord(word, known);
+    return nearest.isNull() ? QString() : QStringLiteral("; did you mean '%1'?").arg(nearest);
+}
+
+} // namespace zyn::tool

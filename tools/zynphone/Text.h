@@ -1,0 +1,99 @@
+// Texts for people and from them: counts, cut texts, words for values, the nearest word, texts for fields.
+#pragma once
+
+#include "tools/zynphone/ExitCode.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace zyn::tool {
+
+/// "1 message", "2 messages" for "message".
+inline QString counted(qsizetype number, const char* thing)
+{
+    return QStringLiteral("%1 %2").arg(QString::number(number), QLatin1String(thing))
+           + (number == 1 ? QLatin1String() : QLatin1String("s"));
+}
+
+/// @p text, with an ellipsis for what is behind @p limit characters, at least 1, that one included.
+inline QString elided(const QString& text, qsizetype limit)
+{
+    if (text.size() <= limit)
+        return text;
+    qsizetype kept = limit - 1;
+    // Half of a pair shows nothing.
+    if (kept > 0 && text[kept - 1].isHighSurrogate())
+        --kept;
+    return text.left(kept) + QChar(u'\u2026');
+}
+
+template<typename Value>
+struct Word
+{
+    const char* text;
+    Value value;
+};
+
+/// The word of @p words for @p value, or its number when there is none.
+template<typename Words, typename Value>
+QString wordFor(const Words& words, Value value)
+{
+    const auto found = std::ranges::find_if(words, [value](const Word<Value>& word) { return word.value == value; });
+    return found == words.end() ? QString::number(value) : QLatin1String(found->text);
+}
+
+/// The texts of @p words.
+template<typename Words>
+QStringList wordTexts(const Words& words)
+{
+    QStringList texts;
+    for (const auto& word : words)
+        texts += QLatin1String(word.text);
+    return texts;
+}
+
+/// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of
+/// them.
+template<typename Words>
+auto wordNamed(const Words& words, const QString& text, const QString& what)
+{
+    const auto found = std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
+    if (found != words.end())
+        return *found;
+    throw usageError(
+        QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, wordTexts(words).join(QLatin1String(", "))));
+}
+
+/// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when
+/// that is half of the word or more.
+QString nearestWord(const QString& word, const QStringList& known);
+
+/// The end of an error about an unknown @p word: asks whether the nearest of @p known was meant; empty when there is
+/// none.
+QString suggestion(const QString& word, const QStringList& known);
+
+/// @p text, of @p what, which its field takes as Latin-1 and holds whole; a usage error when it does not.
+inline QString latin1Field(const QString& text, const QString& what, qsizetype limit)
+{
+    if (std::ranges::any_of(text, [](QChar character) { return character.unicode() > 0xFF; }))
+        throw usageError(QStringLiteral("the %1 holds characters that are not Latin-1").arg(what));
+    if (text.size() > limit)
+        throw usageError(
+            QStringLiteral("the %1 has %2 characters; at most %3 fit").arg(what).arg(text.size()).arg(limit));
+    return text;
+}
+
+/// The seconds since 1970 of @p time, which is what @p text says; a usage error when a record does not hold them.
+inline int32_t secondsOf(const QDateTime& time, const QString& text)
+{
+    const qint64 seconds = time.toSecsSinceEpoch();
+    if (seconds != static_cast<int32_t>(seconds))
+        throw usageError(QStringLiteral("'%1' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z").arg(text));
+    return static_cast<int32_t>(seconds);
+}
+
+} // namespace zyn::tool
