@@ -28,6 +28,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr char kChannel[] = "/ZYN/test";
@@ -80,122 +82,104 @@ QByteArray receiveBare(const zyn::posix::UniqueFd& connection)
     return bytes.first(std::max<qsizetype>(::recv(connection.get(), bytes.data(), 100, MSG_DONTWAIT), 0));
 }
 
-/// Listens until a message "end" comes; fails when a sender's messages have gaps or are not as many as it
-/// says.
-int listenRole(const QStringList&)
-{
-    Inbox inbox;
-    QEventLoop loop;
-    QObject::connect(&inbox, &QCopChannel::received,
-                     [&](const QCString& name) { name == "end" ? loop.quit() : void(); });
-    role::sayReady();
-    loop.exec();
-    return inbox.isInOrder && inbox.counts["test"] == inbox.payloads.last().toInt() ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
-/// Sends a thousand numbered messages and ends: SENDER SIZE alone|turn|thread.
-int sendRole(const QStringList& arguments)
-{
-    bool isSent = true;
-    const auto send = [&] {
-        for (int i = 0; i < 1000; ++i)
-            isSent &= QCopChannel::send(kChannel, "n", numbered(arguments[0].toLatin1(), i, arguments[1].toInt()));
-        role::sayReady();
-    };
-    const std::unique_ptr<QThread> thread(QThread::create(send));
-    if (arguments[2] == QStringLiteral("thread"))
-        thread->start();
-    else
-        arguments[2] == QStringLiteral("turn") ? inOneTurn(send) : send();
-    thread->wait();
-    std::exit(isSent ? EXIT_SUCCESS : EXIT_FAILURE);
-}
-
-/// Listens on many channels until each has got its messages: CHANNELS ROUNDS. Fails when one's are not in order.
-int manyRole(const QStringList& arguments)
+/// Listens on channels until "end" comes on each: NAME [COUNT]. Fails when a sender's messages have gaps or are not as
+/// many as it says.
+int listenRole(const QStringList& arguments)
 {
     std::vector<std::unique_ptr<Inbox>> inboxes;
     QEventLoop loop;
-    int left = arguments[0].toInt() * arguments[1].toInt();
-    for (int i = 0; i < arguments[0].toInt(); ++i) {
-        inboxes.push_back(std::make_unique<Inbox>("many" + QByteArray::number(i)));
-        QObject::connect(inboxes.back().get(), &QCopChannel::received, &loop,
-                         [&] { --left == 0 ? loop.quit() : void(); });
+    const int count = arguments.value(1, u"1"_s).toInt();
+    int left = count;
+    for (int i = 0; i < count; ++i) {
+        inboxes.push_back(std::make_unique<Inbox>(arguments[0].toLatin1() + (i > 0 ? QByteArray::number(i) : "")));
+        QObject::connect(inboxes.back().get(), &QCopChannel::received,
+                         [&](const QCString& name) { name == "end" && --left == 0 ? loop.quit() : void(); });
     }
     role::sayReady();
     loop.exec();
-    const bool isInOrder = std::ranges::all_of(inboxes, [](const auto& inbox) { return inbox->isInOrder; });
-    return isInOrder ? EXIT_SUCCESS : EXIT_FAILURE;
+    const auto isWhole = [](const auto& inbox) {
+        return inbox->isInOrder && inbox->counts["test"] == inbox->payloads.last().toInt();
+    };
+    return std::ranges::all_of(inboxes, isWhole) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Sends three messages in a turn of its loop, and ends in it: SIGTERM|abort|exec|_exit.
-int dieRole(const QStringList& arguments)
+/// Sends numbered messages, and as many again when it is destroyed if @p again is set.
+struct Sender
 {
-    const rlimit none = {0, 0};
-    ::setrlimit(RLIMIT_CORE, &none);
-    inOneTurn([&] {
-        for (int i = 0; i < 3; ++i)
-            QCopChannel::send(kChannel, "n", numbered("dead", i));
-        if (arguments[0] == QStringLiteral("SIGTERM"))
-            ::raise(SIGTERM);
-        else if (arguments[0] == QStringLiteral("abort"))
-            ::raise(SIGABRT);
-        else if (arguments[0] == QStringLiteral("exec"))
-            ::execl("/bin/true", "true", nullptr);
-        ::_exit(EXIT_SUCCESS);
-    });
-    return EXIT_FAILURE;
-}
+    QByteArray name;
+    int count;
+    int size;
+    bool again;
+    int next = 0;
+    bool isSent = true;
 
-/// How many messages are more than a listener reads at once, and twice as many no more than a socket takes.
-constexpr int kFewReads = 40;
-
-/// Sends more messages than are read at once from its destructor.
-struct LastSender
-{
-    LastSender() = default;
-    LastSender(const LastSender&) = delete;
-    LastSender& operator=(const LastSender&) = delete;
-    ~LastSender()
+    Sender(const QStringList& arguments, bool sendsAgain)
+        : name(arguments[0].toLatin1())
+        , count(arguments[1].toInt())
+        , size(arguments[2].toInt())
+        , again(sendsAgain)
+    {}
+    Sender(const Sender&) = delete;
+    Sender& operator=(const Sender&) = delete;
+    ~Sender() { again ? send() : void(); }
+    void send()
     {
-        for (int i = 0; i < kFewReads; ++i)
-            QCopChannel::send(kChannel, "n", numbered("last", first + i, 1000));
+        for (const int end = next + count; next < end; ++next)
+            isSent &= QCopChannel::send(kChannel, "n", numbered(name, next, size));
+        role::sayReady();
     }
-
-    int first = 0;
 };
 
-/// Sends as many messages, and lets an object do so that is destroyed at the end: process|thread.
-int lastRole(const QStringList& arguments)
+/// Ends the process in the way @p end says; "exit" does nothing.
+void endProcess(const QString& end)
 {
-    const auto send = [](LastSender& last) {
-        for (; last.first < kFewReads; ++last.first)
-            QCopChannel::send(kChannel, "n", numbered("last", last.first, 1000));
-    };
-    if (arguments[0] == QStringLiteral("process")) {
-        static LastSender last;
-        send(last);
-        return EXIT_SUCCESS;
-    }
-    // Who waits for a QThread does not wait for these objects.
-    std::thread([&] {
-        static thread_local LastSender last;
-        send(last);
-    }).join();
-    return EXIT_SUCCESS;
-}
-
-/// Sends a message, and forks a child that stays when it ends.
-int leaveChildRole(const QStringList&)
-{
-    QCopChannel::send(kChannel, "n");
-    if (::fork() == 0) {
-        ::close(STDOUT_FILENO); // who waits for the parent waits for its end
+    if (end == u"SIGTERM")
+        ::raise(SIGTERM);
+    if (end == u"abort")
+        ::raise(SIGABRT);
+    if (end == u"exec")
+        ::execl("/bin/true", "true", nullptr);
+    if (end == u"fork" && ::fork() == 0) { // the child stays
+        ::close(STDOUT_FILENO);            // who waits for the parent waits for its end
         ::close(STDERR_FILENO);
         ::alarm(role::kPatience / 1000);
         ::pause();
     }
-    ::_exit(EXIT_SUCCESS);
+    if (end != u"exit")
+        ::_exit(EXIT_SUCCESS);
+}
+
+/// Sends numbered messages: NAME COUNT SIZE WHERE END.
+int sendRole(const QStringList& arguments)
+{
+    const rlimit none = {0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+    const QString& where = arguments[3];
+    if (where == u"static object") {
+        static Sender sender(arguments, true);
+        sender.send();
+        return EXIT_SUCCESS;
+    }
+    if (where == u"object of a thread") {
+        // Who waits for a QThread does not wait for these objects.
+        std::thread([&] {
+            static thread_local Sender sender(arguments, true);
+            sender.send();
+        }).join();
+        return EXIT_SUCCESS;
+    }
+    Sender sender(arguments, false);
+    const auto send = [&] {
+        sender.send();
+        endProcess(arguments[4]);
+    };
+    const std::unique_ptr<QThread> thread(QThread::create(send));
+    if (where == u"thread")
+        thread->start();
+    else
+        where == u"turn" ? inOneTurn(send) : send();
+    thread->wait();
+    std::exit(sender.isSent ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
 /// Listens, and forks in a turn of its loop in which it has gathered messages. One child goes back to the
@@ -238,15 +222,11 @@ private Q_SLOTS:
     void refusesWhatIsNoMessage();
     void givesALateListenerNothingSentBefore();
     void writesAHandfulOfATurnAtOnceAndGathersABurst();
-    void losesNothingSentInATurnThatTheProcessDoesNotSurvive_data();
-    void losesNothingSentInATurnThatTheProcessDoesNotSurvive();
     void movesWhatWaitsOnOneChannelWithMessagesOnOthers();
-    void keepsEachSendersOrder_data();
-    void keepsEachSendersOrder();
+    void losesNothingAndKeepsEachSendersOrder_data();
+    void losesNothingAndKeepsEachSendersOrder();
     void keepsOrderOnMoreChannelsThanStayOpen_data();
     void keepsOrderOnMoreChannelsThanStayOpen();
-    void keepsTheOrderOfWhatLastObjectsSend_data();
-    void keepsTheOrderOfWhatLastObjectsSend();
     void isFoundAgainWhenItsSocketIsRemoved_data();
     void isFoundAgainWhenItsSocketIsRemoved();
     void listensLaterWhereItMayNotYet();
@@ -311,7 +291,7 @@ void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
 {
     Inbox first;
     QCopChannel second(kChannel, nullptr, "second");
-    QCOMPARE(second.objectName(), QStringLiteral("second"));
+    QCOMPARE(second.objectName(), u"second"_s);
     QCOMPARE(second.channel(), QCString(kChannel));
     QCopChannel other("/zyn/TEST"), longName(QCString(300, 'c')), dots("..");
     QSignalSpy spy(&second, &QCopChannel::received), otherSpy(&other, &QCopChannel::received);
@@ -382,23 +362,6 @@ void tst_QCopChannel::writesAHandfulOfATurnAtOnceAndGathersABurst()
     ::unlink(socketPath("bare").constData());
 }
 
-void tst_QCopChannel::losesNothingSentInATurnThatTheProcessDoesNotSurvive_data()
-{
-    QTest::addColumn<QString>("end");
-    for (const char* end : {"SIGTERM", "abort", "exec", "_exit"})
-        QTest::newRow(end) << QString::fromLatin1(end);
-}
-
-void tst_QCopChannel::losesNothingSentInATurnThatTheProcessDoesNotSurvive()
-{
-    QFETCH(QString, end);
-    Inbox inbox;
-    const auto process = role::start(QStringLiteral("die"), {end});
-    role::finish(*process);
-    QTRY_COMPARE(inbox.names.size(), 3);
-    QVERIFY(inbox.isInOrder);
-}
-
 void tst_QCopChannel::movesWhatWaitsOnOneChannelWithMessagesOnOthers()
 {
     const auto listener = listenBare();
@@ -418,31 +381,42 @@ void tst_QCopChannel::movesWhatWaitsOnOneChannelWithMessagesOnOthers()
     ::unlink(socketPath("bare").constData());
 }
 
-void tst_QCopChannel::keepsEachSendersOrder_data()
+void tst_QCopChannel::losesNothingAndKeepsEachSendersOrder_data()
 {
+    QTest::addColumn<int>("count"); // of each of three senders
     QTest::addColumn<int>("size");
-    QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("end");
     for (const int size : {0, 1000}) { // a socket does not take all of the larger ones
-        for (const char* mode : {"alone", "turn", "thread"})
-            QTest::addRow("%d bytes each, sent: %s", size, mode) << size << QString::fromLatin1(mode);
+        for (const QString& where : {u"main"_s, u"turn"_s, u"thread"_s})
+            QTest::addRow("%d bytes each, sent in: %s", size, qPrintable(where)) << 1000 << size << where << u"exit"_s;
     }
+    for (const QString& end : {u"SIGTERM"_s, u"abort"_s, u"exec"_s, u"_exit"_s})
+        QTest::addRow("in a turn that ends with: %s", qPrintable(end)) << 3 << 0 << u"turn"_s << end;
+    // More than is read at once, and then as much from a destructor; a socket takes all of it.
+    for (const QString& where : {u"static object"_s, u"object of a thread"_s})
+        QTest::addRow("by the last: %s", qPrintable(where)) << 40 << 1000 << where << u"exit"_s;
 }
 
-void tst_QCopChannel::keepsEachSendersOrder()
+void tst_QCopChannel::losesNothingAndKeepsEachSendersOrder()
 {
+    QFETCH(int, count);
     QFETCH(int, size);
-    QFETCH(QString, mode);
+    QFETCH(QString, where);
+    QFETCH(QString, end);
     Inbox inbox;
     std::vector<std::unique_ptr<QProcess>> senders;
-    for (const char* sender : {"a", "b", "c"})
-        senders.push_back(
-            role::start(QStringLiteral("send"), {QString::fromLatin1(sender), QString::number(size), mode}));
+    for (const QString& sender : {u"a"_s, u"b"_s, u"c"_s})
+        senders.push_back(role::start(u"send"_s, {sender, QString::number(count), QString::number(size), where, end}));
     for (const auto& sender : senders)
         QVERIFY(role::waitReady(*sender)); // all is sent before anything is read
-    QTRY_COMPARE(inbox.names.size(), 3000);
+    const bool isEnded = count < 1000;
+    for (const auto& sender : senders)
+        QVERIFY(!isEnded || role::finish(*sender) == (end == u"SIGTERM" || end == u"abort" ? -1 : EXIT_SUCCESS));
+    QTRY_COMPARE(inbox.names.size(), 3 * (where.contains(u"object") ? 2 : 1) * count);
     QVERIFY(inbox.isInOrder);
     for (const auto& sender : senders)
-        QCOMPARE(role::finish(*sender), EXIT_SUCCESS);
+        QVERIFY(isEnded || role::finish(*sender) == EXIT_SUCCESS);
 }
 
 void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen_data()
@@ -460,16 +434,19 @@ void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
     rlimit usual = {};
     ::getrlimit(RLIMIT_NOFILE, &usual);
     const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_NOFILE, &usual); });
-    const auto process = role::start(QStringLiteral("many"), {QString::number(kChannels), QString::number(kRounds)});
+    const auto process = role::start(u"listen"_s, {u"many"_s, QString::number(kChannels)});
     QVERIFY(role::waitReady(*process));
     const rlimit low = {256, usual.rlim_max}; // of which connections get a part
     ::setrlimit(RLIMIT_NOFILE, &low);
     if (isSlow)
         ::kill(pid(*process), SIGSTOP);
-    for (int i = 0; i < kRounds; ++i) {
-        for (int channel = 0; channel < kChannels; ++channel)
-            QVERIFY(QCopChannel::send("many" + QByteArray::number(channel), "n",
-                                      numbered("test", i, i == 0 ? 60'000 : 0))); // the first takes several reads
+    for (int i = 0; i <= kRounds; ++i) {
+        for (int channel = 0; channel < kChannels; ++channel) {
+            const QByteArray name = channel > 0 ? "many" + QByteArray::number(channel) : "many";
+            QVERIFY(i < kRounds
+                        ? QCopChannel::send(name, "n", numbered("test", i, i == 0 ? 60'000 : 0)) // several reads
+                        : QCopChannel::send(name, "end", QByteArray::number(kRounds)));
+        }
     }
     if (isSlow)
         ::kill(pid(*process), SIGCONT);
@@ -477,23 +454,6 @@ void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
         QVERIFY(openDescriptors() < 200);
     QTRY_COMPARE(process->state(), QProcess::NotRunning);
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
-}
-
-void tst_QCopChannel::keepsTheOrderOfWhatLastObjectsSend_data()
-{
-    QTest::addColumn<QString>("whose");
-    QTest::newRow("static objects, when the application is gone") << QStringLiteral("process");
-    QTest::newRow("objects of a thread") << QStringLiteral("thread");
-}
-
-void tst_QCopChannel::keepsTheOrderOfWhatLastObjectsSend()
-{
-    QFETCH(QString, whose);
-    Inbox inbox;
-    const auto process = role::start(QStringLiteral("last"), {whose});
-    QCOMPARE(role::finish(*process), EXIT_SUCCESS); // nothing has been received until then
-    QTRY_COMPARE(inbox.names.size(), 2 * qsizetype{kFewReads});
-    QVERIFY(inbox.isInOrder);
 }
 
 void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved_data()
@@ -563,7 +523,7 @@ void tst_QCopChannel::listensLaterWhereItMayNotYet()
 void tst_QCopChannel::showsWhoCleansUpThatItLives()
 {
     const Inbox inbox;
-    QFile list(QStringLiteral("/proc/net/unix"));
+    QFile list(u"/proc/net/unix"_s);
     QVERIFY(list.open(QIODevice::ReadOnly));
     QVERIFY(list.readAll().contains(' ' + socketPath(sockets().at(0).toLocal8Bit()) + '\n'));
 }
@@ -571,7 +531,7 @@ void tst_QCopChannel::showsWhoCleansUpThatItLives()
 void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
 {
     Inbox living;
-    const auto dead = role::start(QStringLiteral("listen"));
+    const auto dead = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
     QVERIFY(role::waitReady(*dead));
     // Of a process that has another number where it lives, and that does not listen yet.
     const QByteArray elsewhere = socketPath("2147483647-1");
@@ -587,7 +547,7 @@ void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QCOMPARE(sockets().size(), 2);
     QTRY_COMPARE(living.names.size(), 2);
-    QVERIFY(sockets().contains(QStringLiteral("2147483647-1")));
+    QVERIFY(sockets().contains(u"2147483647-1"_s));
     QVERIFY(::listen(young.get(), 1) == 0 && ::chmod(elsewhere.constData(), 0600) == 0);
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QCOMPARE(receiveBare(zyn::posix::acceptConnection(young.get())), QByteArray("\1\0\0\0\0\0\0\0n", 9));
@@ -596,17 +556,17 @@ void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
 
 void tst_QCopChannel::removesWhatAKilledListenerLeavesOnAChannelThatNobodyUses()
 {
-    const auto dead = role::start(QStringLiteral("listen"));
+    const auto dead = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
     QVERIFY(role::waitReady(*dead));
     dead->kill();
     QCOMPARE(role::finish(*dead), -1);
     QCOMPARE(sockets().size(), 1);
-    const auto other = role::start(QStringLiteral("many"), {QStringLiteral("1"), QStringLiteral("1")});
+    const auto other = role::start(u"listen"_s, {u"many"_s});
     QVERIFY(role::waitReady(*other));
     QVERIFY(!QFile::exists(QString::fromLocal8Bit(socketPath({}))));
     other->terminate();
     role::finish(*other);
-    QVERIFY(QCopChannel::send("many0", "removes the other's"));
+    QVERIFY(QCopChannel::send("many", "removes the other's"));
 }
 
 void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()
@@ -626,7 +586,7 @@ void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()
 
 void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
 {
-    const auto process = role::start(QStringLiteral("listen"));
+    const auto process = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
     QVERIFY(role::waitReady(*process));
     int sent = 0;
     while (sent < 4000 && QCopChannel::send(kChannel, "n", numbered("test", sent, 8000))) {
@@ -781,10 +741,10 @@ void tst_QCopChannel::findsItsDirectory()
     QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere
     QCOMPARE(::mkdir((folder + "/late").constData(), 0700), 0);
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("late/zynqcop"))));
+    QVERIFY(QFile::exists(m_folder->filePath(u"late/zynqcop"_s)));
     qunsetenv("XDG_RUNTIME_DIR");
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(QStringLiteral("/tmp/zynqcop-%1").arg(::geteuid())));
+    QVERIFY(QFile::exists(u"/tmp/zynqcop-%1"_s.arg(::geteuid())));
     qputenv("ZYN_QCOP_PATH", "relative");
     QVERIFY(!QCopChannel::send(kChannel, "n"));
     qputenv("ZYN_QCOP_PATH", root() + QByteArray(100, 'l')); // longer than the address of a socket
@@ -821,7 +781,7 @@ void tst_QCopChannel::survivesForks()
     Inbox inbox;
     QCopChannel pids("/pid");
     QSignalSpy children(&pids, &QCopChannel::received);
-    const auto process = role::start(QStringLiteral("fork"));
+    const auto process = role::start(u"fork"_s);
     QVERIFY(role::waitReady(*process));
     QTRY_COMPARE(children.size(), 3);
     QTRY_COMPARE(inbox.counts["parent"], 3);
@@ -839,7 +799,7 @@ void tst_QCopChannel::losesASenderWhoseChildLives()
 {
     Inbox inbox;
     const qsizetype before = openDescriptors();
-    const auto process = role::start(QStringLiteral("leaveChild"));
+    const auto process = role::start(u"send"_s, {u"parent"_s, u"1"_s, u"0"_s, u"main"_s, u"fork"_s});
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
     process->close();
     QTRY_COMPARE(inbox.names.size(), 1);
@@ -848,14 +808,8 @@ void tst_QCopChannel::losesASenderWhoseChildLives()
 
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_QCopChannel>(argc, argv,
-                                           {{QStringLiteral("listen"), &listenRole},
-                                            {QStringLiteral("send"), &sendRole},
-                                            {QStringLiteral("many"), &manyRole},
-                                            {QStringLiteral("die"), &dieRole},
-                                            {QStringLiteral("last"), &lastRole},
-                                            {QStringLiteral("leaveChild"), &leaveChildRole},
-                                            {QStringLiteral("fork"), &forkRole}});
+    return role::testMain<tst_QCopChannel>(
+        argc, argv, {{u"listen"_s, &listenRole}, {u"send"_s, &sendRole}, {u"fork"_s, &forkRole}});
 }
 
 #include "tst_QCopChannel.moc"

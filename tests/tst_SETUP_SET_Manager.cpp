@@ -1,18 +1,20 @@
 // The settings store.
 #include "platform/SETUP_SET_Manager.h"
 #include "support/Descriptors.h"
+#include "support/OtherUser.h"
 #include "support/Role.h"
 #include "support/ScopedFileSizeLimit.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLockFile>
 #include <QtCore/QTemporaryDir>
 
 #include <climits>
+#include <cstdlib>
 #include <optional>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -21,7 +23,6 @@ namespace {
 
 constexpr int kManyWrites = 200;
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
-constexpr uid_t kNobody = 65534;
 
 /// The stored text; null when there is none.
 QString textOf(const QString& path, const QString& group, const QString& key)
@@ -43,15 +44,6 @@ int writeMany(const QString& path, const QString& prefix, int count)
         std::fflush(stdout);
     }
     return EXIT_SUCCESS;
-}
-
-int holdLock(const QString& path)
-{
-    QLockFile lock(path + u".lock"_s);
-    const bool held = lock.lock();
-    role::sayReady();
-    ::pause();
-    return held ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace
@@ -88,9 +80,14 @@ private Q_SLOTS:
     void choosesTheApplicationsFile();
     void losesNothingBetweenTwoWriters();
     void survivesKilledWriters();
-    void takesOverTheLockOfTheDead();
+    void removesWhatKilledWritersLeft();
 
 private:
+    bool set(const QString& value, const QString& group = u"g"_s, const QString& key = u"k"_s) const
+    {
+        return SETUP_SET_Manager(path(), false).setSettingInfo(group, key, value);
+    }
+    QString get() const { return textOf(path(), u"g"_s, u"k"_s); }
     QString path() const { return m_directory->filePath(u"settings.cfg"_s); }
     void write(const QByteArray& bytes) const
     {
@@ -158,9 +155,8 @@ void tst_SETUP_SET_Manager::keepsWhatALineCannotHold()
     QFETCH(const QString, value);
     QFETCH(const QByteArray, stored);
     write("[g]\nk=old\n[h]\nk=other\n");
-    SETUP_SET_Manager settings(path(), false);
-    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, value));
-    QCOMPARE(textOf(path(), u"g"_s, u"k"_s), value);
+    QVERIFY(set(value));
+    QCOMPARE(get(), value);
     QCOMPARE(read(), "[g]\nk=\xEF\xBB\xBF" + stored + "\n[h]\nk=other\n");
 }
 
@@ -200,7 +196,7 @@ void tst_SETUP_SET_Manager::readsFilesWrittenByHand()
 {
     QFETCH(const QByteArray, text);
     write(text);
-    QTEST(textOf(path(), u"g"_s, u"k"_s), "value");
+    QTEST(get(), "value");
     QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
 }
 
@@ -230,8 +226,7 @@ void tst_SETUP_SET_Manager::changesNothingButTheEntry()
     QFETCH(const QString, group);
     if (!before.isNull())
         write(before);
-    SETUP_SET_Manager settings(path(), false);
-    QVERIFY(settings.setSettingInfo(group, u"k"_s, u"new"_s));
+    QVERIFY(set(u"new"_s, group));
     QTEST(read(), "after");
     QCOMPARE(textOf(path(), group, u"k"_s), u"new"_s);
     QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
@@ -275,49 +270,58 @@ void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
 void tst_SETUP_SET_Manager::failsWithoutHarm_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("diskSpace"); // the largest file that can be written; -1 for no limit
-    QTest::addColumn<bool>("asNobody");
+    QTest::addColumn<QByteArray>("obstacle"); // a command that makes it
+    QTest::addColumn<int>("diskSpace");       // the largest file that can be written; -1 for no limit
 
-    QTest::newRow("a file in the directory's place") << u"settings.cfg/setup/x"_s << -1 << false;
-    QTest::newRow("a FIFO in the file's place") << u"fifo"_s << -1 << false;
-    QTest::newRow("no room left below 1 MiB") << u"full"_s << -1 << false;
-    QTest::newRow("larger than 1 MiB") << u"huge"_s << -1 << false;
-    QTest::newRow("no path") << QString() << -1 << false;
-    QTest::newRow("a NUL in the path") << QString(u"new"_s + QChar::Null) << -1 << false;
-    QTest::newRow("no space for the lock") << u"settings.cfg"_s << 0 << false;
-    QTest::newRow("no space for the file") << u"settings.cfg"_s << 500 << false;
-    QTest::newRow("another user's directory") << u"settings.cfg"_s << -1 << true;
+    const QByteArray none = "true";
+    QTest::newRow("a file in the directory's place") << u"settings.cfg/setup/x"_s << none << -1;
+    QTest::newRow("a FIFO in the file's place") << u"fifo"_s << "mkfifo fifo"_ba << -1;
+    QTest::newRow("no room left below 1 MiB") << u"full"_s << none << -1;
+    QTest::newRow("larger than 1 MiB") << u"full"_s << "echo '#' >>full"_ba << -1;
+    QTest::newRow("no path") << QString() << none << -1;
+    QTest::newRow("a NUL in the path") << QString(u"new"_s + QChar::Null) << none << -1;
+    QTest::newRow("no space for the lock") << u"settings.cfg"_s << none << 0;
+    QTest::newRow("no space for the file") << u"settings.cfg"_s << none << 500;
+    QTest::newRow("another user's directory") << u"settings.cfg"_s << "chmod 755 . && chown 65534 probe"_ba << -1;
+    for (const QByteArray command : {"mkfifo", "mkdir", "ln -s nothing", "ln -s full", "mknod -m 600", "chown 65534"}) {
+        const QByteArray rest = command.startsWith("mknod") ? " c 1 3"_ba : ""_ba;
+        const QByteArray first = command.startsWith("chown") ? "touch settings.cfg.lock && "_ba : ""_ba;
+        QTest::addRow("a lock made by %s", command.constData())
+            << u"settings.cfg"_s << first + command + " settings.cfg.lock" + rest << -1;
+    }
 }
 
 void tst_SETUP_SET_Manager::failsWithoutHarm()
 {
     QFETCH(const QString, name);
+    QFETCH(const QByteArray, obstacle);
     QFETCH(const int, diskSpace);
-    QFETCH(const bool, asNobody);
     QDir::setCurrent(m_directory->path());
     const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
-    const QByteArray full = old.leftJustified(kSizeLimit - 2, 'x');
-    write(full);
-    QVERIFY(::mkfifo("fifo", 0600) == 0 && ::chmod(".", 0755) == 0);
-    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"huge"_s)
-            && QFile::resize(u"huge"_s, kSizeLimit + 1));
+    write(old.leftJustified(kSizeLimit - 2, 'x'));
+    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"probe"_s));
     write(old);
+    if (std::system(obstacle.constData()) != 0)
+        QSKIP("only root can make this obstacle");
     const QStringList before = files();
+    const qint64 fullSize = QFileInfo(u"full"_s).size();
+    const QString lock = otheruser::ownership(u"settings.cfg.lock"_s);
 
     SETUP_SET_Manager settings(name, false);
-    if (asNobody && ::seteuid(kNobody) != 0)
-        QSKIP("only root can be somebody else");
+    const bool asOther = obstacle.endsWith("probe");
+    QVERIFY(!asOther || ::seteuid(otheruser::kNumber) == 0);
     std::optional<ScopedFileSizeLimit> limit;
     if (diskSpace >= 0)
         limit.emplace(rlim_t(diskSpace));
     const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
     limit.reset();
-    QVERIFY(!asNobody || ::seteuid(0) == 0);
+    QVERIFY(!asOther || ::seteuid(0) == 0);
     QVERIFY(!stored);
     QVERIFY(!settings.flush());
     QCOMPARE(files(), before);
+    QCOMPARE(QFileInfo(u"full"_s).size(), fullSize);
+    QCOMPARE(otheruser::ownership(u"settings.cfg.lock"_s), lock);
     QCOMPARE(read(), old);
-    QCOMPARE(textOf(u"full"_s, u"g"_s, u"k"_s), u"old"_s);
 }
 
 void tst_SETUP_SET_Manager::keepsTheFilesModeAndLink()
@@ -327,8 +331,7 @@ void tst_SETUP_SET_Manager::keepsTheFilesModeAndLink()
         return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
     };
     const mode_t oldMask = ::umask(027);
-    SETUP_SET_Manager settings(path(), false);
-    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"1"_s);
+    const bool stored = set(u"1"_s);
     ::umask(oldMask);
     QVERIFY(stored);
     QCOMPARE(mode(path()), 0640U);
@@ -339,7 +342,7 @@ void tst_SETUP_SET_Manager::keepsTheFilesModeAndLink()
     SETUP_SET_Manager linked(link, false);
     QVERIFY(linked.setSettingInfo(u"g"_s, u"k"_s, u"2"_s));
     QVERIFY(QFileInfo(link).isSymLink());
-    QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"2"_s);
+    QCOMPARE(get(), u"2"_s);
     QCOMPARE(mode(path()), 0604U);
 }
 
@@ -370,19 +373,16 @@ void tst_SETUP_SET_Manager::losesNothingBetweenTwoWriters()
     const auto second = role::start(u"writer"_s, {link, u"b"_s, count});
     for (QProcess* writer : {first.get(), second.get()}) {
         while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
-            QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"stays"_s);
+            QCOMPARE(get(), u"stays"_s);
         QCOMPARE(role::finish(*writer), EXIT_SUCCESS);
     }
-    for (int i = 0; i < kManyWrites; ++i) {
-        QCOMPARE(textOf(path(), u"many"_s, u"a%1"_s.arg(i)), QString::number(i));
-        QCOMPARE(textOf(path(), u"many"_s, u"b%1"_s.arg(i)), QString::number(i));
-    }
+    for (int i = 0; i < 2 * kManyWrites; ++i)
+        QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
 }
 
 void tst_SETUP_SET_Manager::survivesKilledWriters()
 {
     write("[g]\nk=stays\n");
-    SETUP_SET_Manager settings(path(), false);
     for (int round = 0; round < 5; ++round) {
         const auto writer = role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
         QVERIFY(role::waitReady(*writer));
@@ -391,38 +391,44 @@ void tst_SETUP_SET_Manager::survivesKilledWriters()
         writer->kill();
         QCOMPARE(role::finish(*writer), -1);
         const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
-        QVERIFY(settings.setSettingInfo(u"after"_s, QString::number(round), true));
+        QVERIFY(set(u"1"_s, u"after"_s, QString::number(round)));
         QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-        QCOMPARE(textOf(path(), u"g"_s, u"k"_s), u"stays"_s);
+        QCOMPARE(get(), u"stays"_s);
         if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
             QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
     }
 }
 
-void tst_SETUP_SET_Manager::takesOverTheLockOfTheDead()
+void tst_SETUP_SET_Manager::removesWhatKilledWritersLeft()
 {
-    SETUP_SET_Manager settings(path(), false);
-    const auto holder = role::start(u"holder"_s, {path()});
-    QVERIFY(role::waitReady(*holder));
-    holder->kill();
-    QCOMPARE(role::finish(*holder), -1);
-    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, 1));
-
-    // One killed before it had written its number into the file.
-    QFile nameless(path() + u".lock"_s);
-    QVERIFY(nameless.open(QIODevice::WriteOnly));
-    QVERIFY(nameless.setFileTime(QDateTime::currentDateTime().addSecs(-3), QFileDevice::FileModificationTime));
-    nameless.close();
-    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, 2));
-    QVERIFY(!nameless.exists());
+    const pid_t gone = ::fork();
+    if (gone == 0)
+        ::_exit(EXIT_SUCCESS);
+    ::waitpid(gone, nullptr, 0);
+    const auto make = [&](const QString& name, const QByteArray& bytes) {
+        write(bytes);
+        QVERIFY(name == u"settings.cfg" || QFile::rename(path(), m_directory->filePath(name)));
+    };
+    const QStringList kept = {u"note.AbCdEf"_s,          u"settings.cfg.1"_s,
+                              u"settings.cfg.AbCdEfG"_s, u"settings.cfg.Backup"_s,
+                              u"settings.cfg.backup"_s,  u"settings.cfg.new.%1"_s.arg(::getppid()),
+                              u"settings.cfg.rpmnew"_s,  u"settings.cfg"_s};
+    make(u"settings.cfg.AbCdEf"_s, "[g]\nk=1\n");
+    make(u"settings.cfg.abcdef"_s, "");
+    make(u"settings.cfg.new.%1"_s.arg(gone), "[g]\nk=1\n");
+    make(u"settings.cfg.lock"_s, "2147483647\nx\nhost\n");
+    for (const QString& name : kept)
+        make(name, "[g]\n");
+    QVERIFY(set(u"1"_s));
+    const QStringList left = QDir(m_directory->path()).entryList(QDir::Files | QDir::Hidden);
+    QCOMPARE(QSet<QString>(left.begin(), left.end()), QSet<QString>(kept.begin(), kept.end()));
 }
 
 int main(int argc, char** argv)
 {
     return role::testMain<tst_SETUP_SET_Manager>(
         argc, argv,
-        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }},
-         {u"holder"_s, [](const QStringList& a) { return holdLock(a.value(0)); }}});
+        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }}});
 }
 
 #include "tst_SETUP_SET_Manager.moc"
