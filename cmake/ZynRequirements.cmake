@@ -1,4 +1,4 @@
-# What is needed to build. Each lack is told in one line of ours, ahead of what CMake says about it.
+# What is needed to build. One line of ours says what is missing, ahead of CMake's own.
 
 # Ends the configuration: @p line says what is needed.
 function(zyn_refuse line)
@@ -14,7 +14,7 @@ function(zyn_require_build_folder)
     endif()
 endfunction()
 
-# The programs that project() looks for; where the caller named them, it has the word.
+# The programs that project() looks for; what the caller has named is not looked for.
 function(zyn_require_programs)
     if(CMAKE_GENERATOR MATCHES Ninja)
         find_program(CMAKE_MAKE_PROGRAM NAMES ninja-build ninja samu)

@@ -15,8 +15,7 @@ class ChannelListener;
 }
 
 /**
- * A listener on a channel: while it exists it is handed every message that any process of the user sends on
- * it.
+ * A listener on a channel: while it exists it is handed every message that any process of the user sends on it.
  *
  * Channel and message names are compared byte for byte and end at their first NUL. The processes find each
  * other in the directory that ZYN_QCOP_PATH names, else in "zynqcop" under XDG_RUNTIME_DIR, else in
@@ -56,7 +55,7 @@ public:
      * listener for which 16 MiB wait in this thread's memory misses what does not fit; it still gets, in order, what
      * was accepted before.
      *
-     * What listeners have not taken yet follows from the thread's event loop, or with its later messages on any
+     * What listeners have not read yet follows from the thread's event loop, or with its later messages on any
      * channel. A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what other
      * threads still have pending at exit is lost, as everything is with _exit() or a signal.
      *

@@ -114,7 +114,7 @@ std::pair<QChar, qsizetype> unescaped(QStringView text)
 }
 
 /// The bytes that are stored for @p text: UTF-8, unless that would not come back from a line as it was. Then a byte
-/// order mark leads the escaped text: it leads no other, being lost on the way back.
+/// order mark leads the escaped text: it leads no other, as it does not come back.
 QByteArray settingBytes(const QString& text)
 {
     if (fitsOneLine(text))

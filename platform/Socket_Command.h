@@ -7,7 +7,7 @@
 /**
  * Sends one command as a whole frame: code and data length (signed 32-bit, little-endian), then the data.
  *
- * Waits while the peer takes nothing, for 5 seconds at most in all. A peer that has closed is a failure, never a
+ * Waits while the peer reads nothing, for 5 seconds at most in all. A peer that has closed is a failure, never a
  * signal. After a failure the frame may be out in part, and the connection is of no more use.
  *
  * @param socket   a connected stream socket; it stays the caller's

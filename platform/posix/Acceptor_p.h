@@ -14,8 +14,7 @@ namespace zyn::posix {
 class Acceptor : public QObject
 {
 public:
-    /// Calls @p accept when a connection waits at @p listener: false, and errno tells why, when it could not be
-    /// accepted.
+    /// Calls @p accept when a connection waits at @p listener: false, with errno set, when it could not be accepted.
     Acceptor(int listener, std::function<bool()> accept, QObject* parent = nullptr);
 
     /// Whether connections are accepted, as they are at first. True also ends a pause.

@@ -49,7 +49,7 @@ QByteArray parentOf(const QByteArray& path)
 
 bool isOfFormat(int directory, const dirent& entry, mode_t format)
 {
-    // Most file systems tell with the name, which spares a look at each of thousands.
+    // Most file systems give the type with the name, which spares a system call for each of thousands.
     if (entry.d_type != DT_UNKNOWN)
         return static_cast<mode_t>(DTTOIF(entry.d_type)) == format;
     struct stat status = {};
@@ -105,7 +105,7 @@ std::optional<QList<QByteArray>> entries(int directory, EntryType type)
         return std::nullopt;
     fd.release(); // the stream's now
     QList<QByteArray> result;
-    errno = 0; // only so does readdir() tell an error from the end
+    errno = 0; // without that, readdir()'s errors look like the end
     while (const dirent* entry = ::readdir(stream.get())) {
         if (isOfFormat(directory, *entry, format))
             result.append(entry->d_name);

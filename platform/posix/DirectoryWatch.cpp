@@ -25,14 +25,14 @@ DirectoryWatch::DirectoryWatch()
     : m_fd([] { return UniqueFd(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)); })
 {}
 
-int DirectoryWatch::addPath(const QByteArray& path, uint32_t events)
+int DirectoryWatch::addWatch(const QByteArray& path, uint32_t events)
 {
     return m_fd.isValid() ? ::inotify_add_watch(m_fd.get(), path.constData(), events) : kUnwatched;
 }
 
 int DirectoryWatch::add(int directory)
 {
-    const int id = addPath(pathThrough(directory, "."), kDirectoryEvents);
+    const int id = addWatch(pathThrough(directory, "."), kDirectoryEvents);
     if (id != kUnwatched)
         m_changed.try_emplace(id, m_now);
     return id;
@@ -41,17 +41,17 @@ int DirectoryWatch::add(int directory)
 void DirectoryWatch::addShared(int directory)
 {
     // One that cannot be watched makes all others worthless.
-    if (addPath(pathThrough(directory, "."), kDirectoryEvents | IN_CREATE) == kUnwatched)
+    if (addWatch(pathThrough(directory, "."), kDirectoryEvents | IN_CREATE) == kUnwatched)
         m_fd.reset();
 }
 
 /// False when there is none. One that nobody may read is as good as watched: it is not this user's to move.
 bool DirectoryWatch::addDirectory(const QByteArray& path, uint32_t kept)
 {
-    return addPath(path, kMoves | IN_ONLYDIR | kept) != kUnwatched || (errno != ENOENT && errno != ENOTDIR);
+    return addWatch(path, kMoves | IN_ONLYDIR | kept) != kUnwatched || (errno != ENOENT && errno != ENOTDIR);
 }
 
-void DirectoryWatch::addWay(const QByteArray& path)
+void DirectoryWatch::addPath(const QByteArray& path)
 {
     QByteArray reached("/");
     for (qsizetype end = path.indexOf('/', 1); reached != path; end = path.indexOf('/', end + 1)) {
@@ -59,19 +59,19 @@ void DirectoryWatch::addWay(const QByteArray& path)
         // What else is watched of the last one, such as names that come, is watched on without a gap.
         const uint32_t kept = next == path ? uint32_t{IN_MASK_ADD} : 0;
         if (!addDirectory(next, kept)) {
-            addPath(reached, kMoves | kArrivals | IN_ONLYDIR);
+            addWatch(reached, kMoves | kArrivals | IN_ONLYDIR);
             if (!addDirectory(next, kept)) // it may have come in between
                 return;
         }
         // A symbolic link on the way may come to lead elsewhere.
-        addPath(next, kMoves | IN_DONT_FOLLOW | IN_MASK_ADD);
+        addWatch(next, kMoves | IN_DONT_FOLLOW | IN_MASK_ADD);
         reached = next;
     }
 }
 
 int DirectoryWatch::addFile(int directory, const QByteArray& name)
 {
-    return addPath(pathThrough(directory, name), kFileEvents);
+    return addWatch(pathThrough(directory, name), kFileEvents);
 }
 
 void DirectoryWatch::remove(int id)

@@ -26,13 +26,13 @@ public:
     DirectoryWatch();
 
     /// Watches the open @p directory from now on: names that come and go, and permissions, also those of what is in it.
-    /// What happens to it alone is told by hasChanged().
+    /// hasChanged() reports what happens to it alone.
     int add(int directory);
     /// The same; what happens to it counts as a change of everything.
     void addShared(int directory);
     /// Watches where the absolute @p path leads: that the directories on the way stay where they are, or that the first
     /// one that is missing comes. A change counts as one of everything.
-    void addWay(const QByteArray& path);
+    void addPath(const QByteArray& path);
     /// Watches the file @p name in the open @p directory: that it keeps its name.
     int addFile(int directory, const QByteArray& name);
     void remove(int id);
@@ -52,7 +52,7 @@ public:
     bool isOwn() const { return m_fd.isOwn(); }
 
 private:
-    int addPath(const QByteArray& path, uint32_t events);
+    int addWatch(const QByteArray& path, uint32_t events);
     /// @p kept is IN_MASK_ADD where what is watched of it already stays watched.
     bool addDirectory(const QByteArray& path, uint32_t kept);
 

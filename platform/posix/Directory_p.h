@@ -49,7 +49,7 @@ bool removeEntry(int directory, const QByteArray& name);
 bool removeEmptyDirectory(int directory, const QByteArray& name);
 /// @}
 
-/// The path by which the open directory @p directory is found now; empty when the kernel does not tell.
+/// The path by which the open directory @p directory is found now; empty when the kernel does not know.
 QByteArray pathOf(int directory);
 
 /// A path to @p name in the open directory @p directory, or to the directory itself, however long its own path is.

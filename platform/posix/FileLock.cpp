@@ -31,7 +31,7 @@ QByteArray hostName()
     return ::gethostname(name.data(), name.size() - 1) == 0 ? QByteArray(name.data()) : QByteArray();
 }
 
-/// Locks the file without waiting; none, and errno tells why.
+/// Locks the file without waiting; none, with errno set, when that fails.
 UniqueFd lockFile(const QByteArray& path)
 {
     for (;;) {

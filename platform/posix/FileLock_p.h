@@ -29,9 +29,9 @@ public:
     /**
      * Locks the file @p path, waiting for its holder for at most @p timeout.
      *
-     * False, and errno tells why: EWOULDBLOCK while another process holds the lock, EEXIST when the name is that of no
-     * regular file, EPERM for the file of a user whose it may not be. The kernel ends the lock of a process that dies;
-     * no name or number of a process decides.
+     * False, and errno is the reason: EWOULDBLOCK while another process holds the lock, EEXIST when the name is that of
+     * no regular file, EPERM for the file of a user whose it may not be. The kernel ends the lock of a process that
+     * dies; no name or number of a process decides.
      */
     bool lock(const QByteArray& path, LockOwner owner = LockOwner::Anybody, std::chrono::milliseconds timeout = {});
     bool isLocked() const { return m_fd.isValid(); }

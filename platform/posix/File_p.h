@@ -65,7 +65,7 @@ off_t nextData(int fd, off_t offset);
 /// Whether @p path, links followed, leads to the open file @p fd.
 bool leadsTo(const QByteArray& path, int fd);
 
-/// Whether there is no file @p path, nor a link to one; false, too, when that cannot be told.
+/// Whether there is no file @p path, nor a link to one; false, too, when that is unknown.
 bool isMissing(const QByteArray& path);
 
 } // namespace zyn::posix

@@ -8,8 +8,7 @@
 
 namespace zyn::posix {
 
-/// Counts the forks between the process that first asked and this one: differs in a child from what its
-/// parent saw.
+/// Counts the forks between the process that first asked and this one: differs in a child from what its parent saw.
 unsigned forkGeneration();
 
 /// How many descriptors this process may have open.
@@ -25,8 +24,7 @@ size_t descriptorLimit();
 class ForkLocalFd
 {
 public:
-    /// Owns what @p open returns. No thread forks in between; open must neither fork nor own such a
-    /// descriptor itself.
+    /// Owns what @p open returns. No thread forks in between; open must neither fork nor own such a descriptor itself.
     explicit ForkLocalFd(const std::function<UniqueFd()>& open);
     ForkLocalFd(ForkLocalFd&&) = default;
     ForkLocalFd& operator=(ForkLocalFd&&) = delete;

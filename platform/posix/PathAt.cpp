@@ -113,7 +113,7 @@ bool clearOfOthers(const QByteArray& path)
     const QByteArray aside = path + ".away." + QByteArray::number(::getpid());
     if (::renameat2(AT_FDCWD, path.constData(), AT_FDCWD, aside.constData(), RENAME_NOREPLACE) != 0)
         return false;
-    // Another process may have put its own there after the look.
+    // Another process may have put its own there in between.
     if (!isOfOthers(aside)) {
         ::renameat2(AT_FDCWD, aside.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE);
         return false;

@@ -182,7 +182,7 @@ void removeLeftovers(const PathAt& path)
     for (const QByteArray& name : entries(path.directory.get(), EntryType::File).value_or(QList<QByteArray>())) {
         if (!name.startsWith(prefix) || !isNobodyElses(name.sliced(prefix.size())))
             continue;
-        // The lock tells those that only seem to be: in another container, a process lives under another number.
+        // Only the lock proves it: in another container a living process has another number.
         const UniqueFd fd = openAt(path.directory.get(), name, O_RDONLY);
         if (fd.isValid() && canLock(fd.get()))
             ::unlinkat(path.directory.get(), name.constData(), 0);

@@ -20,7 +20,7 @@ public:
     StagedFile& operator=(const StagedFile&) = delete;
     ~StagedFile();
 
-    /// Whether it could be made; else errno tells why not, until another call.
+    /// Whether it could be made; else errno is the reason, until another call.
     bool isValid() const { return m_fd.isValid(); }
     int fd() const { return m_fd.get(); }
 
@@ -50,7 +50,7 @@ private:
  * Puts @p contents in the place of what the file @p path holds, whole and on disk, or leaves it as it is.
  *
  * The file keeps its owner and its permissions, as far as this process may give them. What is no regular file is not
- * replaced, nor what may not be written. On failure errno tells why.
+ * replaced, nor what may not be written. On failure errno is the reason.
  */
 bool replaceFile(const QByteArray& path, const QByteArray& contents);
 bool replaceFile(const PathAt& path, const QByteArray& contents);

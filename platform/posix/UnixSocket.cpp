@@ -124,7 +124,7 @@ bool isServed(const QByteArray& path)
 
 bool isBound(const QByteArray& path)
 {
-    // The kernel looks for the socket first, and then refuses one of another type.
+    // The kernel finds the socket first, and then refuses one of another type.
     const UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const UnixAddress address = unixAddress(path);
     return !fd.isValid() || ::connect(fd.get(), address.get(), address.length) == 0

@@ -54,10 +54,10 @@ void dropOnClose(int fd);
  */
 UniqueFd connectUnix(const QByteArray& path, std::chrono::milliseconds timeout);
 
-/// Connects without waiting. On failure errno tells why: EAGAIN for a server whose backlog is full.
+/// Connects without waiting. On failure errno is the reason: EAGAIN for a server whose backlog is full.
 UniqueFd connectUnixAtOnce(const QByteArray& path);
 
-/// Whether a process listens at @p path, be it too busy to take a connection. Does not wait.
+/// Whether a process listens at @p path, even one too busy to accept a connection. Does not wait.
 bool isServed(const QByteArray& path);
 
 /// The same of this user's and root's processes. Where a busy one cannot be asked, the socket's owner decides.
@@ -100,8 +100,7 @@ ssize_t sendSome(int fd, std::span<iovec> blocks);
 /// Whether the peer has received all that was sent over @p fd, or never will.
 bool isAllReceived(int fd);
 
-/// Receives what has come, at most @p buffer: the number of bytes, 0 at the connection's end, -1 when nothing
-/// is there.
+/// Receives what has come, at most @p buffer: the number of bytes, 0 at the connection's end, -1 when nothing is there.
 ssize_t receiveSome(int fd, std::span<std::byte> buffer);
 
 /// Sends the two blocks one after the other, whole, before @p deadline. A closed peer is a failure, never a signal.

@@ -25,7 +25,7 @@ constexpr mode_t kUnfinished = 0200;
 constexpr mode_t kFinished = 0600;
 /// An unfinished socket is nobody's for a moment while it is bound, after which it seems dead only when it is.
 constexpr std::chrono::seconds kUnfinishedTime{10};
-/// A process looks at all listeners for it at most so often.
+/// How often a process checks all listeners for dead ones at most.
 constexpr std::chrono::seconds kCleanInterval{1};
 /// Begins the file name of a channel whose own name does not fit; never occurs in one that does.
 constexpr char kHashMark = '=';
@@ -159,7 +159,7 @@ posix::UniqueFd ChannelDirectory::listenAs(const QByteArray& name) const
     const bool fits = path.size() <= posix::kUnixPathLimit;
     posix::UniqueFd socket = posix::listenUnix(fits ? path : posix::pathThrough(fd(), name), kUnfinished);
     // Senders notice the new mode; what was refused until then is no dead listener. Changed through the directory, it
-    // also tells that the path has led nowhere else.
+    // also proves that the path has led nowhere else.
     if (!socket.isValid() || !posix::setEntryMode(fd(), name, kFinished)) {
         remove(name);
         return {};
@@ -177,7 +177,7 @@ bool ChannelDirectory::removeIfDead(const QByteArray& name) const
     const std::optional<posix::EntryStatus> status = posix::entryStatus(fd(), name);
     if (!status)
         return false;
-    // Its process's number does not tell: where others number processes in their own way, a living one looks dead.
+    // Its process's number proves nothing: in another container a living process has another number.
     const bool isUnfinished = status->permissions == kUnfinished && std::chrono::abs(status->age) < kUnfinishedTime;
     if (isUnfinished || posix::isBound(posix::pathThrough(fd(), name)))
         return false;

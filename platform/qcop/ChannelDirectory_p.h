@@ -59,8 +59,8 @@ public:
     std::optional<QList<QByteArray>> listeners() const;
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
-    /// A connection to the listener @p name, made without waiting. On failure errno tells why: ECONNREFUSED when it is
-    /// dead or does not listen yet, ENOENT when it has gone, EAGAIN when too many connections wait to be accepted.
+    /// A connection to the listener @p name, made without waiting. On failure errno is the reason: ECONNREFUSED when it
+    /// is dead or does not listen yet, ENOENT when it has gone, EAGAIN when too many connections wait to be accepted.
     posix::UniqueFd connectTo(const QByteArray& name) const;
     /// Removes the socket of a listener that is certainly dead; whether it was.
     bool removeIfDead(const QByteArray& name) const;

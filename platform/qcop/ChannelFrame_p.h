@@ -31,7 +31,7 @@ public:
 
     ChannelFrame(QByteArrayView name, QByteArrayView data);
 
-    /// Whether a listener would take it.
+    /// Whether a listener would accept it.
     bool isValid() const;
     qsizetype size() const { return kHeaderSize + m_name.size() + m_data.size(); }
     /// The frame's bytes as parts of one transfer.

@@ -103,7 +103,7 @@ void ChannelConnection::close()
 } // namespace
 
 /**
- * Has the listeners of one thread look after their sockets when something has happened to any, or may have: a listener
+ * Has the listeners of one thread check their sockets when something has happened to any, or may have: a listener
  * whose socket somebody has removed, or a directory above it, is found by no sender and would never know.
  *
  * It lives as long as the thread's event dispatcher, without listeners too: the kernel takes many milliseconds to close
@@ -281,7 +281,7 @@ void ChannelListener::watchFile()
 {
     const QByteArray root = m_environment.root();
     m_watch->files().remove(std::exchange(m_watchId, posix::DirectoryWatch::kUnwatched));
-    m_watch->files().addWay(ChannelDirectory::path(root, m_channel));
+    m_watch->files().addPath(ChannelDirectory::path(root, m_channel));
     if (const auto directory = ChannelDirectory::open(root, m_channel))
         m_watchId = m_watch->files().addFile(directory->fd(), m_name);
 }
@@ -325,7 +325,7 @@ bool ChannelListener::event(QEvent* event)
     return QObject::event(event);
 }
 
-/// False, and errno tells why, when there is none.
+/// False, with errno set, when there is none.
 bool ChannelListener::acceptNext(Entrance& entrance)
 {
     posix::ForkLocalFd connection([&] { return posix::acceptConnection(entrance.socket.get()); });

@@ -42,7 +42,7 @@ ChannelPeer::~ChannelPeer()
 
 ChannelPeer::Result ChannelPeer::send(const ChannelFrame& frame, bool gather)
 {
-    // A lost connection does not tell whether the listener is dead; whether a new one is refused does.
+    // A lost connection does not prove that the listener is dead; that a new one is refused does.
     for (int attempt = 0; attempt < 2; ++attempt) {
         const Link state = link();
         if (state == Link::Gone)
@@ -260,7 +260,7 @@ bool ChannelPeers::refresh()
 {
     ChannelDirectory::clean(m_root);
     // Before the list is read, so that no listener comes unseen in between.
-    m_watch.addWay(m_root);
+    m_watch.addPath(m_root);
     const posix::UniqueFd root = ChannelDirectory::makeRoot(m_root);
     if (!root.isValid())
         return false;
@@ -276,7 +276,7 @@ bool ChannelPeers::refresh()
     if (!names)
         return false;
     std::sort(names->begin(), names->end());
-    // Where a listener's name was removed by somebody else, its connection is all that tells that it lives.
+    // Where a listener's name was removed by somebody else, only its connection proves that it lives.
     std::erase_if(m_peers, [&](const auto& entry) {
         return !std::binary_search(names->begin(), names->end(), entry.first) && !entry.second.isAlive();
     });

@@ -52,9 +52,9 @@ public:
 
     /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large write.
     Result send(const ChannelFrame& frame, bool gather);
-    /// Writes what the socket takes of what is kept.
+    /// Writes what is kept, as far as the socket has room.
     void flush();
-    /// Lets the calling thread's event loop write what is kept as soon as the listener takes it.
+    /// Has the calling thread's event loop write what is kept as soon as there is room.
     void flushFromLoop();
     /// Needs no event loop from now on.
     void leaveLoop();

@@ -16,15 +16,14 @@
 namespace zyn {
 namespace {
 
-/// How often a sender that drains looks after listeners that accept no connection, which nothing can wait
-/// for.
+/// How often a sender that drains tries listeners that accept no connection: nothing can wait for these.
 constexpr std::chrono::milliseconds kDrainStep{20};
 
 /// How many channels a sender remembers, apart from those whose listeners have not received all.
 constexpr size_t kChannelLimit = 4096;
 /// The part of the process's descriptors that a sender uses for connections.
 constexpr size_t kDescriptorPart = 4;
-/// How many channels a sender looks at to give one up, and how many listeners with something pending it tries with a
+/// How many channels a sender examines to give one up, and how many listeners with something pending it tries with a
 /// message for others: what a message costs must not grow with the number of channels.
 constexpr int kCandidates = 4;
 constexpr size_t kFlushedWithOthers = 16;
@@ -175,7 +174,7 @@ void ChannelSender::flushFromLoop()
     }
 }
 
-/// Writes what listeners take now of what is pending for @p most of them, others each time.
+/// Writes what is pending for @p most listeners, others each time, as far as they read now.
 void ChannelSender::flushSome(size_t most)
 {
     std::list<ChannelPeer*>& pending = m_connections.pending;
