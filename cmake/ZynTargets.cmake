@@ -23,8 +23,9 @@ if(ZYN_SANITIZE)
     target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
 endif()
 
-# Applies the project's language level, warnings and visibility to @p target, which may use the sources' include paths. MOC
-# says that one of its headers has a Q_OBJECT; PRECOMPILED names another header than everyone's, or NONE.
+# Applies the project's language level and warnings to @p target, which may use the sources' include paths. MOC says that one
+# of its headers has a Q_OBJECT; PRECOMPILED names another header than everyone's, or NONE. What a library hides is its map's
+# to say, whatever a parent project's default is.
 function(zyn_configure_target target)
     cmake_parse_arguments(ARG "MOC" "PRECOMPILED" "" ${ARGN})
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zyn_options>)
@@ -33,6 +34,7 @@ function(zyn_configure_target target)
         AUTOMOC ${ARG_MOC}
         AUTOGEN_ORIGIN_DEPENDS OFF
         CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET default
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
         LINK_DEPENDS_NO_SHARED ON)

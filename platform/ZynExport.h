@@ -1,4 +1,4 @@
-// The one export macro: marks what the shared libraries offer; everything else is hidden.
+// The one export macro: marks what the shared libraries offer; abi/ lists it.
 #pragma once
 
 #include <QtCore/qglobal.h>
