@@ -17,6 +17,8 @@
 #include <tuple>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -50,7 +52,7 @@ CallFile::Found CallFile::open()
     }
     m_isGivenUp = false;
     if (isReplaceable && !last.isEmpty())
-        log(QStringLiteral("missing or damaged record files are made anew: %1").arg(QFile::decodeName(path())));
+        log(u"missing or damaged record files are made anew: %1"_s.arg(QFile::decodeName(path())));
     if (isReplaceable)
         return Found::MadeAnew;
     return m_image == last ? Found::AsLeft : Found::Changed;
@@ -74,10 +76,7 @@ void CallFile::correctSlots()
         Call stored = RecordFile::at(m_image, call.slot);
         const int named = std::exchange(stored.slot, call.slot);
         if (named != call.slot && writeSlot(call.slot, stored)) {
-            log(QStringLiteral("the call in slot %1 of list %2 says slot %3: corrected")
-                    .arg(call.slot)
-                    .arg(m_list)
-                    .arg(named));
+            log(u"the call in slot %1 of list %2 says slot %3: corrected"_s.arg(call.slot).arg(m_list).arg(named));
         }
     }
 }
@@ -161,12 +160,10 @@ void CallFile::report(State state)
 {
     if (std::exchange(m_isGivenUp, true))
         return;
-    const QString why = state == State::Missing      ? QStringLiteral("it is missing and cannot be made")
-                        : state == State::Unreadable ? QStringLiteral("it cannot be read, or is no file")
-                                                     : QStringLiteral("it is damaged and cannot be replaced");
-    log(QStringLiteral("list %1 is left out, because of its file %2: %3")
-            .arg(m_list)
-            .arg(QFile::decodeName(path()), why));
+    const QString why = state == State::Missing      ? u"it is missing and cannot be made"_s
+                        : state == State::Unreadable ? u"it cannot be read, or is no file"_s
+                                                     : u"it is damaged and cannot be replaced"_s;
+    log(u"list %1 is left out, because of its file %2: %3"_s.arg(m_list).arg(QFile::decodeName(path()), why));
 }
 
 bool CallFile::writeSlot(int slot, const Call& record)

@@ -1,24 +1,30 @@
-// The log of recent calls: what each command does to the store.
+// The log of recent calls: what each command of the service does to the store.
 #include "handset/recentcall_service/CallLog.h"
 
 #include "handset/common/Log.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/store/RecordFile_p.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
+#include <vector>
+
+using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 
 namespace rc = zyn::recentcall;
+
 namespace {
 
 using Call = PHONE_ENG_RecentCall;
+using Calls = std::vector<Call>;
 using Lists = std::span<const RC_CALL_CATEGORY_T>;
 
 /// The lists that @p category names: one, all three, or none.
 Lists listsOf(int32_t category)
 {
-    const Lists all(zyn::kRecordLists);
+    const Lists all(kRecordLists);
     if (category == RC_CALL_CATEGORY_ALL)
         return all;
     const auto found = std::find(all.begin(), all.end(), category);
@@ -30,15 +36,15 @@ int limitOf(int32_t category)
     return RecentCall_Setup::instance()->getMaxRecordSize(static_cast<RC_CALL_CATEGORY_T>(category));
 }
 
-/// Those of @p calls that are in their list: the settings may have left it fewer slots than its file has.
-std::vector<Call> listed(std::vector<Call> calls)
+/// Those of @p calls that are in their list: the settings may leave it fewer slots than its file has.
+Calls listed(Calls calls)
 {
     std::erase_if(calls, [](const Call& call) { return call.slot >= limitOf(call.category); });
     return calls;
 }
 
 /// The call of @p calls that @p record means, or null.
-const Call* find(const std::vector<Call>& calls, const Call& record)
+const Call* find(const Calls& calls, const Call& record)
 {
     const Call* found = nullptr;
     for (const Call& call : calls) {
@@ -49,7 +55,7 @@ const Call* find(const std::vector<Call>& calls, const Call& record)
 }
 
 /// The lowest slot below @p limit that none of @p calls lies in; @p limit when there is none.
-int freeSlot(const std::vector<Call>& calls, int limit)
+int freeSlot(const Calls& calls, int limit)
 {
     int slot = 0;
     while (slot < limit && std::ranges::find(calls, slot, &Call::slot) != calls.end())
@@ -57,16 +63,47 @@ int freeSlot(const std::vector<Call>& calls, int limit)
     return slot;
 }
 
+/// Frees the slots behind the limit whose call lies below it, too: a process died while it moved that forward.
+void dropCopies(CallFile& file)
+{
+    const Calls calls = file.calls();
+    const Calls inList = listed(calls);
+    for (const Call& call : calls) {
+        const bool isCopy = call.slot >= limitOf(call.category) && std::ranges::any_of(inList, [&](Call other) {
+                                other.slot = call.slot;
+                                return bytesOf(other) == bytesOf(call);
+                            });
+        if (isCopy)
+            file.erase(call.slot);
+    }
+}
+
+/// Moves the newest calls to slots below the limit, which may have been higher before.
+void bringForward(CallFile& file)
+{
+    const int limit = limitOf(file.list());
+    Calls newest = file.calls();
+    newest.resize(std::min(newest.size(), static_cast<size_t>(limit)));
+    for (Call& call : newest) {
+        if (call.slot < limit)
+            continue;
+        const int slot = freeSlot(newest, limit);
+        if (!file.exchange(call.slot, slot))
+            return;
+        call.slot = slot;
+    }
+}
+
 } // namespace
 
-/// The files of some lists, open for one operation: those that can be had.
+/// The files of some lists, open for one operation: those that are available.
 class CallLog::OpenFiles
 {
 public:
-    OpenFiles(CallLog& calls, Lists lists)
+    OpenFiles(CallLog& log, Lists lists)
     {
-        for (CallFile& file : calls.m_files) {
-            if (std::ranges::find(lists, file.list()) != lists.end() && calls.open(file))
+        for (CallFile& file : log.m_files) {
+            if (std::ranges::find(lists, file.list()) != lists.end() && log.open(file))
                 m_files.push_back(&file);
         }
     }
@@ -78,60 +115,63 @@ public:
             file->close();
     }
 
-    const Files& all() const { return m_files; }
-    CallFile* of(RC_CALL_CATEGORY_T list) const
+    const std::vector<CallFile*>& all() const { return m_files; }
+    CallFile* of(int32_t list) const
     {
         const auto found = std::ranges::find(m_files, list, &CallFile::list);
         return found == m_files.end() ? nullptr : *found;
     }
-
-private:
-    Files m_files;
-};
-
-/// How often a change is tried: once more when it failed, many times when the file was replaced meanwhile.
-class CallLog::Attempts
-{
-public:
-    bool isLeft(Outcome outcome)
+    Calls calls() const
     {
-        return (outcome == Outcome::Failed && --m_failures > 0) || (outcome == Outcome::Displaced && --m_files > 0);
+        Calls all;
+        for (const CallFile* file : m_files)
+            std::ranges::copy(file->calls(), std::back_inserter(all));
+        return all;
     }
 
 private:
-    int m_failures = 2;
-    int m_files = 1000;
+    std::vector<CallFile*> m_files;
 };
+
+/// Tries a change until it is done: once more when it fails, many times when the file is replaced meanwhile.
+template<typename Attempt>
+CallLog::Outcome CallLog::repeat(const Attempt& attempt)
+{
+    int failures = 2;
+    int displacements = 1000;
+    Outcome outcome = attempt();
+    while ((outcome == Outcome::Failed && --failures > 0) || (outcome == Outcome::Displaced && --displacements > 0))
+        outcome = attempt();
+    return outcome;
+}
 
 CallLog::CallLog()
     : m_files{CallFile(RC_CALL_CATEGORY_ANSWERED), CallFile(RC_CALL_CATEGORY_MISSED), CallFile(RC_CALL_CATEGORY_DIALED)}
 {
-    const OpenFiles files(*this, zyn::kRecordLists);
-    renumber(files.all());
-    takeMissedChange();
+    renumber(OpenFiles(*this, kRecordLists));
+    m_hasMissedChange = false;
 }
 
 bool CallLog::add(Call record)
 {
     if (listsOf(record.category).size() != 1 || limitOf(record.category) == 0) {
-        log(QStringLiteral("a call of category %1 refused: no list keeps it").arg(record.category));
+        log(u"a call of category %1 refused: no list keeps it"_s.arg(record.category));
         return false;
     }
     record.inUse = 1;
-    Attempts attempts;
-    Outcome outcome = Outcome::Failed;
     QLatin1String problem;
-    do {
+    const Outcome outcome = repeat([&] {
         // The uids of all lists count.
-        const OpenFiles files(*this, zyn::kRecordLists);
+        const OpenFiles files(*this, kRecordLists);
         CallFile* file = files.of(record.category);
-        outcome = file ? store(files.all(), *file, record) : Outcome::Failed;
-        problem = !file                           ? QLatin1String("cannot be had")
-                  : outcome == Outcome::Displaced ? QLatin1String("is replaced again and again")
-                                                  : QLatin1String("cannot be written");
-    } while (attempts.isLeft(outcome));
+        const Outcome stored = file ? store(files, *file, record) : Outcome::Failed;
+        problem = !file                          ? "cannot be had"_L1
+                  : stored == Outcome::Displaced ? "is replaced again and again"_L1
+                                                 : "cannot be written"_L1;
+        return stored;
+    });
     if (outcome != Outcome::Done)
-        log(QStringLiteral("a call of list %1 is lost: its file %2").arg(QString::number(record.category), problem));
+        log(u"a call of list %1 is lost: its file %2"_s.arg(QString::number(record.category), problem));
     return outcome == Outcome::Done;
 }
 
@@ -148,20 +188,17 @@ rc::Status CallLog::markRead(const Call& record)
 rc::Status CallLog::removeAll(const rc::Selection& selection)
 {
     const Lists lists = listsOf(selection.category);
-    Attempts attempts;
-    Outcome outcome = Outcome::Failed;
     bool isWhole = false;
-    do {
+    const Outcome outcome = repeat([&] {
         const OpenFiles files(*this, lists);
         isWhole = !lists.empty() && files.all().size() == lists.size();
-        outcome = Outcome::Done;
-        for (CallFile* file : files.all()) {
-            for (const Call& call : file->calls()) {
-                const Outcome erased = call.callType == selection.callType ? erase(*file, call) : Outcome::Done;
-                outcome = std::max(outcome, erased);
-            }
+        Outcome worst = Outcome::Done;
+        for (const Call& call : files.calls()) {
+            if (call.callType == selection.callType)
+                worst = std::max(worst, erase(*files.of(call.category), call));
         }
-    } while (attempts.isLeft(outcome));
+        return worst;
+    });
     return isWhole && outcome == Outcome::Done ? rc::Success : rc::Failure;
 }
 
@@ -170,23 +207,18 @@ std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
     const OpenFiles files(*this, listsOf(selection.category));
     if (files.all().empty())
         return std::nullopt;
-    Calls calls;
-    for (const CallFile* file : files.all()) {
-        for (const Call& call : listed(file->calls())) {
-            if (call.callType == selection.callType)
-                calls.push_back(call);
-        }
-    }
+    Calls calls = listed(files.calls());
+    std::erase_if(calls, [&](const Call& call) { return call.callType != selection.callType; });
     std::ranges::stable_sort(calls, isNewer);
     QByteArray data;
     data.reserve(qsizetype{sizeof(rc::ListHeader)} + static_cast<qsizetype>(calls.size() * sizeof(Call)));
-    data += zyn::bytesOf(rc::ListHeader{static_cast<int32_t>(calls.size()), limitOf(selection.category)});
+    data += bytesOf(rc::ListHeader{static_cast<int32_t>(calls.size()), limitOf(selection.category)});
     for (const Call& call : calls)
-        data += zyn::bytesOf(call);
+        data += bytesOf(call);
     return data;
 }
 
-/// Opens @p file, and puts right what others have left in it; false when it cannot be had.
+/// Opens @p file, and repairs what others have left in it; false when it is not available.
 bool CallLog::open(CallFile& file)
 {
     const CallFile::Found found = file.open();
@@ -201,39 +233,8 @@ bool CallLog::open(CallFile& file)
     return true;
 }
 
-/// Frees the slots behind the limit of what lies below it, too: a process died when it brought that forward.
-void CallLog::dropCopies(CallFile& file)
-{
-    const Calls calls = file.calls();
-    const Calls inList = listed(calls);
-    for (const Call& call : calls) {
-        const bool isCopy = call.slot >= limitOf(call.category) && std::ranges::any_of(inList, [&](Call other) {
-                                other.slot = call.slot;
-                                return zyn::bytesOf(other) == zyn::bytesOf(call);
-                            });
-        if (isCopy)
-            file.erase(call.slot);
-    }
-}
-
-/// Brings the newest calls below the limit, from behind it if need be: that may have been higher before.
-void CallLog::bringForward(CallFile& file)
-{
-    const int limit = limitOf(file.list());
-    Calls newest = file.calls();
-    newest.resize(std::min(newest.size(), static_cast<size_t>(limit)));
-    for (Call& call : newest) {
-        if (call.slot < limit)
-            continue;
-        const int slot = freeSlot(newest, limit);
-        if (!file.exchange(call.slot, slot))
-            return;
-        call.slot = slot;
-    }
-}
-
 /// Writes @p record into @p file, one of the open @p files.
-CallLog::Outcome CallLog::store(const Files& files, CallFile& file, Call& record)
+CallLog::Outcome CallLog::store(const OpenFiles& files, CallFile& file, Call& record)
 {
     record.uid = nextUid(files);
     const Calls calls = file.calls();
@@ -245,57 +246,45 @@ CallLog::Outcome CallLog::store(const Files& files, CallFile& file, Call& record
         return Outcome::Failed;
     if (!file.holds(record))
         return Outcome::Displaced;
-    // Of all calls the oldest goes, which may lie behind the limit.
+    // The oldest of all calls is the one to go; it may lie behind the limit.
     if (isFull && calls.back().slot >= limit) {
         Call older = inList.back();
         older.slot = calls.back().slot;
         file.write(older);
     }
     m_lastUid = record.uid;
-    noteChange(record.category);
+    noteChange(file.list());
     return Outcome::Done;
 }
 
-CallLog::Calls CallLog::callsOf(const Files& files)
-{
-    Calls all;
-    for (const CallFile* file : files) {
-        const Calls calls = file->calls();
-        all.insert(all.end(), calls.begin(), calls.end());
-    }
-    return all;
-}
-
-/// A uid above those of all calls, and above those that were given before.
-int32_t CallLog::nextUid(const Files& files)
+/// A uid above those of all calls, and above those that were assigned before.
+int32_t CallLog::nextUid(const OpenFiles& files)
 {
     renumber(files);
-    // The call that got the greatest uid of all may have been deleted since; then it counts no more.
-    int32_t greatest = m_lastUid == zyn::kGreatestUid ? -1 : m_lastUid;
-    for (const Call& call : callsOf(files))
+    // The call with the greatest possible uid may have been deleted since; then that uid is free again.
+    int32_t greatest = m_lastUid == kGreatestUid ? -1 : m_lastUid;
+    for (const Call& call : files.calls())
         greatest = std::max(greatest, call.uid);
-    return greatest == zyn::kGreatestUid ? greatest : greatest + 1;
+    return greatest == kGreatestUid ? greatest : greatest + 1;
 }
 
 /// Gives calls lower uids when none is left for the next one.
-void CallLog::renumber(const Files& files)
+void CallLog::renumber(const OpenFiles& files)
 {
-    const zyn::RenumberedCalls renumbered = zyn::lowerUids(callsOf(files), 1, m_lastUid);
+    const RenumberedCalls renumbered = lowerUids(files.calls(), 1, m_lastUid);
     if (renumbered.empty())
         return;
     m_renumbered = renumbered;
     m_lastUid = renumbered.back().call.uid;
-    log(QStringLiteral("no uid is left: %1 calls get uids from %2 on")
-            .arg(renumbered.size())
-            .arg(renumbered.front().call.uid));
+    log(u"no uid is left: %1 calls get uids from %2 on"_s.arg(renumbered.size()).arg(renumbered.front().call.uid));
     for (const auto& [oldUid, call] : renumbered) {
-        const auto file = std::ranges::find(files, call.category, &CallFile::list);
-        (*file)->write(call);
-        noteChange(call.category);
+        CallFile& file = *files.of(call.category);
+        file.write(call);
+        noteChange(file.list());
     }
 }
 
-/// @p record, with its new uid if it names a call that had another before.
+/// @p record, with its new uid if it names a call that has been renumbered.
 Call CallLog::renumbered(const Call& record) const
 {
     Call current = record;
@@ -317,43 +306,38 @@ CallLog::Outcome CallLog::erase(CallFile& file, const Call& call)
 
 CallLog::Outcome CallLog::setRead(CallFile& file, const Call& call)
 {
-    Call seen = call;
-    seen.readFlags |= Call::kRead;
-    if (seen.readFlags == call.readFlags)
+    Call read = call;
+    read.readFlags |= Call::kRead;
+    if (read.readFlags == call.readFlags)
         return Outcome::Done;
-    if (!file.write(seen))
+    if (!file.write(read))
         return Outcome::Failed;
     noteChange(file.list());
     return file.isInPlace() ? Outcome::Done : Outcome::Displaced;
 }
 
-/// Does @p change to the stored call that @p record means.
+/// Makes @p change to the stored call that @p record means.
 rc::Status CallLog::changeStored(const Call& record, Change change)
 {
     const Lists list = listsOf(record.category);
     if (list.size() != 1)
         return rc::NoSuchRecord;
-    Attempts attempts;
-    Outcome outcome = Outcome::Failed;
-    do {
+    bool isMissing = false;
+    const Outcome outcome = repeat([&] {
         const OpenFiles files(*this, list);
-        if (files.all().empty())
-            return rc::Failure;
-        CallFile& file = *files.all().front();
-        const Calls calls = file.calls();
+        CallFile* file = files.of(record.category);
+        if (!file)
+            return Outcome::Failed;
+        const Calls calls = file->calls();
         const Call* stored = find(calls, record);
         if (!stored)
             stored = find(calls, renumbered(record));
-        if (!stored)
-            return rc::NoSuchRecord;
-        outcome = (this->*change)(file, *stored);
-    } while (attempts.isLeft(outcome));
+        isMissing = !stored;
+        return stored ? (this->*change)(*file, *stored) : Outcome::Done;
+    });
+    if (isMissing)
+        return rc::NoSuchRecord;
     return outcome == Outcome::Done ? rc::Success : rc::Failure;
-}
-
-void CallLog::noteChange(RC_CALL_CATEGORY_T category)
-{
-    m_hasMissedChange |= category == RC_CALL_CATEGORY_MISSED;
 }
 
 } // namespace zyn::handset

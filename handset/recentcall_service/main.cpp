@@ -95,7 +95,7 @@ bool ServiceConnection::admits(const CommandFrameHeader& header)
 void ServiceConnection::carryOut(const CommandFrameHeader& header, Data data)
 {
     (this->*rowFor(kCommands, header)->carryOut)(data);
-    if (m_calls.takeMissedChange())
+    if (m_calls.fetchMissedChange())
         announceMissedCalls();
 }
 
