@@ -103,9 +103,9 @@ public:
     void look(const QByteArray& image, int slot)
     {
         Entry& entry = m_entries.emplace_back();
-        zyn::readContactRecord(entry, image, slot);
+        ContactFile::read(entry, image, slot);
         if (entry.inUse == 0) {
-            if (zyn::contactRecordBytes(entry) != zyn::contactRecordBytes(m_blank))
+            if (ContactFile::bytes(entry) != ContactFile::bytes(m_blank))
                 m_problems.add(slot, u"it is free but not blank"_s);
             m_entries.pop_back();
             return;
@@ -172,21 +172,21 @@ bool isRecordFileName(const QString& name)
 
 bool isRecordFileImage(const QByteArray& image)
 {
-    return image.size() == kRecordFileSize && hasValidHeader(image);
+    return RecordFile::isValid(image);
 }
 
 FileFindings checkRecordFile(const QString& name, const QByteArray& image)
 {
     const RC_CALL_CATEGORY_T list = listOfFile(name);
     QStringList problems = headerProblems(image);
-    const int places = problems.isEmpty() ? std::min(recordCount(image), kRecordSlots) : 0;
-    problems += sizeProblems(image, kRecordFileSize);
+    const int places = problems.isEmpty() ? RecordFile::count(image) : 0;
+    problems += sizeProblems(image, RecordFile::size());
     SlotCheck check(list, problems);
     for (int place = 0; place < places; ++place) {
-        if (isRecordInUse(image, place))
-            check.look(recordAt(image, place), place);
+        if (RecordFile::isInUse(image, place))
+            check.look(RecordFile::at(image, place), place);
         else
-            check.lookAtFree(recordAt(image, place), place);
+            check.lookAtFree(RecordFile::at(image, place), place);
     }
     const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
     return {kind, kSlotWord, check.problems(), check.table()};
@@ -201,14 +201,14 @@ bool isContactFileName(const QString& name)
 
 bool isContactFileImage(const QByteArray& image)
 {
-    const int slots = contactRecordCount(image);
-    if (!hasValidHeader(image) || image.size() != contactFileSize(slots))
+    const int slots = ContactFile::count(image);
+    if (!ContactFile::isValid(image, slots))
         return false;
     Entry entry;
     const int32_t nowhere = entry.topPalsAvlPos;
     int known = 0;
     for (int slot = 0; slot < slots; ++slot) {
-        readContactRecord(entry, image, slot);
+        ContactFile::read(entry, image, slot);
         known += entry.topPalsAvlPos == slot || entry.topPalsAvlPos == nowhere ? 1 : 0;
     }
     return known >= slots - known;
@@ -217,25 +217,12 @@ bool isContactFileImage(const QByteArray& image)
 FileFindings checkContactFile(const QString& name, const QByteArray& image)
 {
     QStringList problems = headerProblems(image);
-    const int slots = problems.isEmpty() ? contactRecordCount(image) : 0;
-    problems += sizeProblems(image, contactFileSize(contactSlots()));
+    const int slots = problems.isEmpty() ? ContactFile::count(image) : 0;
+    problems += sizeProblems(image, ContactFile::size(contactSlots()));
     EntryCheck check(name, problems);
     for (int slot = 0; slot < slots; ++slot)
         check.look(image, slot);
     return {u"activities of a favourite"_s, kSlotWord, check.problems(), check.table()};
-}
-
-int placeCount(const QByteArray& image)
-{
-    const qint64 length = std::min<qint64>(image.size(), kTopPalsDetailsSize) - topPalsDetailsOffset(0);
-    return static_cast<int>(std::max<qint64>(length, 0) / qint64{sizeof(TopPalNumberDetail)});
-}
-
-TopPalNumberDetail detailAt(const QByteArray& image, int place)
-{
-    TopPalNumberDetail detail;
-    std::memcpy(&detail, image.constData() + topPalsDetailsOffset(place), sizeof detail);
-    return detail;
 }
 
 bool isFavouritesFileName(const QString& name)
@@ -245,16 +232,16 @@ bool isFavouritesFileName(const QString& name)
 
 bool isFavouritesFileImage(const QByteArray& image)
 {
-    return image.size() == kTopPalsDetailsSize && hasValidHeader(image);
+    return DetailsFile::isValid(image);
 }
 
 FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& image)
 {
-    Problems problems(headerProblems(image) + sizeProblems(image, kTopPalsDetailsSize));
-    const int places = hasValidHeader(image) ? placeCount(image) : 0;
+    Problems problems(headerProblems(image) + sizeProblems(image, DetailsFile::size()));
+    const int places = hasValidHeader(image) ? DetailsFile::count(image) : 0;
     std::vector<Favourite> favourites;
     for (int place = 0; place < places; ++place) {
-        const TopPalNumberDetail detail = detailAt(image, place);
+        const TopPalNumberDetail detail = DetailsFile::at(image, place);
         QStringList found = placeProblems(detail, place);
         if (detail.nthFileItem != TopPalNumberDetail::kFree) {
             const QString number = latin1Text(detail.phoneNumber);

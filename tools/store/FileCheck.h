@@ -42,11 +42,6 @@ inline constexpr FileKind kContactFileKind{isContactFileName, isContactFileImage
 
 inline constexpr char kPlaceWord[] = "place";
 
-/// How many whole places @p image holds.
-int placeCount(const QByteArray& image);
-/// The place @p place, 0 to placeCount() - 1, of @p image.
-TopPalNumberDetail detailAt(const QByteArray& image, int place);
-
 bool isFavouritesFileName(const QString& name);
 bool isFavouritesFileImage(const QByteArray& image);
 

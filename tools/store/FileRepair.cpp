@@ -40,10 +40,10 @@ std::vector<Call> callsIn(const Images& images)
     std::vector<Call> calls;
     for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
         const auto file = images.find(recordFile(list));
-        for (int slot = 0; file != images.end() && slot < zyn::kRecordSlots; ++slot) {
-            if (zyn::isRecordInUse(file->second, slot))
-                calls.push_back(zyn::recordAt(file->second, slot));
-        }
+        if (file == images.end())
+            continue;
+        for (const int slot : RecordFile::usedSlots(file->second))
+            calls.push_back(RecordFile::at(file->second, slot));
     }
     return calls;
 }
@@ -62,8 +62,7 @@ void put(const Call& call, int32_t old, const QString& why, Images& images, Find
 {
     const QString name = recordFile(call.category);
     log.add(name, kSlotWord, call.slot, u"uid %1, %2: now %3"_s.arg(old).arg(why).arg(call.uid));
-    const auto offset = static_cast<qsizetype>(zyn::recordOffset(call.slot));
-    images.at(name).replace(offset, qsizetype{sizeof call}, zyn::bytesOf(call).toByteArray());
+    RecordFile::put(images.at(name), call.slot, call);
 }
 
 using Entry = PHONE_ENG_ActivityLog;
@@ -248,13 +247,14 @@ RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& l
 }
 
 ContactRepair::ContactRepair(const QString& name, Findings& log)
-    : SlotRepair(name, contactRecordBytes(Entry()).toByteArray(), log)
+    : SlotRepair(name, ContactFile::bytes(Entry()).toByteArray(), log)
 {}
 
 int ContactRepair::slotsFor(const QByteArray& image, int records) const
 {
-    const int present = contactRecordCount(image);
-    const bool isWhole = hasValidHeader(image) && image.size() == contactFileSize(present);
+    const int present = ContactFile::count(image);
+    const bool isWhole =
+        hasValidHeader(image) && (image.size() - ContactFile::size(present)) % qint64{sizeof(Entry)} == 0;
     return std::min(std::max({contactSlots(), records, isWhole ? present : 0}), kMaxContactSlots);
 }
 
@@ -291,14 +291,14 @@ void ContactRepair::correct(QByteArray& record, int from, int to)
         tell(from, u"the number is '%1': put right"_s.arg(entry.getPhoneNumber()));
         entry.setPhoneNumber(name());
     }
-    record = contactRecordBytes(entry).toByteArray();
+    record = ContactFile::bytes(entry).toByteArray();
 }
 
 void renumberEntries(QByteArray& image, const QString& name, const RenumberedCalls& calls, Findings& log)
 {
-    for (int slot = 0; !calls.empty() && slot < contactRecordCount(image); ++slot) {
+    for (int slot = 0; !calls.empty() && slot < ContactFile::count(image); ++slot) {
         Entry entry;
-        readContactRecord(entry, image, slot);
+        ContactFile::read(entry, image, slot);
         const auto made = std::ranges::find_if(calls, [&](const RenumberedCall& renumbered) {
             const PHONE_ENG_RecentCall& call = renumbered.call;
             return renumbered.oldUid == entry.uid && call.startTime == entry.startTime
@@ -308,8 +308,7 @@ void renumberEntries(QByteArray& image, const QString& name, const RenumberedCal
             continue;
         entry.uid = made->call.uid;
         log.add(name, kSlotWord, slot, u"uid %1, as its call: now %2"_s.arg(made->oldUid).arg(entry.uid));
-        const auto offset = static_cast<qsizetype>(getTopPalsAvlFilePos(slot));
-        image.replace(offset, qsizetype{sizeof entry}, contactRecordBytes(entry).toByteArray());
+        ContactFile::put(image, slot, entry);
     }
 }
 
@@ -321,12 +320,12 @@ FavouritesRepair::FavouritesRepair(const StoreFiles& files, Findings& log)
         return;
     const QByteArray image = files.image(fileName());
     const bool isTrusted = hasValidHeader(image);
-    for (int place = 0; place < placeCount(image); ++place)
-        take(detailAt(image, place), place, isTrusted);
+    for (int place = 0; place < DetailsFile::count(image); ++place)
+        take(DetailsFile::at(image, place), place, isTrusted);
     if (!isTrusted)
         m_log.add(fileName(), u"given a new header"_s);
-    if (image.size() != kTopPalsDetailsSize)
-        m_log.add(fileName(), u"given its size of %1 bytes"_s.arg(kTopPalsDetailsSize));
+    if (image.size() != DetailsFile::size())
+        m_log.add(fileName(), u"given its size of %1 bytes"_s.arg(DetailsFile::size()));
 }
 
 bool FavouritesRepair::add(const QString& number)

@@ -98,11 +98,9 @@ private:
         for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
             const QString name = recordFile(list);
             const QByteArray image = m_files.image(name);
-            const int places = zyn::hasValidHeader(image) ? std::min(zyn::recordCount(image), zyn::kRecordSlots) : 0;
-            for (int place = 0; place < places; ++place) {
-                if (!zyn::isRecordInUse(image, place))
-                    continue;
-                const int32_t uid = zyn::recordAt(image, place).uid;
+            const int places = hasValidHeader(image) ? RecordFile::count(image) : 0;
+            for (const int place : RecordFile::usedSlots(image, places)) {
+                const int32_t uid = RecordFile::at(image, place).uid;
                 const QString owner = owners.value(uid);
                 if (owner.isEmpty())
                     owners.insert(uid, u"%1, slot %2"_s.arg(name).arg(place));

@@ -70,8 +70,8 @@ QByteArray StoreFiles::image(const QString& name) const
 std::map<int, QString> favouritesIn(const QByteArray& image)
 {
     std::map<int, QString> favourites;
-    for (int place = 0; hasValidHeader(image) && place < placeCount(image); ++place) {
-        const TopPalNumberDetail detail = detailAt(image, place);
+    for (int place = 0; hasValidHeader(image) && place < DetailsFile::count(image); ++place) {
+        const TopPalNumberDetail detail = DetailsFile::at(image, place);
         const QString number = latin1Text(detail.phoneNumber);
         if (detail.nthFileItem != TopPalNumberDetail::kFree && !number.isEmpty())
             favourites.emplace(place, number);

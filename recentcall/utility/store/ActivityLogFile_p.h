@@ -117,32 +117,4 @@ bool modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& record, int slots);
 /// Frees slot @p pos of the open contact's file @p fd.
 bool removeTopPalsAvlFileItem(int fd, int pos, int slots);
 
-// The names by which the layout was known; they go with their users.
-
-inline constexpr qint64 kTopPalsDetailsSize = DetailsFile::size();
-constexpr qint64 topPalsDetailsOffset(int place)
-{
-    return DetailsFile::offset(place);
-}
-constexpr qint64 contactFileSize(int slots)
-{
-    return ContactFile::size(slots);
-}
-inline int contactRecordCount(QByteArrayView image)
-{
-    return ContactFile::count(image);
-}
-inline bool isContactRecordInUse(QByteArrayView image, int slot)
-{
-    return ContactFile::isInUse(image, slot);
-}
-inline void readContactRecord(PHONE_ENG_ActivityLog& record, QByteArrayView image, int slot)
-{
-    ContactFile::read(record, image, slot);
-}
-inline QByteArrayView contactRecordBytes(const PHONE_ENG_ActivityLog& record)
-{
-    return ContactFile::bytes(record);
-}
-
 } // namespace zyn

@@ -56,28 +56,4 @@ using RenumberedCalls = std::vector<RenumberedCall>;
  */
 RenumberedCalls lowerUids(std::vector<PHONE_ENG_RecentCall> calls, int32_t wanted, int32_t given = -1);
 
-// The names by which the layout was known; they go with their users.
-
-inline constexpr qint64 kRecordFileSize = RecordFile::size();
-constexpr qint64 recordOffset(int slot)
-{
-    return RecordFile::offset(slot);
-}
-inline QByteArray freshRecordFile()
-{
-    return RecordFile::blankImage();
-}
-inline int recordCount(QByteArrayView image)
-{
-    return RecordFile::count(image);
-}
-inline PHONE_ENG_RecentCall recordAt(QByteArrayView image, int slot)
-{
-    return RecordFile::at(image, slot);
-}
-inline bool isRecordInUse(QByteArrayView image, int slot)
-{
-    return RecordFile::isInUse(image, slot);
-}
-
 } // namespace zyn

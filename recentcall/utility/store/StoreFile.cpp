@@ -177,7 +177,8 @@ CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
     const State state = stateAt(*place, contents.size());
     if (state == State::Valid)
         return CreateResult::Done;
-    posix::UniqueFd invalid = state == State::Invalid ? posix::openAt(*place, posix::Access::Change) : posix::UniqueFd();
+    posix::UniqueFd invalid =
+        state == State::Invalid ? posix::openAt(*place, posix::Access::Change) : posix::UniqueFd();
     // Another process may have made it valid meanwhile.
     if (invalid.isValid() && stateOf(invalid.get(), contents.size()) == State::Valid)
         return CreateResult::Done;
