@@ -30,26 +30,24 @@ class tst_RC_CreateMsgInterface : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void servesARunTimeLoader();
+    void servesARunTimeLoader()
+    {
+        constexpr char kFactory[] = "RC_CreateMsgInterface";
+        QVERIFY(!::dlsym(RTLD_DEFAULT, kFactory));
+        QLibrary library(QStringLiteral(ZYN_LIBRARY));
+        const auto create = reinterpret_cast<LoadedInterface* (*)()>(library.resolve(kFactory));
+        QVERIFY2(create, qPrintable(library.errorString()));
+        LoadedInterface* const screens = create();
+        QCOMPARE(create(), screens);
+
+        const QCopChannel listener("/ZYN/recentcall");
+        const QSignalSpy received(&listener, &QCopChannel::received);
+        QVERIFY(showsAndHides(screens));
+        QTRY_COMPARE(received.size(), 2);
+        QCOMPARE(received[0], (QVariantList{QByteArray("RECENTCALL_MSG_4"), QByteArray("\0\0\0\5", 4)}));
+        QCOMPARE(received[1], (QVariantList{QByteArray("RECENTCALL_MSG_7"), QByteArray()}));
+    }
 };
-
-void tst_RC_CreateMsgInterface::servesARunTimeLoader()
-{
-    constexpr char kFactory[] = "RC_CreateMsgInterface";
-    QVERIFY(!::dlsym(RTLD_DEFAULT, kFactory));
-    QLibrary library(QStringLiteral(ZYN_LIBRARY));
-    const auto create = reinterpret_cast<LoadedInterface* (*)()>(library.resolve(kFactory));
-    QVERIFY2(create, qPrintable(library.errorString()));
-    LoadedInterface* const screens = create();
-    QCOMPARE(create(), screens);
-
-    const QCopChannel listener("/ZYN/recentcall");
-    const QSignalSpy received(&listener, &QCopChannel::received);
-    QVERIFY(showsAndHides(screens));
-    QTRY_COMPARE(received.size(), 2);
-    QCOMPARE(received[0], (QVariantList{QByteArray("RECENTCALL_MSG_4"), QByteArray("\0\0\0\5", 4)}));
-    QCOMPARE(received[1], (QVariantList{QByteArray("RECENTCALL_MSG_7"), QByteArray()}));
-}
 
 QTEST_GUILESS_MAIN(tst_RC_CreateMsgInterface)
 #include "tst_RC_CreateMsgInterface.moc"

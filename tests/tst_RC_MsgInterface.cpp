@@ -12,6 +12,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr RC_PAGE_ID_T kPage{1};
@@ -32,7 +34,7 @@ QByteArray picked(const QString& number)
 QByteArray closePicker()
 {
     StdoutCapture capture;
-    RecentCall_MsgClient::instance()->receive("RECENTCALL_MSG_6", picked(QStringLiteral("5551234")));
+    RecentCall_MsgClient::instance()->receive("RECENTCALL_MSG_6", picked(u"5551234"_s));
     return capture.take();
 }
 
@@ -63,122 +65,115 @@ private Q_SLOTS:
         RecentCall_MsgClient::destruction();
     }
 
-    void reportsThePickerOnceForEachRequest();
-    void countsFromZeroWithANewClient();
-    void passesOnlyTheResultOfHiding();
-    void getsANumberFromAnotherProcess();
-    void announcesMissedCallsToEachObject();
-    void givesTheEnginesList();
-};
-
-void tst_RC_MsgInterface::reportsThePickerOnceForEachRequest()
-{
-    RC_MsgInterface* const screens = RC_MsgInterface::instance();
-    QVERIFY(RC_CreateMsgInterface() == screens);
-    const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
-    StdoutCapture capture;
-    const bool asked = screens->requestShowUI(kPage) && screens->dlopenrequestShowUI(kPage);
-    const QByteArray log = capture.take();
-    QVERIFY(asked);
-    QVERIFY(log.startsWith("go to page:1about to send msg:RECENTCALL_MSG_4,para:1"));
-    QVERIFY(log.endsWith("1about to send msg:RECENTCALL_MSG_4,para:1") && !log.contains('\n'));
-    QCOMPARE(closePicker(), "get message: RECENTCALL_MSG_6selected:1,number:5551234"
-                                + QByteArray("emit singal  rcFinished:1,5551234").repeated(2));
-    QCOMPARE(finished.toList(), QList<QVariantList>(2, {true, QStringLiteral("5551234")}));
-}
-
-void tst_RC_MsgInterface::countsFromZeroWithANewClient()
-{
-    RC_MsgInterface* const screens = RC_MsgInterface::instance();
-    const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
-    for (qsizetype count = 1; count <= 3; ++count) {
-        screens->requestShowUI(kPage);
-        closePicker();
-        QCOMPARE(finished.size(), count);
-        RecentCall_MsgClient::destruction();
+    void reportsThePickerOnceForEachRequest()
+    {
+        RC_MsgInterface* const screens = RC_MsgInterface::instance();
+        QVERIFY(RC_CreateMsgInterface() == screens);
+        const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
+        StdoutCapture capture;
+        const bool asked = screens->requestShowUI(kPage) && screens->dlopenrequestShowUI(kPage);
+        const QByteArray log = capture.take();
+        QVERIFY(asked);
+        QVERIFY(log.startsWith("go to page:1about to send msg:RECENTCALL_MSG_4,para:1"));
+        QVERIFY(log.endsWith("1about to send msg:RECENTCALL_MSG_4,para:1") && !log.contains('\n'));
+        QCOMPARE(closePicker(), "get message: RECENTCALL_MSG_6selected:1,number:5551234"
+                                    + QByteArray("emit singal  rcFinished:1,5551234").repeated(2));
+        QCOMPARE(finished.toList(), QList<QVariantList>(2, {true, u"5551234"_s}));
     }
-    QCOMPARE(RC_MsgInterface::instance(), screens);
-    closePicker();
-    QCOMPARE(finished.size(), 3);
 
-    screens->requestShowUI(kPage);
-    screens->requestShowUI(kPage);
-    connect(screens, &RC_MsgInterface::rcFinished, this, [this] { cleanup(); });
-    closePicker(); // the first report ends all
-    QCOMPARE(finished.size(), 4);
-}
+    void countsFromZeroWithANewClient()
+    {
+        RC_MsgInterface* const screens = RC_MsgInterface::instance();
+        const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
+        for (qsizetype count = 1; count <= 3; ++count) {
+            screens->requestShowUI(kPage);
+            closePicker();
+            QCOMPARE(finished.size(), count);
+            RecentCall_MsgClient::destruction();
+        }
+        QCOMPARE(RC_MsgInterface::instance(), screens);
+        closePicker();
+        QCOMPARE(finished.size(), 3);
 
-void tst_RC_MsgInterface::passesOnlyTheResultOfHiding()
-{
-    RC_MsgInterface* const screens = RC_MsgInterface::instance();
-    StdoutCapture capture;
-    const bool asked = screens->showRecordDetail(3, RC_CALL_CATEGORY_DIALED);
-    QCOMPARE(capture.take(), "go to detail 3about to send msg:RECENTCALL_MSG_5,para:3,3");
-    QVERIFY(asked && screens->hideUI() && screens->dlopenHideUI());
+        screens->requestShowUI(kPage);
+        screens->requestShowUI(kPage);
+        connect(screens, &RC_MsgInterface::rcFinished, this, [this] { cleanup(); });
+        closePicker(); // the first report ends all
+        QCOMPARE(finished.size(), 4);
+    }
 
-    qputenv("ZYN_QCOP_PATH", "/dev/null");
-    const bool hidden = screens->hideUI() || screens->dlopenHideUI();
-    const bool all = screens->requestShowUI(kPage) && screens->dlopenrequestShowUI(kPage)
-                     && screens->showRecordDetail(3, RC_CALL_CATEGORY_DIALED);
-    qunsetenv("ZYN_QCOP_PATH");
-    QVERIFY(all && !hidden);
-}
+    void passesOnlyTheResultOfHiding()
+    {
+        RC_MsgInterface* const screens = RC_MsgInterface::instance();
+        StdoutCapture capture;
+        const bool asked = screens->showRecordDetail(3, RC_CALL_CATEGORY_DIALED);
+        QCOMPARE(capture.take(), "go to detail 3about to send msg:RECENTCALL_MSG_5,para:3,3");
+        QVERIFY(asked && screens->hideUI() && screens->dlopenHideUI());
 
-void tst_RC_MsgInterface::getsANumberFromAnotherProcess()
-{
-    RC_MsgInterface* const screens = RC_MsgInterface::instance();
-    const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
-    const auto process = role::start(QStringLiteral("screens"));
-    QVERIFY(role::waitReady(*process));
-    screens->requestShowUI(RC_PAGE_ID_T{42});
-    QTRY_COMPARE(finished.size(), 1);
-    QCOMPARE(finished[0], (QVariantList{true, QStringLiteral("42")}));
-    QVERIFY(screens->hideUI());
-    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
-}
+        qputenv("ZYN_QCOP_PATH", "/dev/null");
+        const bool hidden = screens->hideUI() || screens->dlopenHideUI();
+        const bool all = screens->requestShowUI(kPage) && screens->dlopenrequestShowUI(kPage)
+                         && screens->showRecordDetail(3, RC_CALL_CATEGORY_DIALED);
+        qunsetenv("ZYN_QCOP_PATH");
+        QVERIFY(all && !hidden);
+    }
 
-void tst_RC_MsgInterface::announcesMissedCallsToEachObject()
-{
-    const auto announce = [] { RecentCall_MsgClient::instance()->receive("RECENTCALL_MSG_2", {}); };
-    RC_MissedCallInterface own;
-    const QSignalSpy updates(&own, &RC_MissedCallInterface::dataUpdate);
-    const QSignalSpy shared(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate);
-    announce();
-    QVERIFY(updates.size() == 1 && shared.size() == 1);
+    void getsANumberFromAnotherProcess()
+    {
+        RC_MsgInterface* const screens = RC_MsgInterface::instance();
+        const QSignalSpy finished(screens, &RC_MsgInterface::rcFinished);
+        const auto process = role::start(u"screens"_s);
+        QVERIFY(role::waitReady(*process));
+        screens->requestShowUI(RC_PAGE_ID_T{42});
+        QTRY_COMPARE(finished.size(), 1);
+        QCOMPARE(finished[0], (QVariantList{true, u"42"_s}));
+        QVERIFY(screens->hideUI());
+        QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+    }
 
-    RecentCall_MsgClient::destruction();
-    RC_MissedCallInterface::instance();
-    announce();
-    QVERIFY(updates.size() == 1 && shared.size() == 2);
-    own.getUnreadMissedCalls();
-    own.getUnreadMissedCalls();
-    announce();
-    QVERIFY(updates.size() == 2 && shared.size() == 3);
-    RC_MissedCallInterface::destruction(); // not the client
-    announce();
-    QCOMPARE(updates.size(), 3);
-}
+    void announcesMissedCallsToEachObject()
+    {
+        const auto announce = [] { RecentCall_MsgClient::instance()->receive("RECENTCALL_MSG_2", {}); };
+        RC_MissedCallInterface own;
+        const QSignalSpy updates(&own, &RC_MissedCallInterface::dataUpdate);
+        const QSignalSpy shared(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate);
+        announce();
+        QVERIFY(updates.size() == 1 && shared.size() == 1);
 
-void tst_RC_MsgInterface::givesTheEnginesList()
-{
-    RC_MissedCallInterface calls;
-    StderrCapture capture;
-    const bool none = calls.getUnreadMissedCalls().isEmpty();
-    const QString log = QString::fromLatin1(capture.take());
-    QVERIFY(none);
-    const QRegularExpression line(QStringLiteral("\\A\\{1\\} RC_MissedCallInterface\\.cpp:\\d+\tooooooooooo\n\\z"));
-    QVERIFY2(line.match(log).hasMatch(), qPrintable(log));
+        RecentCall_MsgClient::destruction();
+        RC_MissedCallInterface::instance();
+        announce();
+        QVERIFY(updates.size() == 1 && shared.size() == 2);
+        own.getUnreadMissedCalls();
+        own.getUnreadMissedCalls();
+        announce();
+        QVERIFY(updates.size() == 2 && shared.size() == 3);
+        RC_MissedCallInterface::destruction(); // not the client
+        announce();
+        QCOMPARE(updates.size(), 3);
+    }
 
-    Engine engine;
-    g_rcEngineStub = &engine;
-    const qsizetype count = calls.getUnreadMissedCalls().size();
-    g_rcEngineStub = nullptr;
-    QCOMPARE(count, 3);
-}
+    void givesTheEnginesList()
+    {
+        RC_MissedCallInterface calls;
+        StderrCapture capture;
+        const bool none = calls.getUnreadMissedCalls().isEmpty();
+        const QString log = QString::fromLatin1(capture.take());
+        QVERIFY(none);
+        const QRegularExpression line(u"\\A\\{1\\} RC_MissedCallInterface\\.cpp:\\d+\tooooooooooo\n\\z"_s);
+        QVERIFY2(line.match(log).hasMatch(), qPrintable(log));
+
+        Engine engine;
+        g_rcEngineStub = &engine;
+        const qsizetype count = calls.getUnreadMissedCalls().size();
+        g_rcEngineStub = nullptr;
+        QCOMPARE(count, 3);
+    }
+};
 
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_RC_MsgInterface>(argc, argv, {{QStringLiteral("screens"), &screensRole}});
+    return role::testMain<tst_RC_MsgInterface>(argc, argv, {{u"screens"_s, &screensRole}});
 }
 
 #include "tst_RC_MsgInterface.moc"
