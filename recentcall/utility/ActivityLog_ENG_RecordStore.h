@@ -20,15 +20,15 @@
  *
  * Not guarded: use it from one thread. Several processes may read the same files, but only one may change them.
  *
- * Every operation writes what it does to standard output. Where an int is returned it is 1 on success, 0 on failure.
+ * Every operation prints what it does to standard output. Where an int is returned it is 1 on success, 0 on failure.
  */
 class ZYN_EXPORT ActivityLog_ENG_RecordStore
 {
 public:
     static constexpr int kFavourites = TopPalNumberDetail::kPlaces; ///< how many favourites there may be
 
-    /// The store of the process. The first call makes it and the file of the favourites unless there is one; slots that
-    /// hold entries already are known to be used, also those of a file of another size.
+    /// The store of the process. The first call creates it, and the file of the favourites if that is missing; slots
+    /// that hold entries already are known to be used, also those of a file of another size.
     static ActivityLog_ENG_RecordStore* instance();
     /// Deletes the store; the index that the next entry will get is kept.
     static void destroy();

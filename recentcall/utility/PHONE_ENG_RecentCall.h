@@ -50,7 +50,7 @@ public:
     static constexpr uint8_t kRead = 1;       ///< the user has seen the call
     static constexpr uint8_t kStrictRead = 2; ///< strict read; not interpreted
 
-    /// A blank record, as init() leaves it.
+    /// A blank record, as after init().
     PHONE_ENG_RecentCall();
     /// A blank record with the given @p number, @p start and @p duration, each stored as its setter or field says.
     PHONE_ENG_RecentCall(const QString& number, const QDateTime& start, int duration);
@@ -85,7 +85,7 @@ public:
     /// Whether this record is newer: its uid is greater.
     bool operator<(const PHONE_ENG_RecentCall& other) const { return uid > other.uid; }
 
-    /// Forms the category's name and the start time's text for a debugger to look at; writes nothing.
+    /// Forms the category's name and the start time's text for a debugger; prints nothing.
     void print() const;
 };
 

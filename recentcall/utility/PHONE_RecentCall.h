@@ -12,7 +12,7 @@ ZYN_EXPORT QString RecentCall_dataDir();
 /**
  * @name Requests
  * Each opens a connection of its own to the recent-call service, which must run as this user or as root, and closes it
- * before it returns. A service that takes or says nothing for 5 seconds counts as gone. Nothing is retried.
+ * before it returns. A service that accepts or sends nothing for 5 seconds counts as gone. Nothing is retried.
  *
  * The result is 0 on success, 1 for the service's code 1 (no such record), and 2 for every failure.
  * @{

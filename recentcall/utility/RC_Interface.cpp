@@ -1,8 +1,9 @@
-// The log of recent calls, for applications.
+// The log of recent calls, for applications: the interface, and the older ones.
 #include "recentcall/utility/RC_Interface.h"
 
 #include "platform/CommandFrame_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
+#include "recentcall/utility/PHONE_RecentCallInterface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "recentcall/utility/store/StoreFile_p.h"
@@ -14,14 +15,22 @@ using Record = PHONE_ENG_RecentCall;
 
 namespace {
 
+constexpr int kFailure = 3;
+
+/// The result of the classes for one of the plain functions' results: 0, 1, and 3 for anything else.
+int interfaceResult(int result)
+{
+    return result == rc::Success || result == rc::NoSuchRecord ? result : kFailure;
+}
+
 /// Calls @p request with a copy of the wrapped record; the interface's failure when there is none.
 int requestWithRecord(int (*request)(PHONE_ENG_RecentCall&), const RC_RecordInterface& record)
 {
     const auto* wrapper = dynamic_cast<const RC_RecordInterfaceImpl*>(&record);
     if (!wrapper)
-        return rc::interfaceResult(rc::Failure);
+        return kFailure;
     PHONE_ENG_RecentCall copy = *wrapper->getData();
-    return rc::interfaceResult(request(copy));
+    return interfaceResult(request(copy));
 }
 
 /// Appends the records of a successful list answer, whose count and limit are the service's word alone.
@@ -55,7 +64,7 @@ int RC_Interface::deleteRecord(const RC_RecordInterface& record)
 
 int RC_Interface::deleteRecordAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType)
 {
-    return rc::interfaceResult(PHONE_RecentCall_DeleteAll(category, callType));
+    return interfaceResult(PHONE_RecentCall_DeleteAll(category, callType));
 }
 
 int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category,
@@ -63,7 +72,7 @@ int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATE
 {
     const zyn::posix::UniqueFd connection = rc::connectToService();
     if (!connection.isValid())
-        return rc::interfaceResult(rc::Failure);
+        return kFailure;
     list.setAutoDelete(true);
     const rc::Selection selection{category, callType};
     const auto answer = rc::request(connection, rc::ListRecords, std::as_bytes(std::span(&selection, 1)));
@@ -72,7 +81,7 @@ int RC_Interface::getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATE
         list.clear();
         appendRecords(list, zyn::commandData(*answer));
     }
-    return rc::interfaceResult(status);
+    return interfaceResult(status);
 }
 
 bool RC_Interface::getLastDialedNumber(QString& number)
@@ -84,4 +93,38 @@ bool RC_Interface::getLastDialedNumber(QString& number)
         return false;
     number = dialed.getFirst()->getPhoneNumber();
     return true;
+}
+
+PHONE_RecentCall_Interface::PHONE_RecentCall_Interface() = default;
+
+PHONE_RecentCall_Interface::~PHONE_RecentCall_Interface() = default;
+
+int PHONE_RecentCall_Interface::rc_add(PHONE_ENG_RecentCall record)
+{
+    return interfaceResult(PHONE_RecentCall_AddRecord(record));
+}
+
+int PHONE_RecentCall_Interface::rc_delete(const PHONE_ENG_RecentCall& record)
+{
+    PHONE_ENG_RecentCall copy = record;
+    return interfaceResult(PHONE_RecentCall_DeleteRecord(copy));
+}
+
+int PHONE_RecentCall_Interface::rc_deleteAll(CALL_CATEGORY_T category)
+{
+    return interfaceResult(PHONE_RecentCall_DeleteAll(category, RC_CALL_TYPE_VOICE));
+}
+
+bool PHONE_RecentCall_Interface::getLastDialedNumber(QString& number)
+{
+    return RC_Interface().getLastDialedNumber(number);
+}
+
+PHONE_RecentCallInterface::PHONE_RecentCallInterface() = default;
+
+PHONE_RecentCallInterface::~PHONE_RecentCallInterface() = default;
+
+bool PHONE_RecentCallInterface::getLastDialedNumber(QString& number)
+{
+    return RC_Interface().getLastDialedNumber(number);
 }

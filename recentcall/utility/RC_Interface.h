@@ -11,7 +11,7 @@
  * The log of recent calls, kept by the recent-call service.
  *
  * Each request opens a connection of its own to the service, which must run as this user or as root, and blocks until
- * it is sent and answered; a service that takes or says nothing for 5 seconds counts as gone. Nothing is retried.
+ * it is sent and answered; a service that accepts or sends nothing for 5 seconds counts as gone. Nothing is retried.
  *
  * Where an int is returned it is 0 on success, 1 when the service has no such record, and 3 for every other outcome.
  */
@@ -44,6 +44,6 @@ public:
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
     /// Sets @p number to the number dialed last, read from the file without the service; false, and @p number as it
-    /// was, when there is none. Makes this process's RecentCall_ENG_RecordStore.
+    /// was, when there is none. Creates this process's RecentCall_ENG_RecordStore.
     bool getLastDialedNumber(QString& number);
 };

@@ -21,7 +21,7 @@ struct RC_MissedCallInterface::Holder
 {
     QPointer<RecentCall_MsgClient> client;
 
-    /// Takes the client of the process, and another one once its user has destroyed that.
+    /// Follows the client of the process, and the next one once that is destroyed.
     void followClient(RC_MissedCallInterface* owner)
     {
         if (client)

@@ -52,7 +52,7 @@ protected:
 extern ZYN_EXPORT RC_EngineStub* g_rcEngineStub;
 
 /**
- * Tells when the missed calls change, and hands out those that are unread.
+ * Reports changes of the missed calls, and gives those that are unread.
  *
  * Use it in the thread of the event loop that receives the channel's messages. Every object of the process emits
  * dataUpdate() for every change.
@@ -62,12 +62,12 @@ class ZYN_EXPORT RC_MissedCallInterface : public QObject
     Q_OBJECT
 
 public:
-    /// The shared object, made by the first call.
+    /// The shared object, created by the first call.
     static RC_MissedCallInterface* instance();
-    /// Deletes the shared object; the next instance() makes another.
+    /// Deletes the shared object; the next instance() creates another.
     static void destruction();
 
-    /// An object of its own, beside the shared one; both tell the same.
+    /// An object beside the shared one; both report the same.
     RC_MissedCallInterface();
     ~RC_MissedCallInterface() override;
 

@@ -15,7 +15,7 @@ RC_MsgInterface* s_instance = nullptr;
 
 QPointer<RecentCall_MsgClient> s_client;
 
-/// The client that was taken first; another one once its user has destroyed that.
+/// The client of the process; the next one once that is destroyed.
 RecentCall_MsgClient* client()
 {
     if (!s_client)

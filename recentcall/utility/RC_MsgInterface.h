@@ -24,9 +24,9 @@ class ZYN_EXPORT RC_MsgInterface : public QObject
     Q_OBJECT
 
 public:
-    /// The shared object, made by the first call. The library owns it.
+    /// The shared object, created by the first call. The library owns it.
     static RC_MsgInterface* instance();
-    /// Deletes the object, with its connections; the next instance() makes another.
+    /// Deletes the object, with its connections; the next instance() creates another.
     static void destruction();
 
     ~RC_MsgInterface() override;
@@ -59,5 +59,5 @@ private:
     RC_MsgInterface();
 };
 
-/// RC_MsgInterface::instance(), under a symbol name that a run-time loader can look up.
+/// RC_MsgInterface::instance(), under a symbol name that a run-time loader can find.
 extern "C" ZYN_EXPORT RC_MsgInterface* RC_CreateMsgInterface();

@@ -1,4 +1,4 @@
-// Call records behind virtual accessors, as the library's interfaces take and give them.
+// Call records behind virtual accessors, as the library's interfaces use them.
 #include "recentcall/utility/RC_RecordInterface.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Call records behind virtual accessors, as the library's interfaces take and give them.
+// Call records behind virtual accessors, as the library's interfaces use them.
 #pragma once
 
 #include "platform/ZynExport.h"
@@ -135,7 +135,7 @@ public:
     PHONE_ENG_RecentCall* getData() const { return m_record.get(); }
     /// Makes the call one of the kind @p type; the other fields stay.
     void setCallType(RC_CALL_TYPE_T type);
-    /// Takes category, completed status and the push-to-talk fields from @p info.
+    /// Copies category, completed status and the push-to-talk fields from @p info.
     void setPttAttribute(const RC_PttInfo_T& info);
 
 private:

@@ -25,16 +25,16 @@ struct TopPals_Missed_Details
 };
 
 /**
- * Tells the owner of the activity log of a changed favourite, and counts what is unread.
+ * Announces a changed favourite to the owner of the activity log, and counts what is unread.
  *
  * Not guarded: use it from one thread.
  */
 class ZYN_EXPORT RC_TopPals_AL_Interface
 {
 public:
-    /// The object of this process, made by the first call. The library owns it.
+    /// The object of this process, created by the first call. The library owns it.
     static RC_TopPals_AL_Interface* instance();
-    /// Deletes the object; the next instance() makes another.
+    /// Deletes the object; the next instance() creates another.
     static void destruction();
 
     RC_TopPals_AL_Interface(const RC_TopPals_AL_Interface&) = delete;
@@ -54,7 +54,7 @@ public:
      * @p details.number: it must have been registered under these. A missed call that is a message, too, counts as
      * both.
      *
-     * Makes this process's ActivityLog_ENG_RecordStore, which makes the file of the favourites when there is none.
+     * Creates this process's ActivityLog_ENG_RecordStore, which creates the file of the favourites if it is missing.
      *
      * @param details  gets the counts, 0 when there is nothing to read
      * @return 1 when the favourite's file was read, else 0

@@ -3,6 +3,7 @@
 
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
+#include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
 #include "utility/PHONE_SocketDirectory_p.h"
@@ -12,12 +13,17 @@ namespace {
 
 constexpr int kReceiveBufferSize = 10'240;
 constexpr int32_t kGreeting = 0;
-constexpr int kInterfaceFailure = 3;
 
 QByteArray frame(int32_t code, QByteArrayView data)
 {
-    const auto header = zyn::CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
+    const auto header = CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
     return QByteArray(reinterpret_cast<const char*>(header.data()), qsizetype{header.size()}).append(data);
+}
+
+/// Sends one command on a connection of its own and gives the status of its answer.
+Status ask(Command command, std::span<const std::byte> data)
+{
+    return statusOf(request(connectToService(), command, data).get());
 }
 
 } // namespace
@@ -33,23 +39,12 @@ QByteArray addRequest(const PHONE_ENG_RecentCall& record)
     return frame(kGreetingCommand, bytesOf(kGreeting)) + frame(AddRecord, bytesOf(record));
 }
 
-bool post(Command command, std::span<const std::byte> data)
-{
-    const posix::UniqueFd socket = connectToService();
-    return socket.isValid() && sendCommand(socket.get(), command, data);
-}
-
 std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
                                           std::span<const std::byte> data)
 {
     if (!connection.isValid() || !sendCommand(connection.get(), command, data))
         return nullptr;
     return std::unique_ptr<UTIL_CommandBody>(Socket_ReadCommand(connection.get()));
-}
-
-Status ask(Command command, std::span<const std::byte> data)
-{
-    return statusOf(request(connectToService(), command, data).get());
 }
 
 Status statusOf(const UTIL_CommandBody* answer)
@@ -64,9 +59,30 @@ Status markRead(const PHONE_ENG_RecentCall& record)
     return ask(MarkRead, std::as_bytes(std::span(&record, 1)));
 }
 
-int interfaceResult(int result)
+} // namespace zyn::recentcall
+
+namespace rc = zyn::recentcall;
+
+QString RecentCall_dataDir()
 {
-    return result == Success || result == NoSuchRecord ? result : kInterfaceFailure;
+    return zyn::socketDirectory(rc::kSocketDirectory);
 }
 
-} // namespace zyn::recentcall
+int PHONE_RecentCall_AddRecord(PHONE_ENG_RecentCall& record)
+{
+    const zyn::posix::UniqueFd socket = rc::connectToService();
+    const bool isSent =
+        socket.isValid() && zyn::sendCommand(socket.get(), rc::AddRecord, std::as_bytes(std::span(&record, 1)));
+    return isSent ? rc::Success : rc::Failure;
+}
+
+int PHONE_RecentCall_DeleteRecord(PHONE_ENG_RecentCall& record)
+{
+    return rc::ask(rc::DeleteRecord, std::as_bytes(std::span(&record, 1)));
+}
+
+int PHONE_RecentCall_DeleteAll(RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType)
+{
+    const rc::Selection selection{category, callType};
+    return rc::ask(rc::DeleteAll, std::as_bytes(std::span(&selection, 1)));
+}

@@ -57,23 +57,14 @@ posix::UniqueFd connectToService();
 /// All that is sent on a connection of its own to have @p record added; no answer follows.
 QByteArray addRequest(const PHONE_ENG_RecentCall& record);
 
-/// Sends one command on a connection of its own, without waiting for an answer.
-bool post(Command command, std::span<const std::byte> data);
-
 /// Sends one command on @p connection and gives the service's answer, or null.
 std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
                                           std::span<const std::byte> data);
 
-/// Sends one command on a connection of its own and gives the status of its answer.
-Status ask(Command command, std::span<const std::byte> data);
-
 /// The status of an answer: its code when that is one of Status, else Failure, as for no answer.
 Status statusOf(const UTIL_CommandBody* answer);
 
-/// Lets the call with the uid of @p record in the list of its category count as read, seen by the user.
+/// Marks the call with the uid of @p record, in the list of its category, as read: seen by the user.
 Status markRead(const PHONE_ENG_RecentCall& record);
-
-/// The result of the class interfaces for one of the plain functions' results: 0, 1, and 3 for anything else.
-int interfaceResult(int result);
 
 } // namespace zyn::recentcall

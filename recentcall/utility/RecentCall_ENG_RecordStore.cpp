@@ -92,8 +92,8 @@ QByteArray filePath(RC_CALL_CATEGORY_T category)
     return path;
 }
 
-/// How many bytes the longest file of @p category has. Not the settings' limits: those who only look whether there is a
-/// file need not have read them.
+/// How many bytes the longest file of @p category has, whatever the limits in the settings, which are read for a valid
+/// file only.
 qint64 longestFile(RC_CALL_CATEGORY_T category)
 {
     constexpr auto kLists = static_cast<int>(std::size(zyn::kRecordLists));

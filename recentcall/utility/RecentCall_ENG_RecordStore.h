@@ -16,8 +16,8 @@
  * open, one write of 228 bytes in place and one close. Every operation that uses a file writes the file's path, without
  * a line end, to standard output.
  *
- * What the store knows of the files, the slots in use and the largest uid, it learns from readDataList() alone: a
- * process that adds records reads the three lists first, or it overwrites calls. One process at a time adds and
+ * What the store knows of the files - the slots in use and the largest uid - comes from readDataList() alone: a process
+ * that adds records must read the three lists first, or it overwrites calls. One process at a time adds and
  * removes.
  *
  * To be used from one thread. Failures are results; nothing is retried.
@@ -25,7 +25,7 @@
 class ZYN_EXPORT RecentCall_ENG_RecordStore
 {
 public:
-    /// The process's store, made at the first call and after destroy(). The library owns it.
+    /// The process's store, created by the first call and after destroy(). The library owns it.
     static RecentCall_ENG_RecordStore* instance();
     /// Ends the process's store, if there is one, for all its users. The uid counter goes on.
     static void destroy();
@@ -62,8 +62,8 @@ public:
     /**
      * Reads the calls of one list, newest first.
      *
-     * Appends to @p list; what it already holds stays and is sorted with the rest. A missing file, which is told on
-     * standard output, or one with a wrong header appends nothing. A record that the file's end cuts off is one from
+     * Appends to @p list; what it already holds stays and is sorted with the rest. A missing file, which prints a
+     * line, or one with a wrong header appends nothing. A record that the file's end cuts off is one from
      * its in-use byte on, what is missing being blank. Costs one open and one read.
      *
      * @param list      owns the appended records if it is set to delete its items

@@ -37,9 +37,9 @@ public:
     bool getTwoLineView();
 
     /// The switch `Feat_8998` of group "Fixed Dial" in "/setup/zyn_fixeddial.cfg" under ZYN_APP_WRITE_PATH; true when
-    /// it is not set. Names the file on standard output.
+    /// it is not set. Prints the name of the file.
     bool isFixedDialFlexOn();
-    /// Whether the fixed-dialing switch is on and the telephony API tells that fixed dialing is enabled.
+    /// Whether the fixed-dialing switch is on and the telephony API reports that fixed dialing is enabled.
     bool isFixedDialingAvailable();
 
     /// @{ The push-to-talk switches, always on.

@@ -23,8 +23,8 @@ namespace zyn {
  * | 0                      | 8              | StoreFileHeader  |
  * | 8 + sizeof(Record) × i | sizeof(Record) | slot i: a Record |
  *
- * A free slot holds the blank record. Functions that take an image take the bytes of a file from its start, which may
- * be cut short or damaged. Records are not returned by value unless that is plain: the copy of an activity prints.
+ * A free slot holds the blank record. An image is the bytes of a file from its start; it may be cut short or damaged.
+ * Records are not returned by value unless that is plain: the copy of an activity prints.
  */
 template<typename Record, int MaxSlots>
 class SlotFile

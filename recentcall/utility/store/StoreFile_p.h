@@ -85,7 +85,7 @@ enum class CreateResult { Done, CannotOpen, CannotWriteHeader, CannotWriteData }
  * Gives @p path the contents of a fresh store file, whole and at once, unless a valid one of that size is there.
  *
  * Several processes may do so at the same moment: a missing file is never put over one that has appeared meanwhile. An
- * invalid one is replaced only after a second look, and put back if another process was faster still; its owner and
+ * invalid one is replaced only after a second check, and put back if another process was faster still; its owner and
  * permissions are kept, and it is overwritten where the directory takes no new file. A file that is not regular, may
  * not be written or cannot be inspected stays; so does an invalid file for whose successor there is no space.
  */
