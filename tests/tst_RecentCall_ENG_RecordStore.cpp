@@ -1,9 +1,9 @@
 // The recent calls on disk.
+#include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
 #include "support/StoreFixture.h"
 
 #include <array>
-#include <limits>
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -15,8 +15,24 @@ namespace {
 constexpr RC_CALL_CATEGORY_T kAnswered = RC_CALL_CATEGORY_ANSWERED;
 constexpr RC_CALL_CATEGORY_T kMissed = RC_CALL_CATEGORY_MISSED;
 constexpr RC_CALL_CATEGORY_T kDialed = RC_CALL_CATEGORY_DIALED;
-constexpr int kLargest = std::numeric_limits<int>::max();
 constexpr char kCannotOpen[] = "PHONE_ENG_RecentCallManager::saveCallList. cannot open file ";
+
+RC_CALL_CATEGORY_T listOf(const QStringList& words)
+{
+    const auto list = QStringList{u"none"_s, u"answered"_s, u"missed"_s, u"dialed"_s}.indexOf(words[0]);
+    return RC_CALL_CATEGORY_T(list < 0 ? words[0].toInt() : int(list));
+}
+
+/// The slots of a list's file that are not blank, each as slot:uid.
+QString shown(const QByteArray& file)
+{
+    QStringList calls;
+    for (int slot = 0; slot < 50 && !file.isEmpty(); ++slot) {
+        if (file.mid(8 + 228 * slot, 228) != freshList().mid(8, 228))
+            calls += u"%1:%2"_s.arg(slot).arg(zyn::RecordFile::at(file, slot).uid);
+    }
+    return file.isEmpty() ? u"missing"_s : calls.join(u' ');
+}
 
 } // namespace
 
@@ -134,7 +150,9 @@ private Q_SLOTS:
             return expected.replace(8 + 228 * slot, 228, zyn::bytesOf(record).toByteArray());
         };
         for (int slot = 0; slot < 4; ++slot)
-            put(slot, m_fixture->add(kMissed, "1"));
+            put(slot, m_fixture->add(kMissed, "0123"));
+        QCOMPARE(m_fixture->read(kMissed), expected);
+        QCOMPARE(expected.mid(464, 4), "0123");
         PHONE_ENG_RecentCall record = m_fixture->recordIn(kMissed, 2);
         record.readFlags = PHONE_ENG_RecentCall::kRead;
         record.reservedB = 0x55;
@@ -142,86 +160,47 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->read(kMissed), put(2, record));
         QVERIFY(store().removeItem(record));
         QCOMPARE(m_fixture->read(kMissed), put(2, PHONE_ENG_RecentCall()));
-        const PHONE_ENG_RecentCall added = m_fixture->add(kMissed, "0123"); // to the lowest free slot
-        QCOMPARE(std::pair(added.slot, added.uid), std::pair(2, 4));
-        QCOMPARE(m_fixture->read(kMissed), put(2, added));
-        QCOMPARE(expected.mid(464, 4), "0123");
-        // The lists' slots do not touch each other.
-        QCOMPARE(m_fixture->add(kAnswered, "1").slot, 0);
-        QCOMPARE(m_fixture->add(kDialed, "1").slot, 0);
-        QCOMPARE(m_fixture->add(kMissed, "1").slot, 4);
-
-        QFile::remove(m_fixture->file(kMissed));
-        QVERIFY(!store().modifyItem(record) && !store().removeItem(record) && !QFile::exists(m_fixture->file(kMissed)));
+        QCOMPARE(m_fixture->add(kMissed, "1").slot, 2); // the lowest free slot
     }
 
-    void refusesACallForAFullList()
+    void keepsCalls_data() { scenario::addRows(QFINDTESTDATA("data/record_store.txt")); }
+    void keepsCalls()
     {
-        m_fixture->setLimits(3, 0, 50);
-        for (int slot = 0; slot < 3; ++slot)
-            QCOMPARE(m_fixture->add(kAnswered, "1").slot, slot);
-        const QByteArray full = m_fixture->read(kAnswered);
-        PHONE_ENG_RecentCall refused = m_fixture->call(kAnswered, "2");
-        QVERIFY(!store().addItem(refused));
-        QCOMPARE(std::pair(refused.slot, refused.uid), std::pair(-1, 3));
-        QCOMPARE(m_fixture->read(kAnswered), full);
-        QCOMPARE(m_fixture->add(kMissed, "1").uid, -1);
-        QCOMPARE(m_fixture->add(kDialed, "1").uid, 5);
-        QVERIFY(store().removeItem(m_fixture->recordIn(kAnswered, 1)));
-        QCOMPARE(m_fixture->add(kAnswered, "3").slot, 1);
-    }
-
-    void refusesCategoriesWithoutAList()
-    {
-        for (const int category : {0, 4, 5, 6, -1, kLargest, -kLargest - 1}) {
-            const auto value = RC_CALL_CATEGORY_T(category);
-            QCOMPARE(m_fixture->add(value, "1").uid, -1);
-            QVERIFY(!store().removeItem(m_fixture->call(value, "1")) && !store().removeItems(value));
-            QVERIFY(m_fixture->uids(value).isEmpty() && !QFile::exists(m_fixture->file(value)));
-        }
-        QCOMPARE(m_fixture->add(kAnswered, "1").slot, 0);
-    }
-
-    void refusesSlotsBeyondTheList()
-    {
-        m_fixture->setLimits(10, 50, 50);
-        m_fixture->add(kMissed, "1");
-        PHONE_ENG_RecentCall record = m_fixture->call(kAnswered, "1");
-        const QByteArray before = m_fixture->read(kAnswered);
-        for (const int slot : {0, 9, 10, 49, 50, -1, kLargest, -kLargest - 1}) {
-            record.slot = slot;
-            const bool isAccepted = slot == 0 || slot == 9;
-            QCOMPARE(store().modifyItem(record), isAccepted);
-            QCOMPARE(m_fixture->read(kAnswered) != before, isAccepted);
-            QCOMPARE(store().removeItem(record), isAccepted);
-            QCOMPARE(m_fixture->read(kAnswered), before);
-        }
-        QCOMPARE(m_fixture->add(kMissed, "2").slot, 1); // no bit of this list was cleared
-    }
-
-    void clearsWhatItKnows()
-    {
-        for (const auto category : {kAnswered, kMissed})
-            m_fixture->add(category, "1");
-        RecentCall_ENG_RecordStore::destroy();
-        // A store that has read nothing knows of no slot in use.
-        QVERIFY(store().removeItems(kMissed));
-        QCOMPARE(m_fixture->uids(kMissed), QList{1});
-        QVERIFY(store().removeItems(kMissed));
-        QCOMPARE(m_fixture->read(kMissed), freshList());
-        QCOMPARE(m_fixture->uids(kAnswered), QList{0});
-
-        // To clear all it need not know.
-        for (const auto category : {kDialed, kMissed})
-            m_fixture->add(category, "1");
-        RecentCall_ENG_RecordStore::destroy();
-        m_fixture->uids(kDialed);
-        QFile::remove(m_fixture->file(kAnswered));
-        store().clearAllData();
-        QVERIFY(!QFile::exists(m_fixture->file(kAnswered)));
-        QCOMPARE(m_fixture->read(kMissed) + m_fixture->read(kDialed), freshList() + freshList());
-        const PHONE_ENG_RecentCall added = m_fixture->add(kDialed, "1");
-        QCOMPARE(std::pair(added.uid, added.slot), std::pair(0, 0));
+        using Words = const QStringList&;
+        const auto record = [](Words words) {
+            PHONE_ENG_RecentCall call = StoreFixture::call(listOf(words), "1");
+            call.slot = words.value(1).toInt();
+            call.uid = words.value(2).toInt();
+            return call;
+        };
+        const auto add = [&](Words words) {
+            PHONE_ENG_RecentCall call = record(words);
+            return (store().addItem(call) ? u"%1:%2"_s : u"refused %1:%2"_s).arg(call.slot).arg(call.uid);
+        };
+        const auto uids = [](Words words) {
+            QStringList texts;
+            for (const int uid : StoreFixture::uids(listOf(words)))
+                texts += QString::number(uid);
+            return texts.join(u' ');
+        };
+        const auto put = [&](Words words) {
+            const PHONE_ENG_RecentCall call = record({words[0], words[2], words[3]});
+            const QByteArray bytes = zyn::bytesOf(call).toByteArray();
+            m_fixture->write(kMissed, m_fixture->read(kMissed).replace(8 + 228 * words[1].toInt(), 228, bytes));
+        };
+        scenario::play({
+            {u"limits"_s, [](Words n) { StoreFixture::setLimits(n[0].toInt(), n[1].toInt(), n[2].toInt()); }},
+            {u"restart"_s, &StoreFixture::forgetSingletons},
+            {u"lose"_s, [&](Words words) { return QFile::remove(m_fixture->file(listOf(words))); }},
+            {u"put"_s, put},
+            {u"add"_s, add},
+            {u"modify"_s, [&](Words words) { return store().modifyItem(record(words)); }},
+            {u"remove"_s, [&](Words words) { return store().removeItem(record(words)); }},
+            {u"empty"_s, [&](Words words) { return store().removeItems(listOf(words)); }},
+            {u"clear"_s, [] { store().clearAllData(); }},
+            {u"uids"_s, uids},
+            {u"file"_s, [&](Words words) { return shown(m_fixture->read(listOf(words))); }},
+        });
     }
 
     void listsTheNewestFirst()
@@ -239,36 +218,6 @@ private Q_SLOTS:
         for (const PHONE_ENG_RecentCall* record : list)
             numbers += record->getPhoneNumber() + u' ';
         QCOMPARE(numbers, u"444  333 222 "_s); // what the list held already comes before its equals
-    }
-
-    void countsOnFromTheLargestUid()
-    {
-        PHONE_ENG_RecentCall record = m_fixture->call(kMissed, "1");
-        // Neither the slots nor the uids of a file are trusted.
-        QByteArray bytes = freshList();
-        int place = 0;
-        for (const int slot : {-1, kLargest, -kLargest - 1, 150, 159, 160}) {
-            record.uid = -5 - place;
-            record.slot = slot;
-            bytes.replace(8 + 228 * place++, 228, zyn::bytesOf(record).toByteArray());
-        }
-        m_fixture->write(kMissed, bytes);
-        QCOMPARE(m_fixture->uids(kMissed), (QList{-5, -6, -7, -8, -9, -10}));
-        QCOMPARE(m_fixture->add(kDialed, "2").uid, 0);
-
-        record.slot = 0;
-        const auto nextAfter = [&](int uid) {
-            record.uid = uid;
-            store().modifyItem(record);
-            m_fixture->uids(kMissed);
-            return m_fixture->add(kDialed, "2").uid;
-        };
-        QCOMPARE(nextAfter(41), 42);
-        RecentCall_ENG_RecordStore::destroy();
-        QCOMPARE(m_fixture->add(kDialed, "2").uid, 43);
-        QCOMPARE(nextAfter(44), 45); // 44 would have been the next
-        QCOMPARE(nextAfter(kLargest), kLargest);
-        QCOMPARE(m_fixture->add(kDialed, "4").uid, kLargest);
     }
 
     void readsDamagedFilesWithinTheirBounds()
