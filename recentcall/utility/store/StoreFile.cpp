@@ -14,8 +14,8 @@
 namespace zyn {
 namespace {
 
-/// What is known of a store file. One that cannot be inspected may be valid and full of calls.
-enum class State { Missing, Unknown, Invalid, Valid };
+/// What is known of a store file. One that is missing or cannot be inspected may become valid, or be full of calls.
+enum class State { Unknown, Invalid, Valid };
 
 std::span<const std::byte> contentsOf(const QByteArray& image)
 {
@@ -39,14 +39,6 @@ State stateOf(int fd, qint64 size)
     if (length < 0)
         return State::Unknown;
     return length == ssize_t{sizeof header} && header.isValid() ? State::Valid : State::Invalid;
-}
-
-State stateAt(const posix::PathAt& place, qint64 size)
-{
-    const posix::UniqueFd fd = posix::openAt(place);
-    if (!fd.isValid())
-        return errno == ENOENT ? State::Missing : State::Unknown;
-    return stateOf(fd.get(), size);
 }
 
 /// Writes @p contents, which begin with a header, at the start of @p fd. When not all of it can be written, an attempt
@@ -174,7 +166,7 @@ CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
     const bool isStaged = written == CreateResult::Done;
     if (isStaged && staged.moveIn())
         return CreateResult::Done;
-    const State state = stateAt(*place, contents.size());
+    const State state = stateOf(posix::openAt(*place, posix::Access::Read).get(), contents.size());
     if (state == State::Valid)
         return CreateResult::Done;
     posix::UniqueFd invalid =
