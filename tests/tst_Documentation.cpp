@@ -4,6 +4,7 @@
 #include "platform/qcop/ChannelFrame_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "support/Markdown.h"
@@ -17,7 +18,6 @@
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
@@ -224,7 +224,7 @@ struct Message
     QString name;
     QString type;
     QString word; ///< of the phone channel alone
-    std::span<const zyn::Field> fields;
+    const zyn::Message* form;
 };
 
 QList<Message> messages()
@@ -232,61 +232,55 @@ QList<Message> messages()
     const auto text = [](const char* name) { return name ? QString::fromLatin1(name) : kNothing; };
     QList<Message> all;
     for (const zyn::PhoneMessage& message : zyn::phoneMessages()) {
-        const QString name = u"PHONE_MSG_%1"_s.arg(message.type);
-        all += {text(zyn::kPhoneChannel), name, text(message.enumerator), text(message.name), message.fields};
+        all += {text(message.channel), text(message.name), text(message.enumerator), text(message.word), &message};
     }
-    for (const zyn::ChannelMessage& message : zyn::channelMessages())
-        all += {text(message.channel), text(message.name), text(message.enumerator), {}, message.fields};
+    for (const zyn::Message& message : zyn::channelMessages())
+        all += {text(message.channel), text(message.name), text(message.enumerator), {}, &message};
     return all;
 }
 
-QString payloadText(std::span<const zyn::Field> fields)
+QString payloadText(const zyn::Message& message)
 {
-    static const QStringList kinds{u"int"_s,
-                                   u"byte"_s,
-                                   u"char"_s,
-                                   u"text"_s,
-                                   u"%1 bytes"_s,
-                                   u"AllStatus"_s,
-                                   u"TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S"_s};
+    static const QStringList kinds{u"int"_s, u"byte"_s, u"char"_s, u"text"_s, u"%1 bytes"_s};
+    if (message.isRecord())
+        return (message.fields.size() > 2 ? u"AllStatus "_s : u"TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S "_s)
+               + QLatin1String(message.record);
     QStringList texts;
-    for (const zyn::Field& field : fields) {
+    for (const zyn::Field& field : message.fields) {
+        const QLatin1String first(message.fields.begin()->name);
         QString text = kinds.at(qsizetype(field.kind));
         text.replace("%1"_L1, QString::number(field.size)) += u' ' + QLatin1String(field.name);
         if (field.occurs == zyn::Occurrence::AsCounted)
-            text += u" × "_s + QLatin1String(fields.front().name);
+            text += u" × "_s + first;
         else if (field.occurs == zyn::Occurrence::WhenSet)
-            text += " if "_L1 + QLatin1String(fields.front().name) + u" ≠ 0"_s;
+            text += " if "_L1 + first + u" ≠ 0"_s;
         texts += text;
     }
     return texts.isEmpty() ? kNothing : texts.join(u", "_s);
 }
 
-/// A payload of @p fields, numbers counting from @p number on, and how a signal shows what is in it.
-QByteArray samplePayload(std::span<const zyn::Field> fields, int number, QMap<QString, QString>& shown)
+/// A payload of @p message, numbers counting from @p number on, and how a signal shows what is in it.
+QByteArray samplePayload(const zyn::Message& message, int number, QMap<QString, QString>& shown)
 {
-    zyn::PayloadWriter writer;
-    for (const zyn::Field& field : fields) {
-        const QString name = QLatin1String(field.name);
-        const QByteArray block(field.size ? field.size : 4096, 'A');
-        const bool isLeftOut =
-            field.occurs == zyn::Occurrence::WhenSet && shown.value(QLatin1String(fields.front().name)) == u'0';
-        shown[name] = QString::number(number);
-        if (field.kind == zyn::FieldKind::Int) {
-            writer.writeInt(number);
-        } else if (field.kind == zyn::FieldKind::Byte || field.kind == zyn::FieldKind::Char) {
-            writer.writeByte(static_cast<uint8_t>(number));
-            shown[name] = QString::number(static_cast<uint8_t>(number));
-        } else if (field.kind == zyn::FieldKind::Text) {
-            writer.writeText(name);
-            shown[name] = isLeftOut ? u"null"_s : u'"' + name + u'"';
-        } else {
-            writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(block.data()), size_t(block.size())));
-            shown[name] = QString::fromLatin1(block.first(16).toHex());
-        }
-        ++number;
+    if (message.isRecord()) {
+        shown[QLatin1String(message.record)] = QString::fromLatin1(QByteArray(16, 'A').toHex());
+        return QByteArray(zyn::recordSize(message), 'A');
     }
-    return writer.payload();
+    std::vector<zyn::FieldValue> values;
+    for (const zyn::Field& field : message.fields) {
+        const QString name = QLatin1String(field.name);
+        zyn::FieldValue value = number++;
+        value.text = name;
+        value.bytes = QByteArray(field.size, 'A');
+        values.push_back(value);
+        if (field.kind == zyn::FieldKind::Text)
+            shown[name] = isLeftOut(field, values.front()) ? u"null"_s : u'"' + name + u'"';
+        else if (field.kind == zyn::FieldKind::Raw)
+            shown[name] = QString::fromLatin1(value.bytes.first(16).toHex());
+        else
+            shown[name] = QString::number(field.kind == zyn::FieldKind::Int ? value.number : value.number & 0xFF);
+    }
+    return encode(message, values);
 }
 
 /// "`signal`(a, b ≠ 0)" with the values in @p shown; empty for what is not one signal.
@@ -318,7 +312,7 @@ QByteArray emissionProblem(Client& client, const Message& message, const QString
     QStringList emitted;
     for (const int number : {0, 1, 5, 0x105}) {
         QMap<QString, QString> shown;
-        client.receive(message.name.toLatin1(), samplePayload(message.fields, number, shown));
+        client.receive(message.name.toLatin1(), samplePayload(*message.form, number, shown));
         const QString text = QString::fromUtf8(recorder.take());
         const QString expected = evaluated(cell, shown);
         if (!expected.isEmpty() && text != expected)
@@ -435,7 +429,7 @@ void tst_Documentation::listsMessages()
     for (const Message& message : messages()) {
         const QString key = message.channel + " | "_L1 + message.name;
         known[key] = message;
-        actual += QStringList{key, message.type, message.word, payloadText(message.fields)}.join(u" | "_s);
+        actual += QStringList{key, message.type, message.word, payloadText(*message.form)}.join(u" | "_s);
     }
     QStringList documented;
     for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {

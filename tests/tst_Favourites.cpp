@@ -4,6 +4,7 @@
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tests/support/ActivityLogFixture.h"
@@ -23,7 +24,6 @@
 
 using namespace Qt::StringLiterals;
 using tool::run;
-using zyn::PayloadWriter;
 using Words = QStringList;
 
 namespace {
@@ -49,7 +49,7 @@ void announce(const QByteArray& payload)
 
 QByteArray announcement(const QString& oldNumber, const QString& newNumber)
 {
-    return PayloadWriter().writeText(oldNumber).writeText(newNumber).writeText({}).writeText({}).writeInt(0).payload();
+    return zyn::encode(zyn::kModifyFavourite, {oldNumber, newNumber, {}, {}, {}});
 }
 
 /// What @p show makes of each entry of the favourite, newest first; "none" when they cannot be read.

@@ -71,11 +71,18 @@ void tst_PHONE_Msg::sendsRequests()
 
 void tst_PHONE_Msg::writesEveryKindOfField()
 {
-    const uint8_t block[] = {1, 2, 3};
-    zyn::PayloadWriter writer;
-    writer.writeInt(-2).writeByte(0xC8).writeBool(true).writeRaw(block);
-    writer.writeText({}).writeText(QStringLiteral("")).writeText(QStringLiteral("AB"));
-    QCOMPARE(writer.payload().toHex(), "fffffffec800000001010203ffffffff000000000000000400410042");
+    static constexpr zyn::Message kAll{.channel = "",
+                                .name = "",
+                                .fields = {{zyn::FieldKind::Int, ""},
+                                           {zyn::FieldKind::Byte, ""},
+                                           {zyn::FieldKind::Char, ""},
+                                           {zyn::FieldKind::Raw, "", 4},
+                                           {zyn::FieldKind::Text, ""},
+                                           {zyn::FieldKind::Text, ""},
+                                           {zyn::FieldKind::Text, ""}}};
+    const QByteArray payload =
+        zyn::encode(kAll, {-2, 0xC8, -1, QByteArray("\1\2\3"), QString(), QStringLiteral(""), QStringLiteral("AB")});
+    QCOMPARE(payload.toHex(), "fffffffec8ff01020300ffffffff000000000000000400410042");
 }
 
 QTEST_GUILESS_MAIN(tst_PHONE_Msg)

@@ -15,8 +15,7 @@
 #include "utility/PHONE_VoiceCall.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 #include "utility/PHONE_VoiceCallReply_p.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/Payload_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QDir>
 
@@ -230,7 +229,7 @@ private Q_SLOTS:
         group.count = 2;
         PHONE_MakePttCall(group);
         QTRY_COMPARE(m_statuses->count("44"), 7);
-        QCopChannel::send(zyn::kPttChannel, zyn::kMakePttCall, QByteArray(7, '\1'));
+        QCopChannel::send(zyn::kPttChannel, zyn::kMakePttCall.name, QByteArray(7, '\1'));
         PHONE_DropPttCall();
         QTRY_COMPARE(m_statuses->count("44"), 8);
         QCOMPARE(calls(), QByteArrayList({"3 4711 Team talked", "3 0049301234  talked"}));
@@ -258,7 +257,7 @@ private Q_SLOTS:
         requests.setFearureDBCurrLang(7);
         requests.resetTotalDuration(true);
         requests.resetTotalDuration(false);
-        QCopChannel::send(zyn::kPhoneChannel, "PHONE_MSG_35", zyn::PayloadWriter().writeInt(9).payload());
+        zyn::sendMessage(zyn::phoneMessage(PHONE_Msg::PHONE_MSG_RESET_TOTAL_DURATION_S), {9});
         requests.getTotalByteAndConnectedDuration();
         requests.setRFMode(false);
         QTRY_COMPARE(m_statuses->count("17:00000001"), 1);

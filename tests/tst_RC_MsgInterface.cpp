@@ -1,6 +1,7 @@
 // What applications have of the recent-call screens: pages, the number picker, and the missed calls.
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RC_MsgInterface.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "support/Patience.h"
 #include "support/Role.h"
@@ -27,7 +28,7 @@ struct Engine final : RC_EngineStub
 
 QByteArray picked(const QString& number)
 {
-    return zyn::PayloadWriter().writeInt(1).writeText(number).payload();
+    return zyn::encode(zyn::recentCallMessage(RecentCall_Msg::RECENTCALL_MSG_EXIT_PICKER_S), {1, number});
 }
 
 /// Closes the number picker for the client of this process, and gives what that writes.

@@ -86,7 +86,7 @@ void ZynphoneMessagesTest::showsWhatIsSent()
     QString allNames;
     for (const zyn::PhoneMessage& message : zyn::phoneMessages()) {
         if (message.isStatus())
-            allNames += QLatin1String(message.name) + u' ';
+            allNames += QLatin1String(message.word) + u' ';
     }
     QCOMPARE(names, allNames);
 }

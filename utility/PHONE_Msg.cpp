@@ -2,7 +2,7 @@
 #include "utility/PHONE_Msg.h"
 
 #include "utility/PHONE_Log_p.h"
-#include "utility/message/Message_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 namespace {
 
@@ -18,7 +18,9 @@ PHONE_Msg::~PHONE_Msg() = default;
 
 QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type)
 {
-    return zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
+    const auto messages = zyn::phoneMessages();
+    const auto index = static_cast<size_t>(type);
+    return index < messages.size() ? messages[index].name : "";
 }
 
 bool PHONE_Msg::send(PHONE_MSG_TYPE_T type)

@@ -3,14 +3,13 @@
 
 #include "utility/PHONE_Log_p.h"
 #include "utility/PHONE_SignalTypes_p.h"
-#include "utility/message/Payload_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
 namespace {
 
-QByteArray intPayload(int value)
+QByteArray payload(PHONE_Msg::PHONE_MSG_TYPE_T request, int value)
 {
-    return zyn::PayloadWriter().writeInt(value).payload();
+    return zyn::encode(zyn::phoneMessage(request), {value});
 }
 
 } // namespace
@@ -32,17 +31,17 @@ bool PHONE_MsgClient::getTotalByteAndConnectedDuration()
 
 void PHONE_MsgClient::resetTotalDuration(bool first)
 {
-    send(PHONE_MSG_RESET_TOTAL_DURATION_S, intPayload(first ? 0 : 1));
+    send(PHONE_MSG_RESET_TOTAL_DURATION_S, payload(PHONE_MSG_RESET_TOTAL_DURATION_S, first ? 0 : 1));
 }
 
 void PHONE_MsgClient::setFearureDBCurrLang(int language)
 {
-    send(PHONE_MSG_SET_FEATUREDB_LANG_S, intPayload(language));
+    send(PHONE_MSG_SET_FEATUREDB_LANG_S, payload(PHONE_MSG_SET_FEATUREDB_LANG_S, language));
 }
 
 void PHONE_MsgClient::setRFMode(bool on)
 {
-    send(PHONE_MSG_SET_RFMOD_S, zyn::PayloadWriter().writeBool(on).payload());
+    send(PHONE_MSG_SET_RFMOD_S, payload(PHONE_MSG_SET_RFMOD_S, on ? 1 : 0));
 }
 
 void PHONE_MsgClient::receive(const QCString& message, const QByteArray& data)

@@ -2,7 +2,6 @@
 #include "utility/PHONE_VoiceCallReceiver.h"
 
 #include "utility/PHONE_SignalTypes_p.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 
 PHONE_VoiceCallReceiver::PHONE_VoiceCallReceiver(QObject* parent, const char* name)
@@ -15,16 +14,11 @@ PHONE_VoiceCallReceiver::~PHONE_VoiceCallReceiver() = default;
 
 void PHONE_VoiceCallReceiver::receive(const QCString& message, const QByteArray& data)
 {
-    if (message == zyn::kMakeCall) {
-        zyn::PayloadReader reader(data);
-        const QString number = reader.readText();
-        const QString name = reader.readText();
-        const bool flag = reader.readInt() != 0;
-        const int clir = reader.readInt();
-        const int dialMode = reader.readInt();
-        const auto line = static_cast<TAPI_CALL_LINE_E>(static_cast<int8_t>(reader.readByte()));
-        Q_EMIT signalMakeCall(number, name, flag, clir, dialMode, line);
-    } else if (message == zyn::kDropCall) {
+    if (message == zyn::kMakeCall.name) {
+        const zyn::FieldValues values = zyn::decode(zyn::kMakeCall, data);
+        Q_EMIT signalMakeCall(values[0].text, values[1].text, values[2].number != 0, values[3].number, values[4].number,
+                              static_cast<TAPI_CALL_LINE_E>(values[5].number));
+    } else if (message == zyn::kDropCall.name) {
         Q_EMIT sigDropCall();
     }
 }

@@ -1,8 +1,6 @@
 // Sends requests to place and end voice calls.
 #include "utility/PHONE_VoiceCallSender.h"
 
-#include "platform/QCopChannel.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 
 PHONE_VoiceCallSender::PHONE_VoiceCallSender() = default;
@@ -14,15 +12,7 @@ bool PHONE_VoiceCallSender::makeCall(const char* number, const QString& name, bo
 {
     if (!number || *number == '\0')
         return false;
-    const QByteArray payload = zyn::PayloadWriter()
-                                   .writeText(QString::fromLatin1(number))
-                                   .writeText(name)
-                                   .writeBool(flag)
-                                   .writeInt(clir)
-                                   .writeInt(dialMode)
-                                   .writeByte(static_cast<uint8_t>(line))
-                                   .payload();
-    return QCopChannel::send(zyn::kVoiceCallChannel, zyn::kMakeCall, payload);
+    return zyn::sendMessage(zyn::kMakeCall, {QString::fromLatin1(number), name, flag, clir, dialMode, line});
 }
 
 bool PHONE_VoiceCallSender::makeCall(const char* number, int dialMode)
@@ -32,5 +22,5 @@ bool PHONE_VoiceCallSender::makeCall(const char* number, int dialMode)
 
 void PHONE_VoiceCallSender::dropCall()
 {
-    QCopChannel::send(zyn::kVoiceCallChannel, zyn::kDropCall);
+    zyn::sendMessage(zyn::kDropCall);
 }

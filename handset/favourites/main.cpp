@@ -10,11 +10,11 @@
 #include "handset/recent_calls/RecentCalls.h"
 #include "platform/QCopChannel.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_MsgClient.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -148,15 +148,12 @@ FavouritesOwner::FavouritesOwner()
 
 void FavouritesOwner::receive(const QCString& message, const QByteArray& data)
 {
-    if (message != kModifyFavourite)
+    if (message != kModifyFavourite.name)
         return;
-    PayloadReader reader(data);
-    const QString oldNumber = reader.readText();
-    const QString newNumber = reader.readText();
-    reader.readText(); // the name
-    reader.readText(); // where the picture is
-    reader.readInt();  // the contact's id
-    if (!reader.isComplete() || reader.remaining() > 0)
+    const FieldValues values = decode(kModifyFavourite, data);
+    const QString& oldNumber = values[0].text;
+    const QString& newNumber = values[1].text;
+    if (!values.isComplete() || values.end < data.size())
         log(u"an announcement of %1 bytes is none: ignored"_s.arg(data.size()));
     else if (!isNumber(oldNumber) || !isNumber(newNumber))
         log(u"an announcement with a number that no call can have: ignored"_s);

@@ -4,8 +4,6 @@
 #include "handset/common/Log.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "handset/phone_server/Status.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/Payload_p.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,15 +13,14 @@ namespace zyn::handset {
 struct PhoneRequests::Request
 {
     PHONE_MSG_TYPE_T type;
-    bool hasNumber; ///< whether its payload is one number
     void (PhoneRequests::*answer)(int32_t number);
 };
 
 const PhoneRequests::Request PhoneRequests::kRequests[] = {
-    {PHONE_MSG_SET_RFMOD_S, true, &PhoneRequests::setRadioMode},
-    {PHONE_MSG_SET_FEATUREDB_LANG_S, true, &PhoneRequests::setLanguage},
-    {PHONE_MSG_RESET_TOTAL_DURATION_S, true, &PhoneRequests::resetTotalDuration},
-    {PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S, false, &PhoneRequests::reportTotals},
+    {PHONE_MSG_SET_RFMOD_S, &PhoneRequests::setRadioMode},
+    {PHONE_MSG_SET_FEATUREDB_LANG_S, &PhoneRequests::setLanguage},
+    {PHONE_MSG_RESET_TOTAL_DURATION_S, &PhoneRequests::resetTotalDuration},
+    {PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S, &PhoneRequests::reportTotals},
 };
 
 PhoneRequests::PhoneRequests(PhoneLine& line)
@@ -33,15 +30,13 @@ PhoneRequests::PhoneRequests(PhoneLine& line)
 
 void PhoneRequests::receive(const QCString& message, const QByteArray& data)
 {
-    const auto type = zyn::messageType(zyn::kPhonePrefix, message, zyn::kPhoneTypes);
     const auto found = std::ranges::find_if(
-        kRequests, [&](const Request& request) { return type && *type == static_cast<unsigned>(request.type); });
+        kRequests, [&](const Request& request) { return message == phoneMessage(request.type).name; });
     if (found == std::end(kRequests))
         return;
-    zyn::PayloadReader reader(data);
-    const int32_t number = found->hasNumber ? reader.readInt() : 0;
-    if (reader.isComplete())
-        (this->*found->answer)(number);
+    const FieldValues values = decode(phoneMessage(found->type), data);
+    if (values.isComplete())
+        (this->*found->answer)(values.list.isEmpty() ? 0 : values[0].number);
     else
         log(QStringLiteral("%1 comes without its number: ignored").arg(QString::fromLatin1(message)));
 }

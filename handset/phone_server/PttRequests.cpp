@@ -3,7 +3,6 @@
 
 #include "handset/common/Log.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 
 #include <optional>
@@ -14,32 +13,25 @@ namespace {
 /// The first party of the request @p data, nothing when it is not whole.
 std::optional<Party> firstParty(const QByteArray& data)
 {
-    zyn::PayloadReader reader(data);
-    const int32_t count = reader.readInt();
-    if (count < 1 || count > zyn::kMaxPttParties)
+    const FieldValues values = decode(kMakePttCall, data);
+    const int32_t count = values[0].number;
+    if (!values.isComplete() || count < 1 || count > kMaxPttParties)
         return std::nullopt;
-    QStringList texts;
-    for (int32_t i = 0; i < 2 * count; ++i)
-        texts += reader.readText();
-    reader.readInt();
-    reader.readInt();
-    if (!reader.isComplete())
-        return std::nullopt;
-    return Party{texts.at(0), texts.at(count)};
+    return Party{values[1].texts.first(), values[2].texts.first()};
 }
 
 } // namespace
 
 PttRequests::PttRequests(PhoneLine& line)
-    : QCopChannel(zyn::kPttChannel)
+    : QCopChannel(kPttChannel)
     , m_line(line)
 {}
 
 void PttRequests::receive(const QCString& message, const QByteArray& data)
 {
-    if (message == zyn::kMakePttCall)
+    if (message == kMakePttCall.name)
         makeCall(data);
-    else if (message == zyn::kDropPttCall)
+    else if (message == kDropPttCall.name)
         dropCall();
 }
 

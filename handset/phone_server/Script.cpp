@@ -60,9 +60,9 @@ Run runOf(const QString& name, const QStringList& values)
         std::ranges::find_if(kActions, [&](const Action& known) { return name == QLatin1String(known.name); });
     if (action != std::end(kActions))
         return runOf(*action, values);
-    const zyn::PhoneMessage& message = scriptMessage(name);
-    return [type = message.type, payload = scriptPayload(message, values)](PhoneLine&) {
-        reportStatus(type, payload);
+    const PhoneMessage& message = scriptMessage(name);
+    return [&message, payload = scriptPayload(message, values)](PhoneLine&) {
+        reportStatus(message, payload);
         return true;
     };
 }

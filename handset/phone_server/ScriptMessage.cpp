@@ -1,26 +1,23 @@
 // The status messages of a script.
 #include "handset/phone_server/ScriptMessage.h"
 
+#include "handset/common/FieldWords.h"
 #include "handset/phone_server/ScriptError.h"
 #include "handset/phone_server/ScriptWords.h"
-#include "platform/TAPI.h"
-#include "utility/message/AllStatus_p.h"
-#include "utility/message/Payload_p.h"
 
 #include <algorithm>
-#include <limits>
+#include <vector>
 
 namespace zyn::handset {
 namespace {
 
-template<typename Number>
-int numberAs(const QString& word)
+int number(const QString& word, const QString& /*what*/, int lowest, int highest)
 {
-    return scriptNumber(word, std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max());
+    return scriptNumber(word, lowest, highest);
 }
 
 /// The block of @p size bytes that begins with the hexadecimal digits @p word and goes on with zeros.
-QByteArray block(const QString& word, qsizetype size)
+QByteArray block(const QString& word, const QString& /*what*/, qsizetype size)
 {
     const QByteArray digits = word.toLatin1();
     QByteArray bytes = QByteArray::fromHex(digits);
@@ -30,69 +27,47 @@ QByteArray block(const QString& word, qsizetype size)
     return bytes.leftJustified(size, '\0');
 }
 
-void write(PayloadWriter& writer, const QByteArray& bytes)
+constexpr WordReader kWords{number, block, nullptr};
+
+/// How @p message is written: its word, then a value for each of these.
+QStringList valueNames(const PhoneMessage& message)
 {
-    writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(bytes.constData()), static_cast<size_t>(bytes.size())));
+    if (message.isRecord())
+        return {QLatin1String(message.record)};
+    QStringList names;
+    for (const Field& field : message.fields)
+        names += QLatin1String(field.name);
+    return names;
 }
 
-void write(PayloadWriter& writer, const Field& field, const QString& word)
-{
-    switch (field.kind) {
-    case FieldKind::Int:
-        writer.writeInt(numberAs<int32_t>(word));
-        break;
-    case FieldKind::Byte:
-        writer.writeByte(static_cast<uint8_t>(numberAs<uint8_t>(word)));
-        break;
-    case FieldKind::Char:
-        writer.writeByte(static_cast<uint8_t>(numberAs<int8_t>(word)));
-        break;
-    case FieldKind::Text:
-        writer.writeText(word);
-        break;
-    case FieldKind::Raw:
-        write(writer, block(word, field.size));
-        break;
-    case FieldKind::AllStatusRecord:
-        write(writer, block(word, sizeof(AllStatus)));
-        break;
-    case FieldKind::NetworkListRecord:
-        write(writer, block(word, sizeof(TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S)));
-        break;
-    }
-}
-
-/// How @p message is written: its name, then its fields' names.
 QString usage(const PhoneMessage& message)
 {
-    QString text = QLatin1String(message.name);
-    for (const Field& field : message.fields)
-        text += QLatin1Char(' ') + QLatin1String(field.name);
-    return text;
+    return (QStringList(QLatin1String(message.word)) + valueNames(message)).join(QLatin1Char(' '));
 }
 
 } // namespace
 
-const PhoneMessage& scriptMessage(const QString& name)
+const PhoneMessage& scriptMessage(const QString& word)
 {
     const auto messages = phoneMessages();
     const auto found = std::ranges::find_if(messages, [&](const PhoneMessage& message) {
-        return message.isStatus() && name == QLatin1String(message.name);
+        return message.isStatus() && word == QLatin1String(message.word);
     });
     if (found == messages.end())
-        throw ScriptError{QStringLiteral("'%1' is nothing that can happen").arg(name)};
+        throw ScriptError{QStringLiteral("'%1' is nothing that can happen").arg(word)};
     return *found;
 }
 
-QByteArray scriptPayload(const PhoneMessage& message, const QStringList& values)
+QByteArray scriptPayload(const PhoneMessage& message, const QStringList& words)
 {
-    if (static_cast<size_t>(values.size()) != message.fields.size())
+    if (words.size() != valueNames(message).size())
         throw ScriptError{QStringLiteral("it is '%1'").arg(usage(message))};
-    PayloadWriter writer;
-    auto value = values.begin();
+    if (message.isRecord())
+        return block(words.first(), {}, recordSize(message));
+    std::vector<FieldValue> values;
     for (const Field& field : message.fields)
-        write(writer, field, *value++);
-    return writer.payload();
+        values.push_back(valueFrom(kWords, field, words[qsizetype(values.size())], {}));
+    return encode(message, values);
 }
 
 QString scriptMessagesHelp()

@@ -9,11 +9,11 @@
 
 namespace zyn::handset {
 
-/// The status message of that name for people; a ScriptError when there is none.
-const zyn::PhoneMessage& scriptMessage(const QString& name);
+/// The status message with that word for people; a ScriptError when there is none.
+const PhoneMessage& scriptMessage(const QString& word);
 
-/// The payload of @p message with @p values for its fields, one each; a ScriptError when they do not fit.
-QByteArray scriptPayload(const zyn::PhoneMessage& message, const QStringList& values);
+/// The payload of @p message with a word for each field, or one for a record; a ScriptError when they do not fit.
+QByteArray scriptPayload(const PhoneMessage& message, const QStringList& words);
 
 /// A line for each status message: its name and its fields.
 QString scriptMessagesHelp();

@@ -3,24 +3,19 @@
 
 #include "handset/common/Log.h"
 #include "platform/QCopChannel.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/Payload_p.h"
 
 namespace zyn::handset {
 
-void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, const QByteArray& payload)
+void reportStatus(const PhoneMessage& message, const QByteArray& payload)
 {
-    const QCString message = zyn::messageName(zyn::kPhonePrefix, static_cast<unsigned>(type), zyn::kPhoneTypes);
-    if (!QCopChannel::send(zyn::kPhoneChannel, message, payload))
-        log(QStringLiteral("somebody missed %1").arg(QString::fromLatin1(message)));
+    if (!QCopChannel::send(message.channel, message.name, payload))
+        log(QStringLiteral("somebody missed %1").arg(QLatin1String(message.name)));
 }
 
-void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<int32_t> numbers)
+void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values)
 {
-    zyn::PayloadWriter writer;
-    for (const int32_t number : numbers)
-        writer.writeInt(number);
-    reportStatus(type, writer.payload());
+    const PhoneMessage& message = phoneMessage(type);
+    reportStatus(message, encode(message, values));
 }
 
 } // namespace zyn::handset

@@ -5,7 +5,7 @@
 #include "handset/common/Output.h"
 #include "handset/common/Text.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
-#include "recentcall/utility/RecentCall_Msg.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "utility/message/Payload_p.h"
 
 #include <algorithm>
@@ -111,11 +111,7 @@ void NumberPicker::report(const QString& number)
     m_isOpen = false;
     m_input.cancel();
     m_output.write(number.isEmpty() ? u"picked none\n"_s : u"picked %1\n"_s.arg(printable(number)));
-    PayloadWriter payload;
-    payload.writeBool(!number.isEmpty());
-    if (!number.isEmpty())
-        payload.writeText(number);
-    if (!RecentCall_Msg::send(RecentCall_Msg::RECENTCALL_MSG_EXIT_PICKER_S, payload.payload()))
+    if (!sendMessage(recentCallMessage(RecentCall_Msg::RECENTCALL_MSG_EXIT_PICKER_S), {!number.isEmpty(), number}))
         log(u"cannot tell what was picked"_s);
 }
 

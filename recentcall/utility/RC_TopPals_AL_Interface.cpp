@@ -1,10 +1,9 @@
 // The activity log of the favourites, for applications that do not own it.
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 
-#include "platform/QCopChannel.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "utility/message/Message_p.h"
 #include "utility/message/Payload_p.h"
 
 #include <cstdio>
@@ -50,14 +49,8 @@ bool RC_TopPals_AL_Interface::modifyTopPalsContactDetails(QString oldNumber, Top
     printText("nam", details.name);
     printText("imageloc", details.imageLocation);
     std::printf("TP5_AVL: RC_TopPals_AL_Interface:modifyTopPalsContactDetails: contactId = %d\n", details.contactId);
-    const QByteArray payload = zyn::PayloadWriter()
-                                   .writeText(oldNumber)
-                                   .writeText(details.number)
-                                   .writeText(details.name)
-                                   .writeText(details.imageLocation)
-                                   .writeInt(details.contactId)
-                                   .payload();
-    const bool isSent = QCopChannel::send(zyn::kActivityLogChannel, zyn::kModifyFavourite, payload);
+    const bool isSent = zyn::sendMessage(
+        zyn::kModifyFavourite, {oldNumber, details.number, details.name, details.imageLocation, details.contactId});
     std::printf("TP5_AVL:EXIT: RC_TopPals_AL_Interface::modifyTopPalsContactDetails: returns = %d\n", isSent);
     return isSent;
 }

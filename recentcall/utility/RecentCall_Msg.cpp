@@ -1,7 +1,7 @@
 // Names and sends the messages of the recent-call screens.
 #include "recentcall/utility/RecentCall_Msg.h"
 
-#include "utility/message/Message_p.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "utility/message/Payload_p.h"
 
 #include <cstdio>
@@ -14,7 +14,8 @@ RecentCall_Msg::~RecentCall_Msg() = default;
 
 QCString RecentCall_Msg::getMsg(RECENTCALL_MSG_TYPE_T type)
 {
-    return zyn::messageName(zyn::kRecentCallPrefix, static_cast<unsigned>(type), zyn::kRecentCallTypes);
+    return type >= RECENTCALL_MSG_POWEROFF_S && type <= RECENTCALL_MSG_HIDE_UI_S ? zyn::recentCallMessage(type).name
+                                                                                 : "";
 }
 
 bool RecentCall_Msg::send(RECENTCALL_MSG_TYPE_T type)
@@ -35,19 +36,19 @@ bool RecentCall_Msg::send(RECENTCALL_MSG_TYPE_T type, const QByteArray& data)
 
 bool RecentCall_Msg::requestShowUI(RC_CALL_CATEGORY_T category)
 {
-    return send(RECENTCALL_MSG_SHOW_UI_S, zyn::PayloadWriter().writeInt(category).payload());
+    return zyn::sendMessage(zyn::recentCallMessage(RECENTCALL_MSG_SHOW_UI_S), {category});
 }
 
 bool RecentCall_Msg::requestShowPage(RC_PAGE_ID_T page)
 {
     std::printf("about to send msg:%s,para:%d", getMsg(RECENTCALL_MSG_SHOW_PAGE_S).constData(), page);
-    return send(RECENTCALL_MSG_SHOW_PAGE_S, zyn::PayloadWriter().writeInt(page).payload());
+    return zyn::sendMessage(zyn::recentCallMessage(RECENTCALL_MSG_SHOW_PAGE_S), {page});
 }
 
 bool RecentCall_Msg::showRecordDetail(int index, RC_CALL_CATEGORY_T category)
 {
     std::printf("about to send msg:%s,para:%d,%d", getMsg(RECENTCALL_MSG_SHOW_DETAIL_S).constData(), category, index);
-    return send(RECENTCALL_MSG_SHOW_DETAIL_S, zyn::PayloadWriter().writeInt(category).writeInt(index).payload());
+    return zyn::sendMessage(zyn::recentCallMessage(RECENTCALL_MSG_SHOW_DETAIL_S), {category, index});
 }
 
 bool RecentCall_Msg::requestHideUI()

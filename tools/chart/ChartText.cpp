@@ -2,7 +2,7 @@
 #include "tools/chart/ChartText.h"
 
 #include "tools/recording/MessageFields.h"
-#include "tools/zynphone/HexText.h"
+#include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Text.h"
 
 #include <algorithm>

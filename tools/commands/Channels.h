@@ -1,7 +1,7 @@
 // The library's channels by their names.
 #pragma once
 
-#include "utility/message/Message_p.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 
 #include <QtCore/QStringList>
 

@@ -2,13 +2,13 @@
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/CallOptions.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/RecordText.h"
-#include "utility/message/Message_p.h"
 
 #include <array>
 #include <functional>

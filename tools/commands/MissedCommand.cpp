@@ -4,13 +4,13 @@
 #include "handset/common/TerminationSignals.h"
 #include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/RecordText.h"
-#include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QScopeGuard>

@@ -3,64 +3,56 @@
 
 #include "tools/commands/Commands.h"
 
+#include "handset/common/FieldWords.h"
 #include "platform/QCopChannel.h"
 #include "tools/commands/Channels.h"
+#include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
-#include "tools/zynphone/HexText.h"
 #include "tools/zynphone/Text.h"
-#include "utility/message/Payload_p.h"
 
 #include <array>
-#include <cstdint>
-#include <limits>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
 
-using zyn::PayloadWriter;
+constexpr handset::WordReader kWords{wholeNumber, nullptr, nullptr};
 
-using WriteValue = void (*)(PayloadWriter&, const QString& value);
+/// A type of values: the kind of field it makes, and how its values are read when not as that kind says.
+struct Type
+{
+    const char* text;
+    FieldKind kind;
+    FieldValue (*read)(const QString& word) = nullptr;
+};
 
-constexpr Word<WriteValue> kNull{"null",
-                                 [](PayloadWriter& writer, const QString& /*value*/) { writer.writeText(QString()); }};
+constexpr std::array kTypes{
+    Type{"int", FieldKind::Int},
+    Type{"char", FieldKind::Char},
+    Type{"byte", FieldKind::Byte},
+    Type{"bool", FieldKind::Int, [](const QString& word) -> FieldValue { return wholeNumber(word, u"bool"_s, 0, 1); }},
+    Type{"text", FieldKind::Text},
+    Type{"null", FieldKind::Text, [](const QString& /*word*/) { return FieldValue(); }},
+    Type{"hex", FieldKind::Raw, [](const QString& word) -> FieldValue { return bytesFromHex(word); }},
+};
 
-constexpr std::array<Word<WriteValue>, 7> kTypes{{
-    {"int", [](PayloadWriter& writer, const QString& value) { writer.writeInt(wholeNumber(value, u"int"_s)); }},
-    {"char",
-     [](PayloadWriter& writer, const QString& value) {
-         using Limits = std::numeric_limits<int8_t>;
-         writer.writeByte(static_cast<uint8_t>(wholeNumber(value, u"char"_s, Limits::min(), Limits::max())));
-     }},
-    {"byte",
-     [](PayloadWriter& writer, const QString& value) {
-         const int highest = std::numeric_limits<uint8_t>::max();
-         writer.writeByte(static_cast<uint8_t>(wholeNumber(value, u"byte"_s, 0, highest)));
-     }},
-    {"bool",
-     [](PayloadWriter& writer, const QString& value) { writer.writeBool(wholeNumber(value, u"bool"_s, 0, 1) == 1); }},
-    {"text", [](PayloadWriter& writer, const QString& value) { writer.writeText(value); }},
-    kNull,
-    {"hex",
-     [](PayloadWriter& writer, const QString& value) {
-         const QByteArray bytes = bytesFromHex(value);
-         writer.writeRaw(
-             std::span(reinterpret_cast<const uint8_t*>(bytes.constData()), static_cast<size_t>(bytes.size())));
-     }},
-}};
-
-void writeTyped(PayloadWriter& writer, const QString& typed)
+/// The bytes of @p typed, a type and its value.
+QByteArray bytesOf(const QString& typed)
 {
     const qsizetype colon = typed.indexOf(u':');
     const QString name = typed.left(colon);
-    const Word<WriteValue> type = wordNamed(kTypes, name, u"type"_s);
-    const bool takesValue = type.value != kNull.value;
+    const QString word = typed.mid(colon + 1);
+    const Type type = wordNamed(kTypes, name, u"type"_s);
+    const bool takesValue = QLatin1String(type.text) != "null"_L1;
     if (takesValue && colon < 0)
         throw usageError(u"missing value after '%1:'"_s.arg(name));
     if (!takesValue && colon >= 0)
         throw usageError(u"'%1' takes no value"_s.arg(name));
-    type.value(writer, typed.mid(colon + 1));
+    const Field field{type.kind, type.text};
+    const FieldValue value = type.read ? type.read(word) : valueFrom(kWords, field, word, name);
+    return encode(std::span(&field, 1), std::span(&value, 1));
 }
 
 ExitCode send(const Invocation& invocation, Console& console)
@@ -69,10 +61,10 @@ ExitCode send(const Invocation& invocation, Console& console)
         throw usageError(u"the channel's name is empty"_s);
     if (invocation.argument(1).isEmpty())
         throw usageError(u"the message's name is empty"_s);
-    PayloadWriter writer;
+    QByteArray payload;
     for (const QString& typed : invocation.arguments().mid(2))
-        writeTyped(writer, typed);
-    sendMessage(invocation.argument(0), invocation.argument(1), writer.payload(), console);
+        payload += bytesOf(typed);
+    sendMessage(invocation.argument(0), invocation.argument(1), payload, console);
     return Done;
 }
 

@@ -6,8 +6,7 @@
 #include "utility/PHONE_Msg.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_Setup.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/Payload_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
@@ -42,14 +41,14 @@ class Answer
 public:
     /// Listens from now on; made before the request is sent.
     explicit Answer(PHONE_Msg::PHONE_MSG_TYPE_T type)
-        : m_channel(kPhoneChannel)
+        : m_message(phoneMessage(type))
+        , m_channel(kPhoneChannel)
     {
         if (!m_channel.isListening())
             throw failure(u"cannot listen on %1"_s.arg(QLatin1String(kPhoneChannel)));
         QObject::connect(&m_channel, &QCopChannel::received, &m_channel,
-                         [this, name = messageName(kPhonePrefix, static_cast<unsigned>(type), kPhoneTypes)](
-                             const QCString& message, const QByteArray& payload) {
-                             if (message == name)
+                         [this](const QCString& message, const QByteArray& payload) {
+                             if (message == m_message.name)
                                  take(payload);
                          });
     }
@@ -67,10 +66,11 @@ private:
     void take(const QByteArray& payload)
     {
         if (!m_number)
-            m_number = PayloadReader(payload).readInt();
+            m_number = decode(m_message, payload)[0].number;
         m_loop.quit();
     }
 
+    const PhoneMessage& m_message;
     QCopChannel m_channel;
     QEventLoop m_loop;
     std::optional<int> m_number;

@@ -1,26 +1,24 @@
 // zynphone status: the phone server's status messages by name.
 #include "tools/commands/Commands.h"
 
+#include "handset/common/FieldWords.h"
+#include "platform/TAPI.h"
 #include "tools/commands/MessageSending.h"
-#include "tools/commands/RecordInput.h"
-#include "tools/recording/RecordFields.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
 #include "tools/zynphone/Text.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/Payload_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
-#include <cstdint>
-#include <limits>
-#include <span>
+#include <iterator>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
+
+constexpr handset::WordReader kWords{wholeNumber, blockFrom, latin1Field};
 
 /// The messages that the phone server sends.
 std::vector<const PhoneMessage*> statusMessages()
@@ -37,14 +35,14 @@ QStringList statusNames()
 {
     QStringList names;
     for (const PhoneMessage* message : statusMessages())
-        names += QLatin1String(message->name);
+        names += QLatin1String(message->word);
     return names;
 }
 
 const PhoneMessage& statusNamed(const QString& name)
 {
     for (const PhoneMessage* message : statusMessages()) {
-        if (name == QLatin1String(message->name))
+        if (name == QLatin1String(message->word))
             return *message;
     }
     throw usageError(u"unknown status '%1'"_s.arg(name) + suggestion(name, statusNames()));
@@ -55,87 +53,13 @@ QString argumentName(const Field& field)
     return QString(QLatin1String(field.name)).toUpper();
 }
 
-void writeField(PayloadWriter& writer, const Field& field, const QString& word)
-{
-    const QString name = argumentName(field);
-    if (field.kind == FieldKind::Int) {
-        writer.writeInt(wholeNumber(word, name));
-    } else if (field.kind == FieldKind::Byte) {
-        writer.writeByte(static_cast<uint8_t>(wholeNumber(word, name, 0, std::numeric_limits<uint8_t>::max())));
-    } else if (field.kind == FieldKind::Text) {
-        writer.writeText(word);
-    } else {
-        const QByteArray block = blockFrom(word, name, field.size);
-        writer.writeRaw(std::span(reinterpret_cast<const uint8_t*>(block.constData()), field.size));
-    }
-}
-
-QByteArray payloadFrom(const PhoneMessage& message, const QStringList& words)
-{
-    PayloadWriter writer;
-    qsizetype place = 0;
-    for (const Field& field : message.fields) {
-        if (place == words.size())
-            throw usageError(u"missing argument %1"_s.arg(argumentName(field)));
-        writeField(writer, field, words[place++]);
-    }
-    if (place < words.size())
-        throw usageError(u"superfluous argument '%1'"_s.arg(words[place]));
-    return writer.payload();
-}
-
-/// What only a snapshot takes must not be lost without a word.
-void refuseSnapshotOptions(const Invocation& invocation)
-{
-    for (const QCommandLineOption& option : allStatusOptions()) {
-        if (const QString name = option.names().constFirst(); invocation.isSet(name))
-            throw usageError(u"--%1 is for 'snapshot'"_s.arg(name));
-    }
-}
-
-QByteArray statusPayload(const PhoneMessage& message, const Invocation& invocation)
-{
-    const QStringList words = invocation.arguments().mid(1);
-    const FieldKind kind = leadingKind(message.fields);
-    if (kind == FieldKind::AllStatusRecord) {
-        if (!words.isEmpty())
-            throw usageError(u"superfluous argument '%1'"_s.arg(words.first()));
-        return allStatusFrom(invocation);
-    }
-    refuseSnapshotOptions(invocation);
-    return kind == FieldKind::NetworkListRecord ? networkListFrom(words) : payloadFrom(message, words);
-}
-
-ExitCode sendStatus(const Invocation& invocation, Console& console)
-{
-    const QString status = invocation.argument(0);
-    const PhoneMessage& message = statusNamed(status);
-    const QCString name = messageName(kPhonePrefix, static_cast<unsigned>(message.type), kPhoneTypes);
-    sendMessage(QLatin1String(kPhoneChannel), QLatin1String(name), statusPayload(message, invocation), console);
-    return Done;
-}
-
-QString fieldSyntax(const Field& field)
-{
-    switch (field.kind) {
-    case FieldKind::AllStatusRecord:
-        return u"[OPTION...]"_s;
-    case FieldKind::NetworkListRecord:
-        return u"[ID NAME]..."_s;
-    default:
-        return argumentName(field);
-    }
-}
-
 QString fieldMeaning(const Field& field)
 {
     switch (field.kind) {
-    case FieldKind::AllStatusRecord:
-        return u"what no option sets is 0"_s;
-    case FieldKind::NetworkListRecord:
-        return u"Latin-1, at most 15 and 31 characters"_s;
     case FieldKind::Raw:
         return u"at most %1 characters, or hex: and %1 bytes"_s.arg(field.size);
+    case FieldKind::Latin1:
+        return u"Latin-1, at most %1 characters"_s.arg(field.size - 1);
     case FieldKind::Text:
         return u"text"_s;
     case FieldKind::Byte:
@@ -145,19 +69,110 @@ QString fieldMeaning(const Field& field)
     }
 }
 
-/// The names with their arguments and what those are.
+const PhoneMessage& snapshot()
+{
+    return phoneMessage(PHONE_Msg::PHONE_MSG_ALL_STATUS_S);
+}
+
+/// An option for each field of a snapshot.
+QList<QCommandLineOption> snapshotOptions()
+{
+    QList<QCommandLineOption> options;
+    for (const Field& field : snapshot().fields) {
+        const QString meaning = field.kind == FieldKind::Int ? u"a whole number"_s : fieldMeaning(field);
+        options += valueOption(QLatin1String(field.name), u"VALUE"_s, u"of a snapshot, "_s + meaning);
+    }
+    return options;
+}
+
+std::vector<FieldValue> snapshotValues(const QStringList& words, const Invocation& invocation)
+{
+    if (!words.isEmpty())
+        throw usageError(u"superfluous argument '%1'"_s.arg(words.first()));
+    std::vector<FieldValue> values;
+    for (const Field& field : snapshot().fields) {
+        const QString name = QLatin1String(field.name);
+        const bool isSet = invocation.isSet(name);
+        values.push_back(isSet ? valueFrom(kWords, field, invocation.value(name), u"--"_s + name) : FieldValue());
+    }
+    return values;
+}
+
+/// The networks of @p words, which are an id and a name for each.
+std::vector<FieldValue> networkValues(const QStringList& words)
+{
+    using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
+    constexpr auto kMost = std::ssize(TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S{}.entries);
+    if (words.size() % 2 != 0)
+        throw usageError(u"missing name of network '%1'"_s.arg(words.last()));
+    if (words.size() / 2 > kMost)
+        throw usageError(u"%1 networks; at most %2 fit"_s.arg(words.size() / 2).arg(kMost));
+    for (qsizetype index = 0; index < words.size(); index += 2) {
+        latin1Field(words[index], u"network id"_s, sizeof Network::id - 1);
+        latin1Field(words[index + 1], u"network name"_s, sizeof Network::name - 1);
+    }
+    return {static_cast<int32_t>(words.size() / 2), words};
+}
+
+std::vector<FieldValue> plainValues(const PhoneMessage& message, const QStringList& words)
+{
+    std::vector<FieldValue> values;
+    for (const Field& field : message.fields) {
+        const QString name = argumentName(field);
+        if (std::ssize(values) == words.size())
+            throw usageError(u"missing argument %1"_s.arg(name));
+        values.push_back(valueFrom(kWords, field, words[std::ssize(values)], name));
+    }
+    if (std::ssize(values) < words.size())
+        throw usageError(u"superfluous argument '%1'"_s.arg(words[std::ssize(values)]));
+    return values;
+}
+
+/// What only a snapshot takes must not be lost without a word.
+void refuseSnapshotOptions(const Invocation& invocation)
+{
+    for (const Field& field : snapshot().fields) {
+        if (const QString name = QLatin1String(field.name); invocation.isSet(name))
+            throw usageError(u"--%1 is for 'snapshot'"_s.arg(name));
+    }
+}
+
+ExitCode sendStatus(const Invocation& invocation, Console& console)
+{
+    const PhoneMessage& message = statusNamed(invocation.argument(0));
+    const QStringList words = invocation.arguments().mid(1);
+    const bool isSnapshot = &message == &snapshot();
+    if (!isSnapshot)
+        refuseSnapshotOptions(invocation);
+    const std::vector<FieldValue> values = isSnapshot           ? snapshotValues(words, invocation)
+                                           : message.isRecord() ? networkValues(words)
+                                                                : plainValues(message, words);
+    sendMessage(QLatin1String(message.channel), QLatin1String(message.name), encode(message, values), console);
+    return Done;
+}
+
+/// The words of @p message with its arguments, and what those are.
+QStringList nameRow(const PhoneMessage& message)
+{
+    const QString name = u"  "_s + QLatin1String(message.word);
+    if (&message == &snapshot())
+        return {name + u" [OPTION...]"_s, u"what no option sets is 0"_s};
+    if (message.isRecord())
+        return {name + u" [ID NAME]..."_s, u"Latin-1, at most 15 and 31 characters"_s};
+    QStringList words{name};
+    QStringList meanings;
+    for (const Field& field : message.fields) {
+        words += argumentName(field);
+        meanings += fieldMeaning(field);
+    }
+    return {words.join(u' '), meanings.join(u", "_s)};
+}
+
 QString nameList()
 {
     QList<QStringList> rows;
-    for (const PhoneMessage* message : statusMessages()) {
-        QStringList words{u"  "_s + QLatin1String(message->name)};
-        QStringList meanings;
-        for (const Field& field : message->fields) {
-            words += fieldSyntax(field);
-            meanings += fieldMeaning(field);
-        }
-        rows += {words.join(u' '), meanings.join(u", "_s)};
-    }
+    for (const PhoneMessage* message : statusMessages())
+        rows += nameRow(*message);
     return u"\nNames and their arguments:\n"_s + alignedLines(rows);
 }
 
@@ -169,7 +184,7 @@ Command statusCommand()
             .summary = u"Send a status message as the phone server does"_s,
             .details = nameList(),
             .arguments = {{u"NAME"_s, u"which status"_s}, {u"ARG"_s, u"as the name takes them"_s, Argument::Any}},
-            .options = allStatusOptions(),
+            .options = snapshotOptions(),
             .words = {{u"NAME"_s, statusNames()}},
             .run = sendStatus};
 }

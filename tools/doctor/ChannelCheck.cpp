@@ -1,9 +1,9 @@
 // The directories of the channels, and their listeners.
 #include "platform/qcop/ChannelDirectory_p.h"
+#include "recentcall/utility/RecentCall_Messages_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/doctor/SocketProbe.h"
-#include "utility/message/Message_p.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QStringList>

@@ -4,7 +4,6 @@
 #include "handset/common/Text.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Command.h"
-#include "tools/zynphone/HexText.h"
 #include "tools/zynphone/Text.h"
 
 #include <QtCore/QDateTime>

@@ -28,6 +28,6 @@ struct MessageFields
 
 /// Takes a message apart. Numbers are JSON numbers and texts JSON texts, a null one null; blocks are texts as
 /// blockText() writes them, repeated fields lists, and the networks of a list objects with id and name.
-MessageFields messageFields(const QCString& channel, const QCString& message, const QByteArray& payload);
+MessageFields messageFields(const QCString& channel, const QCString& name, const QByteArray& payload);
 
 } // namespace zyn::tool

@@ -3,7 +3,7 @@
 
 #include "handset/common/Text.h"
 #include "tools/recording/MessageFields.h"
-#include "tools/zynphone/HexText.h"
+#include "tools/zynphone/BlockText.h"
 
 #include <QtCore/QJsonArray>
 

@@ -13,7 +13,7 @@
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/RecordText.h"
 #include "tools/zynphone/Text.h"
-#include "utility/message/Message_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QString>
 #include <QtCore/QTime>
@@ -64,8 +64,8 @@ QString bytesText(bool connected, UINT32 total, UINT32 sent, UINT32 received)
 
 QString nameOf(const QCString& message)
 {
-    const auto form = zyn::messageForm(zyn::kPhoneChannel, message);
-    return form && form->enumerator ? QString::fromLatin1(form->enumerator) : QString::fromUtf8(message);
+    const PhoneMessage* const known = phoneMessage(message);
+    return known && known->enumerator ? QString::fromLatin1(known->enumerator) : QString::fromUtf8(message);
 }
 
 using Call = PHONE_ENG_RecentCall;

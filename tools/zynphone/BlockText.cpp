@@ -1,7 +1,6 @@
-// Blocks of bytes of a fixed size, as the tool writes and reads them.
+// Bytes as the tool writes and reads them: hexadecimal digits, and blocks of a fixed size.
 #include "tools/zynphone/BlockText.h"
 
-#include "tools/zynphone/HexText.h"
 #include "tools/zynphone/Text.h"
 
 #include <algorithm>
@@ -19,6 +18,22 @@ bool isGraphic(char character)
 }
 
 } // namespace
+
+QString hexText(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex());
+}
+
+QByteArray bytesFromHex(const QString& digits)
+{
+    const QByteArray text = digits.toUtf8();
+    const bool isHex = std::ranges::all_of(text, [](char digit) {
+        return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f') || (digit >= 'A' && digit <= 'F');
+    });
+    if (!isHex || text.size() % 2 != 0)
+        throw usageError(QStringLiteral("'%1' is no even number of hexadecimal digits").arg(digits));
+    return QByteArray::fromHex(text);
+}
 
 bool isHexBlock(const QString& text)
 {

@@ -1,10 +1,16 @@
-// Blocks of bytes of a fixed size, as the tool writes and reads them.
+// Bytes as the tool writes and reads them: hexadecimal digits, and blocks of a fixed size.
 #pragma once
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 namespace zyn::tool {
+
+/// @p bytes in hexadecimal digits.
+QString hexText(const QByteArray& bytes);
+
+/// The bytes that @p digits stand for; a usage error when they are none.
+QByteArray bytesFromHex(const QString& digits);
 
 /// @{ A block as "hex:" and the digits of its bytes.
 bool isHexBlock(const QString& text);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/TAPI.h"
-#include "utility/message/Payload_p.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QByteArray>
 
@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <type_traits>
 
 namespace zyn {
@@ -62,43 +63,34 @@ static_assert(offsetof(AllStatus, reserved85) == 85);
 static_assert(offsetof(AllStatus, egprsServiceState) == 91);
 static_assert(sizeof(AllStatus) == 92 && std::is_trivially_copyable_v<AllStatus>);
 
-/// One field of the record, for whoever goes through them all. Numbers are little-endian, text is Latin-1.
-struct AllStatusField
-{
-    FieldKind kind;
-    const char* name;
-    uint8_t offset;
-    uint8_t size;
-};
-
-#define ZYN_PLACE(member) offsetof(AllStatus, member), sizeof(AllStatus::member)
+#define ZYN_AT(member) sizeof(AllStatus::member), Occurrence::Once, offsetof(AllStatus, member)
 
 /// The fields that are read, by their offset.
-inline constexpr AllStatusField kAllStatusFields[] = {
-    {FieldKind::Int, "battery", ZYN_PLACE(batteryStatus)},
-    {FieldKind::Int, "sim-card", ZYN_PLACE(simCardStatus)},
-    {FieldKind::Int, "pin", ZYN_PLACE(pinStatus)},
-    {FieldKind::Int, "subsidy-lock", ZYN_PLACE(subsidyStatus)},
-    {FieldKind::Int, "charger", ZYN_PLACE(chargeStatus)},
-    {FieldKind::Int, "power-on-mode", ZYN_PLACE(powerOnMode)},
-    {FieldKind::Byte, "battery-capacity", ZYN_PLACE(batteryCapacity)},
-    {FieldKind::Int, "signal-quality", ZYN_PLACE(signalQuality)},
-    {FieldKind::Int, "roaming", ZYN_PLACE(roamingState)},
-    {FieldKind::Byte, "gprs-attach", ZYN_PLACE(gprsAttachState)},
-    {FieldKind::Byte, "gprs-service", ZYN_PLACE(gprsServiceState)},
-    {FieldKind::Text, "network-id", ZYN_PLACE(networkId)},
-    {FieldKind::Int, "network", ZYN_PLACE(networkStatus)},
-    {FieldKind::Raw, "imsi", ZYN_PLACE(imsi)},
-    {FieldKind::Byte, "egprs-service", ZYN_PLACE(egprsServiceState)},
+inline constexpr std::initializer_list<Field> kAllStatusFields = {
+    {FieldKind::Int, "battery", ZYN_AT(batteryStatus)},
+    {FieldKind::Int, "sim-card", ZYN_AT(simCardStatus)},
+    {FieldKind::Int, "pin", ZYN_AT(pinStatus)},
+    {FieldKind::Int, "subsidy-lock", ZYN_AT(subsidyStatus)},
+    {FieldKind::Int, "charger", ZYN_AT(chargeStatus)},
+    {FieldKind::Int, "power-on-mode", ZYN_AT(powerOnMode)},
+    {FieldKind::Byte, "battery-capacity", ZYN_AT(batteryCapacity)},
+    {FieldKind::Int, "signal-quality", ZYN_AT(signalQuality)},
+    {FieldKind::Int, "roaming", ZYN_AT(roamingState)},
+    {FieldKind::Byte, "gprs-attach", ZYN_AT(gprsAttachState)},
+    {FieldKind::Byte, "gprs-service", ZYN_AT(gprsServiceState)},
+    {FieldKind::Latin1, "network-id", ZYN_AT(networkId)},
+    {FieldKind::Int, "network", ZYN_AT(networkStatus)},
+    {FieldKind::Raw, "imsi", ZYN_AT(imsi)},
+    {FieldKind::Byte, "egprs-service", ZYN_AT(egprsServiceState)},
 };
 
-#undef ZYN_PLACE
+#undef ZYN_AT
 
 /// The record that @p payload holds; a field that is not there whole is 0.
 inline AllStatus readAllStatus(const QByteArray& payload)
 {
     AllStatus status = {};
-    for (const AllStatusField& field : kAllStatusFields) {
+    for (const Field& field : kAllStatusFields) {
         if (field.offset + field.size <= payload.size())
             std::memcpy(reinterpret_cast<char*>(&status) + field.offset, payload.constData() + field.offset,
                         field.size);

@@ -1,33 +1,70 @@
-// The channels of the library: their names, and the messages on each.
+// What describes a message: its channel, its names and its fields. The channels of the phone side.
 #pragma once
 
-#include "platform/QCString.h"
-#include "utility/message/Payload_p.h"
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
-#include <span>
 #include <string_view>
 
 namespace zyn {
 
-/// @{ The phone channel: its name, the prefix of its message names, and how many types it has.
+enum class FieldKind : uint8_t {
+    Int,  ///< a number of 32 bits
+    Byte, ///< a number from 0 to 255
+    Char, ///< a number from -128 to 127
+    Text, ///< a text, null or empty among them
+    Raw,  ///< a block of bytes of a fixed size
+    /// @{ In records only.
+    Latin1,   ///< a text in a field of a fixed size, ended by a NUL or by the field
+    Networks, ///< entries of a network list, as many as the record's first field says
+    /// @}
+};
+
+enum class Occurrence : uint8_t {
+    Once,
+    AsCounted, ///< as often as the message's first field, a number, says
+    WhenSet,   ///< only when the message's first field, a number, is not 0
+};
+
+struct Field
+{
+    FieldKind kind;
+    const char* name;
+    uint16_t size = 0; ///< in bytes, of Raw and of all in records; of what occurs as counted, how often at most
+    Occurrence occurs = Occurrence::Once;
+    uint16_t offset = 0; ///< in a record
+};
+
+/// A message as all see it who send, receive, print or record it. For constants only: it does not own its lists.
+struct Message
+{
+    const char* channel;
+    const char* name;
+    const char* enumerator = nullptr; ///< null when it has none
+    std::initializer_list<Field> fields = {};
+    /// What people call a payload that is the memory image of a record, whose fields are at their offsets; null when
+    /// the fields follow each other.
+    const char* record = nullptr;
+
+    constexpr bool isRecord() const { return record != nullptr; }
+};
+
+/// The channel of the phone's states and of requests to the phone server.
 inline constexpr char kPhoneChannel[] = "/ZYN/phone";
-inline constexpr std::string_view kPhonePrefix = "PHONE_MSG_";
-inline constexpr unsigned kPhoneTypes = 55;
-/// @}
-
-/// The name of the message of @p type, or an empty one, not null, when there are not as many types.
-QCString messageName(std::string_view prefix, unsigned type, unsigned types);
-
-/// The type, below @p types, whose name is @p name to the byte: the number has no sign, blank or leading
-/// zero.
-std::optional<unsigned> messageType(std::string_view prefix, const QCString& name, unsigned types);
 
 /// @{ Requests to place and end voice calls.
 inline constexpr char kVoiceCallChannel[] = "/ZYN/Phone/LocalPath";
-inline constexpr char kMakeCall[] = "MakeCall";
-inline constexpr char kDropCall[] = "DropCall";
+inline constexpr Message kMakeCall{.channel = kVoiceCallChannel,
+                                   .name = "MakeCall",
+                                   .fields = {{FieldKind::Text, "number"},
+                                              {FieldKind::Text, "name"},
+                                              {FieldKind::Int, "flag"},
+                                              {FieldKind::Int, "clir"},
+                                              {FieldKind::Int, "dial-mode"},
+                                              {FieldKind::Char, "line"}}};
+inline constexpr Message kDropCall{.channel = kVoiceCallChannel, .name = "DropCall"};
+
 /// How the number of a call is dialed.
 enum DialMode : int {
     DialOrdinary = 0,
@@ -41,47 +78,19 @@ inline constexpr int8_t kDefaultLine = 2;
 
 /// @{ Requests to start and end push-to-talk calls, and how many parties one has at most.
 inline constexpr char kPttChannel[] = "/KQ/calling2ptt";
-inline constexpr char kMakePttCall[] = "makePttCall";
-inline constexpr char kDropPttCall[] = "dropPttCall";
 inline constexpr uint8_t kMaxPttParties = 25;
+inline constexpr Message kMakePttCall{.channel = kPttChannel,
+                                      .name = "makePttCall",
+                                      .fields = {{FieldKind::Int, "count"},
+                                                 {FieldKind::Text, "numbers", kMaxPttParties, Occurrence::AsCounted},
+                                                 {FieldKind::Text, "texts", kMaxPttParties, Occurrence::AsCounted},
+                                                 {FieldKind::Int, "value1"},
+                                                 {FieldKind::Int, "value2"}}};
+inline constexpr Message kDropPttCall{.channel = kPttChannel, .name = "dropPttCall"};
 /// @}
 
-/// @{ The recent-call screens: the prefix of their numbered messages, and how many of those there are.
-inline constexpr char kRecentCallChannel[] = "/ZYN/recentcall";
-inline constexpr std::string_view kRecentCallPrefix = "RECENTCALL_MSG_";
-inline constexpr unsigned kRecentCallTypes = 8;
-/// @}
-
-/// @{ What the owner of the activity log is told.
-inline constexpr char kActivityLogChannel[] = "ACTIVITY_LOG_CHANNEL";
-inline constexpr char kModifyFavourite[] = "MODIFY_TOPPAL_DETAILS";
-/// @}
-
-/// Every channel of the library.
-inline constexpr const char* kChannels[] = {kPhoneChannel, kVoiceCallChannel, kPttChannel, kRecentCallChannel,
-                                            kActivityLogChannel};
-
-/// A message of a channel other than the phone channel. For constants only: the list does not own what is in it.
-struct ChannelMessage
-{
-    const char* channel;
-    const char* name;
-    const char* enumerator; ///< null when it has none
-    std::initializer_list<Field> fields;
-};
-
-/// All of them, channel by channel.
-std::span<const ChannelMessage> channelMessages();
-
-/// What a message is and holds.
-struct MessageForm
-{
-    const char* enumerator; ///< null when the message has none
-    std::span<const Field> fields;
-};
-
-/// The form of the message @p name of @p channel, the phone channel included; nothing when the library has no
-/// such message.
-std::optional<MessageForm> messageForm(const QCString& channel, const QCString& name);
+/// The decimal number that follows @p prefix in @p name. Who takes several spellings of a number for different names
+/// compares the names as well.
+std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name);
 
 } // namespace zyn

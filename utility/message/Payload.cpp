@@ -1,151 +1,323 @@
-// The payload encoding of the message channels.
+// The encoding of payloads: the values of a message's fields to bytes and back.
 #include "utility/message/Payload_p.h"
-#include <QtCore/QIODevice>
+
+#include "platform/QCopChannel.h"
+#include "platform/TAPI.h"
+#include "utility/FixedText_p.h"
+
+#include <QtCore/QByteArrayView>
 #include <QtCore/QtEndian>
+
 #include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <iterator>
 
 namespace zyn {
 namespace {
 
+using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
+
 constexpr uint32_t kNullText = 0xFFFF'FFFF;
 
-/// The one place that names the format: stream format version 3, most significant byte first.
-void configure(QDataStream& stream)
+static_assert(std::endian::native == std::endian::little, "records travel as they are in memory");
+
+/// Reads what follows each other in a payload, most significant byte first.
+class Reader
 {
-    stream.setVersion(QDataStream::Qt_2_1);
-    stream.setByteOrder(QDataStream::BigEndian);
+public:
+    explicit Reader(const QByteArray& payload)
+        : m_rest(payload)
+    {}
+
+    /// Whether everything that was asked for was there.
+    bool isComplete() const { return m_isComplete; }
+    qsizetype remaining() const { return m_rest.size(); }
+
+    /// The next @p size bytes; null when they are not there, as for all that is asked for from then on.
+    const char* next(size_t size)
+    {
+        m_isComplete = m_isComplete && size <= static_cast<size_t>(m_rest.size());
+        if (!m_isComplete)
+            return nullptr;
+        const char* const bytes = m_rest.data();
+        m_rest = m_rest.sliced(static_cast<qsizetype>(size));
+        return bytes;
+    }
+
+    template<typename Number>
+    Number number()
+    {
+        const char* const bytes = next(sizeof(Number));
+        return bytes ? qFromBigEndian<Number>(bytes) : Number{0};
+    }
+
+    /// A length in bytes, then UTF-16; an odd length's last byte is nobody's.
+    QString text()
+    {
+        const auto length = number<uint32_t>();
+        if (!m_isComplete || length == kNullText)
+            return {};
+        const char* const bytes = next(length);
+        if (!bytes)
+            return {};
+        QString text(static_cast<qsizetype>(length / 2), Qt::Uninitialized);
+        qFromBigEndian<char16_t>(bytes, text.size(), text.data());
+        return text;
+    }
+
+    QByteArray block(size_t size)
+    {
+        const char* const bytes = next(size);
+        const auto length = static_cast<qsizetype>(size);
+        return bytes ? QByteArray(bytes, length) : QByteArray(length, '\0');
+    }
+
+    /// As many texts as @p count says, unless the payload ends before.
+    QStringList texts(int count)
+    {
+        QStringList list;
+        while (list.size() < count && m_isComplete)
+            list += text();
+        return list;
+    }
+
+private:
+    QByteArrayView m_rest;
+    bool m_isComplete = true;
+};
+
+/// How often @p field occurs that is counted by @p count.
+int occurrences(const Field& field, int32_t count)
+{
+    return std::clamp(count, 0, int{field.size});
 }
 
-} // namespace
-
-PayloadReader::PayloadReader(const QByteArray& payload)
-    : m_stream(payload)
-{
-    configure(m_stream);
-}
-
-/// Whether the next field, @p size bytes long, is there whole.
-bool PayloadReader::has(qint64 size)
-{
-    m_complete = m_complete && size <= remaining();
-    return m_complete;
-}
-
-qint64 PayloadReader::remaining() const
-{
-    return m_stream.device()->bytesAvailable();
-}
-
-int32_t PayloadReader::readInt()
-{
-    int32_t value = 0;
-    if (has(sizeof value))
-        m_stream >> value;
-    return value;
-}
-
-uint8_t PayloadReader::readByte()
-{
-    uint8_t value = 0;
-    if (has(sizeof value))
-        m_stream >> value;
-    return value;
-}
-
-QString PayloadReader::readText()
-{
-    // Not by QDataStream: for a missing length it gives an empty text, and it refuses an odd one.
-    const auto length = static_cast<uint32_t>(readInt());
-    if (!m_complete || length == kNullText || !has(length))
-        return {};
-    const QByteArray bytes = m_stream.device()->read(length);
-    QString text(bytes.size() / 2, Qt::Uninitialized);
-    qFromBigEndian<char16_t>(bytes.constData(), text.size(), text.data());
-    return text;
-}
-
-void PayloadReader::readRaw(std::span<uint8_t> block)
-{
-    std::fill(block.begin(), block.end(), uint8_t{0});
-    const auto size = static_cast<qint64>(block.size());
-    if (has(size))
-        m_stream.device()->read(reinterpret_cast<char*>(block.data()), size);
-}
-
-PayloadWriter::PayloadWriter()
-    : m_stream(&m_payload, QIODevice::WriteOnly)
-{
-    configure(m_stream);
-}
-
-PayloadWriter& PayloadWriter::writeInt(int32_t value)
-{
-    m_stream << value;
-    return *this;
-}
-
-PayloadWriter& PayloadWriter::writeByte(uint8_t value)
-{
-    m_stream << value;
-    return *this;
-}
-
-PayloadWriter& PayloadWriter::writeBool(bool value)
-{
-    return writeInt(value ? 1 : 0);
-}
-
-PayloadWriter& PayloadWriter::writeText(const QString& text)
-{
-    m_stream << text;
-    return *this;
-}
-
-PayloadWriter& PayloadWriter::writeRaw(std::span<const uint8_t> block)
-{
-    m_stream.device()->write(reinterpret_cast<const char*>(block.data()), static_cast<qint64>(block.size()));
-    return *this;
-}
-
-namespace {
-
-QByteArray readBlock(zyn::PayloadReader& reader, uint8_t size)
-{
-    QByteArray block(size, '\0');
-    reader.readRaw(std::span(reinterpret_cast<uint8_t*>(block.data()), size));
-    return block;
-}
-
-} // namespace
-
-FieldValue readField(const Field& field, PayloadReader& reader, const QByteArray& payload)
+void readField(FieldValue& value, const Field& field, const FieldValue& first, Reader& reader)
 {
     switch (field.kind) {
     case FieldKind::Int:
-        return {reader.readInt(), {}, {}};
+        value.number = reader.number<int32_t>();
+        break;
     case FieldKind::Byte:
-        return {reader.readByte(), {}, {}};
+        value.number = reader.number<uint8_t>();
+        break;
     case FieldKind::Char:
-        return {static_cast<int8_t>(reader.readByte()), {}, {}};
+        value.number = reader.number<int8_t>();
+        break;
     case FieldKind::Text:
-        return {0, reader.readText(), {}};
+        if (field.occurs == Occurrence::AsCounted)
+            value.texts = reader.texts(occurrences(field, first.number));
+        else
+            value.text = reader.text();
+        break;
     case FieldKind::Raw:
-        return {0, {}, readBlock(reader, field.size)};
-    case FieldKind::AllStatusRecord:
-    case FieldKind::NetworkListRecord:
-        return {0, {}, payload};
+        value.bytes = reader.block(field.size);
+        break;
+    case FieldKind::Latin1:
+    case FieldKind::Networks:
+        break;
     }
-    return {};
 }
 
-FieldValues readFields(std::initializer_list<Field> fields, const QByteArray& payload)
+template<typename Number>
+void append(QByteArray& payload, Number number)
+{
+    const Number bytes = qToBigEndian(number);
+    payload.append(reinterpret_cast<const char*>(&bytes), sizeof bytes);
+}
+
+void appendText(QByteArray& payload, const QString& text)
+{
+    const qsizetype begin = payload.size() + qsizetype{sizeof(uint32_t)};
+    append(payload, text.isNull() ? kNullText : static_cast<uint32_t>(text.size() * 2));
+    payload.resize(begin + text.size() * 2);
+    qToBigEndian<char16_t>(text.utf16(), text.size(), payload.data() + begin);
+}
+
+void appendField(QByteArray& payload, const Field& field, const FieldValue& value)
+{
+    switch (field.kind) {
+    case FieldKind::Int:
+        append(payload, value.number);
+        break;
+    case FieldKind::Byte:
+    case FieldKind::Char:
+        append(payload, static_cast<uint8_t>(value.number));
+        break;
+    case FieldKind::Text:
+        if (field.occurs != Occurrence::AsCounted)
+            return appendText(payload, value.text);
+        for (const QString& text : value.texts)
+            appendText(payload, text);
+        break;
+    case FieldKind::Raw:
+        payload.append(value.bytes.leftJustified(field.size, '\0'));
+        break;
+    case FieldKind::Latin1:
+    case FieldKind::Networks:
+        break;
+    }
+}
+
+/// The networks at @p bytes, an id and a name for each.
+QStringList networksAt(const char* bytes, int count)
+{
+    QStringList texts;
+    for (int index = 0; index < count; ++index) {
+        Network network;
+        std::memcpy(&network, bytes + static_cast<size_t>(index) * sizeof network, sizeof network);
+        texts += {latin1Text(network.id), latin1Text(network.name)};
+    }
+    return texts;
+}
+
+void storeNetworks(std::span<char> bytes, const QStringList& texts)
+{
+    for (qsizetype index = 0; index + 1 < texts.size() && bytes.size() >= sizeof(Network); index += 2) {
+        storeText(bytes.subspan(offsetof(Network, id), sizeof(Network::id)), texts[index].toLatin1());
+        storeText(bytes.subspan(offsetof(Network, name), sizeof(Network::name)), texts[index + 1].toLatin1());
+        bytes = bytes.subspan(sizeof(Network));
+    }
+}
+
+int networkCount(const Field& field, const FieldValue& first)
+{
+    return std::clamp(first.number, 0, static_cast<int>(field.size / sizeof(Network)));
+}
+
+/// How many bytes of @p field are in use.
+qsizetype usedSize(const Field& field, const FieldValue& first)
+{
+    return field.kind == FieldKind::Networks ? networkCount(field, first) * qsizetype{sizeof(Network)} : field.size;
+}
+
+FieldValue recordField(const Field& field, const FieldValue& first, const char* bytes)
+{
+    switch (field.kind) {
+    case FieldKind::Int:
+        return qFromLittleEndian<int32_t>(bytes);
+    case FieldKind::Byte:
+        return static_cast<uint8_t>(*bytes);
+    case FieldKind::Latin1:
+        return latin1Text(std::span(bytes, field.size));
+    case FieldKind::Networks:
+        return networksAt(bytes, networkCount(field, first));
+    default:
+        return QByteArray(bytes, field.size);
+    }
+}
+
+void storeRecordField(std::span<char> bytes, FieldKind kind, const FieldValue& value)
+{
+    switch (kind) {
+    case FieldKind::Int:
+        qToLittleEndian(value.number, bytes.data());
+        break;
+    case FieldKind::Byte:
+        bytes[0] = static_cast<char>(value.number);
+        break;
+    case FieldKind::Latin1:
+        storeText(bytes, value.text.toLatin1());
+        break;
+    case FieldKind::Networks:
+        storeNetworks(bytes, value.texts);
+        break;
+    default:
+        std::copy_n(value.bytes.data(), std::min(bytes.size(), static_cast<size_t>(value.bytes.size())), bytes.data());
+    }
+}
+
+FieldValues decodeRecord(std::span<const Field> fields, const QByteArray& payload)
 {
     FieldValues values;
-    PayloadReader reader(payload);
-    size_t next = 0;
-    for (const Field& field : fields)
-        values.at(next++) = readField(field, reader, payload);
+    values.list.resize(static_cast<qsizetype>(fields.size()));
+    for (const Field& field : fields) {
+        const qsizetype end = field.offset + usedSize(field, values[0]);
+        if (end > payload.size())
+            break;
+        values.list[values.whole++] = recordField(field, values[0], payload.constData() + field.offset);
+        // The places behind those in use are nobody's, also where they are not sent.
+        const qsizetype fieldEnd = qsizetype{field.offset} + field.size;
+        values.end = fieldEnd <= payload.size() ? fieldEnd : end;
+    }
     return values;
+}
+
+} // namespace
+
+FieldValues decode(const Message& message, const QByteArray& payload)
+{
+    if (message.isRecord())
+        return decodeRecord(message.fields, payload);
+    FieldValues values;
+    values.list.resize(static_cast<qsizetype>(message.fields.size()));
+    Reader reader(payload);
+    size_t next = 0;
+    for (const Field& field : message.fields) {
+        FieldValue& value = values[next++];
+        if (!isLeftOut(field, values[0]))
+            readField(value, field, values[0], reader);
+        if (reader.isComplete()) {
+            values.whole = static_cast<qsizetype>(next);
+            values.end = payload.size() - reader.remaining();
+        }
+    }
+    return values;
+}
+
+QByteArray encode(std::span<const Field> fields, std::span<const FieldValue> values)
+{
+    Q_ASSERT(fields.size() == values.size());
+    QByteArray payload;
+    for (size_t next = 0; next < fields.size(); ++next) {
+        if (!isLeftOut(fields[next], values[0]))
+            appendField(payload, fields[next], values[next]);
+    }
+    return payload;
+}
+
+QByteArray encode(const Message& message, std::span<const FieldValue> values)
+{
+    const std::span<const Field> fields = message.fields;
+    if (!message.isRecord())
+        return encode(fields, values);
+    Q_ASSERT(fields.size() == values.size());
+    QByteArray payload(recordSize(message), '\0');
+    for (size_t next = 0; next < fields.size(); ++next) {
+        const std::span bytes(payload.data() + fields[next].offset, fields[next].size);
+        storeRecordField(bytes, fields[next].kind, values[next]);
+    }
+    return payload;
+}
+
+QByteArray encode(const Message& message, std::initializer_list<FieldValue> values)
+{
+    return encode(message, std::span(values.begin(), values.size()));
+}
+
+qsizetype recordSize(const Message& message)
+{
+    const Field& last = *std::prev(message.fields.end());
+    return qsizetype{last.offset} + last.size;
+}
+
+bool sendMessage(const Message& message, std::initializer_list<FieldValue> values)
+{
+    return QCopChannel::send(message.channel, message.name, encode(message, values));
+}
+
+std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name)
+{
+    if (!name.starts_with(prefix))
+        return std::nullopt;
+    size_t number = 0;
+    const char* const end = name.data() + name.size();
+    const auto [parsed, error] = std::from_chars(name.data() + prefix.size(), end, number);
+    if (error != std::errc() || parsed != end)
+        return std::nullopt;
+    return number;
 }
 
 } // namespace zyn

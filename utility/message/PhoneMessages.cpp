@@ -1,17 +1,116 @@
-// The messages of the phone channel: their fields, and what becomes of each.
+// The messages of the phone channel: their fields, and what a client makes of each.
+#include "utility/message/PhoneMessages_p.h"
+
+#include "platform/TAPI.h"
 #include "utility/FixedText_p.h"
 #include "utility/PHONE_Log_p.h"
+#include "utility/PHONE_MsgClient.h"
 #include "utility/message/AllStatus_p.h"
-#include "utility/message/Message_p.h"
-#include "utility/message/PhoneMessages_p.h"
+
+#include <QtCore/QPointer>
+
+#include <functional>
 #include <iterator>
-#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace zyn {
+
+/// Emits a client's signals for as long as it lives: a receiver may destroy it in the middle of a message.
+class Emitter
+{
+public:
+    /// @param line  where the client receives, for the trace lines of single messages
+    Emitter(PHONE_MsgClient& client, int line)
+        : m_client(&client)
+        , m_line(line)
+    {}
+
+    template<typename... Parameters, typename... Arguments>
+    void operator()(void (PHONE_MsgClient::*signal)(Parameters...), Arguments&&... arguments) const
+    {
+        if (m_client)
+            std::invoke(signal, *m_client, std::forward<Arguments>(arguments)...);
+    }
+
+    /// Prints the trace line of the client's receive().
+    void trace() const { logEntry(kPhoneLogLevel, kClientSource, "receive", m_line); }
+
+private:
+    QPointer<PHONE_MsgClient> m_client;
+    int m_line;
+};
+
 namespace {
 
+using enum FieldKind;
 using Client = PHONE_MsgClient;
-using zyn::Emitter;
+using NetworkList = TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S;
+
+constexpr Argument value(size_t field)
+{
+    return {field, Rule::AsItIs};
+}
+
+constexpr Argument notZero(size_t field)
+{
+    return {field, Rule::NotZero};
+}
+
+constexpr Argument isZero(size_t field)
+{
+    return {field, Rule::IsZero};
+}
+
+constexpr Argument isOne(size_t field)
+{
+    return {field, Rule::IsOne};
+}
+
+constexpr Argument lowByte(size_t field)
+{
+    return {field, Rule::LowByte};
+}
+
+/// The number that is logged or emitted of a field.
+int32_t number(const FieldValues& values, Argument argument)
+{
+    const int32_t field = values[argument.field].number;
+    switch (argument.rule) {
+    case Rule::AsItIs:
+        return field;
+    case Rule::NotZero:
+        return field != 0;
+    case Rule::IsZero:
+        return field == 0;
+    case Rule::IsOne:
+        return field == 1;
+    case Rule::LowByte:
+        return field & 0xFF;
+    }
+    return 0;
+}
+
+/// The argument as the type that a signal takes.
+template<typename T>
+T convert(FieldValues& values, Argument argument)
+{
+    if constexpr (std::is_same_v<T, QString>)
+        return values[argument.field].text;
+    else if constexpr (std::is_same_v<T, UINT8*>)
+        return reinterpret_cast<UINT8*>(values[argument.field].bytes.data());
+    else
+        return static_cast<T>(number(values, argument));
+}
+
+/// Emits @p Signal with @p Arguments, one for each of its parameters.
+template<auto Signal, Argument... Arguments>
+void emits(const Emitter& emitter, FieldValues& values, const QByteArray& /*payload*/)
+{
+    [&]<typename... Parameters>(void (PHONE_MsgClient::*signal)(Parameters...)) {
+        emitter(signal, convert<Parameters>(values, Arguments)...);
+    }(Signal);
+}
 
 /// The network status that comes with a network id.
 constexpr TAPI_NETWORK_STATUS_E kRegistered{5};
@@ -36,44 +135,26 @@ void emitNotRegistered(const Emitter& emitter, TAPI_NETWORK_STATUS_E status)
 /// @p record, or a copy of it when it is shorter than the list or does not lie where one may.
 QByteArray asNetworkList(const QByteArray& record)
 {
-    using List = TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S;
-    const bool isAligned = reinterpret_cast<uintptr_t>(record.constData()) % alignof(List) == 0;
-    if (record.size() >= qsizetype{sizeof(List)} && isAligned)
+    const bool isAligned = reinterpret_cast<uintptr_t>(record.constData()) % alignof(NetworkList) == 0;
+    if (record.size() >= qsizetype{sizeof(NetworkList)} && isAligned)
         return record;
-    return QByteArray(record.constData(), record.size()).leftJustified(qsizetype{sizeof(List)}, '\0');
+    return QByteArray(record.constData(), record.size()).leftJustified(qsizetype{sizeof(NetworkList)}, '\0');
 }
 
-void emitNetworkList(const Emitter& emitter, PHONE_UI_NETWORKLIST_TYPE_T kind, const QByteArray& record)
+template<int kind>
+void emitNetworkList(const Emitter& emitter, FieldValues& /*values*/, const QByteArray& payload)
 {
-    const QByteArray list = asNetworkList(record);
+    const QByteArray list = asNetworkList(payload);
     emitter.trace();
-    emitter(&Client::signalnetworkListGotten, kind,
-            reinterpret_cast<TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S*>(const_cast<char*>(list.constData())));
+    emitter(&Client::signalnetworkListGotten, PHONE_UI_NETWORKLIST_TYPE_T{kind},
+            reinterpret_cast<NetworkList*>(const_cast<char*>(list.constData())));
+    if (kind == 0)
+        emitter.trace();
 }
 
-} // namespace
-
-int32_t number(const FieldValues& values, Argument argument)
+void emitSnapshot(const Emitter& emitter, FieldValues& /*values*/, const QByteArray& payload)
 {
-    const int32_t field = values[argument.field].number;
-    switch (argument.rule) {
-    case Rule::AsItIs:
-        return field;
-    case Rule::NotZero:
-        return field != 0;
-    case Rule::IsZero:
-        return field == 0;
-    case Rule::IsOne:
-        return field == 1;
-    case Rule::LowByte:
-        return field & 0xFF;
-    }
-    return 0;
-}
-
-void emitSnapshot(const Emitter& emitter, FieldValues& values)
-{
-    AllStatus status = readAllStatus(values[0].bytes);
+    AllStatus status = readAllStatus(payload);
     emitter(&Client::signalPowerOnMode, TAPI_POWER_ON_MODE_E{status.powerOnMode});
     emitter(&Client::signalSimCardStatus, TAPI_SIM_STATUS_E{status.simCardStatus});
     emitter(&Client::signalPinStatus, TAPI_SECURITY_PIN_STATUS_E{status.pinStatus});
@@ -92,7 +173,7 @@ void emitSnapshot(const Emitter& emitter, FieldValues& values)
     emitter(&Client::signalEgprsService, status.egprsServiceState != 0);
 }
 
-void emitNetworkStatus(const Emitter& emitter, FieldValues& values)
+void emitNetworkStatus(const Emitter& emitter, FieldValues& values, const QByteArray& /*payload*/)
 {
     const TAPI_NETWORK_STATUS_E status{values[0].number};
     if (status == kRegistered)
@@ -101,199 +182,164 @@ void emitNetworkStatus(const Emitter& emitter, FieldValues& values)
         emitNotRegistered(emitter, status);
 }
 
-void emitProviderName(const Emitter& emitter, FieldValues& values)
+void emitProviderName(const Emitter& emitter, FieldValues& values, const QByteArray& /*payload*/)
 {
     emitter(&Client::signalSpnNameExtend,
             SERVICE_PROVIDER_DATA_S{static_cast<UINT8>(values[1].number), values[0].text});
 }
 
-void emitNetworkList0(const Emitter& emitter, FieldValues& values)
-{
-    emitNetworkList(emitter, PHONE_UI_NETWORKLIST_TYPE_T{0}, values[0].bytes);
-    emitter.trace();
-}
-
-void emitNetworkList1(const Emitter& emitter, FieldValues& values)
-{
-    emitNetworkList(emitter, PHONE_UI_NETWORKLIST_TYPE_T{1}, values[0].bytes);
-}
-
-namespace {
-
-using enum FieldKind;
-using Client = PHONE_MsgClient;
-
 constexpr char kBanner[] = "********Client****************";
 constexpr char kPowerOnBanner[] = "*********Client***************";
+constexpr std::string_view kPrefix = "PHONE_MSG_";
 
-// The name of a type twice: as the enumerator and as its text.
-#define ZYN_TYPE(type) PHONE_Msg::type, #type
+constexpr std::initializer_list<Field> kNetworkListFields = {
+    {Int, "count", sizeof(NetworkList::count), Occurrence::Once, offsetof(NetworkList, count)},
+    {Networks, "networks", sizeof(NetworkList::entries), Occurrence::Once, offsetof(NetworkList, entries)},
+};
 
-// A row each: type and name, fields, log lines, signal.
+// What a type's message is: its channel, its name by the number, and the enumerator, which must have that number.
+#define ZYN_TYPE(number, type)                                                                                         \
+    kPhoneChannel, "PHONE_MSG_" #number, PHONE_Msg::type == (number) ? #type : throw "not the type's number"
+
+// A row each: type and fields, word, log lines, signals.
 // clang-format off
 constexpr PhoneMessage kMessages[] = {
-    {ZYN_TYPE(PHONE_MSG_ALL_STATUS_S), "snapshot", {{AllStatusRecord, "status"}},
-     {{"PHONE_MSG_ALL_STATUS_S"}},
-     emitSnapshot},
-    {ZYN_TYPE(PHONE_MSG_POWER_ON_MODE_S), "power-on-mode", {{Int, "mode"}},
+    {{ZYN_TYPE(0, PHONE_MSG_ALL_STATUS_S), kAllStatusFields, "status"}, "snapshot",
+     {{"PHONE_MSG_ALL_STATUS_S"}}, emitSnapshot},
+    {{ZYN_TYPE(1, PHONE_MSG_POWER_ON_MODE_S), {{Int, "mode"}}}, "power-on-mode",
      {{"PHONE_MSG_POWER_ON_MODE_S"}, {"MsgClient: Power on Mode %d ", value(0), kPowerOnBanner}},
      emits<&Client::signalPowerOnMode, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_POWER_KEY_PRESSED_S), "power-key", {},
-     {{"PHONE_MSG_POWER_KEY_PRESSED_S Message", {}, kBanner}},
-     emits<&Client::signalPowerDown>},
-    {ZYN_TYPE(PHONE_MSG_BATTERY_STATUS_S), "battery-status", {{Int, "status"}},
+    {{ZYN_TYPE(2, PHONE_MSG_POWER_KEY_PRESSED_S)}, "power-key",
+     {{"PHONE_MSG_POWER_KEY_PRESSED_S Message", {}, kBanner}}, emits<&Client::signalPowerDown>},
+    {{ZYN_TYPE(3, PHONE_MSG_BATTERY_STATUS_S), {{Int, "status"}}}, "battery-status",
      {{"PHONE_MSG_BATTERY_STATUS_S"}, {"MsgClient: Battery Status = %d", value(0), kBanner}},
      emits<&Client::signalBatteryStatus, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_BATTERY_VALUE_CHANGE_S), "battery-capacity", {{Byte, "value"}},
+    {{ZYN_TYPE(4, PHONE_MSG_BATTERY_VALUE_CHANGE_S), {{Byte, "value"}}}, "battery-capacity",
      {{"PHONE_MSG_BATTERY_VALUE_CHANGE_S"}, {"MsgClient: Battery Value = %d", value(0), kBanner}},
      emits<&Client::signalBatteryCapacity, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_CHARGE_STATUS_S), "charger", {{Int, "status"}},
+    {{ZYN_TYPE(5, PHONE_MSG_CHARGE_STATUS_S), {{Int, "status"}}}, "charger",
      {{"PHONE_MSG_CHARGE_STATUS_S"}, {"MsgClient: Charge Status = %d", value(0), kBanner}},
      emits<&Client::signalChargeStatus, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SIM_CARD_STATUS_S), "sim-card", {{Int, "status"}},
+    {{ZYN_TYPE(6, PHONE_MSG_SIM_CARD_STATUS_S), {{Int, "status"}}}, "sim-card",
      {{"PHONE_MSG_SIM_CARD_STATUS_S"}, {"MsgClient: Sim card status = %d", value(0), kBanner}},
      emits<&Client::signalSimCardStatus, value(0)>},
-    {PHONE_Msg::PHONE_MSG_TYPE_T{7}, nullptr, nullptr, {}, {}, nullptr},
-    {ZYN_TYPE(PHONE_MSG_PIN1_STATUS_S), "pin", {{Int, "status"}},
+    {{kPhoneChannel, "PHONE_MSG_7"}, nullptr, {}, nullptr},
+    {{ZYN_TYPE(8, PHONE_MSG_PIN1_STATUS_S), {{Int, "status"}}}, "pin",
      {{"PHONE_MSG_PIN1_STATUS_S"}, {"MsgClient: Pin1 Status = %d", value(0), kBanner}},
      emits<&Client::signalPinStatus, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SUBSIDY_LOCK_STATUS_S), "subsidy-lock", {{Int, "status"}},
+    {{ZYN_TYPE(9, PHONE_MSG_SUBSIDY_LOCK_STATUS_S), {{Int, "status"}}}, "subsidy-lock",
      {{"PHONE_MSG_SUBSIDY_LOCK_STATUS_S"}, {"MsgClient: Subsidy lock status = %d", value(0), kBanner}},
      emits<&Client::signalSubsidyStatus, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SIGNAL_QUALITY_S), "signal-quality", {{Int, "quality"}},
-     {{"MsgClient: Signal Value = %d", value(0)}},
-     emits<&Client::signalSignalQuality, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SERVICE_AVAILABILITY_S), "service-availability", {{Int, "value"}},
-     {{"MsgClient: Service = %d", lowByte(0)}},
-     emits<&Client::signalServiceAvailability, lowByte(0)>},
-    {ZYN_TYPE(PHONE_MSG_ROAMING_STATE_S), "roaming", {{Int, "state"}},
-     {{"MsgClient: roam = %d", value(0)}},
-     emits<&Client::signalRoamingState, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_NETWORK_STATUS_S), "network", {{Int, "status"}, {Text, "id"}},
-     {{"******Network status = %d", value(0)}},
-     emitNetworkStatus},
-    {ZYN_TYPE(PHONE_MSG_SERVICE_NAME_S), "service-name", {{Text, "name"}},
-     {{"Service name = %s", value(0)}},
-     emits<&Client::signalServiceName, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SPN_NAME_S), "provider-name", {{Text, "name"}, {Byte, "flag"}},
-     {{"SPN = %s", value(0)}},
-     emitProviderName},
-    {ZYN_TYPE(PHONE_MSG_HOME_ZONE_NAME_S), "home-zone-name", {{Text, "name"}}, {},
-     emits<&Client::signalHomeZoneName, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_RET_SET_RFMOD_S), "radio-mode-result", {{Int, "result"}},
+    {{ZYN_TYPE(10, PHONE_MSG_SIGNAL_QUALITY_S), {{Int, "quality"}}}, "signal-quality",
+     {{"MsgClient: Signal Value = %d", value(0)}}, emits<&Client::signalSignalQuality, value(0)>},
+    {{ZYN_TYPE(11, PHONE_MSG_SERVICE_AVAILABILITY_S), {{Int, "value"}}}, "service-availability",
+     {{"MsgClient: Service = %d", lowByte(0)}}, emits<&Client::signalServiceAvailability, lowByte(0)>},
+    {{ZYN_TYPE(12, PHONE_MSG_ROAMING_STATE_S), {{Int, "state"}}}, "roaming",
+     {{"MsgClient: roam = %d", value(0)}}, emits<&Client::signalRoamingState, value(0)>},
+    {{ZYN_TYPE(13, PHONE_MSG_NETWORK_STATUS_S), {{Int, "status"}, {Text, "id"}}}, "network",
+     {{"******Network status = %d", value(0)}}, emitNetworkStatus},
+    {{ZYN_TYPE(14, PHONE_MSG_SERVICE_NAME_S), {{Text, "name"}}}, "service-name",
+     {{"Service name = %s", value(0)}}, emits<&Client::signalServiceName, value(0)>},
+    {{ZYN_TYPE(15, PHONE_MSG_SPN_NAME_S), {{Text, "name"}, {Byte, "flag"}}}, "provider-name",
+     {{"SPN = %s", value(0)}}, emitProviderName},
+    {{ZYN_TYPE(16, PHONE_MSG_HOME_ZONE_NAME_S), {{Text, "name"}}}, "home-zone-name",
+     {}, emits<&Client::signalHomeZoneName, value(0)>},
+    {{ZYN_TYPE(17, PHONE_MSG_RET_SET_RFMOD_S), {{Int, "result"}}}, "radio-mode-result",
      {{"PHONE_MSG_RET_SET_RFMOD_S"}, {"MsgClient: RF Mode Return = %d", value(0), kBanner}},
      emits<&Client::signalSetRFModResult, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_GPRS_ACTIVATED_S), "gprs-activated", {{Int, "value"}}, {},
-     emits<&Client::signalGprsActivated, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_GPRS_ATTACHED_S), "gprs-attached", {{Int, "value"}}, {},
-     emits<&Client::signalGprsAttached, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_GPRS_SERVICE_S), "gprs-service", {{Int, "value"}}, {},
-     emits<&Client::signalGprsService, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_RET_OPEN_GPRS_S), "open-gprs-result", {{Int, "result"}},
-     {{"Phone Client: Ret of open gprs = %d", value(0)}},
-     emits<&Client::signalOpenGprsResult, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_RET_CLOSE_GPRS_S), "close-gprs-result", {{Int, "result"}},
-     {{"Phone Client: Ret of close gprs = %d", value(0)}},
-     emits<&Client::signalCloseGprsResult, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_LOW_BATTERY_S), "low-battery", {},
-     {{"Phone Client: Low battery"}},
-     emits<&Client::signalLowBattery>},
-    {ZYN_TYPE(PHONE_MSG_SET_RFMOD_S), "set-radio-mode", {{Int, "on"}}, {}, nullptr},
-    {ZYN_TYPE(PHONE_MSG_SET_FEATUREDB_LANG_S), "set-language", {{Int, "language"}}, {}, nullptr},
-    {ZYN_TYPE(PHONE_MSG_RET_SET_FEATUREDB_LANG_S), "language-result", {{Int, "result"}},
+    {{ZYN_TYPE(18, PHONE_MSG_GPRS_ACTIVATED_S), {{Int, "value"}}}, "gprs-activated",
+     {}, emits<&Client::signalGprsActivated, notZero(0)>},
+    {{ZYN_TYPE(19, PHONE_MSG_GPRS_ATTACHED_S), {{Int, "value"}}}, "gprs-attached",
+     {}, emits<&Client::signalGprsAttached, notZero(0)>},
+    {{ZYN_TYPE(20, PHONE_MSG_GPRS_SERVICE_S), {{Int, "value"}}}, "gprs-service",
+     {}, emits<&Client::signalGprsService, notZero(0)>},
+    {{ZYN_TYPE(21, PHONE_MSG_RET_OPEN_GPRS_S), {{Int, "result"}}}, "open-gprs-result",
+     {{"Phone Client: Ret of open gprs = %d", value(0)}}, emits<&Client::signalOpenGprsResult, value(0)>},
+    {{ZYN_TYPE(22, PHONE_MSG_RET_CLOSE_GPRS_S), {{Int, "result"}}}, "close-gprs-result",
+     {{"Phone Client: Ret of close gprs = %d", value(0)}}, emits<&Client::signalCloseGprsResult, value(0)>},
+    {{ZYN_TYPE(23, PHONE_MSG_LOW_BATTERY_S)}, "low-battery",
+     {{"Phone Client: Low battery"}}, emits<&Client::signalLowBattery>},
+    {{ZYN_TYPE(24, PHONE_MSG_SET_RFMOD_S), {{Int, "on"}}}, "set-radio-mode", {}, nullptr},
+    {{ZYN_TYPE(25, PHONE_MSG_SET_FEATUREDB_LANG_S), {{Int, "language"}}}, "set-language", {}, nullptr},
+    {{ZYN_TYPE(26, PHONE_MSG_RET_SET_FEATUREDB_LANG_S), {{Int, "result"}}}, "language-result",
      {{"PHONE_MSG_RET_SET_FEATUREDB_LANG_S"},
       {"MsgClient: Notify BP current language  Return = %d", value(0), kBanner}},
      nullptr},
-    {ZYN_TYPE(PHONE_MSG_IMSI_S), "imsi", {{Raw, "imsi", TAPI_IMSI_LENGTH + 1}}, {},
-     emits<&Client::signalImsiId, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_EGPRS_SERVICE_S), "egprs-service", {{Int, "value"}},
-     {{"Phone Client: EGPRS Service status = %d", notZero(0)}},
-     emits<&Client::signalEgprsService, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_EGPRS_TRANS_S), "egprs-transmission", {{Int, "value"}},
-     {{"Phone Client: EGPRS Transmission status = %d", notZero(0)}},
-     emits<&Client::signalEgprsTrans, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_TTY_FEATURE_CHANGED_S), "tty-feature-changed", {}, {},
-     emits<&Client::signalTTYFeatureChanged>},
-    {ZYN_TYPE(PHONE_MSG_TOTAL_DATA_BYTES_S), "total-bytes",
-     {{Int, "connected"}, {Int, "total"}, {Int, "sent"}, {Int, "received"}},
-     {{"phone client gprs connected =  %d", isOne(0)},
-      {"phone client gprs total sentbytes = %d", value(2)},
-      {"phone client gprs total recvedbytes = %d", value(3)},
-      {"phone client gprs total bytes = %d", value(1)}},
+    {{ZYN_TYPE(27, PHONE_MSG_IMSI_S), {{Raw, "imsi", TAPI_IMSI_LENGTH + 1}}}, "imsi",
+     {}, emits<&Client::signalImsiId, value(0)>},
+    {{ZYN_TYPE(28, PHONE_MSG_EGPRS_SERVICE_S), {{Int, "value"}}}, "egprs-service",
+     {{"Phone Client: EGPRS Service status = %d", notZero(0)}}, emits<&Client::signalEgprsService, notZero(0)>},
+    {{ZYN_TYPE(29, PHONE_MSG_EGPRS_TRANS_S), {{Int, "value"}}}, "egprs-transmission",
+     {{"Phone Client: EGPRS Transmission status = %d", notZero(0)}}, emits<&Client::signalEgprsTrans, notZero(0)>},
+    {{ZYN_TYPE(30, PHONE_MSG_TTY_FEATURE_CHANGED_S)}, "tty-feature-changed",
+     {}, emits<&Client::signalTTYFeatureChanged>},
+    {{ZYN_TYPE(31, PHONE_MSG_TOTAL_DATA_BYTES_S),
+      {{Int, "connected"}, {Int, "total"}, {Int, "sent"}, {Int, "received"}}}, "total-bytes",
+     {{"phone client gprs connected =  %d", isOne(0)}, {"phone client gprs total sentbytes = %d", value(2)},
+      {"phone client gprs total recvedbytes = %d", value(3)}, {"phone client gprs total bytes = %d", value(1)}},
      emits<&Client::signalTotalDataBytes, isOne(0), value(1), value(2), value(3)>},
-    {ZYN_TYPE(PHONE_MSG_SESSION_DATA_BYTES_S), "session-bytes",
-     {{Int, "connected"}, {Byte, "session"}, {Int, "bytes"}, {Int, "sent"}, {Int, "received"}},
-     {{"phone client gprs connected =  %d", isOne(0)},
-      {"phone client gprs current sentbytes = %d", value(3)},
-      {"phone client gprs current recvedbytes = %d", value(4)},
-      {"phone client gprs session id =  %d", value(1)},
-      {"phone client gprs session bytes = %d", value(2)},
-      {"phone client gprs sesion sentbytes = %d", value(3)},
+    {{ZYN_TYPE(32, PHONE_MSG_SESSION_DATA_BYTES_S),
+      {{Int, "connected"}, {Byte, "session"}, {Int, "bytes"}, {Int, "sent"}, {Int, "received"}}}, "session-bytes",
+     {{"phone client gprs connected =  %d", isOne(0)}, {"phone client gprs current sentbytes = %d", value(3)},
+      {"phone client gprs current recvedbytes = %d", value(4)}, {"phone client gprs session id =  %d", value(1)},
+      {"phone client gprs session bytes = %d", value(2)}, {"phone client gprs sesion sentbytes = %d", value(3)},
       {"phone client gprs session recvedbytes = %d", value(4)}},
      emits<&Client::signalSessionDataBytes, value(1), isOne(0), value(2), value(3), value(4)>},
-    {ZYN_TYPE(PHONE_MSG_TOTAL_CONNECTED_DURATION_S), "total-duration", {{Int, "connected"}, {Int, "seconds"}},
+    {{ZYN_TYPE(33, PHONE_MSG_TOTAL_CONNECTED_DURATION_S), {{Int, "connected"}, {Int, "seconds"}}}, "total-duration",
      {{"phone client csd connected =  %d", isOne(0)}, {"phone client csd total secs = %d", value(1)}},
      emits<&Client::signalTotalConnectedDuration, isOne(0), value(1)>},
-    {ZYN_TYPE(PHONE_MSG_CURRENT_CONNECTED_DURATION_S), "current-duration",
-     {{Int, "connected"}, {Int, "seconds"}},
+    {{ZYN_TYPE(34, PHONE_MSG_CURRENT_CONNECTED_DURATION_S), {{Int, "connected"}, {Int, "seconds"}}}, "current-duration",
      {{"phone client csd connected =  %d", isOne(0)}, {"phone client csd current secs = %d", value(1)}},
      emits<&Client::signalCurrentConnectedDuration, isOne(0), value(1)>},
-    {ZYN_TYPE(PHONE_MSG_RESET_TOTAL_DURATION_S), "reset-total-duration", {{Int, "kind"}}, {}, nullptr},
-    {ZYN_TYPE(PHONE_MSG_RET_RESET_TOTAL_DURATION_S), "reset-total-duration-result",
-     {{Int, "kind"}, {Int, "retcode"}},
+    {{ZYN_TYPE(35, PHONE_MSG_RESET_TOTAL_DURATION_S), {{Int, "kind"}}}, "reset-total-duration", {}, nullptr},
+    {{ZYN_TYPE(36, PHONE_MSG_RET_RESET_TOTAL_DURATION_S),
+      {{Int, "kind"}, {Int, "retcode"}}}, "reset-total-duration-result",
      {{"type =  %d", value(0)}, {"retcode =  %d", value(1)}},
      emits<&Client::signalResetTotalDurationRet, isZero(0), isZero(1)>},
-    {ZYN_TYPE(PHONE_MSG_SERVICE_ID_AND_NAME_S), "service-id-and-name",
-     {{Text, "first"}, {Text, "second"}, {Text, "third"}}, {},
-     emits<&Client::signalServiceIdAndName, value(2), value(0), value(1)>},
-    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_0_S), "network-list-0", {{NetworkListRecord, "list"}}, {},
-     emitNetworkList0},
-    {ZYN_TYPE(PHONE_MSG_NETWORK_LIST_1_S), "network-list-1", {{NetworkListRecord, "list"}}, {},
-     emitNetworkList1},
-    {ZYN_TYPE(PHONE_MSG_OPERATOR_LOGO_S), "operator-logo", {{Byte, "value"}},
-     {{"logo hide = %d", value(0)}},
-     emits<&Client::signalOperatorLogo, notZero(0)>},
-    {ZYN_TYPE(PHONE_MSG_CSD_CALL_STAT_CHANGED_S), "csd-call-changed", {}, {},
-     emits<&Client::signalCSDCallStatChanged>},
-    {ZYN_TYPE(PHONE_MSG_CALL_FORWARD_STAT_CHANGED_S), "call-forward-changed", {}, {},
-     emits<&Client::signalCallForwardStatChanged>},
-    {ZYN_TYPE(PHONE_MSG_LINE_NUMBER_STAT_CHANGED_S), "line-number-changed", {}, {},
-     emits<&Client::signalLineNumberStatChanged>},
-    {ZYN_TYPE(PHONE_MSG_VOICE_CALL_STAT_CHANGED_S), "voice-call-changed", {}, {},
-     emits<&Client::signalVoiceCallStatChanged>},
-    {ZYN_TYPE(PHONE_MSG_CHARGE_COMPLETED_S), "charge-completed", {}, {},
-     emits<&Client::signalChargeComleted>},
-    {ZYN_TYPE(PHONE_MSG_LOW_BATTERY_STATUS_CHANGED_S), "low-battery-changed", {}, {},
-     emits<&Client::signalLowBatteryStatusChanged>},
-    {ZYN_TYPE(PHONE_MSG_CALL_BARRING_STATUS_CHANGED_S), "call-barring-changed", {}, {},
-     emits<&Client::signalCallbarringStatusChanged>},
-    {ZYN_TYPE(PHONE_MSG_WIFI_CAMP_STATUS_S), "wifi-camp", {}, {},
-     emits<&Client::signalWifiCampStatus>},
-    {ZYN_TYPE(PHONE_MSG_WIFI_SIGNAL_BAR_S), "wifi-signal-bar", {}, {},
-     emits<&Client::signalWifiSignalBar>},
-    {ZYN_TYPE(PHONE_MSG_WIFI_CONNECTION_IN_PROGRESS_S), "wifi-connecting", {}, {},
-     emits<&Client::signalWifiConnectionInProgress>},
-    {ZYN_TYPE(PHONE_MSG_WIFI_PROFILE_NAME_S), "wifi-profile-name", {{Text, "name"}}, {},
-     emits<&Client::signalWifiProfileName, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_UMA_ICON_S), "uma-icon", {{Byte, "value"}},
-     {{"UMA:value =  %d\n", value(0)}},
-     emits<&Client::signalDisplayUMAIcon, value(0)>},
-    {ZYN_TYPE(PHONE_MSG_SIM_CARD_CHANGED_S), "sim-card-changed", {},
-     {{"get message: PHONE_MSG_SIM_CARD_CHANGED_S\n"}},
-     emits<&Client::signalSimCardChanged>},
-    {ZYN_TYPE(PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S), "get-totals", {}, {}, nullptr},
+    {{ZYN_TYPE(37, PHONE_MSG_SERVICE_ID_AND_NAME_S),
+      {{Text, "first"}, {Text, "second"}, {Text, "third"}}}, "service-id-and-name",
+     {}, emits<&Client::signalServiceIdAndName, value(2), value(0), value(1)>},
+    {{ZYN_TYPE(38, PHONE_MSG_NETWORK_LIST_0_S), kNetworkListFields, "list"}, "network-list-0", {}, emitNetworkList<0>},
+    {{ZYN_TYPE(39, PHONE_MSG_NETWORK_LIST_1_S), kNetworkListFields, "list"}, "network-list-1", {}, emitNetworkList<1>},
+    {{ZYN_TYPE(40, PHONE_MSG_OPERATOR_LOGO_S), {{Byte, "value"}}}, "operator-logo",
+     {{"logo hide = %d", value(0)}}, emits<&Client::signalOperatorLogo, notZero(0)>},
+    {{ZYN_TYPE(41, PHONE_MSG_CSD_CALL_STAT_CHANGED_S)}, "csd-call-changed",
+     {}, emits<&Client::signalCSDCallStatChanged>},
+    {{ZYN_TYPE(42, PHONE_MSG_CALL_FORWARD_STAT_CHANGED_S)}, "call-forward-changed",
+     {}, emits<&Client::signalCallForwardStatChanged>},
+    {{ZYN_TYPE(43, PHONE_MSG_LINE_NUMBER_STAT_CHANGED_S)}, "line-number-changed",
+     {}, emits<&Client::signalLineNumberStatChanged>},
+    {{ZYN_TYPE(44, PHONE_MSG_VOICE_CALL_STAT_CHANGED_S)}, "voice-call-changed",
+     {}, emits<&Client::signalVoiceCallStatChanged>},
+    {{ZYN_TYPE(45, PHONE_MSG_CHARGE_COMPLETED_S)}, "charge-completed", {}, emits<&Client::signalChargeComleted>},
+    {{ZYN_TYPE(46, PHONE_MSG_LOW_BATTERY_STATUS_CHANGED_S)}, "low-battery-changed",
+     {}, emits<&Client::signalLowBatteryStatusChanged>},
+    {{ZYN_TYPE(47, PHONE_MSG_CALL_BARRING_STATUS_CHANGED_S)}, "call-barring-changed",
+     {}, emits<&Client::signalCallbarringStatusChanged>},
+    {{ZYN_TYPE(48, PHONE_MSG_WIFI_CAMP_STATUS_S)}, "wifi-camp", {}, emits<&Client::signalWifiCampStatus>},
+    {{ZYN_TYPE(49, PHONE_MSG_WIFI_SIGNAL_BAR_S)}, "wifi-signal-bar", {}, emits<&Client::signalWifiSignalBar>},
+    {{ZYN_TYPE(50, PHONE_MSG_WIFI_CONNECTION_IN_PROGRESS_S)}, "wifi-connecting",
+     {}, emits<&Client::signalWifiConnectionInProgress>},
+    {{ZYN_TYPE(51, PHONE_MSG_WIFI_PROFILE_NAME_S), {{Text, "name"}}}, "wifi-profile-name",
+     {}, emits<&Client::signalWifiProfileName, value(0)>},
+    {{ZYN_TYPE(52, PHONE_MSG_UMA_ICON_S), {{Byte, "value"}}}, "uma-icon",
+     {{"UMA:value =  %d\n", value(0)}}, emits<&Client::signalDisplayUMAIcon, value(0)>},
+    {{ZYN_TYPE(53, PHONE_MSG_SIM_CARD_CHANGED_S)}, "sim-card-changed",
+     {{"get message: PHONE_MSG_SIM_CARD_CHANGED_S\n"}}, emits<&Client::signalSimCardChanged>},
+    {{ZYN_TYPE(54, PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S)}, "get-totals", {}, nullptr},
 };
 // clang-format on
 
 #undef ZYN_TYPE
 
-static_assert(std::size(kMessages) == kPhoneTypes);
-
 /// Whether the table may be indexed by the type.
 constexpr bool isIndexedByType()
 {
     for (size_t index = 0; index < std::size(kMessages); ++index) {
-        if (kMessages[index].type != static_cast<PHONE_Msg::PHONE_MSG_TYPE_T>(index))
+        const std::string_view name(kMessages[index].name);
+        const char tens = index < 10 ? '_' : static_cast<char>('0' + index / 10);
+        const size_t length = kPrefix.size() + (index < 10 ? 1 : 2);
+        if (name.size() != length || !name.ends_with(static_cast<char>('0' + index % 10)) || name[length - 2] != tens)
             return false;
     }
     return true;
@@ -304,21 +350,17 @@ static_assert(isIndexedByType());
 /// Whether @p line converts nothing, or one field of @p fields as that is to be printed.
 constexpr bool suits(const LogLine& line, std::initializer_list<Field> fields)
 {
-    const std::string_view format(line.format);
-    const size_t conversion = format.find('%');
-    if (conversion == format.npos)
+    if (line.conversion() == '\0')
         return true;
-    if (line.argument.field >= fields.size() || format.find('%', conversion + 1) != format.npos)
+    const std::string_view format(line.format);
+    if (line.argument.field >= fields.size() || format.find('%') != format.rfind('%'))
         return false;
-    const bool isText = fields.begin()[line.argument.field].kind == Text;
-    return format.substr(conversion, 2) == (isText ? "%s" : "%d");
+    return line.conversion() == (fields.begin()[line.argument.field].kind == Text ? 's' : 'd');
 }
 
 constexpr bool logLinesSuitTheirFields()
 {
     for (const PhoneMessage& message : kMessages) {
-        if (message.fields.size() > kMaxFields)
-            return false;
         for (const LogLine& line : message.log) {
             if (!suits(line, message.fields))
                 return false;
@@ -328,15 +370,6 @@ constexpr bool logLinesSuitTheirFields()
 }
 
 static_assert(logLinesSuitTheirFields());
-
-} // namespace
-
-std::span<const PhoneMessage> phoneMessages()
-{
-    return kMessages;
-}
-
-namespace {
 
 void printBanner(const LogLine& line)
 {
@@ -350,27 +383,39 @@ void printBanner(const LogLine& line)
 void print(const LogLine& line, const FieldValues& values)
 {
     printBanner(line);
-    if (line.printsText())
+    if (line.conversion() == 's')
         PHONE_Log(kPhoneLogLevel, line.format, values[line.argument.field].text.toLatin1().constData());
-    else
+    else if (line.conversion() == 'd')
         PHONE_Log(kPhoneLogLevel, line.format, number(values, line.argument));
+    else
+        PHONE_Log(kPhoneLogLevel, "%s", line.format);
     printBanner(line);
 }
 #pragma GCC diagnostic pop
 
 } // namespace
 
+std::span<const PhoneMessage> phoneMessages()
+{
+    return kMessages;
+}
+
+const PhoneMessage* phoneMessage(const QCString& name)
+{
+    const auto type = numberAfter(kPrefix, std::string_view(name.constData(), static_cast<size_t>(name.size())));
+    return type && *type < std::size(kMessages) && name == kMessages[*type].name ? &kMessages[*type] : nullptr;
+}
+
 void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line)
 {
-    const std::optional<unsigned> type = messageType(kPhonePrefix, name, kPhoneTypes);
-    if (!type)
+    const PhoneMessage* const message = phoneMessage(name);
+    if (!message)
         return;
-    const PhoneMessage& message = phoneMessages()[*type];
-    FieldValues values = readFields(message.fields, payload);
-    for (const LogLine& logLine : message.log)
+    FieldValues values = message->isRecord() ? FieldValues() : decode(*message, payload);
+    for (const LogLine& logLine : message->log)
         print(logLine, values);
-    if (message.emitSignals)
-        message.emitSignals(Emitter(client, line), values);
+    if (message->emitSignals)
+        message->emitSignals(Emitter(client, line), values, payload);
 }
 
 } // namespace zyn

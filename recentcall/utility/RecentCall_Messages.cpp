@@ -1,0 +1,79 @@
+// The messages of the recent-call and the activity-log channel, and every message of the library by its name.
+#include "recentcall/utility/RecentCall_Messages_p.h"
+
+#include "utility/message/PhoneMessages_p.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zyn {
+namespace {
+
+using enum FieldKind;
+
+// What a type's message is: its channel, its name by the number, and the enumerator, which must have that number.
+#define ZYN_TYPE(number, type)                                                                                         \
+    kRecentCallChannel, "RECENTCALL_MSG_" #number,                                                                     \
+        RecentCall_Msg::type == (number) ? #type : throw "not the type's number"
+
+constexpr std::array kMessages{
+    kMakeCall,
+    kDropCall,
+    kMakePttCall,
+    kDropPttCall,
+
+    Message{ZYN_TYPE(0, RECENTCALL_MSG_POWEROFF_S)},
+    Message{ZYN_TYPE(1, RECENTCALL_MSG_SIMCARD_DIFFED_S)},
+    Message{ZYN_TYPE(2, RECENTCALL_MSG_MISSEDCALL_UPDATE_S)},
+    Message{ZYN_TYPE(3, RECENTCALL_MSG_SHOW_UI_S), {{Int, "category"}}},
+    Message{ZYN_TYPE(4, RECENTCALL_MSG_SHOW_PAGE_S), {{Int, "page"}}},
+    Message{ZYN_TYPE(5, RECENTCALL_MSG_SHOW_DETAIL_S), {{Int, "category"}, {Int, "index"}}},
+    Message{ZYN_TYPE(6, RECENTCALL_MSG_EXIT_PICKER_S), {{Int, "selected"}, {Text, "number", 0, Occurrence::WhenSet}}},
+    Message{ZYN_TYPE(7, RECENTCALL_MSG_HIDE_UI_S)},
+    Message{kRecentCallChannel, RECENTCALL_CALLING_MSG, "RECENTCALL_CALLING_MSG"},
+    Message{kRecentCallChannel, RECENTCALL_MESSAGE_MSG, "RECENTCALL_MESSAGE_MSG"},
+
+    kModifyFavourite,
+};
+
+#undef ZYN_TYPE
+
+constexpr size_t kFirstRecentCall = 4;
+constexpr size_t kRecentCalls = 10;
+
+/// Whether each type is as far from the first as it says.
+constexpr bool isIndexedByType()
+{
+    for (size_t type = 0; type + 2 < kRecentCalls; ++type) {
+        if (!std::string_view(kMessages[kFirstRecentCall + type].name).ends_with(static_cast<char>('0' + type)))
+            return false;
+    }
+    return kMessages.size() == kFirstRecentCall + kRecentCalls + 1;
+}
+
+static_assert(isIndexedByType());
+
+} // namespace
+
+std::span<const Message> recentCallMessages()
+{
+    return std::span(kMessages).subspan(kFirstRecentCall, kRecentCalls);
+}
+
+std::span<const Message> channelMessages()
+{
+    return kMessages;
+}
+
+const Message* findMessage(const QCString& channel, const QCString& name)
+{
+    if (channel == kPhoneChannel) {
+        const PhoneMessage* const message = phoneMessage(name);
+        return message && message->enumerator ? message : nullptr;
+    }
+    const auto found = std::ranges::find_if(
+        kMessages, [&](const Message& message) { return channel == message.channel && name == message.name; });
+    return found == kMessages.end() ? nullptr : &*found;
+}
+
+} // namespace zyn
