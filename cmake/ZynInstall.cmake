@@ -33,5 +33,4 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc DESTINATION ${CMAKE_INSTAL
     COMPONENT libzynphone-dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev/examples
     COMPONENT libzynphone-dev
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*"
-    PATTERN demo EXCLUDE)
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*")

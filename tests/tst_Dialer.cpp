@@ -126,8 +126,8 @@ private Q_SLOTS:
         QByteArrayList keys;
         for (const char byte : bytes + '|') {
             if (byte != '|')
-                keys += decoder.take(byte == '^' ? '\033' : byte);
-            else if (decoder.patience())
+                keys += decoder.decode(byte == '^' ? '\033' : byte);
+            else if (decoder.timeout())
                 keys += decoder.finish();
         }
         QTEST(keys.join(' ').replace('\033', '^'), "keys");

@@ -1,5 +1,5 @@
 // The phone server, run as the process that it is beside a real recent-call service.
-#include "handset/phone_server/CallCourse.h"
+#include "handset/phone_server/Call.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/RC_Interface.h"
@@ -25,8 +25,8 @@
 #include <unistd.h>
 
 using namespace zyn::voicecall;
-using zyn::handset::CallCourse;
 using zyn::handset::CallEvent;
+using zyn::handset::CallStateMachine;
 using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
 
@@ -191,12 +191,12 @@ private Q_SLOTS:
         QFETCH(QByteArray, events);
         using enum CallEvent;
         const std::map<char, CallEvent> names = {{'P', Proceed}, {'A', Answer}, {'H', HangUp}, {'M', Miss}};
-        CallCourse course = isPlaced ? CallCourse::placed() : CallCourse::incoming();
+        CallStateMachine machine = isPlaced ? CallStateMachine::placed() : CallStateMachine::incoming();
         QByteArray text;
         for (const char event : events)
-            text += (course.take(names.at(event)) ? nameOf(course.state()) : "-") + QByteArray(" ");
-        QVERIFY(course.isOver());
-        text += QByteArray::number(course.category()) + (course.wasConnected() ? " 1" : " 0");
+            text += (machine.apply(names.at(event)) ? nameOf(machine.state()) : "-") + QByteArray(" ");
+        QVERIFY(machine.isOver());
+        text += QByteArray::number(machine.category()) + (machine.wasConnected() ? " 1" : " 0");
         QTEST(text, "course");
     }
 
@@ -383,7 +383,7 @@ private Q_SLOTS:
 
     void understandsTheExample()
     {
-        restart(QStringLiteral("--script '" ZYN_EXAMPLES "/desk-day.script'"));
+        restart(QStringLiteral("--script '" ZYN_DAY "/desk-day.script'"));
         QTRY_COMPARE(m_statuses->count("4:50"), 1);
     }
 

@@ -15,19 +15,19 @@ constexpr int kReadsPerTurn = 4;
 
 } // namespace
 
-CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds patience)
+CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds timeout)
     : m_socket(std::move(socket))
     , m_readable(m_socket.get(), QSocketNotifier::Read)
     , m_writable(m_socket.get(), QSocketNotifier::Write)
     , m_received(CommandFrameHeader::kSize + largestData)
 {
     m_writable.setEnabled(false);
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(patience);
-    m_patience.start();
+    m_timeout.setSingleShot(true);
+    m_timeout.setInterval(timeout);
+    m_timeout.start();
     connect(&m_readable, &QSocketNotifier::activated, this, &CommandConnection::serve);
-    connect(&m_writable, &QSocketNotifier::activated, this, &CommandConnection::goOn);
-    connect(&m_patience, &QTimer::timeout, this, &CommandConnection::giveUpUnlessServed);
+    connect(&m_writable, &QSocketNotifier::activated, this, &CommandConnection::resume);
+    connect(&m_timeout, &QTimer::timeout, this, &CommandConnection::giveUpUnlessServed);
 }
 
 void CommandConnection::serve()
@@ -123,7 +123,7 @@ void CommandConnection::sendUnsent()
 }
 
 /// Goes on with what waits to be sent, and behind it with the commands that do.
-void CommandConnection::goOn()
+void CommandConnection::resume()
 {
     sendUnsent();
     if (!isListening())
@@ -137,18 +137,18 @@ void CommandConnection::allowSilence()
     m_mayBeSilent = true;
 }
 
-/// Sees to it that the patience runs while the client owes something.
+/// Sees to it that the timeout runs while the client owes something.
 void CommandConnection::watch()
 {
-    if (m_socket.isValid() && isOwing() && !m_patience.isActive())
-        m_patience.start();
+    if (m_socket.isValid() && isOwing() && !m_timeout.isActive())
+        m_timeout.start();
 }
 
-/// The client did what it owed: what it owes now, it has the whole patience for.
+/// The client did what it owed: what it owes now, it has the whole timeout for.
 void CommandConnection::watchAnew()
 {
     m_hasGoneOn = true;
-    m_patience.stop();
+    m_timeout.stop();
     watch();
 }
 
@@ -157,7 +157,7 @@ void CommandConnection::giveUpUnlessServed()
 {
     m_hasGoneOn = false;
     if (!m_unsent.isEmpty())
-        goOn();
+        resume();
     serve();
     if (m_socket.isValid() && isOwing() && !m_hasGoneOn)
         refuse(m_unsent.isEmpty() ? QStringLiteral("sent no whole command in time")
@@ -176,7 +176,7 @@ void CommandConnection::end()
         return;
     m_readable.setEnabled(false);
     m_writable.setEnabled(false);
-    m_patience.stop();
+    m_timeout.stop();
     m_socket.reset();
     Q_EMIT finished();
 }

@@ -21,7 +21,7 @@ namespace zyn::handset {
  *
  * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that what is
  * held for it does not grow with what it asks. The connection ends when the client closes it, sends
- * anything but a command, or takes longer than its patience for what it owes: to take what it is sent, to go
+ * anything but a command, or takes longer than its timeout for what it owes: to take what it is sent, to go
  * on with a command that it has begun, and, unless it may be silent, to begin the next one. Commands that a
  * client sent before it closed are carried out, whether or not it took its answers.
  */
@@ -43,7 +43,7 @@ Q_SIGNALS:
 
 protected:
     /// @param largestData  of any command, in bytes
-    CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds patience);
+    CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds timeout);
 
     /// Whether the client may send a command that begins with @p header now; refuses the client when not.
     virtual bool admits(const CommandFrameHeader& header) = 0;
@@ -66,7 +66,7 @@ private:
     bool carryOutNext();
     void consume(size_t bytes);
     void sendUnsent();
-    void goOn();
+    void resume();
     void watch();
     void watchAnew();
     void giveUpUnlessServed();
@@ -75,7 +75,7 @@ private:
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
     /// Runs out when the client lets the server wait.
-    QTimer m_patience;
+    QTimer m_timeout;
     std::vector<std::byte> m_received;
     size_t m_receivedSize = 0;
     QByteArray m_unsent;

@@ -28,9 +28,9 @@ CommandServer::CommandServer(const QString& path, int maxConnections, Factory fa
     , m_factory(std::move(factory))
     , m_socket(path)
 {
-    m_placeCheck.setTimerType(Qt::VeryCoarseTimer);
-    m_placeCheck.setInterval(kPlaceCheck);
-    connect(&m_placeCheck, &QTimer::timeout, this, &CommandServer::keepPlace);
+    m_pathCheck.setTimerType(Qt::VeryCoarseTimer);
+    m_pathCheck.setInterval(kPlaceCheck);
+    connect(&m_pathCheck, &QTimer::timeout, this, &CommandServer::keepPlace);
     connect(&m_placeWatch, &QFileSystemWatcher::directoryChanged, this, &CommandServer::keepPlace);
 }
 
@@ -45,7 +45,7 @@ bool CommandServer::listen()
         return false;
     startAccepting();
     watchPlace();
-    m_placeCheck.start();
+    m_pathCheck.start();
     return true;
 }
 
@@ -80,7 +80,7 @@ void CommandServer::watchPlace()
 
 void CommandServer::close()
 {
-    m_placeCheck.stop();
+    m_pathCheck.stop();
     m_acceptor.reset();
     if (m_socket.isListening()) {
         m_socket.turnAway();

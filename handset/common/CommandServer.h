@@ -39,8 +39,8 @@ public:
 
     /// Makes this process the owner of the socket, in place of one that died; false, and told in the log,
     /// when another one lives.
-    bool take() { return m_socket.take(); }
-    /// Starts to serve clients, once the socket is taken; false, and told in the log, when it cannot be had.
+    bool acquire() { return m_socket.acquire(); }
+    /// Starts to serve clients, once the socket is acquired; false, and told in the log, when it cannot be had.
     bool listen();
 
     /// Ends: turns new clients away, carries out what the others have sent, and removes the socket.
@@ -61,7 +61,7 @@ private:
     ServiceSocket m_socket;
     std::unique_ptr<posix::Acceptor> m_acceptor;
     QFileSystemWatcher m_placeWatch;
-    QTimer m_placeCheck; ///< for what a watch does not tell
+    QTimer m_pathCheck; ///< for what a watch does not tell
     /// In the order in which they were opened.
     QList<CommandConnection*> m_connections;
 };

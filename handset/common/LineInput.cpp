@@ -46,7 +46,7 @@ void LineInput::read()
     if (n < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     for (const char character : std::span(bytes).first(n > 0 ? static_cast<size_t>(n) : 0))
-        take(character);
+        append(character);
     if (n <= 0) {
         m_isAtEnd = true;
         m_lines += std::exchange(m_line, {});
@@ -64,7 +64,7 @@ void LineInput::dropTyped()
     m_lines.clear();
 }
 
-void LineInput::take(char character)
+void LineInput::append(char character)
 {
     if (character == '\n')
         m_lines += std::exchange(m_line, {});

@@ -30,7 +30,7 @@ Q_SIGNALS:
 private:
     void read();
     void dropTyped();
-    void take(char character);
+    void append(char character);
     void deliver();
 
     const qsizetype m_longestLine;

@@ -35,7 +35,7 @@ void silenceStandardOutput()
 
 Output::Output()
 {
-    m_sound =
+    m_valid =
         m_output.open(takeStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
     silenceStandardOutput();
 }
@@ -56,7 +56,7 @@ QString Output::errorString() const
 
 int Output::exitCode() const
 {
-    if (m_sound)
+    if (m_valid)
         return EXIT_SUCCESS;
     log(QStringLiteral("cannot write to standard output: ") + errorString());
     return EXIT_FAILURE;
@@ -75,7 +75,7 @@ bool Output::isColourful() const
 void Output::write(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
-    m_sound = m_sound && m_output.write(bytes) == bytes.size();
+    m_valid = m_valid && m_output.write(bytes) == bytes.size();
 }
 
 } // namespace zyn::handset

@@ -33,7 +33,7 @@ public:
     bool isColourful() const;
 
     /// Whether everything could be written.
-    bool isSound() const { return m_sound; }
+    bool isValid() const { return m_valid; }
     /// Why it could not.
     QString errorString() const;
     /// The exit code of a program that has done its work: failure, and told in the log, unless everything could be
@@ -46,7 +46,7 @@ protected:
 
 private:
     QFile m_output;
-    bool m_sound = false;
+    bool m_valid = false;
     bool m_traced = false;
 };
 

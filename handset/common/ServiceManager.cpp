@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kReady[] = "READY=1";
-constexpr auto kPatience = 5s;
+constexpr auto kTimeout = 5s;
 /// Begins the name of a socket that has no file; in its address a NUL stands there.
 constexpr char kAbstractMark = '@';
 
@@ -31,7 +31,7 @@ bool sendDatagram(QByteArray path, const QByteArray& text)
     const posix::UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (!fd.isValid())
         return false;
-    posix::limitSends(fd.get(), kPatience);
+    posix::limitSends(fd.get(), kTimeout);
     const posix::UnixAddress address = posix::unixAddress(path);
     return posix::retry([&] {
                return ::sendto(fd.get(), text.constData(), size_t(text.size()), MSG_NOSIGNAL, address.get(),

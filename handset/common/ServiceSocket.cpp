@@ -85,14 +85,14 @@ ServiceSocket::~ServiceSocket()
     release();
 }
 
-bool ServiceSocket::take()
+bool ServiceSocket::acquire()
 {
-    return tell(occupy());
+    return report(occupy());
 }
 
 bool ServiceSocket::listen()
 {
-    return tell(open());
+    return report(open());
 }
 
 bool ServiceSocket::isInPlace() const
@@ -157,7 +157,7 @@ bool ServiceSocket::open()
 }
 
 /// What is not done is told, with errno's reason.
-bool ServiceSocket::tell(bool isDone) const
+bool ServiceSocket::report(bool isDone) const
 {
     if (!isDone)
         log(QStringLiteral("cannot listen on %1: %2").arg(QDir::cleanPath(m_path), reason(m_path, errno)));

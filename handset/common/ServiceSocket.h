@@ -20,7 +20,7 @@ namespace zyn::handset {
 class ServiceSocket
 {
 public:
-    /// @param path  in a directory that exists when the socket is taken
+    /// @param path  in a directory that exists when the socket is acquired
     explicit ServiceSocket(const QString& path);
     ServiceSocket(const ServiceSocket&) = delete;
     ServiceSocket& operator=(const ServiceSocket&) = delete;
@@ -30,8 +30,8 @@ public:
     const QString& path() const { return m_path; }
 
     /// Makes this process the owner, in place of one that died; false when another one of this user or of root lives.
-    bool take();
-    /// Listens, for this user's processes alone; the socket must have been taken.
+    bool acquire();
+    /// Listens, for this user's processes alone; the socket must have been acquired.
     bool listen();
     bool isListening() const { return m_listener.isValid(); }
     /// Whether socket and lock are still those that were made: whoever cleans up may have removed them.
@@ -56,7 +56,7 @@ private:
     bool occupy();
     bool open();
     bool restore();
-    bool tell(bool isDone) const;
+    bool report(bool isDone) const;
 
     const QString m_path;
     posix::FileLock m_lock;

@@ -32,7 +32,7 @@ bool isWithin(char byte, char first, char last)
 
 } // namespace
 
-QByteArrayList KeyDecoder::take(char byte)
+QByteArrayList KeyDecoder::decode(char byte)
 {
     if (m_state == State::Between)
         return begin(byte);
@@ -41,17 +41,17 @@ QByteArrayList KeyDecoder::take(char byte)
         if (after(byte) != State::Control)
             return begin(byte);
         m_key = QByteArray(1, kEscape);
-        return goOn(byte, State::Control);
+        return enter(byte, State::Control);
     }
     const State next = m_state == State::Escape ? after(byte) : isEndedBy(byte) ? State::Between : m_state;
     if (!isNoMore(byte, next))
-        return goOn(byte, next);
+        return enter(byte, next);
     QByteArrayList keys{finish()};
     keys += begin(byte);
     return keys;
 }
 
-std::optional<std::chrono::milliseconds> KeyDecoder::patience() const
+std::optional<std::chrono::milliseconds> KeyDecoder::timeout() const
 {
     if (m_state == State::Between || m_state == State::EscapeAlone)
         return std::nullopt;
@@ -102,11 +102,11 @@ bool KeyDecoder::isEndedBy(char byte) const
 QByteArrayList KeyDecoder::begin(char byte)
 {
     m_key.clear();
-    return goOn(byte, byte == kEscape ? State::Escape : State::Between);
+    return enter(byte, byte == kEscape ? State::Escape : State::Between);
 }
 
 /// Adds @p byte to the key, which is whole when @p state is Between.
-QByteArrayList KeyDecoder::goOn(char byte, State state)
+QByteArrayList KeyDecoder::enter(char byte, State state)
 {
     if (m_key.size() < kKept)
         m_key += byte;

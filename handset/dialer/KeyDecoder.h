@@ -13,7 +13,7 @@ namespace zyn::handset {
  * Puts together what a terminal sends for one key: a byte, or an escape sequence.
  *
  * Only time tells the Escape key from the beginning of a sequence, and a sequence that has broken off from one that
- * goes on: whoever reads calls finish() when nothing has come for as long as patience() says.
+ * goes on: whoever reads calls finish() when nothing has come for as long as timeout() says.
  */
 class KeyDecoder
 {
@@ -26,10 +26,10 @@ public:
 
     /// The keys that are whole with @p byte: often one, none when it goes on, two when it is none of the sequence
     /// before.
-    QByteArrayList take(char byte);
+    QByteArrayList decode(char byte);
 
     /// How long to wait for the next byte of the key that has begun; nothing when none has.
-    std::optional<std::chrono::milliseconds> patience() const;
+    std::optional<std::chrono::milliseconds> timeout() const;
 
     /// The key that has begun, as far as it goes; empty when none has.
     QByteArray finish();
@@ -48,7 +48,7 @@ private:
     bool isEndedBy(char byte) const;
     bool isNoMore(char byte, State next) const;
     QByteArrayList begin(char byte);
-    QByteArrayList goOn(char byte, State state);
+    QByteArrayList enter(char byte, State state);
 
     const bool m_isTerminal;
     State m_state = State::Between;

@@ -48,10 +48,10 @@ void KeyInput::read()
     if (n < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     for (const char byte : std::span(bytes).first(n > 0 ? static_cast<size_t>(n) : 0))
-        take(byte);
-    const auto patience = m_decoder.patience();
-    if (n > 0 && patience) {
-        m_pause.start(*patience);
+        handleByte(byte);
+    const auto timeout = m_decoder.timeout();
+    if (n > 0 && timeout) {
+        m_pause.start(*timeout);
         return;
     }
     m_pause.stop();
@@ -62,10 +62,10 @@ void KeyInput::read()
     Q_EMIT ended();
 }
 
-void KeyInput::take(char byte)
+void KeyInput::handleByte(char byte)
 {
     constexpr char kEndOfInput = 4; // Ctrl+D, which a terminal that hands over each key does not turn into an end
-    for (const QByteArray& key : m_decoder.take(byte)) {
+    for (const QByteArray& key : m_decoder.decode(byte)) {
         if (m_before && key == QByteArrayView(&kEndOfInput, 1))
             Q_EMIT ended();
         else

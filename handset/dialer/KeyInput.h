@@ -30,7 +30,7 @@ Q_SIGNALS:
 
 private:
     void read();
-    void take(char byte);
+    void handleByte(char byte);
     void finishKey();
 
     QSocketNotifier m_readable;

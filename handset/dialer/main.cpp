@@ -37,7 +37,7 @@ int main(int argc, char** argv)
         const QByteArray keys = commandLine.value(kType).toLatin1();
         handset::KeyDecoder decoder(false);
         for (const char byte : keys) {
-            for (const QByteArray& key : decoder.take(byte))
+            for (const QByteArray& key : decoder.decode(byte))
                 dialer.press(key);
         }
         dialer.press(decoder.finish());

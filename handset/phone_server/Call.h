@@ -1,13 +1,63 @@
-// One call: its parties, its course, and how long they talked.
+// One call: its state machine, its parties, and how long they talked.
 #pragma once
 
-#include "handset/phone_server/CallCourse.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
+#include "recentcall/utility/RC_Types.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
 
+#include <cstdint>
+
 namespace zyn::handset {
+
+enum class CallState : uint8_t {
+    Dialing,   ///< placed; the network looks for the other party
+    Alerting,  ///< the other party's telephone rings
+    Ringing,   ///< somebody calls, and this telephone rings
+    Connected, ///< the parties talk
+    Ended,     ///< over, by whatever hung up
+    Missed,    ///< over; nobody answered
+};
+
+enum class CallEvent : uint8_t {
+    Proceed, ///< the network and the other party do what comes next
+    Answer,
+    HangUp, ///< by either side
+    Miss,   ///< the caller gives up
+};
+
+/// Where a call stands. It knows nothing of numbers, time or messages.
+class CallStateMachine
+{
+public:
+    static CallStateMachine placed() { return CallStateMachine(CallState::Dialing); }
+    static CallStateMachine incoming() { return CallStateMachine(CallState::Ringing); }
+
+    CallState state() const { return m_state; }
+    bool isPlaced() const { return m_isPlaced; }
+    bool isOver() const { return m_state == CallState::Ended || m_state == CallState::Missed; }
+    /// Whether the parties ever talked.
+    bool wasConnected() const { return m_wasConnected; }
+    /// The list that the call belongs to, once it is over; a call that was turned down counts as answered.
+    RC_CALL_CATEGORY_T category() const;
+
+    /// Goes where @p event leads; false, and it stays, when the event means nothing in its state.
+    bool apply(CallEvent event);
+
+private:
+    explicit CallStateMachine(CallState state)
+        : m_state(state)
+        , m_isPlaced(state == CallState::Dialing)
+    {}
+
+    CallState m_state;
+    bool m_isPlaced;
+    bool m_wasConnected = false;
+};
+
+/// The state's name for people.
+const char* nameOf(CallState state);
 
 /// The other party of a call.
 struct Party
@@ -23,14 +73,14 @@ bool isDialable(const QString& number);
 class Call
 {
 public:
-    Call(CallCourse course, Party party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE);
+    Call(CallStateMachine machine, Party party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE);
 
-    const CallCourse& course() const { return m_course; }
+    const CallStateMachine& machine() const { return m_machine; }
     const Party& party() const { return m_party; }
     bool isPtt() const { return m_type == RC_CALL_TYPE_PTT1; }
 
-    /// As CallCourse::take().
-    bool take(CallEvent event);
+    /// As CallStateMachine::apply().
+    bool apply(CallEvent event);
 
     /// How long the parties talked, in whole seconds and at least 1; 0 when they never did.
     int duration() const;
@@ -38,7 +88,7 @@ public:
     PHONE_ENG_RecentCall record() const;
 
 private:
-    CallCourse m_course;
+    CallStateMachine m_machine;
     Party m_party;
     RC_CALL_TYPE_T m_type;
     QDateTime m_start;

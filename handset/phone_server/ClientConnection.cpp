@@ -33,11 +33,11 @@ const CommandRow<ClientConnection> ClientConnection::kCommands[] = {
     {PHONE_VOICECALL_CMD_DIAL_EXTENSION, 1, &ClientConnection::dialExtension},
 };
 
-ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds patience)
-    : CommandConnection(std::move(socket), kLargestData, patience)
+ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout)
+    : CommandConnection(std::move(socket), kLargestData, timeout)
     , m_line(line)
 {
-    connect(&line, &PhoneLine::callChanged, this, &ClientConnection::tell);
+    connect(&line, &PhoneLine::callChanged, this, &ClientConnection::reply);
 }
 
 bool ClientConnection::admits(const CommandFrameHeader& header)
@@ -117,7 +117,7 @@ void ClientConnection::dialExtension(std::span<const std::byte> data)
         log(QStringLiteral("an extension without a connected call, or of no key: ignored"));
 }
 
-void ClientConnection::tell(int id, CallState state)
+void ClientConnection::reply(int id, CallState state)
 {
     if (id == m_call)
         send(kReplies[static_cast<size_t>(state)]);

@@ -21,7 +21,7 @@ class ClientConnection : public CommandConnection
     Q_OBJECT
 
 public:
-    ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds patience);
+    ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout);
 
 protected:
     bool admits(const zyn::CommandFrameHeader& header) override;
@@ -38,7 +38,7 @@ private:
     void dialExtension(std::span<const std::byte> data);
 
     void makeCall(zyn::voicecall::ClientKind kind, std::span<const std::byte> number);
-    void tell(int id, CallState state);
+    void reply(int id, CallState state);
     bool hasCall() const { return m_line.current() && m_line.currentId() == m_call; }
 
     PhoneLine& m_line;

@@ -11,7 +11,7 @@ PhoneLine::PhoneLine(CallPace pace)
 {
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);
-    connect(&m_next, &QTimer::timeout, this, [this] { take(CallEvent::Proceed); });
+    connect(&m_next, &QTimer::timeout, this, [this] { apply(CallEvent::Proceed); });
 }
 
 int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type)
@@ -20,7 +20,7 @@ int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type)
         log(QStringLiteral("a call is not placed: %1").arg(QLatin1String(reason)));
         return 0;
     }
-    begin(CallCourse::placed(), party, type);
+    begin(CallStateMachine::placed(), party, type);
     return m_id;
 }
 
@@ -31,13 +31,13 @@ bool PhoneLine::ring(const Party& caller)
     if (m_call)
         missWhileBusy(caller);
     else
-        begin(CallCourse::incoming(), caller, RC_CALL_TYPE_VOICE);
+        begin(CallStateMachine::incoming(), caller, RC_CALL_TYPE_VOICE);
     return true;
 }
 
 const Call* PhoneLine::current() const
 {
-    return m_call && !m_call->course().isOver() ? &*m_call : nullptr;
+    return m_call && !m_call->machine().isOver() ? &*m_call : nullptr;
 }
 
 void PhoneLine::setRadio(bool isOn)
@@ -51,7 +51,7 @@ void PhoneLine::close()
 {
     m_isClosed = true;
     cut();
-    m_handOver.finish();
+    m_uploader.finish();
 }
 
 /// Why @p party cannot be called now, or null.
@@ -66,18 +66,18 @@ const char* PhoneLine::obstacle(const Party& party) const
     return m_call ? "the line is busy" : nullptr;
 }
 
-void PhoneLine::begin(CallCourse course, const Party& party, RC_CALL_TYPE_T type)
+void PhoneLine::begin(CallStateMachine course, const Party& party, RC_CALL_TYPE_T type)
 {
     m_call.emplace(course, party, type);
     ++m_id;
-    goOn();
+    scheduleNext();
 }
 
-bool PhoneLine::take(CallEvent event)
+bool PhoneLine::apply(CallEvent event)
 {
-    if (!m_call || !m_call->take(event))
+    if (!m_call || !m_call->apply(event))
         return false;
-    goOn();
+    scheduleNext();
     return true;
 }
 
@@ -90,32 +90,32 @@ void PhoneLine::cut()
 
 void PhoneLine::missWhileBusy(const Party& caller)
 {
-    Call call(CallCourse::incoming(), caller);
-    call.take(CallEvent::Miss);
+    Call call(CallStateMachine::incoming(), caller);
+    call.apply(CallEvent::Miss);
     log(QStringLiteral("a call from %1 is missed: the line is busy").arg(caller.number));
-    m_handOver.add(call.record());
+    m_uploader.add(call.record());
     reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
 }
 
 /// Goes on from the state that the call has come to.
-void PhoneLine::goOn()
+void PhoneLine::scheduleNext()
 {
-    const CallCourse& course = m_call->course();
+    const CallStateMachine& machine = m_call->machine();
     m_next.stop();
-    if (course.isOver()) {
+    if (machine.isOver()) {
         // First: who hears of the end looks for the call in the log.
-        m_handOver.add(m_call->record());
+        m_uploader.add(m_call->record());
         reportEnd();
         return;
     }
-    if (course.isPlaced())
-        m_next.start(course.state() == CallState::Connected ? m_pace.talk : m_pace.step);
+    if (machine.isPlaced())
+        m_next.start(machine.state() == CallState::Connected ? m_pace.talk : m_pace.step);
     reportChange();
 }
 
 void PhoneLine::reportChange()
 {
-    const CallState state = m_call->course().state();
+    const CallState state = m_call->machine().state();
     log(QStringLiteral("call %1, %2: %3").arg(m_id).arg(m_call->party().number, QLatin1String(nameOf(state))));
     if (state == CallState::Connected)
         reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
@@ -125,7 +125,7 @@ void PhoneLine::reportChange()
 
 void PhoneLine::reportEnd()
 {
-    if (m_call->course().wasConnected()) {
+    if (m_call->machine().wasConnected()) {
         m_totalSeconds += m_call->duration();
         reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {0, m_call->duration()});
         reportStatus(PHONE_Msg::PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {0, m_totalSeconds});

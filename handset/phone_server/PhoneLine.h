@@ -2,7 +2,7 @@
 #pragma once
 
 #include "handset/phone_server/Call.h"
-#include "handset/phone_server/HandOver.h"
+#include "handset/phone_server/CallLogUploader.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
@@ -20,7 +20,7 @@ struct CallPace
 };
 
 /**
- * Walks one call at a time through its course.
+ * Walks one call at a time through its machine.
  *
  * Placed calls go on by themselves; incoming ones wait for an answer and then for somebody to hang up. Every
  * change is reported with a status message. The finished call is sent to the recent-call service before its end is
@@ -40,9 +40,9 @@ public:
     bool ring(const Party& caller);
 
     /// @{ False when there is no call that this means anything to.
-    bool answer() { return take(CallEvent::Answer); }
-    bool hangUp() { return take(CallEvent::HangUp); }
-    bool miss() { return take(CallEvent::Miss); }
+    bool answer() { return apply(CallEvent::Answer); }
+    bool hangUp() { return apply(CallEvent::HangUp); }
+    bool miss() { return apply(CallEvent::Miss); }
     /// @}
 
     /// The call that is not over yet, or null.
@@ -50,7 +50,7 @@ public:
     /// The number of the call on the line, or of the last one.
     int currentId() const { return m_id; }
 
-    bool isConnected() const { return current() && current()->course().state() == CallState::Connected; }
+    bool isConnected() const { return current() && current()->machine().state() == CallState::Connected; }
     /// How long the parties of all calls talked, in seconds, since this was last reset.
     int totalSeconds() const { return m_totalSeconds; }
     void resetTotal() { m_totalSeconds = 0; }
@@ -68,11 +68,11 @@ Q_SIGNALS:
 
 private:
     const char* obstacle(const Party& party) const;
-    void begin(CallCourse course, const Party& party, RC_CALL_TYPE_T type);
-    bool take(CallEvent event);
+    void begin(CallStateMachine course, const Party& party, RC_CALL_TYPE_T type);
+    bool apply(CallEvent event);
     void cut();
     void missWhileBusy(const Party& caller);
-    void goOn();
+    void scheduleNext();
     void reportChange();
     void reportEnd();
 
@@ -83,7 +83,7 @@ private:
     bool m_hasRadio = true;
     bool m_isClosed = false;
     QTimer m_next;
-    HandOver m_handOver;
+    CallLogUploader m_uploader;
 };
 
 } // namespace zyn::handset

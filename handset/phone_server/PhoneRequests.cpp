@@ -1,4 +1,4 @@
-// Answers the requests of the phone channel.
+// Carries out the requests of the phone channel and of the push-to-talk channel.
 #include "handset/phone_server/PhoneRequests.h"
 
 #include "handset/common/Log.h"
@@ -7,8 +7,22 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace zyn::handset {
+namespace {
+
+/// The first party of the request @p data, nothing when it is not whole.
+std::optional<Party> firstParty(const QByteArray& data)
+{
+    const FieldValues values = decode(kMakePttCall, data);
+    const int32_t count = values[0].number;
+    if (!values.isComplete() || count < 1 || count > kMaxPttParties)
+        return std::nullopt;
+    return Party{values[1].texts.first(), values[2].texts.first()};
+}
+
+} // namespace
 
 struct PhoneRequests::Request
 {
@@ -70,6 +84,33 @@ void PhoneRequests::reportTotals(int32_t /*unused*/)
 {
     reportStatus(PHONE_MSG_TOTAL_DATA_BYTES_S, {0, 0, 0, 0});
     reportStatus(PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {m_line.isConnected() ? 1 : 0, m_line.totalSeconds()});
+}
+
+PttRequests::PttRequests(PhoneLine& line)
+    : QCopChannel(kPttChannel)
+    , m_line(line)
+{}
+
+void PttRequests::receive(const QCString& message, const QByteArray& data)
+{
+    if (message == kMakePttCall.name)
+        makeCall(data);
+    else if (message == kDropPttCall.name)
+        dropCall();
+}
+
+void PttRequests::makeCall(const QByteArray& data)
+{
+    if (const auto party = firstParty(data))
+        m_line.place(*party, RC_CALL_TYPE_PTT1);
+    else
+        log(QStringLiteral("a request for a push-to-talk call is not whole: ignored"));
+}
+
+void PttRequests::dropCall()
+{
+    if (m_line.current() && m_line.current()->isPtt())
+        m_line.hangUp();
 }
 
 } // namespace zyn::handset

@@ -1,6 +1,7 @@
-// Answers the requests of the phone channel.
+// Carries out the requests of the phone channel and of the push-to-talk channel.
 #pragma once
 
+#include "platform/QCopChannel.h"
 #include "utility/PHONE_Msg.h"
 
 #include <cstdint>
@@ -27,6 +28,24 @@ private:
     void setLanguage(int32_t language);
     void resetTotalDuration(int32_t kind);
     void reportTotals(int32_t unused);
+
+    PhoneLine& m_line;
+};
+
+/// Listens to the push-to-talk channel, and starts and ends push-to-talk calls; the first party is the one
+/// that is called.
+class PttRequests : public QCopChannel
+{
+    Q_OBJECT
+
+public:
+    explicit PttRequests(PhoneLine& line);
+
+    void receive(const QCString& message, const QByteArray& data) override;
+
+private:
+    void makeCall(const QByteArray& data);
+    void dropCall();
 
     PhoneLine& m_line;
 };

@@ -8,17 +8,17 @@
 
 namespace zyn::handset {
 
-PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections)
+PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections)
     : m_line(pace)
     , m_prefix(prefix)
-    , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, patience](zyn::posix::UniqueFd socket) {
-        return new ClientConnection(std::move(socket), m_line, patience);
+    , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, timeout](zyn::posix::UniqueFd socket) {
+        return new ClientConnection(std::move(socket), m_line, timeout);
     })
 {}
 
 bool PhoneServer::listen()
 {
-    if (!m_clients.take())
+    if (!m_clients.acquire())
         return false;
     // Only the owner of the socket answers requests: two servers would place every call twice.
     listenToVoiceCallRequests();

@@ -4,7 +4,6 @@
 #include "handset/common/CommandServer.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "handset/phone_server/PhoneRequests.h"
-#include "handset/phone_server/PttRequests.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 
 #include <chrono>
@@ -19,10 +18,10 @@ public:
     /**
      * @param prefix          what is put in front of a number that is to be dialed with a prefix, unless it is an
      * emergency number
-     * @param patience        how long a client of the socket may let the server wait for what it owes
+     * @param timeout        how long a client of the socket may let the server wait for what it owes
      * @param maxConnections  how many clients are served at a time; further ones wait for their turn
      */
-    PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds patience, int maxConnections);
+    PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections);
 
     PhoneLine& line() { return m_line; }
 

@@ -1,15 +1,11 @@
-// The time line of a desk, read from a file.
+// The time line of a desk: what happens to the handset, and when; read from a file or as it is typed.
 #include "handset/phone_server/Script.h"
 
 #include "handset/common/Log.h"
+#include "handset/common/ScriptReader.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "handset/phone_server/ScriptError.h"
 #include "handset/phone_server/ScriptMessage.h"
-#include "handset/phone_server/ScriptWords.h"
 #include "handset/phone_server/Status.h"
-#include "platform/posix/File_p.h"
-
-#include <QtCore/QFile>
 
 #include <algorithm>
 #include <iterator>
@@ -17,8 +13,6 @@
 
 namespace zyn::handset {
 namespace {
-
-constexpr qsizetype kLargestScript = qsizetype{1024} * 1024;
 
 using Run = decltype(ScriptStep::run);
 
@@ -67,8 +61,8 @@ Run runOf(const QString& name, const QStringList& values)
     };
 }
 
-/// The delay at the beginning of @p words, which it takes away; none is 0.
-std::chrono::milliseconds takeDelay(QStringList& words)
+/// The delay at the beginning of @p words, which it removes; 0 when there is none.
+std::chrono::milliseconds readDelay(QStringList& words)
 {
     if (!words.constFirst().startsWith(QLatin1Char('+')))
         return std::chrono::milliseconds(0);
@@ -78,52 +72,25 @@ std::chrono::milliseconds takeDelay(QStringList& words)
     return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
 }
 
-bool isBlank(const QString& line)
-{
-    const QString trimmed = line.trimmed();
-    return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'));
-}
+/// Status messages hold records, of which each byte is two digits.
+constexpr qsizetype kLongestLine = qsizetype{16} * 1024;
 
-ScriptStep stepOf(const QString& line, int lineNumber)
+} // namespace
+
+ScriptStep scriptStep(const QString& line, int lineNumber)
 {
     QStringList words = scriptWords(line);
-    const auto delay = takeDelay(words);
+    const auto delay = readDelay(words);
     const QString name = words.takeFirst();
     return {lineNumber, delay, runOf(name, words)};
 }
 
-} // namespace
-
 std::optional<Script> readScript(const QString& path)
 {
-    const auto text = zyn::posix::readWhole(QFile::encodeName(path), kLargestScript);
-    if (!text) {
-        log(QStringLiteral("%1 is no file that can be read, of at most 1 MiB").arg(path));
-        return std::nullopt;
-    }
     Script script;
-    const QStringList lines = QString::fromUtf8(*text).split(QLatin1Char('\n'));
-    for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber) {
-        const QString& line = lines[lineNumber - 1];
-        auto step = readScriptLine(path, lineNumber, line);
-        if (step)
-            script.push_back(std::move(*step));
-        else if (!isBlank(line))
-            return std::nullopt;
-    }
+    if (!readScriptFile(path, [&](const QString& line, int number) { script.push_back(scriptStep(line, number)); }))
+        return std::nullopt;
     return script;
-}
-
-std::optional<ScriptStep> readScriptLine(const QString& source, int lineNumber, const QString& line)
-{
-    if (isBlank(line))
-        return std::nullopt;
-    try {
-        return stepOf(line.trimmed(), lineNumber);
-    } catch (const ScriptError& error) {
-        log(QStringLiteral("%1:%2: %3").arg(source, QString::number(lineNumber), error.text));
-        return std::nullopt;
-    }
 }
 
 void runScriptStep(const ScriptStep& step, PhoneLine& line)
@@ -143,6 +110,64 @@ QString scriptHelp()
            + QStringLiteral("A text with blanks, or none, is put in double quotes; blocks and records are "
                             "written in hexadecimal digits, with zeros behind what is written. Lines that "
                             "begin with \"#\" are comments.");
+}
+
+ScriptPlayer::ScriptPlayer(Script script, PhoneLine& line)
+    : m_script(std::move(script))
+    , m_line(line)
+{
+    m_next.setSingleShot(true);
+    m_next.setTimerType(Qt::PreciseTimer);
+    connect(&m_next, &QTimer::timeout, this, &ScriptPlayer::runNext);
+}
+
+void ScriptPlayer::waitForNext()
+{
+    if (m_position < m_script.size())
+        m_next.start(m_script[m_position].delay);
+    else if (!m_script.empty())
+        log(QStringLiteral("the script is over"));
+}
+
+void ScriptPlayer::runNext()
+{
+    runScriptStep(m_script[m_position++], m_line);
+    waitForNext();
+}
+
+ScriptInput::ScriptInput(PhoneLine& line)
+    : m_line(line)
+    , m_input(kLongestLine)
+{
+    m_next.setSingleShot(true);
+    m_next.setTimerType(Qt::PreciseTimer);
+    connect(&m_input, &LineInput::entered, this, &ScriptInput::readLine);
+    connect(&m_next, &QTimer::timeout, this, &ScriptInput::runStep);
+}
+
+void ScriptInput::stop()
+{
+    m_input.cancel();
+    m_next.stop();
+}
+
+void ScriptInput::readLine(const QString& text)
+{
+    if (text.isNull())
+        return;
+    m_step.reset();
+    readScriptLine(QStringLiteral("standard input"), ++m_lineNumber, text,
+                   [this](const QString& line, int number) { m_step = scriptStep(line, number); });
+    if (m_step)
+        m_next.start(m_step->delay);
+    else
+        m_input.ask();
+}
+
+void ScriptInput::runStep()
+{
+    runScriptStep(*m_step, m_line);
+    m_input.ask();
 }
 
 } // namespace zyn::handset

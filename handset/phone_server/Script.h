@@ -1,7 +1,11 @@
-// The time line of a desk: what happens to the handset, and when.
+// The time line of a desk: what happens to the handset, and when; read from a file or as it is typed.
 #pragma once
 
+#include "handset/common/LineInput.h"
+
+#include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 #include <chrono>
 #include <functional>
@@ -23,19 +27,60 @@ struct ScriptStep
 
 using Script = std::vector<ScriptStep>;
 
-/// Reads a script, as scriptHelp() explains it. Nothing, and told in the log with file and line, when it is
-/// not right.
+/// Reads a script, as scriptHelp() explains it. Nothing when it cannot be read or a line cannot be
+/// understood; the log says which and why.
 std::optional<Script> readScript(const QString& path);
 
-/// The step of one line. Nothing for a blank one and a comment, and for one that is wrong, which is told in the log
-/// with
-/// @p source and @p lineNumber.
-std::optional<ScriptStep> readScriptLine(const QString& source, int lineNumber, const QString& line);
+/// The step of a line that is no comment. Throws a ScriptError when it cannot be understood.
+ScriptStep scriptStep(const QString& line, int lineNumber);
 
 /// Lets @p step happen; one that means nothing at the time is told in the log.
 void runScriptStep(const ScriptStep& step, PhoneLine& line);
 
 /// How a script is written, with the names of all messages.
 QString scriptHelp();
+
+/// Plays one script, once.
+class ScriptPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    ScriptPlayer(Script script, PhoneLine& line);
+
+    void start() { waitForNext(); }
+    void stop() { m_next.stop(); }
+
+private:
+    void waitForNext();
+    void runNext();
+
+    const Script m_script;
+    PhoneLine& m_line;
+    size_t m_position = 0;
+    QTimer m_next;
+};
+
+/// Plays the lines of standard input as they come. A line that is wrong is told in the log and left out.
+class ScriptInput : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ScriptInput(PhoneLine& line);
+
+    void start() { m_input.ask(); }
+    void stop();
+
+private:
+    void readLine(const QString& text);
+    void runStep();
+
+    PhoneLine& m_line;
+    LineInput m_input;
+    int m_lineNumber = 0;
+    std::optional<ScriptStep> m_step; ///< the one that waits for its time
+    QTimer m_next;
+};
 
 } // namespace zyn::handset

@@ -2,8 +2,7 @@
 #include "handset/phone_server/ScriptMessage.h"
 
 #include "handset/common/FieldWords.h"
-#include "handset/phone_server/ScriptError.h"
-#include "handset/phone_server/ScriptWords.h"
+#include "handset/common/ScriptReader.h"
 
 #include <algorithm>
 #include <vector>

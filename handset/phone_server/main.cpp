@@ -4,8 +4,7 @@
 #include "handset/common/Process.h"
 #include "handset/common/TerminationSignals.h"
 #include "handset/phone_server/PhoneServer.h"
-#include "handset/phone_server/ScriptInput.h"
-#include "handset/phone_server/ScriptPlayer.h"
+#include "handset/phone_server/Script.h"
 #include "utility/PHONE_VoiceCallCommand_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -17,12 +16,12 @@ namespace handset = zyn::handset;
 namespace {
 
 constexpr int kDefaultStep = 300;
-constexpr int kDefaultPatience = 10'000;
+constexpr int kDefaultTimeout = 10'000;
 
 const QString kStep = QStringLiteral("step");
 const QString kTalk = QStringLiteral("talk");
 const QString kPrefix = QStringLiteral("prefix");
-const QString kPatience = QStringLiteral("patience");
+const QString kTimeout = QStringLiteral("patience");
 const QString kScript = QStringLiteral("script");
 const QString kStandardInput = QStringLiteral("-");
 
@@ -45,10 +44,10 @@ void addOptions(handset::CommandLine& commandLine)
                         kDefaultStep);
     commandLine.addTime(kTalk, QStringLiteral("Let the other party of a placed call hang up after this many "
                                               "milliseconds (as --step)."));
-    commandLine.addTime(kPatience,
+    commandLine.addTime(kTimeout,
                         QStringLiteral("Drop a client that does not register, finish a command or take its "
                                        "replies for this many milliseconds (%1)."),
-                        kDefaultPatience);
+                        kDefaultTimeout);
     commandLine.add(
         QCommandLineOption(kPrefix,
                            QStringLiteral("Put this in front of numbers to be dialed with a prefix, but of no "
@@ -96,7 +95,7 @@ int main(int argc, char** argv)
         return handset::kUsageError;
 
     const handset::CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
-    handset::PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kPatience),
+    handset::PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kTimeout),
                                 handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;

@@ -38,7 +38,7 @@ bool isSameCall(const Call& left, const Call& right)
 /// Marks the unread ones of @p calls as read, unless @p output could not show them.
 void markShown(std::span<const Call> calls, const Output& output)
 {
-    if (!output.isSound())
+    if (!output.isValid())
         return;
     for (const Call& call : calls) {
         // Every further call would wait for a service that does not answer.

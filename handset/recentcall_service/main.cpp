@@ -132,7 +132,7 @@ public:
     bool listen()
     {
         RecentCall_dataDir();
-        if (!m_server.take())
+        if (!m_server.acquire())
             return false;
         // The files belong to this service from here on; no client waits while they are read.
         m_calls.emplace();

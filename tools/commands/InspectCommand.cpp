@@ -58,7 +58,7 @@ public:
         m_left = checkStore(StoreFiles(m_directory));
     }
 
-    bool isSound() const { return m_left.isEmpty(); }
+    bool isValid() const { return m_left.isEmpty(); }
 
     QString text() const
     {
@@ -74,7 +74,7 @@ public:
                 {u"copy"_s, m_copy.isEmpty() ? QJsonValue() : QJsonValue(m_copy)},
                 {u"repairs"_s, m_done.json("repair")},
                 {u"left"_s, m_left.json("problem")},
-                {u"sound"_s, isSound()}};
+                {u"sound"_s, isValid()}};
     }
 
 private:
@@ -138,7 +138,7 @@ ExitCode repairStore(const Invocation& invocation, Console& console)
         console.write(QJsonDocument(repair.json()));
     else
         console.write(repair.text());
-    return repair.isSound() ? Done : Failed;
+    return repair.isValid() ? Done : Failed;
 }
 
 /// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
@@ -175,14 +175,14 @@ QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileF
     return {{u"file"_s, path},
             {u"kind"_s, findings.kind},
             {u"size"_s, image.size()},
-            {u"sound"_s, findings.isSound()},
+            {u"sound"_s, findings.isValid()},
             {u"problems"_s, QJsonArray::fromStringList(problemTexts(findings))},
             {u"slots"_s, findings.usedSlots.json()}};
 }
 
 QString textReport(const QString& path, const FileFindings& findings)
 {
-    const QString verdict = findings.isSound() ? u"sound"_s : u"not sound"_s;
+    const QString verdict = findings.isValid() ? u"sound"_s : u"not sound"_s;
     QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), findings.kind,
                                                      QString::number(findings.usedSlots.count()), verdict)};
     for (const QString& problem : problemTexts(findings))
@@ -201,7 +201,7 @@ ExitCode inspectFile(const Invocation& invocation, Console& console)
         console.write(QJsonDocument(jsonReport(path, image, findings)));
     else
         console.write(textReport(path, findings));
-    return findings.isSound() ? Done : Failed;
+    return findings.isValid() ? Done : Failed;
 }
 
 ExitCode inspect(const Invocation& invocation, Console& console)

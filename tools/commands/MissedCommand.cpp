@@ -76,7 +76,7 @@ public:
     }
 
 private:
-    bool isOver() const { return m_left == 0 || !m_console.isSound(); }
+    bool isOver() const { return m_left == 0 || !m_console.isValid(); }
 
     void showAgain()
     {

@@ -95,7 +95,7 @@ private:
             m_console.write(messageText(message, m_raw) + u'\n');
         if (m_left)
             --*m_left;
-        if (m_left == 0 || !m_console.isSound())
+        if (m_left == 0 || !m_console.isValid())
             QCoreApplication::quit();
     }
 

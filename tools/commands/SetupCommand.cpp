@@ -49,7 +49,7 @@ public:
         QObject::connect(&m_channel, &QCopChannel::received, &m_channel,
                          [this](const QCString& message, const QByteArray& payload) {
                              if (message == m_message.name)
-                                 take(payload);
+                                 handle(payload);
                          });
     }
 
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    void take(const QByteArray& payload)
+    void handle(const QByteArray& payload)
     {
         if (!m_number)
             m_number = decode(m_message, payload)[0].number;

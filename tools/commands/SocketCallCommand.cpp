@@ -126,7 +126,7 @@ public:
             return;
         m_console.write(wordFor(kReplies, code) + u'\n');
         m_last = code;
-        if (isOver() || !m_console.isSound())
+        if (isOver() || !m_console.isValid())
             QCoreApplication::quit();
     }
 

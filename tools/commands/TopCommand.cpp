@@ -96,7 +96,7 @@ private:
         layOut(m_phone.state, canvas);
         if (!m_screen.show(canvas))
             m_draw.start(kPollInterval); // until its user lets the terminal go on
-        if (!m_console.isSound())
+        if (!m_console.isValid())
             QCoreApplication::quit();
     }
 

@@ -33,7 +33,7 @@ Finding checkContents(const QByteArray& path, FileFindings (*check)(const QStrin
     if (!image)
         return damaged(path, {u"it is too long"_s});
     const FileFindings findings = check(QFile::decodeName(path).section(u'/', -1), *image);
-    if (!findings.isSound())
+    if (!findings.isValid())
         return damaged(path, problemTexts(findings));
     return ok(QFile::decodeName(path),
               u"%1, %2 in use"_s.arg(findings.kind, QString::number(findings.usedSlots.count())));

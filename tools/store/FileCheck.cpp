@@ -44,7 +44,7 @@ public:
         , m_problems(problems)
     {}
 
-    void look(const Call& record, int place)
+    void check(const Call& record, int place)
     {
         m_problems.add(place, recordProblems(record, place, m_list));
         if (const auto other = m_placeOfUid.constFind(record.uid); other != m_placeOfUid.cend())
@@ -100,7 +100,7 @@ public:
         , m_problems(problems)
     {}
 
-    void look(const QByteArray& image, int slot)
+    void check(const QByteArray& image, int slot)
     {
         Entry& entry = m_entries.emplace_back();
         ContactFile::read(entry, image, slot);
@@ -184,7 +184,7 @@ FileFindings checkRecordFile(const QString& name, const QByteArray& image)
     SlotCheck check(list, problems);
     for (int place = 0; place < places; ++place) {
         if (RecordFile::isInUse(image, place))
-            check.look(RecordFile::at(image, place), place);
+            check.check(RecordFile::at(image, place), place);
         else
             check.lookAtFree(RecordFile::at(image, place), place);
     }
@@ -221,7 +221,7 @@ FileFindings checkContactFile(const QString& name, const QByteArray& image)
     problems += sizeProblems(image, ContactFile::size(contactSlots()));
     EntryCheck check(name, problems);
     for (int slot = 0; slot < slots; ++slot)
-        check.look(image, slot);
+        check.check(image, slot);
     return {u"activities of a favourite"_s, kSlotWord, check.problems(), check.table()};
 }
 

@@ -115,9 +115,9 @@ std::vector<SlotRepair::Placed> SlotRepair::recordsIn(const QByteArray& image)
         if (isInUse(record) && (isTrusted || isLikely(record, slot)))
             records.push_back({slot, std::move(record)});
         else if (isInUse(record))
-            tell(slot, u"what is no likely record was left in the copy"_s);
+            report(slot, u"what is no likely record was left in the copy"_s);
         else if (record != m_blank && isTrusted)
-            tell(slot, u"made blank, as it is free"_s);
+            report(slot, u"made blank, as it is free"_s);
     }
     return records;
 }
@@ -129,7 +129,7 @@ void SlotRepair::dropOldest(std::vector<Placed>& records)
     std::ranges::stable_sort(records, [this](const Placed& a, const Placed& b) { return isNewer(a.record, b.record); });
     const auto kept = records.begin() + m_slots;
     for (auto dropped = kept; dropped != records.end(); ++dropped)
-        tell(dropped->slot, u"the record, older than those of %1 other slots, was left in the copy"_s.arg(m_slots));
+        report(dropped->slot, u"the record, older than those of %1 other slots, was left in the copy"_s.arg(m_slots));
     records.erase(kept, records.end());
 }
 
@@ -142,7 +142,7 @@ QByteArray SlotRepair::arrange(std::vector<Placed>& records)
         const auto free = std::ranges::find_if(slots, [](const QByteArray& slot) { return slot.isEmpty(); });
         const int to = from < m_slots ? from : static_cast<int>(free - slots.begin());
         if (to != from)
-            tell(from, u"moved to slot %1"_s.arg(to));
+            report(from, u"moved to slot %1"_s.arg(to));
         correct(record, from, to);
         slots[static_cast<size_t>(to)] = record;
     }
@@ -165,7 +165,7 @@ void SlotRepair::tellShape(const QByteArray& image, const QByteArray& result)
         m_log.add(m_name, u"cut to %1 bytes"_s.arg(result.size()));
 }
 
-void SlotRepair::tell(int slot, const QString& text)
+void SlotRepair::report(int slot, const QString& text)
 {
     m_log.add(m_name, kSlotWord, slot, text);
 }
@@ -173,7 +173,7 @@ void SlotRepair::tell(int slot, const QString& text)
 void SlotRepair::correctCall(PHONE_ENG_RecentCall& call, int slot)
 {
     for (const QString& problem : flagProblems(call))
-        tell(slot, problem + u": put right"_s);
+        report(slot, problem + u": put right"_s);
     call.inUse = 1;
     call.readFlags &= kKnownReadFlags;
     call.completed = std::min<uint8_t>(call.completed, 1);
@@ -187,7 +187,7 @@ void SlotRepair::endText(std::span<char> field, int slot, const QString& what)
     if (isTerminated(field))
         return;
     field.back() = '\0';
-    tell(slot, u"the %1 was cut by a character, for its NUL"_s.arg(what));
+    report(slot, u"the %1 was cut by a character, for its NUL"_s.arg(what));
 }
 
 CallsRepair::CallsRepair(const QString& name, Findings& log)
@@ -215,10 +215,10 @@ void CallsRepair::correct(QByteArray& record, int from, int to)
 {
     Call call = callOf(record);
     if (call.slot != from)
-        tell(from, u"the record names slot %1: put right"_s.arg(call.slot));
+        report(from, u"the record names slot %1: put right"_s.arg(call.slot));
     call.slot = to;
     if (call.category != m_list)
-        tell(from, u"the category is %1: put right"_s.arg(categoryWord(call.category)));
+        report(from, u"the category is %1: put right"_s.arg(categoryWord(call.category)));
     call.category = m_list;
     correctCall(call, from);
     record = bytesOf(call).toByteArray();
@@ -279,16 +279,16 @@ void ContactRepair::correct(QByteArray& record, int from, int to)
     Entry entry;
     read(entry, record);
     if (entry.topPalsAvlPos != from)
-        tell(from, u"the entry names slot %1: put right"_s.arg(entry.topPalsAvlPos));
+        report(from, u"the entry names slot %1: put right"_s.arg(entry.topPalsAvlPos));
     entry.topPalsAvlPos = to;
     if (entry.topPalsAvlIndex < 0) {
-        tell(from, u"the index is %1: now 0"_s.arg(entry.topPalsAvlIndex));
+        report(from, u"the index is %1: now 0"_s.arg(entry.topPalsAvlIndex));
         entry.topPalsAvlIndex = 0;
     }
     correctCall(entry, from);
     endText(entry.msgString, from, u"message"_s);
     if (isContactFileName(name()) && entry.getPhoneNumber() != name()) {
-        tell(from, u"the number is '%1': put right"_s.arg(entry.getPhoneNumber()));
+        report(from, u"the number is '%1': put right"_s.arg(entry.getPhoneNumber()));
         entry.setPhoneNumber(name());
     }
     record = ContactFile::bytes(entry).toByteArray();
@@ -321,7 +321,7 @@ FavouritesRepair::FavouritesRepair(const StoreFiles& files, Findings& log)
     const QByteArray image = files.image(fileName());
     const bool isTrusted = hasValidHeader(image);
     for (int place = 0; place < DetailsFile::count(image); ++place)
-        take(DetailsFile::at(image, place), place, isTrusted);
+        keep(DetailsFile::at(image, place), place, isTrusted);
     if (!isTrusted)
         m_log.add(fileName(), u"given a new header"_s);
     if (image.size() != DetailsFile::size())
@@ -337,7 +337,7 @@ bool FavouritesRepair::add(const QString& number)
         return false;
     detail.nthFileItem = static_cast<int32_t>(free - m_places.begin());
     *free = detail;
-    tell(detail.nthFileItem, u"taken by %1, whose file has entries"_s.arg(number));
+    report(detail.nthFileItem, u"taken by %1, whose file has entries"_s.arg(number));
     return true;
 }
 
@@ -349,12 +349,12 @@ QByteArray FavouritesRepair::image() const
     return image;
 }
 
-void FavouritesRepair::take(const Detail& found, int place, bool isTrusted)
+void FavouritesRepair::keep(const Detail& found, int place, bool isTrusted)
 {
     Detail detail = found;
     if (!isTerminated(detail.phoneNumber)) {
         std::end(detail.phoneNumber)[-1] = '\0';
-        tell(place, u"the number was cut by a character, for its NUL"_s);
+        report(place, u"the number was cut by a character, for its NUL"_s);
     }
     const QString number = numberOf(detail);
     if (detail.nthFileItem == Detail::kFree && number.isEmpty())
@@ -362,16 +362,16 @@ void FavouritesRepair::take(const Detail& found, int place, bool isTrusted)
     // A header that is wrong says that the rest may be anything.
     const bool isLikely = detail.nthFileItem == place || (isTrusted && detail.nthFileItem != Detail::kFree);
     if (!(isLikely || hasFile(number)) || !canNameContactFile(number) || isTaken(number)) {
-        tell(place, u"made free, of the number '%1'"_s.arg(number));
+        report(place, u"made free, of the number '%1'"_s.arg(number));
         return;
     }
     if (detail.nthFileItem != place)
-        tell(place, u"it names place %1: put right"_s.arg(detail.nthFileItem));
+        report(place, u"it names place %1: put right"_s.arg(detail.nthFileItem));
     detail.nthFileItem = place;
     m_places[static_cast<size_t>(place)] = detail;
 }
 
-void FavouritesRepair::tell(int place, const QString& text)
+void FavouritesRepair::report(int place, const QString& text)
 {
     m_log.add(fileName(), kPlaceWord, place, text);
 }

@@ -46,7 +46,7 @@ protected:
     virtual void correct(QByteArray& record, int from, int to) = 0;
 
     /// Tells what was done to the record in @p slot.
-    void tell(int slot, const QString& text);
+    void report(int slot, const QString& text);
     /// Puts right and tells what any call in use has, whatever kind of record it is part of.
     void correctCall(PHONE_ENG_RecentCall& call, int slot);
     /// Ends @p field with a NUL if it has none.
@@ -130,8 +130,8 @@ public:
     QByteArray image() const;
 
 private:
-    void take(const TopPalNumberDetail& found, int place, bool isTrusted);
-    void tell(int place, const QString& text);
+    void keep(const TopPalNumberDetail& found, int place, bool isTrusted);
+    void report(int place, const QString& text);
     bool isTaken(const QString& number) const;
     bool hasFile(const QString& number) const;
 

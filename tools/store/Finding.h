@@ -47,7 +47,7 @@ struct FileFindings
     Problems problems;     ///< none for a sound file
     Table usedSlots;
 
-    bool isSound() const { return problems.empty(); }
+    bool isValid() const { return problems.empty(); }
 };
 
 /// @p problem as a line tells it; @p placeWord is what its place is called.

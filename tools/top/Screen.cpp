@@ -218,9 +218,9 @@ Canvas Screen::blank() const
     return Canvas(std::min(int{size.ws_col}, kMaxSize), std::min(int{size.ws_row}, kMaxSize));
 }
 
-bool Screen::hasRoom(std::chrono::milliseconds patience) const
+bool Screen::hasRoom(std::chrono::milliseconds timeout) const
 {
-    return posix::waitUntilWritable(m_console.descriptor(), posix::Clock::now() + patience);
+    return posix::waitUntilWritable(m_console.descriptor(), posix::Clock::now() + timeout);
 }
 
 bool Screen::show(const Canvas& canvas)

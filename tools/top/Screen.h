@@ -101,7 +101,7 @@ public:
     void forget() { m_shown.reset(); }
 
 private:
-    bool hasRoom(std::chrono::milliseconds patience) const;
+    bool hasRoom(std::chrono::milliseconds timeout) const;
 
     Console& m_console;
     const bool m_inColour;

@@ -37,7 +37,7 @@ int main(int argc, char** argv)
         console.write(completions(tool, words.mid(1)));
     else
         code = runCommand(tool, tool.name, words, console);
-    if (console.isSound())
+    if (console.isValid())
         return code;
     console.writeError(u"zynphone: cannot write to standard output: "_s + console.errorString());
     return Failed;

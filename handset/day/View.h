@@ -4,6 +4,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
 
+namespace zyn::handset {
+
 /// Writes aligned lines to standard output, in colour on a terminal, and counts what has held.
 class View
 {
@@ -40,3 +42,5 @@ private:
     int m_checks = 0;
     QElapsedTimer m_time;
 };
+
+} // namespace zyn::handset

@@ -5,6 +5,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QProcess>
 
+namespace zyn::handset {
+
 /// A process, and the lines that it has written to standard output and standard error. It ends with the object.
 class Program : public QObject
 {
@@ -20,7 +22,7 @@ public:
 
     void write(const QByteArray& bytes) { m_process.write(bytes); }
     /// Sends it a signal.
-    void tell(int signal);
+    void sendSignal(int signal);
     /// How it has ended: its exit code, or -1 when a signal ended it or it could not be started.
     int exitCode() const;
 
@@ -38,3 +40,5 @@ private:
     QString m_prefix;
     QStringList m_lines;
 };
+
+} // namespace zyn::handset

@@ -1,4 +1,4 @@
-// Hands finished calls to the recent-call service.
+// Uploads finished calls to the recent-call service.
 #pragma once
 
 #include "platform/posix/UniqueFd_p.h"
@@ -22,13 +22,13 @@ namespace zyn::handset {
  * dies before that is sent it again by way of the next one. When none is handed over for three seconds, each that waits
  * is told in the log; they are tried for as long as this process lives.
  */
-class HandOver : public QObject
+class CallLogUploader : public QObject
 {
     Q_OBJECT
 
 public:
-    HandOver();
-    ~HandOver() override;
+    CallLogUploader();
+    ~CallLogUploader() override;
 
     /// Sends @p record, unless there is no service: whoever asks the service from here on finds the call in its list.
     void add(const PHONE_ENG_RecentCall& record);
@@ -47,22 +47,22 @@ private:
         PHONE_ENG_RecentCall record;
         zyn::posix::UniqueFd connection = {};           ///< none before it is sent
         std::unique_ptr<QSocketNotifier> answered = {}; ///< when something has become of it
-        bool isTold = false;
+        bool isLogged = false;
     };
 
-    void goOn();
+    void advance();
     void tryAgain();
     void collect();
-    void noteTaken(const Item& item);
+    void noteAccepted(const Item& item);
     void sendWaiting(size_t most);
     bool send(Item& item);
-    void tellWaiting();
+    void logWaiting();
 
     std::deque<Item> m_waiting;
     QTimer m_pause;
-    QElapsedTimer m_sinceTaken; ///< or since something has begun to wait
-    bool m_isRefused = false;   ///< whether the last call that was to be sent could not be
-    int m_late = 0;             ///< calls that were told, and taken after all
+    QElapsedTimer m_sinceAccepted; ///< or since something has begun to wait
+    bool m_isRefused = false;      ///< whether the last call that was to be sent could not be
+    int m_late = 0;                ///< calls that were told, and taken after all
 };
 
 } // namespace zyn::handset

@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace zyn::handset {
+
 /// A program that runs in the background.
 struct Member
 {
@@ -62,3 +64,5 @@ struct Day
 
 /// Reads the script @p path, as its first lines explain it; nothing, and told on standard error, when it is wrong.
 std::optional<Day> readDay(const QString& path);
+
+} // namespace zyn::handset

@@ -1,5 +1,5 @@
 // What is shown of a day: who says what to whom.
-#include "examples/demo/View.h"
+#include "handset/day/View.h"
 
 #include <cstdio>
 
@@ -7,6 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
 constexpr int kMarkWidth = 4;
@@ -95,3 +96,5 @@ QString View::painted(const char* colour, const QString& text) const
 {
     return m_isColoured && colour != kPlain ? QLatin1String(colour) + text + QLatin1String(kReset) : text;
 }
+
+} // namespace zyn::handset

@@ -1,5 +1,5 @@
-// Hands finished calls to the recent-call service.
-#include "handset/phone_server/HandOver.h"
+// Uploads finished calls to the recent-call service.
+#include "handset/phone_server/CallLogUploader.h"
 
 #include "handset/common/Log.h"
 #include "platform/posix/UnixSocket_p.h"
@@ -19,7 +19,7 @@ namespace zyn::handset {
 namespace {
 
 /// The time in which a service that died is started again.
-constexpr std::chrono::milliseconds kPatience = 3s;
+constexpr std::chrono::milliseconds kTimeout = 3s;
 /// @{ Between two tries: within that time, and from then on.
 constexpr auto kPause = 200ms;
 constexpr auto kLongPause = 1s;
@@ -37,32 +37,32 @@ QString describe(const PHONE_ENG_RecentCall& record)
 
 } // namespace
 
-HandOver::HandOver()
+CallLogUploader::CallLogUploader()
 {
     m_pause.setSingleShot(true);
-    connect(&m_pause, &QTimer::timeout, this, &HandOver::tryAgain);
+    connect(&m_pause, &QTimer::timeout, this, &CallLogUploader::tryAgain);
 }
 
-HandOver::~HandOver() = default;
+CallLogUploader::~CallLogUploader() = default;
 
-void HandOver::add(const PHONE_ENG_RecentCall& record)
+void CallLogUploader::add(const PHONE_ENG_RecentCall& record)
 {
     if (m_waiting.empty())
-        m_sinceTaken.start();
+        m_sinceAccepted.start();
     m_waiting.push_back({record});
-    goOn();
+    advance();
 }
 
-void HandOver::finish()
+void CallLogUploader::finish()
 {
     // What waits from here on is told once, below.
     m_pause.disconnect();
-    connect(&m_pause, &QTimer::timeout, this, &HandOver::goOn);
-    goOn();
+    connect(&m_pause, &QTimer::timeout, this, &CallLogUploader::advance);
+    advance();
     if (!m_waiting.empty()) {
         QEventLoop loop;
-        connect(this, &HandOver::idle, &loop, &QEventLoop::quit);
-        QTimer::singleShot(kPatience, &loop, &QEventLoop::quit);
+        connect(this, &CallLogUploader::idle, &loop, &QEventLoop::quit);
+        QTimer::singleShot(kTimeout, &loop, &QEventLoop::quit);
         loop.exec();
     }
     // A service that only hangs finds what it was sent when it goes on.
@@ -75,7 +75,7 @@ void HandOver::finish()
     }
 }
 
-void HandOver::goOn()
+void CallLogUploader::advance()
 {
     collect();
     sendWaiting(kMostOnTheWay);
@@ -83,25 +83,25 @@ void HandOver::goOn()
         m_pause.stop();
         Q_EMIT idle();
     } else if (!m_pause.isActive()) {
-        m_pause.start(m_sinceTaken.hasExpired(kPatience.count()) ? kLongPause : kPause);
+        m_pause.start(m_sinceAccepted.hasExpired(kTimeout.count()) ? kLongPause : kPause);
     }
 }
 
-void HandOver::tryAgain()
+void CallLogUploader::tryAgain()
 {
-    goOn();
-    if (m_sinceTaken.hasExpired(kPatience.count()))
-        tellWaiting();
+    advance();
+    if (m_sinceAccepted.hasExpired(kTimeout.count()))
+        logWaiting();
 }
 
 /// Takes away what has been handed over; what was lost on its way is to be sent again.
-void HandOver::collect()
+void CallLogUploader::collect()
 {
     for (auto item = m_waiting.begin(); item != m_waiting.end();) {
         const Delivery delivery =
             item->connection.isValid() ? zyn::posix::deliveryOn(item->connection.get()) : Delivery::Pending;
         if (delivery == Delivery::Read) {
-            noteTaken(*item);
+            noteAccepted(*item);
             item = m_waiting.erase(item);
             continue;
         }
@@ -116,15 +116,15 @@ void HandOver::collect()
                 .arg(std::exchange(m_late, 0)));
 }
 
-void HandOver::noteTaken(const Item& item)
+void CallLogUploader::noteAccepted(const Item& item)
 {
-    m_sinceTaken.start();
+    m_sinceAccepted.start();
     m_isRefused = false;
-    m_late += item.isTold ? 1 : 0;
+    m_late += item.isLogged ? 1 : 0;
 }
 
 /// Sends what was not sent yet of the first @p most calls, one after the other.
-void HandOver::sendWaiting(size_t most)
+void CallLogUploader::sendWaiting(size_t most)
 {
     for (size_t i = 0; i < std::min(most, m_waiting.size()); ++i) {
         if (m_waiting[i].connection.isValid() || send(m_waiting[i]))
@@ -135,7 +135,7 @@ void HandOver::sendWaiting(size_t most)
     }
 }
 
-bool HandOver::send(Item& item)
+bool CallLogUploader::send(Item& item)
 {
     zyn::posix::UniqueFd connection = zyn::posix::connectUnixAtOnce(zyn::recentcall::kSocketPath);
     if (!connection.isValid() || !zyn::posix::isPeerTrusted(connection.get()))
@@ -147,15 +147,15 @@ bool HandOver::send(Item& item)
     zyn::posix::endSending(connection.get());
     item.answered = std::make_unique<QSocketNotifier>(connection.get(), QSocketNotifier::Read);
     // Queued: by then the notifier, which goes with its call, has nothing more to do.
-    connect(item.answered.get(), &QSocketNotifier::activated, this, &HandOver::goOn, Qt::QueuedConnection);
+    connect(item.answered.get(), &QSocketNotifier::activated, this, &CallLogUploader::advance, Qt::QueuedConnection);
     item.connection = std::move(connection);
     return true;
 }
 
-void HandOver::tellWaiting()
+void CallLogUploader::logWaiting()
 {
     for (Item& item : m_waiting) {
-        if (!std::exchange(item.isTold, true))
+        if (!std::exchange(item.isLogged, true))
             log(QStringLiteral("the recent-call service has not taken %1: it waits").arg(describe(item.record)));
     }
 }

@@ -1,5 +1,5 @@
 // Plays a day, and compares what is seen with what its script calls for.
-#include "examples/demo/Player.h"
+#include "handset/day/Player.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
@@ -13,6 +13,7 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace zyn::handset {
 namespace {
 
 constexpr auto kBeforeStep = 1200ms;
@@ -142,7 +143,7 @@ void Player::end(const Step& step)
 {
     Program& program = m_actors[step.whom].program;
     const bool wasRunning = program.isRunning();
-    program.tell(step.verb == Verb::Kills ? SIGKILL : SIGTERM);
+    program.sendSignal(step.verb == Verb::Kills ? SIGKILL : SIGTERM);
     waitUntil([&] { return !program.isRunning(); }, m_pace.limit);
     if (m_isInterrupted)
         return;
@@ -236,3 +237,5 @@ void Player::pause(std::chrono::milliseconds time)
     if (m_pace.isSlow)
         waitUntil([] { return false; }, time);
 }
+
+} // namespace zyn::handset

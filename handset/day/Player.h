@@ -1,9 +1,9 @@
 // Plays a day, and compares what is seen with what its script calls for.
 #pragma once
 
-#include "examples/demo/Day.h"
-#include "examples/demo/Program.h"
-#include "examples/demo/View.h"
+#include "handset/day/Day.h"
+#include "handset/day/Program.h"
+#include "handset/day/View.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QSet>
@@ -11,6 +11,8 @@
 #include <chrono>
 #include <functional>
 #include <map>
+
+namespace zyn::handset {
 
 /// How a day is played.
 struct Pace
@@ -70,3 +72,5 @@ private:
     std::map<QString, Actor> m_actors;
     bool m_isInterrupted = false;
 };
+
+} // namespace zyn::handset

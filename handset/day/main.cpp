@@ -1,7 +1,7 @@
 // zyn-day: plays a day of the handset, every side a process of its own, and checks what is seen of it.
-#include "examples/demo/Day.h"
-#include "examples/demo/Player.h"
 #include "handset/common/TerminationSignals.h"
+#include "handset/day/Day.h"
+#include "handset/day/Player.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -14,6 +14,7 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace zyn::handset {
 namespace {
 
 /// Lets everything that the programs keep be in @p directory.
@@ -45,6 +46,8 @@ void record(Day& day, const QString& file)
 
 } // namespace
 
+} // namespace zyn::handset
+
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
@@ -66,7 +69,7 @@ int main(int argc, char** argv)
         std::fputs("zyn-day: one script is to be named\n", stderr);
         return 2;
     }
-    auto day = readDay(parser.positionalArguments().constFirst());
+    auto day = zyn::handset::readDay(parser.positionalArguments().constFirst());
     if (!day)
         return 2;
 
@@ -76,15 +79,16 @@ int main(int argc, char** argv)
         return 2;
     }
     if (parser.isSet(recordOption))
-        record(*day, recording);
+        zyn::handset::record(*day, recording);
 
     const QTemporaryDir directory;
     if (!directory.isValid()) {
         std::fprintf(stderr, "zyn-day: %s\n", qPrintable(directory.errorString()));
         return EXIT_FAILURE;
     }
-    setEnvironment(directory.path());
-    Player player(std::move(*day), directory.path() + u"/phone"_s, {.isSlow = parser.isSet(u"slow"_s), .limit = 10s});
+    zyn::handset::setEnvironment(directory.path());
+    zyn::handset::Player player(std::move(*day), directory.path() + u"/phone"_s,
+                                {.isSlow = parser.isSet(u"slow"_s), .limit = 10s});
     int code = EXIT_FAILURE; // also of a day that is ended early
     QTimer::singleShot(0, &player, [&] {
         if (player.play())

@@ -1,5 +1,5 @@
 // A program of the handset that takes part in a day.
-#include "examples/demo/Program.h"
+#include "handset/day/Program.h"
 
 #include <csignal>
 
@@ -8,9 +8,10 @@
 
 using namespace Qt::StringLiterals;
 
+namespace zyn::handset {
 namespace {
 
-constexpr int kPatience = 5000; ///< milliseconds that a program may take to end
+constexpr int kTimeout = 5000; ///< milliseconds that a program may take to end
 
 } // namespace
 
@@ -30,8 +31,8 @@ Program::Program()
 Program::~Program()
 {
     m_process.disconnect(this);
-    tell(SIGTERM);
-    if (!m_process.waitForFinished(kPatience))
+    sendSignal(SIGTERM);
+    if (!m_process.waitForFinished(kTimeout))
         m_process.kill();
 }
 
@@ -44,7 +45,7 @@ void Program::start(const QString& command)
     m_process.start(program, words);
 }
 
-void Program::tell(int signal)
+void Program::sendSignal(int signal)
 {
     if (m_process.processId() > 0)
         ::kill(static_cast<pid_t>(m_process.processId()), signal);
@@ -68,3 +69,5 @@ void Program::read()
     }
     Q_EMIT changed();
 }
+
+} // namespace zyn::handset

@@ -1,0 +1,102 @@
+// Scripts: texts with a line for each thing that happens.
+#include "handset/common/ScriptReader.h"
+
+#include "handset/common/Log.h"
+#include "handset/common/Text.h"
+#include "platform/posix/File_p.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+
+namespace zyn::handset {
+namespace {
+
+constexpr qsizetype kLargestScript = qsizetype{1024} * 1024;
+
+QString trimmedAtEnd(QString line)
+{
+    while (!line.isEmpty() && line.back().isSpace())
+        line.chop(1);
+    return line;
+}
+
+/// Whether nothing happens in @p line.
+bool isComment(const QString& line)
+{
+    const QString trimmed = line.trimmed();
+    return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'));
+}
+
+} // namespace
+
+bool readScriptLine(const QString& source, int lineNumber, const QString& line, const ScriptLineReader& reader)
+{
+    if (isComment(line))
+        return true;
+    try {
+        reader(trimmedAtEnd(line), lineNumber);
+        return true;
+    } catch (const ScriptError& error) {
+        log(QStringLiteral("%1:%2: %3").arg(source, QString::number(lineNumber), error.text));
+        return false;
+    }
+}
+
+bool readScriptFile(const QString& path, const ScriptLineReader& reader)
+{
+    const auto text = posix::readWhole(QFile::encodeName(path), kLargestScript);
+    if (!text) {
+        log(QStringLiteral("%1 is no file that can be read, of at most 1 MiB").arg(path));
+        return false;
+    }
+    const QStringList lines = QString::fromUtf8(*text).split(QLatin1Char('\n'));
+    for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber) {
+        if (!readScriptLine(path, lineNumber, lines[lineNumber - 1], reader))
+            return false;
+    }
+    return true;
+}
+
+QStringList scriptWords(const QString& line)
+{
+    QStringList words;
+    QString word; // null between words
+    bool isQuoted = false;
+    for (const QChar character : line) {
+        if (character.isSpace() && !isQuoted) {
+            if (!word.isNull())
+                words += word;
+            word.clear();
+        } else if (character == QLatin1Char('"')) {
+            isQuoted = !isQuoted;
+            word += QLatin1String("");
+        } else {
+            word += character;
+        }
+    }
+    if (isQuoted)
+        throw ScriptError{QStringLiteral("a quote is not closed")};
+    if (!word.isNull())
+        words += word;
+    return words;
+}
+
+QStringList scriptColumns(const QString& line, qsizetype count)
+{
+    static const QRegularExpression gap(QStringLiteral("  +"));
+    QStringList columns = line.trimmed().split(gap);
+    const QString rest = columns.mid(count - 1).join(QLatin1String("  "));
+    columns = columns.mid(0, count - 1);
+    return rest.isEmpty() ? columns : columns + QStringList{rest};
+}
+
+int scriptNumber(const QString& word, int lowest, int highest)
+{
+    const std::optional<int> number = wholeNumber(word);
+    if (!number || *number < lowest || *number > highest)
+        throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
+                              .arg(word, QString::number(lowest), QString::number(highest))};
+    return *number;
+}
+
+} // namespace zyn::handset
