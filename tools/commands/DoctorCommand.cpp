@@ -14,8 +14,6 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using namespace zyn::tool::doctor;
-
 struct Check
 {
     const char* topic;
@@ -34,14 +32,14 @@ struct LevelWord
     Colour colour;
 };
 
-/// By level.
+/// By severity.
 constexpr std::array<LevelWord, 3> kLevels{{{"ok", Colour::Green}, {"note", Colour::Yellow}, {"wrong", Colour::Red}}};
 constexpr qsizetype kLevelWidth = 5;
 constexpr qsizetype kTopicWidth = 11;
 
-const LevelWord& wordOf(Level level)
+const LevelWord& wordOf(Severity severity)
 {
-    return kLevels.at(static_cast<size_t>(level));
+    return kLevels.at(static_cast<size_t>(severity));
 }
 
 struct Row
@@ -51,7 +49,7 @@ struct Row
 };
 
 constexpr Column<Row> kColumns[] = {
-    {"level", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(wordOf(row.finding.level).text)); }},
+    {"level", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(wordOf(row.finding.severity).text)); }},
     {"topic", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(row.topic)); }},
     {"subject", nullptr, [](const Row& row) { return QJsonValue(row.finding.subject); }},
     {"text", nullptr, [](const Row& row) { return QJsonValue(row.finding.text); }},
@@ -61,7 +59,7 @@ constexpr Column<Row> kColumns[] = {
 
 QString lineOf(const Row& row, bool inColour)
 {
-    const LevelWord& level = wordOf(row.finding.level);
+    const LevelWord& level = wordOf(row.finding.severity);
     const QString word = QString(QLatin1String(level.text)).leftJustified(kLevelWidth);
     QString line = u"%1  %2  %3: %4\n"_s.arg(inColour ? coloured(word, level.colour) : word,
                                              QString(QLatin1String(row.topic)).leftJustified(kTopicWidth),
@@ -87,7 +85,8 @@ ExitCode examine(const Invocation& invocation, Console& console)
         for (Finding& finding : check.run())
             rows.push_back({check.topic, std::move(finding)});
     }
-    const auto faults = std::ranges::count_if(rows, [](const Row& row) { return row.finding.level == Level::Wrong; });
+    const auto faults =
+        std::ranges::count_if(rows, [](const Row& row) { return row.finding.severity == Severity::Wrong; });
     if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(Table(kColumns, rows).json()));
     else

@@ -7,12 +7,12 @@
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/FileCheck.h"
-#include "tools/store/Finding.h"
 #include "tools/store/StoreCheck.h"
 #include "tools/store/StoreFiles.h"
 #include "tools/store/StoreRepair.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/Finding.h"
 #include "tools/zynphone/Text.h"
 
 #include <QtCore/QDir>
@@ -58,14 +58,14 @@ public:
         m_left = checkStore(StoreFiles(m_directory));
     }
 
-    bool isValid() const { return m_left.isEmpty(); }
+    bool isValid() const { return m_left.empty(); }
 
     QString text() const
     {
         const QString saved = m_copy.isEmpty() ? QString() : u"saved %1\n"_s.arg(printable(m_copy));
         return saved + m_done.text() + m_left.text()
-               + u"%1: %2, %3 left\n"_s.arg(printable(m_directory), counted(m_done.count(), "repair"),
-                                            counted(m_left.count(), "problem"));
+               + u"%1: %2, %3 left\n"_s.arg(printable(m_directory), counted(qsizetype(m_done.size()), "repair"),
+                                            counted(qsizetype(m_left.size()), "problem"));
     }
 
     QJsonObject json() const
@@ -121,12 +121,13 @@ ExitCode verifyStore(const Invocation& invocation, Console& console)
     const Findings findings = checkStore(files);
     if (invocation.isSet(u"json"_s))
         console.write(QJsonDocument(QJsonObject{{u"directory"_s, files.directory()},
-                                                {u"sound"_s, findings.isEmpty()},
+                                                {u"sound"_s, findings.empty()},
                                                 {u"problems"_s, findings.json("problem")}}));
     else
-        console.write(findings.text() + formerFiles(files).text()
-                      + u"%1: %2\n"_s.arg(printable(files.directory()), counted(findings.count(), "problem")));
-    return findings.isEmpty() ? Done : Failed;
+        console.write(
+            findings.text() + formerFiles(files).text()
+            + u"%1: %2\n"_s.arg(printable(files.directory()), counted(qsizetype(findings.size()), "problem")));
+    return findings.empty() ? Done : Failed;
 }
 
 /// Makes it sound, and tells what was done and what is left.
@@ -170,25 +171,25 @@ QByteArray readFile(const QString& path)
     throw failure(u"%1: cannot be read"_s.arg(path));
 }
 
-QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileFindings& findings)
+QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileReport& report)
 {
     return {{u"file"_s, path},
-            {u"kind"_s, findings.kind},
+            {u"kind"_s, report.kind},
             {u"size"_s, image.size()},
-            {u"sound"_s, findings.isValid()},
-            {u"problems"_s, QJsonArray::fromStringList(problemTexts(findings))},
-            {u"slots"_s, findings.usedSlots.json()}};
+            {u"sound"_s, report.isValid()},
+            {u"problems"_s, QJsonArray::fromStringList(report.findings.placedTexts())},
+            {u"slots"_s, report.usedSlots.json()}};
 }
 
-QString textReport(const QString& path, const FileFindings& findings)
+QString textReport(const QString& path, const FileReport& report)
 {
-    const QString verdict = findings.isValid() ? u"sound"_s : u"not sound"_s;
-    QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), findings.kind,
-                                                     QString::number(findings.usedSlots.count()), verdict)};
-    for (const QString& problem : problemTexts(findings))
+    const QString verdict = report.isValid() ? u"sound"_s : u"not sound"_s;
+    QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), report.kind,
+                                                     QString::number(report.usedSlots.count()), verdict)};
+    for (const QString& problem : report.findings.placedTexts())
         lines += u"  "_s + problem;
-    const QString report = lines.join(u'\n') + u'\n';
-    return findings.usedSlots.isEmpty() ? report : report + findings.usedSlots.text();
+    const QString text = lines.join(u'\n') + u'\n';
+    return report.usedSlots.isEmpty() ? text : text + report.usedSlots.text();
 }
 
 ExitCode inspectFile(const Invocation& invocation, Console& console)
@@ -196,12 +197,12 @@ ExitCode inspectFile(const Invocation& invocation, Console& console)
     const QString path = invocation.argument(0);
     const QByteArray image = readFile(path);
     const QString name = QFileInfo(path).fileName();
-    const FileFindings findings = kindOf(path, name, image).check(name, image);
+    const FileReport report = kindOf(path, name, image).check(name, image);
     if (invocation.isSet(u"json"_s))
-        console.write(QJsonDocument(jsonReport(path, image, findings)));
+        console.write(QJsonDocument(jsonReport(path, image, report)));
     else
-        console.write(textReport(path, findings));
-    return findings.isValid() ? Done : Failed;
+        console.write(textReport(path, report));
+    return report.isValid() ? Done : Failed;
 }
 
 ExitCode inspect(const Invocation& invocation, Console& console)

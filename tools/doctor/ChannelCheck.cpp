@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 /// Whoever is to listen on a channel of the library.
@@ -119,10 +119,10 @@ Findings checkChannel(const QByteArray& root, const QCString& channel)
     if (!exists(path))
         return {nobody(channel)};
     if (const auto fault = privateDirectoryFault(path))
-        return {wrong(path, *fault)};
+        return {*fault};
     if (const auto directory = ChannelDirectory::open(root, channel))
         return checkListeners(root, channel, *directory);
-    return {wrong(path, {u"it cannot be used"_s, u"remove it"_s})};
+    return {wrong(QFile::decodeName(path), u"it cannot be used"_s, u"remove it"_s)};
 }
 
 } // namespace
@@ -136,7 +136,7 @@ Findings checkChannels()
     if (!exists(root))
         return {note(name, u"it does not exist yet; whoever sends or listens first makes it"_s), nobody(kPhoneChannel)};
     if (const auto fault = privateDirectoryFault(root))
-        return {wrong(root, *fault)};
+        return {*fault};
     Findings findings{ok(name, u"this user's alone"_s)};
     QList<QCString> channels(std::begin(kChannels), std::end(kChannels));
     for (const QCString& channel : ChannelDirectory::channels(root)) {
@@ -150,4 +150,4 @@ Findings checkChannels()
     return findings;
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

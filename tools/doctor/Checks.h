@@ -1,9 +1,9 @@
 // What is looked at on a desk where nothing arrives. No check changes anything.
 #pragma once
 
-#include "tools/doctor/Finding.h"
+#include "tools/zynphone/Finding.h"
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 
 /// The variables that name directories, and what they name.
 Findings checkEnvironment();
@@ -18,4 +18,4 @@ Findings checkSettings();
 /// Which features are switched on.
 Findings checkSwitches();
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

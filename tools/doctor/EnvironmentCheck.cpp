@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 Finding relativePath(const QString& variable)
@@ -24,7 +24,7 @@ Finding checkChannelPath(const QString& variable, const QByteArray& value)
     const QByteArray root = zyn::ChannelEnvironment::current().root();
     if (root.isEmpty())
         return relativePath(variable);
-    const std::optional<Fault> above = exists(root) ? std::nullopt : writableDirectoryFault(parentOf(root));
+    const std::optional<Finding> above = exists(root) ? std::nullopt : writableDirectoryFault(parentOf(root));
     if (above)
         return wrong(variable,
                      u"nobody can make the directory %1: above it, %2"_s.arg(QFile::decodeName(value), above->text),
@@ -39,9 +39,9 @@ Finding checkRuntimePath(const QString& variable, const QByteArray& value)
     if (!value.startsWith('/'))
         return relativePath(variable);
     const QByteArray root = zyn::ChannelEnvironment::current().root();
-    std::optional<Fault> fault = privateDirectoryFault(value);
+    std::optional<Finding> fault = privateDirectoryFault(value);
     if (!fault && root.isEmpty())
-        fault = {u"it may not be used"_s, u"name a directory that is yours alone"_s};
+        fault = wrong(QFile::decodeName(value), u"it may not be used"_s, u"name a directory that is yours alone"_s);
     if (!fault)
         return ok(variable, u"the channels are in %1"_s.arg(QFile::decodeName(root)));
     return wrong(variable, u"no channel can be used with %1: %2"_s.arg(QFile::decodeName(value), fault->text),
@@ -53,7 +53,7 @@ Finding checkDataPath(const QString& variable, const QByteArray& value)
     const QByteArray directory = value.trimmed();
     if (!directory.isEmpty() && !directory.startsWith('/'))
         return relativePath(variable);
-    const std::optional<Fault> fault = writableDirectoryFault(parentOf(zyn::storeDirectoryPath()));
+    const std::optional<Finding> fault = writableDirectoryFault(parentOf(zyn::storeDirectoryPath()));
     if (fault && !exists(zyn::storeDirectoryPath()))
         return wrong(variable, u"no store can be made in %1: %2"_s.arg(QFile::decodeName(directory), fault->text),
                      fault->remedy);
@@ -110,4 +110,4 @@ Findings checkEnvironment()
     return findings;
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

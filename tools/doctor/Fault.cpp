@@ -15,7 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 constexpr mode_t kPermissions = 07777;
@@ -33,17 +33,18 @@ bool isPlain(char character)
 }
 
 /// What errno tells of a path that cannot be looked at.
-Fault unreachable(const QByteArray& path, const QString& remedyWhenMissing)
+Finding unreachable(const QByteArray& path, const QString& remedyWhenMissing)
 {
     if (errno == ENOENT)
-        return {u"it does not exist"_s, remedyWhenMissing};
-    return {u"it cannot be reached: %1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))),
-            u"look at the directories above it: namei -l %1"_s.arg(shellWord(path))};
+        return wrong(nameOf(path), u"it does not exist"_s, remedyWhenMissing);
+    return wrong(nameOf(path), u"it cannot be reached: %1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))),
+                 u"look at the directories above it: namei -l %1"_s.arg(shellWord(path)));
 }
 
-Fault noDirectory(const QByteArray& path)
+Finding noDirectory(const QByteArray& path)
 {
-    return {u"it is no directory"_s, u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old"))};
+    return wrong(nameOf(path), u"it is no directory"_s,
+                 u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old")));
 }
 
 } // namespace
@@ -66,7 +67,7 @@ QByteArray existingPart(QByteArray path)
     return path;
 }
 
-std::optional<Fault> privateDirectoryFault(const QByteArray& path)
+std::optional<Finding> privateDirectoryFault(const QByteArray& path)
 {
     const bool isPrivate = posix::openPrivateDirectory(path).isValid();
     if (isPrivate && ::access(path.constData(), R_OK | W_OK | X_OK) == 0)
@@ -75,18 +76,20 @@ std::optional<Fault> privateDirectoryFault(const QByteArray& path)
     if (::lstat(path.constData(), &status) != 0)
         return unreachable(path, u"mkdir -m 700 %1"_s.arg(shellWord(path)));
     if (S_ISLNK(status.st_mode))
-        return Fault{u"it is a symbolic link, which is not followed"_s, u"name the directory that it leads to"_s};
+        return wrong(nameOf(path), u"it is a symbolic link, which is not followed"_s,
+                     u"name the directory that it leads to"_s);
     if (!S_ISDIR(status.st_mode))
         return noDirectory(path);
     if (status.st_uid != ::geteuid())
-        return Fault{u"it belongs to user %1, not to you, user %2"_s.arg(status.st_uid).arg(::geteuid()),
-                     u"name a directory of your own, or run as its owner"_s};
+        return wrong(nameOf(path), u"it belongs to user %1, not to you, user %2"_s.arg(status.st_uid).arg(::geteuid()),
+                     u"name a directory of your own, or run as its owner"_s);
     const QString harm = isPrivate ? u"you may not read, write and enter it"_s : u"other users could read along"_s;
-    return Fault{u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')).arg(harm),
-                 u"chmod 700 %1"_s.arg(shellWord(path))};
+    return wrong(nameOf(path),
+                 u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')).arg(harm),
+                 u"chmod 700 %1"_s.arg(shellWord(path)));
 }
 
-std::optional<Fault> writableDirectoryFault(const QByteArray& path)
+std::optional<Finding> writableDirectoryFault(const QByteArray& path)
 {
     struct stat status = {};
     if (::stat(path.constData(), &status) != 0)
@@ -94,31 +97,27 @@ std::optional<Fault> writableDirectoryFault(const QByteArray& path)
     if (!S_ISDIR(status.st_mode))
         return noDirectory(path);
     if (::access(path.constData(), W_OK | X_OK) != 0)
-        return Fault{
+        return wrong(
+            nameOf(path),
             u"you may not write in it; it belongs to user %1, you are user %2"_s.arg(status.st_uid).arg(::geteuid()),
             status.st_uid == ::geteuid() ? u"chmod u+rwx %1"_s.arg(shellWord(path))
-                                         : u"run as its owner, or name another directory"_s};
+                                         : u"run as its owner, or name another directory"_s);
     return std::nullopt;
 }
 
-std::optional<Fault> fileFault(const QByteArray& path, bool isWritten)
+std::optional<Finding> fileFault(const QByteArray& path, bool isWritten)
 {
     struct stat status = {};
     if (::stat(path.constData(), &status) != 0)
         return unreachable(path, u"remove what is there: rm %1"_s.arg(shellWord(path)));
     if (!S_ISREG(status.st_mode))
-        return Fault{u"it is no regular file"_s,
-                     u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old"))};
+        return wrong(nameOf(path), u"it is no regular file"_s,
+                     u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old")));
     if (::access(path.constData(), R_OK) != 0)
-        return Fault{u"you may not read it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path))};
+        return wrong(nameOf(path), u"you may not read it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path)));
     if (isWritten && ::access(path.constData(), W_OK) != 0)
-        return Fault{u"you may not write it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path))};
+        return wrong(nameOf(path), u"you may not write it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path)));
     return std::nullopt;
-}
-
-Finding wrong(const QByteArray& path, const Fault& fault)
-{
-    return wrong(nameOf(path), fault.text, fault.remedy);
 }
 
 QString shellWord(const QByteArray& path)
@@ -129,4 +128,4 @@ QString shellWord(const QByteArray& path)
     return u'\'' + name.replace(u'\'', u"'\\''"_s) + u'\'';
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

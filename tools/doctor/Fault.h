@@ -1,19 +1,13 @@
 // Why a directory or a file cannot be used.
 #pragma once
 
-#include "tools/doctor/Finding.h"
+#include "tools/zynphone/Finding.h"
 
 #include <QtCore/QByteArray>
 
 #include <optional>
 
-namespace zyn::tool::doctor {
-
-struct Fault
-{
-    QString text;
-    QString remedy;
-};
+namespace zyn::tool {
 
 /// Whether anything of that name exists, be it a link that leads nowhere or out of this user's reach.
 bool exists(const QByteArray& path);
@@ -25,18 +19,15 @@ QByteArray parentOf(const QByteArray& path);
 QByteArray existingPart(QByteArray path);
 
 /// Why @p path is no directory that is this user's alone, as channels need it; nothing when it is one.
-std::optional<Fault> privateDirectoryFault(const QByteArray& path);
+std::optional<Finding> privateDirectoryFault(const QByteArray& path);
 
 /// Why @p path is no directory in which this user may make files; nothing when it is one.
-std::optional<Fault> writableDirectoryFault(const QByteArray& path);
+std::optional<Finding> writableDirectoryFault(const QByteArray& path);
 
 /// Why @p path is no file that this user may read, and write when @p isWritten is set; nothing when it is one.
-std::optional<Fault> fileFault(const QByteArray& path, bool isWritten);
-
-/// That @p path has @p fault.
-Finding wrong(const QByteArray& path, const Fault& fault);
+std::optional<Finding> fileFault(const QByteArray& path, bool isWritten);
 
 /// @p path as a word of a shell's command line.
 QString shellWord(const QByteArray& path);
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 struct Service
@@ -31,8 +31,8 @@ std::optional<Finding> directoryFault(const Service& service, const SocketProbe&
                              || probe.state == SocketProbe::NoSocket || probe.state == SocketProbe::Failed;
     if (!isUnreached || !exists(directory))
         return std::nullopt;
-    const std::optional<Fault> fault = writableDirectoryFault(directory);
-    return fault ? std::optional(wrong(directory, *fault)) : std::nullopt;
+    const std::optional<Finding> fault = writableDirectoryFault(directory);
+    return fault ? std::optional(*fault) : std::nullopt;
 }
 
 Finding checkService(const Service& service)
@@ -77,4 +77,4 @@ Findings checkServices()
     return findings;
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

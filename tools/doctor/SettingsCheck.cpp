@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 struct SettingsPath
@@ -51,7 +51,7 @@ Finding checkFile(const SettingsPath& file)
     if (!exists(name))
         return note(path, u"it does not exist: every setting in it has its default"_s);
     if (const auto fault = fileFault(name, file.isWritten))
-        return wrong(name, *fault);
+        return *fault;
     return checkLines(path);
 }
 
@@ -60,7 +60,7 @@ Findings checkDirectory()
 {
     const QByteArray part = existingPart(QFile::encodeName(settingsDirectory()));
     const auto fault = writableDirectoryFault(part);
-    return fault ? Findings{wrong(part, *fault)} : Findings{};
+    return fault ? Findings{*fault} : Findings{};
 }
 
 Finding checkEmergencyList()
@@ -69,7 +69,7 @@ Finding checkEmergencyList()
     if (!exists(emergency::kListFile))
         return note(path, u"it does not exist: no number is an emergency number"_s);
     if (const auto fault = fileFault(emergency::kListFile, false))
-        return wrong(emergency::kListFile, *fault);
+        return *fault;
     return ok(path, u"%1 emergency numbers"_s.arg(emergency::readList().size()));
 }
 
@@ -113,4 +113,4 @@ Findings checkSwitches()
     return findings;
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

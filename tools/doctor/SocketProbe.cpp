@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 
 SocketProbe SocketProbe::at(const QByteArray& path)
 {
@@ -69,4 +69,4 @@ QString processText(pid_t process)
     return name.isEmpty() ? u"process %1"_s.arg(process) : u"process %1 (%2)"_s.arg(process).arg(name);
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

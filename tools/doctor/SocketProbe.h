@@ -10,7 +10,7 @@ namespace zyn::posix {
 class UniqueFd;
 }
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 
 /// What connecting to a socket has shown. The connection is closed again at once.
 struct SocketProbe
@@ -43,4 +43,4 @@ bool isStopped(pid_t process);
 /// "process 123 (zyn-phoned)", without a name when the process has gone.
 QString processText(pid_t process);
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool::doctor {
+namespace zyn::tool {
 namespace {
 
 /// Far above the size of every file of the store.
@@ -27,24 +27,23 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
 }
 
 /// Looks into a file with @p check, in words of its kind.
-Finding checkContents(const QByteArray& path, FileFindings (*check)(const QString&, const QByteArray&))
+Finding checkContents(const QByteArray& path, FileReport (*check)(const QString&, const QByteArray&))
 {
     const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);
     if (!image)
         return damaged(path, {u"it is too long"_s});
-    const FileFindings findings = check(QFile::decodeName(path).section(u'/', -1), *image);
-    if (!findings.isValid())
-        return damaged(path, problemTexts(findings));
-    return ok(QFile::decodeName(path),
-              u"%1, %2 in use"_s.arg(findings.kind, QString::number(findings.usedSlots.count())));
+    const FileReport report = check(QFile::decodeName(path).section(u'/', -1), *image);
+    if (!report.isValid())
+        return damaged(path, report.findings.placedTexts());
+    return ok(QFile::decodeName(path), u"%1, %2 in use"_s.arg(report.kind, QString::number(report.usedSlots.count())));
 }
 
 Finding checkFile(const QByteArray& path, const FileKind& kind)
 {
     if (!exists(path))
         return note(QFile::decodeName(path), u"it does not exist yet; its owner makes it"_s);
-    const std::optional<Fault> fault = fileFault(path, true);
-    return fault ? wrong(path, *fault) : checkContents(path, kind.check);
+    const std::optional<Finding> fault = fileFault(path, true);
+    return fault ? *fault : checkContents(path, kind.check);
 }
 
 } // namespace
@@ -55,7 +54,7 @@ Findings checkStore()
     if (!exists(directory))
         return {note(QFile::decodeName(directory), u"it does not exist yet; its owner makes it"_s)};
     if (const auto fault = writableDirectoryFault(directory))
-        return {wrong(directory, *fault)};
+        return {*fault};
     Findings findings{ok(QFile::decodeName(directory), u"files can be made in it"_s)};
     for (const RC_CALL_CATEGORY_T list : kRecordLists)
         findings.push_back(checkFile(directory + recordFileName(list), kRecordFileKind));
@@ -67,4 +66,4 @@ Findings checkStore()
     return findings;
 }
 
-} // namespace zyn::tool::doctor
+} // namespace zyn::tool

@@ -39,16 +39,18 @@ QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T lis
 class SlotCheck
 {
 public:
-    SlotCheck(RC_CALL_CATEGORY_T list, const QStringList& problems)
-        : m_list(list)
-        , m_problems(problems)
-    {}
+    SlotCheck(const QString& name, RC_CALL_CATEGORY_T list, const QStringList& problems)
+        : m_name(name)
+        , m_list(list)
+    {
+        m_findings.add(m_name, problems);
+    }
 
     void check(const Call& record, int place)
     {
-        m_problems.add(place, recordProblems(record, place, m_list));
+        m_findings.add(m_name, {kSlotWord, place}, recordProblems(record, place, m_list));
         if (const auto other = m_placeOfUid.constFind(record.uid); other != m_placeOfUid.cend())
-            m_problems.add(place, u"uid %1 is that of slot %2 too"_s.arg(record.uid).arg(*other));
+            m_findings.add(m_name, {kSlotWord, place}, u"uid %1 is that of slot %2 too"_s.arg(record.uid).arg(*other));
         else
             m_placeOfUid.insert(record.uid, place);
         m_records.push_back(record);
@@ -58,16 +60,17 @@ public:
     void lookAtFree(const Call& record, int place)
     {
         if (zyn::bytesOf(record) != zyn::bytesOf(Call()))
-            m_problems.add(place, u"it is free but not blank"_s);
+            m_findings.add(m_name, {kSlotWord, place}, u"it is free but not blank"_s);
     }
 
-    const Problems& problems() const { return m_problems; }
+    const Findings& findings() const { return m_findings; }
     Table table() const { return Table(slotColumns(), m_records); }
 
 private:
-    RC_CALL_CATEGORY_T m_list;
+    const QString m_name;
+    const RC_CALL_CATEGORY_T m_list;
     QHash<int32_t, int> m_placeOfUid;
-    Problems m_problems;
+    Findings m_findings;
     std::vector<Call> m_records;
 };
 
@@ -97,8 +100,9 @@ class EntryCheck
 public:
     EntryCheck(const QString& name, const QStringList& problems)
         : m_name(name)
-        , m_problems(problems)
-    {}
+    {
+        m_findings.add(m_name, problems);
+    }
 
     void check(const QByteArray& image, int slot)
     {
@@ -106,21 +110,21 @@ public:
         ContactFile::read(entry, image, slot);
         if (entry.inUse == 0) {
             if (ContactFile::bytes(entry) != ContactFile::bytes(m_blank))
-                m_problems.add(slot, u"it is free but not blank"_s);
+                m_findings.add(m_name, {kSlotWord, slot}, u"it is free but not blank"_s);
             m_entries.pop_back();
             return;
         }
-        m_problems.add(slot, entryProblems(entry, slot, m_name));
+        m_findings.add(m_name, {kSlotWord, slot}, entryProblems(entry, slot, m_name));
         entry.topPalsAvlPos = slot;
     }
 
-    const Problems& problems() const { return m_problems; }
+    const Findings& findings() const { return m_findings; }
     Table table() const { return Table(activityColumns(), m_entries); }
 
 private:
     const QString m_name;
     const Entry m_blank;
-    Problems m_problems;
+    Findings m_findings;
     std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
 };
 
@@ -154,6 +158,52 @@ QStringList placeProblems(const TopPalNumberDetail& detail, int place)
 
 } // namespace
 
+QStringList headerProblems(const QByteArray& image)
+{
+    StoreFileHeader header{0, 0};
+    if (image.size() < qsizetype{sizeof header})
+        return {u"the header is cut short"_s};
+    std::memcpy(&header, image.constData(), sizeof header);
+    QStringList problems;
+    if (header.magic != header.kMagic)
+        problems += u"the magic is 0x%1, not 0x%2"_s.arg(header.magic, 8, 16, QLatin1Char('0'))
+                        .arg(header.kMagic, 8, 16, QLatin1Char('0'));
+    if (header.version != header.kVersion)
+        problems += u"the version is %1, not %2"_s.arg(header.version).arg(header.kVersion);
+    return problems;
+}
+
+QStringList sizeProblems(const QByteArray& image, qint64 expected)
+{
+    if (image.size() == expected)
+        return {};
+    return {u"the size is %1 bytes, not %2"_s.arg(image.size()).arg(expected)};
+}
+
+QStringList flagProblems(const PHONE_ENG_RecentCall& call)
+{
+    QStringList problems;
+    if ((call.readFlags & ~kKnownReadFlags) != 0)
+        problems += u"the read flags are 0x%1"_s.arg(call.readFlags, 2, 16, QLatin1Char('0'));
+    if (call.inUse != 1)
+        problems += u"the flag of its use is %1"_s.arg(int{call.inUse});
+    if (call.completed > 1)
+        problems += u"the flag of its completion is %1"_s.arg(call.completed);
+    return problems;
+}
+
+QStringList textProblems(const PHONE_ENG_RecentCall& call)
+{
+    QStringList problems;
+    if (!isTerminated(call.phoneNumber))
+        problems += u"the number has no NUL"_s;
+    if (!isTerminated(call.displayName))
+        problems += u"the name has no NUL"_s;
+    if (!isTerminated(call.pttSessionId))
+        problems += u"the session id has no NUL"_s;
+    return problems;
+}
+
 QString recordFile(RC_CALL_CATEGORY_T list)
 {
     return QLatin1String(recordFileName(list)).sliced(1);
@@ -175,13 +225,13 @@ bool isRecordFileImage(const QByteArray& image)
     return RecordFile::isValid(image);
 }
 
-FileFindings checkRecordFile(const QString& name, const QByteArray& image)
+FileReport checkRecordFile(const QString& name, const QByteArray& image)
 {
     const RC_CALL_CATEGORY_T list = listOfFile(name);
     QStringList problems = headerProblems(image);
     const int places = problems.isEmpty() ? RecordFile::count(image) : 0;
     problems += sizeProblems(image, RecordFile::size());
-    SlotCheck check(list, problems);
+    SlotCheck check(name, list, problems);
     for (int place = 0; place < places; ++place) {
         if (RecordFile::isInUse(image, place))
             check.check(RecordFile::at(image, place), place);
@@ -189,7 +239,7 @@ FileFindings checkRecordFile(const QString& name, const QByteArray& image)
             check.lookAtFree(RecordFile::at(image, place), place);
     }
     const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
-    return {kind, kSlotWord, check.problems(), check.table()};
+    return {kind, check.findings(), check.table()};
 }
 
 bool isContactFileName(const QString& name)
@@ -214,7 +264,7 @@ bool isContactFileImage(const QByteArray& image)
     return known >= slots - known;
 }
 
-FileFindings checkContactFile(const QString& name, const QByteArray& image)
+FileReport checkContactFile(const QString& name, const QByteArray& image)
 {
     QStringList problems = headerProblems(image);
     const int slots = problems.isEmpty() ? ContactFile::count(image) : 0;
@@ -222,7 +272,7 @@ FileFindings checkContactFile(const QString& name, const QByteArray& image)
     EntryCheck check(name, problems);
     for (int slot = 0; slot < slots; ++slot)
         check.check(image, slot);
-    return {u"activities of a favourite"_s, kSlotWord, check.problems(), check.table()};
+    return {u"activities of a favourite"_s, check.findings(), check.table()};
 }
 
 bool isFavouritesFileName(const QString& name)
@@ -235,9 +285,10 @@ bool isFavouritesFileImage(const QByteArray& image)
     return DetailsFile::isValid(image);
 }
 
-FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& image)
+FileReport checkFavouritesFile(const QString& name, const QByteArray& image)
 {
-    Problems problems(headerProblems(image) + sizeProblems(image, DetailsFile::size()));
+    Findings findings;
+    findings.add(name, headerProblems(image) + sizeProblems(image, DetailsFile::size()));
     const int places = hasValidHeader(image) ? DetailsFile::count(image) : 0;
     std::vector<Favourite> favourites;
     for (int place = 0; place < places; ++place) {
@@ -250,9 +301,9 @@ FileFindings checkFavouritesFile(const QString& /*name*/, const QByteArray& imag
                 found += u"its number is that of place %1 too"_s.arg(other->place);
             favourites.push_back({place, number});
         }
-        problems.add(place, found);
+        findings.add(name, {kPlaceWord, place}, found);
     }
-    return {u"favourites"_s, kPlaceWord, problems, Table(kColumns, favourites)};
+    return {u"favourites"_s, findings, Table(kColumns, favourites)};
 }
 
 } // namespace zyn::tool

@@ -61,7 +61,7 @@ int32_t countEqual(const std::vector<Call>& calls)
 void put(const Call& call, int32_t old, const QString& why, Images& images, Findings& log)
 {
     const QString name = recordFile(call.category);
-    log.add(name, kSlotWord, call.slot, u"uid %1, %2: now %3"_s.arg(old).arg(why).arg(call.uid));
+    log.add(name, {kSlotWord, call.slot}, u"uid %1, %2: now %3"_s.arg(old).arg(why).arg(call.uid));
     RecordFile::put(images.at(name), call.slot, call);
 }
 
@@ -167,7 +167,7 @@ void SlotRepair::tellShape(const QByteArray& image, const QByteArray& result)
 
 void SlotRepair::report(int slot, const QString& text)
 {
-    m_log.add(m_name, kSlotWord, slot, text);
+    m_log.add(m_name, {kSlotWord, slot}, text);
 }
 
 void SlotRepair::correctCall(PHONE_ENG_RecentCall& call, int slot)
@@ -307,7 +307,7 @@ void renumberEntries(QByteArray& image, const QString& name, const RenumberedCal
         if (entry.inUse == 0 || entry.msgType != 0 || made == calls.end())
             continue;
         entry.uid = made->call.uid;
-        log.add(name, kSlotWord, slot, u"uid %1, as its call: now %2"_s.arg(made->oldUid).arg(entry.uid));
+        log.add(name, {kSlotWord, slot}, u"uid %1, as its call: now %2"_s.arg(made->oldUid).arg(entry.uid));
         ContactFile::put(image, slot, entry);
     }
 }
@@ -373,7 +373,7 @@ void FavouritesRepair::keep(const Detail& found, int place, bool isTrusted)
 
 void FavouritesRepair::report(int place, const QString& text)
 {
-    m_log.add(fileName(), kPlaceWord, place, text);
+    m_log.add(fileName(), {kPlaceWord, place}, text);
 }
 
 bool FavouritesRepair::hasFile(const QString& number) const

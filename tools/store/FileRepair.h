@@ -5,8 +5,8 @@
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
 #include "recentcall/utility/store/RecordFile_p.h"
-#include "tools/store/Finding.h"
 #include "tools/store/StoreFiles.h"
+#include "tools/zynphone/Finding.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

@@ -5,7 +5,7 @@
 #include "platform/posix/FileLock_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/FileCheck.h"
-#include "tools/store/Finding.h"
+#include "tools/zynphone/Finding.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>
@@ -70,9 +70,9 @@ private:
     void lookInto(StoreRole role, const QString& name, const QByteArray& image)
     {
         if (role == StoreRole::Calls)
-            m_findings.add(name, checkRecordFile(name, image));
+            m_findings.add(checkRecordFile(name, image).findings);
         else if (role == StoreRole::Favourites)
-            m_findings.add(name, checkFavouritesFile(name, image));
+            m_findings.add(checkFavouritesFile(name, image).findings);
         else if (role == StoreRole::Contact)
             lookIntoContact(name, image);
         const QStringList problems = role == StoreRole::SeenCalls ? seenCallsProblems(image)
@@ -88,7 +88,7 @@ private:
     {
         if (!isAmong(m_favourites, name))
             m_findings.add(name, u"no favourite has this number"_s);
-        m_findings.add(name, checkContactFile(name, image));
+        m_findings.add(checkContactFile(name, image).findings);
     }
 
     /// Finds the uids that more than one list has.
@@ -105,7 +105,7 @@ private:
                 if (owner.isEmpty())
                     owners.insert(uid, u"%1, slot %2"_s.arg(name).arg(place));
                 else if (!owner.startsWith(name))
-                    m_findings.add(name, kSlotWord, place, u"uid %1 is that of %2 too"_s.arg(uid).arg(owner));
+                    m_findings.add(name, {kSlotWord, place}, u"uid %1 is that of %2 too"_s.arg(uid).arg(owner));
             }
         }
     }
@@ -115,9 +115,9 @@ private:
         const QString details = QLatin1String(zyn::kTopPalsDetailsName);
         for (const auto& [place, number] : m_favourites) {
             if (!zyn::canNameContactFile(number))
-                m_findings.add(details, kPlaceWord, place, u"no file can have the number '%1'"_s.arg(number));
+                m_findings.add(details, {kPlaceWord, place}, u"no file can have the number '%1'"_s.arg(number));
             else if (!m_files.images().contains(number))
-                m_findings.add(details, kPlaceWord, place, u"the favourite %1 has no file"_s.arg(number));
+                m_findings.add(details, {kPlaceWord, place}, u"the favourite %1 has no file"_s.arg(number));
         }
     }
 

@@ -1,8 +1,8 @@
 // Checks all files of a store directory, each for itself and with the others.
 #pragma once
 
-#include "tools/store/Finding.h"
 #include "tools/store/StoreFiles.h"
+#include "tools/zynphone/Finding.h"
 
 namespace zyn::tool {
 

@@ -5,8 +5,8 @@
 #include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/store/FileCheck.h"
-#include "tools/store/Finding.h"
 #include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/Finding.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QDateTime>

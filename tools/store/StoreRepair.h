@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/store/FileRepair.h"
-#include "tools/store/Finding.h"
 #include "tools/store/StoreFiles.h"
+#include "tools/zynphone/Finding.h"
 
 #include <QtCore/QStringList>
 

@@ -11,10 +11,10 @@ namespace zyn::tool {
 namespace {
 
 /// Follows the words in front of the one to complete.
-class Place
+class Cursor
 {
 public:
-    explicit Place(const Command& tool)
+    explicit Cursor(const Command& tool)
         : m_command(&tool)
     {}
 
@@ -98,11 +98,11 @@ QString completions(const Command& tool, const QStringList& words)
     before.removeAll(u"="_s);
     if (beginning == "="_L1)
         beginning.clear();
-    Place place(tool);
+    Cursor cursor(tool);
     for (const QString& word : before)
-        place.pass(word);
+        cursor.pass(word);
     QString lines;
-    for (const QString& candidate : place.candidates(beginning)) {
+    for (const QString& candidate : cursor.candidates(beginning)) {
         if (candidate.startsWith(beginning))
             lines += candidate + u'\n';
     }

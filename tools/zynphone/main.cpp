@@ -1,14 +1,13 @@
 // zynphone: the handset's phone library on the command line, for people who develop applications.
 #include "tools/commands/Commands.h"
-#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Completion.h"
 #include "tools/zynphone/Console.h"
 
 #include <QtCore/QCoreApplication>
 
 using namespace Qt::StringLiterals;
-using namespace zyn::tool;
 
+namespace zyn::tool {
 namespace {
 
 Command zynphoneCommand()
@@ -23,15 +22,10 @@ Command zynphoneCommand()
                   statusCommand(),  sendCommand(),    doctorCommand(),    topCommand(),        completionCommand()}};
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+ExitCode run(const QStringList& words)
 {
     Console console;
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
     const Command tool = zynphoneCommand();
-    const QStringList words = application.arguments().mid(1);
     ExitCode code = Done;
     if (words.value(0) == kCompleteVerb)
         console.write(completions(tool, words.mid(1)));
@@ -41,4 +35,14 @@ int main(int argc, char** argv)
         return code;
     console.writeError(u"zynphone: cannot write to standard output: "_s + console.errorString());
     return Failed;
+}
+
+} // namespace
+} // namespace zyn::tool
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
+    return zyn::tool::run(application.arguments().mid(1));
 }

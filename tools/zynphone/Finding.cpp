@@ -1,0 +1,70 @@
+// What a look at files or at the desk finds: for inspect, its --verify and --repair, and doctor.
+#include "tools/zynphone/Finding.h"
+
+#include "tools/zynphone/Console.h"
+
+#include <QtCore/QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::tool {
+
+QString Finding::placedText() const
+{
+    return place ? u"%1 %2: "_s.arg(QLatin1String(place->word)).arg(place->number) + text : text;
+}
+
+void Findings::add(const QString& subject, const QString& text)
+{
+    push_back({.subject = subject, .text = text});
+}
+
+void Findings::add(const QString& subject, const QStringList& texts)
+{
+    for (const QString& text : texts)
+        add(subject, text);
+}
+
+void Findings::add(const QString& subject, Finding::Place place, const QString& text)
+{
+    push_back({.subject = subject, .place = place, .text = text});
+}
+
+void Findings::add(const QString& subject, Finding::Place place, const QStringList& texts)
+{
+    for (const QString& text : texts)
+        add(subject, place, text);
+}
+
+void Findings::add(const Findings& others)
+{
+    insert(end(), others.begin(), others.end());
+}
+
+QStringList Findings::placedTexts() const
+{
+    QStringList texts;
+    for (const Finding& finding : *this)
+        texts += finding.placedText();
+    return texts;
+}
+
+QString Findings::text() const
+{
+    QString lines;
+    for (const Finding& finding : *this)
+        lines += printable(finding.subject + u": "_s + finding.placedText()) + u'\n';
+    return lines;
+}
+
+QJsonArray Findings::json(const char* textKey) const
+{
+    QJsonArray objects;
+    for (const Finding& finding : *this) {
+        const QJsonValue slot = finding.place ? QJsonValue(finding.place->number) : QJsonValue();
+        objects += QJsonObject{{u"file"_s, finding.subject}, {u"slot"_s, slot}, {QLatin1String(textKey), finding.text}};
+    }
+    return objects;
+}
+
+} // namespace zyn::tool
