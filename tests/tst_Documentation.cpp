@@ -15,9 +15,8 @@
 #include "utility/PHONE_CommandSocket_p.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_Settings_p.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
-#include "utility/PHONE_VoiceCallReply_p.h"
 #include "utility/message/Payload_p.h"
 #include "utility/message/PhoneMessages_p.h"
 

@@ -13,8 +13,7 @@
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_VoiceCall.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
-#include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QDir>

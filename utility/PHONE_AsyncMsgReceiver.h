@@ -16,8 +16,8 @@ using PHONE_SERVICE_PROVIDER_DATA_S = SERVICE_PROVIDER_DATA_S;
 /**
  * Passes on the phone status to any number of receivers, so that a process decodes each message once.
  *
- * Each signal is emitted when that of PHONE_MsgClient with the same name is, with the same arguments. To be
- * used from one thread, whose event loop it needs.
+ * Each signal is emitted when that of PHONE_MsgClient with the same name is, with the same arguments. To be used from
+ * one thread, whose event loop it needs.
  */
 class ZYN_EXPORT PHONE_AsyncMsgReceiver : public QObject
 {
@@ -26,8 +26,7 @@ class ZYN_EXPORT PHONE_AsyncMsgReceiver : public QObject
 public:
     /// The process's relay, made at the first call and after destruction(). The library owns it.
     static PHONE_AsyncMsgReceiver* instance();
-    /// Ends the process's relay, if there is one, for all its users; a receiver may call it while it is being
-    /// served.
+    /// Ends the process's relay, if there is one, for all its users; a receiver may call it while it is being served.
     static void destruction();
 
     /// A relay with a client of its own, which the process does not share.

@@ -1,20 +1,29 @@
-// The client's end of a command socket.
+// Command sockets: the directories in which services keep them, and the client's end.
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
+#include "platform/posix/PathAt_p.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <algorithm>
 
 namespace zyn {
 
+QString socketDirectory(const char* directory)
+{
+    constexpr mode_t kOpenToAll = 0777;
+    posix::makeDirectory(directory, kOpenToAll);
+    posix::setMode(directory, kOpenToAll);
+    return QLatin1String(directory) + QLatin1Char('/');
+}
+
 posix::UniqueFd connectCommandSocket(const QString& path, int receiveBufferSize, int32_t greeting)
 {
     posix::UniqueFd socket = posix::connectUnix(path.toLatin1(), kCommandTimeout);
     if (!socket.isValid())
         return {};
-    // The directory is open to all: what answers there may be anybody's.
+    // The directory is open to all: any user may listen there.
     if (!posix::isPeerTrusted(socket.get()))
         return {};
     posix::setBufferSizes(socket.get(), kSendBufferSize, receiveBufferSize);

@@ -1,4 +1,4 @@
-// The client's end of a command socket.
+// Command sockets: the directories in which services keep them, and the client's end.
 #pragma once
 
 #include "platform/posix/UniqueFd_p.h"
@@ -10,6 +10,10 @@
 #include <span>
 
 namespace zyn {
+
+/// Creates @p directory open to all users, whatever the umask, and gives its path with a final slash. Failures are left
+/// to whoever connects. A symbolic link of that name is not followed when the mode is set.
+QString socketDirectory(const char* directory);
 
 /// The command that opens every connection; its data is one number.
 inline constexpr int32_t kGreetingCommand = 0;

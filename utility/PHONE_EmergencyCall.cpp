@@ -14,15 +14,14 @@ namespace {
 
 bool mayBecomeImeiCode(const QString& input)
 {
-    return UTIL_GetKeypadLockStatus() == emergency::kImeiKeypadStatus
-           && QLatin1String(emergency::kImeiCode).startsWith(input);
+    return zyn::isKeypadUnlocked(UTIL_GetKeypadLockStatus()) && QLatin1String(emergency::kImeiCode).startsWith(input);
 }
 
 bool mayBecomePinCode(const QString& input)
 {
     const int simCard = UTIL_GetSimCardStatus();
     PHONE_Log(kPhoneLogLevel, "Sim card status = %d", simCard);
-    if (!emergency::allowsPinCodes(simCard))
+    if (!zyn::isSimCardReady(simCard))
         return false;
     const bool found = std::ranges::any_of(emergency::kPinCodes,
                                            [&](const char* code) { return QLatin1String(code).startsWith(input); });

@@ -6,10 +6,10 @@
 #include <QtCore/QString>
 
 // The emergency numbers are in the file "/tmp/emergency_call", which every question reads anew, to its end. A missing
-// file has none, and one that breaks off has those in front of the break. Of what is no regular file no more than 1,560
+// file has none, and one that breaks off has those in front of the break. Of anything but a regular file at most 1,560
 // records are read. Texts are compared character by character.
 
-/// Whether @p number (Latin-1) is an emergency number; a null one is none.
+/// Whether @p number (Latin-1) is an emergency number; null is not.
 ZYN_EXPORT bool PHONE_IsEmergencyCall(char* number);
 /// The same.
 ZYN_EXPORT bool PHONE_IsEmergencyCallNumber(char* number);
@@ -17,8 +17,8 @@ ZYN_EXPORT bool PHONE_IsEmergencyCallNumber(char* number);
 /**
  * Whether @p input, the text typed so far, may still become an emergency number or a control code that is allowed now.
  *
- * The code that shows the IMEI is allowed while the keypad lock status is 0, the codes that change and
- * unblock the PINs while the SIM card status is 0 or 3. An empty text may become nothing.
+ * The code that shows the IMEI is allowed while the keypad lock status is 0, the codes that change and unblock the PINs
+ * while the SIM card status is 0 or 3. An empty text is refused.
  */
 ZYN_EXPORT bool PHONE_IsEmergencyCallInput(QString const& input);
 /// The same.

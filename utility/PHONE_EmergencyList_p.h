@@ -15,7 +15,21 @@
 #include <optional>
 #include <vector>
 
-namespace zyn::emergency {
+namespace zyn {
+
+/// Whether the keypad lock status @p status lets any number be dialed.
+constexpr bool isKeypadUnlocked(int status)
+{
+    return status == 0;
+}
+
+/// Whether the SIM card status @p status lets calls be placed on the card.
+constexpr bool isSimCardReady(int status)
+{
+    return status == 0 || status == 3;
+}
+
+namespace emergency {
 
 inline constexpr char kListFile[] = "/tmp/emergency_call";
 
@@ -23,30 +37,24 @@ inline constexpr char kListFile[] = "/tmp/emergency_call";
 using Record = std::array<char, 42>;
 static_assert(sizeof(Record) == 42);
 
-/// How many records are written, and how many of what is no regular file are read: whatever somebody puts under the
-/// file's name, a question has an end.
+/// How many records are written at most, and read of anything but a regular file: whatever is put under the file's
+/// name, reading it ends.
 inline constexpr int kRecordLimit = 1560;
 
-/// How many records are read at a time: all of any list but a huge one. What is written in place between two reads
-/// would make one list of two.
+/// How many records are read at a time: all of any list but a huge one, as a list rewritten between two reads would be
+/// a mix of both.
 inline constexpr int kRecordsAtATime = 400'000;
 
-/// The code that shows the IMEI, and the keypad lock status that allows it.
+/// The code that shows the IMEI, allowed while the keypad is unlocked.
 inline constexpr char kImeiCode[] = "*#06#";
-inline constexpr int kImeiKeypadStatus = 0;
 
-/// The codes that change and unblock PIN and PIN2, in the order in which they are tried.
+/// The codes that change and unblock PIN and PIN2, allowed while the SIM card is ready, in the order in which they are
+/// tried.
 inline constexpr const char* kPinCodes[] = {"**04*", "**042*", "**05*", "**052*"};
 
-/// Whether the SIM card status allows the PIN codes.
-constexpr bool allowsPinCodes(int simCardStatus)
-{
-    return simCardStatus == 0 || simCardStatus == 3;
-}
-
-/// Whether @p isWanted says so of one of the numbers in the file @p path, which it is asked of in their order; of none
-/// when the file cannot be read. A last record that is cut short counts when its NUL is there: a file caught
-/// half-written gives no number that nobody wrote.
+/// Whether @p isWanted holds for one of the numbers in the file @p path, tried in their order; false when the file
+/// cannot be read. A last record that is cut short counts when its NUL is there: a file caught half-written gives no
+/// number that nobody wrote.
 inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const char* path = kListFile)
 {
     const posix::UniqueFd file = posix::openForReading(path);
@@ -68,7 +76,7 @@ inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const
         }
         if (isLast || whole == 0)
             return false;
-        // Holes hold no number, and may be longer than anybody can read.
+        // Holes hold no number, and may be too long to read.
         offset =
             posix::nextData(file.get(), offset + static_cast<off_t>(whole) * kRecordSize) / kRecordSize * kRecordSize;
     }
@@ -87,7 +95,7 @@ inline QStringList readList(const char* path = kListFile)
     return numbers;
 }
 
-/// The record of @p number; nothing when it is empty, above 41 characters, or not what would be read again.
+/// The record of @p number; nothing when it is empty, above 41 characters, or would not be read back as it is.
 inline std::optional<Record> recordOf(const QString& number)
 {
     Record record = {};
@@ -97,8 +105,7 @@ inline std::optional<Record> recordOf(const QString& number)
     return record;
 }
 
-/// Replaces the file @p path at once; false, and the file as it was, when it cannot be written or hold a
-/// number.
+/// Replaces the file @p path at once; false, and the file as it was, when it cannot be written or hold a number.
 inline bool writeList(const QStringList& numbers, const char* path = kListFile)
 {
     if (numbers.size() > kRecordLimit)
@@ -113,4 +120,5 @@ inline bool writeList(const QStringList& numbers, const char* path = kListFile)
     return posix::replaceFile(path, records);
 }
 
-} // namespace zyn::emergency
+} // namespace emergency
+} // namespace zyn

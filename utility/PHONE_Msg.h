@@ -7,9 +7,8 @@
 /**
  * Names and sends the messages of the phone channel, "/ZYN/phone".
  *
- * Status messages come from the phone server; requests go to it, and it answers with status messages. Any
- * object may send any type. Each listens on the channel for as long as it lives, so that it receives what it
- * sends.
+ * Status messages come from the phone server; requests go to it, and it answers with status messages. Any object may
+ * send any type. Each listens on the channel for as long as it lives, so that it receives what it sends.
  */
 class ZYN_EXPORT PHONE_Msg : public QCopChannel
 {
@@ -84,7 +83,6 @@ public:
 
     /// Sends the message of @p type without a payload; false when it could not be handed on, or has no name.
     bool send(PHONE_MSG_TYPE_T type);
-    /// Sends the message of @p type with @p data as it is; false when it could not be handed on, or has no
-    /// name.
+    /// Sends the message of @p type with @p data as it is; false when it could not be handed on, or has no name.
     bool send(PHONE_MSG_TYPE_T type, const QByteArray& data);
 };

@@ -13,22 +13,21 @@ struct SERVICE_PROVIDER_DATA_S
     QString name;   ///< the name
 };
 
-/// Which list of networks: 0 for one that came as PHONE_MSG_NETWORK_LIST_0_S, 1 for
-/// PHONE_MSG_NETWORK_LIST_1_S.
+/// Which list of networks: 0 for one that came as PHONE_MSG_NETWORK_LIST_0_S, 1 for PHONE_MSG_NETWORK_LIST_1_S.
 enum PHONE_UI_NETWORKLIST_TYPE_T : int {};
 
 /**
  * Turns the status messages of the phone server into signals, and sends it requests.
  *
- * It listens from its construction to its destruction, and keeps nothing from one message to the next: a
- * receiver that connects late learns the state from later messages, typically the next snapshot. Signals are
- * emitted from the event loop of the thread that made the client, one message after another. A receiver may
- * destroy the client; what is left of its message is then not emitted.
+ * It listens from its construction to its destruction, and keeps nothing from one message to the next: a receiver that
+ * connects late learns the state from later messages, typically the next snapshot. Signals are emitted from the event
+ * loop of the thread that made the client, one message after another. A receiver may destroy the client; what is left
+ * of its message is then not emitted.
  *
  * Of a payload that ends early, the fields that are not there whole are 0 and null texts.
  *
- * Every signal may be connected by pointer to member or by name, directly or queued, but for the two that
- * hand out a pointer: signalnetworkListGotten and signalImsiId.
+ * Every signal may be connected by pointer to member or by name, directly or queued, but for the two that hand out a
+ * pointer: signalnetworkListGotten and signalImsiId.
  */
 class ZYN_EXPORT PHONE_MsgClient : public PHONE_Msg
 {
@@ -39,11 +38,10 @@ public:
     explicit PHONE_MsgClient(QObject* parent = nullptr, const char* name = nullptr);
     ~PHONE_MsgClient() override;
 
-    /// Asks for the GPRS and CSD totals, answered by signalTotalDataBytes and signalTotalConnectedDuration;
-    /// false when the request could not be sent.
+    /// Asks for the GPRS and CSD totals, answered by signalTotalDataBytes and signalTotalConnectedDuration; false when
+    /// the request could not be sent.
     bool getTotalByteAndConnectedDuration();
-    /// Resets the total duration of kind 0 when @p first, else that of kind 1; answered by
-    /// signalResetTotalDurationRet.
+    /// Resets the total duration of kind 0 when @p first, else that of kind 1; answered by signalResetTotalDurationRet.
     void resetTotalDuration(bool first);
     /// Tells the modem side the current language, whose answer is only logged.
     void setFearureDBCurrLang(int language);

@@ -17,8 +17,8 @@ struct PTT_CALL_INFO_T
     int32_t secondValue = 0; ///< passed on as it is
 };
 
-/// Asks the push-to-talk application for a call. @return 0 and nothing is sent when the count is 0 or above
-/// 25; else 1, whether anybody got the request or not
+/// Asks the push-to-talk application for a call. @return 0 and nothing is sent when the count is 0 or above 25; else 1,
+/// whether anybody got the request or not
 ZYN_EXPORT int PHONE_MakePttCall(PTT_CALL_INFO_T const& call);
 
 /// Asks the push-to-talk application to end the call. @return 1, whether anybody got the request or not

@@ -1,4 +1,4 @@
-// Lets connections by name queue a class's signals.
+// Registers the argument types of a class's signals, so that connections by name can be queued.
 #include "utility/PHONE_SignalTypes_p.h"
 
 #include <QtCore/QMetaMethod>

@@ -9,8 +9,8 @@
 /**
  * The speed-dial table: nine numbers under the indices 1 to 9, in the settings that all applications share.
  *
- * Numbers are taken as they come, without a check or a limit; an entry is free when it is empty. An index
- * outside 1 to 9 can be read and written as well, but is no part of the table.
+ * Numbers are taken as they come, without a check or a limit; an entry is free when it is empty. An index outside 1 to
+ * 9 can be read and written as well, but is no part of the table.
  */
 class ZYN_EXPORT PHONE_SpeedDial
 {
@@ -24,8 +24,8 @@ public:
     bool setTurboDialing(int index, QString const& number);
     /// The lowest free index from 1 to 9; -1 when none is free.
     int getFirstAvailableTurboDialingIndex();
-    /// Stores the first nine of @p numbers from index 1 on; what a shorter list does not reach stays. @return
-    /// whether all of them were stored
+    /// Stores the first nine of @p numbers from index 1 on; what a shorter list does not reach stays. @return whether
+    /// all of them were stored
     bool setTurboDialing(QStringList const& numbers);
     /// Replaces what @p numbers holds by the nine numbers in the order of their indices, empty ones included.
     void getTurboDialingList(QStringList& numbers);

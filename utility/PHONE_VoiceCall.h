@@ -5,12 +5,12 @@
 
 #include <QtCore/QString>
 
-/// Restriction of the calling line's identity; the application that carries the call out gives the values
-/// their meaning.
+/// Restriction of the calling line's identity; the application that carries the call out gives the values their
+/// meaning.
 enum PHONE_MAKE_CALL_CLIR_T : int {};
 
 /**
- * Asks for a call. A null or empty number asks for nothing; whether the request was sent is not told.
+ * Asks for a call. A null or empty number asks for nothing; no result tells whether the request was sent.
  *
  * @param number  Latin-1
  * @param name    the name to show, null for none

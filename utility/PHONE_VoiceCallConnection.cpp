@@ -1,4 +1,4 @@
-// What the clients of the phone server have in common: a connection, and its replies as they come.
+// The connection that each client of the phone server has.
 #include "utility/PHONE_VoiceCallConnection_p.h"
 
 #include "platform/Socket_Command.h"
@@ -20,20 +20,20 @@ posix::UniqueFd VoiceCallConnection::open(voicecall::ClientKind kind)
 
 VoiceCallConnection::~VoiceCallConnection()
 {
-    lose();
+    close();
 }
 
 bool VoiceCallConnection::send(voicecall::Command command, std::span<const std::byte> data)
 {
     if (sendCommand(m_socket.get(), command, data))
         return true;
-    // Part of the frame may be out: the next one would be taken for its rest. What has come already is still
-    // read.
+    // Part of the frame may be out: the server would take the next one for its rest. Replies that have arrived can
+    // still be read.
     posix::shutDown(m_socket.get());
     return false;
 }
 
-void VoiceCallConnection::sayGoodbye()
+void VoiceCallConnection::unregister()
 {
     if (isOpen())
         send(voicecall::PHONE_VOICECALL_CMD_UNREGISTER);
@@ -41,20 +41,20 @@ void VoiceCallConnection::sayGoodbye()
 
 std::unique_ptr<UTIL_CommandBody> VoiceCallConnection::readReply(int socket)
 {
-    // The number of a connection that is lost may be somebody else's by now.
+    // A closed descriptor's number may already belong to somebody else.
     if (socket < 0 || socket != m_socket.get())
         return nullptr;
     std::unique_ptr<UTIL_CommandBody> reply(Socket_ReadCommand(socket));
     if (!reply)
-        lose();
+        close();
     else if (!voicecall::isReply(reply->commandId))
         reply.reset();
     return reply;
 }
 
-void VoiceCallConnection::lose()
+void VoiceCallConnection::close()
 {
-    // The notifier goes first: it must not watch a number that is free for others.
+    // The notifier first: it must not watch a number that others may get.
     m_notifier.reset();
     m_socket.reset();
 }

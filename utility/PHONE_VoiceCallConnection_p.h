@@ -1,9 +1,9 @@
-// What the clients of the phone server have in common: a connection, and its replies as they come.
+// The connection that each client of the phone server has.
 #pragma once
 
 #include "platform/UTIL_CommandBody.h"
 #include "platform/posix/UniqueFd_p.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QSocketNotifier>
@@ -24,8 +24,7 @@ Object* required(Object* object, const char* name)
     return object;
 }
 
-/// A connection to the phone server. It is lost at the first thing that comes and is no reply, and stays
-/// lost.
+/// A connection to the phone server. It closes when something other than a reply arrives, and stays closed.
 class VoiceCallConnection
 {
 public:
@@ -38,7 +37,7 @@ public:
         : m_socket(socket)
         , m_notifier(required(new (std::nothrow) QSocketNotifier(QSocketNotifier::Read), "QSocketNotifier"))
     {
-        // Not by the constructor, which warns where the thread has no event loop: there is a program that only sends.
+        // The constructor would warn in a thread without an event loop, from which one may still send.
         m_notifier->setSocket(socket);
         m_notifier->setEnabled(true);
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, client, slot);
@@ -52,15 +51,15 @@ public:
     /// Sends one command; false when it could not be sent whole, after which nothing more will be.
     bool send(voicecall::Command command, std::span<const std::byte> data = {});
 
-    /// Tells the server, if it is there, that the client leaves.
-    void sayGoodbye();
+    /// Tells the server, if the connection is open, that the client leaves.
+    void unregister();
 
-    /// Reads what has come on @p socket, the connection's own: a reply for the client's user, or null. May
-    /// lose the connection.
+    /// Reads one reply from @p socket, the connection's own; null when it is of no meaning to the client's user. May
+    /// close the connection.
     std::unique_ptr<UTIL_CommandBody> readReply(int socket);
 
 private:
-    void lose();
+    void close();
 
     posix::UniqueFd m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;

@@ -9,8 +9,8 @@
 /**
  * Turns the requests of PHONE_VoiceCallSender into signals, for the application that carries them out.
  *
- * Every receiver of the user's processes gets every request. Nothing is checked: the number may be empty, and
- * of a request that ends early the fields that are not there whole are 0, false and null texts.
+ * Every receiver of the user's processes gets every request. Nothing is checked: the number may be empty, and of a
+ * request that ends early the fields that are not there whole are 0, false and null texts.
  */
 class ZYN_EXPORT PHONE_VoiceCallReceiver : public QCopChannel
 {

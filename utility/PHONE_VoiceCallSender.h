@@ -5,8 +5,8 @@
 
 #include <QtCore/QString>
 
-/// Sends requests to the application that carries voice calls out. Nothing comes back from it: how a call
-/// goes on is told by the phone status messages.
+/// Sends requests to the application that carries voice calls out. It does not answer: the phone status messages tell
+/// how a call goes on.
 class ZYN_EXPORT PHONE_VoiceCallSender
 {
 public:

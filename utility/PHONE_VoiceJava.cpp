@@ -2,10 +2,36 @@
 #include "utility/PHONE_VoiceJava.h"
 
 #include "utility/FixedText_p.h"
-#include "utility/PHONE_VoiceJava_p.h"
+#include "utility/PHONE_VoiceCallConnection_p.h"
+
+#include <QtCore/QObject>
 
 #include <cstring>
 #include <utility>
+
+/// The connection of the Java runtime, of which a process has one at most.
+class JavaPrivateData : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Callback = void (*)(char);
+
+    /// @param socket    connected and registered; the client owns it
+    /// @param callback  called with the low 8 bits of each reply's code; it may delete the client
+    JavaPrivateData(int socket, Callback callback);
+    ~JavaPrivateData() override;
+
+    zyn::VoiceCallConnection& connection() { return m_connection; }
+
+public Q_SLOTS:
+    /// Reads one reply; called when @p socket, which is the client's, has something to read.
+    void ReadData(int socket);
+
+private:
+    zyn::VoiceCallConnection m_connection;
+    Callback m_callback;
+};
 
 namespace vc = zyn::voicecall;
 
@@ -78,6 +104,8 @@ void PHONE_VoiceCall_Java_DeInit(int handle)
 {
     if (handle != kHandle || !g_instance)
         return;
-    g_instance->connection().sayGoodbye();
+    g_instance->connection().unregister();
     delete std::exchange(g_instance, nullptr);
 }
+
+#include "PHONE_VoiceJava.moc"

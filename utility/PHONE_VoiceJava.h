@@ -7,11 +7,11 @@
 extern "C" {
 #endif
 
-// One connection in a process, used from one thread, whose event loop reads the server's replies. A
-// connection that is lost stays lost until PHONE_VoiceCall_Java_DeInit() and another
-// PHONE_VoiceCall_Java_Init(). The event loop, a request and the goodbye may each wait up to 5 seconds for a server
-// that stalls; one that sends what is no reply loses the connection. A thread without Qt's event loop sends requests
-// all the same and gets no replies; a server that must leave a few hundred untaken may end the connection.
+// One connection in a process, used from one thread, whose event loop reads the server's replies. A connection that is
+// lost stays lost until PHONE_VoiceCall_Java_DeInit() and another PHONE_VoiceCall_Java_Init(). The event loop, a
+// request and the end of a connection may each wait up to 5 seconds for a server that stalls; one that sends anything
+// but replies ends the connection. A thread without Qt's event loop sends requests all the same and gets no replies; a
+// server may end a connection on which a few hundred replies wait.
 
 /**
  * Connects to the phone server, which must run as this user or as root, and registers.
@@ -42,7 +42,7 @@ ZYN_EXPORT int PHONE_VoiceCall_Java_EndCall(int handle);
 /// @return 0 when the request was sent, else -1
 ZYN_EXPORT int PHONE_VoiceCall_Java_DialExtension(int handle, char character);
 
-/// Says goodbye to the server, while there is a connection, and ends it. Nothing for any handle but 1.
+/// Unregisters from the server, if there is a connection, and ends it. Any handle but 1 has no effect.
 ZYN_EXPORT void PHONE_VoiceCall_Java_DeInit(int handle);
 
 #ifdef __cplusplus

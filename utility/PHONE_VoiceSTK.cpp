@@ -17,7 +17,7 @@ void PHONE_VoiceSTK_DeInit(PHONE_VoiceSTK* client)
 {
     if (!client)
         return;
-    client->m_connection->sayGoodbye();
+    client->m_connection->unregister();
     delete client;
 }
 

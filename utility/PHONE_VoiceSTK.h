@@ -12,8 +12,7 @@ namespace zyn {
 class VoiceCallConnection;
 }
 
-/// What a SIM card wants of a call: a block that goes from the SIM-toolkit application to the phone server as
-/// it is.
+/// What a SIM card wants of a call: a block that goes from the SIM-toolkit application to the phone server as it is.
 struct PHONE_VoiceSTK_PARAMETER
 {
     uint8_t bytes[108]; ///< the block, which the library does not look into
@@ -31,7 +30,7 @@ class PHONE_VoiceSTK;
  */
 ZYN_EXPORT PHONE_VoiceSTK* PHONE_VoiceSTK_Init();
 
-/// Says goodbye to the server, while there is a connection, and deletes @p client, which may be null.
+/// Unregisters from the server, if there is a connection, and deletes @p client, which may be null.
 ZYN_EXPORT void PHONE_VoiceSTK_DeInit(PHONE_VoiceSTK* client);
 
 /// Asks the server over the connection of @p client for the call that @p parameter describes; both stay the caller's.
@@ -41,10 +40,10 @@ ZYN_EXPORT int PHONE_VOICESTK_MakeCall(PHONE_VoiceSTK* client, PHONE_VoiceSTK_PA
 /**
  * A SIM-toolkit client of the phone server. Any number of them may exist.
  *
- * It reads the server's replies in the event loop of the thread that made it. A connection that is lost stays
- * lost: what is asked of the client from then on fails. A reply whose rest does not follow within 5 seconds,
- * or that is no reply, loses the connection. A thread without an event loop sends requests all the same and gets no
- * replies; a server that must leave a few hundred untaken may end the connection.
+ * It reads the server's replies in the event loop of the thread that made it. A connection that is lost stays lost:
+ * what is asked of the client from then on fails. A reply whose rest does not follow within 5 seconds, or that is no
+ * reply, loses the connection. A thread without an event loop sends requests all the same and gets no replies; a server
+ * may end a connection on which a few hundred replies wait.
  */
 class ZYN_EXPORT PHONE_VoiceSTK : public QObject
 {
@@ -56,13 +55,13 @@ public:
     ~PHONE_VoiceSTK() override;
 
 public Q_SLOTS:
-    /// Reads one reply; called when @p socket, which is the client's, has something to read. A negative
-    /// number, and any other than the client's, reads nothing. Waits up to 5 seconds for the rest of a reply.
+    /// Reads one reply; called when @p socket, which is the client's, has something to read. A negative number, and any
+    /// other than the client's, reads nothing. Waits up to 5 seconds for the rest of a reply.
     void ReadData(int socket);
 
 Q_SIGNALS:
-    /// The server's reply: its code, neither 0 nor 1, and its data, null when it has none. The data lives
-    /// only while the signal is delivered: it is not for queued connections. A receiver may end the client.
+    /// The server's reply: its code, neither 0 nor 1, and its data, null when it has none. The data lives only while
+    /// the signal is delivered: it is not for queued connections. A receiver may end the client.
     void MessageReceived(int code, char* data);
 
 private:

@@ -32,9 +32,9 @@ constexpr int kVerdictWidth = 31;
 /// Why only emergency calls may be made now; empty when all may.
 QString restriction()
 {
-    if (UTIL_GetKeypadLockStatus() != zyn::emergency::kImeiKeypadStatus)
+    if (!zyn::isKeypadUnlocked(UTIL_GetKeypadLockStatus()))
         return u"refused: the keypad is locked"_s;
-    if (!zyn::emergency::allowsPinCodes(UTIL_GetSimCardStatus()))
+    if (!zyn::isSimCardReady(UTIL_GetSimCardStatus()))
         return u"refused: no SIM card is ready"_s;
     return {};
 }

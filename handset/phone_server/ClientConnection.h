@@ -3,8 +3,7 @@
 
 #include "handset/common/CommandConnection.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
-#include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 
 #include <optional>
 

@@ -3,7 +3,7 @@
 
 #include "handset/phone_server/ClientConnection.h"
 #include "utility/PHONE_EmergencyCall.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/Message_p.h"
 
 namespace zyn::handset {

@@ -5,7 +5,7 @@
 #include "handset/common/TerminationSignals.h"
 #include "handset/phone_server/PhoneServer.h"
 #include "handset/phone_server/Script.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 
 #include <QtCore/QCoreApplication>
 

@@ -6,7 +6,6 @@
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
-#include "utility/PHONE_SocketDirectory_p.h"
 
 namespace zyn::recentcall {
 namespace {

@@ -32,9 +32,9 @@ std::vector<Code> controlCodes()
     const int keypad = UTIL_GetKeypadLockStatus();
     const int card = UTIL_GetSimCardStatus();
     std::vector<Code> codes{
-        {QLatin1String(emergency::kImeiCode), handset::kKeypadLock, keypad, keypad == emergency::kImeiKeypadStatus}};
+        {QLatin1String(emergency::kImeiCode), handset::kKeypadLock, keypad, isKeypadUnlocked(keypad)}};
     for (const char* code : emergency::kPinCodes)
-        codes.push_back({QLatin1String(code), handset::kSimCard, card, emergency::allowsPinCodes(card)});
+        codes.push_back({QLatin1String(code), handset::kSimCard, card, isSimCardReady(card)});
     return codes;
 }
 

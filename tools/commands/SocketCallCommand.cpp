@@ -8,8 +8,7 @@
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/Text.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
-#include "utility/PHONE_VoiceCallReply_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/PHONE_VoiceJava.h"
 #include "utility/PHONE_VoiceSTK.h"
 

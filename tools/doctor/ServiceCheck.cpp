@@ -3,7 +3,7 @@
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/doctor/SocketProbe.h"
-#include "utility/PHONE_VoiceCallCommand_p.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 
 using namespace Qt::StringLiterals;
 
