@@ -6,8 +6,8 @@ function(zyn_refuse line)
     message(FATAL_ERROR "Not configured.")
 endfunction()
 
-# The build folder is another one than the source folder. CMake has written into it by now, and an old cache there would be
-# taken for the build folder of every later run.
+# The build folder is another one than the source folder. CMake has written into it by now, and an old cache there would
+# be taken for the build folder of every later run.
 function(zyn_require_build_folder)
     if(CMAKE_CURRENT_SOURCE_DIR STREQUAL CMAKE_CURRENT_BINARY_DIR)
         zyn_refuse("build outside the source folder: rm -r CMakeCache.txt CMakeFiles, then cmake --preset dev")

@@ -1,4 +1,5 @@
-# What every target of this project has in common. Set on our own targets only, so that a parent project keeps its flags.
+# What every target of this project has in common. Set on our own targets only, so that a parent project keeps its
+# flags.
 
 # Everything finds the libraries from where it stands, in whatever prefix that is.
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
@@ -23,9 +24,9 @@ if(ZYN_SANITIZE)
     target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
 endif()
 
-# Applies the project's language level and warnings to @p target, which may use the sources' include paths. MOC says that one
-# of its headers has a Q_OBJECT; PRECOMPILED names another header than everyone's, or NONE. What a library hides is its map's
-# to say, whatever a parent project's default is.
+# Applies the project's language level and warnings to @p target, which may use the sources' include paths. MOC says
+# that one of its headers has a Q_OBJECT; PRECOMPILED names another header than everyone's, or NONE. What a library
+# hides is its map's to say, whatever a parent project's default is.
 function(zyn_configure_target target)
     cmake_parse_arguments(ARG "MOC" "PRECOMPILED" "" ${ARGN})
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zyn_options>)
@@ -45,8 +46,8 @@ function(zyn_configure_target target)
     endif()
 endfunction()
 
-# Headers that are compiled once for all targets that say so. A source includes what it uses all the same: it must compile
-# without them, as scripts/check arm has it.
+# Headers that are compiled once for all targets that say so. A source includes what it uses all the same: it must
+# compile without them, as scripts/check arm has it.
 function(zyn_add_precompiled_headers target)
     cmake_parse_arguments(ARG "" "" "HEADERS;LIBRARIES" ${ARGN})
     file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp CONTENT "")
@@ -65,9 +66,9 @@ zyn_add_precompiled_headers(zynprecompiled
         <QtCore/QTimer>
     LIBRARIES Qt6::Core)
 
-# A shared library of the exported interface: its public headers are included by their path from the top of the tree. What
-# leaves the library is decided by its map in abi/ alone: with the public names the private ones of namespace zyn, for
-# programs, tool and tests.
+# A shared library of the exported interface: its public headers are included by their path from the top of the tree.
+# What leaves the library is decided by its map in abi/ alone: with the public names the private ones of namespace zyn,
+# for programs, tool and tests.
 function(zyn_add_shared_library target)
     cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS" ${ARGN})
     add_library(${target} SHARED ${ARG_SOURCES})

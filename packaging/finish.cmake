@@ -1,4 +1,5 @@
-# Run by cpack when each component is in its folder: adds what only a package has, and makes the rest as a package must be.
+# Run by cpack when each component is in its folder: adds what only a package has, and makes the rest as a package must
+# be.
 find_program(gzip gzip REQUIRED)
 find_program(strip strip REQUIRED)
 

@@ -8,8 +8,8 @@
 
 namespace zyn::handset {
 
-/// One state: its key in the group kGroup, its name for people, and what it stands for. Each is a number, 0
-/// when it is not set.
+/// One state: its key in the group kGroup, its name for people, and what it stands for. Each is a number, 0 when it is
+/// not set.
 struct State
 {
     const char* key;

@@ -9,8 +9,8 @@
  * A list of pointers to T.
  *
  * A new list owns nothing. After setAutoDelete(true) the list owns its items: whatever remove(), removeFirst(),
- * removeLast(), clear() or the destructor takes out of the list is deleted; take() hands the item to the caller.
- * A list cannot be copied, as two lists would own the same items; it can be moved, and the source is left empty.
+ * removeLast(), clear() or the destructor takes out of the list is deleted; take() hands the item to the caller. A list
+ * cannot be copied, as two lists would own the same items; it can be moved, and the source is left empty.
  *
  * Iterate with a range-for or the iterators, or with the list's own cursor:
  * `for (T* item = list.first(); item; item = list.next())`. first() and last() set the cursor, next() and prev() move

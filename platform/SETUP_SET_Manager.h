@@ -14,8 +14,7 @@
  * A value is every character after the first `=` of its line, blanks included, and a group every character between the
  * outer brackets. A value that begins with U+FEFF is a text that a line cannot hold otherwise: behind that `\n` and
  * `\r` stand for line breaks, `\uNNNN` for half a surrogate pair or U+FEFF, and `\\` for a backslash. Lines that begin
- * with
- * `#` or `;`, and lines that are neither of the two forms or not UTF-8, are passed over when reading and kept when
+ * with `#` or `;`, and lines that are neither of the two forms or not UTF-8, are passed over when reading and kept when
  * writing. A group ends where the next begins, even one whose name is not UTF-8. Where a key stands twice in a group,
  * the last one counts.
  *
@@ -42,8 +41,8 @@ public:
 
     /// @{
     /// Sets @p value to the stored value of @p key in @p group, or to @p defaultValue when the file, the group or the
-    /// key is missing or the stored text is no value of that type: a number is a whole decimal number within the
-    /// type's range, a bool is 0, 1, true or false, both with any blanks around.
+    /// key is missing or the stored text is no value of that type: a number is a whole decimal number within the type's
+    /// range, a bool is 0, 1, true or false, both with any blanks around.
     /// @return whether the stored value was used. The bool behind a text's default has no effect.
     bool getSettingInfo(QString group, QString key, int& value, int defaultValue);
     bool getSettingInfo(QString group, QString key, unsigned int& value, unsigned int defaultValue);

@@ -45,8 +45,8 @@ struct TAPI_NETWORK_PREFERED_ENTRY_S
 /**
  * A list of networks, as it travels: little-endian.
  *
- * The layout is this stand-in's own; a telephony platform that lays it out in another way replaces it. The
- * count comes from outside: check it against the number of entries.
+ * The layout is this stand-in's own; a telephony platform that lays it out in another way replaces it. The count comes
+ * from outside: check it against the number of entries.
  */
 struct TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S
 {

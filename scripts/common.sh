@@ -1,4 +1,5 @@
-# What the scripts share: where the tree is, how what it needs gets installed, and how long what takes. Sourced, not run.
+# What the scripts share: where the tree is, how what it needs gets installed, and how long what takes. Sourced, not
+# run.
 # shellcheck shell=bash
 
 set -euo pipefail
@@ -6,7 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 zyn_packages=(cmake ninja-build g++ qt6-base-dev)
 
-# A compiler cache is used when there is one. What is compiled ahead it takes only when told that no source asks for its time.
+# A compiler cache is used when there is one. What is compiled ahead it takes only when told that no source asks for its
+# time.
 if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
     export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}

@@ -182,8 +182,8 @@ int sendRole(const QStringList& arguments)
     std::exit(sender.isSent ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-/// Listens, and forks in a turn of its loop in which it has gathered messages. One child goes back to the
-/// loop and then ends as programs do, one sends and stays.
+/// Listens, and forks in a turn of its loop in which it has gathered messages. One child goes back to the loop and then
+/// ends as programs do, one sends and stays.
 int forkRole(const QStringList&)
 {
     auto listener = std::make_unique<Inbox>();

@@ -28,8 +28,7 @@ QStringList listing()
 
 const QString kSent = u"sent\nexit 0"_s;
 
-/// Checks that an object says what a line of text says; of lists, which look different, only that they are
-/// there.
+/// Checks that an object says what a line of text says; of lists, which look different, only that they are there.
 void compareWithText(const QJsonObject& object, const QString& text)
 {
     QVERIFY(QDateTime::fromString(object[u"time"].toString(), Qt::ISODateWithMs).isValid());

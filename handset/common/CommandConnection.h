@@ -19,19 +19,18 @@ namespace zyn::handset {
 /**
  * One client: takes what it sends apart into commands, and sends it what it is answered.
  *
- * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that what is
- * held for it does not grow with what it asks. The connection ends when the client closes it, sends
- * anything but a command, or takes longer than its timeout for what it owes: to take what it is sent, to go
- * on with a command that it has begun, and, unless it may be silent, to begin the next one. Commands that a
- * client sent before it closed are carried out, whether or not it took its answers.
+ * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that what is held for
+ * it does not grow with what it asks. The connection ends when the client closes it, sends anything but a command, or
+ * takes longer than its timeout for what it owes: to take what it is sent, to go on with a command that it has begun,
+ * and, unless it may be silent, to begin the next one. Commands that a client sent before it closed are carried out,
+ * whether or not it took its answers.
  */
 class CommandConnection : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Carries out the commands that have come, but no more than a client usually sends: the others want
-    /// their turn.
+    /// Carries out the commands that have come, but no more than a client usually sends: the others want their turn.
     void serve();
 
     /// Lets the client send no more, carries out all that it has sent, and ends.

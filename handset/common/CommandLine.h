@@ -22,8 +22,7 @@ public:
     explicit CommandLine(const QString& description, Output* output = nullptr);
 
     void add(const QCommandLineOption& option) { m_parser.addOption(option); }
-    /// Adds an option with a number of milliseconds, 1 or more. Its text contains "%1" for the default, if it
-    /// has one.
+    /// Adds an option with a number of milliseconds, 1 or more. Its text contains "%1" for the default, if it has one.
     void addTime(const QString& name, const QString& text, std::optional<int> defaultValue = std::nullopt);
 
     /// Parses the application's arguments; false, and told in the log, when they are not right. Ends the

@@ -1,8 +1,8 @@
 // The server end of a command socket.
 //
-// A QLocalServer would not do: it closes itself for good when accepting fails once, as it does when
-// descriptors run out, and a QLocalSocket stops reading when an answer cannot be sent, and with that loses
-// what the client had sent behind.
+// A QLocalServer would not do: it closes itself for good when accepting fails once, as it does when descriptors run
+// out, and a QLocalSocket stops reading when an answer cannot be sent, and with that loses what the client had sent
+// behind.
 #include "handset/common/CommandServer.h"
 
 #include "handset/common/CommandConnection.h"

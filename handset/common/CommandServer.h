@@ -37,8 +37,8 @@ public:
     /// Closes the server.
     ~CommandServer() override;
 
-    /// Makes this process the owner of the socket, in place of one that died; false, and told in the log,
-    /// when another one lives.
+    /// Makes this process the owner of the socket, in place of one that died; false, and told in the log, when another
+    /// one lives.
     bool acquire() { return m_socket.acquire(); }
     /// Starts to serve clients, once the socket is acquired; false, and told in the log, when it cannot be had.
     bool listen();

@@ -11,9 +11,8 @@ namespace zyn::handset {
 /**
  * Standard output of a program that shows something there.
  *
- * The library writes trace text without line ends to descriptor 1. While an output lives that descriptor
- * leads nowhere, or to standard error after showTrace(); write() uses the real standard output, which only
- * the output knows.
+ * The library writes trace text without line ends to descriptor 1. While an output lives that descriptor leads nowhere,
+ * or to standard error after showTrace(); write() uses the real standard output, which only the output knows.
  */
 class Output
 {

@@ -13,9 +13,9 @@ namespace zyn::handset {
 /**
  * A Unix-domain stream socket at a path that outlives its owner's death.
  *
- * Beside the path lies a lock file, named with ".lock" behind it: it tells a dead owner, in whose place the
- * next one steps, from a live one. The directory is open to all; what another user has put there, except root, is
- * replaced as well. Failures are told in the log, with the user whose directory or file does not make way.
+ * Beside the path lies a lock file, named with ".lock" behind it: it tells a dead owner, in whose place the next one
+ * steps, from a live one. The directory is open to all; what another user has put there, except root, is replaced as
+ * well. Failures are told in the log, with the user whose directory or file does not make way.
  */
 class ServiceSocket
 {
@@ -42,8 +42,8 @@ public:
     /// The listening descriptor.
     int descriptor() const { return m_listener.get(); }
 
-    /// The next client that waits, non-blocking, other users' passed over; none, and errno tells why: EAGAIN
-    /// when none waits.
+    /// The next client that waits, non-blocking, other users' passed over; none, and errno tells why: EAGAIN when none
+    /// waits.
     posix::UniqueFd accept();
 
     /// From here on connecting fails; who is connected already can still be accepted.

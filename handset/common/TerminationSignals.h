@@ -14,8 +14,8 @@ namespace zyn::handset {
 /**
  * Turns SIGTERM and SIGINT into the end of the event loop, so that what follows exec() cleans up.
  *
- * A program has one, made when there is an application and no thread besides the first. A signal that comes
- * before the event loop runs ends it as soon as it does.
+ * A program has one, made when there is an application and no thread besides the first. A signal that comes before the
+ * event loop runs ends it as soon as it does.
  */
 class TerminationSignals : public QObject
 {

@@ -12,8 +12,8 @@ namespace zyn::handset {
 /**
  * One client: registers, places calls, and is told how they go on.
  *
- * It may be silent for as long as it likes once it has registered. A call does not end with the connection
- * that asked for it.
+ * It may be silent for as long as it likes once it has registered. A call does not end with the connection that asked
+ * for it.
  */
 class ClientConnection : public CommandConnection
 {

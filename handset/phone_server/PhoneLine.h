@@ -22,9 +22,9 @@ struct CallPace
 /**
  * Walks one call at a time through its machine.
  *
- * Placed calls go on by themselves; incoming ones wait for an answer and then for somebody to hang up. Every
- * change is reported with a status message. The finished call is sent to the recent-call service before its end is
- * reported; the line is free then, whatever becomes of that.
+ * Placed calls go on by themselves; incoming ones wait for an answer and then for somebody to hang up. Every change is
+ * reported with a status message. The finished call is sent to the recent-call service before its end is reported; the
+ * line is free then, whatever becomes of that.
  */
 class PhoneLine : public QObject
 {
@@ -33,8 +33,8 @@ class PhoneLine : public QObject
 public:
     explicit PhoneLine(CallPace pace);
 
-    /// Places a call and gives its number, above 0; 0, told in the log, when the line is busy, the radio off,
-    /// or the number none.
+    /// Places a call and gives its number, above 0; 0, told in the log, when the line is busy, the radio off, or the
+    /// number none.
     int place(const Party& party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE);
     /// Somebody calls; a busy line misses the call. False when the radio is off.
     bool ring(const Party& caller);

@@ -32,8 +32,8 @@ private:
     PhoneLine& m_line;
 };
 
-/// Listens to the push-to-talk channel, and starts and ends push-to-talk calls; the first party is the one
-/// that is called.
+/// Listens to the push-to-talk channel, and starts and ends push-to-talk calls; the first party is the one that is
+/// called.
 class PttRequests : public QCopChannel
 {
     Q_OBJECT

@@ -25,8 +25,8 @@ public:
 
     PhoneLine& line() { return m_line; }
 
-    /// Starts to listen, in place of a server that died; false, and told in the log, when another one lives
-    /// or the socket cannot be had.
+    /// Starts to listen, in place of a server that died; false, and told in the log, when another one lives or the
+    /// socket cannot be had.
     bool listen();
 
     /// Ends the call on the line, and returns when all calls have been handed over, as far as they are taken in time.

@@ -27,8 +27,8 @@ struct ScriptStep
 
 using Script = std::vector<ScriptStep>;
 
-/// Reads a script, as scriptHelp() explains it. Nothing when it cannot be read or a line cannot be
-/// understood; the log says which and why.
+/// Reads a script, as scriptHelp() explains it. Nothing when it cannot be read or a line cannot be understood; the log
+/// says which and why.
 std::optional<Script> readScript(const QString& path);
 
 /// The step of a line that is no comment. Throws a ScriptError when it cannot be understood.

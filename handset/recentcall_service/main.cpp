@@ -112,8 +112,8 @@ void ServiceConnection::list(Data data)
     send(records ? rc::Success : rc::Failure, records.value_or(QByteArray()));
 }
 
-/// Serves all clients from one call log: a call that is added over one connection is in the list that the next one
-/// asks for.
+/// Serves all clients from one call log: a call that is added over one connection is in the list that the next one asks
+/// for.
 class RecentCallService
 {
 public:

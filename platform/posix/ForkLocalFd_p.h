@@ -15,11 +15,11 @@ unsigned forkGeneration();
 size_t descriptorLimit();
 
 /**
- * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number (where
- * there is a /dev/null when the process first asks).
+ * Owns one descriptor that a forked child does not share: the child finds /dev/null under its number (where there is a
+ * /dev/null when the process first asks).
  *
- * Closing on exec does not help a child that never calls it, and a child's copy would keep a socket alive,
- * and its peers waiting, after the process that serves it has died.
+ * Closing on exec does not help a child that never calls it, and a child's copy would keep a socket alive, and its
+ * peers waiting, after the process that serves it has died.
  */
 class ForkLocalFd
 {

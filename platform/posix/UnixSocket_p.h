@@ -93,8 +93,8 @@ void waitUntilAnyWritable(std::span<const int> descriptors, std::chrono::millise
 /// The block as a part of a transfer, which only reads it.
 iovec toIovec(std::span<const std::byte> bytes);
 
-/// Sends as much of @p blocks as the socket takes at once: the number of bytes, 0 when it is full, -1 when
-/// the connection is lost.
+/// Sends as much of @p blocks as the socket takes at once: the number of bytes, 0 when it is full, -1 when the
+/// connection is lost.
 ssize_t sendSome(int fd, std::span<iovec> blocks);
 
 /// Whether the peer has received all that was sent over @p fd, or never will.

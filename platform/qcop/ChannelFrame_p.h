@@ -5,8 +5,8 @@
 //     byte 8          the name, N bytes, none of them 0
 //     byte 8 + N      the payload, P bytes
 //
-// N + P is at most 16 MiB. Frames follow each other without anything between them; the listener answers
-// nothing. The channel is not named: each listener has a socket of its own, in the channel's directory.
+// N + P is at most 16 MiB. Frames follow each other without anything between them; the listener answers nothing. The
+// channel is not named: each listener has a socket of its own, in the channel's directory.
 #pragma once
 
 #include <QtCore/QByteArray>

@@ -103,8 +103,8 @@ void ChannelConnection::close()
 } // namespace
 
 /**
- * Has the listeners of one thread check their sockets when something has happened to any, or may have: a listener
- * whose socket somebody has removed, or a directory above it, is found by no sender and would never know.
+ * Has the listeners of one thread check their sockets when something has happened to any, or may have: a listener whose
+ * socket somebody has removed, or a directory above it, is found by no sender and would never know.
  *
  * It lives as long as the thread's event dispatcher, without listeners too: the kernel takes many milliseconds to close
  * a watch, which is too much for a program that listens only now and then.

@@ -106,9 +106,9 @@ public:
     ChannelPeers& operator=(const ChannelPeers&) = delete;
     ~ChannelPeers();
 
-    /// Sends to every listener that exists now; false when the channel may not be used or a listener misses
-    /// the message. The first messages of @p turn are written at once, each; what follows is gathered, as then many
-    /// follow. Turn 0 is for a thread without turns.
+    /// Sends to every listener that exists now; false when the channel may not be used or a listener misses the
+    /// message. The first messages of @p turn are written at once, each; what follows is gathered, as then many follow.
+    /// Turn 0 is for a thread without turns.
     bool send(const ChannelFrame& frame, quint64 turn);
     /// Whether all listeners have received all.
     bool isIdle() const;

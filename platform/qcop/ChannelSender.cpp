@@ -56,8 +56,8 @@ quint64 SenderLoop::turn()
     return m_announcesTurns && loopLevel() > t_foreignLoops ? m_turn : 0;
 }
 
-/// A loop that is left in the middle of a turn delivers no more events. Only the GLib dispatcher announces the end
-/// of that turn too; with another nothing is gathered, for it might wait for ever.
+/// A loop that is left in the middle of a turn delivers no more events. Only the GLib dispatcher announces the end of
+/// that turn too; with another nothing is gathered, for it might wait for ever.
 void SenderLoop::watch(QAbstractEventDispatcher* dispatcher)
 {
     m_dispatcher = dispatcher;

@@ -15,8 +15,8 @@
  *
  * The files are in the directory of the record files: "topPalsDetails" with the five numbers, and one file a favourite,
  * named by its number, with as many slots as RecentCall_Setup::getMaxTopPalsAvlItems() says at the start of each
- * operation (never more than 32767). A file of another size or with a wrong header counts as missing, and
- * registering its number again replaces it.
+ * operation (never more than 32767). A file of another size or with a wrong header counts as missing, and registering
+ * its number again replaces it.
  *
  * Not guarded: use it from one thread. Several processes may read the same files, but only one may change them.
  *

@@ -21,12 +21,12 @@ public:
     RC_Interface();
     ~RC_Interface();
 
-    /// Hands the service a copy of @p record to store. No answer is read: 0 says that it was sent.
-    /// A record that is no RC_RecordInterfaceImpl gives 3.
+    /// Hands the service a copy of @p record to store. No answer is read: 0 says that it was sent. A record that is no
+    /// RC_RecordInterfaceImpl gives 3.
     int addRecord(const RC_RecordInterface& record);
 
-    /// Deletes the call with the record's uid from the list of its category.
-    /// A record that is no RC_RecordInterfaceImpl gives 3.
+    /// Deletes the call with the record's uid from the list of its category. A record that is no RC_RecordInterfaceImpl
+    /// gives 3.
     int deleteRecord(const RC_RecordInterface& record);
 
     /// Deletes all calls of one @p callType from the list of @p category, or from all three for RC_CALL_CATEGORY_ALL.

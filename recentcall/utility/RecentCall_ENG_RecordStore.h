@@ -17,8 +17,7 @@
  * a line end, to standard output.
  *
  * What the store knows of the files - the slots in use and the largest uid - comes from readDataList() alone: a process
- * that adds records must read the three lists first, or it overwrites calls. One process at a time adds and
- * removes.
+ * that adds records must read the three lists first, or it overwrites calls. One process at a time adds and removes.
  *
  * To be used from one thread. Failures are results; nothing is retried.
  */
@@ -62,9 +61,9 @@ public:
     /**
      * Reads the calls of one list, newest first.
      *
-     * Appends to @p list; what it already holds stays and is sorted with the rest. A missing file, which prints a
-     * line, or one with a wrong header appends nothing. A record that the file's end cuts off is one from
-     * its in-use byte on, what is missing being blank. Costs one open and one read.
+     * Appends to @p list; what it already holds stays and is sorted with the rest. A missing file, which prints a line,
+     * or one with a wrong header appends nothing. A record that the file's end cuts off is one from its in-use byte on,
+     * what is missing being blank. Costs one open and one read.
      *
      * @param list      owns the appended records if it is set to delete its items
      * @param category  RC_CALL_CATEGORY_ANSWERED, _MISSED or _DIALED; any other names no list

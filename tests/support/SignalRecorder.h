@@ -8,8 +8,8 @@
 
 #include <functional>
 
-/// `take()` gives `signalName(argument,argument)` for each signal in the order of emission. Texts are quoted
-/// and a null one reads null; of what a pointer points to, the first 16 bytes are shown.
+/// `take()` gives `signalName(argument,argument)` for each signal in the order of emission. Texts are quoted and a null
+/// one reads null; of what a pointer points to, the first 16 bytes are shown.
 class SignalRecorder : public QObject
 {
     // No Q_OBJECT: it has one unnamed slot for each signal of the sender.

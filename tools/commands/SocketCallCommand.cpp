@@ -155,8 +155,7 @@ ExitCode follow(const Replies& replies, const TimeLimit& limit)
     return replies.hasFailed() ? Failed : Done;
 }
 
-/// Where the replies of the Java connection go, of which a process has one and whose callback takes nothing
-/// else.
+/// Where the replies of the Java connection go, of which a process has one and whose callback takes nothing else.
 Replies* javaReplies = nullptr;
 
 ExitCode callFromJava(const Invocation& invocation, Console& console)

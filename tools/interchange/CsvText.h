@@ -25,8 +25,8 @@ public:
     explicit CsvReader(const QByteArray& text);
 
     bool atEnd() const { return m_at == m_text.size(); }
-    /// The next row; only before the end. A row with a problem is read up to where the next one seems to begin;
-    /// behind a quotation mark that is not closed that is the next line.
+    /// The next row; only before the end. A row with a problem is read up to where the next one seems to begin; behind
+    /// a quotation mark that is not closed that is the next line.
     CsvRow next();
 
 private:

@@ -25,8 +25,8 @@ struct ReceivedMessage
 /// The name of a channel or a message: quoted unless it is one printable word.
 QString nameText(const QCString& name);
 
-/// "name=value" for each field, and for what no field holds, of which the first 64 bytes are shown. Only
-/// printable characters come out.
+/// "name=value" for each field, and for what no field holds, of which the first 64 bytes are shown. Only printable
+/// characters come out.
 QStringList fieldTexts(const MessageFields& fields);
 
 /// Time, channel, name, enumerator and fields, without a line end; with the whole payload when @p raw is set.

@@ -71,8 +71,8 @@ bool isRecordFileImage(const QByteArray& image);
 /**
  * Checks header, size and every slot in use.
  *
- * The list that the calls must belong to is that of the file's name; a file of another name may hold any. The
- * slots of a file with a wrong header are not looked at, as they may be anything.
+ * The list that the calls must belong to is that of the file's name; a file of another name may hold any. The slots of
+ * a file with a wrong header are not looked at, as they may be anything.
  */
 FileReport checkRecordFile(const QString& name, const QByteArray& image);
 

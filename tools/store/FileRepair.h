@@ -73,8 +73,8 @@ private:
     int m_recordCount = 0;
 };
 
-/// One list's file. A record of a damaged file is taken for one when two of these hold: its flag says
-/// that it is in use, it names its slot, it names its list.
+/// One list's file. A record of a damaged file is taken for one when two of these hold: its flag says that it is in
+/// use, it names its slot, it names its list.
 class CallsRepair : public SlotRepair
 {
 public:

@@ -40,8 +40,8 @@ public:
     int rows() const { return m_rows; }
     const Cell& at(int row, int column) const { return m_cells[index(row, column)]; }
 
-    /// Writes @p text, of which every character that does not just show is escaped, from @p column on into at
-    /// most @p width places of a row; an ellipsis stands for what does not fit. What lies outside is left out.
+    /// Writes @p text, of which every character that does not just show is escaped, from @p column on into at most @p
+    /// width places of a row; an ellipsis stands for what does not fit. What lies outside is left out.
     void put(int row, int column, int width, const QString& text, Style style = Style::Plain);
 
 private:
@@ -94,8 +94,8 @@ public:
 
     /// A blank canvas of the terminal's present size.
     Canvas blank() const;
-    /// Shows @p canvas: where the size is the same, only the cells that differ from what is shown are written.
-    /// False when the terminal takes no output just now, and was not waited for.
+    /// Shows @p canvas: where the size is the same, only the cells that differ from what is shown are written. False
+    /// when the terminal takes no output just now, and was not waited for.
     bool show(const Canvas& canvas);
     /// Takes for granted no longer what the terminal shows.
     void forget() { m_shown.reset(); }

@@ -40,8 +40,8 @@ private:
 /**
  * Keeps the call in progress, the last logged call and the unread missed calls up to date.
  *
- * Nobody tells who calls: of a call in progress the request to place it is known, and how often its state
- * changed, until the log has it. The log is read from its files, which waits for nobody.
+ * Nobody tells who calls: of a call in progress the request to place it is known, and how often its state changed,
+ * until the log has it. The log is read from its files, which waits for nobody.
  */
 class CallSource : public QObject
 {

@@ -17,12 +17,11 @@ bool isHexBlock(const QString& text);
 QString hexBlock(const QByteArray& block);
 /// @}
 
-/// The text that @p block holds when that is graphic ASCII followed by nothing but NULs, else "hex:" and
-/// digits.
+/// The text that @p block holds when that is graphic ASCII followed by nothing but NULs, else "hex:" and digits.
 QString blockText(const QByteArray& block);
 
-/// The block of @p size bytes that @p text, of @p what, stands for, as blockText() writes it; what follows a
-/// text is NULs. A usage error when it is none.
+/// The block of @p size bytes that @p text, of @p what, stands for, as blockText() writes it; what follows a text is
+/// NULs. A usage error when it is none.
 QByteArray blockFrom(const QString& text, const QString& what, qsizetype size);
 
 } // namespace zyn::tool

@@ -66,8 +66,7 @@ QString helpText(const Command& command, const QString& path)
            + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
 }
 
-/// Marks a negative number, which the parser would take for options. No word of a command line holds this
-/// character.
+/// Marks a negative number, which the parser would take for options. No word of a command line holds this character.
 constexpr QChar kNumberMark(QChar::Null);
 
 QStringList marked(QStringList words)

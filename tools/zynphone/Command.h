@@ -59,8 +59,8 @@ private:
     QCommandLineParser m_parser;
 };
 
-/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further
-/// verb. Every level of help is made from these rows.
+/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further verb. Every
+/// level of help is made from these rows.
 struct Command
 {
     QString name;
@@ -90,12 +90,10 @@ int numberFrom(const Invocation& invocation, const QString& option, int byDefaul
 std::optional<int> limitFrom(const Invocation& invocation, const QString& option,
                              int highest = std::numeric_limits<int>::max());
 
-/// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the
-/// console.
+/// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the console.
 ExitCode runCommand(const Command& command, const QString& path, const QStringList& words, Console& console);
 
-/// The whole number that @p text stands for; a usage error that names @p what when it is none or out of
-/// range.
+/// The whole number that @p text stands for; a usage error that names @p what when it is none or out of range.
 int wholeNumber(const QString& text, const QString& what, int lowest = std::numeric_limits<int>::min(),
                 int highest = std::numeric_limits<int>::max());
 

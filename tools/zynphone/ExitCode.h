@@ -17,8 +17,7 @@ enum ExitCode : int {
     Interrupted = 130, ///< a signal ended it before its work was done
 };
 
-/// Thrown by a verb that cannot go on. The message is one line without the verb's name and without a full
-/// stop.
+/// Thrown by a verb that cannot go on. The message is one line without the verb's name and without a full stop.
 class CommandError
 {
 public:
@@ -45,8 +44,8 @@ inline CommandError usageError(QString message)
     return CommandError(Usage, std::move(message));
 }
 
-/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the
-/// library's results do not tell.
+/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the library's
+/// results do not tell.
 CommandError serviceError(const QString& service, const QString& path);
 
 /// The same of a request to the recent-call service.

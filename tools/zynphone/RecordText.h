@@ -43,8 +43,8 @@ QString localStart(const PHONE_ENG_RecentCall& call);
 /// The call type that @p text says by its word or number; a usage error that names @p what when it says none.
 RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what);
 
-/// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration
-/// (seconds), type, session (of a push-to-talk call, else empty), read, completed.
+/// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration (seconds),
+/// type, session (of a push-to-talk call, else empty), read, completed.
 std::span<const CallColumn> callColumns();
 /// The place of the call in its file, counted from 0, then the columns of a list.
 std::span<const CallColumn> slotColumns();

@@ -56,8 +56,7 @@ QStringList wordTexts(const Words& words)
     return texts;
 }
 
-/// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of
-/// them.
+/// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of them.
 template<typename Words>
 auto wordNamed(const Words& words, const QString& text, const QString& what)
 {
@@ -68,8 +67,8 @@ auto wordNamed(const Words& words, const QString& text, const QString& what)
         QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, wordTexts(words).join(QLatin1String(", "))));
 }
 
-/// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when
-/// that is half of the word or more.
+/// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when that is
+/// half of the word or more.
 QString nearestWord(const QString& word, const QStringList& known);
 
 /// The end of an error about an unknown @p word: asks whether the nearest of @p known was meant; empty when there is

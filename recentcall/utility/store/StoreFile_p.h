@@ -56,8 +56,8 @@ inline bool hasValidHeader(QByteArrayView image)
     return header.isValid();
 }
 
-/// The path of the store directory: "/phone" under the directory that the environment variable
-/// ZYN_LOCAL_APP_WRITE_PATH names, with blanks around it removed, or under "/tmp" when that is unset or empty.
+/// The path of the store directory: "/phone" under the directory that the environment variable ZYN_LOCAL_APP_WRITE_PATH
+/// names, with blanks around it removed, or under "/tmp" when that is unset or empty.
 QByteArray storeDirectoryPath();
 
 /// The path of the file @p name in the store directory.
