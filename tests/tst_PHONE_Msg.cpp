@@ -72,14 +72,14 @@ void tst_PHONE_Msg::sendsRequests()
 void tst_PHONE_Msg::writesEveryKindOfField()
 {
     static constexpr zyn::Message kAll{.channel = "",
-                                .name = "",
-                                .fields = {{zyn::FieldKind::Int, ""},
-                                           {zyn::FieldKind::Byte, ""},
-                                           {zyn::FieldKind::Char, ""},
-                                           {zyn::FieldKind::Raw, "", 4},
-                                           {zyn::FieldKind::Text, ""},
-                                           {zyn::FieldKind::Text, ""},
-                                           {zyn::FieldKind::Text, ""}}};
+                                       .name = "",
+                                       .fields = {{zyn::FieldKind::Int, ""},
+                                                  {zyn::FieldKind::Byte, ""},
+                                                  {zyn::FieldKind::Char, ""},
+                                                  {zyn::FieldKind::Raw, "", 4},
+                                                  {zyn::FieldKind::Text, ""},
+                                                  {zyn::FieldKind::Text, ""},
+                                                  {zyn::FieldKind::Text, ""}}};
     const QByteArray payload =
         zyn::encode(kAll, {-2, 0xC8, -1, QByteArray("\1\2\3"), QString(), QStringLiteral(""), QStringLiteral("AB")});
     QCOMPARE(payload.toHex(), "fffffffec8ff01020300ffffffff000000000000000400410042");

@@ -190,7 +190,7 @@ scenario::Verbs tst_RecentScreens::verbs()
              const RC_CALL_CATEGORY_T list = listOf(words.at(0));
              m_files->write(list, m_files->read(list).replace(words.at(1).toLatin1(), words.at(2).toLatin1()));
          }},
-        {u"rename"_s, [=, this](const Words& words) { return QFile::rename(file(words), file(words.mid(1))); }},
+        {u"rename"_s, [=](const Words& words) { return QFile::rename(file(words), file(words.mid(1))); }},
         {u"remove"_s, [=](const Words& words) { return QFile::remove(file(words)); }},
         {u"mkdir"_s, [=](const Words& words) { return QDir().mkpath(file(words)); }},
         {u"rmdir"_s, [=](const Words& words) { return QDir(file(words)).removeRecursively(); }},

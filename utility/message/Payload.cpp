@@ -104,7 +104,7 @@ void readField(FieldValue& value, const Field& field, const FieldValue& first, R
         value.number = reader.number<uint8_t>();
         break;
     case FieldKind::Char:
-        value.number = reader.number<int8_t>();
+        value.number = static_cast<int32_t>(reader.number<int8_t>());
         break;
     case FieldKind::Text:
         if (field.occurs == Occurrence::AsCounted)
@@ -256,9 +256,9 @@ FieldValues decode(const Message& message, const QByteArray& payload)
     Reader reader(payload);
     size_t next = 0;
     for (const Field& field : message.fields) {
-        FieldValue& value = values[next++];
         if (!isLeftOut(field, values[0]))
-            readField(value, field, values[0], reader);
+            readField(values[next], field, values[0], reader);
+        ++next;
         if (reader.isComplete()) {
             values.whole = static_cast<qsizetype>(next);
             values.end = payload.size() - reader.remaining();
