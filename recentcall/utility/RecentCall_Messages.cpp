@@ -4,7 +4,7 @@
 #include "utility/message/PhoneMessages_p.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace zyn {
 namespace {
@@ -16,22 +16,23 @@ using enum FieldKind;
     kRecentCallChannel, "RECENTCALL_MSG_" #number,                                                                     \
         RecentCall_Msg::type == (number) ? #type : throw "not the type's number"
 
-constexpr std::array kMessages{
+// Braces alone: what a list of fields refers to lives as long as the table only when no temporary is in between.
+constexpr Message kMessages[] = {
     kMakeCall,
     kDropCall,
     kMakePttCall,
     kDropPttCall,
 
-    Message{ZYN_TYPE(0, RECENTCALL_MSG_POWEROFF_S)},
-    Message{ZYN_TYPE(1, RECENTCALL_MSG_SIMCARD_DIFFED_S)},
-    Message{ZYN_TYPE(2, RECENTCALL_MSG_MISSEDCALL_UPDATE_S)},
-    Message{ZYN_TYPE(3, RECENTCALL_MSG_SHOW_UI_S), {{Int, "category"}}},
-    Message{ZYN_TYPE(4, RECENTCALL_MSG_SHOW_PAGE_S), {{Int, "page"}}},
-    Message{ZYN_TYPE(5, RECENTCALL_MSG_SHOW_DETAIL_S), {{Int, "category"}, {Int, "index"}}},
-    Message{ZYN_TYPE(6, RECENTCALL_MSG_EXIT_PICKER_S), {{Int, "selected"}, {Text, "number", 0, Occurrence::WhenSet}}},
-    Message{ZYN_TYPE(7, RECENTCALL_MSG_HIDE_UI_S)},
-    Message{kRecentCallChannel, RECENTCALL_CALLING_MSG, "RECENTCALL_CALLING_MSG"},
-    Message{kRecentCallChannel, RECENTCALL_MESSAGE_MSG, "RECENTCALL_MESSAGE_MSG"},
+    {ZYN_TYPE(0, RECENTCALL_MSG_POWEROFF_S)},
+    {ZYN_TYPE(1, RECENTCALL_MSG_SIMCARD_DIFFED_S)},
+    {ZYN_TYPE(2, RECENTCALL_MSG_MISSEDCALL_UPDATE_S)},
+    {ZYN_TYPE(3, RECENTCALL_MSG_SHOW_UI_S), {{Int, "category"}}},
+    {ZYN_TYPE(4, RECENTCALL_MSG_SHOW_PAGE_S), {{Int, "page"}}},
+    {ZYN_TYPE(5, RECENTCALL_MSG_SHOW_DETAIL_S), {{Int, "category"}, {Int, "index"}}},
+    {ZYN_TYPE(6, RECENTCALL_MSG_EXIT_PICKER_S), {{Int, "selected"}, {Text, "number", 0, Occurrence::WhenSet}}},
+    {ZYN_TYPE(7, RECENTCALL_MSG_HIDE_UI_S)},
+    {kRecentCallChannel, RECENTCALL_CALLING_MSG, "RECENTCALL_CALLING_MSG"},
+    {kRecentCallChannel, RECENTCALL_MESSAGE_MSG, "RECENTCALL_MESSAGE_MSG"},
 
     kModifyFavourite,
 };
@@ -48,7 +49,7 @@ constexpr bool isIndexedByType()
         if (!std::string_view(kMessages[kFirstRecentCall + type].name).ends_with(static_cast<char>('0' + type)))
             return false;
     }
-    return kMessages.size() == kFirstRecentCall + kRecentCalls + 1;
+    return std::size(kMessages) == kFirstRecentCall + kRecentCalls + 1;
 }
 
 static_assert(isIndexedByType());
@@ -73,7 +74,7 @@ const Message* findMessage(const QCString& channel, const QCString& name)
     }
     const auto found = std::ranges::find_if(
         kMessages, [&](const Message& message) { return channel == message.channel && name == message.name; });
-    return found == kMessages.end() ? nullptr : &*found;
+    return found == std::end(kMessages) ? nullptr : &*found;
 }
 
 } // namespace zyn
