@@ -17,6 +17,12 @@
 namespace zyn {
 namespace {
 
+/// The number from -128 to 127 that @p byte stands for.
+constexpr int32_t signedByte(uint8_t byte)
+{
+    return byte < 0x80 ? byte : byte - 0x100;
+}
+
 using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
 
 constexpr uint32_t kNullText = 0xFFFF'FFFF;
@@ -104,7 +110,7 @@ void readField(FieldValue& value, const Field& field, const FieldValue& first, R
         value.number = reader.number<uint8_t>();
         break;
     case FieldKind::Char:
-        value.number = static_cast<int32_t>(reader.number<int8_t>());
+        value.number = signedByte(reader.number<uint8_t>());
         break;
     case FieldKind::Text:
         if (field.occurs == Occurrence::AsCounted)
