@@ -49,9 +49,10 @@ constexpr bool isIndexedByType()
         if (!std::string_view(kMessages[kFirstRecentCall + type].name).ends_with(static_cast<char>('0' + type)))
             return false;
     }
-    return std::size(kMessages) == kFirstRecentCall + kRecentCalls + 1;
+    return true;
 }
 
+static_assert(std::size(kMessages) == kFirstRecentCall + kRecentCalls + 1);
 static_assert(isIndexedByType());
 
 } // namespace
