@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <optional>
-#include <string_view>
 
 namespace zyn {
 
@@ -88,9 +86,5 @@ inline constexpr Message kMakePttCall{.channel = kPttChannel,
                                                  {FieldKind::Int, "value2"}}};
 inline constexpr Message kDropPttCall{.channel = kPttChannel, .name = "dropPttCall"};
 /// @}
-
-/// The decimal number that follows @p prefix in @p name. Who takes several spellings of a number for different names
-/// compares the names as well.
-std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name);
 
 } // namespace zyn

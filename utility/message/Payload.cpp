@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cstring>
 #include <iterator>
 
@@ -312,18 +311,6 @@ qsizetype recordSize(const Message& message)
 bool sendMessage(const Message& message, std::initializer_list<FieldValue> values)
 {
     return QCopChannel::send(message.channel, message.name, encode(message, values));
-}
-
-std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name)
-{
-    if (!name.starts_with(prefix))
-        return std::nullopt;
-    size_t number = 0;
-    const char* const end = name.data() + name.size();
-    const auto [parsed, error] = std::from_chars(name.data() + prefix.size(), end, number);
-    if (error != std::errc() || parsed != end)
-        return std::nullopt;
-    return number;
 }
 
 } // namespace zyn

@@ -61,7 +61,8 @@ inline bool isLeftOut(const Field& field, const FieldValue& first)
     return field.occurs == Occurrence::WhenSet && first.number == 0;
 }
 
-/// @{ The payload of @p values, one for each field. Bytes that are shorter than their field are followed by zeros.
+/// @{ The payload of @p values, one for each field. Bytes that are shorter than their field are followed by zeros;
+/// longer ones of a field that follows others go as they are, for whoever sends bytes of any number.
 QByteArray encode(std::span<const Field> fields, std::span<const FieldValue> values);
 QByteArray encode(const Message& message, std::span<const FieldValue> values);
 QByteArray encode(const Message& message, std::initializer_list<FieldValue> values);

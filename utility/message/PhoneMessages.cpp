@@ -9,8 +9,10 @@
 
 #include <QtCore/QPointer>
 
+#include <charconv>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -392,6 +394,19 @@ void print(const LogLine& line, const FieldValues& values)
     printBanner(line);
 }
 #pragma GCC diagnostic pop
+
+/// The decimal number that follows @p prefix in @p name, however it is spelled.
+std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name)
+{
+    if (!name.starts_with(prefix))
+        return std::nullopt;
+    size_t number = 0;
+    const char* const end = name.data() + name.size();
+    const auto [parsed, error] = std::from_chars(name.data() + prefix.size(), end, number);
+    if (error != std::errc() || parsed != end)
+        return std::nullopt;
+    return number;
+}
 
 } // namespace
 
