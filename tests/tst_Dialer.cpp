@@ -1,10 +1,10 @@
 // The dialer, run as the process that it is: what becomes of each key, and of the call.
 #include "handset/dialer/KeyDecoder.h"
 #include "platform/HandsetState_p.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Role.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/support/Terminal.h"
+#include "tests/support/Timeout.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
 

@@ -8,10 +8,10 @@
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tests/support/ActivityLogFixture.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/StdoutCapture.h"
+#include "tests/support/Timeout.h"
 #include "tests/support/Tool.h"
 #include "utility/message/Payload_p.h"
 

@@ -1,6 +1,6 @@
 // The relay of phone status.
-#include "support/Patience.h"
 #include "support/SignalRecorder.h"
+#include "support/Timeout.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 
 #include <QtCore/QCoreApplication>

@@ -1,6 +1,6 @@
 // Names and requests on the phone channel, and the payload encoding.
-#include "support/Patience.h"
 #include "support/StdoutCapture.h"
+#include "support/Timeout.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/message/Payload_p.h"
 

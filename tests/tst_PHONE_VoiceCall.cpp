@@ -1,7 +1,7 @@
 // The requests that place and end calls: their bytes on the channels, their way back into signals, their symbols.
-#include "support/Patience.h"
 #include "support/SignalRecorder.h"
 #include "support/StdoutCapture.h"
+#include "support/Timeout.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_VoiceCall.h"

@@ -1,7 +1,7 @@
 // The two clients of the phone server against a server that does as it likes.
 #include "support/Descriptors.h"
-#include "support/Patience.h"
 #include "support/ScriptedService.h"
+#include "support/Timeout.h"
 #include "utility/PHONE_VoiceJava.h"
 #include "utility/PHONE_VoiceSTK.h"
 

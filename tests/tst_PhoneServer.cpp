@@ -5,10 +5,10 @@
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RC_RecordInterface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
-#include "tests/support/Patience.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
+#include "tests/support/Timeout.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_Ptt.h"
@@ -55,7 +55,7 @@ QList<int> replies(const UniqueFd& fd, int count)
     QList<int> codes;
     while (codes.size() < count) {
         zyn::CommandFrameHeader::Bytes bytes = {};
-        const auto deadline = Clock::now() + std::chrono::milliseconds(role::kPatience);
+        const auto deadline = Clock::now() + std::chrono::milliseconds(role::kTimeout);
         const bool came = zyn::posix::receiveAll(fd.get(), bytes, deadline);
         codes += came ? zyn::CommandFrameHeader::decode(bytes).value().code : -1;
     }

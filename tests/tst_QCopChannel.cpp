@@ -2,8 +2,8 @@
 #include "platform/QCopChannel.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "tests/support/Descriptors.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Role.h"
+#include "tests/support/Timeout.h"
 
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QEventLoop>
@@ -142,7 +142,7 @@ void endProcess(const QString& end)
     if (end == u"fork" && ::fork() == 0) { // the child stays
         ::close(STDOUT_FILENO);            // who waits for the parent waits for its end
         ::close(STDERR_FILENO);
-        ::alarm(role::kPatience / 1000);
+        ::alarm(role::kTimeout / 1000);
         ::pause();
     }
     if (end != u"exit")
@@ -194,7 +194,7 @@ int forkRole(const QStringList&)
         returning = ::fork();
         if (returning == 0 || ::fork() != 0)
             return;
-        ::alarm(role::kPatience / 1000);
+        ::alarm(role::kTimeout / 1000);
         for (int i = 0; i < 3; ++i)
             QCopChannel::send("/pid", QByteArray::number(::getpid()), numbered("child", i));
         ::pause();
@@ -496,7 +496,7 @@ void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved()
         const std::unique_ptr<QThread> cold(
             QThread::create([] { QCopChannel::send(kChannel, "n", numbered("cold", 0)); }));
         cold->start();
-        QVERIFY(cold->wait(role::kPatience));
+        QVERIFY(cold->wait(role::kTimeout));
         QTRY_COMPARE(inbox.names.size(), times + 3);
         QTRY_COMPARE(other.names.size(), times + 3);
         QVERIFY(inbox.isInOrder && other.isInOrder);
@@ -693,9 +693,9 @@ void tst_QCopChannel::servesEachThreadInItsLoop()
         loop.exec();
     }));
     thread->start();
-    QVERIFY(isListening.tryAcquire(1, role::kPatience));
+    QVERIFY(isListening.tryAcquire(1, role::kTimeout));
     QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(thread->wait(role::kPatience));
+    QVERIFY(thread->wait(role::kTimeout));
     QCOMPARE(receivedIn, thread.get());
 }
 

@@ -1,6 +1,6 @@
 // The recent-call screens as a program has them that loads the library at run time and has none of its headers.
 #include "platform/QCopChannel.h"
-#include "tests/support/Patience.h"
+#include "tests/support/Timeout.h"
 
 #include <QtCore/QLibrary>
 #include <QtTest/QSignalSpy>

@@ -3,9 +3,9 @@
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
-#include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StdoutCapture.h"
+#include "support/Timeout.h"
 #include "utility/message/Payload_p.h"
 
 #include <QtCore/QEventLoop>

@@ -2,9 +2,9 @@
 #include "platform/QCopChannel.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "support/ActivityLogFixture.h"
-#include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StdoutCapture.h"
+#include "support/Timeout.h"
 
 using namespace Qt::StringLiterals;
 using namespace activity;

@@ -3,11 +3,11 @@
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/SocketClient.h"
 #include "tests/support/StoreFixture.h"
+#include "tests/support/Timeout.h"
 
 #include <algorithm>
 #include <cstdio>

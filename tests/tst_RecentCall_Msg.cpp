@@ -1,7 +1,7 @@
 // Names and requests on the channel of the recent-call screens.
 #include "recentcall/utility/RecentCall_Msg.h"
-#include "support/Patience.h"
 #include "support/StdoutCapture.h"
+#include "support/Timeout.h"
 
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>

@@ -3,10 +3,10 @@
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "tests/support/LineProcess.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/ServiceProcess.h"
 #include "tests/support/StoreFixture.h"
+#include "tests/support/Timeout.h"
 #include "tests/support/Tool.h"
 
 #include <QtCore/QDir>

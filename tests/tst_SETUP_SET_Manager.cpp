@@ -387,7 +387,7 @@ void tst_SETUP_SET_Manager::survivesKilledWriters()
         const auto writer = role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
         QVERIFY(role::waitReady(*writer));
         for (int line = 0; line <= round; ++line)
-            QVERIFY(writer->waitForReadyRead(role::kPatience));
+            QVERIFY(writer->waitForReadyRead(role::kTimeout));
         writer->kill();
         QCOMPARE(role::finish(*writer), -1);
         const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');

@@ -32,7 +32,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 /// For what comes at once, unless the machine is busy.
-constexpr auto kPatience = 20s;
+constexpr auto kTimeout = 20s;
 
 using Command = std::unique_ptr<UTIL_CommandBody>;
 
@@ -64,7 +64,7 @@ QByteArray read(const UniqueFd& socket)
 bool send(const UniqueFd& socket, const QByteArray& bytes)
 {
     const auto span = std::as_bytes(std::span(bytes.constData(), size_t(bytes.size())));
-    return zyn::posix::sendAll(socket.get(), span, {}, Clock::now() + kPatience);
+    return zyn::posix::sendAll(socket.get(), span, {}, Clock::now() + kTimeout);
 }
 
 /// What comes until the peer closes, but no more than @p limit bytes.
@@ -75,7 +75,7 @@ QByteArray receive(const UniqueFd& socket, qsizetype limit)
     while (all.size() < limit) {
         const auto room = std::span(block).first(static_cast<size_t>(limit - all.size()));
         const ssize_t n = zyn::posix::receiveSome(socket.get(), room);
-        if (n == 0 || (n < 0 && !zyn::posix::waitUntilReadable(socket.get(), Clock::now() + kPatience)))
+        if (n == 0 || (n < 0 && !zyn::posix::waitUntilReadable(socket.get(), Clock::now() + kTimeout)))
             break;
         all.append(reinterpret_cast<const char*>(block.data()), std::max<ssize_t>(n, 0));
     }
@@ -227,7 +227,7 @@ void tst_Socket_Command::failsWhenThePeerCloses()
 void tst_Socket_Command::givesUpASilentPeer()
 {
     const UniqueFd listener = listenAt("silent");
-    const UniqueFd client = connectUnix(path("silent"), kPatience);
+    const UniqueFd client = connectUnix(path("silent"), kTimeout);
     const UniqueFd server = zyn::posix::acceptConnection(listener.get());
     QVERIFY(send(server, header(1, 4) + "dat"));
     // All three at the same time: a frame that stops, one that never begins, and a peer that takes nothing.
@@ -241,17 +241,17 @@ void tst_Socket_Command::givesUpASilentPeer()
 
 void tst_Socket_Command::connectsOrFails()
 {
-    QVERIFY(!connectUnix(path("missing"), kPatience).isValid());
+    QVERIFY(!connectUnix(path("missing"), kTimeout).isValid());
     listenAt("dead"); // closed at once; its file stays
-    QVERIFY(!connectUnix(path("dead"), kPatience).isValid());
+    QVERIFY(!connectUnix(path("dead"), kTimeout).isValid());
 
     const QByteArray longest(zyn::posix::kUnixPathLimit - path({}).size(), 'x');
     const UniqueFd listener = listenAt(longest);
-    QVERIFY2(!connectUnix(path(longest + 'x'), kPatience).isValid(), "connected to a server of a shorter name");
+    QVERIFY2(!connectUnix(path(longest + 'x'), kTimeout).isValid(), "connected to a server of a shorter name");
 
     // Nobody accepts: each takes a place of the backlog, until one has to wait.
     std::vector<UniqueFd> clients;
-    clients.push_back(connectUnix(path(longest), kPatience));
+    clients.push_back(connectUnix(path(longest), kTimeout));
     QVERIFY(clients.back().isValid());
     while (clients.back().isValid() && clients.size() < 20)
         clients.push_back(connectUnix(path(longest), 50ms));
@@ -268,7 +268,7 @@ void tst_Socket_Command::trustsItsUserAndRoot()
     const UniqueFd listener = listenAt("nobody");
     QVERIFY(::seteuid(0) == 0);
     QVERIFY(trustsRoot);
-    const UniqueFd client = connectUnix(path("nobody"), kPatience);
+    const UniqueFd client = connectUnix(path("nobody"), kTimeout);
     QVERIFY(client.isValid() && !isPeerTrusted(client.get()));
 }
 

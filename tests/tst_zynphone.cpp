@@ -1,7 +1,7 @@
 // The command-line tool, run as its users run it: exit codes and everything it writes.
-#include "support/Patience.h"
 #include "support/Role.h"
 #include "support/StoreFixture.h"
+#include "support/Timeout.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QScopeGuard>

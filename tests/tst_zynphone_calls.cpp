@@ -1,7 +1,7 @@
 // The tool's verbs for placing calls: what they send, and what they show of what comes back.
 #include "platform/QCopChannel.h"
-#include "support/Patience.h"
 #include "support/ScriptedService.h"
+#include "support/Timeout.h"
 #include "support/Tool.h"
 
 #include <QtCore/QDir>

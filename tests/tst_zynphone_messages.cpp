@@ -1,7 +1,7 @@
 // The tool's monitor, status and send: what is sent is shown, by real processes.
 #include "support/MonitorProcess.h"
-#include "support/Patience.h"
 #include "support/SignalRecorder.h"
+#include "support/Timeout.h"
 #include "support/Tool.h"
 #include "utility/message/PhoneMessages_p.h"
 

@@ -1,8 +1,8 @@
 // The tool's recordings: made, sent again and drawn, by real processes.
 #include "platform/QCopChannel.h"
 #include "support/MonitorProcess.h"
-#include "support/Patience.h"
 #include "support/ScopedFileSizeLimit.h"
+#include "support/Timeout.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>

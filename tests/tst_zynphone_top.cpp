@@ -175,12 +175,12 @@ void ZynphoneTopTest::stopsAndGoesOn()
     terminal.take();
     terminal.type("\x1A");
     QByteArray output;
-    QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("q ends"); }, role::kPatience));
+    QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("q ends"); }, role::kTimeout));
     const qsizetype left = output.indexOf(kLeave);
     const qsizetype stopped = output.indexOf("stopped");
     QVERIFY(left >= 0 && left < stopped && stopped < output.indexOf(kEnter));
     terminal.type("q");
-    QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("over"); }, role::kPatience));
+    QVERIFY(QTest::qWaitFor([&] { return (output += terminal.take()).contains("over"); }, role::kTimeout));
 }
 
 void ZynphoneTopTest::endsWhereNothingIsTaken()
@@ -191,7 +191,7 @@ void ZynphoneTopTest::endsWhereNothingIsTaken()
         if (!isShown)
             terminal.stopOutput();
         terminal.start(kTool, {u"top"_s});
-        QVERIFY(QTest::qWaitFor([&] { return terminal.keyboard() != keyboard; }, role::kPatience));
+        QVERIFY(QTest::qWaitFor([&] { return terminal.keyboard() != keyboard; }, role::kTimeout));
         if (isShown)
             QCOMPARE(terminal.find(u"q ends"_s), 23);
         terminal.stopOutput();

@@ -18,7 +18,7 @@ public:
     /// The next line, without its end, of the channel that is read; empty when none comes.
     QString nextLine()
     {
-        while (!canReadLine() && waitForReadyRead(role::kPatience)) {
+        while (!canReadLine() && waitForReadyRead(role::kTimeout)) {
         }
         return QString::fromUtf8(readLine()).remove(QLatin1Char('\n'));
     }

@@ -13,7 +13,7 @@
 namespace role {
 
 /// How long a test waits for another process before it fails.
-inline constexpr int kPatience = 20'000;
+inline constexpr int kTimeout = 20'000;
 
 inline constexpr char kSwitch[] = "--role";
 
@@ -40,7 +40,7 @@ inline bool waitReady(QProcess& process)
 {
     QByteArray output;
     while (!output.contains("ready\n")) {
-        if (!process.waitForReadyRead(kPatience))
+        if (!process.waitForReadyRead(kTimeout))
             return false;
         output += process.readAllStandardOutput();
     }
@@ -50,7 +50,7 @@ inline bool waitReady(QProcess& process)
 /// Waits for the process's end and gives its exit code; -1 when it was killed or did not end.
 inline int finish(QProcess& process)
 {
-    if (process.state() != QProcess::NotRunning && !process.waitForFinished(kPatience))
+    if (process.state() != QProcess::NotRunning && !process.waitForFinished(kTimeout))
         return -1;
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }

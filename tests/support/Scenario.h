@@ -77,7 +77,7 @@ inline void play(const Verbs& verbs)
             return relation == QLatin1String("~") ? shown.contains(expected) : shown == expected;
         };
         const bool mayWait = !relation.isEmpty() && relation != QLatin1String("=");
-        for (const QDeadlineTimer deadline(role::kPatience); mayWait && !isRight() && !deadline.hasExpired();) {
+        for (const QDeadlineTimer deadline(role::kTimeout); mayWait && !isRight() && !deadline.hasExpired();) {
             QTest::qWait(10);
             shown = verb->second(words.mid(1));
         }

@@ -51,7 +51,7 @@ public:
     /// Waits until it has logged @p text.
     bool waitLogged(const QByteArray& text)
     {
-        return QTest::qWaitFor([&] { return logged().contains(text); }, role::kPatience);
+        return QTest::qWaitFor([&] { return logged().contains(text); }, role::kTimeout);
     }
     /// Ends the service and gives what it has logged since it told that it listens.
     QByteArray log()

@@ -21,14 +21,14 @@ inline QByteArray frame(int32_t code, const QByteArray& data = {})
 inline void send(const zyn::posix::UniqueFd& fd, const QByteArray& bytes)
 {
     const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
-    const auto deadline = zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience);
+    const auto deadline = zyn::posix::Clock::now() + std::chrono::milliseconds(role::kTimeout);
     zyn::posix::sendAll(fd.get(), block, {}, deadline);
 }
 
 /// A connection to the service at @p path on which @p bytes were sent.
 inline zyn::posix::UniqueFd connectAndSend(const QString& path, const QByteArray& bytes)
 {
-    zyn::posix::UniqueFd fd = zyn::posix::connectUnix(path.toLatin1(), std::chrono::milliseconds(role::kPatience));
+    zyn::posix::UniqueFd fd = zyn::posix::connectUnix(path.toLatin1(), std::chrono::milliseconds(role::kTimeout));
     send(fd, bytes);
     return fd;
 }
@@ -36,5 +36,5 @@ inline zyn::posix::UniqueFd connectAndSend(const QString& path, const QByteArray
 /// Whether the service closes the connection.
 inline bool isClosed(const zyn::posix::UniqueFd& fd)
 {
-    return zyn::posix::waitUntilClosed(fd.get(), zyn::posix::Clock::now() + std::chrono::milliseconds(role::kPatience));
+    return zyn::posix::waitUntilClosed(fd.get(), zyn::posix::Clock::now() + std::chrono::milliseconds(role::kTimeout));
 }

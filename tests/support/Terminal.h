@@ -31,7 +31,7 @@ public:
     ~Terminal()
     {
         tell(SIGKILL);
-        process.waitForFinished(role::kPatience);
+        process.waitForFinished(role::kTimeout);
     }
 
     void start(const QString& program, const QStringList& arguments, const QHash<QString, QString>& variables = {})
@@ -101,7 +101,7 @@ public:
             }
             return -1;
         };
-        return QTest::qWaitFor([&] { return place() >= 0; }, role::kPatience) ? place() : -1;
+        return QTest::qWaitFor([&] { return place() >= 0; }, role::kTimeout) ? place() : -1;
     }
 
     QProcess process;

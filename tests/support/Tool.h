@@ -24,7 +24,7 @@ inline QString run(const QStringList& arguments)
 {
     QProcess process;
     process.start(QStringLiteral(ZYN_TOOL), arguments);
-    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, role::kPatience))
+    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, role::kTimeout))
         return QStringLiteral("does not end");
     return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError())
            + QStringLiteral("exit %1").arg(role::finish(process));

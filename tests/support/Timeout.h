@@ -1,4 +1,4 @@
-// Qt's macros that wait for something, with the patience that tests have with other processes.
+// Qt's macros that wait for something, with the timeout of tests that wait for other processes.
 #pragma once
 
 #include "tests/support/Role.h"
@@ -6,14 +6,14 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtTest/QTest>
 
-namespace patience {
+namespace timeout {
 
 /// Handles events until @p condition holds; false when it does not come to that.
 template<typename Condition>
 bool waitUntil(Condition condition)
 {
     constexpr int kStep = 10; // milliseconds
-    const QDeadlineTimer deadline(role::kPatience);
+    const QDeadlineTimer deadline(role::kTimeout);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;
@@ -22,7 +22,7 @@ bool waitUntil(Condition condition)
     return true;
 }
 
-} // namespace patience
+} // namespace timeout
 
 // Those of Qt 6.8 give a count of 64 bits to an int in every test that uses them, which our warnings do not let pass.
 // Those of any Qt give up after five seconds, in which a busy machine may not have started a process.
@@ -32,11 +32,11 @@ bool waitUntil(Condition condition)
 #undef QTRY_COMPARE_WITH_TIMEOUT
 
 /// Handles events until @p condition holds; the test fails when it does not come to that.
-#define QTRY_VERIFY(condition) QVERIFY(patience::waitUntil([&] { return static_cast<bool>(condition); }))
+#define QTRY_VERIFY(condition) QVERIFY(timeout::waitUntil([&] { return static_cast<bool>(condition); }))
 
 /// The same for two values that are to become equal; the test fails with both of them.
 #define QTRY_COMPARE(actual, expected)                                                                                 \
     do {                                                                                                               \
-        static_cast<void>(patience::waitUntil([&] { return (actual) == (expected); }));                                \
+        static_cast<void>(timeout::waitUntil([&] { return (actual) == (expected); }));                                 \
         QCOMPARE(actual, expected);                                                                                    \
     } while (false)
