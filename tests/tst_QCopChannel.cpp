@@ -2,7 +2,7 @@
 #include "platform/QCopChannel.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "tests/support/Descriptors.h"
-#include "tests/support/Role.h"
+#include "tests/support/Scenario.h"
 #include "tests/support/Timeout.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -12,7 +12,6 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <algorithm>
@@ -22,17 +21,18 @@
 #include <thread>
 #include <vector>
 
-#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 using namespace Qt::StringLiterals;
+using zyn::posix::connectUnixAtOnce;
+using zyn::posix::UniqueFd;
 
 namespace {
 
-constexpr char kChannel[] = "/ZYN/test";
+constexpr char kChannel[] = "c";
 constexpr qsizetype kLimit = qsizetype{16} * 1024 * 1024;
 
 /// A payload that tells its sender and its place among the sender's messages.
@@ -45,21 +45,27 @@ QByteArray numbered(const QByteArray& sender, int number, qsizetype size = 0)
 class Inbox : public QCopChannel
 {
 public:
-    explicit Inbox(const QCString& channel = kChannel)
-        : QCopChannel(channel)
-    {}
+    explicit Inbox(const QCString& channel = kChannel, const char* name = nullptr)
+        : QCopChannel(channel, nullptr, name)
+    {
+        connect(this, &QCopChannel::received, [this](const QCString& message, const QByteArray& data) {
+            const QString payload = scenario::textOf(data);
+            texts += QString::fromLatin1(message.toPercentEncoding()) + (data.isEmpty() ? u""_s : u':' + payload);
+        });
+    }
 
     void receive(const QCString& message, const QByteArray& data) override
     {
         names.append(message);
-        payloads.append(data.first(std::min<qsizetype>(data.size(), 16)));
+        last = data;
         const QList<QByteArray> parts = data.split(':');
         isInOrder = isInOrder && (parts.size() < 3 || parts[1].toInt() == counts[parts[0]]++);
         QCopChannel::receive(message, data);
     }
 
+    QStringList texts; ///< the messages with their payloads
     QList<QCString> names;
-    QList<QByteArray> payloads;
+    QByteArray last;
     std::map<QByteArray, int> counts;
     bool isInOrder = true;
 };
@@ -75,11 +81,29 @@ void inOneTurn(const std::function<void()>& body)
     loop.exec();
 }
 
+/// Lets the process have few descriptors for as long as the result lives.
+auto limitDescriptors(int count)
+{
+    rlimit usual = {};
+    ::getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit low = {static_cast<rlim_t>(count), usual.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &low);
+    return qScopeGuard([usual] { ::setrlimit(RLIMIT_NOFILE, &usual); });
+}
+
 /// What has come over a connection that is only a socket.
-QByteArray receiveBare(const zyn::posix::UniqueFd& connection)
+QByteArray receiveBare(const UniqueFd& connection)
 {
     QByteArray bytes(100, '\0');
     return bytes.first(std::max<qsizetype>(::recv(connection.get(), bytes.data(), 100, MSG_DONTWAIT), 0));
+}
+
+void sendBytewise(int socket, const QByteArray& bytes)
+{
+    for (const char byte : bytes) {
+        ::send(socket, &byte, 1, MSG_NOSIGNAL);
+        QCoreApplication::processEvents();
+    }
 }
 
 /// Listens on channels until "end" comes on each: NAME [COUNT]. Fails when a sender's messages have gaps or are not as
@@ -98,7 +122,7 @@ int listenRole(const QStringList& arguments)
     role::sayReady();
     loop.exec();
     const auto isWhole = [](const auto& inbox) {
-        return inbox->isInOrder && inbox->counts["test"] == inbox->payloads.last().toInt();
+        return inbox->isInOrder && inbox->counts["test"] == inbox->last.toInt();
     };
     return std::ranges::all_of(inboxes, isWhole) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -216,133 +240,137 @@ class tst_QCopChannel : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void handsEveryMessageToEveryListenerOnce();
-    void refusesWhatIsNoMessage();
-    void givesALateListenerNothingSentBefore();
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        qputenv("ZYN_QCOP_PATH", root() + "-unused");
+        QVERIFY(QCopChannel::send("warm", "up") && QCopChannel("warm").isListening());
+        m_descriptors = openDescriptors();
+        qputenv("ZYN_QCOP_PATH", root());
+    }
+    void cleanup()
+    {
+        m_inboxes.clear();
+        m_processes.clear();
+        m_sockets.clear();
+        QCOMPARE(sockets(), QStringList());
+        setVariable("XDG_RUNTIME_DIR", m_runtimeDirectory);
+        // A sender lets go of the old connections when it sends in another place.
+        qputenv("ZYN_QCOP_PATH", root() + "-unused");
+        QVERIFY(QCopChannel::send("cool", "down"));
+        QTRY_COMPARE(openDescriptors(), m_descriptors); // a thread's go a little after it is done
+    }
+
+    void handsOverMessages_data() { scenario::addRows(QFINDTESTDATA("data/channels.txt")); }
+    void handsOverMessages();
     void writesAHandfulOfATurnAtOnceAndGathersABurst();
     void movesWhatWaitsOnOneChannelWithMessagesOnOthers();
     void losesNothingAndKeepsEachSendersOrder_data();
     void losesNothingAndKeepsEachSendersOrder();
     void keepsOrderOnMoreChannelsThanStayOpen_data();
     void keepsOrderOnMoreChannelsThanStayOpen();
-    void isFoundAgainWhenItsSocketIsRemoved_data();
-    void isFoundAgainWhenItsSocketIsRemoved();
-    void listensLaterWhereItMayNotYet();
-    void showsWhoCleansUpThatItLives();
-    void removesTheSocketOfADeadListenerOnly();
-    void removesWhatAKilledListenerLeavesOnAChannelThatNobodyUses();
     void listsOtherListenersSeldomWhenItHasMany();
     void losesNothingAcceptedForAStoppedListener();
     void tellsWhenDescriptorsAreTooFew();
-    void connectsLaterToAListenerThatAcceptsNobody();
     void servesOthersWhenAListenerIsDestroyed();
     void deliversInANestedLoop();
     void servesEachThreadInItsLoop();
-    void refusesADirectoryThatIsNotTheUsersAlone_data();
-    void refusesADirectoryThatIsNotTheUsersAlone();
-    void findsItsDirectory();
-    void closesAConnectionThatSendsGarbage();
-    void survivesForks();
-    void losesASenderWhoseChildLives();
 
 private:
     QByteArray root() const { return m_folder->path().toLocal8Bit() + "/qcop"; }
-    QByteArray socketPath(const QByteArray& name) const { return root() + "/%2FZYN%2Ftest/" + name; }
+    QByteArray socketPath(const QByteArray& name) const { return root() + "/c/" + name; }
     QStringList sockets() const
     {
         return QDir(QString::fromLocal8Bit(socketPath({}))).entryList(QDir::System | QDir::Hidden);
     }
     /// A listener that is only a socket, named "bare".
-    zyn::posix::UniqueFd listenBare() const
+    UniqueFd listenBare() const
     {
-        ::mkdir(root().constData(), 0700);
-        ::mkdir(socketPath({}).constData(), 0700);
+        scenario::shell(m_folder->path(), {u"mkdir -pm 700 qcop qcop/c"_s});
         auto socket = zyn::posix::listenUnix(socketPath(".bare"), 0600);
         ::rename(socketPath(".bare").constData(), socketPath("bare").constData());
         return socket;
     }
-    int pid(const QProcess& process) const { return static_cast<int>(process.processId()); }
+    /// The socket of a process that has another number where it lives, and does not listen yet.
+    UniqueFd bindElsewhere() const
+    {
+        auto socket = zyn::posix::unixSocket();
+        const auto address = zyn::posix::unixAddress(socketPath("2147483647-1"));
+        return ::fchmod(socket.get(), 0200) == 0 && ::bind(socket.get(), address.get(), address.length) == 0
+                   ? std::move(socket)
+                   : UniqueFd();
+    }
+    bool listen(const QString& name, const QCString& channel)
+    {
+        m_inboxes[name] = std::make_unique<Inbox>(channel, qPrintable(name));
+        m_known = openDescriptors();
+        return m_inboxes[name]->channel() == channel && m_inboxes[name]->objectName() == name;
+    }
+    /// Sets a variable to a value, which may be in the test's folder, "@"; null is no value.
+    void setVariable(const QByteArray& name, QString value) const
+    {
+        value.replace(u'@', m_folder->path());
+        value.isNull() ? qunsetenv(name.constData()) : qputenv(name.constData(), scenario::bytes(value));
+    }
+    static void signalTo(const QProcess& process, int signal) { ::kill(pid_t(process.processId()), signal); }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    const QString m_runtimeDirectory = qEnvironmentVariable("XDG_RUNTIME_DIR");
     qsizetype m_descriptors = 0;
+    qsizetype m_known = 0; ///< the descriptors after the latest "listen"
+    std::map<QString, std::unique_ptr<Inbox>> m_inboxes;
+    std::map<QString, std::unique_ptr<QProcess>> m_processes;
+    std::map<QString, UniqueFd> m_sockets;
 };
 
-void tst_QCopChannel::init()
+void tst_QCopChannel::handsOverMessages()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    qputenv("ZYN_QCOP_PATH", root() + "-unused");
-    QVERIFY(QCopChannel::send("warm", "up") && QCopChannel("warm").isListening());
-    m_descriptors = openDescriptors();
-    qputenv("ZYN_QCOP_PATH", root());
-}
-
-void tst_QCopChannel::cleanup()
-{
-    QCOMPARE(sockets(), QStringList());
-    // A sender lets go of the old connections when it sends in another place.
-    qputenv("ZYN_QCOP_PATH", root() + "-unused");
-    QVERIFY(QCopChannel::send("cool", "down"));
-    QTRY_COMPARE(openDescriptors(), m_descriptors); // a thread's go a little after it is done
-}
-
-void tst_QCopChannel::handsEveryMessageToEveryListenerOnce()
-{
-    Inbox first;
-    QCopChannel second(kChannel, nullptr, "second");
-    QCOMPARE(second.objectName(), u"second"_s);
-    QCOMPARE(second.channel(), QCString(kChannel));
-    QCopChannel other("/zyn/TEST"), longName(QCString(300, 'c')), dots("..");
-    QSignalSpy spy(&second, &QCopChannel::received), otherSpy(&other, &QCopChannel::received);
-    QSignalSpy longSpy(&longName, &QCopChannel::received), dotSpy(&dots, &QCopChannel::received);
-    const QByteArray binary("\0\xff\0", 3), large(qsizetype{1024} * 1024, 'L');
-
-    QVERIFY(QCopChannel::send(kChannel, "empty"));
-    QVERIFY(QCopChannel::send(kChannel, "binary \xe4 name", binary));
-    QVERIFY(QCopChannel::send(kChannel, QCString("large\0cut", 9), large));
-    QVERIFY(QCopChannel::send(QCString(300, 'c'), "long"));
-    QVERIFY(QCopChannel::send("..", "dots"));
-    QCOMPARE(spy.size(), 0); // never inside send
-
-    QTRY_COMPARE(spy.size(), 3);
-    QTRY_COMPARE(first.names, QList<QCString>({"empty", "binary \xe4 name", "large"}));
-    QCOMPARE(spy[1], QVariantList({QByteArray("binary \xe4 name"), binary}));
-    QCOMPARE(spy[2], QVariantList({QByteArray("large"), large}));
-    QTRY_COMPARE(longSpy.size(), 1);
-    QTRY_COMPARE(dotSpy.size(), 1);
-    QCOMPARE(otherSpy.size(), 0);
-    QCOMPARE(QCopChannel::channels(), QList<QCString>({"..", kChannel, "/zyn/TEST"}));
-}
-
-void tst_QCopChannel::refusesWhatIsNoMessage()
-{
-    Inbox inbox;
-    for (const QCString& nameless : {QCString(), QCString("\0n", 2)})
-        QVERIFY(!QCopChannel::send(nameless, "m") && !QCopChannel::send(kChannel, nameless));
-    QVERIFY(!QCopChannel::send(kChannel, "m", QByteArray(kLimit, 'x')));
-    QVERIFY(QCopChannel::send(kChannel, "m", QByteArray(kLimit - 1, 'x')));
-    QTRY_COMPARE(inbox.names, QList<QCString>({"m"}));
-}
-
-void tst_QCopChannel::givesALateListenerNothingSentBefore()
-{
-    Inbox early;
-    std::unique_ptr<Inbox> late;
-    inOneTurn([&] {
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(QCopChannel::send(kChannel, "before"));
-        late = std::make_unique<Inbox>();
-        QVERIFY(QCopChannel::send(kChannel, "after"));
+    using scenario::bytes;
+    using Words = const QStringList&;
+    const QString& folder = m_folder->path();
+    const auto inbox = [this](Words words) -> Inbox& { return *m_inboxes.at(words[0]); };
+    const auto process = [this](Words words) -> QProcess& { return *m_processes.at(words[0]); };
+    const auto socket = [this](const QString& name) { return m_sockets.at(name).get(); };
+    scenario::Verbs verbs = {
+        {u"accept"_s,
+         [&](Words w) { return (m_sockets[w[0]] = zyn::posix::acceptConnection(socket(w[1]))).isValid(); }},
+        {u"bare"_s, [&](Words w) { m_sockets[w[0]] = listenBare(); }},
+        {u"channels"_s, [] { return QString::fromLatin1(QCopChannel::channels().join(' ')); }},
+        {u"close"_s, [&](Words w) { m_inboxes.erase(w[0]); }},
+        {u"connect"_s, [&](Words w) { m_sockets[w[0]] = connectUnixAtOnce(socketPath(sockets().at(0).toLatin1())); }},
+        {u"warn"_s,
+         [&] { QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"c\" in \"" + root() + '"'); }},
+        {u"end"_s, [&](Words w) { return role::finish(*std::exchange(m_processes[w[0]], {})); }},
+        {u"ended"_s, [&](Words w) { return zyn::posix::waitUntilClosed(socket(w[0]), zyn::posix::Clock::now()); }},
+        {u"got"_s, [&](Words w) { return inbox(w).texts.join(u' '); }},
+        {u"isInOrder"_s, [&](Words w) { return inbox(w).isInOrder; }},
+        {u"isListening"_s, [&](Words w) { return inbox(w).isListening() ? u"yes"_s : u"no"_s; }},
+        {u"kill"_s, [&](Words w) { return process(w).kill(), role::finish(process(w)); }},
+        {u"killChild"_s, [&](Words w) { return ::kill(inbox(w).names.at(0).toInt(), SIGKILL) == 0; }},
+        {u"leaks"_s, [&] { return openDescriptors() == m_known; }},
+        {u"listen"_s, [&](Words w) { return listen(w[0], bytes(w[1])); }},
+        {u"hear"_s, [&](Words w) { return ::listen(socket(w[0]), w[1].toInt()) == 0; }},
+        {u"put"_s, [&](Words w) { sendBytewise(socket(w[0]), bytes(w[1])); }},
+        {u"send"_s, [](Words w) { return QCopChannel::send(bytes(w[0]), bytes(w[1]), bytes(w.value(2))); }},
+        {u"set"_s, [&](Words w) { setVariable(w[0].toLatin1(), w.value(1)); }},
+        {u"sh"_s, [&](Words w) { return scenario::shell(folder, w); }},
+        {u"start"_s, [&](Words w) { return role::waitReady(*(m_processes[w[0]] = role::start(w[1], w.mid(2)))); }},
+        {u"takes"_s, [&](Words w) { return scenario::textOf(receiveBare(m_sockets.at(w[0]))); }},
+        {u"young"_s, [&](Words w) { m_sockets[w[0]] = bindElsewhere(); }},
+    };
+    verbs.emplace(u"turn"_s, [&](Words w) {
+        inOneTurn([&] {
+            for (const QString& step : w.join(u' ').split(u" ; "_s, Qt::SkipEmptyParts))
+                verbs.at(step.section(u' ', 0, 0))(step.split(u' ').mid(1));
+        });
     });
-    QTRY_COMPARE(early.names.size(), 4);
-    QTRY_COMPARE(late->names, QList<QCString>({"after"}));
+    scenario::play(verbs);
 }
 
 void tst_QCopChannel::writesAHandfulOfATurnAtOnceAndGathersABurst()
 {
     const auto listener = listenBare();
-    zyn::posix::UniqueFd sender;
+    UniqueFd sender;
     QByteArrayList early;
     inOneTurn([&] {
         for (int i = 0; i < 20; ++i) {
@@ -431,15 +459,11 @@ void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
     QFETCH(bool, isSlow);
     constexpr int kChannels = 100;
     constexpr int kRounds = 4;
-    rlimit usual = {};
-    ::getrlimit(RLIMIT_NOFILE, &usual);
-    const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_NOFILE, &usual); });
     const auto process = role::start(u"listen"_s, {u"many"_s, QString::number(kChannels)});
     QVERIFY(role::waitReady(*process));
-    const rlimit low = {256, usual.rlim_max}; // of which connections get a part
-    ::setrlimit(RLIMIT_NOFILE, &low);
+    const auto low = limitDescriptors(256); // of which connections get a part
     if (isSlow)
-        ::kill(pid(*process), SIGSTOP);
+        signalTo(*process, SIGSTOP);
     for (int i = 0; i <= kRounds; ++i) {
         for (int channel = 0; channel < kChannels; ++channel) {
             const QByteArray name = channel > 0 ? "many" + QByteArray::number(channel) : "many";
@@ -449,126 +473,17 @@ void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
         }
     }
     if (isSlow)
-        ::kill(pid(*process), SIGCONT);
+        signalTo(*process, SIGCONT);
     else
         QVERIFY(openDescriptors() < 200);
     QTRY_COMPARE(process->state(), QProcess::NotRunning);
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
 }
 
-void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved_data()
-{
-    QTest::addColumn<QByteArray>("removed");
-    QTest::newRow("the socket") << QByteArray("/qcop/%2FZYN%2Ftest/*");
-    QTest::newRow("the channel's directory") << QByteArray("/qcop/%2FZYN%2Ftest");
-    QTest::newRow("the directory of all channels") << QByteArray("/qcop");
-    QTest::newRow("the one above, which is made again") << QByteArray();
-    QTest::newRow("the one above, moved elsewhere") << QByteArray("moved");
-}
-
-void tst_QCopChannel::isFoundAgainWhenItsSocketIsRemoved()
-{
-    QFETCH(QByteArray, removed);
-    const int times = removed == "moved" ? 1 : 3; // each at once after the one before
-    const QByteArray base = m_folder->path().toLocal8Bit() + "/base";
-    QCOMPARE(::mkdir(base.constData(), 0700), 0);
-    qputenv("ZYN_QCOP_PATH", base + "/qcop");
-    const auto remove = [&] {
-        const bool isMoved = removed == "moved";
-        const QByteArray command = isMoved ? "mv " + base + ' ' + base + "-moved" : "rm -r " + base + removed;
-        return std::system(command.constData()) == 0;
-    };
-    {
-        Inbox inbox, other;
-        QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 0)));
-        QTRY_COMPARE(inbox.names.size(), 1);
-        for (int i = 0; i < times; ++i) {
-            QVERIFY(remove());
-            QVERIFY(!inbox.isListening());
-            if (!QFile::exists(QString::fromLocal8Bit(base))) {
-                QCoreApplication::processEvents(); // finds nothing to make it in
-                QCOMPARE(::mkdir(base.constData(), 0700), 0);
-            }
-            QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 1 + i))); // by the connection that it has
-            QTRY_VERIFY(inbox.isListening() && other.isListening());
-        }
-        QVERIFY(QCopChannel::send(kChannel, "n", numbered("warm", 1 + times)));
-        const std::unique_ptr<QThread> cold(
-            QThread::create([] { QCopChannel::send(kChannel, "n", numbered("cold", 0)); }));
-        cold->start();
-        QVERIFY(cold->wait(role::kTimeout));
-        QTRY_COMPARE(inbox.names.size(), times + 3);
-        QTRY_COMPARE(other.names.size(), times + 3);
-        QVERIFY(inbox.isInOrder && other.isInOrder);
-    }
-    QVERIFY(!QFile::exists(QString::fromLocal8Bit(base + "/qcop/%2FZYN%2Ftest")));
-}
-
-void tst_QCopChannel::listensLaterWhereItMayNotYet()
-{
-    QCOMPARE(::mkdir(root().constData(), 0755), 0);
-    QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"/ZYN/test\" in \"" + root() + '"');
-    Inbox inbox;
-    QVERIFY(!inbox.isListening());
-    QCOMPARE(::chmod(root().constData(), 0700), 0);
-    QTRY_VERIFY(inbox.isListening());
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QTRY_COMPARE(inbox.names.size(), 1);
-}
-
-void tst_QCopChannel::showsWhoCleansUpThatItLives()
-{
-    const Inbox inbox;
-    QFile list(u"/proc/net/unix"_s);
-    QVERIFY(list.open(QIODevice::ReadOnly));
-    QVERIFY(list.readAll().contains(' ' + socketPath(sockets().at(0).toLocal8Bit()) + '\n'));
-}
-
-void tst_QCopChannel::removesTheSocketOfADeadListenerOnly()
-{
-    Inbox living;
-    const auto dead = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
-    QVERIFY(role::waitReady(*dead));
-    // Of a process that has another number where it lives, and that does not listen yet.
-    const QByteArray elsewhere = socketPath("2147483647-1");
-    const auto young = zyn::posix::unixSocket();
-    const auto address = zyn::posix::unixAddress(elsewhere);
-    QCOMPARE(::fchmod(young.get(), 0200), 0);
-    QCOMPARE(::bind(young.get(), address.get(), address.length), 0);
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    dead->kill();
-    QCOMPARE(role::finish(*dead), -1);
-    QCOMPARE(sockets().size(), 3);
-
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QCOMPARE(sockets().size(), 2);
-    QTRY_COMPARE(living.names.size(), 2);
-    QVERIFY(sockets().contains(u"2147483647-1"_s));
-    QVERIFY(::listen(young.get(), 1) == 0 && ::chmod(elsewhere.constData(), 0600) == 0);
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QCOMPARE(receiveBare(zyn::posix::acceptConnection(young.get())), QByteArray("\1\0\0\0\0\0\0\0n", 9));
-    ::unlink(elsewhere.constData());
-}
-
-void tst_QCopChannel::removesWhatAKilledListenerLeavesOnAChannelThatNobodyUses()
-{
-    const auto dead = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
-    QVERIFY(role::waitReady(*dead));
-    dead->kill();
-    QCOMPARE(role::finish(*dead), -1);
-    QCOMPARE(sockets().size(), 1);
-    const auto other = role::start(u"listen"_s, {u"many"_s});
-    QVERIFY(role::waitReady(*other));
-    QVERIFY(!QFile::exists(QString::fromLocal8Bit(socketPath({}))));
-    other->terminate();
-    role::finish(*other);
-    QVERIFY(QCopChannel::send("many", "removes the other's"));
-}
-
 void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()
 {
     const Inbox first;
-    const zyn::posix::UniqueFd watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    const UniqueFd watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     QVERIFY(::inotify_add_watch(watch.get(), socketPath({}).constData(), IN_OPEN) >= 0);
     std::vector<std::unique_ptr<Inbox>> many;
     int lists = 0;
@@ -587,7 +502,7 @@ void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
     int sent = 0;
     while (sent < 4000 && QCopChannel::send(kChannel, "n", numbered("test", sent, 8000))) {
         if (++sent == 100)
-            ::kill(pid(*process), SIGSTOP);
+            signalTo(*process, SIGSTOP);
     }
     QVERIFY2(qsizetype{sent} * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
     Inbox other;
@@ -597,7 +512,7 @@ void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
     QVERIFY(QCopChannel::send(kChannel, "elsewhere"));
     qputenv("ZYN_QCOP_PATH", root());
 
-    ::kill(pid(*process), SIGCONT);
+    signalTo(*process, SIGCONT);
     QTRY_VERIFY(QCopChannel::send(kChannel, "end", QByteArray::number(sent)));
     QTRY_COMPARE(process->state(), QProcess::NotRunning);
     QCOMPARE(role::finish(*process), EXIT_SUCCESS);
@@ -605,38 +520,19 @@ void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
 
 void tst_QCopChannel::tellsWhenDescriptorsAreTooFew()
 {
-    rlimit usual = {};
-    ::getrlimit(RLIMIT_NOFILE, &usual);
     for (size_t spare = 0; spare < 6; ++spare) {
         Inbox late; // the sender does not know it yet
-        std::vector<zyn::posix::UniqueFd> held;
+        std::vector<UniqueFd> held;
         while (held.size() < 64)
             held.emplace_back(::dup(STDERR_FILENO));
-        const rlimit low = {static_cast<rlim_t>(held.back().get()) + 1, usual.rlim_max};
-        held.resize(held.size() - spare);
-        ::setrlimit(RLIMIT_NOFILE, &low);
-        const bool isSent = QCopChannel::send(kChannel, "n");
-        ::setrlimit(RLIMIT_NOFILE, &usual);
+        const bool isSent = [&] {
+            const auto low = limitDescriptors(held.back().get() + 1);
+            held.resize(held.size() - spare);
+            return QCopChannel::send(kChannel, "n");
+        }();
         QVERIFY(QCopChannel::send(kChannel, "n"));
         QTRY_COMPARE(late.names.size(), isSent ? 2 : 1);
     }
-}
-
-void tst_QCopChannel::connectsLaterToAListenerThatAcceptsNobody()
-{
-    const auto busy = listenBare();
-    QCOMPARE(::listen(busy.get(), 0), 0);
-    const auto intruder = zyn::posix::connectUnixAtOnce(socketPath("bare"));
-    QVERIFY(intruder.isValid());
-    QVERIFY(QCopChannel::send(kChannel, "n", "waits"));
-    QCoreApplication::processEvents();
-
-    QVERIFY(zyn::posix::acceptConnection(busy.get()).isValid());
-    pollfd waiting = {busy.get(), POLLIN, 0};
-    QTRY_COMPARE(::poll(&waiting, 1, 0), 1);
-    const auto sender = zyn::posix::acceptConnection(busy.get());
-    QCOMPARE(receiveBare(sender), QByteArray("\1\0\0\0\5\0\0\0nwaits", 14));
-    ::unlink(socketPath("bare").constData());
 }
 
 void tst_QCopChannel::servesOthersWhenAListenerIsDestroyed()
@@ -697,109 +593,6 @@ void tst_QCopChannel::servesEachThreadInItsLoop()
     QVERIFY(QCopChannel::send(kChannel, "n"));
     QVERIFY(thread->wait(role::kTimeout));
     QCOMPARE(receivedIn, thread.get());
-}
-
-void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone_data()
-{
-    QTest::addColumn<QByteArray>("below");
-    QTest::addColumn<QByteArray>("damage");
-    for (const QByteArray below : {"", "/%2FZYN%2Ftest"}) {
-        for (const QByteArray damage : {"open to others", "somebody else's", "a link"})
-            QTest::addRow("%s: %s", below.isEmpty() ? "root" : "channel", damage.constData()) << below << damage;
-    }
-}
-
-void tst_QCopChannel::refusesADirectoryThatIsNotTheUsersAlone()
-{
-    QFETCH(QByteArray, below);
-    QFETCH(QByteArray, damage);
-    const QByteArray path = root() + below, moved = root() + "-moved";
-    QVERIFY(::mkdir(root().constData(), 0700) == 0 && ::mkdir(socketPath({}).constData(), 0700) == 0);
-    QVERIFY(QCopChannel::send(kChannel, "n")); // knows them, and looks again when they change
-    if (damage == "open to others")
-        QCOMPARE(::chmod(path.constData(), 0710), 0);
-    else if (damage == "a link")
-        QVERIFY(::rename(path.constData(), moved.constData()) == 0
-                && ::symlink(moved.constData(), path.constData()) == 0);
-    else if (::chown(path.constData(), 65534, 65534) != 0)
-        QSKIP("only root can give a directory away");
-    QVERIFY(!QCopChannel::send(kChannel, "n"));
-    QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"/ZYN/test\" in \"" + root() + '"');
-    Inbox deaf;
-}
-
-void tst_QCopChannel::findsItsDirectory()
-{
-    const QByteArray folder = m_folder->path().toLocal8Bit();
-    const auto oldRuntime = qScopeGuard([old = qgetenv("XDG_RUNTIME_DIR")] { qputenv("XDG_RUNTIME_DIR", old); });
-    qunsetenv("ZYN_QCOP_PATH");
-    qputenv("XDG_RUNTIME_DIR", folder + "/late/");
-    QVERIFY(!QCopChannel::send(kChannel, "n")); // who comes later must not look elsewhere
-    QCOMPARE(::mkdir((folder + "/late").constData(), 0700), 0);
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(m_folder->filePath(u"late/zynqcop"_s)));
-    qunsetenv("XDG_RUNTIME_DIR");
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(QFile::exists(u"/tmp/zynqcop-%1"_s.arg(::geteuid())));
-    qputenv("ZYN_QCOP_PATH", "relative");
-    QVERIFY(!QCopChannel::send(kChannel, "n"));
-    qputenv("ZYN_QCOP_PATH", root() + QByteArray(100, 'l')); // longer than the address of a socket
-    Inbox inbox;
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QTRY_COMPARE(inbox.names.size(), 1);
-}
-
-void tst_QCopChannel::closesAConnectionThatSendsGarbage()
-{
-    const QByteArray garbage[] = {{"\0\0\0\0\1\0\0\0x", 9},    // no name
-                                  {"\2\0\0\0\0\0\0\0\0n", 10}, // a name with a NUL
-                                  {"\1\0\0\1\0\0\0\0", 8},     // a name too long
-                                  {"\1\0\0\0\0\0\0\1", 8},     // a payload too long
-                                  {"\1\0\0\0\xff\xff\xff\xff", 8}};
-    for (const QByteArray& bytes : garbage) {
-        Inbox inbox;
-        const auto hostile = zyn::posix::connectUnixAtOnce(socketPath(sockets().at(0).toLatin1()));
-        for (const char byte : QByteArray("\3\0\0\0\4\0\0\0onedata\2\0\0\0\0\0\0\0hi", 25)) {
-            QCOMPARE(::write(hostile.get(), &byte, 1), 1);
-            QCoreApplication::processEvents();
-        }
-        QCOMPARE(::write(hostile.get(), bytes.constData(), size_t(bytes.size())), bytes.size());
-        char none = 0;
-        QTRY_COMPARE(::recv(hostile.get(), &none, 1, MSG_DONTWAIT), 0); // the end
-        QVERIFY(QCopChannel::send(kChannel, "after"));
-        QTRY_COMPARE(inbox.names, QList<QCString>({"one", "hi", "after"}));
-        QCOMPARE(inbox.payloads, QList<QByteArray>({"data", "", ""}));
-    }
-}
-
-void tst_QCopChannel::survivesForks()
-{
-    Inbox inbox;
-    QCopChannel pids("/pid");
-    QSignalSpy children(&pids, &QCopChannel::received);
-    const auto process = role::start(u"fork"_s);
-    QVERIFY(role::waitReady(*process));
-    QTRY_COMPARE(children.size(), 3);
-    QTRY_COMPARE(inbox.counts["parent"], 3);
-    QVERIFY(inbox.isInOrder);
-    QCOMPARE(sockets().size(), 2); // the first child left its parent's alone
-    process->kill();
-    QCOMPARE(role::finish(*process), -1);
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QCOMPARE(sockets().size(), 1); // the second does not keep its parent's alive
-    QTRY_COMPARE(inbox.names.size(), 4);
-    QCOMPARE(::kill(children[0][0].toInt(), SIGKILL), 0);
-}
-
-void tst_QCopChannel::losesASenderWhoseChildLives()
-{
-    Inbox inbox;
-    const qsizetype before = openDescriptors();
-    const auto process = role::start(u"send"_s, {u"parent"_s, u"1"_s, u"0"_s, u"main"_s, u"fork"_s});
-    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
-    process->close();
-    QTRY_COMPARE(inbox.names.size(), 1);
-    QTRY_COMPARE(openDescriptors(), before); // no connection is left
 }
 
 int main(int argc, char** argv)

@@ -45,6 +45,36 @@ private:
 
 using Verbs = std::map<QString, Verb>;
 
+/// The bytes that a text stands for: "%0A" is one byte, and "x*9" nine of them.
+inline QByteArray bytes(QString text)
+{
+    static const QRegularExpression repeat(QStringLiteral("(.)\\*(\\d+)"));
+    for (auto match = repeat.match(text); match.hasMatch(); match = repeat.match(text)) {
+        const QString all(match.captured(2).toInt(), match.captured(1).front());
+        text.replace(match.capturedStart(), match.capturedLength(), all);
+    }
+    return QByteArray::fromPercentEncoding(text.toUtf8());
+}
+
+/// The text that stands for some bytes.
+inline QString textOf(const QByteArray& bytes)
+{
+    if (bytes.size() > 16 && bytes.count(bytes.front()) == bytes.size())
+        return QStringLiteral("%1*%2").arg(QLatin1Char(bytes.front())).arg(bytes.size());
+    return QString::fromLatin1(bytes.toPercentEncoding(" !\"#$&'()*+,/:;<=>?@[\\]^`{|}"));
+}
+
+/// What a shell says that runs @p command in @p folder.
+inline QString shell(const QString& folder, const QStringList& command)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral("sh"), {QStringLiteral("-c"), command.join(QLatin1Char(' '))});
+    role::finish(process);
+    return QString::fromLocal8Bit(process.readAll()).trimmed();
+}
+
 /// Adds a row for each scenario in the file @p path: "# name", then the steps. What a step shows stands behind " = ";
 /// what it comes to show behind " => ", and what that comes to contain behind " ~ ". Other steps show nothing.
 inline void addRows(const QString& path)
