@@ -1,0 +1,355 @@
+// The messages of the channels: what requests send, byte by byte, and what becomes of those that come.
+#include "recentcall/utility/RecentCall_MsgClient.h"
+#include "support/Scenario.h"
+#include "support/SignalRecorder.h"
+#include "support/StdoutCapture.h"
+#include "support/Timeout.h"
+#include "utility/PHONE_AsyncMsgReceiver.h"
+#include "utility/PHONE_Ptt.h"
+#include "utility/PHONE_Requests.h"
+#include "utility/PHONE_VoiceCall.h"
+#include "utility/PHONE_VoiceCallReceiver.h"
+#include "utility/PHONE_VoiceCallSender.h"
+#include "utility/message/Message_p.h"
+
+#include <QtCore/QPointer>
+#include <QtCore/QSet>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using scenario::Verb;
+using scenario::Verbs;
+
+namespace {
+
+using Relay = PHONE_AsyncMsgReceiver;
+using Screens = RecentCall_Msg;
+using Words = QStringList;
+
+/// An object that turns messages into signals.
+struct Client
+{
+    QObject* (*start)();
+    void (*end)(QObject* object);
+};
+
+constexpr void (*kDelete)(QObject* object) = [](QObject* object) { delete object; };
+constexpr Client kPhone{[]() -> QObject* { return new PHONE_MsgClient; }, kDelete};
+constexpr Client kRelay{[]() -> QObject* { return Relay::instance(); }, [](QObject*) { Relay::destruction(); }};
+constexpr Client kScreens{[]() -> QObject* { return RecentCall_MsgClient::instance(); },
+                          [](QObject*) { RecentCall_MsgClient::destruction(); }};
+constexpr Client kCalls{[]() -> QObject* { return new PHONE_VoiceCallReceiver; }, kDelete};
+
+QCopChannel* channelOf(QObject* object)
+{
+    auto* const channel = qobject_cast<QCopChannel*>(object);
+    return channel ? channel : object->findChild<QCopChannel*>();
+}
+
+/// The bytes of a word; null when it says so.
+QByteArray bytesOf(const QString& word)
+{
+    return word == u"null"_s ? QByteArray() : QByteArray::fromPercentEncoding(word.toLatin1());
+}
+
+QByteArray payloadOf(const Words& words)
+{
+    return QByteArray::fromHex(words.mid(1).join(QString()).toLatin1());
+}
+
+/// What was written, in a line; that an operation was entered reads as its name in angle brackets.
+QString lineOf(const QByteArray& log)
+{
+    static const QRegularExpression entry(u"utility/\\w+,(\\w+),\\d+ \n"_s);
+    return QString::fromLatin1(log).replace(entry, u"<\\1>"_s).replace(u'\n', u'|');
+}
+
+using Outcome = std::pair<QString, QByteArrayList>; // what is written, and emitted
+
+/// What a client makes of a message; it ends in the middle of that, after @p last signals.
+Outcome receive(const Client& client, const QCString& name, const QByteArray& payload, qsizetype last = -1)
+{
+    QObject* object = client.start();
+    SignalRecorder recorder(object);
+    recorder.onSignal = [&] {
+        if (recorder.count() == last)
+            client.end(std::exchange(object, nullptr));
+    };
+    StdoutCapture capture;
+    channelOf(object)->receive(name, payload);
+    const QString log = lineOf(capture.take());
+    if (object)
+        client.end(object);
+    QByteArrayList emitted = recorder.take().split(' ');
+    emitted.removeAll({});
+    return {log, emitted};
+}
+
+/// What a client makes of a message, and as much of that as comes before its end.
+Outcome receiveAndEnd(const Client& client, const Words& words)
+{
+    const Outcome whole = receive(client, bytesOf(words[0]), payloadOf(words));
+    for (qsizetype last = 1; last <= whole.second.size(); ++last) {
+        if (receive(client, bytesOf(words[0]), payloadOf(words), last)
+            != Outcome{whole.first, whole.second.first(last)})
+            return {u"goes on after its end"_s, {}};
+    }
+    return whole;
+}
+
+QString shown(const Outcome& outcome)
+{
+    const QString emitted = QString::fromUtf8(outcome.second.join(' '));
+    return outcome.first + u" -> "_s + (emitted.isEmpty() ? u"nothing"_s : emitted);
+}
+
+QByteArray nameOf(const QByteArray& signal)
+{
+    return signal.left(signal.indexOf('('));
+}
+
+/// The names of the relay's signals.
+QSet<QByteArray> relayedSignals()
+{
+    QSet<QByteArray> names;
+    for (const QByteArray& signature : signalsOf(Relay::staticMetaObject))
+        names += nameOf(signature);
+    return names;
+}
+
+/// What is emitted anew when more of the message is there, with the number of bytes from which on it is.
+QString receiveCut(const Client& client, const Words& words)
+{
+    const QByteArray payload = payloadOf(words);
+    QByteArrayList before;
+    QByteArrayList all;
+    for (qsizetype length = 0; length <= payload.size(); ++length) {
+        const QByteArrayList emitted = receive(client, bytesOf(words[0]), payload.first(length)).second;
+        if (emitted != before)
+            all += QByteArray::number(length) + ':';
+        for (const QByteArray& signal : emitted)
+            all += before.contains(signal) ? QByteArrayList() : QByteArrayList{signal};
+        before = emitted;
+    }
+    return QString::fromUtf8(all.join(' '));
+}
+
+/// A call to 77 and others, whose second texts are null.
+PTT_CALL_INFO_T pttCall(const QString& count)
+{
+    PTT_CALL_INFO_T call = {{u"77"_s}, {}, static_cast<uint8_t>(count.toUInt()), -2, 3};
+    std::fill(std::begin(call.firstList) + 1, std::end(call.firstList), u"1"_s);
+    return call;
+}
+
+/// A call whose number may be null.
+void makeCall(decltype(PHONE_MakeVoiceCall)* make, const Words& words)
+{
+    QByteArray number = bytesOf(words[0]);
+    make(number.isNull() ? nullptr : number.data(), QString::fromLatin1(bytesOf(words[1])), words[2] == u"true"_s,
+         PHONE_MAKE_CALL_CLIR_T{words[3].toInt()}, static_cast<signed char>(words[4].toInt()));
+}
+
+template<typename Type, typename Sender>
+bool sendType(Sender&& sender, const Words& words)
+{
+    const auto type = static_cast<Type>(words[0].toInt());
+    return words.size() == 1 ? sender.send(type) : sender.send(type, payloadOf(words));
+}
+
+template<typename Type, typename Sender>
+QString nameOfType(Sender&& sender, const Words& words)
+{
+    const QCString name = sender.getMsg(static_cast<Type>(words[0].toInt()));
+    return name.isNull() ? u"null"_s : QString::fromLatin1(name);
+}
+
+/// The requests, each by its name; what a request writes is shown before what it returns.
+Verbs requests(PHONE_MsgClient& client)
+{
+    using Phone = PHONE_Msg::PHONE_MSG_TYPE_T;
+    using Screen = Screens::RECENTCALL_MSG_TYPE_T;
+    Verbs verbs{
+        {u"setRFMode"_s, [&](const Words& words) { client.setRFMode(words[0] == u"true"_s); }},
+        {u"setFearureDBCurrLang"_s, [&](const Words& words) { client.setFearureDBCurrLang(words[0].toInt()); }},
+        {u"resetTotalDuration"_s, [&](const Words& words) { client.resetTotalDuration(words[0] == u"true"_s); }},
+        {u"getTotalByteAndConnectedDuration"_s, [&] { return client.getTotalByteAndConnectedDuration(); }},
+        {u"send"_s, [&](const Words& words) { return sendType<Phone>(client, words); }},
+        {u"name"_s, [&](const Words& words) { return nameOfType<Phone>(client, words); }},
+        {u"PHONE_SetRFMode"_s, [](const Words& words) { PHONE_SetRFMode(words[0] == u"true"_s); }},
+        {u"PHONE_SetTAPILanguage"_s, [](const Words& words) { PHONE_SetTAPILanguage(words[0].toInt()); }},
+
+        {u"screens-send"_s, [](const Words& words) { return sendType<Screen>(RecentCall_Msg(), words); }},
+        {u"screens-name"_s, [](const Words& words) { return nameOfType<Screen>(RecentCall_Msg(), words); }},
+        {u"requestShowUI"_s, [](const Words& w) { return Screens::requestShowUI(RC_CALL_CATEGORY_T(w[0].toInt())); }},
+        {u"requestShowPage"_s, [](const Words& w) { return Screens::requestShowPage(RC_PAGE_ID_T{w[0].toInt()}); }},
+        {u"showRecordDetail"_s,
+         [](const Words& w) { return Screens::showRecordDetail(w[0].toInt(), RC_CALL_CATEGORY_T(w[1].toInt())); }},
+        {u"requestHideUI"_s, [] { return Screens::requestHideUI(); }},
+
+        {u"PHONE_MakeVoiceCall"_s, [](const Words& words) { makeCall(&PHONE_MakeVoiceCall, words); }},
+        {u"PHONE_VoiceCallInterfaceMakeVoiceCall"_s,
+         [](const Words& words) { makeCall(&PHONE_VoiceCallInterfaceMakeVoiceCall, words); }},
+        {u"PHONE_MakeVoiceCallDirectly"_s, [](const Words& words) { PHONE_MakeVoiceCallDirectly(bytesOf(words[0])); }},
+        {u"PHONE_MakeVoiceCallPrependly"_s, [](const Words& w) { PHONE_MakeVoiceCallPrependly(bytesOf(w[0])); }},
+        {u"nowhere"_s, [] { PHONE_MakeVoiceCallDirectly(nullptr), PHONE_MakeVoiceCallPrependly(nullptr); }},
+        {u"sender"_s, [] { return PHONE_VoiceCallSender().makeCall("1", QLatin1String(""), true, -1, 7, 127); }},
+        {u"sender-nowhere"_s, [] { return PHONE_VoiceCallSender().makeCall("", 0); }},
+        {u"PHONE_EndVoiceCall"_s, [] { PHONE_EndVoiceCall(); }},
+        {u"video"_s, [] { PHONE_MakeVideoCall("1"), PHONE_EndVTCall(); }},
+        {u"PHONE_MakePttCall"_s, [](const Words& words) { return PHONE_MakePttCall(pttCall(words[0])); }},
+        {u"PHONE_DropPttCall"_s, [] { return PHONE_DropPttCall(); }},
+    };
+    for (auto& [name, verb] : verbs) {
+        verb = [request = verb](const Words& words) {
+            StdoutCapture capture;
+            const QString result = request(words);
+            return lineOf(capture.take()) + result;
+        };
+    }
+    return verbs;
+}
+
+} // namespace
+
+class tst_ChannelMessages : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    /// @{ The service provider, under both names of its type.
+    void take(SERVICE_PROVIDER_DATA_S provider) { m_providers += u"a "_s + provider.name; }
+    void takeRelayed(PHONE_SERVICE_PROVIDER_DATA_S provider) { m_providers += u"b "_s + provider.name; }
+    /// @}
+
+private Q_SLOTS:
+    void hasSignalsThatCanBeQueuedByName(); // before anything else makes their types known
+    void takesNames();
+    void speaksTheMessages_data() { scenario::addRows(QFINDTESTDATA("data/channel_messages.txt")); }
+    void speaksTheMessages();
+    void handsOutTheNetworkList();
+    void deliversTheProviderUnderEitherName();
+    void startsTheRelayAgain();
+
+private:
+    QStringList m_providers;
+};
+
+void tst_ChannelMessages::hasSignalsThatCanBeQueuedByName()
+{
+    for (const Client& client : {kPhone, kRelay, kScreens, kCalls}) {
+        QObject* const object = client.start();
+        for (const QByteArray& signature : signalsOf(*object->metaObject())) {
+            const bool isQueued = !signature.contains('['); // an array is not
+            const QByteArray signal = "2" + signature;
+            if (!isQueued)
+                QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"Cannot queue arguments of type"_s));
+            QCOMPARE(bool(connect(object, signal, object, signal, Qt::QueuedConnection)), isQueued);
+        }
+        client.end(object);
+    }
+}
+
+void tst_ChannelMessages::takesNames()
+{
+    const RecentCall_Msg screens(this, "b");
+    QVERIFY(screens.parent() == this);
+    QCOMPARE(PHONE_Msg(nullptr, "a").objectName() + screens.objectName()
+                 + PHONE_VoiceCallReceiver(nullptr, "c").objectName(),
+             u"abc"_s);
+}
+
+void tst_ChannelMessages::speaksTheMessages()
+{
+    QSet<QByteArray> missing = relayedSignals();
+    QStringList heard;
+    std::vector<std::unique_ptr<QCopChannel>> listeners;
+    for (const char* channel : {zyn::kPhoneChannel, zyn::kVoiceCallChannel, zyn::kPttChannel, "/ZYN/recentcall"}) {
+        const auto& listener = listeners.emplace_back(std::make_unique<QCopChannel>(channel));
+        connect(listener.get(), &QCopChannel::received, this,
+                [&, channel](const QCString& name, const QByteArray& data) {
+                    heard += QString::fromLatin1(QByteArray(channel) + ' ' + name + ' ' + data.toHex());
+                });
+    }
+
+    PHONE_MsgClient client;
+    Verbs verbs = requests(client);
+    verbs.merge(Verbs{
+        {u"phone"_s,
+         [&](const Words& words) {
+             const Outcome own = receiveAndEnd(kPhone, words);
+             Outcome relayed = own;
+             relayed.second.removeIf([](const QByteArray& one) { return !relayedSignals().contains(nameOf(one)); });
+             for (const QByteArray& one : relayed.second)
+                 missing -= nameOf(one);
+             const Outcome relay = receiveAndEnd(kRelay, words);
+             return relay == relayed ? shown(own) : u"relayed: "_s + shown(relay);
+         }},
+        {u"screens"_s, [](const Words& words) { return shown(receiveAndEnd(kScreens, words)); }},
+        {u"calls"_s, [](const Words& words) { return shown(receiveAndEnd(kCalls, words)); }},
+        {u"phone-cut"_s, [](const Words& words) { return receiveCut(kPhone, words); }},
+        {u"screens-cut"_s, [](const Words& words) { return receiveCut(kScreens, words); }},
+        {u"calls-cut"_s, [](const Words& words) { return receiveCut(kCalls, words); }},
+        {u"never-relayed"_s, [&] { return QString::fromLatin1(missing.values().join(' ')); }},
+        {u"heard"_s, [&] { return heard.join(u" | "); }},
+    });
+    scenario::play(verbs);
+}
+
+void tst_ChannelMessages::handsOutTheNetworkList()
+{
+    using List = TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S;
+    PHONE_MsgClient client;
+    const void* place = nullptr;
+    QByteArray record;
+    connect(&client, &PHONE_MsgClient::signalnetworkListGotten, this, [&](PHONE_UI_NETWORKLIST_TYPE_T, List* list) {
+        place = list;
+        record = QByteArray(reinterpret_cast<const char*>(list), sizeof(List));
+    });
+    const QByteArray whole(sizeof(List) + 1, 'x');
+    client.receive("PHONE_MSG_38", whole);
+    QCOMPARE(place, static_cast<const void*>(whole.constData()));
+    client.receive("PHONE_MSG_39", whole.first(sizeof(List) - 1));
+    QCOMPARE(record, whole.first(sizeof(List) - 1) + '\0');
+    client.receive("PHONE_MSG_38", QByteArray::fromRawData(whole.constData() + 1, sizeof(List)));
+    QCOMPARE(reinterpret_cast<quintptr>(place) % alignof(List), size_t{0});
+    QCOMPARE(record, whole.first(sizeof(List)));
+}
+
+void tst_ChannelMessages::deliversTheProviderUnderEitherName()
+{
+    Relay relay;
+    auto* const client = relay.findChild<PHONE_MsgClient*>();
+    for (const char* signal : {SIGNAL(signalSpnNameExtend(SERVICE_PROVIDER_DATA_S)),
+                               SIGNAL(signalSpnNameExtend(PHONE_SERVICE_PROVIDER_DATA_S))}) {
+        for (const Qt::ConnectionType type : {Qt::DirectConnection, Qt::QueuedConnection}) {
+            QVERIFY(connect(&relay, signal, this, SLOT(take(SERVICE_PROVIDER_DATA_S)), type));
+            QVERIFY(connect(&relay, signal, this, SLOT(takeRelayed(PHONE_SERVICE_PROVIDER_DATA_S)), type));
+            QVERIFY(connect(client, signal, this, SLOT(take(SERVICE_PROVIDER_DATA_S)), type));
+        }
+    }
+    connect(&relay, &Relay::signalSpnNameExtend, this, &tst_ChannelMessages::takeRelayed);
+    client->receive("PHONE_MSG_15", QByteArray::fromHex("00000002 0041 07"));
+    QCOMPARE(m_providers.size(), 7);
+    QCoreApplication::sendPostedEvents(this);
+    QCOMPARE(m_providers.count(u"a A"_s), 8);
+    QCOMPARE(m_providers.count(u"b A"_s), 5);
+}
+
+void tst_ChannelMessages::startsTheRelayAgain()
+{
+    const QPointer<Relay> first = Relay::instance();
+    QCOMPARE(Relay::instance(), first);
+    Relay::destruction();
+    Relay::destruction();
+    QVERIFY(!first);
+    SignalRecorder recorder(Relay::instance());
+    QVERIFY(QCopChannel::send(zyn::kPhoneChannel, "PHONE_MSG_23"));
+    QTRY_COMPARE(recorder.count(), 1);
+    QCOMPARE(recorder.take(), "signalLowBattery()");
+    Relay::destruction();
+}
+
+QTEST_GUILESS_MAIN(tst_ChannelMessages)
+#include "tst_ChannelMessages.moc"
