@@ -2,7 +2,6 @@
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "support/Scenario.h"
 #include "support/SignalRecorder.h"
-#include "support/StdoutCapture.h"
 #include "support/Timeout.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/PHONE_Ptt.h"
@@ -18,7 +17,6 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
-using scenario::Verb;
 using scenario::Verbs;
 
 namespace {
@@ -58,13 +56,6 @@ QByteArray payloadOf(const Words& words)
     return QByteArray::fromHex(words.mid(1).join(QString()).toLatin1());
 }
 
-/// What was written, in a line; that an operation was entered reads as its name in angle brackets.
-QString lineOf(const QByteArray& log)
-{
-    static const QRegularExpression entry(u"utility/\\w+,(\\w+),\\d+ \n"_s);
-    return QString::fromLatin1(log).replace(entry, u"<\\1>"_s).replace(u'\n', u'|');
-}
-
 using Outcome = std::pair<QString, QByteArrayList>; // what is written, and emitted
 
 /// What a client makes of a message; it ends in the middle of that, after @p last signals.
@@ -78,7 +69,7 @@ Outcome receive(const Client& client, const QCString& name, const QByteArray& pa
     };
     StdoutCapture capture;
     channelOf(object)->receive(name, payload);
-    const QString log = lineOf(capture.take());
+    const QString log = scenario::lineOf(capture.take());
     if (object)
         client.end(object);
     QByteArrayList emitted = recorder.take().split(' ');
@@ -165,12 +156,12 @@ QString nameOfType(Sender&& sender, const Words& words)
     return name.isNull() ? u"null"_s : QString::fromLatin1(name);
 }
 
-/// The requests, each by its name; what a request writes is shown before what it returns.
+/// The requests, each by its name.
 Verbs requests(PHONE_MsgClient& client)
 {
     using Phone = PHONE_Msg::PHONE_MSG_TYPE_T;
     using Screen = Screens::RECENTCALL_MSG_TYPE_T;
-    Verbs verbs{
+    return scenario::withOutput({
         {u"setRFMode"_s, [&](const Words& words) { client.setRFMode(words[0] == u"true"_s); }},
         {u"setFearureDBCurrLang"_s, [&](const Words& words) { client.setFearureDBCurrLang(words[0].toInt()); }},
         {u"resetTotalDuration"_s, [&](const Words& words) { client.resetTotalDuration(words[0] == u"true"_s); }},
@@ -200,15 +191,7 @@ Verbs requests(PHONE_MsgClient& client)
         {u"video"_s, [] { PHONE_MakeVideoCall("1"), PHONE_EndVTCall(); }},
         {u"PHONE_MakePttCall"_s, [](const Words& words) { return PHONE_MakePttCall(pttCall(words[0])); }},
         {u"PHONE_DropPttCall"_s, [] { return PHONE_DropPttCall(); }},
-    };
-    for (auto& [name, verb] : verbs) {
-        verb = [request = verb](const Words& words) {
-            StdoutCapture capture;
-            const QString result = request(words);
-            return lineOf(capture.take()) + result;
-        };
-    }
-    return verbs;
+    });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/support/Role.h"
+#include "tests/support/StdoutCapture.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
@@ -44,6 +45,27 @@ private:
 };
 
 using Verbs = std::map<QString, Verb>;
+
+/// What was written, in one line: '|' ends each of its own, and a trace line is the name of the operation in angle
+/// brackets.
+inline QString lineOf(const QByteArray& output)
+{
+    static const QRegularExpression trace(QStringLiteral("utility/\\w+,(\\w+),\\d+ \n"));
+    return QString::fromLatin1(output).replace(trace, QStringLiteral("<\\1>")).replace(u'\n', u'|');
+}
+
+/// The verbs with what they write: each shows it before what else it shows.
+inline Verbs withOutput(Verbs verbs)
+{
+    for (auto& [name, verb] : verbs) {
+        verb = [act = verb](const QStringList& words) {
+            StdoutCapture capture;
+            const QString result = act(words);
+            return lineOf(capture.take()) + result;
+        };
+    }
+    return verbs;
+}
 
 /// The bytes that a text stands for: "%0A" is one byte, and "x*9" nine of them.
 inline QByteArray bytes(QString text)
