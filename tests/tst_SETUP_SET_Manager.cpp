@@ -2,7 +2,7 @@
 #include "platform/SETUP_SET_Manager.h"
 #include "support/Descriptors.h"
 #include "support/OtherUser.h"
-#include "support/Role.h"
+#include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
 
 #include <QtCore/QDir>
@@ -46,6 +46,15 @@ int writeMany(const QString& path, const QString& prefix, int count)
     return EXIT_SUCCESS;
 }
 
+/// What a text of the scenarios stands for: "{FEFF}" is one character.
+QString decoded(const QString& text)
+{
+    QString result;
+    for (qsizetype at = 0; at < text.size(); at += text[at] == u'{' ? 6 : 1)
+        result += text[at] == u'{' ? QChar(text.mid(at + 1, 4).toUShort(nullptr, 16)) : text[at];
+    return result;
+}
+
 } // namespace
 
 class tst_SETUP_SET_Manager : public QObject
@@ -60,35 +69,26 @@ private Q_SLOTS:
     }
     void cleanup()
     {
+        ::umask(m_mask);
+        m_settings.reset();
         QCOMPARE(openDescriptors(), m_descriptors);
         m_directory.reset();
     }
 
+    void keepsSettings_data() { scenario::addRows(QFINDTESTDATA("data/settings_file.txt")); }
+    void keepsSettings();
     void keepsTextAsTyped();
-    void keepsWhatALineCannotHold_data();
-    void keepsWhatALineCannotHold();
-    void refusesNamesThatALineCannotHold();
-    void readsFilesWrittenByHand_data();
-    void readsFilesWrittenByHand();
-    void changesNothingButTheEntry_data();
-    void changesNothingButTheEntry();
-    void convertsNumbersAndFlags();
     void givesTheStoredValueAtOnce();
-    void failsWithoutHarm_data();
-    void failsWithoutHarm();
-    void keepsTheFilesModeAndLink();
-    void choosesTheApplicationsFile();
     void losesNothingBetweenTwoWriters();
     void survivesKilledWriters();
-    void removesWhatKilledWritersLeft();
 
 private:
     bool set(const QString& value, const QString& group = u"g"_s, const QString& key = u"k"_s) const
     {
         return SETUP_SET_Manager(path(), false).setSettingInfo(group, key, value);
     }
-    QString get() const { return textOf(path(), u"g"_s, u"k"_s); }
-    QString path() const { return m_directory->filePath(u"settings.cfg"_s); }
+    QString get(const QString& group = u"g"_s) const { return textOf(path(), group, u"k"_s); }
+    QString path(const QString& name = u"settings.cfg"_s) const { return m_directory->filePath(name); }
     void write(const QByteArray& bytes) const
     {
         QFile file(path());
@@ -103,10 +103,112 @@ private:
     {
         return QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::System | QDir::Hidden);
     }
+    bool isAlone() const { return files() == QStringList({u"."_s, u".."_s, u"settings.cfg"_s}); }
+    /// The file, "|" for the ends of its lines.
+    QString text() const { return scenario::textOf(read().replace('\n', '|')); }
+    void writeText(const QString& text) const { write(scenario::bytes(text).replace('|', '\n')); }
+    QString keep(const QString& value) const;
+    QString convert() const;
+    bool fail(const QString& name, int diskSpace, const QByteArray& obstacle) const;
 
     std::optional<QTemporaryDir> m_directory;
+    std::optional<SETUP_SET_Manager> m_settings;
+    const mode_t m_mask = ::umask(022);
     qsizetype m_descriptors = 0;
 };
+
+/// How a value is stored that comes back.
+QString tst_SETUP_SET_Manager::keep(const QString& value) const
+{
+    write("[g]\nk=old\n[h]\nk=other\n");
+    if (!set(value) || get() != value)
+        return u"failed"_s;
+    return text().remove(u"[g]|k=%EF%BB%BF"_s).remove(u"|[h]|k=other|"_s);
+}
+
+/// The stored value as an int, an unsigned int and a bool; - for the default.
+QString tst_SETUP_SET_Manager::convert() const
+{
+    SETUP_SET_Manager settings(path(), false);
+    const auto get = [&](auto fallback) {
+        decltype(fallback) value{};
+        const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
+        return stored ? QString::number(value) : value == fallback ? u"-"_s : u"not the default"_s;
+    };
+    return get(77) + u' ' + get(88U) + u' ' + get(true);
+}
+
+/// Whether a write fails and harms nothing, in a directory in which a command has made an obstacle, and with so much
+/// space for a file if it is not negative.
+bool tst_SETUP_SET_Manager::fail(const QString& name, int diskSpace, const QByteArray& obstacle) const
+{
+    QDir::setCurrent(m_directory->path());
+    const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
+    write(old.leftJustified(kSizeLimit - 2, 'x'));
+    const auto state = [&] {
+        return std::tuple(files(), QFileInfo(u"full"_s).size(), otheruser::ownership(u"settings.cfg.lock"_s), read());
+    };
+    const bool isMade = QFile::copy(path(), u"full"_s) && (write(old), std::system(obstacle.constData()) == 0);
+    const auto before = state();
+
+    SETUP_SET_Manager settings(name, false);
+    const uid_t user = obstacle.contains("chmod") ? otheruser::kNumber : ::geteuid();
+    const bool isOther = ::seteuid(user) == 0;
+    std::optional<ScopedFileSizeLimit> limit;
+    if (diskSpace >= 0)
+        limit.emplace(rlim_t(diskSpace));
+    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
+    limit.reset();
+    return ::seteuid(::getuid()) == 0 && isMade && isOther && !stored && !settings.flush() && state() == before;
+}
+
+void tst_SETUP_SET_Manager::keepsSettings()
+{
+    using Words = const QStringList&;
+    QFETCH(QStringList, steps);
+    if (steps.contains(u"as root"_s)
+        && !scenario::shell(path({}), {u"mknod x c 1 3 && chown 65534 x || echo no; rm -f x"_s}).isEmpty())
+        QSKIP("only root can make these obstacles");
+    scenario::play({
+        {u"as"_s, [] {}},
+        {u"write"_s, [this](Words w) { writeText(w.join(u' ')); }},
+        {u"holds"_s, [this] { return text(); }},
+        {u"open"_s, [this](Words w) { m_settings.emplace(path(w[0]), false); }},
+        {u"set"_s, [this](Words w) { return m_settings->setSettingInfo(decoded(w[0]), decoded(w[1]), decoded(w[2])); }},
+        {u"get"_s, [this] { return get(); }},
+        {u"flush"_s, [this] { return m_settings->flush(); }},
+        {u"keep"_s, [this](Words w) { return keep(decoded(w[0])); }},
+        {u"read"_s,
+         [this](Words w) {
+             writeText(w.join(u' '));
+             const QString value = isAlone() ? get() : files().join(u' ');
+             return value.isNull() ? u"the default"_s
+                                   : QString(value).replace(QChar::Null, u"{0000}"_s).replace(u'\uFEFF', u"{FEFF}"_s);
+         }},
+        {u"change"_s,
+         [this](Words w) {
+             if (!w[1].isEmpty())
+                 writeText(w[1] == u"empty" ? QString() : w[1]);
+             return set(u"new"_s, w[0]) && get(w[0]) == u"new" && isAlone() ? text() : u"failed"_s;
+         }},
+        {u"convert"_s,
+         [this](Words w) {
+             writeText(u"[g]|k="_s + w.value(0) + u'|');
+             return convert();
+         }},
+        {u"fail"_s, [this](Words w) { return fail(decoded(w[0]), w[1].toInt(), w.mid(2).join(u' ').toLatin1()); }},
+        {u"umask"_s, [](Words w) { ::umask(w[0].toUShort(nullptr, 8)); }},
+        {u"variable"_s,
+         [this](Words w) {
+             w.size() < 2 ? qunsetenv(qPrintable(w[0])) : qputenv(qPrintable(w[0]), QFile::encodeName(path(w[1])));
+         }},
+        {u"application"_s,
+         [](Words w) {
+             return SETUP_SET_Manager(AM_Global::Apps(w[0].toInt()), true).setSettingInfo(u"g"_s, u"k"_s, w[0]);
+         }},
+        {u"sh"_s, [this](Words w) { return scenario::shell(path({}), w); }},
+    });
+}
 
 void tst_SETUP_SET_Manager::keepsTextAsTyped()
 {
@@ -134,123 +236,6 @@ void tst_SETUP_SET_Manager::keepsTextAsTyped()
     QVERIFY(settings.flush());
 }
 
-void tst_SETUP_SET_Manager::keepsWhatALineCannotHold_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QByteArray>("stored"); // behind the mark
-
-    QTest::newRow("an entry on a line of its own") << u"a\n[h]\nk=b"_s << "a\\n[h]\\nk=b"_ba;
-    QTest::newRow("a line end of another kind") << u"a\r"_s << "a\\r"_ba;
-    QTest::newRow("the first half of a pair") << QString(QChar(0xD83D)) << "\\ud83d"_ba;
-    QTest::newRow("both halves, the wrong way round") << QString::fromUtf16(u"\xDC31\xD83D") << "\\udc31\\ud83d"_ba;
-    QTest::newRow("half a pair before a whole one")
-        << QString::fromUtf16(u"\xD83D\xD83D\xDE00") << "\\ud83d\U0001F600"_ba;
-    QTest::newRow("a mark in front") << u"\uFEFFa\uFEFF"_s << "\\ufeffa\\ufeff"_ba;
-    QTest::newRow("what looks like an escape") << u"\\n\\ud83d\\\n\\"_s << "\\\\n\\\\ud83d\\\\\\n\\\\"_ba;
-    QTest::newRow("a NUL before a line break") << QString(QChar::Null) + u'\n' << QByteArray("\0\\n", 3);
-}
-
-void tst_SETUP_SET_Manager::keepsWhatALineCannotHold()
-{
-    QFETCH(const QString, value);
-    QFETCH(const QByteArray, stored);
-    write("[g]\nk=old\n[h]\nk=other\n");
-    QVERIFY(set(value));
-    QCOMPARE(get(), value);
-    QCOMPARE(read(), "[g]\nk=\xEF\xBB\xBF" + stored + "\n[h]\nk=other\n");
-}
-
-void tst_SETUP_SET_Manager::refusesNamesThatALineCannotHold()
-{
-    write("[g]\nk=old\n");
-    SETUP_SET_Manager settings(path(), false);
-    const QString half(QChar(0xD83D)); // of a surrogate pair
-    for (const QString& key : {u""_s, u" k"_s, u"k\t"_s, u"k=l"_s, u"[k"_s, u"#k"_s, u";k"_s, u"k\nl"_s, half})
-        QVERIFY2(!settings.setSettingInfo(u"g"_s, key, u"v"_s), qPrintable(key));
-    QVERIFY(!settings.setSettingInfo(u"g]\n[h"_s, u"k"_s, u"v"_s));
-    QCOMPARE(read(), "[g]\nk=old\n");
-    QVERIFY(settings.setSettingInfo(u"g"_s, u"k"_s, u"new"_s));
-    QVERIFY2(!settings.flush(), "a later success must not hide the failure");
-}
-
-void tst_SETUP_SET_Manager::readsFilesWrittenByHand_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("value"); // of k in g; null for the default
-
-    const QString none;
-    QTest::newRow("CR LF and blanks around names") << " [g]\t\r\n \tk = v \r\n"_ba << u" v "_s;
-    QTest::newRow("lines that are no entries") << "[g]\n#k=1\n;k=2\n  # k=3\nk\n=1\n[\n]\n[h\nk=v\n#k=4\n"_ba << u"v"_s;
-    QTest::newRow("key and group twice") << "[g]\nk=1\nk=2\n[h]\nk=3\n[g]\nk=v\n"_ba << u"v"_s;
-    QTest::newRow("only in another group") << "k=0\n[gg]\nk=1\n[G]\nk=2\n[g]\nK=3\n"_ba << none;
-    QTest::newRow("Latin-1 line and group") << "[g]\nk=v\nk=Gr\xFC\xDF"_ba + "e\n[Gr\xFCn]\nk=1\n"_ba << u"v"_s;
-    QTest::newRow("NUL bytes") << QByteArray("\0[g]\0\n[g]\nk=a\0b\n", 16) << QString::fromUtf8("a\0b", 3);
-    QTest::newRow("backslashes, as they always were") << "[g]\nk=\\n\\\\\\ud83d\\\n"_ba << u"\\n\\\\\\ud83d\\"_s;
-    QTest::newRow("a mark before escapes that are none")
-        << "[g]\nk=\xEF\xBB\xBF\xEF\xBB\xBF\\x\\u12\\u12G4\\\n"_ba << u"\uFEFF\\x\\u12\\u12G4\\"_s;
-    QTest::newRow("as large as allowed") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit, 'x') << u"v"_s;
-    QTest::newRow("one byte larger") << "[g]\nk=v\n#"_ba.leftJustified(kSizeLimit + 1, 'x') << none;
-}
-
-void tst_SETUP_SET_Manager::readsFilesWrittenByHand()
-{
-    QFETCH(const QByteArray, text);
-    write(text);
-    QTEST(get(), "value");
-    QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-}
-
-void tst_SETUP_SET_Manager::changesNothingButTheEntry_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QString>("group");
-    QTest::addColumn<QByteArray>("after"); // k=new stored in the group
-
-    QTest::newRow("no file") << QByteArray() << u"g"_s << "[g]\nk=new\n"_ba;
-    QTest::newRow("empty file") << ""_ba << u""_s << "k=new\n"_ba;
-    QTest::newRow("among comments and damage")
-        << "#c\n\n[g]\n;k=1\nl=\xFF\nk=old\nwhat\n"_ba << u"g"_s << "#c\n\n[g]\n;k=1\nl=\xFF\nk=new\nwhat\n"_ba;
-    QTest::newRow("new key before the blank lines")
-        << "[g]\n\n\n[h]\nk=2\n"_ba << u"g"_s << "[g]\nk=new\n\n\n[h]\nk=2\n"_ba;
-    QTest::newRow("new group") << "[h]\nk=2\n"_ba << u"g"_s << "[h]\nk=2\n\n[g]\nk=new\n"_ba;
-    QTest::newRow("new key, no final line end") << "[g]\nl=2"_ba << u"g"_s << "[g]\nl=2\nk=new\n"_ba;
-    QTest::newRow("last of a key that stands twice, CR LF around it")
-        << "[g]\r\nk=1\r\nk=2\r\n[g]\r\nl=3\r\n"_ba << u"g"_s << "[g]\r\nk=1\r\nk=new\n[g]\r\nl=3\r\n"_ba;
-    QTest::newRow("before all groups, behind the mark")
-        << "\xEF\xBB\xBF[g]\nk=1\n"_ba << u""_s << "\xEF\xBB\xBFk=new\n[g]\nk=1\n"_ba;
-}
-
-void tst_SETUP_SET_Manager::changesNothingButTheEntry()
-{
-    QFETCH(const QByteArray, before);
-    QFETCH(const QString, group);
-    if (!before.isNull())
-        write(before);
-    QVERIFY(set(u"new"_s, group));
-    QTEST(read(), "after");
-    QCOMPARE(textOf(path(), group, u"k"_s), u"new"_s);
-    QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-}
-
-void tst_SETUP_SET_Manager::convertsNumbersAndFlags()
-{
-    // The text, and behind it what it is as int, unsigned int and bool; - for the default.
-    const QByteArray rows = "7\t|7 7 -;+7|7 7 -;007|7 7 -;-1|-1 - -;0|0 0 0; 1 |1 1 1;true|- - 1; false |- - 0;"
-                            "2147483647|2147483647 2147483647 -;-2147483648|-2147483648 - -;4294967295|- 4294967295 -;"
-                            "|- - -;True|- - -;1e3|- - -;0x10|- - -;1.0|- - -;1,000|- - -;- 1|- - -;\xD9\xA7|- - -;"
-                            "4294967296|- - -;-2147483649|- - -;7@x|- - -;1@|- - -";
-    for (const QByteArray& row : rows.split(';')) {
-        write("[g]\nk=" + row.split('|')[0].replace('@', '\0') + '\n');
-        SETUP_SET_Manager settings(path(), false);
-        const auto get = [&](auto fallback) {
-            decltype(fallback) value{};
-            const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
-            return stored ? QByteArray::number(value) : value == fallback ? "-"_ba : "not the default"_ba;
-        };
-        QCOMPARE(row.split('|')[0] + '|' + get(77) + ' ' + get(88U) + ' ' + get(true), row);
-    }
-}
-
 void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
 {
     SETUP_SET_Manager writer(path(), false);
@@ -265,102 +250,6 @@ void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
     // Values of one length, many of them within one tick of the file's time.
     for (int i = 1000; i < 1000 + kManyWrites; ++i)
         QVERIFY(comesBack(i, 5));
-}
-
-void tst_SETUP_SET_Manager::failsWithoutHarm_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("obstacle"); // a command that makes it
-    QTest::addColumn<int>("diskSpace");       // the largest file that can be written; -1 for no limit
-
-    const QByteArray none = "true";
-    QTest::newRow("a file in the directory's place") << u"settings.cfg/setup/x"_s << none << -1;
-    QTest::newRow("a FIFO in the file's place") << u"fifo"_s << "mkfifo fifo"_ba << -1;
-    QTest::newRow("no room left below 1 MiB") << u"full"_s << none << -1;
-    QTest::newRow("larger than 1 MiB") << u"full"_s << "echo '#' >>full"_ba << -1;
-    QTest::newRow("no path") << QString() << none << -1;
-    QTest::newRow("a NUL in the path") << QString(u"new"_s + QChar::Null) << none << -1;
-    QTest::newRow("no space for the lock") << u"settings.cfg"_s << none << 0;
-    QTest::newRow("no space for the file") << u"settings.cfg"_s << none << 500;
-    QTest::newRow("another user's directory") << u"settings.cfg"_s << "chmod 755 . && chown 65534 probe"_ba << -1;
-    for (const QByteArray command : {"mkfifo", "mkdir", "ln -s nothing", "ln -s full", "mknod -m 600", "chown 65534"}) {
-        const QByteArray rest = command.startsWith("mknod") ? " c 1 3"_ba : ""_ba;
-        const QByteArray first = command.startsWith("chown") ? "touch settings.cfg.lock && "_ba : ""_ba;
-        QTest::addRow("a lock made by %s", command.constData())
-            << u"settings.cfg"_s << first + command + " settings.cfg.lock" + rest << -1;
-    }
-}
-
-void tst_SETUP_SET_Manager::failsWithoutHarm()
-{
-    QFETCH(const QString, name);
-    QFETCH(const QByteArray, obstacle);
-    QFETCH(const int, diskSpace);
-    QDir::setCurrent(m_directory->path());
-    const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
-    write(old.leftJustified(kSizeLimit - 2, 'x'));
-    QVERIFY(QFile::copy(path(), u"full"_s) && QFile::copy(path(), u"probe"_s));
-    write(old);
-    if (std::system(obstacle.constData()) != 0)
-        QSKIP("only root can make this obstacle");
-    const QStringList before = files();
-    const qint64 fullSize = QFileInfo(u"full"_s).size();
-    const QString lock = otheruser::ownership(u"settings.cfg.lock"_s);
-
-    SETUP_SET_Manager settings(name, false);
-    const bool asOther = obstacle.endsWith("probe");
-    QVERIFY(!asOther || ::seteuid(otheruser::kNumber) == 0);
-    std::optional<ScopedFileSizeLimit> limit;
-    if (diskSpace >= 0)
-        limit.emplace(rlim_t(diskSpace));
-    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
-    limit.reset();
-    QVERIFY(!asOther || ::seteuid(0) == 0);
-    QVERIFY(!stored);
-    QVERIFY(!settings.flush());
-    QCOMPARE(files(), before);
-    QCOMPARE(QFileInfo(u"full"_s).size(), fullSize);
-    QCOMPARE(otheruser::ownership(u"settings.cfg.lock"_s), lock);
-    QCOMPARE(read(), old);
-}
-
-void tst_SETUP_SET_Manager::keepsTheFilesModeAndLink()
-{
-    const auto mode = [](const QString& file) {
-        struct stat status = {};
-        return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
-    };
-    const mode_t oldMask = ::umask(027);
-    const bool stored = set(u"1"_s);
-    ::umask(oldMask);
-    QVERIFY(stored);
-    QCOMPARE(mode(path()), 0640U);
-
-    const QString link = m_directory->filePath(u"link"_s);
-    QVERIFY(QFile::link(u"settings.cfg"_s, link));
-    QVERIFY(::chmod(QFile::encodeName(path()).constData(), 0604) == 0);
-    SETUP_SET_Manager linked(link, false);
-    QVERIFY(linked.setSettingInfo(u"g"_s, u"k"_s, u"2"_s));
-    QVERIFY(QFileInfo(link).isSymLink());
-    QCOMPARE(get(), u"2"_s);
-    QCOMPARE(mode(path()), 0604U);
-}
-
-void tst_SETUP_SET_Manager::choosesTheApplicationsFile()
-{
-    const auto store = [](int app) {
-        return SETUP_SET_Manager(AM_Global::Apps(app), true).setSettingInfo(u"g"_s, u"k"_s, app);
-    };
-    const QString configuration = m_directory->filePath(u"configuration"_s);
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configuration));
-    qunsetenv("ZYN_APP_WRITE_PATH");
-    QVERIFY(store(4));
-    qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_directory->filePath(u"Größe 1"_s)));
-    QVERIFY(store(5));
-    qunsetenv("XDG_CONFIG_HOME");
-    qunsetenv("ZYN_APP_WRITE_PATH");
-    QCOMPARE(textOf(configuration + u"/zynphone/setup/zyn_app4.cfg"_s, u"g"_s, u"k"_s), u"4"_s);
-    QCOMPARE(textOf(m_directory->filePath(u"Größe 1/setup/zyn_app5.cfg"_s), u"g"_s, u"k"_s), u"5"_s);
 }
 
 void tst_SETUP_SET_Manager::losesNothingBetweenTwoWriters()
@@ -397,31 +286,6 @@ void tst_SETUP_SET_Manager::survivesKilledWriters()
         if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
             QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
     }
-}
-
-void tst_SETUP_SET_Manager::removesWhatKilledWritersLeft()
-{
-    const pid_t gone = ::fork();
-    if (gone == 0)
-        ::_exit(EXIT_SUCCESS);
-    ::waitpid(gone, nullptr, 0);
-    const auto make = [&](const QString& name, const QByteArray& bytes) {
-        write(bytes);
-        QVERIFY(name == u"settings.cfg" || QFile::rename(path(), m_directory->filePath(name)));
-    };
-    const QStringList kept = {u"note.AbCdEf"_s,          u"settings.cfg.1"_s,
-                              u"settings.cfg.AbCdEfG"_s, u"settings.cfg.Backup"_s,
-                              u"settings.cfg.backup"_s,  u"settings.cfg.new.%1"_s.arg(::getppid()),
-                              u"settings.cfg.rpmnew"_s,  u"settings.cfg"_s};
-    make(u"settings.cfg.AbCdEf"_s, "[g]\nk=1\n");
-    make(u"settings.cfg.abcdef"_s, "");
-    make(u"settings.cfg.new.%1"_s.arg(gone), "[g]\nk=1\n");
-    make(u"settings.cfg.lock"_s, "2147483647\nx\nhost\n");
-    for (const QString& name : kept)
-        make(name, "[g]\n");
-    QVERIFY(set(u"1"_s));
-    const QStringList left = QDir(m_directory->path()).entryList(QDir::Files | QDir::Hidden);
-    QCOMPARE(QSet<QString>(left.begin(), left.end()), QSet<QString>(kept.begin(), kept.end()));
 }
 
 int main(int argc, char** argv)
