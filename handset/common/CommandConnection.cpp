@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -38,7 +40,7 @@ void CommandConnection::serve()
             return;
         if (n == 0) {
             if (m_receivedSize > 0)
-                refuse(QStringLiteral("closed in the middle of a command"));
+                refuse(u"closed in the middle of a command"_s);
             end();
             return;
         }
@@ -72,7 +74,7 @@ bool CommandConnection::carryOutNext()
         return false;
     const auto header = CommandFrameHeader::decode(received.first<CommandFrameHeader::kSize>());
     if (!header) {
-        refuse(QStringLiteral("sent what is no command"));
+        refuse(u"sent what is no command"_s);
         return false;
     }
     if (!admits(*header))
@@ -160,13 +162,12 @@ void CommandConnection::giveUpUnlessServed()
         resume();
     serve();
     if (m_socket.isValid() && isOwing() && !m_hasGoneOn)
-        refuse(m_unsent.isEmpty() ? QStringLiteral("sent no whole command in time")
-                                  : QStringLiteral("did not take its answer in time"));
+        refuse(m_unsent.isEmpty() ? u"sent no whole command in time"_s : u"did not take its answer in time"_s);
 }
 
 void CommandConnection::refuse(const QString& reason)
 {
-    log(QStringLiteral("a client %1: connection closed").arg(reason));
+    log(u"a client %1: connection closed"_s.arg(reason));
     end();
 }
 

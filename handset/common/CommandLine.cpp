@@ -15,13 +15,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
-using zyn::handset::log;
-
-const QString kReadyFd = QStringLiteral("ready-fd");
-const QString kTrace = QStringLiteral("trace");
+const QString kReadyFd = u"ready-fd"_s;
+const QString kTrace = u"trace"_s;
 
 std::optional<int> number(const QString& text, int minimum)
 {
@@ -43,24 +43,24 @@ CommandLine::CommandLine(const QString& description, Output* output)
 {
     m_parser.setApplicationDescription(description);
     add(QCommandLineOption(kReadyFd,
-                           QStringLiteral("Write \"ready\" and a line end to this open descriptor as soon as the "
-                                          "program is at work, and close it unless it is a standard stream."),
-                           QStringLiteral("number")));
-    add(QCommandLineOption(kTrace, m_output ? QStringLiteral("Show the library's trace text on standard error.")
-                                            : QStringLiteral("Leave the library's trace text on standard output, which "
-                                                             "somebody must then read: the service waits for it.")));
+                           u"Write \"ready\" and a line end to this open descriptor as soon as the "
+                           "program is at work, and close it unless it is a standard stream."_s,
+                           u"number"_s));
+    add(QCommandLineOption(kTrace, m_output ? u"Show the library's trace text on standard error."_s
+                                            : u"Leave the library's trace text on standard output, which "
+                                              "somebody must then read: the service waits for it."_s));
 }
 
 void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
 {
     const QString value = defaultValue ? QString::number(*defaultValue) : QString();
-    add(QCommandLineOption(name, defaultValue ? text.arg(value) : text, QStringLiteral("milliseconds"), value));
+    add(QCommandLineOption(name, defaultValue ? text.arg(value) : text, u"milliseconds"_s, value));
     m_times += name;
 }
 
 bool CommandLine::parse()
 {
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"Show this help."_s);
     add(help);
     const QCommandLineOption version = m_parser.addVersionOption();
     if (!m_parser.parse(QCoreApplication::arguments()))
@@ -68,10 +68,9 @@ bool CommandLine::parse()
     if (m_parser.isSet(help))
         showAndEnd(m_parser.helpText());
     if (m_parser.isSet(version))
-        showAndEnd(
-            QStringLiteral("%1 %2\n").arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
+        showAndEnd(u"%1 %2\n"_s.arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
     if (!m_parser.positionalArguments().isEmpty())
-        return usageError(QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().constFirst()));
+        return usageError(u"unexpected argument '%1'"_s.arg(m_parser.positionalArguments().constFirst()));
     if (!hasTimes() || !takeReadyFd())
         return false;
     directTraces();
@@ -90,7 +89,7 @@ bool CommandLine::hasTimes() const
 {
     return std::ranges::all_of(m_times, [this](const QString& name) {
         return !isSet(name) || number(value(name), 1)
-               || usageError(QStringLiteral("--%1 is a number of milliseconds, 1 or more").arg(name));
+               || usageError(u"--%1 is a number of milliseconds, 1 or more"_s.arg(name));
     });
 }
 
@@ -103,7 +102,7 @@ bool CommandLine::takeReadyFd()
     // What this process has opened itself is closed on exec; what it was handed is not.
     const bool isTaken = m_output && fd == STDOUT_FILENO;
     if (flags < 0 || (flags & FD_CLOEXEC) != 0 || isTaken)
-        return usageError(QStringLiteral("--ready-fd is the number of an open descriptor"));
+        return usageError(u"--ready-fd is the number of an open descriptor"_s);
     m_readyFd = *fd;
     return true;
 }
@@ -128,12 +127,12 @@ std::chrono::milliseconds CommandLine::time(const QString& name) const
 
 void CommandLine::announce(const QString& path) const
 {
-    log(QStringLiteral("listening on %1").arg(QDir::cleanPath(path)));
+    log(u"listening on %1"_s.arg(QDir::cleanPath(path)));
     tellServiceManagerReady();
     if (m_readyFd < 0)
         return;
     if (::write(m_readyFd, "ready\n", 6) != 6)
-        log(QStringLiteral("nobody reads descriptor %1").arg(m_readyFd));
+        log(u"nobody reads descriptor %1"_s.arg(m_readyFd));
     if (m_readyFd > STDERR_FILENO)
         ::close(m_readyFd);
 }

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstring>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace zyn::handset {
@@ -99,7 +100,7 @@ bool CommandServer::acceptNext()
     posix::UniqueFd client = m_socket.accept();
     if (!client.isValid()) {
         if (const int error = errno; error != EAGAIN) {
-            log(QStringLiteral("cannot accept a client now: %1").arg(QString::fromLocal8Bit(std::strerror(error))));
+            log(u"cannot accept a client now: %1"_s.arg(QString::fromLocal8Bit(std::strerror(error))));
             errno = error;
         }
         return false;

@@ -9,6 +9,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -82,7 +84,7 @@ void LineInput::deliver()
         return;
     m_isAsked = false;
     // An empty line is not the end.
-    Q_EMIT entered(m_lines.isEmpty() ? QString() : QLatin1String("") + QString::fromUtf8(m_lines.takeFirst()));
+    Q_EMIT entered(m_lines.isEmpty() ? QString() : ""_L1 + QString::fromUtf8(m_lines.takeFirst()));
 }
 
 } // namespace zyn::handset

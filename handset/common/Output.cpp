@@ -10,6 +10,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -58,7 +60,7 @@ int Output::exitCode() const
 {
     if (m_valid)
         return EXIT_SUCCESS;
-    log(QStringLiteral("cannot write to standard output: ") + errorString());
+    log(u"cannot write to standard output: "_s + errorString());
     return EXIT_FAILURE;
 }
 

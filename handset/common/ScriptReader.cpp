@@ -8,6 +8,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -24,7 +26,7 @@ QString trimmedAtEnd(QString line)
 bool isComment(const QString& line)
 {
     const QString trimmed = line.trimmed();
-    return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'));
+    return trimmed.isEmpty() || trimmed.startsWith(u'#');
 }
 
 } // namespace
@@ -37,7 +39,7 @@ bool readScriptLine(const QString& source, int lineNumber, const QString& line, 
         reader(trimmedAtEnd(line), lineNumber);
         return true;
     } catch (const ScriptError& error) {
-        log(QStringLiteral("%1:%2: %3").arg(source, QString::number(lineNumber), error.text));
+        log(u"%1:%2: %3"_s.arg(source, QString::number(lineNumber), error.text));
         return false;
     }
 }
@@ -46,10 +48,10 @@ bool readScriptFile(const QString& path, const ScriptLineReader& reader)
 {
     const auto text = posix::readWhole(QFile::encodeName(path), kLargestScript);
     if (!text) {
-        log(QStringLiteral("%1 is no file that can be read, of at most 1 MiB").arg(path));
+        log(u"%1 is no file that can be read, of at most 1 MiB"_s.arg(path));
         return false;
     }
-    const QStringList lines = QString::fromUtf8(*text).split(QLatin1Char('\n'));
+    const QStringList lines = QString::fromUtf8(*text).split(u'\n');
     for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber) {
         if (!readScriptLine(path, lineNumber, lines[lineNumber - 1], reader))
             return false;
@@ -67,15 +69,15 @@ QStringList scriptWords(const QString& line)
             if (!word.isNull())
                 words += word;
             word.clear();
-        } else if (character == QLatin1Char('"')) {
+        } else if (character == u'"') {
             isQuoted = !isQuoted;
-            word += QLatin1String("");
+            word += ""_L1;
         } else {
             word += character;
         }
     }
     if (isQuoted)
-        throw ScriptError{QStringLiteral("a quote is not closed")};
+        throw ScriptError{u"a quote is not closed"_s};
     if (!word.isNull())
         words += word;
     return words;
@@ -83,9 +85,9 @@ QStringList scriptWords(const QString& line)
 
 QStringList scriptColumns(const QString& line, qsizetype count)
 {
-    static const QRegularExpression gap(QStringLiteral("  +"));
+    static const QRegularExpression gap(u"  +"_s);
     QStringList columns = line.trimmed().split(gap);
-    const QString rest = columns.mid(count - 1).join(QLatin1String("  "));
+    const QString rest = columns.mid(count - 1).join("  "_L1);
     columns = columns.mid(0, count - 1);
     return rest.isEmpty() ? columns : columns + QStringList{rest};
 }
@@ -94,8 +96,8 @@ int scriptNumber(const QString& word, int lowest, int highest)
 {
     const std::optional<int> number = wholeNumber(word);
     if (!number || *number < lowest || *number > highest)
-        throw ScriptError{QStringLiteral("'%1' is no whole number from %2 to %3")
-                              .arg(word, QString::number(lowest), QString::number(highest))};
+        throw ScriptError{
+            u"'%1' is no whole number from %2 to %3"_s.arg(word, QString::number(lowest), QString::number(highest))};
     return *number;
 }
 

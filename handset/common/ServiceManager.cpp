@@ -9,6 +9,8 @@
 #include <chrono>
 #include <cstring>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -46,8 +48,8 @@ void tellServiceManagerReady()
 {
     const QByteArray path = qgetenv("NOTIFY_SOCKET");
     if (!path.isEmpty() && !sendDatagram(path, kReady))
-        log(QStringLiteral("the service manager at %1 does not hear: %2")
-                .arg(QString::fromLocal8Bit(path), QString::fromLocal8Bit(std::strerror(errno))));
+        log(u"the service manager at %1 does not hear: %2"_s.arg(QString::fromLocal8Bit(path),
+                                                                 QString::fromLocal8Bit(std::strerror(errno))));
 }
 
 } // namespace zyn::handset

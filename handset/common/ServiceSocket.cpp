@@ -16,18 +16,17 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
-
-namespace posix = zyn::posix;
-using zyn::handset::log;
 
 constexpr mode_t kOwnUserOnly = 0600;
 constexpr mode_t kOpenToAll = 0777;
 
 QString lockPath(const QString& path)
 {
-    return path + QLatin1String(".lock");
+    return path + ".lock"_L1;
 }
 
 /// Removes what a dead owner left; anything but a socket stays.
@@ -56,8 +55,7 @@ void replaceForeign(const QByteArray& path)
 {
     const std::optional<uid_t> owner = posix::ownerOf(path);
     if (owner && posix::clearOfOthers(path))
-        log(QStringLiteral("%1 was user %2's: replaced")
-                .arg(QDir::cleanPath(QFile::decodeName(path)), userText(*owner)));
+        log(u"%1 was user %2's: replaced"_s.arg(QDir::cleanPath(QFile::decodeName(path)), userText(*owner)));
 }
 
 /// Why the socket at @p path cannot be had.
@@ -68,10 +66,10 @@ QString reason(const QString& path, int error)
         const bool isDirectory = name != path && name != lockPath(path);
         const std::optional<uid_t> owner = posix::ownerOf(QFile::encodeName(name));
         if (owner && !posix::isTrustedUser(*owner) && !(isDirectory && error == EWOULDBLOCK))
-            return QStringLiteral("%1: %2 is user %3's, let that user or root remove it")
-                .arg(text, QDir::cleanPath(name), userText(*owner));
+            return u"%1: %2 is user %3's, let that user or root remove it"_s.arg(text, QDir::cleanPath(name),
+                                                                                 userText(*owner));
     }
-    return error == EWOULDBLOCK ? QStringLiteral("another service has it") : text;
+    return error == EWOULDBLOCK ? u"another service has it"_s : text;
 }
 
 } // namespace
@@ -105,10 +103,9 @@ bool ServiceSocket::makeAgain()
     const bool isMade = restore();
     const QString path = QDir::cleanPath(m_path);
     if (isMade)
-        log(QStringLiteral("%1 or its lock was removed: made again").arg(path));
+        log(u"%1 or its lock was removed: made again"_s.arg(path));
     else if (!m_isLost)
-        log(QStringLiteral("%1 or its lock was removed, and cannot be made again now: %2")
-                .arg(path, reason(m_path, errno)));
+        log(u"%1 or its lock was removed, and cannot be made again now: %2"_s.arg(path, reason(m_path, errno)));
     m_isLost = !isMade;
     return isMade;
 }
@@ -160,7 +157,7 @@ bool ServiceSocket::open()
 bool ServiceSocket::report(bool isDone) const
 {
     if (!isDone)
-        log(QStringLiteral("cannot listen on %1: %2").arg(QDir::cleanPath(m_path), reason(m_path, errno)));
+        log(u"cannot listen on %1: %2"_s.arg(QDir::cleanPath(m_path), reason(m_path, errno)));
     return isDone;
 }
 
@@ -168,7 +165,7 @@ posix::UniqueFd ServiceSocket::accept()
 {
     posix::UniqueFd client = posix::acceptConnection(m_listener.get());
     while (client.isValid() && !posix::isPeerTrusted(client.get())) {
-        log(QStringLiteral("a client of another user: connection closed"));
+        log(u"a client of another user: connection closed"_s);
         client = posix::acceptConnection(m_listener.get());
     }
     return client;

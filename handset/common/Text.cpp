@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -24,7 +26,7 @@ constexpr char16_t kFirstOfTwoBytes = 0x100;
 
 QString hex(const char* before, char16_t unit, int digits)
 {
-    return QLatin1String(before) + QStringLiteral("%1").arg(uint{unit}, digits, 16, QLatin1Char('0'));
+    return QLatin1String(before) + u"%1"_s.arg(uint{unit}, digits, 16, '0'_L1);
 }
 
 /// Whether @p character does nothing but show; half of a pair does not.
@@ -83,9 +85,9 @@ QString alignedLines(const QList<QStringList>& rows)
         for (qsizetype column = 0; column < row.size(); ++column)
             cells += row[column].leftJustified(widths[column]);
         QString line = cells.join(kGap);
-        while (line.endsWith(QLatin1Char(' ')))
+        while (line.endsWith(u' '))
             line.chop(1);
-        lines += line + QLatin1Char('\n');
+        lines += line + u'\n';
     }
     return lines;
 }
@@ -93,11 +95,10 @@ QString alignedLines(const QList<QStringList>& rows)
 QString durationText(int seconds)
 {
     const qint64 magnitude = std::abs(qint64{seconds});
-    return QStringLiteral("%1%2:%3:%4")
-        .arg(QLatin1String(seconds < 0 ? "-" : ""))
+    return u"%1%2:%3:%4"_s.arg(QLatin1String(seconds < 0 ? "-" : ""))
         .arg(magnitude / kSecondsPerHour)
-        .arg(magnitude % kSecondsPerHour / kSecondsPerMinute, 2, 10, QLatin1Char('0'))
-        .arg(magnitude % kSecondsPerMinute, 2, 10, QLatin1Char('0'));
+        .arg(magnitude % kSecondsPerHour / kSecondsPerMinute, 2, 10, '0'_L1)
+        .arg(magnitude % kSecondsPerMinute, 2, 10, '0'_L1);
 }
 
 } // namespace zyn::handset

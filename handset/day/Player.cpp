@@ -213,7 +213,7 @@ QString Player::filled(QString text, int number) const
     static const QRegularExpression choice(u"\\{([^{}|]*)\\|([^{}|]*)\\}"_s);
     text.replace(choice, m_pace.isSlow ? u"\\2"_s : u"\\1"_s);
     text.replace(u"{store}"_s, m_store);
-    return text.replace(u"{n}"_s, QString::number(number).rightJustified(2, u'0'));
+    return text.replace(u"{n}"_s, QString::number(number).rightJustified(2, '0'_L1));
 }
 
 /// Lets the event loop run until @p isMet; false when that is not within @p limit, or the application is told to quit.

@@ -32,9 +32,9 @@ constexpr int kVerdictWidth = 31;
 /// Why only emergency calls may be made now; empty when all may.
 QString restriction()
 {
-    if (!zyn::isKeypadUnlocked(UTIL_GetKeypadLockStatus()))
+    if (!isKeypadUnlocked(UTIL_GetKeypadLockStatus()))
         return u"refused: the keypad is locked"_s;
-    if (!zyn::isSimCardReady(UTIL_GetSimCardStatus()))
+    if (!isSimCardReady(UTIL_GetSimCardStatus()))
         return u"refused: no SIM card is ready"_s;
     return {};
 }
@@ -46,7 +46,7 @@ Meaning meaningOf(const QString& text)
 {
     if (!PHONE_IsEmergencyCallInput(text))
         return Meaning::Ordinary;
-    const bool isNumber = zyn::emergency::anyNumber([&](const QString& number) { return number.startsWith(text); });
+    const bool isNumber = emergency::anyNumber([&](const QString& number) { return number.startsWith(text); });
     return isNumber ? Meaning::EmergencyNumber : Meaning::ControlCode;
 }
 

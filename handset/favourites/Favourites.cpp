@@ -64,7 +64,7 @@ ActivityLogLock::ActivityLogLock()
 {}
 
 ActivityLogLock::ActivityLogLock(const QString& directory)
-    : m_path(directory + QLatin1Char('/') + QLatin1String(kActivityLogLockName))
+    : m_path(directory + u'/' + QLatin1String(kActivityLogLockName))
 {}
 
 bool ActivityLogLock::lock()

@@ -12,11 +12,13 @@
 #include <chrono>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-using zyn::posix::Delivery;
 
 namespace zyn::handset {
 namespace {
+
+using posix::Delivery;
 
 /// The time in which a service that died is started again.
 constexpr std::chrono::milliseconds kTimeout = 3s;
@@ -30,9 +32,9 @@ constexpr size_t kMostOnTheWay = 16;
 
 QString describe(const PHONE_ENG_RecentCall& record)
 {
-    return QStringLiteral("the call of list %1, type %2, number %3, start %4, %5 seconds")
-        .arg(QString::number(record.category), QString::number(record.callType), record.getPhoneNumber(),
-             record.getStartDateTime().toString(Qt::ISODate), QString::number(record.duration));
+    return u"the call of list %1, type %2, number %3, start %4, %5 seconds"_s.arg(
+        QString::number(record.category), QString::number(record.callType), record.getPhoneNumber(),
+        record.getStartDateTime().toString(Qt::ISODate), QString::number(record.duration));
 }
 
 } // namespace
@@ -69,8 +71,8 @@ void CallLogUploader::finish()
     sendWaiting(m_waiting.size());
     for (const Item& item : m_waiting) {
         const bool isSent = item.connection.isValid();
-        log((isSent ? QStringLiteral("the recent-call service was sent %1, and has not read it")
-                    : QStringLiteral("the recent-call service never took %1"))
+        log((isSent ? u"the recent-call service was sent %1, and has not read it"_s
+                    : u"the recent-call service never took %1"_s)
                 .arg(describe(item.record)));
     }
 }
@@ -99,7 +101,7 @@ void CallLogUploader::collect()
 {
     for (auto item = m_waiting.begin(); item != m_waiting.end();) {
         const Delivery delivery =
-            item->connection.isValid() ? zyn::posix::deliveryOn(item->connection.get()) : Delivery::Pending;
+            item->connection.isValid() ? posix::deliveryOn(item->connection.get()) : Delivery::Pending;
         if (delivery == Delivery::Read) {
             noteAccepted(*item);
             item = m_waiting.erase(item);
@@ -112,8 +114,7 @@ void CallLogUploader::collect()
         ++item;
     }
     if (m_waiting.empty() && m_late > 0)
-        log(QStringLiteral("the recent-call service is back, and has taken the %1 calls that waited")
-                .arg(std::exchange(m_late, 0)));
+        log(u"the recent-call service is back, and has taken the %1 calls that waited"_s.arg(std::exchange(m_late, 0)));
 }
 
 void CallLogUploader::noteAccepted(const Item& item)
@@ -130,21 +131,21 @@ void CallLogUploader::sendWaiting(size_t most)
         if (m_waiting[i].connection.isValid() || send(m_waiting[i]))
             continue;
         if (!std::exchange(m_isRefused, true))
-            log(QStringLiteral("the recent-call service does not take a call: trying again"));
+            log(u"the recent-call service does not take a call: trying again"_s);
         return;
     }
 }
 
 bool CallLogUploader::send(Item& item)
 {
-    zyn::posix::UniqueFd connection = zyn::posix::connectUnixAtOnce(zyn::recentcall::kSocketPath);
-    if (!connection.isValid() || !zyn::posix::isPeerTrusted(connection.get()))
+    posix::UniqueFd connection = posix::connectUnixAtOnce(recentcall::kSocketPath);
+    if (!connection.isValid() || !posix::isPeerTrusted(connection.get()))
         return false;
-    const QByteArray request = zyn::recentcall::addRequest(item.record);
-    std::array blocks{zyn::posix::toIovec(std::as_bytes(std::span(request.constData(), size_t(request.size()))))};
-    if (zyn::posix::sendSome(connection.get(), blocks) != request.size())
+    const QByteArray request = recentcall::addRequest(item.record);
+    std::array blocks{posix::toIovec(std::as_bytes(std::span(request.constData(), size_t(request.size()))))};
+    if (posix::sendSome(connection.get(), blocks) != request.size())
         return false;
-    zyn::posix::endSending(connection.get());
+    posix::endSending(connection.get());
     item.answered = std::make_unique<QSocketNotifier>(connection.get(), QSocketNotifier::Read);
     // Queued: by then the notifier, which goes with its call, has nothing more to do.
     connect(item.answered.get(), &QSocketNotifier::activated, this, &CallLogUploader::advance, Qt::QueuedConnection);
@@ -156,7 +157,7 @@ void CallLogUploader::logWaiting()
 {
     for (Item& item : m_waiting) {
         if (!std::exchange(item.isLogged, true))
-            log(QStringLiteral("the recent-call service has not taken %1: it waits").arg(describe(item.record)));
+            log(u"the recent-call service has not taken %1: it waits"_s.arg(describe(item.record)));
     }
 }
 

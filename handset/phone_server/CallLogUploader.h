@@ -45,7 +45,7 @@ private:
     struct Item
     {
         PHONE_ENG_RecentCall record;
-        zyn::posix::UniqueFd connection = {};           ///< none before it is sent
+        posix::UniqueFd connection = {};                ///< none before it is sent
         std::unique_ptr<QSocketNotifier> answered = {}; ///< when something has become of it
         bool isLogged = false;
     };

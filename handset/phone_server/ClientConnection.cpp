@@ -9,8 +9,8 @@
 #include <array>
 #include <iterator>
 
+using namespace Qt::StringLiterals;
 using namespace zyn::voicecall;
-using zyn::CommandFrameHeader;
 
 namespace zyn::handset {
 namespace {
@@ -33,7 +33,7 @@ const CommandRow<ClientConnection> ClientConnection::kCommands[] = {
     {PHONE_VOICECALL_CMD_DIAL_EXTENSION, 1, &ClientConnection::dialExtension},
 };
 
-ClientConnection::ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout)
+ClientConnection::ClientConnection(posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout)
     : CommandConnection(std::move(socket), kLargestData, timeout)
     , m_line(line)
 {
@@ -44,13 +44,12 @@ bool ClientConnection::admits(const CommandFrameHeader& header)
 {
     const CommandRow<ClientConnection>* command = rowFor(kCommands, header);
     if (!command) {
-        refuse(QStringLiteral("sent what is no command"));
+        refuse(u"sent what is no command"_s);
         return false;
     }
     const bool isRegistration = command == std::begin(kCommands);
     if (isRegistration == m_kind.has_value()) {
-        refuse(m_kind ? QStringLiteral("registered a second time")
-                      : QStringLiteral("sent a command before it registered"));
+        refuse(m_kind ? u"registered a second time"_s : u"sent a command before it registered"_s);
         return false;
     }
     return true;
@@ -65,7 +64,7 @@ void ClientConnection::registerClient(std::span<const std::byte> data)
 {
     const auto kind = qFromLittleEndian<int32_t>(data.data());
     if (kind != SimToolkit && kind != Java) {
-        refuse(QStringLiteral("registered as of a kind unknown"));
+        refuse(u"registered as of a kind unknown"_s);
         return;
     }
     m_kind = kind;
@@ -91,7 +90,7 @@ void ClientConnection::makeJavaCall(std::span<const std::byte> data)
 void ClientConnection::makeCall(ClientKind kind, std::span<const std::byte> number)
 {
     if (m_kind != kind) {
-        refuse(QStringLiteral("sent the call of a client of another kind"));
+        refuse(u"sent the call of a client of another kind"_s);
         return;
     }
     const auto end = std::ranges::find(number, std::byte(0));
@@ -112,9 +111,9 @@ void ClientConnection::dialExtension(std::span<const std::byte> data)
 {
     const QString key(QLatin1Char(static_cast<char>(data[0])));
     if (hasCall() && m_line.isConnected() && isDialable(key))
-        log(QStringLiteral("call %1: extension %2").arg(m_call).arg(key));
+        log(u"call %1: extension %2"_s.arg(m_call).arg(key));
     else
-        log(QStringLiteral("an extension without a connected call, or of no key: ignored"));
+        log(u"an extension without a connected call, or of no key: ignored"_s);
 }
 
 void ClientConnection::reply(int id, CallState state)

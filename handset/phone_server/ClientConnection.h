@@ -20,11 +20,11 @@ class ClientConnection : public CommandConnection
     Q_OBJECT
 
 public:
-    ClientConnection(zyn::posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout);
+    ClientConnection(posix::UniqueFd socket, PhoneLine& line, std::chrono::milliseconds timeout);
 
 protected:
-    bool admits(const zyn::CommandFrameHeader& header) override;
-    void carryOut(const zyn::CommandFrameHeader& header, std::span<const std::byte> data) override;
+    bool admits(const CommandFrameHeader& header) override;
+    void carryOut(const CommandFrameHeader& header, std::span<const std::byte> data) override;
 
 private:
     static const CommandRow<ClientConnection> kCommands[6];
@@ -36,7 +36,7 @@ private:
     void endCall(std::span<const std::byte> data);
     void dialExtension(std::span<const std::byte> data);
 
-    void makeCall(zyn::voicecall::ClientKind kind, std::span<const std::byte> number);
+    void makeCall(voicecall::ClientKind kind, std::span<const std::byte> number);
     void reply(int id, CallState state);
     bool hasCall() const { return m_line.current() && m_line.currentId() == m_call; }
 

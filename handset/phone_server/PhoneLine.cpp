@@ -4,6 +4,8 @@
 #include "handset/common/Log.h"
 #include "handset/phone_server/Status.h"
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 
 PhoneLine::PhoneLine(CallPace pace)
@@ -17,7 +19,7 @@ PhoneLine::PhoneLine(CallPace pace)
 int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type)
 {
     if (const char* reason = obstacle(party)) {
-        log(QStringLiteral("a call is not placed: %1").arg(QLatin1String(reason)));
+        log(u"a call is not placed: %1"_s.arg(QLatin1String(reason)));
         return 0;
     }
     begin(CallStateMachine::placed(), party, type);
@@ -92,7 +94,7 @@ void PhoneLine::missWhileBusy(const Party& caller)
 {
     Call call(CallStateMachine::incoming(), caller);
     call.apply(CallEvent::Miss);
-    log(QStringLiteral("a call from %1 is missed: the line is busy").arg(caller.number));
+    log(u"a call from %1 is missed: the line is busy"_s.arg(caller.number));
     m_uploader.add(call.record());
     reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
 }
@@ -116,7 +118,7 @@ void PhoneLine::scheduleNext()
 void PhoneLine::reportChange()
 {
     const CallState state = m_call->machine().state();
-    log(QStringLiteral("call %1, %2: %3").arg(m_id).arg(m_call->party().number, QLatin1String(nameOf(state))));
+    log(u"call %1, %2: %3"_s.arg(m_id).arg(m_call->party().number, QLatin1String(nameOf(state))));
     if (state == CallState::Connected)
         reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
     reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);

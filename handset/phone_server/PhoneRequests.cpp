@@ -9,6 +9,8 @@
 #include <iterator>
 #include <optional>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -52,12 +54,12 @@ void PhoneRequests::receive(const QCString& message, const QByteArray& data)
     if (values.isComplete())
         (this->*found->answer)(values.list.isEmpty() ? 0 : values[0].number);
     else
-        log(QStringLiteral("%1 comes without its number: ignored").arg(QString::fromLatin1(message)));
+        log(u"%1 comes without its number: ignored"_s.arg(QString::fromLatin1(message)));
 }
 
 void PhoneRequests::setRadioMode(int32_t on)
 {
-    log(on ? QStringLiteral("radio on") : QStringLiteral("radio off"));
+    log(on ? u"radio on"_s : u"radio off"_s);
     m_line.setRadio(on != 0);
     constexpr int32_t kDone = 1;
     reportStatus(PHONE_MSG_RET_SET_RFMOD_S, {kDone});
@@ -65,7 +67,7 @@ void PhoneRequests::setRadioMode(int32_t on)
 
 void PhoneRequests::setLanguage(int32_t language)
 {
-    log(QStringLiteral("language %1").arg(language));
+    log(u"language %1"_s.arg(language));
     constexpr int32_t kDone = 1;
     reportStatus(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
 }
@@ -104,7 +106,7 @@ void PttRequests::makeCall(const QByteArray& data)
     if (const auto party = firstParty(data))
         m_line.place(*party, RC_CALL_TYPE_PTT1);
     else
-        log(QStringLiteral("a request for a push-to-talk call is not whole: ignored"));
+        log(u"a request for a push-to-talk call is not whole: ignored"_s);
 }
 
 void PttRequests::dropCall()

@@ -11,7 +11,7 @@ namespace zyn::handset {
 PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections)
     : m_line(pace)
     , m_prefix(prefix)
-    , m_clients(zyn::voicecall::socketPath(), maxConnections, [this, timeout](zyn::posix::UniqueFd socket) {
+    , m_clients(voicecall::socketPath(), maxConnections, [this, timeout](posix::UniqueFd socket) {
         return new ClientConnection(std::move(socket), m_line, timeout);
     })
 {}
@@ -42,7 +42,7 @@ void PhoneServer::makeCall(const QString& number, const QString& name, int dialM
 {
     // With anything in front, nobody would answer an emergency call.
     const bool hasPrefix =
-        dialMode == zyn::DialPrependly && !number.isEmpty() && !PHONE_IsEmergencyCall(number.toLatin1().data());
+        dialMode == DialPrependly && !number.isEmpty() && !PHONE_IsEmergencyCall(number.toLatin1().data());
     m_line.place({hasPrefix ? m_prefix + number : number, name});
 }
 

@@ -11,6 +11,8 @@
 #include <iterator>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -20,7 +22,7 @@ Run incoming(const QStringList& values)
 {
     const Party caller{values.value(0), values.value(1)};
     if (!isDialable(caller.number))
-        throw ScriptError{QStringLiteral("'%1' is no number to call from").arg(caller.number)};
+        throw ScriptError{u"'%1' is no number to call from"_s.arg(caller.number)};
     return [caller](PhoneLine& line) { return line.ring(caller); };
 }
 
@@ -44,7 +46,7 @@ constexpr Action kActions[] = {
 Run runOf(const Action& action, const QStringList& values)
 {
     if (values.size() < action.fewestValues || values.size() > action.mostValues)
-        throw ScriptError{QStringLiteral("it is '%1'").arg(QLatin1String(action.usage))};
+        throw ScriptError{u"it is '%1'"_s.arg(QLatin1String(action.usage))};
     return action.make(values);
 }
 
@@ -64,11 +66,11 @@ Run runOf(const QString& name, const QStringList& values)
 /// The delay at the beginning of @p words, which it removes; 0 when there is none.
 std::chrono::milliseconds readDelay(QStringList& words)
 {
-    if (!words.constFirst().startsWith(QLatin1Char('+')))
+    if (!words.constFirst().startsWith(u'+'))
         return std::chrono::milliseconds(0);
     const QString delay = words.takeFirst().mid(1);
     if (words.isEmpty())
-        throw ScriptError{QStringLiteral("nothing happens after the delay")};
+        throw ScriptError{u"nothing happens after the delay"_s};
     return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
 }
 
@@ -96,20 +98,20 @@ std::optional<Script> readScript(const QString& path)
 void runScriptStep(const ScriptStep& step, PhoneLine& line)
 {
     if (!step.run(line))
-        log(QStringLiteral("line %1 of the script means nothing now").arg(step.lineNumber));
+        log(u"line %1 of the script means nothing now"_s.arg(step.lineNumber));
 }
 
 QString scriptHelp()
 {
-    QString help = QStringLiteral("A script has a line for each thing that happens: \"+\" and the milliseconds "
-                                  "after the line before, if any, then\n");
+    QString help = u"A script has a line for each thing that happens: \"+\" and the milliseconds "
+                   "after the line before, if any, then\n"_s;
     for (const Action& action : kActions)
-        help += QStringLiteral("  %1\n").arg(QLatin1String(action.usage));
-    help += QStringLiteral("or a status message with a value for each field:\n") + scriptMessagesHelp();
+        help += u"  %1\n"_s.arg(QLatin1String(action.usage));
+    help += u"or a status message with a value for each field:\n"_s + scriptMessagesHelp();
     return help
-           + QStringLiteral("A text with blanks, or none, is put in double quotes; blocks and records are "
-                            "written in hexadecimal digits, with zeros behind what is written. Lines that "
-                            "begin with \"#\" are comments.");
+           + u"A text with blanks, or none, is put in double quotes; blocks and records are "
+             "written in hexadecimal digits, with zeros behind what is written. Lines that "
+             "begin with \"#\" are comments."_s;
 }
 
 ScriptPlayer::ScriptPlayer(Script script, PhoneLine& line)
@@ -126,7 +128,7 @@ void ScriptPlayer::waitForNext()
     if (m_position < m_script.size())
         m_next.start(m_script[m_position].delay);
     else if (!m_script.empty())
-        log(QStringLiteral("the script is over"));
+        log(u"the script is over"_s);
 }
 
 void ScriptPlayer::runNext()
@@ -156,7 +158,7 @@ void ScriptInput::readLine(const QString& text)
     if (text.isNull())
         return;
     m_step.reset();
-    readScriptLine(QStringLiteral("standard input"), ++m_lineNumber, text,
+    readScriptLine(u"standard input"_s, ++m_lineNumber, text,
                    [this](const QString& line, int number) { m_step = scriptStep(line, number); });
     if (m_step)
         m_next.start(m_step->delay);

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 namespace {
 
@@ -21,8 +23,8 @@ QByteArray block(const QString& word, const QString& /*what*/, qsizetype size)
     const QByteArray digits = word.toLatin1();
     QByteArray bytes = QByteArray::fromHex(digits);
     if (bytes.toHex() != digits.toLower() || bytes.size() > size)
-        throw ScriptError{QStringLiteral("'%1' is no pairs of hexadecimal digits, at most %2 of them")
-                              .arg(word, QString::number(size))};
+        throw ScriptError{
+            u"'%1' is no pairs of hexadecimal digits, at most %2 of them"_s.arg(word, QString::number(size))};
     return bytes.leftJustified(size, '\0');
 }
 
@@ -41,7 +43,7 @@ QStringList valueNames(const PhoneMessage& message)
 
 QString usage(const PhoneMessage& message)
 {
-    return (QStringList(QLatin1String(message.word)) + valueNames(message)).join(QLatin1Char(' '));
+    return (QStringList(QLatin1String(message.word)) + valueNames(message)).join(u' ');
 }
 
 } // namespace
@@ -53,14 +55,14 @@ const PhoneMessage& scriptMessage(const QString& word)
         return message.isStatus() && word == QLatin1String(message.word);
     });
     if (found == messages.end())
-        throw ScriptError{QStringLiteral("'%1' is nothing that can happen").arg(word)};
+        throw ScriptError{u"'%1' is nothing that can happen"_s.arg(word)};
     return *found;
 }
 
 QByteArray scriptPayload(const PhoneMessage& message, const QStringList& words)
 {
     if (words.size() != valueNames(message).size())
-        throw ScriptError{QStringLiteral("it is '%1'").arg(usage(message))};
+        throw ScriptError{u"it is '%1'"_s.arg(usage(message))};
     if (message.isRecord())
         return block(words.first(), {}, recordSize(message));
     std::vector<FieldValue> values;
@@ -74,7 +76,7 @@ QString scriptMessagesHelp()
     QString help;
     for (const PhoneMessage& message : phoneMessages()) {
         if (message.isStatus())
-            help += QStringLiteral("  %1\n").arg(usage(message));
+            help += u"  %1\n"_s.arg(usage(message));
     }
     return help;
 }

@@ -4,12 +4,14 @@
 #include "handset/common/Log.h"
 #include "platform/QCopChannel.h"
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::handset {
 
 void reportStatus(const PhoneMessage& message, const QByteArray& payload)
 {
     if (!QCopChannel::send(message.channel, message.name, payload))
-        log(QStringLiteral("somebody missed %1").arg(QLatin1String(message.name)));
+        log(u"somebody missed %1"_s.arg(QLatin1String(message.name)));
 }
 
 void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values)

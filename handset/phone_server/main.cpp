@@ -11,6 +11,8 @@
 
 #include <cstdlib>
 
+using namespace Qt::StringLiterals;
+
 namespace handset = zyn::handset;
 
 namespace {
@@ -18,46 +20,43 @@ namespace {
 constexpr int kDefaultStep = 300;
 constexpr int kDefaultTimeout = 10'000;
 
-const QString kStep = QStringLiteral("step");
-const QString kTalk = QStringLiteral("talk");
-const QString kPrefix = QStringLiteral("prefix");
-const QString kTimeout = QStringLiteral("patience");
-const QString kScript = QStringLiteral("script");
-const QString kStandardInput = QStringLiteral("-");
+const QString kStep = u"step"_s;
+const QString kTalk = u"talk"_s;
+const QString kPrefix = u"prefix"_s;
+const QString kTimeout = u"patience"_s;
+const QString kScript = u"script"_s;
+const QString kStandardInput = u"-"_s;
 
 QString description()
 {
-    return QStringLiteral("Plays the phone server and the phone application: places the calls that others ask "
-                          "for, over the socket\n%1\nand over the message channels, reports their course, and "
-                          "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
-                          "standard error.\n\n%2")
-        .arg(QLatin1String(zyn::voicecall::kSocketDirectory) + QLatin1Char('/')
-                 + QLatin1String(zyn::voicecall::kSocketName),
-             handset::scriptHelp());
+    return u"Plays the phone server and the phone application: places the calls that others ask "
+           "for, over the socket\n%1\nand over the message channels, reports their course, and "
+           "hands them to the recent-call service.\nEnds on SIGTERM and SIGINT. Messages go to "
+           "standard error.\n\n%2"_s.arg(QLatin1String(zyn::voicecall::kSocketDirectory) + u'/'
+                                             + QLatin1String(zyn::voicecall::kSocketName),
+                                         handset::scriptHelp());
 }
 
 void addOptions(handset::CommandLine& commandLine)
 {
     commandLine.addTime(kStep,
-                        QStringLiteral("Let a placed call come to its next state after this many milliseconds "
-                                       "(%1)."),
+                        u"Let a placed call come to its next state after this many milliseconds "
+                        "(%1)."_s,
                         kDefaultStep);
-    commandLine.addTime(kTalk, QStringLiteral("Let the other party of a placed call hang up after this many "
-                                              "milliseconds (as --step)."));
+    commandLine.addTime(kTalk, u"Let the other party of a placed call hang up after this many "
+                               "milliseconds (as --step)."_s);
     commandLine.addTime(kTimeout,
-                        QStringLiteral("Drop a client that does not register, finish a command or take its "
-                                       "replies for this many milliseconds (%1)."),
+                        u"Drop a client that does not register, finish a command or take its "
+                        "replies for this many milliseconds (%1)."_s,
                         kDefaultTimeout);
-    commandLine.add(
-        QCommandLineOption(kPrefix,
-                           QStringLiteral("Put this in front of numbers to be dialed with a prefix, but of no "
-                                          "emergency number (0)."),
-                           QStringLiteral("number"), QStringLiteral("0")));
-    commandLine.add(
-        QCommandLineOption(kScript,
-                           QStringLiteral("Let happen what this file says, from when clients are served; - for "
-                                          "what standard input says, line by line as it comes."),
-                           QStringLiteral("file")));
+    commandLine.add(QCommandLineOption(kPrefix,
+                                       u"Put this in front of numbers to be dialed with a prefix, but of no "
+                                       "emergency number (0)."_s,
+                                       u"number"_s, u"0"_s));
+    commandLine.add(QCommandLineOption(kScript,
+                                       u"Let happen what this file says, from when clients are served; - for "
+                                       "what standard input says, line by line as it comes."_s,
+                                       u"file"_s));
 }
 
 /// The script that the command line names, or an empty one; nothing when it is not right.
@@ -71,7 +70,7 @@ bool hasPrefix(const handset::CommandLine& commandLine)
 {
     if (handset::isDialable(commandLine.value(kPrefix)))
         return true;
-    handset::log(QStringLiteral("--prefix is a number to dial"));
+    handset::log(u"--prefix is a number to dial"_s);
     return false;
 }
 
@@ -82,7 +81,7 @@ int main(int argc, char** argv)
     handset::openStandardStreams();
     handset::ignoreBrokenPipes();
     const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("zyn-phoned"));
+    QCoreApplication::setApplicationName(u"zyn-phoned"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
     const handset::TerminationSignals terminationSignals;
 

@@ -42,7 +42,7 @@ void markShown(std::span<const Call> calls, const Output& output)
         return;
     for (const Call& call : calls) {
         // Every further call would wait for a service that does not answer.
-        if (isUnread(call) && zyn::recentcall::markRead(call) == zyn::recentcall::Failure) {
+        if (isUnread(call) && recentcall::markRead(call) == recentcall::Failure) {
             log(u"the recent-call service does not mark calls as read"_s);
             return;
         }

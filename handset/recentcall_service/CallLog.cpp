@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 
-namespace rc = zyn::recentcall;
+namespace rc = recentcall;
 
 namespace {
 

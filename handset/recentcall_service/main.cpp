@@ -22,7 +22,7 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 
-namespace rc = zyn::recentcall;
+namespace rc = recentcall;
 
 namespace {
 

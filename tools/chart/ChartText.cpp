@@ -150,7 +150,7 @@ int boldWidth(QChar character)
 
 QString twoDigits(qint64 number)
 {
-    return u"%1"_s.arg(number, 2, 10, QLatin1Char('0'));
+    return u"%1"_s.arg(number, 2, 10, '0'_L1);
 }
 
 } // namespace
@@ -181,7 +181,7 @@ ChartClock::ChartClock(qint64 longest)
 
 QString ChartClock::text(qint64 milliseconds) const
 {
-    const QString fraction = u".%1"_s.arg(milliseconds % kSecond, 3, 10, QLatin1Char('0'));
+    const QString fraction = u".%1"_s.arg(milliseconds % kSecond, 3, 10, '0'_L1);
     if (!m_hasMinutes)
         return QString::number(milliseconds / kSecond) + fraction;
     const QString seconds = u':' + twoDigits(milliseconds % kMinute / kSecond) + fraction;

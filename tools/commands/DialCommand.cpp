@@ -33,8 +33,8 @@ Request requestFrom(const Invocation& invocation)
             .name = invocation.isSet(u"name"_s) ? callName(invocation.value(u"name"_s)) : QString(),
             .flag = invocation.isSet(u"flag"_s),
             .clir = numberFrom(invocation, u"clir"_s, 0),
-            .line = static_cast<signed char>(
-                numberFrom(invocation, u"line"_s, zyn::kDefaultLine, Line::min(), Line::max()))};
+            .line =
+                static_cast<signed char>(numberFrom(invocation, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
 }
 
 /// The one of --direct, --prepend and --mode that is set; null when none is.
@@ -65,7 +65,7 @@ void makeCall(const Request& request, int mode)
 {
     if (!PHONE_VoiceCallSender().makeCall(request.number.constData(), request.name, request.flag, request.clir, mode,
                                           request.line))
-        throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kVoiceCallChannel)));
+        throw failure(u"cannot send on %1"_s.arg(QLatin1String(kVoiceCallChannel)));
 }
 
 ExitCode dial(const Invocation& invocation, Console& console)
@@ -75,7 +75,7 @@ ExitCode dial(const Invocation& invocation, Console& console)
         refuseOptionsBesides(way, invocation);
     Request request = requestFrom(invocation);
     const int mode = numberFrom(invocation, u"mode"_s, 0);
-    requireChannel(zyn::kVoiceCallChannel);
+    requireChannel(kVoiceCallChannel);
     if (way == "direct"_L1)
         PHONE_MakeVoiceCallDirectly(request.number.constData());
     else if (way == "prepend"_L1)
@@ -91,7 +91,7 @@ ExitCode dial(const Invocation& invocation, Console& console)
 
 ExitCode hangUp(const Invocation& /*invocation*/, Console& console)
 {
-    requireChannel(zyn::kVoiceCallChannel);
+    requireChannel(kVoiceCallChannel);
     PHONE_EndVoiceCall();
     console.write(u"sent\n"_s);
     return Done;
@@ -108,7 +108,7 @@ Command dialCommand()
             .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
             .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
                         valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
-                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(zyn::kDefaultLine)),
+                        valueOption(u"line"_s, u"N"_s, u"-128 to 127; %1 by default"_s.arg(kDefaultLine)),
                         flagOption(u"flag"_s, u"set the flag that the phone application gives its meaning"_s),
                         flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
                         flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),

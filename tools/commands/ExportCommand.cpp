@@ -16,7 +16,7 @@ ExitCode exportCalls(const Invocation& invocation, Console& console)
     const RecordsFile file(invocation, callSchema(), invocation.argument(0));
     std::vector<QByteArray> records;
     for (const PHONE_ENG_RecentCall& record : fetchCalls(listFrom(invocation), typesFrom(invocation)))
-        records.push_back(zyn::bytesOf(record).toByteArray());
+        records.push_back(bytesOf(record).toByteArray());
     file.write(records, console);
     return Done;
 }

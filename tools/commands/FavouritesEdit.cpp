@@ -102,12 +102,12 @@ ExitCode remove(const Invocation& invocation, Console& console)
 
 Argument favouriteArgument()
 {
-    return {u"NUMBER"_s, u"of the favourite, of which the last %1 characters count"_s.arg(zyn::kFavouriteKeyLength)};
+    return {u"NUMBER"_s, u"of the favourite, of which the last %1 characters count"_s.arg(kFavouriteKeyLength)};
 }
 
 QString favouriteFrom(const Invocation& invocation)
 {
-    QString key = zyn::favouriteKey(callNumber(invocation.argument(0)));
+    QString key = favouriteKey(callNumber(invocation.argument(0)));
     if (!handset::isFavourite(key))
         throw noFavourite(key);
     return key;
@@ -118,7 +118,7 @@ QStringList readKeys()
     const auto keys = handset::readFavouriteKeys();
     if (!keys)
         throw failure(u"%1 is damaged or cannot be read; see 'zynphone inspect'"_s.arg(
-            zyn::storePath(QLatin1String(zyn::kTopPalsDetailsName))));
+            storePath(QLatin1String(kTopPalsDetailsName))));
     return *keys;
 }
 

@@ -58,7 +58,7 @@ ExitCode exportFavourites(const Invocation& invocation, Console& console)
 
 QString keyOf(const QByteArray& record)
 {
-    return zyn::favouriteKey(favouriteNumber(record));
+    return favouriteKey(favouriteNumber(record));
 }
 
 /// Makes favourites of @p records and logs their entries.
@@ -74,7 +74,7 @@ public:
             if (m_keys.contains(key) || m_refused.contains(key))
                 continue;
             const bool isKnown = handset::isFavourite(key);
-            if (!zyn::canNameContactFile(key) || (!isKnown && places == 0))
+            if (!canNameContactFile(key) || (!isKnown && places == 0))
                 m_refused += key;
             else
                 m_keys += key;
@@ -87,8 +87,8 @@ public:
     {
         QStringList lines;
         for (const QString& key : m_refused)
-            lines += zyn::canNameContactFile(key) ? handset::describe(handset::FavouriteChange::NoPlace, {}, key)
-                                                  : handset::describe(handset::FavouriteChange::Refused, {}, key);
+            lines += canNameContactFile(key) ? handset::describe(handset::FavouriteChange::NoPlace, {}, key)
+                                             : handset::describe(handset::FavouriteChange::Refused, {}, key);
         return lines;
     }
 

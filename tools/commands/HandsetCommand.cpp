@@ -13,10 +13,10 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::readState;
-using zyn::handset::State;
+using handset::readState;
+using handset::State;
 
-const QLatin1String kGroup(zyn::handset::kGroup);
+const QLatin1String kGroup(handset::kGroup);
 
 constexpr Column<State> kColumns[] = {
     {"name", "NAME", [](const State& state) { return QJsonValue(QLatin1String(state.name)); }},
@@ -26,14 +26,14 @@ constexpr Column<State> kColumns[] = {
 
 ExitCode showStates(const Invocation& invocation, Console& console)
 {
-    printTable(console, Table(kColumns, zyn::handset::kStates), invocation.isSet(u"json"_s));
+    printTable(console, Table(kColumns, handset::kStates), invocation.isSet(u"json"_s));
     return Done;
 }
 
 QStringList stateNames()
 {
     QStringList names;
-    for (const State& state : zyn::handset::kStates)
+    for (const State& state : handset::kStates)
         names += QLatin1String(state.name);
     return names;
 }
@@ -47,8 +47,8 @@ struct Assignment
 const State* findState(const QString& name)
 {
     const auto found =
-        std::ranges::find(zyn::handset::kStates, name, [](const State& state) { return QLatin1String(state.name); });
-    if (found == zyn::handset::kStates.end())
+        std::ranges::find(handset::kStates, name, [](const State& state) { return QLatin1String(state.name); });
+    if (found == handset::kStates.end())
         throw usageError(u"unknown state '%1'; 'zynphone handset show' lists them"_s.arg(name));
     return found;
 }
@@ -67,10 +67,10 @@ QList<Assignment> assignmentsFrom(const QStringList& words)
 
 ExitCode setStates(const Invocation& invocation, Console& /*console*/)
 {
-    SETUP_SET_Manager settings(zyn::handset::stateFile(), false);
+    SETUP_SET_Manager settings(handset::stateFile(), false);
     for (const Assignment& assignment : assignmentsFrom(invocation.arguments())) {
         if (!settings.setSettingInfo(kGroup, QLatin1String(assignment.state->key), assignment.value))
-            throw failure(u"cannot write %1"_s.arg(zyn::handset::stateFile()));
+            throw failure(u"cannot write %1"_s.arg(handset::stateFile()));
     }
     return Done;
 }

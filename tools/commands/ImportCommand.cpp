@@ -17,7 +17,7 @@ using Call = PHONE_ENG_RecentCall;
 
 Call callOf(const QByteArray& record)
 {
-    return zyn::toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
+    return toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
 }
 
 ExitCode importCalls(const Invocation& invocation, Console& console)

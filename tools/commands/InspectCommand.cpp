@@ -36,7 +36,7 @@ public:
         , m_lock(m_directory)
     {
         refuseIfServed();
-        const QString lock = QLatin1String(zyn::kActivityLogLockName);
+        const QString lock = QLatin1String(kActivityLogLockName);
         const StoreFiles::Images images = StoreFiles(m_directory).images();
         const auto file = images.find(lock);
         const bool isLeft = file != images.end() && file->second && !lockProblem(m_directory + u'/' + lock).isEmpty();
@@ -78,13 +78,13 @@ public:
     }
 
 private:
-    static bool isServed() { return zyn::posix::isServed(zyn::recentcall::kSocketPath); }
+    static bool isServed() { return posix::isServed(recentcall::kSocketPath); }
 
     static void refuseIfServed()
     {
         if (isServed())
             throw failure(
-                u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(zyn::recentcall::kSocketPath)));
+                u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(recentcall::kSocketPath)));
     }
 
     /// A service that was started since may have stored a call, which the copy may lack.
@@ -108,7 +108,7 @@ private:
     }
 
     const QString m_directory;
-    zyn::handset::ActivityLogLock m_lock;
+    handset::ActivityLogLock m_lock;
     QString m_copy;
     Findings m_done;
     Findings m_left;
@@ -158,7 +158,7 @@ const FileKind& kindOf(const QString& path, const QString& name, const QByteArra
 
 QByteArray readFile(const QString& path)
 {
-    const std::optional<QByteArray> image = zyn::posix::readWhole(QFile::encodeName(path), kStoreFileLimit);
+    const std::optional<QByteArray> image = posix::readWhole(QFile::encodeName(path), kStoreFileLimit);
     if (image)
         return *image;
     const QFileInfo info(path);

@@ -23,8 +23,8 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::Debouncer;
-using zyn::handset::MissedCallEngine;
+using handset::Debouncer;
+using handset::MissedCallEngine;
 
 constexpr Column<RC_MissedCallItem> kColumns[] = {
     {"uid", "UID", [](const RC_MissedCallItem& item) { return QJsonValue(MissedCallEngine::uid(item)); }},
@@ -110,12 +110,12 @@ ExitCode showMissed(const Invocation& invocation, Console& console)
         missed.show();
         return Done;
     }
-    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
+    requireChannel(kRecentCallChannel, u"listen on"_s);
     const auto destroy = qScopeGuard([] {
         RC_MissedCallInterface::destruction();
         RecentCall_MsgClient::destruction();
     });
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    const handset::TerminationSignals signalsThatEnd;
     limit.start();
     missed.follow();
     return Done;

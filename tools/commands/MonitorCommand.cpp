@@ -113,7 +113,7 @@ ExitCode monitorChannels(const Invocation& invocation, Console& console)
     const QStringList channels = channelsFrom(invocation);
     const RecordingWriter::Existing existing = existingFrom(invocation);
     const TimeLimit timeLimit(invocation);
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    const handset::TerminationSignals signalsThatEnd;
     Monitor monitor(invocation, console);
     for (const QString& channel : channels)
         monitor.listenOn(channel);

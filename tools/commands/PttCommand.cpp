@@ -15,8 +15,8 @@ namespace {
 PTT_CALL_INFO_T pttCallFrom(const Invocation& invocation)
 {
     const QStringList parties = invocation.arguments();
-    if (parties.size() > zyn::kMaxPttParties)
-        throw usageError(u"%1 parties; at most %2 fit"_s.arg(parties.size()).arg(int{zyn::kMaxPttParties}));
+    if (parties.size() > kMaxPttParties)
+        throw usageError(u"%1 parties; at most %2 fit"_s.arg(parties.size()).arg(int{kMaxPttParties}));
     PTT_CALL_INFO_T info;
     for (const QString& party : parties) {
         const qsizetype equals = party.indexOf(u'=');
@@ -33,7 +33,7 @@ PTT_CALL_INFO_T pttCallFrom(const Invocation& invocation)
 ExitCode startCall(const Invocation& invocation, Console& console)
 {
     const PTT_CALL_INFO_T info = pttCallFrom(invocation);
-    requireChannel(zyn::kPttChannel);
+    requireChannel(kPttChannel);
     if (PHONE_MakePttCall(info) == 0)
         throw failure(u"the library refuses the call"_s);
     console.write(u"sent\n"_s);
@@ -42,7 +42,7 @@ ExitCode startCall(const Invocation& invocation, Console& console)
 
 ExitCode dropCall(const Invocation& /*invocation*/, Console& console)
 {
-    requireChannel(zyn::kPttChannel);
+    requireChannel(kPttChannel);
     PHONE_DropPttCall();
     console.write(u"sent\n"_s);
     return Done;
@@ -52,16 +52,16 @@ ExitCode dropCall(const Invocation& /*invocation*/, Console& console)
 
 Command pttCommand()
 {
-    Command call{.name = u"call"_s,
-                 .summary = u"Ask the push-to-talk application for a call"_s,
-                 .details = u"\nWhat follows a number's '=' is its entry in the request's second list.\n"_s,
-                 .arguments = {{u"NUMBER[=TEXT]"_s,
-                                u"a party, at most %1 of them; the number is %2"_s.arg(zyn::kMaxPttParties)
-                                    .arg(callNumberMeaning()),
-                                Argument::Many}},
-                 .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
-                             valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
-                 .run = startCall};
+    Command call{
+        .name = u"call"_s,
+        .summary = u"Ask the push-to-talk application for a call"_s,
+        .details = u"\nWhat follows a number's '=' is its entry in the request's second list.\n"_s,
+        .arguments = {{u"NUMBER[=TEXT]"_s,
+                       u"a party, at most %1 of them; the number is %2"_s.arg(kMaxPttParties).arg(callNumberMeaning()),
+                       Argument::Many}},
+        .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
+                    valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
+        .run = startCall};
     Command drop{.name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
     return {.name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
 }

@@ -21,16 +21,16 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::kPickerPage;
-using zyn::handset::kScreenPages;
-using zyn::handset::ScreenPage;
+using handset::kPickerPage;
+using handset::kScreenPages;
+using handset::ScreenPage;
 
 constexpr auto kSendOnly = "\nThe screens do not say what becomes of it.\n"_L1;
 
 ExitCode tellSent(bool isSent, Console& console)
 {
     if (!isSent)
-        throw failure(u"cannot send on %1"_s.arg(QLatin1String(zyn::kRecentCallChannel)));
+        throw failure(u"cannot send on %1"_s.arg(QLatin1String(kRecentCallChannel)));
     console.write(u"sent\n"_s);
     return Done;
 }
@@ -74,8 +74,8 @@ ExitCode hide(const Invocation& /*invocation*/, Console& console)
 ExitCode pick(const Invocation& invocation, Console& console)
 {
     const TimeLimit limit(invocation, u"timeout"_s);
-    requireChannel(zyn::kRecentCallChannel, u"listen on"_s);
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    requireChannel(kRecentCallChannel, u"listen on"_s);
+    const handset::TerminationSignals signalsThatEnd;
     RC_MsgInterface* const screens = RC_MsgInterface::instance();
     const auto destroy = qScopeGuard([] {
         RC_MsgInterface::destruction();

@@ -38,7 +38,7 @@ QString sentOf(const Replay& replay)
 QString progressText(const Replay& replay)
 {
     const qint64 seconds = (replay.remaining() + 999) / 1000;
-    return sentOf(replay) + u", %1:%2 left"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    return sentOf(replay) + u", %1:%2 left"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, '0'_L1);
 }
 
 ExitCode replay(const Invocation& invocation, Console& console)
@@ -46,7 +46,7 @@ ExitCode replay(const Invocation& invocation, Console& console)
     const double speed = speedFrom(invocation);
     Recording recording(invocation.argument(0));
     recording.keepOnly(invocation.values(u"channel"_s));
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    const handset::TerminationSignals signalsThatEnd;
     Replay replay(recording, speed);
     {
         const Progress progress([&replay] { return progressText(replay); });

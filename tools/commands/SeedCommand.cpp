@@ -87,7 +87,7 @@ private:
         if (isLikely(20)) {
             m_name.clear();
             m_number = QLatin1String(kUnknownRanges[m_random.bounded(static_cast<int>(std::size(kUnknownRanges)))])
-                       + u"%1"_s.arg(m_random.bounded(1000), 3, 10, QLatin1Char('0'));
+                       + u"%1"_s.arg(m_random.bounded(1000), 3, 10, '0'_L1);
             return;
         }
         const int parties = static_cast<int>(std::size(kParties));
@@ -106,8 +106,8 @@ private:
 
     QRandomGenerator m_random;
     QDateTime m_time;
-    RC_CALL_CATEGORY_T m_lists[std::size(zyn::kRecordLists)] = {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_MISSED,
-                                                                RC_CALL_CATEGORY_DIALED};
+    RC_CALL_CATEGORY_T m_lists[std::size(kRecordLists)] = {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_MISSED,
+                                                           RC_CALL_CATEGORY_DIALED};
     int m_listsLeft = 0;
     QString m_number;
     QString m_name;

@@ -70,7 +70,7 @@ QByteArray peerName(int fd)
 
 int findConnection(const char* socketName)
 {
-    const QDir descriptors(QStringLiteral("/proc/self/fd"));
+    const QDir descriptors(u"/proc/self/fd"_s);
     for (const QString& entry : descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
         if (const int fd = entry.toInt(); peerName(fd) == socketName)
             return fd;
@@ -99,8 +99,6 @@ bool ConnectionWatch::isLost() const
 {
     return inodeOf(m_socket) != m_inode;
 }
-
-namespace voicecall = zyn::voicecall;
 
 constexpr std::array<Word<int>, 5> kReplies{{
     {"dialing", voicecall::CallDialing},
@@ -146,7 +144,7 @@ CommandError serverError()
 /// Lets the replies come in until the call, the connection or the time is over, or a signal ends it.
 ExitCode follow(const Replies& replies, const TimeLimit& limit)
 {
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    const handset::TerminationSignals signalsThatEnd;
     const ConnectionWatch watch(voicecall::kSocketName);
     limit.start();
     QCoreApplication::exec();

@@ -153,7 +153,7 @@ ExitCode showLive(const TimeLimit& timeLimit, Console& console)
     if (const QByteArray terminal = qgetenv("TERM"); terminal.isEmpty() || terminal == "dumb")
         throw failure(u"the terminal (TERM is '%1') cannot be drawn on; --once writes plain lines"_s.arg(
             QString::fromUtf8(terminal)));
-    zyn::handset::ignoreBrokenPipes();
+    handset::ignoreBrokenPipes();
     const Top top(console);
     timeLimit.start();
     QCoreApplication::exec();
@@ -163,7 +163,7 @@ ExitCode showLive(const TimeLimit& timeLimit, Console& console)
 ExitCode showTop(const Invocation& invocation, Console& console)
 {
     const TimeLimit timeLimit(invocation);
-    const zyn::handset::TerminationSignals signalsThatEnd;
+    const handset::TerminationSignals signalsThatEnd;
     return invocation.isSet(u"once"_s) ? showOnce(timeLimit, console) : showLive(timeLimit, console);
 }
 

@@ -21,7 +21,7 @@ Finding relativePath(const QString& variable)
 
 Finding checkChannelPath(const QString& variable, const QByteArray& value)
 {
-    const QByteArray root = zyn::ChannelEnvironment::current().root();
+    const QByteArray root = ChannelEnvironment::current().root();
     if (root.isEmpty())
         return relativePath(variable);
     const std::optional<Finding> above = exists(root) ? std::nullopt : writableDirectoryFault(parentOf(root));
@@ -34,11 +34,11 @@ Finding checkChannelPath(const QString& variable, const QByteArray& value)
 
 Finding checkRuntimePath(const QString& variable, const QByteArray& value)
 {
-    if (!zyn::ChannelEnvironment::current().channelPath.isEmpty())
+    if (!ChannelEnvironment::current().channelPath.isEmpty())
         return ok(variable, u"not looked at, since ZYN_QCOP_PATH is set"_s);
     if (!value.startsWith('/'))
         return relativePath(variable);
-    const QByteArray root = zyn::ChannelEnvironment::current().root();
+    const QByteArray root = ChannelEnvironment::current().root();
     std::optional<Finding> fault = privateDirectoryFault(value);
     if (!fault && root.isEmpty())
         fault = wrong(QFile::decodeName(value), u"it may not be used"_s, u"name a directory that is yours alone"_s);
@@ -53,24 +53,24 @@ Finding checkDataPath(const QString& variable, const QByteArray& value)
     const QByteArray directory = value.trimmed();
     if (!directory.isEmpty() && !directory.startsWith('/'))
         return relativePath(variable);
-    const std::optional<Finding> fault = writableDirectoryFault(parentOf(zyn::storeDirectoryPath()));
-    if (fault && !exists(zyn::storeDirectoryPath()))
+    const std::optional<Finding> fault = writableDirectoryFault(parentOf(storeDirectoryPath()));
+    if (fault && !exists(storeDirectoryPath()))
         return wrong(variable, u"no store can be made in %1: %2"_s.arg(QFile::decodeName(directory), fault->text),
                      fault->remedy);
-    return ok(variable, u"the store is %1"_s.arg(QFile::decodeName(zyn::storeDirectoryPath())));
+    return ok(variable, u"the store is %1"_s.arg(QFile::decodeName(storeDirectoryPath())));
 }
 
 Finding checkSettingsPath(const QString& variable, const QByteArray& value)
 {
     if (!value.startsWith('/'))
         return relativePath(variable);
-    const QByteArray part = existingPart(QFile::encodeName(zyn::settingsDirectory()));
+    const QByteArray part = existingPart(QFile::encodeName(settingsDirectory()));
     if (const auto fault = writableDirectoryFault(part))
         return wrong(variable,
                      u"no settings can be kept in %1: of %2, %3"_s.arg(QFile::decodeName(value),
                                                                        QFile::decodeName(part), fault->text),
                      u"export %1=/a/directory, or %2"_s.arg(variable, fault->remedy));
-    return ok(variable, u"the settings are in %1"_s.arg(zyn::settingsDirectory()));
+    return ok(variable, u"the settings are in %1"_s.arg(settingsDirectory()));
 }
 
 /// A variable, how its value is checked, and what holds when it is unset or empty.
@@ -86,14 +86,14 @@ constexpr Variable kVariables[] = {
     {"XDG_RUNTIME_DIR", checkRuntimePath,
      [] {
          return u"not set: without ZYN_QCOP_PATH, too, the channels are in %1"_s.arg(
-             QFile::decodeName(zyn::ChannelEnvironment().root()));
+             QFile::decodeName(ChannelEnvironment().root()));
      }},
     {"ZYN_LOCAL_APP_WRITE_PATH", checkDataPath,
-     [] { return u"not set: the store is %1"_s.arg(QFile::decodeName(zyn::storeDirectoryPath())); }},
+     [] { return u"not set: the store is %1"_s.arg(QFile::decodeName(storeDirectoryPath())); }},
     {"ZYN_APP_WRITE_PATH", checkSettingsPath,
      [] {
          return u"not set: the settings are in %1, the feature switches in %2"_s.arg(
-             zyn::settingsDirectory(), QFileInfo(zyn::switchFile(zyn::kFixedDialSwitch)).path());
+             settingsDirectory(), QFileInfo(switchFile(kFixedDialSwitch)).path());
      }},
 };
 

@@ -85,7 +85,7 @@ std::optional<Finding> privateDirectoryFault(const QByteArray& path)
                      u"name a directory of your own, or run as its owner"_s);
     const QString harm = isPrivate ? u"you may not read, write and enter it"_s : u"other users could read along"_s;
     return wrong(nameOf(path),
-                 u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, QLatin1Char('0')).arg(harm),
+                 u"its mode is %1, not 0700: %2"_s.arg(status.st_mode & kPermissions, 4, 8, '0'_L1).arg(harm),
                  u"chmod 700 %1"_s.arg(shellWord(path)));
 }
 

@@ -19,8 +19,8 @@ struct Service
 };
 
 constexpr Service kServices[] = {
-    {zyn::recentcall::kSocketPath, "the recent-call service", "zyn-recentcalld", "no call is logged or listed"},
-    {zyn::voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
+    {recentcall::kSocketPath, "the recent-call service", "zyn-recentcalld", "no call is logged or listed"},
+    {voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
 };
 
 /// Why the directory of a socket that nobody could be reached at keeps everybody away; nothing when it does not.

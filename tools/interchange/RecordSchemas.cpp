@@ -74,7 +74,7 @@ constexpr FieldForm kAnyListForm{FieldForm::Text,
                                          categoryWord(static_cast<RC_CALL_CATEGORY_T>(numberOfBytes(bytes))));
                                  },
                                  [](const QString& text, const QString& name, qsizetype) {
-                                     const std::optional<int> number = zyn::handset::wholeNumber(text);
+                                     const std::optional<int> number = handset::wholeNumber(text);
                                      return bytesOfNumber(number ? *number : wordNamed(kCategories, text, name).value);
                                  }};
 

@@ -122,7 +122,7 @@ void JsonElements::passString()
     }
 }
 
-using zyn::handset::jsonEscaped;
+using handset::jsonEscaped;
 
 QString csvText(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records)
 {

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::jsonEscaped;
+using handset::jsonEscaped;
 
 QJsonValue numberValue(const QByteArray& bytes)
 {
@@ -38,7 +38,7 @@ QByteArray flagBytes(const QString& text, const QString& name, qsizetype /*size*
 {
     if (text == "true"_L1 || text == "false"_L1)
         return QByteArray(1, text == "true"_L1 ? '\1' : '\0');
-    const std::optional<int> number = zyn::handset::wholeNumber(text);
+    const std::optional<int> number = handset::wholeNumber(text);
     if (!number || *number < 0 || *number > std::numeric_limits<uint8_t>::max())
         throw usageError(u"%1 '%2' is neither true nor false nor a whole number from 0 to 255"_s.arg(name, text));
     return QByteArray(1, static_cast<char>(*number));

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using zyn::handset::jsonEscaped;
+using handset::jsonEscaped;
 
 constexpr qsizetype kChannelWidth = 20;
 constexpr qsizetype kNameWidth = 16;

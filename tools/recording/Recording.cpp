@@ -174,8 +174,8 @@ ReceivedMessage messageFromLine(const QByteArray& line)
         throw failure(u"superfluous '%1'"_s.arg(shown(words[ColumnCount])));
     ReceivedMessage message{timeFrom(words[TimeColumn]), nameFrom(words[ChannelColumn], kColumns[ChannelColumn]),
                             nameFrom(words[NameColumn], kColumns[NameColumn]), payloadFrom(words[PayloadColumn])};
-    if (message.name.size() + message.payload.size() > zyn::kMessageLimit)
-        throw failure(u"the message's name and payload have more than %1 bytes"_s.arg(zyn::kMessageLimit));
+    if (message.name.size() + message.payload.size() > kMessageLimit)
+        throw failure(u"the message's name and payload have more than %1 bytes"_s.arg(kMessageLimit));
     return message;
 }
 

@@ -30,7 +30,7 @@ QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T lis
         problems += u"the record names slot %1"_s.arg(record.slot);
     if (list != RC_CALL_CATEGORY_NONE && record.category != list)
         problems += u"the category is %1"_s.arg(categoryWord(record.category));
-    if (record.uid == zyn::kGreatestUid)
+    if (record.uid == kGreatestUid)
         problems += u"its uid leaves none for newer calls"_s;
     return problems + flagProblems(record) + textProblems(record);
 }
@@ -59,7 +59,7 @@ public:
 
     void lookAtFree(const Call& record, int place)
     {
-        if (zyn::bytesOf(record) != zyn::bytesOf(Call()))
+        if (bytesOf(record) != bytesOf(Call()))
             m_findings.add(m_name, {kSlotWord, place}, u"it is free but not blank"_s);
     }
 
@@ -166,8 +166,7 @@ QStringList headerProblems(const QByteArray& image)
     std::memcpy(&header, image.constData(), sizeof header);
     QStringList problems;
     if (header.magic != header.kMagic)
-        problems += u"the magic is 0x%1, not 0x%2"_s.arg(header.magic, 8, 16, QLatin1Char('0'))
-                        .arg(header.kMagic, 8, 16, QLatin1Char('0'));
+        problems += u"the magic is 0x%1, not 0x%2"_s.arg(header.magic, 8, 16, '0'_L1).arg(header.kMagic, 8, 16, '0'_L1);
     if (header.version != header.kVersion)
         problems += u"the version is %1, not %2"_s.arg(header.version).arg(header.kVersion);
     return problems;
@@ -184,7 +183,7 @@ QStringList flagProblems(const PHONE_ENG_RecentCall& call)
 {
     QStringList problems;
     if ((call.readFlags & ~kKnownReadFlags) != 0)
-        problems += u"the read flags are 0x%1"_s.arg(call.readFlags, 2, 16, QLatin1Char('0'));
+        problems += u"the read flags are 0x%1"_s.arg(call.readFlags, 2, 16, '0'_L1);
     if (call.inUse != 1)
         problems += u"the flag of its use is %1"_s.arg(int{call.inUse});
     if (call.completed > 1)

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-constexpr qsizetype kHeaderSize = sizeof(zyn::StoreFileHeader);
+constexpr qsizetype kHeaderSize = sizeof(StoreFileHeader);
 
 bool isInUse(const QByteArray& record)
 {
@@ -29,7 +29,7 @@ using Call = PHONE_ENG_RecentCall;
 
 Call callOf(const QByteArray& record)
 {
-    return zyn::toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
+    return toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
 }
 
 using Images = std::map<QString, QByteArray>;
@@ -38,7 +38,7 @@ using Images = std::map<QString, QByteArray>;
 std::vector<Call> callsIn(const Images& images)
 {
     std::vector<Call> calls;
-    for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
+    for (const RC_CALL_CATEGORY_T list : kRecordLists) {
         const auto file = images.find(recordFile(list));
         if (file == images.end())
             continue;
@@ -77,13 +77,13 @@ using Detail = TopPalNumberDetail;
 
 const QString& fileName()
 {
-    static const QString name = QLatin1String(zyn::kTopPalsDetailsName);
+    static const QString name = QLatin1String(kTopPalsDetailsName);
     return name;
 }
 
 QString numberOf(const Detail& detail)
 {
-    return zyn::latin1Text(detail.phoneNumber);
+    return latin1Text(detail.phoneNumber);
 }
 
 } // namespace

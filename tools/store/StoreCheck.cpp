@@ -23,7 +23,7 @@ namespace {
 QStringList seenCallsProblems(const QByteArray& image)
 {
     QStringList problems = headerProblems(image);
-    const auto marks = image.size() - qsizetype{sizeof(zyn::StoreFileHeader)};
+    const auto marks = image.size() - qsizetype{sizeof(StoreFileHeader)};
     if (marks > 0 && marks % qsizetype{sizeof(handset::SeenCalls::Mark)} != 0)
         problems += u"it ends within a call"_s;
     return problems;
@@ -41,7 +41,7 @@ class Check
 public:
     explicit Check(const StoreFiles& files)
         : m_files(files)
-        , m_favourites(favouritesIn(files.image(QLatin1String(zyn::kTopPalsDetailsName))))
+        , m_favourites(favouritesIn(files.image(QLatin1String(kTopPalsDetailsName))))
     {}
 
     Findings findings()
@@ -95,7 +95,7 @@ private:
     void compareLists()
     {
         QHash<int32_t, QString> owners; // the file and slot of the first
-        for (const RC_CALL_CATEGORY_T list : zyn::kRecordLists) {
+        for (const RC_CALL_CATEGORY_T list : kRecordLists) {
             const QString name = recordFile(list);
             const QByteArray image = m_files.image(name);
             const int places = hasValidHeader(image) ? RecordFile::count(image) : 0;
@@ -112,9 +112,9 @@ private:
 
     void lookForFiles()
     {
-        const QString details = QLatin1String(zyn::kTopPalsDetailsName);
+        const QString details = QLatin1String(kTopPalsDetailsName);
         for (const auto& [place, number] : m_favourites) {
-            if (!zyn::canNameContactFile(number))
+            if (!canNameContactFile(number))
                 m_findings.add(details, {kPlaceWord, place}, u"no file can have the number '%1'"_s.arg(number));
             else if (!m_files.images().contains(number))
                 m_findings.add(details, {kPlaceWord, place}, u"the favourite %1 has no file"_s.arg(number));

@@ -23,22 +23,22 @@ namespace {
 /// The marks that @p image holds whole, behind a header.
 QByteArray repairedSeenCalls(const QByteArray& image)
 {
-    const QByteArray marks = image.mid(qsizetype{sizeof(zyn::StoreFileHeader)});
-    return zyn::bytesOf(zyn::StoreFileHeader{}).toByteArray()
+    const QByteArray marks = image.mid(qsizetype{sizeof(StoreFileHeader)});
+    return bytesOf(StoreFileHeader{}).toByteArray()
            + marks.chopped(marks.size() % qsizetype{sizeof(handset::SeenCalls::Mark)});
 }
 
 /// The marks of those of @p calls that the sound @p image has under their old uids.
-QByteArray newMarks(const QByteArray& image, const zyn::RenumberedCalls& calls)
+QByteArray newMarks(const QByteArray& image, const RenumberedCalls& calls)
 {
     QByteArray marks;
     for (const auto& [oldUid, call] : calls) {
-        const QByteArray old = zyn::bytesOf(handset::SeenCalls::Mark{oldUid, call.startTime}).toByteArray();
-        qsizetype at = sizeof(zyn::StoreFileHeader);
+        const QByteArray old = bytesOf(handset::SeenCalls::Mark{oldUid, call.startTime}).toByteArray();
+        qsizetype at = sizeof(StoreFileHeader);
         while (at < image.size() && image.sliced(at, old.size()) != old)
             at += old.size();
         if (at < image.size())
-            marks += zyn::bytesOf(handset::SeenCalls::Mark{call.uid, call.startTime}).toByteArray();
+            marks += bytesOf(handset::SeenCalls::Mark{call.uid, call.startTime}).toByteArray();
     }
     return marks;
 }

@@ -3,11 +3,13 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::tool {
 
 void PhoneState::set(Item item, const QString& text, bool isAlert)
 {
-    assign(item, {text.isEmpty() ? QStringLiteral("none") : text, isAlert});
+    assign(item, {text.isEmpty() ? u"none"_s : text, isAlert});
 }
 
 void PhoneState::forget(Item item)

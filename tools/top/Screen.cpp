@@ -38,7 +38,7 @@ struct Glyph
 std::vector<Glyph> glyphsOf(const QString& text)
 {
     std::vector<Glyph> glyphs;
-    for (char32_t code : zyn::handset::jsonEscaped(text).toUcs4()) {
+    for (char32_t code : handset::jsonEscaped(text).toUcs4()) {
         const int width = ::wcwidth(static_cast<wchar_t>(code));
         if (width > 0)
             glyphs.push_back({QString::fromUcs4(&code, 1), width});
@@ -67,7 +67,7 @@ void elide(std::vector<Glyph>& glyphs, int limit)
         width -= glyphs.back().width;
         glyphs.pop_back();
     }
-    glyphs.push_back({QStringLiteral("\u2026"), 1});
+    glyphs.push_back({u"\u2026"_s, 1});
 }
 
 sigset_t setOf(std::initializer_list<int> numbers)

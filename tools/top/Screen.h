@@ -17,6 +17,8 @@
 
 namespace zyn::tool {
 
+using namespace Qt::StringLiterals;
+
 class Console;
 
 enum class Style : uint8_t { Plain, Title, Label, Alert };
@@ -24,7 +26,7 @@ enum class Style : uint8_t { Plain, Title, Label, Alert };
 /// One place of the screen.
 struct Cell
 {
-    QString text = QStringLiteral(" "); ///< one character with its marks; empty in the second half of a wide one
+    QString text = u" "_s; ///< one character with its marks; empty in the second half of a wide one
     Style style = Style::Plain;
 
     bool operator==(const Cell&) const = default;

@@ -31,12 +31,12 @@ namespace {
 
 QString now()
 {
-    return QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
+    return QTime::currentTime().toString(u"HH:mm:ss"_s);
 }
 
 QString yesNo(bool is)
 {
-    return is ? QStringLiteral("yes") : QStringLiteral("no");
+    return is ? u"yes"_s : u"no"_s;
 }
 
 constexpr int kRegistered = 5; // of TAPI_NETWORK_STATUS_E
@@ -54,7 +54,7 @@ QString textOf(const Argument& argument)
 
 QString talkText(UINT32 seconds)
 {
-    return zyn::handset::durationText(static_cast<int>(seconds));
+    return handset::durationText(static_cast<int>(seconds));
 }
 
 QString bytesText(bool connected, UINT32 total, UINT32 sent, UINT32 received)
@@ -73,13 +73,13 @@ using Call = PHONE_ENG_RecentCall;
 /// The calls in the file of @p list; none when there is no sound one.
 std::vector<Call> callsIn(RC_CALL_CATEGORY_T list)
 {
-    const QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(list);
-    const auto image = zyn::posix::readWhole(path, zyn::RecordFile::size());
+    const QByteArray path = storeDirectoryPath() + recordFileName(list);
+    const auto image = posix::readWhole(path, RecordFile::size());
     std::vector<Call> calls;
-    if (!image || !zyn::RecordFile::isValid(*image))
+    if (!image || !RecordFile::isValid(*image))
         return calls;
-    for (const int slot : zyn::RecordFile::usedSlots(*image))
-        calls.push_back(zyn::RecordFile::at(*image, slot));
+    for (const int slot : RecordFile::usedSlots(*image))
+        calls.push_back(RecordFile::at(*image, slot));
     return calls;
 }
 
@@ -257,7 +257,7 @@ void CallSource::refresh()
     std::vector<Call> all = missed;
     for (const RC_CALL_CATEGORY_T list : {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_DIALED})
         std::ranges::move(callsIn(list), std::back_inserter(all));
-    std::erase_if(missed, std::not_fn(zyn::handset::isUnread));
+    std::erase_if(missed, std::not_fn(handset::isUnread));
     showMissed(missed);
     showNewest(all);
 }

@@ -19,6 +19,8 @@
 
 namespace zyn::tool {
 
+using namespace Qt::StringLiterals;
+
 struct Command;
 
 class Console;
@@ -101,13 +103,13 @@ int wholeNumber(const QString& text, const QString& what, int lowest = std::nume
 class TimeLimit
 {
 public:
-    static QCommandLineOption option(const QString& text = QStringLiteral("end after that time"))
+    static QCommandLineOption option(const QString& text = u"end after that time"_s)
     {
-        return valueOption(QStringLiteral("for"), QStringLiteral("SECONDS"), text);
+        return valueOption(u"for"_s, u"SECONDS"_s, text);
     }
 
     /// @param option  the one that sets it, if not option()
-    explicit TimeLimit(const Invocation& invocation, const QString& option = QStringLiteral("for"))
+    explicit TimeLimit(const Invocation& invocation, const QString& option = u"for"_s)
         : m_seconds(limitFrom(invocation, option, kMaxSeconds))
     {}
 

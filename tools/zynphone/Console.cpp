@@ -35,7 +35,7 @@ void writeToTerminal(const QByteArray& bytes)
 void requireDone(bool isDone, const QString& path, const QString& why)
 {
     if (!isDone)
-        throw zyn::tool::failure(u"cannot write %1: %2"_s.arg(path, why));
+        throw tool::failure(u"cannot write %1: %2"_s.arg(path, why));
 }
 
 } // namespace
@@ -43,14 +43,14 @@ void requireDone(bool isDone, const QString& path, const QString& why)
 void Console::write(const QJsonDocument& document)
 {
     // JSON allows all characters from 127 on as they are.
-    write(jsonEscaped(QString::fromUtf8(document.toJson(QJsonDocument::Compact))) + QLatin1Char('\n'));
+    write(jsonEscaped(QString::fromUtf8(document.toJson(QJsonDocument::Compact))) + u'\n');
 }
 
 void Console::writeError(const QString& line)
 {
     if (takeTraced())
         std::fputc('\n', stderr);
-    std::fputs((printable(line) + QLatin1Char('\n')).toUtf8().constData(), stderr);
+    std::fputs((printable(line) + u'\n').toUtf8().constData(), stderr);
 }
 
 Progress::Progress(std::function<QString()> text)

@@ -13,6 +13,8 @@
 
 namespace zyn::tool {
 
+using namespace Qt::StringLiterals;
+
 using handset::jsonEscaped;
 using handset::printable;
 
@@ -32,7 +34,7 @@ enum class Colour { Red = 31, Green = 32, Yellow = 33 };
 
 inline QString coloured(const QString& text, Colour colour)
 {
-    return QStringLiteral("\033[%1m%2\033[0m").arg(QString::number(static_cast<int>(colour)), text);
+    return u"\033[%1m%2\033[0m"_s.arg(QString::number(static_cast<int>(colour)), text);
 }
 
 /// While it lives and the event loop runs, a line on standard error that is written over and over; only on a terminal,

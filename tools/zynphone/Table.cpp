@@ -3,6 +3,8 @@
 
 #include "tools/zynphone/Console.h"
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::tool {
 
 QString Table::text() const
@@ -21,9 +23,9 @@ QString Table::sheet() const
 QString Table::plainText(const QJsonValue& value)
 {
     if (value.isNull())
-        return QStringLiteral("-");
+        return u"-"_s;
     if (value.isBool())
-        return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
+        return value.toBool() ? u"yes"_s : u"no"_s;
     return value.isDouble() ? QString::number(value.toInteger()) : printable(value.toString());
 }
 

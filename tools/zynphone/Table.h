@@ -12,6 +12,8 @@
 
 namespace zyn::tool {
 
+using namespace Qt::StringLiterals;
+
 class Console;
 
 /// One column of rows of type Row.
@@ -81,7 +83,7 @@ QString fieldNames(const Columns& columns)
     QStringList names;
     for (const auto& column : columns)
         names += QLatin1String(column.key);
-    return names.join(QLatin1String(", "));
+    return names.join(", "_L1);
 }
 
 } // namespace zyn::tool

@@ -5,6 +5,8 @@
 #include <numeric>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace zyn::tool {
 namespace {
 
@@ -51,7 +53,7 @@ QString nearestWord(const QString& word, const QStringList& known)
 QString suggestion(const QString& word, const QStringList& known)
 {
     const QString nearest = nearestWord(word, known);
-    return nearest.isNull() ? QString() : QStringLiteral("; did you mean '%1'?").arg(nearest);
+    return nearest.isNull() ? QString() : u"; did you mean '%1'?"_s.arg(nearest);
 }
 
 } // namespace zyn::tool

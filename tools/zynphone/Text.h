@@ -12,11 +12,12 @@
 
 namespace zyn::tool {
 
+using namespace Qt::StringLiterals;
+
 /// "1 message", "2 messages" for "message".
 inline QString counted(qsizetype number, const char* thing)
 {
-    return QStringLiteral("%1 %2").arg(QString::number(number), QLatin1String(thing))
-           + (number == 1 ? QLatin1String() : QLatin1String("s"));
+    return u"%1 %2"_s.arg(QString::number(number), QLatin1String(thing)) + (number == 1 ? QLatin1String() : "s"_L1);
 }
 
 /// @p text, with an ellipsis for what is behind @p limit characters, at least 1, that one included.
@@ -63,8 +64,7 @@ auto wordNamed(const Words& words, const QString& text, const QString& what)
     const auto found = std::ranges::find_if(words, [&](const auto& word) { return text == QLatin1String(word.text); });
     if (found != words.end())
         return *found;
-    throw usageError(
-        QStringLiteral("unknown %1 '%2'; known are %3").arg(what, text, wordTexts(words).join(QLatin1String(", "))));
+    throw usageError(u"unknown %1 '%2'; known are %3"_s.arg(what, text, wordTexts(words).join(", "_L1)));
 }
 
 /// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when that is
@@ -79,10 +79,9 @@ QString suggestion(const QString& word, const QStringList& known);
 inline QString latin1Field(const QString& text, const QString& what, qsizetype limit)
 {
     if (std::ranges::any_of(text, [](QChar character) { return character.unicode() > 0xFF; }))
-        throw usageError(QStringLiteral("the %1 holds characters that are not Latin-1").arg(what));
+        throw usageError(u"the %1 holds characters that are not Latin-1"_s.arg(what));
     if (text.size() > limit)
-        throw usageError(
-            QStringLiteral("the %1 has %2 characters; at most %3 fit").arg(what).arg(text.size()).arg(limit));
+        throw usageError(u"the %1 has %2 characters; at most %3 fit"_s.arg(what).arg(text.size()).arg(limit));
     return text;
 }
 
@@ -91,7 +90,7 @@ inline int32_t secondsOf(const QDateTime& time, const QString& text)
 {
     const qint64 seconds = time.toSecsSinceEpoch();
     if (seconds != static_cast<int32_t>(seconds))
-        throw usageError(QStringLiteral("'%1' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z").arg(text));
+        throw usageError(u"'%1' is not within 1901-12-13T20:45:52Z and 2038-01-19T03:14:07Z"_s.arg(text));
     return static_cast<int32_t>(seconds);
 }
 
