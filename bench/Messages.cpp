@@ -1,0 +1,119 @@
+// A status message that has arrived: read, logged and told to its receivers, beside the same by hand.
+#include "bench/Bench.h"
+#include "bench/Lines.h"
+#include "utility/PHONE_MsgClient.h"
+#include "utility/message/PhoneMessages_p.h"
+
+#include <QtCore/QDataStream>
+#include <QtCore/QtEndian>
+
+namespace bench {
+namespace {
+
+constexpr auto kType = PHONE_Msg::PHONE_MSG_SESSION_DATA_BYTES_S;
+
+/// The five fields as they are sent.
+QByteArray payload()
+{
+    return zyn::encode(zyn::phoneMessage(kType), {1, uint8_t{3}, 123'456, 23'456, 100'000});
+}
+
+/// Connects @p receivers slots to the signal of @p client that a message becomes, and counts the calls.
+std::shared_ptr<int> connectReceivers(PHONE_MsgClient& client, int receivers)
+{
+    auto calls = std::make_shared<int>(0);
+    for (int i = 0; i < receivers; ++i)
+        QObject::connect(&client, &PHONE_MsgClient::signalSessionDataBytes, &client, [calls] { ++*calls; });
+    return calls;
+}
+
+Prepare receive(int receivers)
+{
+    return [receivers](const QByteArray& directory) -> Job {
+        useStores(directory);
+        const auto client = std::make_shared<PHONE_MsgClient>();
+        const auto calls = connectReceivers(*client, receivers);
+        return {.run = [client, calls, receivers, name = QCString(zyn::phoneMessage(kType).name), data = payload()] {
+            *calls = 0;
+            client->receive(name, data);
+            require(*calls == receivers, "a message's receivers");
+        }};
+    };
+}
+
+/// The lines that the library writes of such a message.
+void writeLines(bool isConnected, uint8_t id, quint32 bytes, quint32 sent, quint32 received)
+{
+    Lines() << "utility/PHONE_MsgClient,receive," << 49 << " \nphone client gprs connected =  " << int{isConnected}
+            << "phone client gprs current sentbytes = " << sent
+            << "phone client gprs current recvedbytes = " << received << "phone client gprs session id =  " << id
+            << "phone client gprs session bytes = " << bytes << "phone client gprs sesion sentbytes = " << sent
+            << "phone client gprs session recvedbytes = " << received << "utility/PHONE_MsgClient,receive," << 50
+            << " \n";
+}
+
+/// A number of 32 bits, most significant byte first.
+quint32 numberAt(const QByteArray& data, qsizetype at)
+{
+    return qFromBigEndian<quint32>(data.constData() + at);
+}
+
+Prepare receiveByHand(int receivers)
+{
+    return [receivers](const QByteArray& directory) -> Job {
+        useStores(directory);
+        const auto client = std::make_shared<PHONE_MsgClient>();
+        const auto calls = connectReceivers(*client, receivers);
+        return {.run = [client, calls, receivers, data = payload()] {
+            *calls = 0;
+            require(data.size() == 17, "the payload's size");
+            const bool isConnected = numberAt(data, 0) == 1;
+            const auto id = static_cast<uint8_t>(data.at(4));
+            writeLines(isConnected, id, numberAt(data, 5), numberAt(data, 9), numberAt(data, 13));
+            Q_EMIT client->signalSessionDataBytes(id, isConnected, numberAt(data, 5), numberAt(data, 9),
+                                                  numberAt(data, 13));
+            require(*calls == receivers, "a message's receivers");
+        }};
+    };
+}
+
+/// What an application would write that knows QDataStream: no lines.
+Prepare receiveWithQt(int receivers)
+{
+    return [receivers](const QByteArray& directory) -> Job {
+        useStores(directory);
+        const auto client = std::make_shared<PHONE_MsgClient>();
+        const auto calls = connectReceivers(*client, receivers);
+        return {.run = [client, calls, receivers, data = payload()] {
+            *calls = 0;
+            QDataStream stream(data);
+            qint32 isConnected = 0;
+            quint8 id = 0;
+            quint32 bytes = 0;
+            quint32 sent = 0;
+            quint32 received = 0;
+            stream >> isConnected >> id >> bytes >> sent >> received;
+            Q_EMIT client->signalSessionDataBytes(id, isConnected == 1, bytes, sent, received);
+            require(*calls == receivers && stream.status() == QDataStream::Ok, "a message's receivers");
+        }};
+    };
+}
+
+Row statusMessage(const char* name, int receivers)
+{
+    return {.name = name,
+            .goal = 1.3,
+            .base = kByHand,
+            .columns = {{kOurs, receive(receivers)},
+                        {kByHand, receiveByHand(receivers)},
+                        {"QDataStream", receiveWithQt(receivers)}}};
+}
+
+} // namespace
+
+std::vector<Row> messageRows()
+{
+    return {statusMessage("status message, 1 receiver", 1), statusMessage("status message, 36 receivers", 36)};
+}
+
+} // namespace bench

@@ -1,0 +1,151 @@
+// zyn-bench: measures the library beside bare system calls, the same by hand, and what a user would take instead.
+#include "bench/Bench.h"
+#include "bench/Report.h"
+#include "bench/Sampler.h"
+#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
+#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
+#include "recentcall/utility/RecentCall_Setup.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace bench {
+
+void require(bool holds, const char* what)
+{
+    if (holds)
+        return;
+    std::fprintf(stderr, "bench: failed: %s\n", what);
+    std::_Exit(EXIT_FAILURE);
+}
+
+void useStores(const QByteArray& directory)
+{
+    qputenv("ZYN_LOCAL_APP_WRITE_PATH", directory);
+    qputenv("ZYN_APP_WRITE_PATH", directory);
+    RecentCall_ENG_RecordStore::destroy();
+    ActivityLog_ENG_RecordStore::destroy();
+    RecentCall_Setup::destroy();
+}
+
+namespace {
+
+constexpr int kUsageError = 2;
+constexpr Effort kFull{.repetitions = 21, .seconds = 0.1};
+constexpr Effort kQuick{.repetitions = 7, .seconds = 0.02};
+
+std::vector<Row> allRows()
+{
+    std::vector<Row> rows;
+    for (const auto& some : {storeRows(), settingsRows(), messageRows()})
+        rows.insert(rows.end(), some.begin(), some.end());
+    return rows;
+}
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush(), "writing a file");
+}
+
+/// Keeps standard output for the results: what the library writes there goes nowhere.
+int keepOutput()
+{
+    const int output = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    require(output >= 0 && nowhere >= 0 && ::dup2(nowhere, STDOUT_FILENO) >= 0, "standard output");
+    return output;
+}
+
+void show(int output, const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    require(::write(output, bytes.constData(), static_cast<size_t>(bytes.size())) == bytes.size(), "the output");
+}
+
+std::vector<Row> chosenRows(const QString& filter)
+{
+    const QRegularExpression wanted(filter);
+    std::vector<Row> rows;
+    for (Row& row : allRows()) {
+        if (wanted.isValid() && wanted.match(QString::fromStdString(row.name)).hasMatch())
+            rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+Results measureAll(const std::vector<Row>& rows, const Effort& effort)
+{
+    Results results;
+    for (const Row& row : rows) {
+        std::fprintf(stderr, "bench: %zu of %zu: %s\n", results.size() + 1, rows.size(), row.name.c_str());
+        results.push_back(measure(row, effort));
+    }
+    return results;
+}
+
+void startBenchmarks(char* name)
+{
+    std::array words = {std::string(name), std::string("--benchmark_enable_random_interleaving=true")};
+    std::array<char*, 3> arguments = {words[0].data(), words[1].data(), nullptr};
+    int count = 2;
+    benchmark::Initialize(&count, arguments.data());
+}
+
+int run(const QCommandLineParser& options, int output)
+{
+    const std::vector<Row> rows = chosenRows(options.value(u"filter"_s));
+    if (rows.empty()) {
+        std::fputs("bench: no row is like that\n", stderr);
+        return kUsageError;
+    }
+    if (options.isSet(u"list"_s)) {
+        for (const Row& row : rows)
+            show(output, QString::fromStdString(row.name) + u'\n');
+        return EXIT_SUCCESS;
+    }
+    const Results results = measureAll(rows, options.isSet(u"quick"_s) ? kQuick : kFull);
+    show(output, textTable(results) + machine() + u'\n');
+    if (options.isSet(u"json"_s))
+        write(options.value(u"json"_s), json(results));
+    if (options.isSet(u"plot"_s))
+        write(options.value(u"plot"_s), svg(results).toUtf8());
+    if (options.isSet(u"markdown"_s))
+        replaceInDocument(options.value(u"markdown"_s), u"table"_s,
+                          markdownTable(results) + u"\nMeasured on "_s + machine() + u".\n"_s);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+} // namespace bench
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser options;
+    options.addOptions({{u"quick"_s, u"measures less"_s},
+                        {u"list"_s, u"lists the rows"_s},
+                        {u"filter"_s, u"only rows like that"_s, u"regex"_s, u"."_s},
+                        {u"json"_s, u"writes a file"_s, u"file"_s},
+                        {u"plot"_s, u"writes a picture"_s, u"file"_s},
+                        {u"markdown"_s, u"renews the tables of a document"_s, u"file"_s}});
+    if (!options.parse(QCoreApplication::arguments())) {
+        std::fprintf(stderr, "bench: %s\n", qPrintable(options.errorText()));
+        return bench::kUsageError;
+    }
+    bench::startBenchmarks(argv[0]);
+    return bench::run(options, bench::keepOutput());
+}
