@@ -331,7 +331,7 @@ private Q_SLOTS:
         restart({}, u"export NOTIFY_SOCKET=/tmp/nobody;"_s);
         QCOMPARE(list(kAll), QString());
         QCOMPARE(m_service.log(),
-                 "zyn-recentcalld: the service manager at /tmp/nobody does not hear: No such file or directory\n");
+                 "zyn-recentcalld: cannot notify the service manager at /tmp/nobody: No such file or directory\n");
     }
 
     void storesTheRecordAsItIs()

@@ -3,19 +3,22 @@
 
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
-#include "handset/common/ServiceManager.h"
-#include "platform/posix/UniqueFd_p.h"
+#include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace zyn::handset {
 namespace {
@@ -34,6 +37,41 @@ bool usageError(const QString& text)
 {
     log(text);
     return false;
+}
+
+constexpr char kReady[] = "READY=1";
+constexpr auto kNotifyTimeout = 5s;
+/// Begins the name of a socket that has no file; in its address a NUL stands there.
+constexpr char kAbstractMark = '@';
+
+bool sendDatagram(QByteArray path, const QByteArray& text)
+{
+    if (path.size() > posix::kUnixPathLimit) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    if (path.front() == kAbstractMark)
+        path.front() = '\0';
+    const posix::UniqueFd fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (!fd.isValid())
+        return false;
+    posix::limitSends(fd.get(), kNotifyTimeout);
+    const posix::UnixAddress address = posix::unixAddress(path);
+    return posix::retry([&] {
+               return ::sendto(fd.get(), text.constData(), size_t(text.size()), MSG_NOSIGNAL, address.get(),
+                               address.length);
+           })
+           == text.size();
+}
+
+/// Tells the service manager that started this program, if there is one, that the program serves its clients. A busy
+/// manager is waited for at most kNotifyTimeout.
+void notifyServiceManager()
+{
+    const QByteArray path = qgetenv("NOTIFY_SOCKET");
+    if (!path.isEmpty() && !sendDatagram(path, kReady))
+        log(u"cannot notify the service manager at %1: %2"_s.arg(QString::fromLocal8Bit(path),
+                                                                 QString::fromLocal8Bit(std::strerror(errno))));
 }
 
 } // namespace
@@ -66,18 +104,18 @@ bool CommandLine::parse()
     if (!m_parser.parse(QCoreApplication::arguments()))
         return usageError(m_parser.errorText());
     if (m_parser.isSet(help))
-        showAndEnd(m_parser.helpText());
+        showAndExit(m_parser.helpText());
     if (m_parser.isSet(version))
-        showAndEnd(u"%1 %2\n"_s.arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
+        showAndExit(u"%1 %2\n"_s.arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
     if (!m_parser.positionalArguments().isEmpty())
         return usageError(u"unexpected argument '%1'"_s.arg(m_parser.positionalArguments().constFirst()));
-    if (!hasTimes() || !takeReadyFd())
+    if (!hasTimes() || !readReadyFd())
         return false;
     directTraces();
     return true;
 }
 
-void CommandLine::showAndEnd(const QString& text)
+void CommandLine::showAndExit(const QString& text)
 {
     std::optional<Output> own;
     Output& output = m_output ? *m_output : own.emplace();
@@ -93,7 +131,7 @@ bool CommandLine::hasTimes() const
     });
 }
 
-bool CommandLine::takeReadyFd()
+bool CommandLine::readReadyFd()
 {
     if (!isSet(kReadyFd))
         return true;
@@ -116,8 +154,7 @@ void CommandLine::directTraces()
         return;
     if (m_readyFd == STDOUT_FILENO)
         m_readyFd = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const posix::UniqueFd nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-    ::dup2(nowhere.get(), STDOUT_FILENO);
+    silenceStandardOutput();
 }
 
 std::chrono::milliseconds CommandLine::time(const QString& name) const
@@ -128,7 +165,7 @@ std::chrono::milliseconds CommandLine::time(const QString& name) const
 void CommandLine::announce(const QString& path) const
 {
     log(u"listening on %1"_s.arg(QDir::cleanPath(path)));
-    tellServiceManagerReady();
+    notifyServiceManager();
     if (m_readyFd < 0)
         return;
     if (::write(m_readyFd, "ready\n", 6) != 6)

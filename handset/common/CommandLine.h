@@ -39,9 +39,9 @@ public:
     void announce(const QString& path) const;
 
 private:
-    [[noreturn]] void showAndEnd(const QString& text);
+    [[noreturn]] void showAndExit(const QString& text);
     bool hasTimes() const;
-    bool takeReadyFd();
+    bool readReadyFd();
     void directTraces();
 
     Output* const m_output;

@@ -17,28 +17,28 @@ namespace {
 
 constexpr int kFirstFreeDescriptor = 3;
 
-/// A copy of standard output, on no descriptor that anybody takes for a standard one.
-int takeStandardOutput()
+/// A copy of standard output, with a number beyond those of the standard streams.
+int duplicateStandardOutput()
 {
     return ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, kFirstFreeDescriptor);
 }
 
+} // namespace
+
 void silenceStandardOutput()
 {
     const int nowhere = ::open("/dev/null", O_WRONLY);
-    // When the tool was started without a standard output, this is the descriptor already.
+    // If the process was started without a standard output, this is it already.
     if (nowhere == STDOUT_FILENO)
         return;
     ::dup2(nowhere, STDOUT_FILENO);
     ::close(nowhere);
 }
 
-} // namespace
-
 Output::Output()
 {
-    m_valid =
-        m_output.open(takeStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
+    m_valid = m_output.open(duplicateStandardOutput(), QIODevice::WriteOnly | QIODevice::Unbuffered,
+                            QFileDevice::AutoCloseHandle);
     silenceStandardOutput();
 }
 

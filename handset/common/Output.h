@@ -8,6 +8,9 @@
 
 namespace zyn::handset {
 
+/// Lets standard output, descriptor 1, lead nowhere.
+void silenceStandardOutput();
+
 /**
  * Standard output of a program that shows something there.
  *

@@ -1,10 +1,8 @@
 // zyn-dialer: plays the dialer in a terminal.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
-#include "handset/common/TerminalProgram.h"
 #include "handset/dialer/Dialer.h"
 #include "handset/dialer/KeyInput.h"
-
-#include <QtCore/QCoreApplication>
 
 using namespace Qt::StringLiterals;
 namespace handset = zyn::handset;
@@ -17,8 +15,8 @@ const QString kType = u"type"_s;
 
 int main(int argc, char** argv)
 {
-    handset::TerminalProgram program(argc, argv, u"zyn-dialer"_s, QStringLiteral(ZYN_VERSION));
-    handset::Output& output = program.output;
+    handset::TerminalApplication application(argc, argv, u"zyn-dialer"_s);
+    handset::Output& output = application.output;
 
     handset::CommandLine commandLine(
         u"Plays the dialer: tells after each key whether the text may become an emergency call or a control\ncode, and "
@@ -44,11 +42,11 @@ int main(int argc, char** argv)
         return output.exitCode();
     }
     const handset::KeyInput input;
-    QObject::connect(&input, &handset::KeyInput::pressed, &program.application,
+    QObject::connect(&input, &handset::KeyInput::pressed, &application,
                      [&](const QByteArray& key) { dialer.press(key); });
-    QObject::connect(&input, &handset::KeyInput::ended, &program.application, &QCoreApplication::quit,
+    QObject::connect(&input, &handset::KeyInput::ended, &application, &handset::Application::quit,
                      Qt::QueuedConnection);
     commandLine.announce(u"standard input"_s);
-    QCoreApplication::exec();
+    handset::Application::exec();
     return output.exitCode();
 }

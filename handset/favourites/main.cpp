@@ -1,9 +1,8 @@
 // zyn-favourites: owns the favourites, registers them as announced, and logs their calls.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
-#include "handset/common/Process.h"
 #include "handset/common/Retry.h"
-#include "handset/common/TerminationSignals.h"
 #include "handset/common/Text.h"
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
@@ -17,7 +16,6 @@
 #include "utility/PHONE_MsgClient.h"
 #include "utility/message/Payload_p.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtCore/QHash>
 #include <QtCore/QTimer>
@@ -283,12 +281,7 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-favourites"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    const handset::Application application(argc, argv, u"zyn-favourites"_s);
 
     const QString channel = QLatin1String(zyn::kActivityLogChannel);
     handset::CommandLine commandLine(
@@ -305,5 +298,5 @@ int main(int argc, char** argv)
     if (!owner.isListening())
         return EXIT_FAILURE;
     commandLine.announce(channel);
-    return QCoreApplication::exec();
+    return handset::Application::exec();
 }

@@ -1,8 +1,8 @@
 // zyn-idle: plays the idle screen's counters in a terminal.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Output.h"
 #include "handset/common/Retry.h"
-#include "handset/common/TerminalProgram.h"
 #include "handset/common/Text.h"
 #include "handset/favourites/Favourites.h"
 #include "handset/recent_calls/RecentCalls.h"
@@ -12,7 +12,6 @@
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QFileSystemWatcher>
@@ -184,8 +183,8 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::TerminalProgram program(argc, argv, u"zyn-idle"_s, QStringLiteral(ZYN_VERSION));
-    handset::Output& output = program.output;
+    handset::TerminalApplication application(argc, argv, u"zyn-idle"_s);
+    handset::Output& output = application.output;
 
     handset::CommandLine commandLine(
         u"Plays the idle screen's counters: tells how many missed calls are unread, and what of each "
@@ -199,10 +198,10 @@ int main(int argc, char** argv)
     if (!client.isListening())
         return EXIT_FAILURE;
     handset::MissedCallCounter missedCallCounter(output);
-    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &handset::Application::quit);
     handset::FavouriteCounters favouriteCounters(output);
     commandLine.announce(QString::fromUtf8(client.channel()));
-    QCoreApplication::exec();
+    handset::Application::exec();
     RC_MissedCallInterface::destruction();
     RecentCall_MsgClient::destruction();
     return output.exitCode();

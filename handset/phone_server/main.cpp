@@ -1,13 +1,10 @@
 // zyn-phoned: plays the phone server and the phone application on a desk.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
 #include "handset/phone_server/PhoneServer.h"
 #include "handset/phone_server/Script.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
-
-#include <QtCore/QCoreApplication>
 
 #include <cstdlib>
 
@@ -78,12 +75,7 @@ bool hasPrefix(const handset::CommandLine& commandLine)
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-phoned"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    const handset::Application application(argc, argv, u"zyn-phoned"_s);
 
     handset::CommandLine commandLine(description());
     addOptions(commandLine);
@@ -104,7 +96,7 @@ int main(int argc, char** argv)
     player.start();
     if (commandLine.value(kScript) == kStandardInput)
         input.start();
-    const int exitCode = QCoreApplication::exec();
+    const int exitCode = handset::Application::exec();
     player.stop();
     input.stop();
     server.close();

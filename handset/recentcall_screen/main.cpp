@@ -1,10 +1,8 @@
 // zyn-recents: plays the recent-call screens in a terminal.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
-#include "handset/common/TerminalProgram.h"
 #include "handset/recentcall_screen/RecentScreen.h"
-
-#include <QtCore/QCoreApplication>
 
 #include <cstdlib>
 
@@ -51,8 +49,8 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::TerminalProgram program(argc, argv, u"zyn-recents"_s, QStringLiteral(ZYN_VERSION));
-    handset::Output& output = program.output;
+    handset::TerminalApplication application(argc, argv, u"zyn-recents"_s);
+    handset::Output& output = application.output;
 
     handset::CommandLine commandLine(handset::description(), &output);
     commandLine.add(QCommandLineOption(
@@ -71,9 +69,9 @@ int main(int argc, char** argv)
     if (!client.isListening())
         return EXIT_FAILURE;
     screen.follow(client);
-    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &program.application, &QCoreApplication::quit);
+    QObject::connect(&client, &RecentCall_MsgClient::signalPowerOff, &application, &handset::Application::quit);
     commandLine.announce(QString::fromUtf8(client.channel()));
-    QCoreApplication::exec();
+    handset::Application::exec();
     picker.close();
     RecentCall_MsgClient::destruction();
     return output.exitCode();

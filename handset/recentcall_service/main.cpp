@@ -1,17 +1,14 @@
 // zyn-recentcalld: keeps the log of recent calls and serves it on a socket.
+#include "handset/common/Application.h"
 #include "handset/common/CommandConnection.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/CommandServer.h"
 #include "handset/common/Log.h"
-#include "handset/common/Process.h"
-#include "handset/common/TerminationSignals.h"
 #include "handset/recentcall_service/CallLog.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RecentCall_Msg.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
-
-#include <QtCore/QCoreApplication>
 
 #include <chrono>
 #include <cstdlib>
@@ -155,12 +152,7 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::openStandardStreams();
-    handset::ignoreBrokenPipes();
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"zyn-recentcalld"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZYN_VERSION));
-    const handset::TerminationSignals terminationSignals;
+    const handset::Application application(argc, argv, u"zyn-recentcalld"_s);
 
     const QString timeout = u"patience"_s;
     handset::CommandLine commandLine(
@@ -176,5 +168,5 @@ int main(int argc, char** argv)
     if (!service.listen())
         return EXIT_FAILURE;
     commandLine.announce(handset::socketPath());
-    return QCoreApplication::exec();
+    return handset::Application::exec();
 }

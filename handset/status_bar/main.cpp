@@ -1,11 +1,9 @@
 // zyn-statusbar: plays the status bar in a terminal.
+#include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
-#include "handset/common/TerminalProgram.h"
 #include "handset/status_bar/StatusBar.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/message/Message_p.h"
-
-#include <QtCore/QCoreApplication>
 
 #include <cstdlib>
 
@@ -14,8 +12,8 @@ namespace handset = zyn::handset;
 
 int main(int argc, char** argv)
 {
-    handset::TerminalProgram program(argc, argv, u"zyn-statusbar"_s, QStringLiteral(ZYN_VERSION));
-    handset::Output& output = program.output;
+    handset::TerminalApplication application(argc, argv, u"zyn-statusbar"_s);
+    handset::Output& output = application.output;
 
     handset::CommandLine commandLine(u"Plays the status bar: shows a line for each phone status that the relay passes "
                                      "on, as it comes.\nNumbers are the phone server's own.\nEnds on SIGTERM and "
@@ -29,7 +27,7 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     handset::showStatus(relay, output);
     commandLine.announce(QLatin1String(zyn::kPhoneChannel));
-    QCoreApplication::exec();
+    handset::Application::exec();
     PHONE_AsyncMsgReceiver::destruction();
     return output.exitCode();
 }

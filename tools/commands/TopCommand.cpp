@@ -1,7 +1,7 @@
 // zynphone top: the phone's state as it changes.
 #include "tools/commands/Commands.h"
 
-#include "handset/common/Process.h"
+#include "handset/common/Application.h"
 #include "handset/common/TerminationSignals.h"
 #include "platform/UTIL_PhoneStatus.h"
 #include "tools/top/Screen.h"
