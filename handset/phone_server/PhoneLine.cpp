@@ -2,11 +2,23 @@
 #include "handset/phone_server/PhoneLine.h"
 
 #include "handset/common/Log.h"
-#include "handset/phone_server/Status.h"
+#include "platform/QCopChannel.h"
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
+
+void reportStatus(const PhoneMessage& message, const QByteArray& payload)
+{
+    if (!QCopChannel::send(message.channel, message.name, payload))
+        log(u"not all listeners received %1"_s.arg(QLatin1String(message.name)));
+}
+
+void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values)
+{
+    const PhoneMessage& message = phoneMessage(type);
+    reportStatus(message, encode(message, values));
+}
 
 PhoneLine::PhoneLine(CallPace pace)
     : m_pace(pace)

@@ -3,14 +3,21 @@
 
 #include "handset/phone_server/Call.h"
 #include "handset/phone_server/CallLogUploader.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
 #include <chrono>
+#include <initializer_list>
 #include <optional>
 
 namespace zyn::handset {
+
+/// Sends the status message @p message with @p payload to all listeners of the phone channel.
+void reportStatus(const PhoneMessage& message, const QByteArray& payload);
+/// Sends the status message of @p type with @p values for its fields.
+void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values = {});
 
 /// How fast the world around the handset is.
 struct CallPace

@@ -3,7 +3,6 @@
 
 #include "handset/common/Log.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "handset/phone_server/Status.h"
 
 #include <algorithm>
 #include <iterator>

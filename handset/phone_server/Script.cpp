@@ -1,11 +1,11 @@
 // The time line of a desk: what happens to the handset, and when; read from a file or as it is typed.
 #include "handset/phone_server/Script.h"
 
+#include "handset/common/FieldWords.h"
 #include "handset/common/Log.h"
 #include "handset/common/ScriptReader.h"
 #include "handset/phone_server/PhoneLine.h"
-#include "handset/phone_server/ScriptMessage.h"
-#include "handset/phone_server/Status.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,6 +15,75 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 namespace {
+
+int number(const QString& word, const QString& /*what*/, int lowest, int highest)
+{
+    return scriptNumber(word, lowest, highest);
+}
+
+/// The bytes that the hexadecimal digits @p word stand for, filled up with zeros to @p size.
+QByteArray block(const QString& word, const QString& /*what*/, qsizetype size)
+{
+    const QByteArray digits = word.toLatin1();
+    QByteArray bytes = QByteArray::fromHex(digits);
+    if (bytes.toHex() != digits.toLower() || bytes.size() > size)
+        throw ScriptError{
+            u"'%1' is no pairs of hexadecimal digits, at most %2 of them"_s.arg(word, QString::number(size))};
+    return bytes.leftJustified(size, '\0');
+}
+
+constexpr WordReader kWords{number, block, nullptr};
+
+/// How @p message is written: its word, then a value for each of these.
+QStringList valueNames(const PhoneMessage& message)
+{
+    if (message.isRecord())
+        return {QLatin1String(message.record)};
+    QStringList names;
+    for (const Field& field : message.fields)
+        names += QLatin1String(field.name);
+    return names;
+}
+
+QString usage(const PhoneMessage& message)
+{
+    return (QStringList(QLatin1String(message.word)) + valueNames(message)).join(u' ');
+}
+
+/// The status message that @p word names.
+const PhoneMessage& statusMessage(const QString& word)
+{
+    const auto messages = phoneMessages();
+    const auto found = std::ranges::find_if(messages, [&](const PhoneMessage& message) {
+        return message.isStatus() && word == QLatin1String(message.word);
+    });
+    if (found == messages.end())
+        throw ScriptError{u"'%1' is nothing that can happen"_s.arg(word)};
+    return *found;
+}
+
+/// The payload of @p message: @p words holds one for each field, or one for the whole record.
+QByteArray payloadOf(const PhoneMessage& message, const QStringList& words)
+{
+    if (words.size() != valueNames(message).size())
+        throw ScriptError{u"it is '%1'"_s.arg(usage(message))};
+    if (message.isRecord())
+        return block(words.first(), {}, recordSize(message));
+    std::vector<FieldValue> values;
+    for (const Field& field : message.fields)
+        values.push_back(valueFrom(kWords, field, words[qsizetype(values.size())], {}));
+    return encode(message, values);
+}
+
+QString statusMessagesHelp()
+{
+    QString help;
+    for (const PhoneMessage& message : phoneMessages()) {
+        if (message.isStatus())
+            help += u"  %1\n"_s.arg(usage(message));
+    }
+    return help;
+}
 
 using Run = decltype(ScriptStep::run);
 
@@ -56,8 +125,8 @@ Run runOf(const QString& name, const QStringList& values)
         std::ranges::find_if(kActions, [&](const Action& known) { return name == QLatin1String(known.name); });
     if (action != std::end(kActions))
         return runOf(*action, values);
-    const PhoneMessage& message = scriptMessage(name);
-    return [&message, payload = scriptPayload(message, values)](PhoneLine&) {
+    const PhoneMessage& message = statusMessage(name);
+    return [&message, payload = payloadOf(message, values)](PhoneLine&) {
         reportStatus(message, payload);
         return true;
     };
@@ -107,7 +176,7 @@ QString scriptHelp()
                    "after the line before, if any, then\n"_s;
     for (const Action& action : kActions)
         help += u"  %1\n"_s.arg(QLatin1String(action.usage));
-    help += u"or a status message with a value for each field:\n"_s + scriptMessagesHelp();
+    help += u"or a status message with a value for each field:\n"_s + statusMessagesHelp();
     return help
            + u"A text with blanks, or none, is put in double quotes; blocks and records are "
              "written in hexadecimal digits, with zeros behind what is written. Lines that "
