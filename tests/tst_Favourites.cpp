@@ -141,9 +141,6 @@ private Q_SLOTS:
     void ownsTheFavourites_data() { scenario::addRows(QFINDTESTDATA("data/favourites.txt")); }
     void ownsTheFavourites() { scenario::play(verbs()); }
 
-    void answers_data() { tool::addTranscripts(QFINDTESTDATA("data/zynphone_favourites.txt")); }
-    void answers() { tool::followTranscript(); }
-
     void ignoresWhatIsNoAnnouncement()
     {
         startOwner();

@@ -3,7 +3,6 @@
 
 #include "tests/support/Role.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtTest/QTest>
 
@@ -33,31 +32,6 @@ inline QString run(const QStringList& arguments)
 inline QString run(const char* line)
 {
     return run(words(QString::fromUtf8(line)));
-}
-
-/// Adds a row for each part of the transcripts in the file @p path: "# name", then command lines behind "$ ", each with
-/// what the tool writes in answer.
-inline void addTranscripts(const QString& path)
-{
-    QTest::addColumn<QStringList>("exchanges");
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no transcripts");
-    const QString text = QString::fromUtf8(file.readAll()).trimmed();
-    for (const QString& transcript : text.split(QStringLiteral("\n# ")).mid(1)) {
-        const QStringList parts = transcript.split(QStringLiteral("\n$ "));
-        QTest::newRow(qPrintable(parts.first())) << parts.mid(1);
-    }
-}
-
-/// Runs the lines of the row's transcript and compares.
-inline void followTranscript()
-{
-    QFETCH(QStringList, exchanges);
-    for (const QString& exchange : exchanges) {
-        const QString line = exchange.section(QLatin1Char('\n'), 0, 0);
-        QCOMPARE(line + QLatin1Char('\n') + run(words(line)), exchange);
-    }
 }
 
 } // namespace tool
