@@ -77,7 +77,7 @@ void ZynphoneTest::followsSocketCalls()
     const QByteArray line = QTest::currentDataTag();
     const bool isJava = line.startsWith("java");
     const bool isEnded = line.endsWith("--for 1");
-    QByteArray sent = ScriptedService::frame(0, QByteArray("\1\0\0\0", 4).replace(0, 1, isJava ? "\1" : "\0"_ba));
+    QByteArray sent = ScriptedService::frame(0, QByteArray(isJava ? "\1\0\0\0" : "\0\0\0\0", 4));
     sent += ScriptedService::frame(2, call);
     if (isEnded)
         sent += (isJava ? ScriptedService::frame(3) : QByteArray()) + ScriptedService::frame(1);
