@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include <sys/stat.h>
-
 using namespace Qt::StringLiterals;
 using zyn::posix::UniqueFd;
 namespace rc = zyn::recentcall;
@@ -130,6 +128,22 @@ UniqueFd client(const QByteArray& bytes)
     return connectAndSend(kSocket, bytes);
 }
 
+/// Bytes that clients send: "add", "list", "3:" and the data of such a frame, or what they are, each "**" some times.
+QByteArray bytesOf(const QStringList& words)
+{
+    static const QMap<QString, QByteArray> names{
+        {u"greet"_s, kGreeting}, {u"list"_s, kListAll}, {u"add"_s, kAddMissed}};
+    QByteArray all;
+    for (const QString& word : words) {
+        const QString what = word.section(u"**"_s, 0, 0);
+        const QByteArray bytes = what.contains(u':')
+                                     ? frame(what.section(u':', 0, 0).toInt(), scenario::bytes(what.section(u':', 1)))
+                                     : names.value(what, scenario::bytes(what));
+        all += bytes.repeated(word.section(u"**"_s, 1).toInt() + (what == word ? 1 : 0));
+    }
+    return all;
+}
+
 /// What the service has sent once it has closed the connection; nothing when it does not close it.
 std::optional<QByteArray> sentBeforeClose(const UniqueFd& fd)
 {
@@ -180,12 +194,12 @@ bool replaceFile(const QString& path, const QByteArray& image)
 }
 
 /// Does @p change, and leaves the file at @p path the time that it has.
-void changeKeepingTime(const QString& path, const std::function<void()>& change)
+bool changeKeepingTime(const QString& path, const std::function<bool()>& change)
 {
     const QDateTime time = QFileInfo(path).lastModified();
-    change();
+    const bool isChanged = change();
     QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime));
+    return isChanged && file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
 /// Puts the same backup in place again and again; fails when a call of it is not there by the next time.
@@ -225,6 +239,8 @@ private:
     std::optional<StoreFixture> m_files;
     ServiceProcess m_service;
     std::optional<QCopChannel> m_channel;
+    std::map<QString, UniqueFd> m_clients;
+    UniqueFd m_manager;  ///< where a service manager hears
     QStringList m_heard; ///< what each announcement has found on disk
 
     void start(const QString& options = {}, const QString& before = {})
@@ -256,31 +272,30 @@ private:
         image.replace(qsizetype(zyn::RecordFile::offset(slot)) + qsizetype(at), 4, words({value}));
         QVERIFY(writeFile(m_files->file(list), image, QIODevice::ReadWrite));
     }
-    void restore(RC_CALL_CATEGORY_T list, const QString& how, const QByteArray& image) const
+    bool restore(RC_CALL_CATEGORY_T list, const QString& how, const QByteArray& image) const
     {
         const QString path = m_files->file(list);
-        const auto overwriteFile = [&] { QVERIFY(writeFile(path, image, QIODevice::ReadWrite)); };
+        const auto overwriteFile = [&] { return writeFile(path, image, QIODevice::ReadWrite); };
         if (how == u"renamed")
-            QVERIFY(replaceFile(path, image));
-        else if (how == u"anew")
-            QVERIFY((!QFile::exists(path) || QFile::remove(path)) && writeFile(path, image));
-        else if (how == u"over")
-            overwriteFile();
-        else if (how == u"over-with-its-time")
-            changeKeepingTime(path, overwriteFile);
-        else
-            QFAIL(qPrintable(how));
+            return replaceFile(path, image);
+        if (how == u"anew")
+            return (!QFile::exists(path) || QFile::remove(path)) && writeFile(path, image);
+        return how == u"over" ? overwriteFile()
+                              : how == u"over-with-its-time" && changeKeepingTime(path, overwriteFile);
     }
-    void spoil(RC_CALL_CATEGORY_T list, const QString& with) const
+    /// A service manager whose socket has a file, or none when @p mark is "@".
+    bool startManager(const QString& mark)
     {
-        const QString path = m_files->file(list);
-        QVERIFY(QFile::remove(path) || QDir().rmdir(path));
-        if (with == u"directory")
-            QVERIFY(QDir().mkdir(path));
-        else if (with == u"fifo")
-            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-        else if (with == u"link-to-itself")
-            QVERIFY(QFile::link(path, path));
+        const QByteArray name = QFile::encodeName(mark + m_files->path() + u"/notify"_s);
+        const auto address = zyn::posix::unixAddress(QByteArray(name).replace('@', '\0'));
+        m_manager = UniqueFd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+        return qputenv("NOTIFY_SOCKET", name) && ::bind(m_manager.get(), address.get(), address.length) == 0;
+    }
+    QString heardByManager() const
+    {
+        QByteArray message(32, '\0');
+        const ssize_t size = ::recv(m_manager.get(), message.data(), size_t(message.size()), 0);
+        return QString::fromLatin1(message.first(std::max<qsizetype>(size, 0)));
     }
     scenario::Verbs verbs();
 
@@ -299,40 +314,15 @@ private Q_SLOTS:
     {
         if (m_service.isRunning())
             QCOMPARE(stop(), 0);
+        m_clients.clear();
+        m_manager.reset();
+        qunsetenv("NOTIFY_SOCKET");
         m_channel.reset();
         QVERIFY(!QFile::exists(kSocket) && !QFile::exists(kSocket + u".lock"_s));
     }
 
     void keepsTheCalls_data() { scenario::addRows(QFINDTESTDATA("data/recentcall_service.txt")); }
     void keepsTheCalls() { scenario::play(verbs()); }
-
-    void tellsItsServiceManagerOnceItServes_data()
-    {
-        QTest::addColumn<QString>("mark");
-        QTest::newRow("at a socket with a file") << QString();
-        QTest::newRow("at a socket without one") << u"@"_s;
-    }
-    void tellsItsServiceManagerOnceItServes()
-    {
-        QFETCH(QString, mark);
-        const QString name = mark + m_files->path() + u"/notify"_s;
-        const UniqueFd manager(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-        const auto address = zyn::posix::unixAddress(name.toLocal8Bit().replace('@', '\0'));
-        QCOMPARE(::bind(manager.get(), address.get(), address.length), 0);
-        restart({}, u"export NOTIFY_SOCKET='%1';"_s.arg(name));
-        QByteArray message(32, '\0');
-        QCOMPARE(::recv(manager.get(), message.data(), size_t(message.size()), 0), 7);
-        QCOMPARE(message.first(7), "READY=1");
-        QCOMPARE(::recv(manager.get(), message.data(), size_t(message.size()), 0), -1);
-    }
-
-    void servesUnderADeafServiceManager()
-    {
-        restart({}, u"export NOTIFY_SOCKET=/tmp/nobody;"_s);
-        QCOMPARE(list(kAll), QString());
-        QCOMPARE(m_service.log(),
-                 "zyn-recentcalld: cannot notify the service manager at /tmp/nobody: No such file or directory\n");
-    }
 
     void storesTheRecordAsItIs()
     {
@@ -345,65 +335,18 @@ private Q_SLOTS:
         QCOMPARE(zyn::bytesOf(m_files->recordIn(kMissed.list, 0)), zyn::bytesOf(record));
     }
 
-    void refusesToStartBesideALiveService()
-    {
-        QProcess second;
-        for (const bool isLocked : {true, false}) {
-            QVERIFY(isLocked || QFile::remove(kSocket + u".lock"_s));
-            second.start(QStringLiteral(ZYN_RECENTCALLD), QStringList());
-            QCOMPARE(role::finish(second), 1);
-            QCOMPARE(second.readAllStandardError(),
-                     "zyn-recentcalld: cannot listen on " + kSocket.toLatin1() + ": another service has it\n");
-            QCOMPARE(list(kAll), QString());
-        }
-    }
-
-    void closesTheConnectionThatSends_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        const QByteArray record(228, '\1');
-        QTest::newRow("a negative length") << kGreeting + words({rc::AddRecord, -1});
-        QTest::newRow("a length beyond any command's") << kGreeting + words({rc::AddRecord, 0x7FFFFFFF});
-        QTest::newRow("a record one byte short") << kGreeting + frame(rc::AddRecord, record.chopped(1));
-        QTest::newRow("a record one byte long") << kGreeting + frame(rc::DeleteRecord, record + '\1');
-        QTest::newRow("an empty list request") << kGreeting + frame(rc::ListRecords, {});
-        QTest::newRow("an unknown code") << kGreeting + frame(5, words({1, 1}));
-        QTest::newRow("a mark-read one byte short") << kGreeting + frame(rc::MarkRead, record.chopped(1));
-        QTest::newRow("a code beyond a byte") << kGreeting + frame(0x101, record);
-        QTest::newRow("a command before its greeting") << kListAll;
-        QTest::newRow("a greeting twice") << kGreeting + kGreeting;
-        QTest::newRow("a greeting of another kind") << frame(0, words({1}));
-        QTest::newRow("no greeting but noise") << QByteArray(100'000, '\xFF');
-    }
-    void closesTheConnectionThatSends()
-    {
-        QFETCH(QByteArray, bytes);
-        QCOMPARE(sentBeforeClose(client(bytes + kAddMissed)), QByteArray());
-        QCOMPARE(list(kAll), QString());
-        QCOMPARE(m_service.log().count('\n'), 1);
-    }
-
     void dropsClientsThatKeepItWaiting()
     {
         restart(u"--patience 3000"_s);
         add(kDialed, u"x50"_s);
-        const UniqueFd silent = client({});
-        const UniqueFd greetedOnly = client(kGreeting);
-        const UniqueFd stalled = client(kGreeting + kAddMissed.chopped(1));
+        const UniqueFd slow[] = {client({}), client(kGreeting), client(kGreeting + kAddMissed.chopped(1))};
         const UniqueFd deaf = client(kGreeting + kListAll.repeated(100));
         QCOMPARE(list(kAll), u"49..0"_s);
-        for (const UniqueFd* fd : {&silent, &greetedOnly, &stalled})
-            QCOMPARE(sentBeforeClose(*fd), QByteArray());
+        for (const UniqueFd& fd : slow)
+            QCOMPARE(sentBeforeClose(fd), QByteArray());
         const qsizetype wholeAnswers = qsizetype{100} * (16 + 50 * 228);
         QVERIFY(sentBeforeClose(deaf).value_or(QByteArray(wholeAnswers, '\0')).size() < wholeAnswers);
         QCOMPARE(m_service.log().count("in time: connection closed"), 4);
-    }
-
-    void carriesOutWhatFollowsAnAnswerThatNobodyTakes()
-    {
-        add(kDialed, u"x50"_s);
-        client(kGreeting + kListAll.repeated(100) + kAddMissed);
-        QTRY_COMPARE(list(kMissed), u"50"_s);
     }
 
     void clientsWaitForTheirTurnWhenDescriptorsAreShort()
@@ -420,26 +363,6 @@ private Q_SLOTS:
         }
         crowd.clear();
         QCOMPARE(list(kMissed), u"10..0"_s);
-    }
-
-    void carriesOutFirstWhatWasSentFirst()
-    {
-        const UniqueFd earlier = client(kGreeting);
-        QCOMPARE(list(kMissed), QString());
-        m_service.tell(SIGSTOP);
-        send(earlier, kAddMissed);
-        const UniqueFd later = client(kGreeting + kListAll);
-        m_service.tell(SIGCONT);
-        QCOMPARE(sizes(later), u"1 of 150"_s);
-        // And before it ends all that was sent.
-        m_service.tell(SIGSTOP);
-        send(earlier, kAddMissed.repeated(4));
-        QCOMPARE(add(kMissed, u"x4"_s), QString());
-        m_service.tell(SIGTERM);
-        m_service.tell(SIGCONT);
-        QCOMPARE(m_service.finish(), 0);
-        start();
-        QCOMPARE(list(kMissed), u"8..0"_s);
     }
 
     void losesNoAddOfClientsThatCloseAtOnce()
@@ -462,17 +385,6 @@ private Q_SLOTS:
         // Every add that was taken has used one uid.
         QCOMPARE(uids(kAll).value(0), int(adders.size()) * kEach + own - 1);
         QCOMPARE(uids(kAnswered).size(), 50);
-    }
-
-    void addsToABackupThatIsBeingWritten()
-    {
-        add(kMissed);
-        QCOMPARE(list(kMissed), u"0"_s);
-        QFile file(m_files->file(kMissed.list));
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered));
-        add(kMissed);
-        file.write(imageOf(kMissed, {100, 101, 102}));
-        QCOMPARE(list(kMissed), u"103..100"_s);
     }
 
     void losesNoCallOfABackupThatComesMeanwhile()
@@ -499,59 +411,61 @@ private Q_SLOTS:
 /// The words of the scenarios.
 scenario::Verbs tst_RecentCallService::verbs()
 {
-    using Words = QStringList;
-    const auto record = [](const Words& words) {
-        return claim(callsOf(words), numbers(words.mid(1, 1)).first(), words.value(2, u"77"_s).toInt());
+    using Words = const QStringList&;
+    const auto record = [](Words w) {
+        return claim(callsOf(w), numbers(w.mid(1, 1)).first(), w.value(2, u"77"_s).toInt());
     };
+    const auto inStore = [this](Words w) { return scenario::shell(m_files->path() + u"/phone"_s, w); };
+    qputenv("RECENTCALLD", ZYN_RECENTCALLD);
     return {
         {u"start"_s, [this] { start(); }},
-        {u"restart"_s, [this] { restart(); }},
+        {u"restart"_s, [this](Words w) { restart(w.join(u' ')); }},
         {u"stop"_s, [this] { return stop(); }},
         {u"interrupt"_s, [this] { return stop(SIGINT); }},
         {u"kill"_s, [this] { return stop(SIGKILL); }},
+        {u"hang"_s, [this] { m_service.tell(SIGSTOP); }},
+        {u"go-on"_s, [this] { m_service.tell(SIGCONT); }},
+        {u"end"_s, [this] { m_service.tell(SIGTERM); }},
+        {u"finish"_s, [this] { return m_service.finish(); }},
         {u"left-socket"_s, [] { return QFile::exists(kSocket) ? u"yes"_s : u"no"_s; }},
-        {u"limits"_s,
-         [this](const Words& limits) {
-             m_files->setLimits(limits.at(0).toInt(), limits.at(1).toInt(), limits.at(2).toInt());
-         }},
-        {u"add"_s, [](const Words& words) { return add(callsOf(words), words.value(1)); }},
-        {u"list"_s, [](const Words& words) { return list(callsOf(words)); }},
-        {u"sizes"_s, [] { return sizes(client(kGreeting + kListAll)); }},
+        {u"limits"_s, [this](Words w) { m_files->setLimits(w[0].toInt(), w[1].toInt(), w[2].toInt()); }},
+        {u"add"_s, [](Words w) { return add(callsOf(w), w.value(1)); }},
+        {u"list"_s, [](Words w) { return list(callsOf(w)); }},
         {u"delete"_s,
-         [=](const Words& words) {
-             PHONE_ENG_RecentCall call = record(words);
+         [=](Words w) {
+             PHONE_ENG_RecentCall call = record(w);
              return PHONE_RecentCall_DeleteRecord(call);
          }},
-        {u"clear"_s,
-         [](const Words& words) { return PHONE_RecentCall_DeleteAll(callsOf(words).list, callsOf(words).type); }},
-        {u"mark"_s, [=](const Words& words) { return int{rc::markRead(record(words))}; }},
+        {u"clear"_s, [](Words w) { return PHONE_RecentCall_DeleteAll(callsOf(w).list, callsOf(w).type); }},
+        {u"mark"_s, [=](Words w) { return int{rc::markRead(record(w))}; }},
+        // Bare clients, and the service manager.
+        {u"client"_s, [this](Words w) { m_clients[w[0]] = client(bytesOf(w.mid(1))); }},
+        {u"leave"_s, [this](Words w) { m_clients.erase(w[0]); }},
+        {u"send"_s, [this](Words w) { send(m_clients.at(w[0]), bytesOf(w.mid(1))); }},
+        {u"sizes"_s, [this](Words w) { return sizes(m_clients.at(w[0])); }},
+        {u"closes"_s, [](Words w) { return sentBeforeClose(client(bytesOf(w) + kAddMissed)) == QByteArray(); }},
+        {u"manager"_s, [this](Words w) { return startManager(w.value(0)); }},
+        {u"hears"_s, [this] { return heardByManager(); }},
+        {u"deaf-manager"_s, [](Words w) { return qputenv("NOTIFY_SOCKET", w[0].toLatin1()); }},
         // What is on disk, and what others do to it.
-        {u"file"_s, [this](const Words& words) { return text(m_files->uids(callsOf(words).list)); }},
-        {u"read"_s, [this](const Words& words) { return slotsOf(callsOf(words), true); }},
-        {u"unread"_s, [this](const Words& words) { return slotsOf(callsOf(words), false); }},
+        {u"file"_s, [this](Words w) { return text(m_files->uids(callsOf(w).list)); }},
+        {u"read"_s, [this](Words w) { return slotsOf(callsOf(w), true); }},
+        {u"unread"_s, [this](Words w) { return slotsOf(callsOf(w), false); }},
         {u"slots"_s,
-         [this](const Words& words) {
+         [this](Words w) {
              QList<int> named;
              for (int slot = 0; slot < zyn::kRecordSlots; ++slot)
-                 named.prepend(m_files->recordIn(callsOf(words).list, slot).slot);
+                 named.prepend(m_files->recordIn(callsOf(w).list, slot).slot);
              return text(named);
          }},
-        {u"put"_s,
-         [this](const Words& words) {
-             restore(callsOf(words).list, words.at(1), imageOf(callsOf(words), numbers(words.mid(2))));
-         }},
+        {u"put"_s, [this](Words w) { return restore(callsOf(w).list, w[1], imageOf(callsOf(w), numbers(w.mid(2)))); }},
         {u"cut"_s,
-         [this](const Words& words) {
-             const RC_CALL_CATEGORY_T list = callsOf(words).list;
-             m_files->write(list, m_files->read(list).first(words.at(1).toInt())
-                                      + QByteArray(words.value(2).toInt(), char(words.value(3).toInt())));
+         [this](Words w) {
+             const QByteArray head = m_files->read(callsOf(w).list).first(w[1].toInt());
+             m_files->write(callsOf(w).list, head + QByteArray(w.value(2).toInt(), char(w.value(3).toInt())));
          }},
-        {u"overwrite"_s,
-         [this](const Words& words) {
-             overwrite(callsOf(words).list, words.at(1).toInt(), words.at(2), words.at(3).toInt());
-         }},
-        {u"spoil"_s, [this](const Words& words) { spoil(callsOf(words).list, words.value(1)); }},
-        {u"remove-directory"_s, [this] { return QDir(m_files->path() + u"/phone"_s).removeRecursively(); }},
+        {u"overwrite"_s, [this](Words w) { overwrite(callsOf(w).list, w[1].toInt(), w[2], w[3].toInt()); }},
+        {u"sh"_s, inStore},
         {u"last-dialed"_s,
          [] {
              QString number;
@@ -559,11 +473,13 @@ scenario::Verbs tst_RecentCallService::verbs()
              return RC_Interface().getLastDialedNumber(number) ? number : u"none"_s;
          }},
         {u"blank"_s,
-         [this] { changeKeepingTime(m_files->file(kDialed.list), [] { StoreFixture::store().clearAllData(); }); }},
+         [this] {
+             return changeKeepingTime(m_files->file(kDialed.list), [] { return StoreFixture::startAfresh(), true; });
+         }},
         // What others hear.
         {u"heard"_s,
          [this] { return u"%1 %2"_s.arg(m_heard.size()).arg(m_heard.value(m_heard.size() - 1)).trimmed(); }},
-        {u"logged"_s, [this](const Words& words) { return m_service.logged().count(words.join(u' ').toUtf8()); }},
+        {u"logged"_s, [this](Words w) { return m_service.logged().count(scenario::bytes(w.join(u' '))); }},
     };
 }
 
