@@ -1,48 +1,23 @@
 // The verdicts on numbers and typed texts, and what becomes of the list's file in every condition.
 #include "platform/HandsetState_p.h"
 #include "platform/SETUP_SET_Manager.h"
+#include "support/Scenario.h"
 #include "support/StdoutCapture.h"
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_EmergencyList_p.h"
 
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using zyn::emergency::kListFile;
 
 namespace {
 
-/// When a typed text is accepted.
-enum When { Never = 0, KeypadAllows = 1, SimAllows = 2, Always = 4 };
-
-// clang-format off
-constexpr std::pair<const char*, int> kInputs[] = {
-    {"", Never}, {"*", KeypadAllows | SimAllows}, {"#", Never},
-    {"*#", KeypadAllows}, {"*#0", KeypadAllows}, {"*#06", KeypadAllows}, {"*#06#", KeypadAllows}, {"*#06#1", Never},
-    {"**", SimAllows}, {"**0", SimAllows}, {"**1", Never},
-    {"**04", SimAllows}, {"**04*", SimAllows}, {"**04*1", Never}, {"**042", SimAllows}, {"**042*", SimAllows},
-    {"**042*1", Never},
-    {"**05", SimAllows}, {"**05*", SimAllows}, {"**05*1", Never}, {"**052", SimAllows}, {"**052*", SimAllows},
-    {"**052*1", Never},
-    {"1", Always}, {"11", Always}, {"112", Always}, {"1120", Never}, {" 112", Never}, {"2", Never},
-    {"9", Always}, {"91", Always}, {"911", Always}, {"9112", Never}, {"xY", Always}, {"xy", Never},
-};
-// clang-format on
+using Words = QStringList;
 
 QByteArray record(QByteArray text)
 {
     return text.leftJustified(42, '\0');
-}
-
-void writeFile(const QByteArray& bytes)
-{
-    QFile file(QString::fromLatin1(kListFile));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write the list");
 }
 
 /// How many times this process has asked the kernel to read; 0 where the kernel does not count.
@@ -64,6 +39,54 @@ void setState(const zyn::handset::State& state, int value)
     SETUP_SET_Manager(zyn::handset::stateFile(), true).setSettingInfo(group, QLatin1String(state.key), value);
 }
 
+/// The first text that is not accepted just when the first word says: always, or without the keypad lock, or with a SIM
+/// card.
+QString wrongly(const Words& words)
+{
+    const StdoutCapture output;
+    for (int state = 0; state < 24; ++state) {
+        const int keypad = std::array{-1, 0, 1, 3}.at(size_t(state) % 4);
+        const int sim = state / 4 - 1;
+        setState(zyn::handset::kKeypadLock, keypad);
+        setState(zyn::handset::kSimCard, sim);
+        const bool expected = words[0] == u"always"_s || (words[0].contains(u"unlocked"_s) && keypad == 0)
+                              || (words[0].contains(u"sim"_s) && (sim == 0 || sim == 3));
+        for (const QString& text : words.mid(1)) {
+            const QString input = QString::fromUtf8(QByteArray::fromPercentEncoding(text.toUtf8()));
+            if (PHONE_IsEmergencyCallInput(input) != expected || PHONE_IsInputtingEmergencyCall(input) != expected)
+                return u"%1 at keypad %2, SIM %3"_s.arg(input).arg(keypad).arg(sim);
+        }
+    }
+    return {};
+}
+
+/// Writes records, each of a text; behind "=" bytes as they are, and "*9" makes nine of all so far.
+void writeRecords(const Words& words)
+{
+    QByteArray file;
+    for (const QString& word : words) {
+        if (word.startsWith(u'*'))
+            file = file.repeated(word.mid(1).toInt());
+        else
+            file += word.startsWith(u'=') ? scenario::bytes(word.mid(1)) : record(scenario::bytes(word));
+    }
+    QFile target(QString::fromLatin1(kListFile));
+    if (!target.open(QIODevice::WriteOnly) || target.write(file) != file.size())
+        qFatal("cannot write the list");
+}
+
+/// The numbers of the list, each of which is an emergency number, and others are not.
+QString numbers()
+{
+    QStringList all = zyn::emergency::readList();
+    for (QByteArray number : {"112", "911", "999999", "1\xe9", "1120", "11", "", "777"}) {
+        const bool isListed = all.contains(QString::fromLatin1(number));
+        if (PHONE_IsEmergencyCall(number.data()) != isListed || PHONE_IsEmergencyCallNumber(number.data()) != isListed)
+            all += u"wrongly judged: "_s + QString::fromLatin1(number);
+    }
+    return all.join(u',');
+}
+
 } // namespace
 
 class tst_PHONE_EmergencyCall : public QObject
@@ -74,106 +97,36 @@ private Q_SLOTS:
     void initTestCase() { qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(m_settings.path())); }
     void cleanup() { QFile::remove(QString::fromLatin1(kListFile)); }
 
-    void judgesEveryPrefixInEveryState();
-    void readsTheListAsFarAsItGoes_data();
-    void readsTheListAsFarAsItGoes();
-    void findsNothingInWhatIsNoFile();
+    void judges_data() { scenario::addRows(QFINDTESTDATA("data/emergency_calls.txt")); }
+    void judges();
     void readsTheListAtOnce();
-    void readsOnBehindAHole();
     void writesWhatItReads();
 
 private:
     QTemporaryDir m_settings;
 };
 
-void tst_PHONE_EmergencyCall::judgesEveryPrefixInEveryState()
+void tst_PHONE_EmergencyCall::judges()
 {
-    StdoutCapture output;
-    writeFile(record("112") + record("911") + record("xY"));
-    for (const int keypad : {-1, 0, 1, 3}) {
-        setState(zyn::handset::kKeypadLock, keypad);
-        for (const int sim : {-1, 0, 1, 2, 3, 4}) {
-            setState(zyn::handset::kSimCard, sim);
-            const int allowed = Always | (keypad == 0 ? KeypadAllows : 0) | (sim == 0 || sim == 3 ? SimAllows : 0);
-            for (const auto& [text, when] : kInputs) {
-                const QString input = QLatin1String(text);
-                const bool expected = (when & allowed) != 0;
-                if (PHONE_IsEmergencyCallInput(input) != expected || PHONE_IsInputtingEmergencyCall(input) != expected)
-                    QFAIL(qPrintable(u"%1 at keypad %2, SIM %3"_s.arg(input).arg(keypad).arg(sim)));
-            }
-        }
-    }
-}
-
-void tst_PHONE_EmergencyCall::readsTheListAsFarAsItGoes_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QByteArray>("numbers"); // separated by commas
-
-    const QByteArray wide(42, '7');
-    const auto add = [](const char* title, const QByteArray& file, const QByteArray& numbers) {
-        QTest::newRow(title) << file << numbers;
-    };
-    add("nothing in it", "", "");
-    add("in order, with a double", record("911") + record("112") + record("911"), "911,112,911");
-    add("an empty record between", record("112") + record("") + record("911"), "112,911");
-    add("leftovers behind the NUL", record(QByteArray("112\0999", 7)), "112");
-    add("no NUL", wide + record("112") + wide, wide + ",112," + wide);
-    add("a short last one with its NUL", record("999999") + QByteArray("112", 4), "999999,112");
-    add("a short last one without", record("999999") + "112", "999999");
-    add("a last one short of a byte", record("112") + wide.chopped(1), "112");
-    add("Latin-1", record("1\xe9"), "1\xe9");
-    add("a long one", record("").repeated(200'000) + record("112") + record("911"), "112,911");
-    add("one of several reads", record("").repeated(400'000) + record("112") + QByteArray("911", 4), "112,911");
-}
-
-void tst_PHONE_EmergencyCall::readsTheListAsFarAsItGoes()
-{
-    QFETCH(const QByteArray, file);
-    QFETCH(const QByteArray, numbers);
-    writeFile(file);
-    QCOMPARE(zyn::emergency::readList().join(u',').toLatin1(), numbers);
-    for (QByteArray number : {"112", "911", "999999", "1\xe9", "1120", "11", "", "777"}) {
-        const bool listed = !number.isEmpty() && numbers.split(',').contains(number);
-        QCOMPARE(PHONE_IsEmergencyCall(number.data()), listed);
-        QCOMPARE(PHONE_IsEmergencyCallNumber(number.data()), listed);
-    }
+    const QString list = QString::fromLatin1(kListFile);
+    scenario::play({
+        {u"list"_s, writeRecords},
+        {u"make"_s, [&](const Words& command) { return scenario::shell({}, command + Words{list}); }},
+        {u"numbers"_s, numbers},
+        {u"accepted"_s, wrongly},
+    });
     QVERIFY(!PHONE_IsEmergencyCall(nullptr));
-}
-
-void tst_PHONE_EmergencyCall::findsNothingInWhatIsNoFile()
-{
-    QCOMPARE(zyn::emergency::readList(), QStringList());
-    QCOMPARE(::mkdir(kListFile, 0700), 0);
-    QCOMPARE(zyn::emergency::readList(), QStringList());
-    QCOMPARE(::rmdir(kListFile), 0);
-    QCOMPARE(::mkfifo(kListFile, 0600), 0); // which has no writer to wait for
-    QCOMPARE(zyn::emergency::readList(), QStringList());
-    QCOMPARE(::unlink(kListFile), 0);
-    QCOMPARE(::symlink("/dev/zero", kListFile), 0); // which has no end
-    QCOMPARE(zyn::emergency::readList(), QStringList());
 }
 
 void tst_PHONE_EmergencyCall::readsTheListAtOnce()
 {
-    writeFile(record("911").repeated(30'000));
+    writeRecords({u"911"_s, u"*30000"_s});
     const qint64 before = readCalls();
     if (before == 0)
         QSKIP("this kernel does not count");
     const qint64 counted = readCalls();
     QVERIFY(!PHONE_IsEmergencyCall(QByteArray("112").data()));
     QCOMPARE(readCalls() - counted, counted - before + 1);
-}
-
-void tst_PHONE_EmergencyCall::readsOnBehindAHole()
-{
-    writeFile(record("911"));
-    QFile file(QString::fromLatin1(kListFile));
-    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(record("112").size() * (qint64{1} << 34)));
-    QCOMPARE(file.write(record("112")), record("112").size());
-    file.close();
-    QVERIFY(PHONE_IsEmergencyCall(QByteArray("112").data()));
-    QVERIFY(!PHONE_IsEmergencyCall(QByteArray("113").data()));
 }
 
 void tst_PHONE_EmergencyCall::writesWhatItReads()
@@ -187,5 +140,5 @@ void tst_PHONE_EmergencyCall::writesWhatItReads()
     QCOMPARE(file.readAll(), record("112") + record(longest.toLatin1()));
 }
 
-QTEST_APPLESS_MAIN(tst_PHONE_EmergencyCall)
+QTEST_GUILESS_MAIN(tst_PHONE_EmergencyCall)
 #include "tst_PHONE_EmergencyCall.moc"
