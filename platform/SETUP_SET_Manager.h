@@ -18,7 +18,8 @@
  * writing. A group ends where the next begins, even one whose name is not UTF-8. Where a key stands twice in a group,
  * the last one counts.
  *
- * Nothing is cached: every get reads the file, and a set is on disk when it returns. Sets of several processes are
+ * Every get gives what the file holds at that moment: each thread keeps what it has read of a file only for as long as
+ * the file is the same, which one look tells. A set is on disk when it returns. Sets of several processes are
  * arbitrated by a lock file beside the settings file, so that none loses another's; a set that does not get the lock
  * within 5 seconds fails. A file above 1 MiB is not read and not written. Settings stores are used from one thread at a
  * time.

@@ -1,6 +1,8 @@
 // Settings files: where they are, and how one is read and changed.
 #include "platform/SettingsFile_p.h"
 
+#include "platform/SettingsCache_p.h"
+#include "platform/SettingsLines_p.h"
 #include "platform/posix/Directory_p.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/StagedFile_p.h"
@@ -18,57 +20,7 @@
 namespace zyn {
 namespace {
 
-constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 constexpr std::chrono::milliseconds kLockTimeout{5000};
-constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
-
-struct Line
-{
-    enum Kind { Passive, Group, Entry, Stray };
-
-    Kind kind = Passive;
-    QByteArrayView name;  ///< of the group or of the key
-    QByteArrayView value; ///< of an entry
-};
-
-Line parse(QByteArrayView text)
-{
-    if (text.endsWith('\r'))
-        text.chop(1);
-    const QByteArrayView trimmed = text.trimmed();
-    if (trimmed.isEmpty() || trimmed.front() == '#' || trimmed.front() == ';')
-        return {};
-    // One that is not UTF-8 is a group all the same: its entries are not those of the group before it.
-    if (trimmed.front() == '[' && trimmed.back() == ']')
-        return {Line::Group, trimmed.sliced(1, trimmed.size() - 2), {}};
-    if (!text.isValidUtf8())
-        return {Line::Stray, {}, {}};
-    const qsizetype equals = text.indexOf('=');
-    const QByteArrayView key = equals < 0 ? QByteArrayView() : text.first(equals).trimmed();
-    if (key.isEmpty())
-        return {Line::Stray, {}, {}};
-    return {Line::Entry, key, text.sliced(equals + 1)};
-}
-
-/// Where the first line of @p text begins.
-qsizetype firstLine(const QByteArray& text)
-{
-    return text.startsWith(kByteOrderMark) ? qsizetype(sizeof kByteOrderMark - 1) : 0;
-}
-
-/// Calls @p visit(line, begin, end) for each line of @p text; [begin, end) is the line's place, its line end included.
-template<typename Visit>
-void forEachLine(const QByteArray& text, Visit visit)
-{
-    qsizetype begin = firstLine(text);
-    while (begin < text.size()) {
-        const qsizetype newline = text.indexOf('\n', begin);
-        const qsizetype textEnd = newline < 0 ? text.size() : newline;
-        const qsizetype end = newline < 0 ? text.size() : newline + 1;
-        visit(parse(QByteArrayView(text).sliced(begin, textEnd - begin)), begin, end);
-        begin = end;
-    }
-}
 
 bool fitsOneLine(const QString& text)
 {
@@ -140,12 +92,12 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
 {
     qsizetype entryBegin = -1;
     qsizetype entryEnd = -1;
-    qsizetype groupEnd = group.isEmpty() ? firstLine(text) : -1;
+    qsizetype groupEnd = group.isEmpty() ? firstSettingsLine(text) : -1;
     bool inGroup = group.isEmpty();
-    forEachLine(text, [&](const Line& line, qsizetype begin, qsizetype end) {
-        if (line.kind == Line::Group)
+    forEachSettingsLine(text, [&](const SettingsLine& line, qsizetype begin, qsizetype end) {
+        if (line.kind == SettingsLine::Group)
             inGroup = line.name == group;
-        else if (inGroup && line.kind == Line::Entry && line.name == key)
+        else if (inGroup && line.kind == SettingsLine::Entry && line.name == key)
             std::tie(entryBegin, entryEnd) = std::pair(begin, end);
         // The blank lines that set a group apart from the next stay behind it.
         if (inGroup && !QByteArrayView(text).sliced(begin, end - begin).trimmed().isEmpty())
@@ -159,7 +111,7 @@ QByteArray withEntry(QByteArray text, const QByteArray& group, const QByteArray&
         added = (text.isEmpty() ? "[" : "\n[") + group + "]\n" + entry;
         groupEnd = text.size();
     }
-    if (groupEnd > firstLine(text) && text.at(groupEnd - 1) != '\n')
+    if (groupEnd > firstSettingsLine(text) && text.at(groupEnd - 1) != '\n')
         added.prepend('\n');
     return text.insert(groupEnd, added);
 }
@@ -170,7 +122,7 @@ std::optional<QByteArray> read(const posix::PathAt& path)
     const posix::UniqueFd fd = posix::openAt(path);
     if (!fd.isValid() && errno == ENOENT)
         return QByteArray();
-    return posix::readWhole(fd.get(), kSizeLimit);
+    return posix::readWhole(fd.get(), kSettingsSizeLimit);
 }
 
 } // namespace
@@ -204,32 +156,19 @@ QString settingText(const QByteArray& value)
 
 std::optional<QByteArray> SettingsFile::value(const QString& group, const QString& key) const
 {
-    const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSizeLimit);
-    if (!text)
-        return std::nullopt;
-    const QByteArray wantedGroup = group.toUtf8();
-    const QByteArray wantedKey = key.toUtf8();
-    std::optional<QByteArray> found;
-    bool inGroup = wantedGroup.isEmpty();
-    forEachLine(*text, [&](const Line& line, qsizetype, qsizetype) {
-        if (line.kind == Line::Group)
-            inGroup = line.name == wantedGroup;
-        else if (inGroup && line.kind == Line::Entry && line.name == wantedKey)
-            found = line.value.toByteArray();
-    });
-    return found;
+    return storedSetting(m_path, group, key);
 }
 
 std::optional<QList<int>> SettingsFile::strayLines() const
 {
-    const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSizeLimit);
+    const std::optional<QByteArray> text = posix::readWhole(QFile::encodeName(m_path), kSettingsSizeLimit);
     if (!text)
         return std::nullopt;
     QList<int> numbers;
     int number = 0;
-    forEachLine(*text, [&](const Line& line, qsizetype, qsizetype) {
+    forEachSettingsLine(*text, [&](const SettingsLine& line, qsizetype, qsizetype) {
         ++number;
-        if (line.kind == Line::Stray)
+        if (line.kind == SettingsLine::Stray)
             numbers.append(number);
     });
     return numbers;
@@ -257,7 +196,7 @@ bool SettingsFile::setValue(const QString& group, const QString& key, const QStr
         return false;
     const QByteArray entry = key.toUtf8() + '=' + settingBytes(value) + '\n';
     const QByteArray changed = withEntry(*text, group.toUtf8(), key.toUtf8(), entry);
-    return changed.size() <= kSizeLimit && posix::replaceFile(*found, changed);
+    return changed.size() <= kSettingsSizeLimit && posix::replaceFile(*found, changed);
 }
 
 } // namespace zyn

@@ -1,5 +1,6 @@
 // The settings store.
 #include "platform/SETUP_SET_Manager.h"
+#include "platform/posix/File_p.h"
 #include "support/Descriptors.h"
 #include "support/OtherUser.h"
 #include "support/Scenario.h"
@@ -79,6 +80,8 @@ private Q_SLOTS:
     void keepsSettings();
     void keepsTextAsTyped();
     void givesTheStoredValueAtOnce();
+    void seesEveryChangeOfAFileItHasRead_data();
+    void seesEveryChangeOfAFileItHasRead();
     void losesNothingBetweenTwoWriters();
     void survivesKilledWriters();
 
@@ -250,6 +253,47 @@ void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
     // Values of one length, many of them within one tick of the file's time.
     for (int i = 1000; i < 1000 + kManyWrites; ++i)
         QVERIFY(comesBack(i, 5));
+}
+
+void tst_SETUP_SET_Manager::seesEveryChangeOfAFileItHasRead_data()
+{
+    QTest::addColumn<QByteArray>("change"); // a command in the file's directory
+    QTest::addColumn<QString>("value");     // null for none
+
+    const QByteArray write = "cp -p settings.cfg old; printf '[g]\\nk=new\\n' >"_ba;
+    QTest::newRow("rewritten, the time of the writing restored")
+        << write + "settings.cfg; touch -r old settings.cfg" << u"new"_s;
+    QTest::newRow("replaced by a copy of the same size and time")
+        << write + "b; touch -r old b; mv b settings.cfg" << u"new"_s;
+    QTest::newRow("replaced by a link") << write + "b; ln -sf b settings.cfg" << u"new"_s;
+    QTest::newRow("truncated") << "truncate -s 6 settings.cfg"_ba << u""_s;
+    QTest::newRow("emptied") << "truncate -s 0 settings.cfg"_ba << QString();
+    QTest::newRow("removed") << "rm settings.cfg"_ba << QString();
+    QTest::newRow("replaced by a FIFO") << "rm settings.cfg; mkfifo settings.cfg"_ba << QString();
+    QTest::newRow("grown above 1 MiB") << "truncate -s 1048577 settings.cfg"_ba << QString();
+}
+
+void tst_SETUP_SET_Manager::seesEveryChangeOfAFileItHasRead()
+{
+    QFETCH(const QByteArray, change);
+    QFETCH(const QString, value);
+    QDir::setCurrent(m_directory->path());
+    write("[g]\nk=old\n");
+    const auto version = *zyn::posix::fileVersion(QFile::encodeName(path()));
+    QTRY_VERIFY(zyn::posix::isSettled(version));
+    auto future = version; // of a clock that is set back
+    future.changed.seconds += 3600;
+    QVERIFY(!zyn::posix::isSettled(future));
+    QCOMPARE(get(), u"old"_s);
+    QCOMPARE(std::system(change.constData()), 0);
+    QCOMPARE(get(), value);
+    QCOMPARE(get().isNull(), value.isNull());
+    // Many changes within one tick of the file's time.
+    QVERIFY(!QFileInfo::exists(path()) || QFile::remove(path()));
+    for (int i = 0; i < kManyWrites; ++i) {
+        write("[g]\nk=" + QByteArray::number(1000 + i));
+        QCOMPARE(get(), QString::number(1000 + i));
+    }
 }
 
 void tst_SETUP_SET_Manager::losesNothingBetweenTwoWriters()

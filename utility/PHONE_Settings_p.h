@@ -11,7 +11,10 @@ namespace zyn {
 /// The application whose settings file holds the recent-call, speed-dial and set-up groups.
 inline constexpr auto kPhoneSettings = static_cast<AM_Global::Apps>(4);
 
-/// @{ The feature-switch files: their paths behind the directory that ZYN_APP_WRITE_PATH names.
+/// The environment variable that names the directory of the feature-switch files.
+inline constexpr char kSwitchDirectory[] = "ZYN_APP_WRITE_PATH";
+
+/// @{ The feature-switch files: their paths behind that directory.
 inline constexpr char kFixedDialSwitch[] = "/setup/zyn_fixeddial.cfg";
 inline constexpr char kTopPalsSwitch[] = "/setup/zyn_toppals.cfg";
 /// @}
@@ -19,7 +22,7 @@ inline constexpr char kTopPalsSwitch[] = "/setup/zyn_toppals.cfg";
 /// The path of a feature-switch file: @p suffix alone when the directory is not set.
 inline QString switchFile(const char* suffix)
 {
-    return QFile::decodeName(qgetenv("ZYN_APP_WRITE_PATH")) + QLatin1String(suffix);
+    return QFile::decodeName(qgetenv(kSwitchDirectory)) + QLatin1String(suffix);
 }
 
 } // namespace zyn

@@ -9,6 +9,19 @@
 #include <unistd.h>
 
 namespace zyn::posix {
+namespace {
+
+std::optional<FileVersion> versionOf(const struct stat& status)
+{
+    if (!S_ISREG(status.st_mode))
+        return std::nullopt;
+    return FileVersion{{status.st_dev, status.st_ino},
+                       status.st_size,
+                       {status.st_mtim.tv_sec, status.st_mtim.tv_nsec},
+                       {status.st_ctim.tv_sec, status.st_ctim.tv_nsec}};
+}
+
+} // namespace
 
 UniqueFd openForReading(const QByteArray& path)
 {
@@ -27,6 +40,38 @@ std::optional<FileId> fileId(int fd)
 {
     struct stat status = {};
     return ::fstat(fd, &status) == 0 ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
+}
+
+std::optional<FileVersion> fileVersion(const QByteArray& path)
+{
+    struct stat status = {};
+    return ::stat(path.constData(), &status) == 0 ? versionOf(status) : std::nullopt;
+}
+
+std::optional<FileVersion> fileVersion(int fd)
+{
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 ? versionOf(status) : std::nullopt;
+}
+
+bool isSettled(const FileVersion& version)
+{
+    constexpr long kTwoTicks = 20'000'000; // of the slowest clock there is
+    constexpr long kSecond = 1'000'000'000;
+    constexpr time_t kCoarse = 3; // for a file system that keeps even seconds only
+    timespec now = {};
+    if (::clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0)
+        return false;
+    FileVersion::Moment latest = {now.tv_sec, now.tv_nsec};
+    if (version.changed.nanoseconds == 0) {
+        latest.seconds -= kCoarse;
+    } else if (latest.nanoseconds >= kTwoTicks) {
+        latest.nanoseconds -= kTwoTicks;
+    } else {
+        latest.seconds -= 1;
+        latest.nanoseconds += kSecond - kTwoTicks;
+    }
+    return version.changed <= latest;
 }
 
 bool isNamed(int fd, const QByteArray& path)

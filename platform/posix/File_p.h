@@ -5,7 +5,9 @@
 
 #include <QtCore/QByteArray>
 
+#include <compare>
 #include <cstddef>
+#include <ctime>
 #include <optional>
 #include <span>
 
@@ -29,6 +31,38 @@ struct FileId
 std::optional<FileId> fileId(const QByteArray& path);
 /// That of an open file.
 std::optional<FileId> fileId(int fd);
+
+/**
+ * Tells what a regular file holds from everything that it, or another file of its name, has held: that has another
+ * version, if only this one is settled.
+ */
+struct FileVersion
+{
+    /// A point in time as file systems keep it: nobody but the clock sets the time of a file's last change.
+    struct Moment
+    {
+        time_t seconds;
+        long nanoseconds;
+
+        auto operator<=>(const Moment&) const = default;
+    };
+
+    FileId id;
+    off_t size;
+    Moment written;
+    Moment changed;
+
+    bool operator==(const FileVersion&) const = default;
+};
+
+/// That of the file to which @p path, links followed, leads; nothing when it is no regular file.
+std::optional<FileVersion> fileVersion(const QByteArray& path);
+/// That of an open file.
+std::optional<FileVersion> fileVersion(int fd);
+
+/// Whether a file that is changed from now on gets another version than @p version. It does not at once, as the times
+/// of two changes between two ticks of the kernel's clock are the same.
+bool isSettled(const FileVersion& version);
 
 /// Whether @p path is a name of the open file @p fd.
 bool isNamed(int fd, const QByteArray& path);

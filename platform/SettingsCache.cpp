@@ -1,0 +1,146 @@
+// What a thread has read of settings files, kept for as long as the files are what they were.
+#include "platform/SettingsCache_p.h"
+
+#include "platform/SettingsLines_p.h"
+#include "platform/posix/File_p.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zyn {
+namespace {
+
+/// A larger file is read at every question: what is kept stays small.
+constexpr qsizetype kKeptSize = qsizetype{64} * 1024;
+constexpr size_t kKeptFiles = 4;    // all that a process asks for
+constexpr size_t kKeptAnswers = 16; // few enough to be gone through
+
+/// The value of the last entry of @p key in @p group of @p text.
+std::optional<QByteArray> findEntry(const QByteArray& text, const QString& group, const QString& key)
+{
+    const QByteArray wantedGroup = group.toUtf8();
+    const QByteArray wantedKey = key.toUtf8();
+    std::optional<QByteArray> found;
+    bool inGroup = wantedGroup.isEmpty();
+    forEachSettingsLine(text, [&](const SettingsLine& line, qsizetype, qsizetype) {
+        if (line.kind == SettingsLine::Group)
+            inGroup = line.name == wantedGroup;
+        else if (inGroup && line.kind == SettingsLine::Entry && line.name == wantedKey)
+            found = line.value.toByteArray();
+    });
+    return found;
+}
+
+/// A file as it was read, and what was asked of it: each question is looked up once.
+class KeptFile
+{
+public:
+    KeptFile() = default;
+    KeptFile(QString path, QByteArray name, const posix::FileVersion& version, QByteArray text)
+        : m_path(std::move(path))
+        , m_name(std::move(name))
+        , m_version(version)
+        , m_text(std::move(text))
+    {}
+
+    bool isAt(const QString& path) const { return m_version && m_path == path; }
+    bool isCurrent() const { return m_version == posix::fileVersion(m_name); }
+
+    std::optional<QByteArray> value(const QString& group, const QString& key)
+    {
+        for (const Answer& answer : m_answers) {
+            if (answer.key == key && answer.group == group)
+                return answer.value;
+        }
+        Answer& answer = m_answers.at(m_asked++ % kKeptAnswers);
+        answer = {group, key, findEntry(m_text, group, key)};
+        return answer.value;
+    }
+
+private:
+    struct Answer
+    {
+        QString group;
+        QString key; ///< a file has no value for an empty one, as an unused answer says
+        std::optional<QByteArray> value;
+    };
+
+    QString m_path;
+    QByteArray m_name; ///< the path as the system has it
+    std::optional<posix::FileVersion> m_version;
+    QByteArray m_text;
+    std::array<Answer, kKeptAnswers> m_answers;
+    size_t m_asked = 0;
+};
+
+struct Cache
+{
+    std::array<KeptFile, kKeptFiles> files;
+    size_t oldest = 0;
+};
+
+/// No destructor: settings may be asked for by objects that are destroyed after the thread's cache.
+struct Thread
+{
+    Cache* cache;
+    bool isEnding;
+};
+thread_local Thread t_thread = {};
+
+struct ThreadEnd
+{
+    ThreadEnd() = default;
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+    ~ThreadEnd()
+    {
+        delete std::exchange(t_thread.cache, nullptr);
+        t_thread.isEnding = true;
+    }
+};
+
+/// The cache of the calling thread; null when there is none any more.
+Cache* threadCache()
+{
+    if (!t_thread.cache && !t_thread.isEnding) {
+        static thread_local const ThreadEnd t_end;
+        t_thread.cache = new Cache;
+    }
+    return t_thread.cache;
+}
+
+} // namespace
+
+std::optional<QByteArray> storedSetting(const QString& path, const QString& group, const QString& key)
+{
+    Cache* const cache = threadCache();
+    KeptFile* kept = nullptr;
+    if (cache) {
+        const auto found = std::ranges::find_if(cache->files, [&](const KeptFile& file) { return file.isAt(path); });
+        kept = found == cache->files.end() ? nullptr : &*found;
+    }
+    if (kept && kept->isCurrent())
+        return kept->value(group, key);
+
+    const QByteArray name = QFile::encodeName(path);
+    const posix::UniqueFd file = posix::openForReading(name);
+    // Taken before the file is read: one that changes meanwhile has another version afterwards.
+    const std::optional<posix::FileVersion> version = posix::fileVersion(file.get());
+    const bool isSettled = version && posix::isSettled(*version);
+    const std::optional<QByteArray> text = posix::readWhole(file.get(), kSettingsSizeLimit);
+    if (kept)
+        *kept = {};
+    if (!text)
+        return std::nullopt;
+    if (!cache || !isSettled || text->size() > kKeptSize)
+        return findEntry(*text, group, key);
+    if (!kept)
+        kept = &cache->files.at(cache->oldest++ % kKeptFiles);
+    *kept = KeptFile(path, name, *version, *text);
+    return kept->value(group, key);
+}
+
+} // namespace zyn
