@@ -31,9 +31,8 @@ struct Column
 };
 
 inline constexpr char kOurs[] = "ours";
-inline constexpr char kLimit[] = "limit";       ///< bare system calls
-inline constexpr char kByHand[] = "by hand";    ///< what somebody would write for this one job
-inline constexpr char kGathered[] = "gathered"; ///< bare system calls, one for as many messages as fit
+inline constexpr char kLimit[] = "limit";    ///< bare system calls
+inline constexpr char kByHand[] = "by hand"; ///< what somebody would write for this one job
 
 /// An operation, and what is compared: the first column is ours. The goal is a multiple of the column @p base.
 struct Row
@@ -53,10 +52,16 @@ std::vector<Row> serviceRows();
 std::vector<Row> startUpRows();
 /// @}
 
+/// Messages between objects of one process, of which only the cost is counted.
+std::vector<Row> sendingRows();
+
 /// Ends the process with a message when what a measurement rests on does not hold.
 void require(bool holds, const char* what);
 
 /// Lets the library's stores and settings be in @p directory, as in a process that starts there.
 void useStores(const QByteArray& directory);
+
+/// Keeps standard output for the results, and gives it: what the library writes there goes nowhere from now on.
+int keepOutput();
 
 } // namespace bench

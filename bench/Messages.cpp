@@ -1,15 +1,19 @@
 // A status message that has arrived: read, logged and told to its receivers, beside the same by hand.
 #include "bench/Bench.h"
 #include "bench/Lines.h"
+#include "platform/QCopChannel.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/message/PhoneMessages_p.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDataStream>
 #include <QtCore/QtEndian>
 
 namespace bench {
 namespace {
 
+constexpr char kChannel[] = "/ZYN/bench";
+constexpr char kName[] = "message";
 constexpr auto kType = PHONE_Msg::PHONE_MSG_SESSION_DATA_BYTES_S;
 
 /// The five fields as they are sent.
@@ -99,6 +103,33 @@ Prepare receiveWithQt(int receivers)
     };
 }
 
+/// Sends to listeners of this process that do not read.
+Prepare sendTo(int listeners)
+{
+    return [listeners](const QByteArray& directory) -> Job {
+        qputenv("ZYN_QCOP_PATH", directory);
+        const auto channels = std::make_shared<std::vector<std::unique_ptr<QCopChannel>>>();
+        for (int i = 0; i < listeners; ++i)
+            channels->push_back(std::make_unique<QCopChannel>(kChannel));
+        return {.run = [channels, data = payload()] { require(QCopChannel::send(kChannel, kName, data), "send()"); }};
+    };
+}
+
+/// Sends, and handles events until the listener has heard it.
+Job sendAndHear(const QByteArray& directory)
+{
+    qputenv("ZYN_QCOP_PATH", directory);
+    const auto channel = std::make_shared<QCopChannel>(kChannel);
+    const auto heard = std::make_shared<int>(0);
+    QObject::connect(channel.get(), &QCopChannel::received, channel.get(), [heard] { ++*heard; });
+    return {.run = [channel, heard, data = payload()] {
+        *heard = 0;
+        require(QCopChannel::send(kChannel, kName, data), "send()");
+        while (*heard == 0)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }};
+}
+
 Row statusMessage(const char* name, int receivers)
 {
     return {.name = name,
@@ -114,6 +145,15 @@ Row statusMessage(const char* name, int receivers)
 std::vector<Row> messageRows()
 {
     return {statusMessage("status message, 1 receiver", 1), statusMessage("status message, 36 receivers", 36)};
+}
+
+std::vector<Row> sendingRows()
+{
+    return {
+        {"send a message, 1 listener", 0, kLimit, {{kOurs, sendTo(1)}}},
+        {"send a message, 4 listeners", 0, kLimit, {{kOurs, sendTo(4)}}},
+        {"send and hear a message", 0, kLimit, {{kOurs, sendAndHear}}},
+    };
 }
 
 } // namespace bench

@@ -188,10 +188,10 @@ void useFavourite(const QByteArray& directory, int slots, int used)
         .setSettingInfo(u"TopPals-UI"_s, u"MaxItemsToLog"_s, slots);
     ActivityLog_ENG_RecordStore* const log = ActivityLog_ENG_RecordStore::instance();
     require(log->revampTopPalsAvlStorage({}, favourite()) == 1, "a new favourite");
-    const int fd = ::open(favouriteFile(directory).constData(), O_RDWR | O_CLOEXEC);
+    QByteArray image = zyn::ContactFile::blankImage(slots);
     for (int i = 0; i < used; ++i)
-        require(zyn::ContactFile::write(fd, i, entry(i)), "a favourite's entry");
-    ::close(fd);
+        zyn::ContactFile::put(image, i, entry(i));
+    writeBare(favouriteFile(directory), image.constData(), static_cast<size_t>(image.size()), 0);
     ActivityLog_ENG_RecordStore::destroy();
 }
 

@@ -2,9 +2,6 @@
 #include "bench/Bench.h"
 #include "bench/Report.h"
 #include "bench/Sampler.h"
-#include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
-#include "recentcall/utility/RecentCall_ENG_RecordStore.h"
-#include "recentcall/utility/RecentCall_Setup.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -17,29 +14,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace bench {
-
-void require(bool holds, const char* what)
-{
-    if (holds)
-        return;
-    std::fprintf(stderr, "bench: failed: %s\n", what);
-    std::_Exit(EXIT_FAILURE);
-}
-
-void useStores(const QByteArray& directory)
-{
-    qputenv("ZYN_LOCAL_APP_WRITE_PATH", directory);
-    qputenv("ZYN_APP_WRITE_PATH", directory);
-    RecentCall_ENG_RecordStore::destroy();
-    ActivityLog_ENG_RecordStore::destroy();
-    RecentCall_Setup::destroy();
-}
 
 namespace {
 
@@ -59,15 +38,6 @@ void write(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush(), "writing a file");
-}
-
-/// Keeps standard output for the results: what the library writes there goes nowhere.
-int keepOutput()
-{
-    const int output = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    require(output >= 0 && nowhere >= 0 && ::dup2(nowhere, STDOUT_FILENO) >= 0, "standard output");
-    return output;
 }
 
 void show(int output, const QString& text)

@@ -1,0 +1,89 @@
+// zyn-cost: does what is measured a fixed number of times, for programs that count instructions and system calls.
+#include "bench/Bench.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+
+#include <cstdio>
+#include <cstring>
+
+#if __has_include(<valgrind/callgrind.h>)
+#    include <valgrind/callgrind.h>
+#else
+#    define CALLGRIND_START_INSTRUMENTATION
+#    define CALLGRIND_ZERO_STATS
+#    define CALLGRIND_DUMP_STATS_AT(name) static_cast<void>(name)
+#    define CALLGRIND_STOP_INSTRUMENTATION
+#endif
+
+namespace bench {
+namespace {
+
+/// How often an operation is done that is counted; of those of a fresh process, once.
+constexpr int kTimes = 10;
+constexpr char kFresh[] = "first message of a process";
+
+/// The rows whose cost is bounded: all that is done within a process, but what takes long.
+std::vector<Row> costRows()
+{
+    std::vector<Row> rows;
+    for (const auto& some : {storeRows(), settingsRows(), messageRows(), sendingRows()}) {
+        for (const Row& row : some) {
+            const bool takesLong = row.name == "list of a favourite, M 32767";
+            const bool needsFile = row.name.ends_with("trace in a file");
+            if (!takesLong && !needsFile)
+                rows.push_back(row);
+        }
+    }
+    rows.push_back(sendingRows().front());
+    rows.back().name = kFresh;
+    return rows;
+}
+
+/// Does the operation of @p row @p times times, and has it counted under its name.
+void count(const Row& row, int times)
+{
+    const QTemporaryDir scratch;
+    const Job job = row.columns.front().prepare(scratch.path().toLocal8Bit());
+    if (row.name != kFresh) {
+        for (int i = 0; i < kTimes; ++i)
+            job.run();
+        if (job.renew)
+            job.renew();
+    }
+    std::fflush(stdout);
+    CALLGRIND_START_INSTRUMENTATION;
+    CALLGRIND_ZERO_STATS;
+    for (int i = 0; i < times; ++i)
+        job.run();
+    CALLGRIND_DUMP_STATS_AT(row.name.c_str());
+    CALLGRIND_STOP_INSTRUMENTATION;
+}
+
+int timesOf(const Row& row)
+{
+    return row.name == kFresh ? 1 : kTimes;
+}
+
+} // namespace
+} // namespace bench
+
+/// Without arguments, lists the rows and how often each is done; with a row's name, does that; with a row's name and
+/// "idle", makes all ready for it only.
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const std::vector<bench::Row> rows = bench::costRows();
+    if (argc < 2) {
+        for (const bench::Row& row : rows)
+            std::printf("%s|%d\n", row.name.c_str(), bench::timesOf(row));
+        return EXIT_SUCCESS;
+    }
+    bench::keepOutput();
+    for (const bench::Row& row : rows) {
+        if (row.name == argv[1])
+            bench::count(row, argc > 2 ? 0 : bench::timesOf(row));
+    }
+    return EXIT_SUCCESS;
+}
