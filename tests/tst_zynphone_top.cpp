@@ -52,6 +52,7 @@ private Q_SLOTS:
     void endsWhereNothingIsTaken();
     void endsWithItsTerminal();
     void writesPlainLinesOnce();
+    void usesColoursWhereTheyAreWelcome();
 
 private:
     std::optional<StoreFixture> m_store;
@@ -221,6 +222,19 @@ void ZynphoneTopTest::writesPlainLinesOnce()
     QVERIFY(!QFile::exists(m_store->path() + u"/phone"_s)); // it makes nothing
     QVERIFY(!QDirIterator(m_store->path(), QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories)
                  .hasNext());
+}
+
+void ZynphoneTopTest::usesColoursWhereTheyAreWelcome()
+{
+    for (const char* noColour : {"", "1"}) {
+        Terminal terminal(80, 24);
+        terminal.start(kTool, {u"doctor"_s}, {{u"NO_COLOR"_s, QLatin1String(noColour)}});
+        QCOMPARE(role::finish(terminal.process), 1);
+        const QByteArray report = terminal.take();
+        QVERIFY(report.contains("to mend"));
+        QCOMPARE(report.contains("\033[31mwrong"), *noColour == '\0');
+        QCOMPARE(report.contains('\033'), *noColour == '\0');
+    }
 }
 
 QTEST_GUILESS_MAIN(ZynphoneTopTest)
