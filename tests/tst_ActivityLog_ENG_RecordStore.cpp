@@ -1,9 +1,9 @@
 // The activity log of five favourites on disk.
 #include "support/ActivityLogFixture.h"
+#include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
 
 #include <limits>
-#include <map>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -28,15 +28,6 @@ QString favourites()
 {
     QStringList names(5);
     return log().getCurrentTopPalsFileNames(names.data()) ? names.join(u',') : QString();
-}
-
-/// The parts of a file of test data that begin with @p mark.
-QStringList parts(const QString& name, const QString& mark)
-{
-    QFile file(QFINDTESTDATA(u"data/"_s + name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no %s", qPrintable(name));
-    return QString::fromLatin1('\n' + file.readAll().chopped(1)).split(u'\n' + mark).mid(1);
 }
 
 /// The newest of @p v first, by a selection sort in its plainest form.
@@ -91,46 +82,6 @@ private Q_SLOTS:
         QVERIFY(QDir().rmdir(u"/tmp/phone"_s));
     }
 
-    void knowsUsedSlotsOfAFileOfAnyLength_data()
-    {
-        QTest::addColumn<int>("length"); // of a file whose slots 0, 1, 3 and 4 of 5 are in use
-        QTest::addColumn<int>("slots");
-        QTest::addColumn<QList<int>>("added"); // in one process, which reads nothing
-        QTest::addColumn<int>("grown");        // in the same process, when the number of slots has grown
-        QTest::newRow("as many slots as ever") << 1508 << 5 << QList{2, -1} << 5;
-        QTest::newRow("more slots than before") << 1508 << 7 << QList{2, 5, 6, -1} << 7;
-        QTest::newRow("fewer slots, one of them free") << 1508 << 4 << QList{2, -1} << 5;
-        QTest::newRow("fewer slots, all in use") << 1508 << 2 << QList{-1} << 2;
-        QTest::newRow("no slots") << 1508 << 0 << QList{-1} << 2;
-        QTest::newRow("the most slots") << 1508 << 32'767 << QList{2, 5, 6} << 7;
-        QTest::newRow("a byte short of its last slot") << 1507 << 5 << QList{2, 4, -1} << 5;
-        QTest::newRow("a byte longer") << 1509 << 5 << QList{2, -1} << 5;
-        QTest::newRow("the in-use byte of a slot at its end") << 8 + 300 + 65 << 3 << QList{1, 2, -1} << 3;
-        QTest::newRow("one slot") << 308 << 3 << QList{1, 2, -1} << 3;
-        QTest::newRow("a header alone") << 8 << 2 << QList{0, 1, -1} << 2;
-        QTest::newRow("longer than any") << 9'830'108 + 301 << 6 << QList{2, 5, -1} << 6;
-    }
-
-    void knowsUsedSlotsOfAFileOfAnyLength()
-    {
-        QFETCH(int, length);
-        QFETCH(int, slots);
-        QFETCH(QList<int>, added);
-        m_fixture->setSlots(u"5"_s);
-        revamp({}, u"1"_s);
-        for (int slot = 0; slot < 5; ++slot)
-            add(u"1"_s, slot);
-        PHONE_ENG_ActivityLog record = entry(u"1"_s, 0, 2);
-        log().removeTopPalsAvlItem(record);
-        m_fixture->write(u"1"_s, m_fixture->read(u"1"_s).leftJustified(length, '\0', true));
-        m_fixture->setSlots(QString::number(slots));
-        ActivityLog_ENG_RecordStore::destroy();
-        for (const int slot : added)
-            QCOMPARE(add(u"1"_s, 9), slot);
-        m_fixture->setSlots(u"32767"_s);
-        QTEST(add(u"1"_s, 9), "grown");
-    }
-
     void ordersAsASelectionSortDoes()
     {
         std::mt19937 random(5); // NOLINT: the same on every run
@@ -175,27 +126,6 @@ private Q_SLOTS:
         }
     }
 
-    void replacesDamagedFiles()
-    {
-        revamp({}, u"1"_s);
-        const QByteArray details = m_fixture->read(kDetails);
-        for (const QByteArray& damaged : {details.chopped(1), details + '\0', '\xD1' + details.sliced(1)}) {
-            m_fixture->write(kDetails, damaged);
-            ActivityLog_ENG_RecordStore::destroy();
-            QCOMPARE(revamp({}, u"1"_s), 0); // its file stays
-            QCOMPARE(m_fixture->read(kDetails), kHeader + kFreePlace.repeated(5));
-        }
-        m_fixture->write(u"1"_s, QByteArray(9000, '\x01'));
-        QCOMPARE(revamp({}, u"1"_s), 1);
-        QCOMPARE(m_fixture->read(u"1"_s), kHeader + blankSlot().repeated(15));
-        QCOMPARE(m_fixture->files(), u"1 topPalsDetails"_s);
-        // A number without an end, and a place with another's number.
-        m_fixture->write(kDetails, kHeader + place(0, QByteArray(20, '1')) + place(127, "2") + kFreePlace.repeated(3));
-        ActivityLog_ENG_RecordStore::destroy();
-        QCOMPARE(favourites(), u"11111111111111111,2,,,"_s);
-        QCOMPARE(log().getValidIndexForTopPalFiles(), 2);
-    }
-
     void namesNoFileOfAnotherKind()
     {
         StoreFixture::store(); // makes the call log's files
@@ -223,27 +153,25 @@ private Q_SLOTS:
         QCOMPARE(favourites(), u"1,11111111111111111,,,"_s);
     }
 
-    void livesThroughChanges()
-    {
-        for (const QString& line : parts(u"activity_log_life.txt"_s, {})) {
-            const QString command = line.section(u" -> "_s, 0, 0);
-            if (!line.startsWith(u'#'))
-                QCOMPARE(command + u" -> "_s + run(command), line);
-        }
-    }
+    void livesThroughChanges_data() { scenario::addRows(QFINDTESTDATA("data/activity_log_life.txt")); }
+    void livesThroughChanges() { scenario::play(verbs()); }
 
     void printsWhatItDoes()
     {
         RecentCall_Setup::instance();
         m_fixture->setSlots(u"2"_s);
-        for (const QString& exchange : parts(u"activity_log.txt"_s, u"$ "_s)) {
+        const scenario::Verbs verbs = this->verbs();
+        QFile file(QFINDTESTDATA("data/activity_log.txt"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        for (const QString& exchange : QString::fromLatin1('\n' + file.readAll().chopped(1)).split(u"\n$ "_s).mid(1)) {
             const QString command = exchange.section(u'\n', 0, 0);
+            QStringList words = command.split(u' ');
+            words.removeOne(u"quietly"_s);
             StdoutCapture output;
-            run(QString(command).remove(u"quietly "_s));
+            verbs.at(words[0])(words.mid(1));
             const QByteArray printed = output.take().replace(qgetenv("ZYN_LOCAL_APP_WRITE_PATH") + "/phone", "@");
-            const QByteArrayList lines = (command.toLatin1() + '\n' + printed).chopped(1).split('\n');
             if (!command.startsWith(u"quietly"_s))
-                QCOMPARE(lines, exchange.toLatin1().split('\n'));
+                QCOMPARE((command.toLatin1() + '\n' + printed).chopped(1).split('\n'), exchange.toLatin1().split('\n'));
         }
     }
 
@@ -271,49 +199,84 @@ private Q_SLOTS:
     }
 
 private:
-    QString run(const QString& line);
+    scenario::Verbs verbs();
+    /// The slots that are given to entries of a file of @p length bytes whose slots 0, 1, 3 and 4 of 5 are in use: of
+    /// so many slots, in one process, which reads nothing, and when the number of slots has grown.
+    QString used(int length, const QString& slots);
 };
 
-/// Does what @p line says, within a limited file size if it ends so, and gives the result.
-QString tst_ActivityLog_ENG_RecordStore::run(const QString& line)
+QString tst_ActivityLog_ENG_RecordStore::used(int length, const QString& slots)
 {
-    const QStringList words = line.split(u' ');
-    const auto numberAt = [&](int i) { return words.value(i) == u'-' ? QString() : words.value(i); };
-    PHONE_ENG_ActivityLog record = entry(numberAt(1), 0, words.value(2).toInt());
-    record.topPalsAvlIndex = words.value(3).toInt();
-    const std::map<QString, std::function<QVariant()>> verbs = {
-        {u"start"_s, [] { return ActivityLog_ENG_RecordStore::destroy(), log(), 0; }},
-        {u"directory"_s, [&] { return qputenv("ZYN_LOCAL_APP_WRITE_PATH", words[1].toLatin1()); }},
-        {u"slots"_s, [&] { return m_fixture->setSlots(words[1]), 1; }},
-        {u"sweep"_s, [&] { return QDir(m_fixture->file(QString())).removeRecursively(), 0; }},
-        {u"mkdir"_s, [&] { return int{QDir().mkdir(m_fixture->file(words[1]))}; }},
-        {u"junk"_s, [&] { return m_fixture->write(words[1], QByteArray(700, '\x01')), 0; }},
-        {u"patch"_s,
-         [&] {
-             const QByteArray bytes = QByteArray::fromHex(words[3].toLatin1());
-             return m_fixture->write(words[1],
-                                     m_fixture->read(words[1]).replace(words[2].toInt(), bytes.size(), bytes)),
-                    0;
-         }},
-        {u"file"_s, [&] { return m_fixture->write(words[2], kHeader + bytes(record)), 0; }},
-        {u"files"_s, [&] { return m_fixture->files(); }},
-        {u"size"_s, [&] { return m_fixture->read(words[1]).size(); }},
-        {u"favourites"_s, [] { return favourites(); }},
-        {u"place"_s, [&] { return int{log().getTopPalFileItem(numberAt(1))}; }},
-        {u"check"_s, [&] { return int{log().checkTopPalsFile(m_fixture->file(words[1]))}; }},
-        {u"revamp"_s, [&] { return revamp(numberAt(1), numberAt(2)); }},
-        {u"add"_s, [&] { return add(numberAt(1), words.value(2).toInt()); }},
-        {u"read"_s, [&] { return read(numberAt(1)); }},
-        {u"available"_s, [&] { return log().getAvailableTopPalsAvlPos(numberAt(1)); }},
-        {u"modify"_s, [&] { return log().modifyTopPalsAvlItem(record); }},
-        {u"remove"_s, [&] { return log().removeTopPalsAvlItem(record); }},
-        {u"mark"_s, [&] { return log().setTopPalsAvlFlag(numberAt(1), record.topPalsAvlPos); }},
-        {u"unmark"_s, [&] { return log().clearTopPalsAvlFlag(numberAt(1), record.topPalsAvlPos); }},
+    m_fixture->setSlots(u"5"_s);
+    revamp({}, u"1"_s);
+    for (int slot = 0; slot < 5; ++slot)
+        add(u"1"_s, slot);
+    PHONE_ENG_ActivityLog record = entry(u"1"_s, 0, 2);
+    log().removeTopPalsAvlItem(record);
+    m_fixture->write(u"1"_s, m_fixture->read(u"1"_s).leftJustified(length, '\0', true));
+    m_fixture->setSlots(slots);
+    ActivityLog_ENG_RecordStore::destroy();
+    QStringList added;
+    while (added.size() < 5 && added.value(added.size() - 1) != u"-1")
+        added += QString::number(add(u"1"_s, 9));
+    m_fixture->setSlots(u"32767"_s);
+    return added.join(u' ') + u", "_s + QString::number(add(u"1"_s, 9));
+}
+
+/// The words of the scenarios; "-" is the number of a free place.
+scenario::Verbs tst_ActivityLog_ENG_RecordStore::verbs()
+{
+    using Words = const QStringList&;
+    const auto number = [](Words w, int at = 0) { return w.value(at) == u"-" ? QString() : w.value(at); };
+    const auto withRecord = [=](auto act) {
+        return [=](Words w) {
+            PHONE_ENG_ActivityLog record = entry(number(w), 0, w.value(1).toInt());
+            record.topPalsAvlIndex = w.value(2).toInt();
+            return act(record);
+        };
     };
-    std::optional<ScopedFileSizeLimit> limit;
-    if (line.contains(u" within "_s))
-        limit.emplace(words.last().toUInt());
-    return verbs.at(words[0])().toString();
+    // Within a limited file size, if the words end so.
+    const auto limited = [](auto act) {
+        return [act](Words w) {
+            std::optional<ScopedFileSizeLimit> limit;
+            if (w.contains(u"within"_s))
+                limit.emplace(w.last().toUInt());
+            return act(w);
+        };
+    };
+    return {
+        {u"start"_s, limited([](Words) { ActivityLog_ENG_RecordStore::destroy(), log(); })},
+        {u"directory"_s, [](Words w) { return qputenv("ZYN_LOCAL_APP_WRITE_PATH", w[0].toLatin1()); }},
+        {u"slots"_s, [this](Words w) { m_fixture->setSlots(w[0]); }},
+        {u"mkdir"_s, [this](Words w) { return QDir().mkdir(m_fixture->file(w[0])); }},
+        {u"sweep"_s, [this] { return QDir(m_fixture->file(QString())).removeRecursively(); }},
+        {u"junk"_s, [this](Words w) { m_fixture->write(w[0], QByteArray(700, '\x01')); }},
+        {u"cut"_s,
+         [this](Words w) { m_fixture->write(w[0], m_fixture->read(w[0]).leftJustified(w[1].toInt(), '\0', true)); }},
+        {u"patch"_s, [this](Words w) { m_fixture->patch(w[0], w[1].toInt(), QByteArray::fromHex(w[2].toLatin1())); }},
+        {u"file"_s,
+         [this](Words w) {
+             PHONE_ENG_ActivityLog record = entry(w[0]);
+             record.topPalsAvlIndex = w[2].toInt();
+             m_fixture->write(w[1], kHeader + bytes(record));
+         }},
+        {u"files"_s, [this] { return m_fixture->files(); }},
+        {u"size"_s, [this](Words w) { return m_fixture->read(w[0]).size(); }},
+        {u"is-fresh"_s, [this](Words w) { return m_fixture->read(w[0]) == kHeader + blankSlot().repeated(15); }},
+        {u"favourites"_s, [] { return favourites(); }},
+        {u"places"_s, [] { return log().getValidIndexForTopPalFiles(); }},
+        {u"place"_s, [=](Words w) { return int{log().getTopPalFileItem(number(w))}; }},
+        {u"check"_s, [this](Words w) { return int{log().checkTopPalsFile(m_fixture->file(w[0]))}; }},
+        {u"revamp"_s, limited([=](Words w) { return revamp(number(w), number(w, 1)); })},
+        {u"add"_s, limited([=](Words w) { return add(number(w), w.value(1).toInt()); })},
+        {u"read"_s, [=](Words w) { return read(number(w)); }},
+        {u"available"_s, [=](Words w) { return log().getAvailableTopPalsAvlPos(number(w)); }},
+        {u"modify"_s, withRecord([](auto& record) { return log().modifyTopPalsAvlItem(record); })},
+        {u"remove"_s, withRecord([](auto& record) { return log().removeTopPalsAvlItem(record); })},
+        {u"mark"_s, [=](Words w) { return log().setTopPalsAvlFlag(number(w), w[1].toInt()) ? 1 : 0; }},
+        {u"unmark"_s, [=](Words w) { return log().clearTopPalsAvlFlag(number(w), w[1].toInt()) ? 1 : 0; }},
+        {u"used"_s, [this](Words w) { return used(w[0].toInt(), w[1]); }},
+    };
 }
 
 QTEST_GUILESS_MAIN(tst_ActivityLog_ENG_RecordStore)

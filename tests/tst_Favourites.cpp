@@ -320,8 +320,7 @@ scenario::Verbs tst_Favourites::verbs()
         {u"seen"_s, [this] { return (QFile(path(u"topPalsCalls"_s)).size() - 8) / 8; }},
         {u"poke"_s,
          [this](const Words& words) {
-             const QByteArray bytes = QByteArray::fromHex(words.at(2).toLatin1());
-             m_store->write(words.at(0), m_store->read(words.at(0)).replace(words.at(1).toInt(), bytes.size(), bytes));
+             m_store->patch(words[0], words[1].toInt(), QByteArray::fromHex(words[2].toLatin1()));
          }},
         {u"copy"_s, [this](const Words& words) { return QFile::copy(path(words.at(0)), path(words.at(1))); }},
         {u"equal"_s, [this](const Words& words) { return m_store->read(words.at(0)) == m_store->read(words.at(1)); }},

@@ -62,6 +62,11 @@ public:
             qFatal("cannot write %s", qPrintable(target.fileName()));
     }
     /// @}
+    /// Puts bytes in the place of others in a file.
+    void patch(const QString& name, qsizetype position, const QByteArray& bytes) const
+    {
+        write(name, read(name).replace(position, bytes.size(), bytes));
+    }
     PHONE_ENG_RecentCall recordIn(RC_CALL_CATEGORY_T category, int slot) const
     {
         return zyn::RecordFile::at(read(category), slot);
