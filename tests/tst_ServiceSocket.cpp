@@ -35,16 +35,13 @@ class tst_ServiceSocket : public QObject
 
 private Q_SLOTS:
     void cleanup();
-    void isMadeAgain_data();
-    void isMadeAgain();
-    void isLeftWhenItIsAnothers_data();
-    void isLeftWhenItIsAnothers();
+    void isMadeAgainUnlessItIsAnothers_data();
+    void isMadeAgainUnlessItIsAnothers();
 
 private:
-    static void addServices();
-    void start();
     QString lock() const { return m_socket + u".lock"_s; }
     QString directory() const { return QFileInfo(m_socket).path(); }
+    QString away() const { return directory() + u".away"_s; }
     bool isServed() const { return zyn::posix::isServed(QFile::encodeName(m_socket)); }
     /// Whether a process other than this one holds the lock under its name.
     bool isLocked() const
@@ -52,99 +49,75 @@ private:
         zyn::posix::FileLock attempt;
         return !attempt.lock(QFile::encodeName(lock())) && errno == EWOULDBLOCK;
     }
+    bool remove(const QString& what) const;
 
     StoreFixture m_store;
     QString m_socket;
     std::optional<ServiceProcess> m_service;
 };
 
-void tst_ServiceSocket::addServices()
-{
-    QTest::addColumn<QString>("program");
-    QTest::addColumn<QString>("socket");
-}
-
-void tst_ServiceSocket::start()
-{
-    QFETCH(const QString, program);
-    QFETCH(const QString, socket);
-    m_socket = socket;
-    m_service.emplace();
-    QVERIFY(m_service->start(program.toLatin1().constData()));
-}
-
 void tst_ServiceSocket::cleanup()
 {
     m_service->stop();
     m_service.reset();
     QDir(directory()).removeRecursively();
+    QDir(away()).removeRecursively();
 }
 
-void tst_ServiceSocket::isMadeAgain_data()
+bool tst_ServiceSocket::remove(const QString& what) const
 {
-    addServices();
+    if (what == u"directory moved away"_s)
+        return QDir().rename(directory(), away());
+    if (what.startsWith(u"directory"))
+        return QDir(directory()).removeRecursively() && (!what.endsWith(u"anew") || QDir().mkdir(directory()));
+    return (!what.startsWith(u"socket") || QFile::remove(m_socket))
+           && (!what.contains(u"lock") || QFile::remove(lock()));
+}
+
+void tst_ServiceSocket::isMadeAgainUnlessItIsAnothers_data()
+{
+    QTest::addColumn<const Service*>("service");
     QTest::addColumn<QString>("removed");
     for (const Service& service : kServices) {
-        for (const char* removed : {"socket", "lock", "socket and lock", "directory", "directory moved away",
-                                    "directory, and made anew", "socket, for another file"}) {
-            QTest::addRow("%s: %s", service.name, removed)
-                << QString::fromUtf8(service.program) << QString::fromLatin1(service.socket)
-                << QString::fromLatin1(removed);
-        }
+        for (const char* removed :
+             {"socket", "lock", "socket and lock", "directory", "directory moved away", "directory, and made anew",
+              "socket, for another file", "socket and lock, for another service"})
+            QTest::addRow("%s: %s", service.name, removed) << &service << QString::fromLatin1(removed);
     }
 }
 
-void tst_ServiceSocket::isMadeAgain()
+void tst_ServiceSocket::isMadeAgainUnlessItIsAnothers()
 {
-    QFETCH(const QString, removed);
-    start();
-    const QString away = directory() + u".away"_s;
+    QFETCH(const Service*, service);
+    QFETCH(QString, removed);
+    m_socket = QString::fromLatin1(service->socket);
+    m_service.emplace();
+    QVERIFY(m_service->start(service->program));
+
     m_service->tell(SIGSTOP); // else it makes again what is still being removed
-    if (removed == u"directory moved away") {
-        QVERIFY(QDir().rename(directory(), away));
-    } else if (removed.startsWith(u"directory")) {
-        QVERIFY(QDir(directory()).removeRecursively());
-        QVERIFY(!removed.endsWith(u"anew") || QDir().mkdir(directory()));
-    }
-    if (removed.startsWith(u"socket"))
-        QVERIFY(QFile::remove(m_socket));
-    if (removed.endsWith(u"lock"))
-        QVERIFY(QFile::remove(lock()));
-    if (removed.endsWith(u"file")) { // that of a killed service, as a backup would bring it back
-        const auto dead = zyn::posix::listenUnix(QFile::encodeName(m_socket), 0600);
-        QVERIFY(dead.isValid());
-    }
+    QVERIFY(remove(removed));
+    zyn::posix::FileLock held;
+    QVERIFY(!removed.endsWith(u"service") || held.lock(QFile::encodeName(lock())));
+    zyn::posix::UniqueFd other; // that of a killed service, as a backup would bring it back, or of a living one
+    if (removed.contains(u"another"))
+        other = zyn::posix::listenUnix(QFile::encodeName(m_socket), 0600);
+    if (removed.endsWith(u"file"))
+        other.reset();
     m_service->tell(SIGCONT);
+
+    if (removed.endsWith(u"service")) {
+        QVERIFY(m_service->waitLogged("cannot be made again now: another service has it\n"));
+        QCOMPARE(m_service->stop(), 0);
+        QVERIFY(held.isInPlace() && isServed());
+        return;
+    }
     QTRY_VERIFY(isServed() && isLocked());
-    if (removed == u"directory") // open to all, whatever the umask
+    if (removed == u"directory"_s) // open to all, whatever the umask
         QCOMPARE(int(QFileInfo(directory()).permissions() & 0x77), 0x77);
     // It is whose it was, and goes with its owner.
     const QByteArray made = ": " + m_socket.toLatin1() + " or its lock was removed: made again\n";
     QVERIFY(m_service->log().contains(made));
     QVERIFY(!QFile::exists(m_socket) && !QFile::exists(lock()));
-    QDir(away).removeRecursively();
-}
-
-void tst_ServiceSocket::isLeftWhenItIsAnothers_data()
-{
-    addServices();
-    for (const Service& service : kServices)
-        QTest::newRow(service.name) << QString::fromUtf8(service.program) << QString::fromLatin1(service.socket);
-}
-
-void tst_ServiceSocket::isLeftWhenItIsAnothers()
-{
-    start();
-    m_service->tell(SIGSTOP);
-    QVERIFY(QFile::remove(m_socket) && QFile::remove(lock()));
-    zyn::posix::FileLock held;
-    QVERIFY(held.lock(QFile::encodeName(lock())));
-    const auto listener = zyn::posix::listenUnix(QFile::encodeName(m_socket), 0600);
-    QVERIFY(listener.isValid());
-    m_service->tell(SIGCONT);
-    QVERIFY(m_service->waitLogged("cannot be made again now: another service has it\n"));
-    QCOMPARE(m_service->stop(), 0);
-    QVERIFY(held.isInPlace() && isServed());
 }
 
 QTEST_GUILESS_MAIN(tst_ServiceSocket)
