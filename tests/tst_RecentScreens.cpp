@@ -145,7 +145,6 @@ private Q_SLOTS:
 /// The words of the scenarios.
 scenario::Verbs tst_RecentScreens::verbs()
 {
-    const auto file = [this](const Words& words) { return m_files->file(words.value(0)); };
     return {
         {u"start-service"_s, [this] { return m_service.start(ZYN_RECENTCALLD); }},
         {u"stop-service"_s, [this] { return m_service.stop(); }},
@@ -183,17 +182,7 @@ scenario::Verbs tst_RecentScreens::verbs()
         {u"end-follow"_s, [this] { return m_follower->end(SIGTERM); }},
         {u"zynphone"_s, [](const Words& words) { return tool::run(words).replace(u'\n', u'|'); }},
         // The files, and what happens to them.
-        {u"copy"_s, [this](const Words& words) { m_files->write(words.at(1), m_files->read(words.at(0))); }},
-        {u"write"_s, [this](const Words& words) { m_files->write(words.at(0), words.at(1).toUtf8()); }},
-        {u"renumber"_s,
-         [this](const Words& words) {
-             const RC_CALL_CATEGORY_T list = listOf(words.at(0));
-             m_files->write(list, m_files->read(list).replace(words.at(1).toLatin1(), words.at(2).toLatin1()));
-         }},
-        {u"rename"_s, [=](const Words& words) { return QFile::rename(file(words), file(words.mid(1))); }},
-        {u"remove"_s, [=](const Words& words) { return QFile::remove(file(words)); }},
-        {u"mkdir"_s, [=](const Words& words) { return QDir().mkpath(file(words)); }},
-        {u"rmdir"_s, [=](const Words& words) { return QDir(file(words)).removeRecursively(); }},
+        {u"sh"_s, [this](const Words& words) { return scenario::shell(m_files->path(), words); }},
         {u"limit-descriptors"_s, [this] { limitDescriptors(m_idle->processId(), true); }},
         {u"unlimit-descriptors"_s, [this] { limitDescriptors(m_idle->processId(), false); }},
     };
