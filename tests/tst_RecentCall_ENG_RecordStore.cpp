@@ -6,7 +6,6 @@
 #include <array>
 
 #include <sys/socket.h>
-#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +14,6 @@ namespace {
 constexpr RC_CALL_CATEGORY_T kAnswered = RC_CALL_CATEGORY_ANSWERED;
 constexpr RC_CALL_CATEGORY_T kMissed = RC_CALL_CATEGORY_MISSED;
 constexpr RC_CALL_CATEGORY_T kDialed = RC_CALL_CATEGORY_DIALED;
-constexpr char kCannotOpen[] = "PHONE_ENG_RecentCallManager::saveCallList. cannot open file ";
 
 RC_CALL_CATEGORY_T listOf(const QStringList& words)
 {
@@ -48,64 +46,6 @@ private Q_SLOTS:
         m_fixture->forgetSingletons();
     }
     void cleanup() { end(); }
-
-    void findsItsDirectory()
-    {
-        const auto start = [](const QString& phone, const QByteArray& value) {
-            StoreFixture::forgetSingletons();
-            QDir(phone).removeRecursively();
-            qputenv("ZYN_LOCAL_APP_WRITE_PATH", value);
-            store();
-            return QDir(phone).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).join(u' ');
-        };
-        QCOMPARE(start(m_fixture->file(u""_s), " \t" + m_fixture->path().toUtf8() + "\n "), u"rc_a rc_d rc_m"_s);
-        for (const auto category : zyn::kRecordLists)
-            QCOMPARE(m_fixture->read(category), freshList());
-        for (const char* value : {"", "  "})
-            QCOMPARE(start(u"/tmp/phone"_s, value), u"rc_a rc_d rc_m"_s);
-        QDir(u"/tmp/phone"_s).removeRecursively();
-    }
-
-    void replacesInvalidFiles()
-    {
-        const QByteArray valid = freshList().replace(8 + 64, 1, "\1");
-        const auto with = [&](int offset, const char* hex) {
-            return QByteArray(valid).replace(offset, 4, QByteArray::fromHex(hex));
-        };
-        // Too short, too long, a version with 5 in its high byte alone, and a magic reversed.
-        for (const QByteArray& bytes :
-             {valid, valid.chopped(1), valid + '\0', with(4, "00000005"), with(0, "a0b0c0d0")}) {
-            m_fixture->write(kMissed, bytes);
-            m_fixture->forgetSingletons();
-            store();
-            QCOMPARE(m_fixture->read(kMissed), bytes == valid ? valid : freshList());
-            QCOMPARE(m_fixture->files(), u"rc_a rc_d rc_m"_s);
-        }
-    }
-
-    void leavesWhatItCannotReplace()
-    {
-        // A directory and a FIFO in the place of a file; the FIFO must not keep anybody waiting.
-        const QByteArray missed = QFile::encodeName(m_fixture->file(kMissed));
-        QVERIFY(QFile::remove(m_fixture->file(kMissed)) && QDir().mkdir(m_fixture->file(kMissed)));
-        QVERIFY(QFile::remove(m_fixture->file(kDialed)));
-        QCOMPARE(::mkfifo(QFile::encodeName(m_fixture->file(kDialed)).constData(), 0600), 0);
-        m_fixture->forgetSingletons();
-        QVERIFY(m_fixture->add(kAnswered, "1").uid >= 0);
-        QCOMPARE(m_fixture->add(kMissed, "2").uid, -1);
-        StdoutCapture output;
-        const QList<int> uids = m_fixture->uids(kMissed);
-        QCOMPARE(output.take(), missed + kCannotOpen + missed);
-        QVERIFY(uids.isEmpty() && QFileInfo(m_fixture->file(kMissed)).isDir());
-
-        // A file where the store directory would be.
-        const QString file = m_fixture->path() + u"/a/phone"_s;
-        QVERIFY(QDir(m_fixture->path()).mkdir(u"a"_s) && QFile(file).open(QIODevice::WriteOnly));
-        qputenv("ZYN_LOCAL_APP_WRITE_PATH", m_fixture->path().toUtf8() + "/a");
-        m_fixture->forgetSingletons();
-        QCOMPARE(m_fixture->add(kAnswered, "3").uid, -1);
-        QVERIFY(QFileInfo(file).isFile() && QFileInfo(file).size() == 0);
-    }
 
     void losesNoCallWhenProcessesStartTogether()
     {
@@ -167,40 +107,54 @@ private Q_SLOTS:
     void keepsCalls()
     {
         using Words = const QStringList&;
-        const auto record = [](Words words) {
-            PHONE_ENG_RecentCall call = StoreFixture::call(listOf(words), "1");
-            call.slot = words.value(1).toInt();
-            call.uid = words.value(2).toInt();
+        const auto record = [](Words w) {
+            PHONE_ENG_RecentCall call = StoreFixture::call(listOf(w), "1");
+            call.slot = w.value(1).toInt();
+            call.uid = w.value(2).toInt();
             return call;
         };
-        const auto add = [&](Words words) {
-            PHONE_ENG_RecentCall call = record(words);
+        const auto add = [&](Words w) {
+            PHONE_ENG_RecentCall call = record(w);
             return (store().addItem(call) ? u"%1:%2"_s : u"refused %1:%2"_s).arg(call.slot).arg(call.uid);
         };
-        const auto uids = [](Words words) {
+        const auto uids = [](Words w) {
             QStringList texts;
-            for (const int uid : StoreFixture::uids(listOf(words)))
+            for (const int uid : StoreFixture::uids(listOf(w)))
                 texts += QString::number(uid);
             return texts.join(u' ');
         };
-        const auto put = [&](Words words) {
-            const PHONE_ENG_RecentCall call = record({words[0], words[2], words[3]});
-            const QByteArray bytes = zyn::bytesOf(call).toByteArray();
-            m_fixture->write(kMissed, m_fixture->read(kMissed).replace(8 + 228 * words[1].toInt(), 228, bytes));
+        const auto put = [&](Words w) {
+            const PHONE_ENG_RecentCall call = record({w[0], w[2], w[3]});
+            m_fixture->patch(u"rc_m"_s, 8 + 228 * w[1].toInt(), zyn::bytesOf(call).toByteArray());
         };
-        scenario::play({
+        scenario::Verbs verbs = {
             {u"limits"_s, [](Words n) { StoreFixture::setLimits(n[0].toInt(), n[1].toInt(), n[2].toInt()); }},
             {u"restart"_s, &StoreFixture::forgetSingletons},
-            {u"lose"_s, [&](Words words) { return QFile::remove(m_fixture->file(listOf(words))); }},
+            {u"start"_s, [] { StoreFixture::forgetSingletons(), store(); }},
+            {u"directory"_s, [&](Words w) { setDirectory(w[0]); }},
+            {u"sh"_s, [&](Words w) { return scenario::shell(m_fixture->path() + u"/phone"_s, w); }},
             {u"put"_s, put},
+            {u"patch"_s, [&](Words w) { m_fixture->patch(w[0], w[1].toInt(), QByteArray::fromHex(w[2].toLatin1())); }},
+            {u"is-fresh"_s, [&](Words w) { return m_fixture->read(w[0]) == freshList(); }},
             {u"add"_s, add},
-            {u"modify"_s, [&](Words words) { return store().modifyItem(record(words)); }},
-            {u"remove"_s, [&](Words words) { return store().removeItem(record(words)); }},
-            {u"empty"_s, [&](Words words) { return store().removeItems(listOf(words)); }},
+            {u"modify"_s, [&](Words w) { return store().modifyItem(record(w)); }},
+            {u"remove"_s, [&](Words w) { return store().removeItem(record(w)); }},
+            {u"empty"_s, [&](Words w) { return store().removeItems(listOf(w)); }},
             {u"clear"_s, [] { store().clearAllData(); }},
             {u"uids"_s, uids},
-            {u"file"_s, [&](Words words) { return shown(m_fixture->read(listOf(words))); }},
+            {u"file"_s, [&](Words w) { return shown(m_fixture->read(listOf(w))); }},
+        };
+        const auto act = [verbs](Words w) { return verbs.at(w[0])(w.mid(1)); };
+        verbs.emplace(u"says"_s, [=, this](Words w) {
+            StdoutCapture output;
+            act(w);
+            return QString::fromUtf8(output.take()).replace(m_fixture->path() + u"/phone"_s, u"@"_s);
         });
+        verbs.emplace(u"within"_s, [=](Words w) {
+            const ScopedFileSizeLimit limit(w[0].toUInt());
+            return act(w.mid(1));
+        });
+        scenario::play(verbs);
     }
 
     void listsTheNewestFirst()
@@ -250,60 +204,13 @@ private Q_SLOTS:
         QCOMPARE(zyn::bytesOf(*list.getFirst()).toByteArray(), call.first(65) + freshList().sliced(8 + 65, 228 - 65));
     }
 
-    void printsWhatItDoes()
-    {
-        const QByteArray phone = m_fixture->path().toUtf8() + "/phone";
-        const QByteArray a = phone + "/rc_a";
-        const QByteArray m = phone + "/rc_m";
-        const QByteArray d = phone + "/rc_d";
-        const QByteArray e = phone + "/rc_e";
-        m_fixture->setLimits(50, 50, 50);
-        RecentCall_Setup::instance();
-        StdoutCapture output;
-        PHONE_ENG_RecentCall record = m_fixture->call(kMissed, "1");
-        store().addItem(record);
-        store().removeItem(record);
-        record.slot = 99;
-        store().removeItem(record);
-        store().modifyItem(record);
-        store().removeItems(kAnswered);
-        m_fixture->uids(RC_CALL_CATEGORY_ALL);
-        store().clearAllData();
-        QCOMPARE(output.take(), a + m + d + m + m + "deleting item:to remove tiem:index0 pos:0" + m
-                                    + "deleting item:to remove tiem:index0 pos:99" + a + e + kCannotOpen + e + a + m
-                                    + d);
-
-        // The settings are read for a valid list only.
-        const auto printedFor = [&](qsizetype length) {
-            m_fixture->write(kMissed, freshList().first(length));
-            RecentCall_Setup::destroy();
-            StdoutCapture reading;
-            m_fixture->uids(kMissed);
-            return reading.take();
-        };
-        QCOMPARE(printedFor(4), m);
-        QCOMPARE(printedFor(11'408), m + "RC settings: 50, 50,50,5,3");
-    }
-
-    void failsCleanlyOnAFullDisk()
-    {
-        for (int i = 0; i < 3; ++i)
-            m_fixture->add(kAnswered, "1");
-        const QByteArray before = m_fixture->read(kAnswered);
-        QFile::remove(m_fixture->file(kMissed));
-        RecentCall_ENG_RecordStore::destroy();
-        {
-            const ScopedFileSizeLimit limit(600); // inside slot 2
-            QCOMPARE(m_fixture->uids(kAnswered), (QList{2, 1, 0}));
-            QCOMPARE(m_fixture->add(kAnswered, "2").uid, -1);
-            QVERIFY(store().modifyItem(m_fixture->recordIn(kAnswered, 1)));
-        }
-        QCOMPARE(m_fixture->read(kAnswered), before);
-        QCOMPARE(m_fixture->files(), u"rc_a rc_d"_s);
-        QCOMPARE(m_fixture->add(kAnswered, "3").slot, 3); // the slot that could not be written is free still
-    }
-
 private:
+    /// Sets the place of the store, "@" for the test's folder.
+    void setDirectory(QString text) const
+    {
+        qputenv("ZYN_LOCAL_APP_WRITE_PATH", scenario::bytes(text.replace(u'@', m_fixture->path())));
+        StoreFixture::forgetSingletons();
+    }
     static RecentCall_ENG_RecordStore& store() { return StoreFixture::store(); }
 };
 
