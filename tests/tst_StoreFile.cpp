@@ -1,21 +1,27 @@
 // Files that are created or replaced whole: on a full disk, short of descriptors, behind links, among other users.
 #include "handset/favourites/ActivityLog.h"
+#include "handset/favourites/Favourites.h"
+#include "platform/posix/FileLock_p.h"
 #include "platform/posix/StagedFile_p.h"
 #include "support/ActivityLogFixture.h"
 #include "support/OtherUser.h"
+#include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
 #include "support/SmallDisk.h"
 #include "utility/PHONE_EmergencyList_p.h"
 
 #include <atomic>
+#include <barrier>
 #include <csignal>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using zyn::handset::ActivityLogLock;
 
 namespace {
 
@@ -205,50 +211,26 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->read(kAnswered), before); // a call that was replaced once is gone
     }
 
-    void followsNoLinkOfAnotherUser_data()
+    void keepsFiles_data() { scenario::addRows(QFINDTESTDATA("data/store_file.txt")); }
+    void keepsFiles()
     {
-        QTest::addColumn<QStringList>("links"); // each the other user's if it begins with a "!": name, target
-        QTest::newRow("at the end, to a file") << QStringList{u"!phone/rc_a>precious"_s};
-        QTest::newRow("at the end, to a list") << QStringList{u"!phone/rc_a>sound"_s};
-        QTest::newRow("at the end, to nothing") << QStringList{u"!phone/rc_a>nothing"_s};
-        QTest::newRow("behind one of this user") << QStringList{u"phone/rc_a>second"_s, u"!second>precious"_s};
-        QTest::newRow("to one of this user") << QStringList{u"!phone/rc_a>second"_s, u"second>sound"_s};
-        QTest::newRow("on the way") << QStringList{u"!phone>safe"_s};
-        QTest::newRow("on the way, to nothing") << QStringList{u"!phone>nothing"_s};
-        QTest::newRow("on the way of one of this user") << QStringList{u"phone/rc_a>way/rc_a"_s, u"!way>safe"_s};
-    }
-
-    void followsNoLinkOfAnotherUser()
-    {
-        QFETCH(const QStringList, links);
-        const QByteArray sound = addCall();
-        m_fixture->write(u"../sound"_s, sound);
-        m_fixture->write(u"../precious"_s, "precious");
-        QVERIFY(QDir().mkdir(path(u"safe"_s)));
-        m_fixture->write(u"../safe/rc_a"_s, "precious");
-        for (const QString& link : links) {
-            const QString name = path(link.section(u'>', 0, 0).remove(u'!'));
-            QVERIFY(QFile::remove(name) || !QFile::exists(name) || QFile::rename(name, path(u"away"_s)));
-            QVERIFY(QFile::link(path(link.section(u'>', 1)), name));
-            if (link.startsWith(u'!') && !otheruser::give(name))
-                QSKIP("only root can act as another user");
-        }
-        const QString owner = otheruser::ownership(path(u"precious"_s));
-        // All that a process does to the call log.
-        startStore();
-        PHONE_ENG_RecentCall record = StoreFixture::add(kAnswered, "1");
-        record.slot = 0;
-        StoreFixture::store().modifyItem(record);
-        StoreFixture::uids(kAnswered);
-        StoreFixture::store().removeItem(record);
-        StoreFixture::store().clearAllData();
-        QVERIFY(!createList(list()));
-        QCOMPARE(beside(u"precious"_s), "precious");
-        QCOMPARE(otheruser::ownership(path(u"precious"_s)), owner);
-        QCOMPARE(beside(u"safe/rc_a"_s), "precious");
-        QCOMPARE(QDir(path(u"safe"_s)).entryList(QDir::Files).size(), 1);
-        QCOMPARE(beside(u"sound"_s), sound);
-        QVERIFY(!QFileInfo::exists(path(u"nothing"_s)));
+        using Words = const QStringList&;
+        QFETCH(QStringList, steps);
+        if (steps.contains(u"as root"_s) && !shell(u"touch x && chown 65534 x || echo no; rm -f x"_s).isEmpty())
+            QSKIP("only root can give files away");
+        scenario::play({
+            {u"as"_s, [] {}},
+            {u"sh"_s, [this](Words w) { return shell(w.join(u' ')); }},
+            {u"start"_s, &startStore},
+            {u"create"_s, [this] { return createList(list()); }},
+            {u"add"_s, [] { return StoreFixture::add(kAnswered, "112").uid >= 0; }},
+            {u"is-fresh"_s, [this](Words w) { return m_fixture->read(w[0]) == freshList(); }},
+            {u"fresh"_s, [this](Words w) { m_fixture->write(w[0], freshList()); }},
+            {u"replace"_s,
+             [this](Words w) { return zyn::posix::replaceFile(QFile::encodeName(m_fixture->file(w[0])), "new"); }},
+            {u"victims"_s, [this] { makeVictims(); }},
+            {u"use"_s, [this] { return use(); }},
+        });
     }
 
     void replacesNoLinkOfAnotherUser_data()
@@ -305,83 +287,76 @@ private Q_SLOTS:
         QCOMPARE(beside(u"precious"_s), "precious");
     }
 
-    void keepsAListElsewhere_data()
+    void hasOneHolderOfManyWhoLock()
     {
-        QTest::addColumn<QStringList>("links");
-        QTest::addColumn<QByteArray>("there"); // null for nothing
-        QTest::newRow("nothing there yet") << QStringList{u"phone/rc_a>%1/there"_s} << QByteArray();
-        QTest::newRow("something invalid there") << QStringList{u"phone/rc_a>%1/there"_s} << "damaged"_ba;
-        QTest::newRow("a list there") << QStringList{u"phone/rc_a>%1/there"_s} << freshList();
-        QTest::newRow("by a path from the link") << QStringList{u"phone/rc_a>.././there"_s} << "damaged"_ba;
-        QTest::newRow("by several links")
-            << QStringList{u"phone/rc_a>%1/b"_s, u"b>way/there"_s, u"way>%1//"_s} << QByteArray();
-    }
-
-    void keepsAListElsewhere()
-    {
-        QFETCH(const QStringList, links);
-        QFETCH(const QByteArray, there);
-        for (const QString& text : links) {
-            const QString link = QString(text).replace(u"%1"_s, m_fixture->path());
-            const QByteArray target = QFile::encodeName(link.section(u'>', 1));
-            QCOMPARE(::symlink(target.constData(), QFile::encodeName(path(link.section(u'>', 0, 0))).constData()), 0);
+        constexpr int kStarters = 6;
+        constexpr int kRounds = 2000;
+        const QByteArray name = QFile::encodeName(m_fixture->file(u"topPalsLock"_s));
+        // Of a process whose number another one has by now.
+        m_fixture->write(u"topPalsLock"_s, QByteArray::number(::getpid()) + "\ntst_StoreFile\n"
+                                               + QSysInfo::machineHostName().toLocal8Bit() + '\n');
+        std::vector<std::atomic<int>> holders(kRounds);
+        std::barrier<> allHaveTried(kStarters);
+        std::vector<std::thread> starters(kStarters);
+        for (std::thread& starter : starters) {
+            starter = std::thread([&] {
+                zyn::posix::FileLock lock;
+                for (std::atomic<int>& count : holders) {
+                    count += lock.lock(name); // after giving back what it has, as others start
+                    allHaveTried.arrive_and_wait();
+                }
+            });
         }
-        if (!there.isNull())
-            m_fixture->write(u"../there"_s, there);
-        startStore();
-        QVERIFY(QFileInfo(list()).isSymLink());
-        QCOMPARE(beside(u"there"_s), freshList());
-        QVERIFY(m_fixture->add(kAnswered, "112").uid >= 0);
-        QCOMPARE(m_fixture->recordIn(kAnswered, 0).getPhoneNumber(), u"112"_s);
-        QVERIFY(QFileInfo(list()).isSymLink());
-        QVERIFY(QDir(m_fixture->path()).entryList({u"*.new.*"_s}, QDir::Files | QDir::System).isEmpty());
+        for (std::thread& starter : starters)
+            starter.join();
+        for (const std::atomic<int>& count : holders)
+            QCOMPARE(count.load(), 1);
+        QCOMPARE(m_fixture->files(), QString());
     }
 
-    void keepsOwnerAndPermissions()
+    void leavesALockThatIsAnothers()
     {
-        const QString there = m_fixture->file(u"there"_s);
-        QVERIFY(QFile::link(u"there"_s, m_fixture->file(u"555"_s)));
-        QVERIFY(QFile::link(u"there"_s, list()));
-        m_fixture->write(u"there"_s, "damaged");
-        QVERIFY(::chmod(QFile::encodeName(there).constData(), 0640) == 0);
-        if (!otheruser::give(there))
-            QSKIP("only root can give files away");
-        const QString owner = otheruser::ownership(there);
-        QVERIFY(createList(list()));
-        QCOMPARE(m_fixture->read(u"there"_s), freshList());
-        QCOMPARE(otheruser::ownership(there), owner);
-        QVERIFY(zyn::posix::replaceFile(QFile::encodeName(m_fixture->file(u"555"_s)), "new"));
-        QCOMPARE(m_fixture->read(u"there"_s), "new");
-        QCOMPARE(otheruser::ownership(there), owner);
-        QVERIFY(QFileInfo(m_fixture->file(u"555"_s)).isSymLink());
-        // Neither a directory nor a FIFO is replaced.
-        QVERIFY(QDir().mkdir(m_fixture->file(u"directory"_s)));
-        QVERIFY(::mkfifo(QFile::encodeName(m_fixture->file(u"fifo"_s)).constData(), 0600) == 0);
-        for (const QString& name : {u"directory"_s, u"fifo"_s})
-            QVERIFY(!zyn::posix::replaceFile(QFile::encodeName(m_fixture->file(name)), "new"));
-        QCOMPARE(m_fixture->files(), u"555 directory fifo rc_a there"_s);
-    }
-
-    void removesWhatKilledProcessesLeft()
-    {
-        const pid_t gone = ::fork();
-        if (gone == 0)
-            ::_exit(EXIT_SUCCESS);
-        ::waitpid(gone, nullptr, 0);
-        QStringList kept = {u"note.new.%1"_s.arg(gone), u"rc_a.new.%1"_s.arg(::getppid()), u"rc_a.new.1x"_s,
-                            u"rc_d.new.%1.1"_s.arg(gone)};
-        startStore();
-        for (const QString& name : kept
-                                       + QStringList{u"rc_a.new.%1"_s.arg(gone), u"rc_m.new.%1"_s.arg(gone),
-                                                     u"rc_m.new.%1"_s.arg(::getpid())})
-            m_fixture->write(name, "x");
-        startStore(); // no list has to be made: leftovers are removed all the same
-        kept += {u"rc_a"_s, u"rc_d"_s, u"rc_m"_s};
-        kept.sort();
-        QCOMPARE(m_fixture->files(), kept.join(u' '));
+        const QString folder = m_fixture->path() + u"/phone"_s;
+        {
+            ActivityLogLock lock(folder);
+            QVERIFY(lock.lock());
+            QVERIFY(QFile::remove(m_fixture->file(u"topPalsLock"_s)));
+            m_fixture->write(u"topPalsLock"_s, "1\nanother\n");
+        }
+        QCOMPARE(m_fixture->files(), u"topPalsLock"_s);
+        {
+            ActivityLogLock lock(folder);
+            QVERIFY(lock.lock());
+            ActivityLogLock second(folder);
+            QVERIFY(!second.lock());
+            QCOMPARE(second.problem(), u"process %1 (tst_StoreFile) owns the favourites"_s.arg(::getpid()));
+        }
+        QCOMPARE(m_fixture->files(), QString());
     }
 
 private:
+    QString shell(const QString& command) const { return scenario::shell(m_fixture->path(), {command}); }
+    /// What others' links may lead to: a file, a directory, and a list with a call.
+    void makeVictims() const
+    {
+        addCall();
+        shell(u"echo precious >precious; mkdir safe; echo precious >safe/rc_a; cp phone/rc_a sound; cp sound copy"_s);
+    }
+    /// What is left of that when a process has done to the call log all that it does.
+    QString use() const
+    {
+        startStore();
+        PHONE_ENG_RecentCall record = StoreFixture::add(kAnswered, "1");
+        record.slot = 0;
+        StoreFixture::store().modifyItem(record);
+        StoreFixture::uids(kAnswered);
+        StoreFixture::store().removeItem(record);
+        StoreFixture::store().clearAllData();
+        if (createList(list()))
+            return u"a list made"_s;
+        return shell(
+            u"echo $(cat precious safe/rc_a; ls safe; ls nothing 2>&-; stat -c %u precious; cmp sound copy)"_s);
+    }
     QString list() const { return m_fixture->file(kAnswered); }
     QString path(const QString& name) const { return m_fixture->path() + u'/' + name; }
     /// What the file @p name beside the store holds.
