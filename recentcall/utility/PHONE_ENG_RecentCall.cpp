@@ -6,36 +6,6 @@
 
 #include <QtCore/QByteArray>
 
-#include <array>
-#include <ctime>
-
-namespace {
-
-constexpr size_t kCtimeSize = 26; // what ctime_r asks for
-
-const char* categoryText(RC_CALL_CATEGORY_T category)
-{
-    switch (category) {
-    case RC_CALL_CATEGORY_ANSWERED:
-        return "ANSWERED";
-    case RC_CALL_CATEGORY_MISSED:
-        return "MISSED";
-    case RC_CALL_CATEGORY_DIALED:
-        return "DIALED";
-    default:
-        return "NONE";
-    }
-}
-
-QByteArray timeText(int32_t seconds)
-{
-    const std::time_t time = seconds;
-    std::array<char, kCtimeSize> text{};
-    return QByteArray(ctime_r(&time, text.data())).trimmed();
-}
-
-} // namespace
-
 PHONE_ENG_RecentCall::PHONE_ENG_RecentCall()
 {
     init();
@@ -106,7 +76,4 @@ QDateTime PHONE_ENG_RecentCall::getStartDateTime() const
 }
 
 void PHONE_ENG_RecentCall::print() const
-{
-    [[maybe_unused]] const char* const categoryName = categoryText(category);
-    [[maybe_unused]] const QByteArray start = timeText(startTime);
-}
+{}

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
 #include <iterator>
 #include <limits>
@@ -19,65 +20,60 @@ namespace {
 
 using SlotBitmap = std::array<uint32_t, 5>;
 
-constexpr qint64 kBitsPerWord = 32;
+constexpr int kBitsPerWord = 32;
 
 /// The uid of the next call that this process adds; it outlives the store.
 int32_t s_nextUid = 0;
 
 std::unique_ptr<RecentCall_ENG_RecordStore> s_instance;
 
-int maximum(RC_CALL_CATEGORY_T category)
+/// The slots of one list, as its limit is now.
+struct ListSlots
 {
-    return RecentCall_Setup::instance()->getMaxRecordSize(category);
-}
+    int count; ///< how many calls the list keeps
+    int base;  ///< the bit of slot 0
+    int bits;  ///< how many bits there are: as many as the three lists keep calls
 
-bool passesSlotCheck(qint64 index)
-{
-    return index >= 0 && index < maximum(RC_CALL_CATEGORY_ALL);
-}
-
-/// A slot beyond its own list would spoil the file's size or another list's bits.
-bool isSlotOf(RC_CALL_CATEGORY_T category, int slot)
-{
-    return passesSlotCheck(slot) && slot < std::min(maximum(category), zyn::kRecordSlots);
-}
-
-qint64 bitIndex(RC_CALL_CATEGORY_T category, int slot)
-{
-    switch (category) {
-    case RC_CALL_CATEGORY_MISSED:
-        return qint64{slot} + maximum(RC_CALL_CATEGORY_ANSWERED);
-    case RC_CALL_CATEGORY_DIALED:
-        return qint64{slot} + maximum(RC_CALL_CATEGORY_ANSWERED) + maximum(RC_CALL_CATEGORY_MISSED);
-    default:
-        return slot;
+    explicit ListSlots(RC_CALL_CATEGORY_T category)
+    {
+        const RecentCall_Setup& setup = *RecentCall_Setup::instance();
+        count = setup.getMaxRecordSize(category);
+        bits = setup.getMaxRecordSize(RC_CALL_CATEGORY_ALL);
+        base = 0;
+        if (category == RC_CALL_CATEGORY_MISSED || category == RC_CALL_CATEGORY_DIALED)
+            base += setup.getMaxRecordSize(RC_CALL_CATEGORY_ANSWERED);
+        if (category == RC_CALL_CATEGORY_DIALED)
+            base += setup.getMaxRecordSize(RC_CALL_CATEGORY_MISSED);
     }
-}
 
-bool isMarked(const SlotBitmap& bitmap, RC_CALL_CATEGORY_T category, int slot)
-{
-    const qint64 bit = bitIndex(category, slot);
-    return passesSlotCheck(bit) && (bitmap[static_cast<size_t>(bit / kBitsPerWord)] >> (bit % kBitsPerWord) & 1U);
-}
+    /// How many of the file's slots the list has: one beyond would spoil the file's size or another list's bits.
+    int inFile() const { return std::min(count, zyn::kRecordSlots); }
+    bool has(int slot) const { return slot >= 0 && slot < inFile(); }
+};
 
-void mark(SlotBitmap& bitmap, RC_CALL_CATEGORY_T category, int slot, bool inUse)
+void mark(SlotBitmap& bitmap, const ListSlots& slots, int slot, bool inUse)
 {
-    const qint64 bit = bitIndex(category, slot);
-    if (!passesSlotCheck(bit))
+    const qint64 bit = qint64{slots.base} + slot;
+    if (bit < 0 || bit >= slots.bits)
         return;
     uint32_t& word = bitmap[static_cast<size_t>(bit / kBitsPerWord)];
     const uint32_t mask = 1U << (bit % kBitsPerWord);
     word = inUse ? word | mask : word & ~mask;
 }
 
-int freeSlot(const SlotBitmap& bitmap, RC_CALL_CATEGORY_T category)
+/// The first slot from @p slot on whose bit is clear, or with @p inUse set; as many as the list has when there is none.
+int findSlot(const SlotBitmap& bitmap, const ListSlots& slots, bool inUse, int slot = 0)
 {
-    const int slots = maximum(category);
-    for (int slot = 0; slot < slots; ++slot) {
-        if (!isMarked(bitmap, category, slot))
-            return slot;
+    while (slot < slots.count) {
+        const int bit = slots.base + slot;
+        const uint32_t word = bitmap[static_cast<size_t>(bit / kBitsPerWord)];
+        const uint32_t others = (inUse ? ~word : word) >> (bit % kBitsPerWord);
+        const int passed = std::countr_one(others);
+        slot += passed;
+        if (bit % kBitsPerWord + passed < kBitsPerWord)
+            break;
     }
-    return -1;
+    return std::min(slot, slots.count);
 }
 
 int32_t successor(int32_t uid)
@@ -88,7 +84,7 @@ int32_t successor(int32_t uid)
 QByteArray filePath(RC_CALL_CATEGORY_T category)
 {
     QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(category);
-    std::printf("%s", path.constData());
+    std::fputs(path.constData(), stdout);
     return path;
 }
 
@@ -98,11 +94,6 @@ qint64 longestFile(RC_CALL_CATEGORY_T category)
 {
     constexpr auto kLists = static_cast<int>(std::size(zyn::kRecordLists));
     return RecordFile::size(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots);
-}
-
-bool writeBlankSlot(const UniqueFd& file, int slot)
-{
-    return passesSlotCheck(slot) && RecordFile::writeBlank(file.get(), slot);
 }
 
 } // namespace
@@ -134,17 +125,19 @@ bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
 {
     record.uid = s_nextUid;
     s_nextUid = successor(s_nextUid);
-    record.slot = freeSlot(m_slotBitmap, record.category);
+    const ListSlots slots(record.category);
+    const int slot = findSlot(m_slotBitmap, slots, false);
+    record.slot = slot < slots.count ? slot : -1;
     record.print();
     if (!modifyItem(record))
         return false;
-    mark(m_slotBitmap, record.category, record.slot, true);
+    mark(m_slotBitmap, slots, slot, true);
     return true;
 }
 
 bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
-    if (!isSlotOf(record.category, record.slot))
+    if (!ListSlots(record.category).has(record.slot))
         return false;
     const UniqueFd file = zyn::openStoreFile(filePath(record.category));
     return file.isValid() && RecordFile::write(file.get(), record.slot, record);
@@ -159,9 +152,10 @@ bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
     if (!file.isValid())
         return false;
     PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
-    if (!isSlotOf(record.category, record.slot) || !writeBlankSlot(file, record.slot))
+    const ListSlots slots(record.category);
+    if (!slots.has(record.slot) || !RecordFile::writeBlank(file.get(), record.slot))
         return false;
-    mark(m_slotBitmap, record.category, record.slot, false);
+    mark(m_slotBitmap, slots, record.slot, false);
     return true;
 }
 
@@ -170,10 +164,10 @@ bool RecentCall_ENG_RecordStore::removeItems(RC_CALL_CATEGORY_T category)
     const UniqueFd file = zyn::openStoreFile(filePath(category));
     if (!file.isValid())
         return false;
-    const int slots = std::min(maximum(category), zyn::kRecordSlots);
-    for (int slot = 0; slot < slots; ++slot) {
-        if (isMarked(m_slotBitmap, category, slot) && writeBlankSlot(file, slot))
-            mark(m_slotBitmap, category, slot, false);
+    const ListSlots slots(category);
+    for (int slot = 0; slots.has(slot = findSlot(m_slotBitmap, slots, true, slot)); ++slot) {
+        if (RecordFile::writeBlank(file.get(), slot))
+            mark(m_slotBitmap, slots, slot, false);
     }
     return true;
 }
@@ -182,8 +176,9 @@ void RecentCall_ENG_RecordStore::clearAllData()
 {
     for (const RC_CALL_CATEGORY_T category : zyn::kRecordLists) {
         const UniqueFd file = zyn::openStoreFile(filePath(category));
-        for (int slot = 0; file.isValid() && slot < zyn::kRecordSlots; ++slot)
-            writeBlankSlot(file, slot);
+        const int slots = file.isValid() ? ListSlots(RC_CALL_CATEGORY_ALL).inFile() : 0;
+        for (int slot = 0; slot < slots; ++slot)
+            RecordFile::writeBlank(file.get(), slot);
     }
     s_nextUid = 0;
     m_slotBitmap.fill(0);
@@ -199,11 +194,13 @@ void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>&
     }
     if (!zyn::hasValidHeader(*image))
         return;
-    for (const int slot : RecordFile::usedSlots(*image, maximum(category))) {
-        auto record = std::make_unique<PHONE_ENG_RecentCall>(RecordFile::at(*image, slot));
+    const ListSlots slots(category);
+    for (const int slot : RecordFile::usedSlots(*image, slots.count)) {
+        auto record = std::make_unique<PHONE_ENG_RecentCall>();
+        RecordFile::read(*record, *image, slot);
         if (record->uid >= s_nextUid)
             s_nextUid = successor(record->uid);
-        mark(m_slotBitmap, category, record->slot, true);
+        mark(m_slotBitmap, slots, record->slot, true);
         list.append(record.release());
     }
     list.sort();

@@ -112,7 +112,12 @@ bool replaceInvalidFile(posix::UniqueFd invalid, const QByteArray& contents, pos
 QByteArray storeDirectoryPath()
 {
     const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
-    return (dataDirectory.isEmpty() ? QByteArrayLiteral("/tmp") : dataDirectory) + "/phone";
+    constexpr qsizetype kRoomForName = 64;
+    QByteArray path;
+    path.reserve(dataDirectory.size() + kRoomForName);
+    path += dataDirectory.isEmpty() ? QByteArrayView("/tmp") : QByteArrayView(dataDirectory);
+    path += "/phone";
+    return path;
 }
 
 QString storePath(const QString& name)
