@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/SETUP_SET_Manager.h"
-#include "platform/SettingsFile_p.h"
+#include "platform/SettingsCache_p.h"
 
 #include <array>
 
@@ -35,7 +35,7 @@ inline constexpr std::array kStates{kSimCard, kKeypadLock, kPhoneSystem, kFixedD
 /// The state file; it is in the format of SETUP_SET_Manager.
 inline QString stateFile()
 {
-    return settingsDirectory() + QLatin1String("/zyn_handset.cfg");
+    return settingsPath("zyn_handset.cfg");
 }
 
 /// The state as it is now.

@@ -1,6 +1,7 @@
 // What a thread has read of settings files, kept for as long as the files are what they were.
 #include "platform/SettingsCache_p.h"
 
+#include "platform/SettingsFile_p.h"
 #include "platform/SettingsLines_p.h"
 #include "platform/posix/File_p.h"
 
@@ -34,6 +35,12 @@ std::optional<QByteArray> findEntry(const QByteArray& text, const QString& group
     return found;
 }
 
+/// A copy with bytes of its own: a text may be made of bytes that somebody else frees, such as those of a library.
+QString ownCopy(const QString& text)
+{
+    return QString(text.constData(), text.size());
+}
+
 /// A file as it was read, and what was asked of it: each question is looked up once.
 class KeptFile
 {
@@ -56,7 +63,7 @@ public:
                 return answer.value;
         }
         Answer& answer = m_answers.at(m_asked++ % kKeptAnswers);
-        answer = {group, key, findEntry(m_text, group, key)};
+        answer = {ownCopy(group), ownCopy(key), findEntry(m_text, group, key)};
         return answer.value;
     }
 
@@ -76,10 +83,18 @@ private:
     size_t m_asked = 0;
 };
 
+struct KeptPath
+{
+    QByteArray place; ///< what the environment variable holds
+    QByteArray name;
+    QString path;
+};
+
 struct Cache
 {
     std::array<KeptFile, kKeptFiles> files;
     size_t oldest = 0;
+    KeptPath path;
 };
 
 /// No destructor: settings may be asked for by objects that are destroyed after the thread's cache.
@@ -139,8 +154,21 @@ std::optional<QByteArray> storedSetting(const QString& path, const QString& grou
         return findEntry(*text, group, key);
     if (!kept)
         kept = &cache->files.at(cache->oldest++ % kKeptFiles);
-    *kept = KeptFile(path, name, *version, *text);
+    *kept = KeptFile(ownCopy(path), name, *version, *text);
     return kept->value(group, key);
+}
+
+QString settingsPath(const char* name)
+{
+    const QByteArray place = qgetenv(kSettingsPlace);
+    Cache* const cache = threadCache();
+    // Without the variable, the place is the user's affair, and may change any time.
+    if (cache && !place.isEmpty() && cache->path.place == place && cache->path.name == name)
+        return cache->path.path;
+    QString path = settingsDirectory() + u'/' + QLatin1String(name);
+    if (cache)
+        cache->path = {place, name, path};
+    return path;
 }
 
 } // namespace zyn

@@ -16,4 +16,8 @@ namespace zyn {
  */
 std::optional<QByteArray> storedSetting(const QString& path, const QString& group, const QString& key);
 
+/// The path of the file @p name in the directory of the settings files. Each thread keeps the last one for as long as
+/// the environment variable names the same directory.
+QString settingsPath(const char* name);
+
 } // namespace zyn

@@ -129,7 +129,7 @@ std::optional<QByteArray> read(const posix::PathAt& path)
 
 QString settingsDirectory()
 {
-    const QString writePath = QFile::decodeName(qgetenv("ZYN_APP_WRITE_PATH"));
+    const QString writePath = QFile::decodeName(qgetenv(kSettingsPlace));
     if (!writePath.isEmpty())
         return writePath + QLatin1String("/setup");
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1String("/zynphone/setup");

@@ -11,8 +11,11 @@
 
 namespace zyn {
 
+/// The environment variable that names the directory of "setup".
+inline constexpr char kSettingsPlace[] = "ZYN_APP_WRITE_PATH";
+
 /// The directory of the settings files, which need not exist: "setup" under the directory that the environment variable
-/// ZYN_APP_WRITE_PATH names, or under the user's configuration directory when that is unset or empty.
+/// names, or under the user's configuration directory when that is unset or empty.
 QString settingsDirectory();
 
 /// The settings file of application @p app.

@@ -14,7 +14,7 @@ namespace {
 
 bool mayBecomeImeiCode(const QString& input)
 {
-    return zyn::isKeypadUnlocked(UTIL_GetKeypadLockStatus()) && QLatin1String(emergency::kImeiCode).startsWith(input);
+    return QLatin1String(emergency::kImeiCode).startsWith(input) && zyn::isKeypadUnlocked(UTIL_GetKeypadLockStatus());
 }
 
 bool mayBecomePinCode(const QString& input)
@@ -30,17 +30,11 @@ bool mayBecomePinCode(const QString& input)
     return found;
 }
 
-bool mayBecomeEmergencyNumber(const QString& input)
-{
-    return emergency::anyNumber([&](const QString& number) { return number.startsWith(input); });
-}
-
 } // namespace
 
 bool PHONE_IsEmergencyCall(char* number)
 {
-    const QString wanted = QString::fromLatin1(number);
-    return number && emergency::anyNumber([&](const QString& listed) { return listed == wanted; });
+    return number && emergency::anyNumber([&](std::string_view listed) { return listed == number; });
 }
 
 bool PHONE_IsEmergencyCallNumber(char* number)
@@ -50,7 +44,7 @@ bool PHONE_IsEmergencyCallNumber(char* number)
 
 bool PHONE_IsEmergencyCallInput(QString const& input)
 {
-    return !input.isEmpty() && (mayBecomeImeiCode(input) || mayBecomePinCode(input) || mayBecomeEmergencyNumber(input));
+    return !input.isEmpty() && (mayBecomeImeiCode(input) || mayBecomePinCode(input) || emergency::beginsNumber(input));
 }
 
 bool PHONE_IsInputtingEmergencyCall(QString const& input)

@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <functional>
+#include <cstring>
 #include <optional>
+#include <span>
+#include <string_view>
 #include <vector>
 
 namespace zyn {
@@ -45,6 +47,9 @@ inline constexpr int kRecordLimit = 1560;
 /// a mix of both.
 inline constexpr int kRecordsAtATime = 400'000;
 
+/// How many records a list may have for which no memory is sought.
+inline constexpr size_t kShortList = 200;
+
 /// The code that shows the IMEI, allowed while the keypad is unlocked.
 inline constexpr char kImeiCode[] = "*#06#";
 
@@ -52,28 +57,43 @@ inline constexpr char kImeiCode[] = "*#06#";
 /// tried.
 inline constexpr const char* kPinCodes[] = {"**04*", "**042*", "**05*", "**052*"};
 
-/// Whether @p isWanted holds for one of the numbers in the file @p path, tried in their order; false when the file
-/// cannot be read. A last record that is cut short counts when its NUL is there: a file caught half-written gives no
-/// number that nobody wrote.
-inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const char* path = kListFile)
+/// Whether @p isWanted holds for one of the numbers in @p records.
+template<typename IsWanted>
+bool anyOf(std::span<const Record> records, IsWanted isWanted)
 {
-    const posix::UniqueFd file = posix::openForReading(path);
-    const qint64 size = posix::regularFileSize(file.get()).value_or(0);
+    return std::ranges::any_of(records, [&](const Record& record) {
+        const std::string_view number(record.data(), qstrnlen(record.data(), record.size()));
+        return !number.empty() && isWanted(number);
+    });
+}
+
+/// Whether @p isWanted holds for one of the numbers (each a std::string_view of Latin-1) in the file @p path, tried in
+/// their order; false when the file cannot be read. A last record that is cut short counts when its NUL is there: a
+/// file caught half-written gives no number that nobody wrote.
+template<typename IsWanted>
+bool anyNumber(IsWanted isWanted, const char* path = kListFile)
+{
+    const posix::UniqueFd file = posix::openForReading(QByteArray::fromRawData(path, qsizetype(qstrlen(path))));
+    const std::optional<qint64> regularSize = posix::regularFileSize(file.get());
+    const qint64 size = regularSize.value_or(0);
     constexpr auto kRecordSize = static_cast<off_t>(sizeof(Record));
-    std::vector<Record> records(
-        static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
+    std::array<Record, kShortList> few; // NOLINT: only what is read is used
+    std::vector<Record> many;
+    std::span<Record> records = few;
+    if (!regularSize || size >= off_t{sizeof few}) {
+        many.resize(static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
+        records = many;
+    }
     for (off_t offset = 0;;) {
-        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(std::span(records)), offset);
+        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(records), offset);
         if (length <= 0)
             return false;
         const auto whole = static_cast<size_t>(length) / sizeof(Record);
         const auto rest = static_cast<size_t>(length) % sizeof(Record);
         const bool isLast = offset + length >= size;
         const bool isRestNumber = isLast && rest > 0 && std::memchr(records[whole].data(), '\0', rest);
-        for (const Record& record : std::span(records).first(whole + (isRestNumber ? 1 : 0))) {
-            if (const QString number = latin1Text(record); !number.isEmpty() && isWanted(number))
-                return true;
-        }
+        if (anyOf(records.first(whole + (isRestNumber ? 1 : 0)), isWanted))
+            return true;
         if (isLast || whole == 0)
             return false;
         // Holes hold no number, and may be too long to read.
@@ -82,13 +102,24 @@ inline bool anyNumber(const std::function<bool(const QString&)>& isWanted, const
     }
 }
 
+/// Whether @p text is how one of these numbers begins.
+inline bool beginsNumber(const QString& text)
+{
+    Record latin1 = {};
+    if (text.size() > qsizetype{sizeof latin1} || std::ranges::any_of(text, [](QChar c) { return c.toLatin1() == 0; }))
+        return false;
+    std::ranges::transform(text, latin1.begin(), &QChar::toLatin1);
+    const std::string_view beginning(latin1.data(), static_cast<size_t>(text.size()));
+    return anyNumber([&](std::string_view number) { return number.starts_with(beginning); });
+}
+
 /// The numbers in the file @p path in their order; none when it cannot be read.
 inline QStringList readList(const char* path = kListFile)
 {
     QStringList numbers;
     anyNumber(
-        [&](const QString& number) {
-            numbers += number;
+        [&](std::string_view number) {
+            numbers += QLatin1String(number.data(), static_cast<qsizetype>(number.size()));
             return false;
         },
         path);

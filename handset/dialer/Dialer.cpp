@@ -46,8 +46,7 @@ Meaning meaningOf(const QString& text)
 {
     if (!PHONE_IsEmergencyCallInput(text))
         return Meaning::Ordinary;
-    const bool isNumber = emergency::anyNumber([&](const QString& number) { return number.startsWith(text); });
-    return isNumber ? Meaning::EmergencyNumber : Meaning::ControlCode;
+    return emergency::beginsNumber(text) ? Meaning::EmergencyNumber : Meaning::ControlCode;
 }
 
 QString verdictOn(Meaning meaning)
