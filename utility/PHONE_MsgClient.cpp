@@ -46,6 +46,7 @@ void PHONE_MsgClient::setRFMode(bool on)
 
 void PHONE_MsgClient::receive(const QCString& message, const QByteArray& data)
 {
-    zyn::logEntry(kPhoneLogLevel, zyn::kClientSource, __func__);
-    zyn::deliver(*this, message, data);
+    zyn::LogText log;
+    log.addEntry(zyn::kClientSource, __func__);
+    zyn::deliver(*this, message, data, log);
 }

@@ -236,8 +236,7 @@ void storeRecordField(std::span<char> bytes, FieldKind kind, const FieldValue& v
 
 FieldValues decodeRecord(std::span<const Field> fields, const QByteArray& payload)
 {
-    FieldValues values;
-    values.list.resize(static_cast<qsizetype>(fields.size()));
+    FieldValues values(fields.size());
     for (const Field& field : fields) {
         const qsizetype end = field.offset + usedSize(field, values[0]);
         if (end > payload.size())
@@ -250,17 +249,13 @@ FieldValues decodeRecord(std::span<const Field> fields, const QByteArray& payloa
     return values;
 }
 
-} // namespace
-
-FieldValues decode(const Message& message, const QByteArray& payload)
+/// Reads @p fields, which follow each other.
+FieldValues decodeSequence(std::span<const Field> fields, const QByteArray& payload)
 {
-    if (message.isRecord())
-        return decodeRecord(message.fields, payload);
-    FieldValues values;
-    values.list.resize(static_cast<qsizetype>(message.fields.size()));
+    FieldValues values(fields.size());
     Reader reader(payload);
     size_t next = 0;
-    for (const Field& field : message.fields) {
+    for (const Field& field : fields) {
         if (!isLeftOut(field, values[0]))
             readField(values[next], field, values[0], reader);
         ++next;
@@ -270,6 +265,13 @@ FieldValues decode(const Message& message, const QByteArray& payload)
         }
     }
     return values;
+}
+
+} // namespace
+
+FieldValues decode(const Message& message, const QByteArray& payload)
+{
+    return message.isRecord() ? decodeRecord(message.fields, payload) : decodeSequence(message.fields, payload);
 }
 
 QByteArray encode(std::span<const Field> fields, std::span<const FieldValue> values)

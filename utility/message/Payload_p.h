@@ -40,6 +40,10 @@ struct FieldValue
 /// The values of a message's fields in their order. What the payload did not hold whole is 0 and null.
 struct FieldValues
 {
+    explicit FieldValues(size_t fields = 0)
+        : list(static_cast<qsizetype>(fields))
+    {}
+
     FieldValue& operator[](size_t field) { return list[static_cast<qsizetype>(field)]; }
     const FieldValue& operator[](size_t field) const { return list[static_cast<qsizetype>(field)]; }
 

@@ -79,6 +79,8 @@ int32_t number(const FieldValues& values, Argument argument)
 {
     const int32_t field = values[argument.field].number;
     switch (argument.rule) {
+    case Rule::Unused:
+        return 0;
     case Rule::AsItIs:
         return field;
     case Rule::NotZero:
@@ -209,45 +211,45 @@ constexpr PhoneMessage kMessages[] = {
     {{ZYN_TYPE(0, PHONE_MSG_ALL_STATUS_S), kAllStatusFields, "status"}, "snapshot",
      {{"PHONE_MSG_ALL_STATUS_S"}}, emitSnapshot},
     {{ZYN_TYPE(1, PHONE_MSG_POWER_ON_MODE_S), {{Int, "mode"}}}, "power-on-mode",
-     {{"PHONE_MSG_POWER_ON_MODE_S"}, {"MsgClient: Power on Mode %d ", value(0), kPowerOnBanner}},
+     {{"PHONE_MSG_POWER_ON_MODE_S"}, {"MsgClient: Power on Mode ", value(0), kPowerOnBanner, " "}},
      emits<&Client::signalPowerOnMode, value(0)>},
     {{ZYN_TYPE(2, PHONE_MSG_POWER_KEY_PRESSED_S)}, "power-key",
      {{"PHONE_MSG_POWER_KEY_PRESSED_S Message", {}, kBanner}}, emits<&Client::signalPowerDown>},
     {{ZYN_TYPE(3, PHONE_MSG_BATTERY_STATUS_S), {{Int, "status"}}}, "battery-status",
-     {{"PHONE_MSG_BATTERY_STATUS_S"}, {"MsgClient: Battery Status = %d", value(0), kBanner}},
+     {{"PHONE_MSG_BATTERY_STATUS_S"}, {"MsgClient: Battery Status = ", value(0), kBanner}},
      emits<&Client::signalBatteryStatus, value(0)>},
     {{ZYN_TYPE(4, PHONE_MSG_BATTERY_VALUE_CHANGE_S), {{Byte, "value"}}}, "battery-capacity",
-     {{"PHONE_MSG_BATTERY_VALUE_CHANGE_S"}, {"MsgClient: Battery Value = %d", value(0), kBanner}},
+     {{"PHONE_MSG_BATTERY_VALUE_CHANGE_S"}, {"MsgClient: Battery Value = ", value(0), kBanner}},
      emits<&Client::signalBatteryCapacity, value(0)>},
     {{ZYN_TYPE(5, PHONE_MSG_CHARGE_STATUS_S), {{Int, "status"}}}, "charger",
-     {{"PHONE_MSG_CHARGE_STATUS_S"}, {"MsgClient: Charge Status = %d", value(0), kBanner}},
+     {{"PHONE_MSG_CHARGE_STATUS_S"}, {"MsgClient: Charge Status = ", value(0), kBanner}},
      emits<&Client::signalChargeStatus, value(0)>},
     {{ZYN_TYPE(6, PHONE_MSG_SIM_CARD_STATUS_S), {{Int, "status"}}}, "sim-card",
-     {{"PHONE_MSG_SIM_CARD_STATUS_S"}, {"MsgClient: Sim card status = %d", value(0), kBanner}},
+     {{"PHONE_MSG_SIM_CARD_STATUS_S"}, {"MsgClient: Sim card status = ", value(0), kBanner}},
      emits<&Client::signalSimCardStatus, value(0)>},
     {{kPhoneChannel, "PHONE_MSG_7"}, nullptr, {}, nullptr},
     {{ZYN_TYPE(8, PHONE_MSG_PIN1_STATUS_S), {{Int, "status"}}}, "pin",
-     {{"PHONE_MSG_PIN1_STATUS_S"}, {"MsgClient: Pin1 Status = %d", value(0), kBanner}},
+     {{"PHONE_MSG_PIN1_STATUS_S"}, {"MsgClient: Pin1 Status = ", value(0), kBanner}},
      emits<&Client::signalPinStatus, value(0)>},
     {{ZYN_TYPE(9, PHONE_MSG_SUBSIDY_LOCK_STATUS_S), {{Int, "status"}}}, "subsidy-lock",
-     {{"PHONE_MSG_SUBSIDY_LOCK_STATUS_S"}, {"MsgClient: Subsidy lock status = %d", value(0), kBanner}},
+     {{"PHONE_MSG_SUBSIDY_LOCK_STATUS_S"}, {"MsgClient: Subsidy lock status = ", value(0), kBanner}},
      emits<&Client::signalSubsidyStatus, value(0)>},
     {{ZYN_TYPE(10, PHONE_MSG_SIGNAL_QUALITY_S), {{Int, "quality"}}}, "signal-quality",
-     {{"MsgClient: Signal Value = %d", value(0)}}, emits<&Client::signalSignalQuality, value(0)>},
+     {{"MsgClient: Signal Value = ", value(0)}}, emits<&Client::signalSignalQuality, value(0)>},
     {{ZYN_TYPE(11, PHONE_MSG_SERVICE_AVAILABILITY_S), {{Int, "value"}}}, "service-availability",
-     {{"MsgClient: Service = %d", lowByte(0)}}, emits<&Client::signalServiceAvailability, lowByte(0)>},
+     {{"MsgClient: Service = ", lowByte(0)}}, emits<&Client::signalServiceAvailability, lowByte(0)>},
     {{ZYN_TYPE(12, PHONE_MSG_ROAMING_STATE_S), {{Int, "state"}}}, "roaming",
-     {{"MsgClient: roam = %d", value(0)}}, emits<&Client::signalRoamingState, value(0)>},
+     {{"MsgClient: roam = ", value(0)}}, emits<&Client::signalRoamingState, value(0)>},
     {{ZYN_TYPE(13, PHONE_MSG_NETWORK_STATUS_S), {{Int, "status"}, {Text, "id"}}}, "network",
-     {{"******Network status = %d", value(0)}}, emitNetworkStatus},
+     {{"******Network status = ", value(0)}}, emitNetworkStatus},
     {{ZYN_TYPE(14, PHONE_MSG_SERVICE_NAME_S), {{Text, "name"}}}, "service-name",
-     {{"Service name = %s", value(0)}}, emits<&Client::signalServiceName, value(0)>},
+     {{"Service name = ", value(0)}}, emits<&Client::signalServiceName, value(0)>},
     {{ZYN_TYPE(15, PHONE_MSG_SPN_NAME_S), {{Text, "name"}, {Byte, "flag"}}}, "provider-name",
-     {{"SPN = %s", value(0)}}, emitProviderName},
+     {{"SPN = ", value(0)}}, emitProviderName},
     {{ZYN_TYPE(16, PHONE_MSG_HOME_ZONE_NAME_S), {{Text, "name"}}}, "home-zone-name",
      {}, emits<&Client::signalHomeZoneName, value(0)>},
     {{ZYN_TYPE(17, PHONE_MSG_RET_SET_RFMOD_S), {{Int, "result"}}}, "radio-mode-result",
-     {{"PHONE_MSG_RET_SET_RFMOD_S"}, {"MsgClient: RF Mode Return = %d", value(0), kBanner}},
+     {{"PHONE_MSG_RET_SET_RFMOD_S"}, {"MsgClient: RF Mode Return = ", value(0), kBanner}},
      emits<&Client::signalSetRFModResult, notZero(0)>},
     {{ZYN_TYPE(18, PHONE_MSG_GPRS_ACTIVATED_S), {{Int, "value"}}}, "gprs-activated",
      {}, emits<&Client::signalGprsActivated, notZero(0)>},
@@ -256,47 +258,47 @@ constexpr PhoneMessage kMessages[] = {
     {{ZYN_TYPE(20, PHONE_MSG_GPRS_SERVICE_S), {{Int, "value"}}}, "gprs-service",
      {}, emits<&Client::signalGprsService, notZero(0)>},
     {{ZYN_TYPE(21, PHONE_MSG_RET_OPEN_GPRS_S), {{Int, "result"}}}, "open-gprs-result",
-     {{"Phone Client: Ret of open gprs = %d", value(0)}}, emits<&Client::signalOpenGprsResult, value(0)>},
+     {{"Phone Client: Ret of open gprs = ", value(0)}}, emits<&Client::signalOpenGprsResult, value(0)>},
     {{ZYN_TYPE(22, PHONE_MSG_RET_CLOSE_GPRS_S), {{Int, "result"}}}, "close-gprs-result",
-     {{"Phone Client: Ret of close gprs = %d", value(0)}}, emits<&Client::signalCloseGprsResult, value(0)>},
+     {{"Phone Client: Ret of close gprs = ", value(0)}}, emits<&Client::signalCloseGprsResult, value(0)>},
     {{ZYN_TYPE(23, PHONE_MSG_LOW_BATTERY_S)}, "low-battery",
      {{"Phone Client: Low battery"}}, emits<&Client::signalLowBattery>},
     {{ZYN_TYPE(24, PHONE_MSG_SET_RFMOD_S), {{Int, "on"}}}, "set-radio-mode", {}, nullptr},
     {{ZYN_TYPE(25, PHONE_MSG_SET_FEATUREDB_LANG_S), {{Int, "language"}}}, "set-language", {}, nullptr},
     {{ZYN_TYPE(26, PHONE_MSG_RET_SET_FEATUREDB_LANG_S), {{Int, "result"}}}, "language-result",
      {{"PHONE_MSG_RET_SET_FEATUREDB_LANG_S"},
-      {"MsgClient: Notify BP current language  Return = %d", value(0), kBanner}},
+      {"MsgClient: Notify BP current language  Return = ", value(0), kBanner}},
      nullptr},
     {{ZYN_TYPE(27, PHONE_MSG_IMSI_S), {{Raw, "imsi", TAPI_IMSI_LENGTH + 1}}}, "imsi",
      {}, emits<&Client::signalImsiId, value(0)>},
     {{ZYN_TYPE(28, PHONE_MSG_EGPRS_SERVICE_S), {{Int, "value"}}}, "egprs-service",
-     {{"Phone Client: EGPRS Service status = %d", notZero(0)}}, emits<&Client::signalEgprsService, notZero(0)>},
+     {{"Phone Client: EGPRS Service status = ", notZero(0)}}, emits<&Client::signalEgprsService, notZero(0)>},
     {{ZYN_TYPE(29, PHONE_MSG_EGPRS_TRANS_S), {{Int, "value"}}}, "egprs-transmission",
-     {{"Phone Client: EGPRS Transmission status = %d", notZero(0)}}, emits<&Client::signalEgprsTrans, notZero(0)>},
+     {{"Phone Client: EGPRS Transmission status = ", notZero(0)}}, emits<&Client::signalEgprsTrans, notZero(0)>},
     {{ZYN_TYPE(30, PHONE_MSG_TTY_FEATURE_CHANGED_S)}, "tty-feature-changed",
      {}, emits<&Client::signalTTYFeatureChanged>},
     {{ZYN_TYPE(31, PHONE_MSG_TOTAL_DATA_BYTES_S),
       {{Int, "connected"}, {Int, "total"}, {Int, "sent"}, {Int, "received"}}}, "total-bytes",
-     {{"phone client gprs connected =  %d", isOne(0)}, {"phone client gprs total sentbytes = %d", value(2)},
-      {"phone client gprs total recvedbytes = %d", value(3)}, {"phone client gprs total bytes = %d", value(1)}},
+     {{"phone client gprs connected =  ", isOne(0)}, {"phone client gprs total sentbytes = ", value(2)},
+      {"phone client gprs total recvedbytes = ", value(3)}, {"phone client gprs total bytes = ", value(1)}},
      emits<&Client::signalTotalDataBytes, isOne(0), value(1), value(2), value(3)>},
     {{ZYN_TYPE(32, PHONE_MSG_SESSION_DATA_BYTES_S),
       {{Int, "connected"}, {Byte, "session"}, {Int, "bytes"}, {Int, "sent"}, {Int, "received"}}}, "session-bytes",
-     {{"phone client gprs connected =  %d", isOne(0)}, {"phone client gprs current sentbytes = %d", value(3)},
-      {"phone client gprs current recvedbytes = %d", value(4)}, {"phone client gprs session id =  %d", value(1)},
-      {"phone client gprs session bytes = %d", value(2)}, {"phone client gprs sesion sentbytes = %d", value(3)},
-      {"phone client gprs session recvedbytes = %d", value(4)}},
+     {{"phone client gprs connected =  ", isOne(0)}, {"phone client gprs current sentbytes = ", value(3)},
+      {"phone client gprs current recvedbytes = ", value(4)}, {"phone client gprs session id =  ", value(1)},
+      {"phone client gprs session bytes = ", value(2)}, {"phone client gprs sesion sentbytes = ", value(3)},
+      {"phone client gprs session recvedbytes = ", value(4)}},
      emits<&Client::signalSessionDataBytes, value(1), isOne(0), value(2), value(3), value(4)>},
     {{ZYN_TYPE(33, PHONE_MSG_TOTAL_CONNECTED_DURATION_S), {{Int, "connected"}, {Int, "seconds"}}}, "total-duration",
-     {{"phone client csd connected =  %d", isOne(0)}, {"phone client csd total secs = %d", value(1)}},
+     {{"phone client csd connected =  ", isOne(0)}, {"phone client csd total secs = ", value(1)}},
      emits<&Client::signalTotalConnectedDuration, isOne(0), value(1)>},
     {{ZYN_TYPE(34, PHONE_MSG_CURRENT_CONNECTED_DURATION_S), {{Int, "connected"}, {Int, "seconds"}}}, "current-duration",
-     {{"phone client csd connected =  %d", isOne(0)}, {"phone client csd current secs = %d", value(1)}},
+     {{"phone client csd connected =  ", isOne(0)}, {"phone client csd current secs = ", value(1)}},
      emits<&Client::signalCurrentConnectedDuration, isOne(0), value(1)>},
     {{ZYN_TYPE(35, PHONE_MSG_RESET_TOTAL_DURATION_S), {{Int, "kind"}}}, "reset-total-duration", {}, nullptr},
     {{ZYN_TYPE(36, PHONE_MSG_RET_RESET_TOTAL_DURATION_S),
       {{Int, "kind"}, {Int, "retcode"}}}, "reset-total-duration-result",
-     {{"type =  %d", value(0)}, {"retcode =  %d", value(1)}},
+     {{"type =  ", value(0)}, {"retcode =  ", value(1)}},
      emits<&Client::signalResetTotalDurationRet, isZero(0), isZero(1)>},
     {{ZYN_TYPE(37, PHONE_MSG_SERVICE_ID_AND_NAME_S),
       {{Text, "first"}, {Text, "second"}, {Text, "third"}}}, "service-id-and-name",
@@ -304,7 +306,7 @@ constexpr PhoneMessage kMessages[] = {
     {{ZYN_TYPE(38, PHONE_MSG_NETWORK_LIST_0_S), kNetworkListFields, "list"}, "network-list-0", {}, emitNetworkList<0>},
     {{ZYN_TYPE(39, PHONE_MSG_NETWORK_LIST_1_S), kNetworkListFields, "list"}, "network-list-1", {}, emitNetworkList<1>},
     {{ZYN_TYPE(40, PHONE_MSG_OPERATOR_LOGO_S), {{Byte, "value"}}}, "operator-logo",
-     {{"logo hide = %d", value(0)}}, emits<&Client::signalOperatorLogo, notZero(0)>},
+     {{"logo hide = ", value(0)}}, emits<&Client::signalOperatorLogo, notZero(0)>},
     {{ZYN_TYPE(41, PHONE_MSG_CSD_CALL_STAT_CHANGED_S)}, "csd-call-changed",
      {}, emits<&Client::signalCSDCallStatChanged>},
     {{ZYN_TYPE(42, PHONE_MSG_CALL_FORWARD_STAT_CHANGED_S)}, "call-forward-changed",
@@ -325,7 +327,7 @@ constexpr PhoneMessage kMessages[] = {
     {{ZYN_TYPE(51, PHONE_MSG_WIFI_PROFILE_NAME_S), {{Text, "name"}}}, "wifi-profile-name",
      {}, emits<&Client::signalWifiProfileName, value(0)>},
     {{ZYN_TYPE(52, PHONE_MSG_UMA_ICON_S), {{Byte, "value"}}}, "uma-icon",
-     {{"UMA:value =  %d\n", value(0)}}, emits<&Client::signalDisplayUMAIcon, value(0)>},
+     {{"UMA:value =  ", value(0), nullptr, "\n"}}, emits<&Client::signalDisplayUMAIcon, value(0)>},
     {{ZYN_TYPE(53, PHONE_MSG_SIM_CARD_CHANGED_S)}, "sim-card-changed",
      {{"get message: PHONE_MSG_SIM_CARD_CHANGED_S\n"}}, emits<&Client::signalSimCardChanged>},
     {{ZYN_TYPE(54, PHONE_MSG_GET_TOTAL_BYTE_AND_DURATION_S)}, "get-totals", {}, nullptr},
@@ -349,15 +351,10 @@ constexpr bool isIndexedByType()
 
 static_assert(isIndexedByType());
 
-/// Whether @p line converts nothing, or one field of @p fields as that is to be printed.
+/// Whether @p line has no argument, or one that its message has.
 constexpr bool suits(const LogLine& line, std::initializer_list<Field> fields)
 {
-    if (line.conversion() == '\0')
-        return true;
-    const std::string_view format(line.format);
-    if (line.argument.field >= fields.size() || format.find('%') != format.rfind('%'))
-        return false;
-    return line.conversion() == (fields.begin()[line.argument.field].kind == Text ? 's' : 'd');
+    return line.argument.rule == Rule::Unused || line.argument.field < fields.size();
 }
 
 constexpr bool logLinesSuitTheirFields()
@@ -373,27 +370,22 @@ constexpr bool logLinesSuitTheirFields()
 
 static_assert(logLinesSuitTheirFields());
 
-void printBanner(const LogLine& line)
+void print(LogText& log, const LogLine& line, const Message& message, const FieldValues& values)
 {
-    if (line.banner)
-        PHONE_Log(kPhoneLogLevel, "%s", line.banner);
+    const auto add = [&log](const char* text) {
+        if (text)
+            log << text;
+    };
+    const auto [field, rule] = line.argument;
+    add(line.banner);
+    add(line.text);
+    if (rule != Rule::Unused && message.fields.begin()[field].kind == Text)
+        add(values[field].text.toLatin1().constData());
+    else if (rule != Rule::Unused)
+        log << number(values, line.argument);
+    add(line.end);
+    add(line.banner);
 }
-
-// The formats come from the table, where they are checked when it is compiled.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-void print(const LogLine& line, const FieldValues& values)
-{
-    printBanner(line);
-    if (line.conversion() == 's')
-        PHONE_Log(kPhoneLogLevel, line.format, values[line.argument.field].text.toLatin1().constData());
-    else if (line.conversion() == 'd')
-        PHONE_Log(kPhoneLogLevel, line.format, number(values, line.argument));
-    else
-        PHONE_Log(kPhoneLogLevel, "%s", line.format);
-    printBanner(line);
-}
-#pragma GCC diagnostic pop
 
 /// The decimal number that follows @p prefix in @p name, however it is spelled.
 std::optional<size_t> numberAfter(std::string_view prefix, std::string_view name)
@@ -421,14 +413,15 @@ const PhoneMessage* phoneMessage(const QCString& name)
     return type && *type < std::size(kMessages) && name == kMessages[*type].name ? &kMessages[*type] : nullptr;
 }
 
-void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line)
+void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, LogText& log, int line)
 {
     const PhoneMessage* const message = phoneMessage(name);
     if (!message)
         return;
     FieldValues values = message->isRecord() ? FieldValues() : decode(*message, payload);
     for (const LogLine& logLine : message->log)
-        print(logLine, values);
+        print(log, logLine, *message, values);
+    log.flush();
     if (message->emitSignals)
         message->emitSignals(Emitter(client, line), values, payload);
 }

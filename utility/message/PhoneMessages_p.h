@@ -16,8 +16,8 @@ namespace zyn {
 /// The source that the trace lines of a client name.
 inline constexpr char kClientSource[] = "utility/PHONE_MsgClient";
 
-/// How a field becomes what is logged or emitted of it.
-enum class Rule : uint8_t { AsItIs, NotZero, IsZero, IsOne, LowByte };
+/// How a field becomes what is logged or emitted of it: not at all, for one.
+enum class Rule : uint8_t { Unused, AsItIs, NotZero, IsZero, IsOne, LowByte };
 
 struct Argument
 {
@@ -25,22 +25,17 @@ struct Argument
     Rule rule;
 };
 
-/// One debug line: a printf format with at most one conversion, %d for a number or %s for a text, and its argument.
+/// One debug line: a text, and behind it an argument, a number or a text, if it has one.
 struct LogLine
 {
-    const char* format;
+    const char* text;
     Argument argument = {};
     const char* banner = nullptr; ///< printed before and after the line
-
-    /// What the format converts: 's', 'd', or NUL for nothing.
-    constexpr char conversion() const
-    {
-        const size_t percent = std::string_view(format).find('%');
-        return percent == std::string_view::npos ? '\0' : format[percent + 1];
-    }
+    const char* end = nullptr;    ///< what follows the argument
 };
 
 class Emitter;
+class LogText;
 
 /// One message type. A request has neither log lines nor signals: the client receives its own and ignores it.
 struct PhoneMessage : Message
@@ -66,7 +61,9 @@ inline const PhoneMessage& phoneMessage(PHONE_Msg::PHONE_MSG_TYPE_T type)
 const PhoneMessage* phoneMessage(const QCString& name);
 
 /// Reads, logs and emits one message. One that is not a status message of the phone channel is ignored.
+/// @param log   lines to write before those of the message
 /// @param line  of the call, for the trace lines
-void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, int line = __builtin_LINE());
+void deliver(PHONE_MsgClient& client, const QCString& name, const QByteArray& payload, LogText& log,
+             int line = __builtin_LINE());
 
 } // namespace zyn
