@@ -2,9 +2,8 @@
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
-#include "tests/support/LineProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/Scenario.h"
-#include "tests/support/ServiceProcess.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/support/Timeout.h"
 #include "tests/support/Tool.h"
@@ -45,7 +44,7 @@ bool add(const Words& words)
 
 /// A program whose lines are read one by one; it listens once it is started. Its log stands among what it shows, unless
 /// that goes to the file @p output.
-class Screen : public LineProcess
+class Screen : public QProcess
 {
 public:
     explicit Screen(const char* program, const QStringList& options = {}, const QString& output = {})
@@ -55,8 +54,30 @@ public:
         setReadChannel(output.isEmpty() ? StandardOutput : StandardError);
         start(QLatin1String(program), options);
     }
+    ~Screen() override { end(SIGTERM); }
+
+    /// The next line, without its end; empty when none comes.
+    QString nextLine()
+    {
+        while (!canReadLine() && waitForReadyRead(role::kTimeout)) {
+        }
+        return QString::fromUtf8(readLine()).remove(u'\n');
+    }
     /// The lines before the next one that is @p last.
-    QString until(const QString& last) { return linesBefore(last).replace(u'\n', u'|'); }
+    QString until(const QString& last)
+    {
+        QString lines;
+        for (QString line = nextLine(); line != last && state() == Running; line = nextLine())
+            lines += line + u'|';
+        return lines;
+    }
+    /// Sends the signal, and gives the exit code; -1 when the process was killed.
+    int end(int signal)
+    {
+        if (processId() != 0)
+            ::kill(static_cast<pid_t>(processId()), signal);
+        return role::finish(*this);
+    }
 
     /// Reads until a line contains the text: who looks late may find the next change made already.
     bool comesTo(const Words& text)

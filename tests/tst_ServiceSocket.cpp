@@ -2,7 +2,7 @@
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
 #include "platform/posix/UnixSocket_p.h"
-#include "tests/support/ServiceProcess.h"
+#include "tests/support/Process.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/support/Timeout.h"
 

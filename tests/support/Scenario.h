@@ -1,7 +1,7 @@
 // Scenarios: tests that are written as text, one step a line.
 #pragma once
 
-#include "tests/support/Role.h"
+#include "tests/support/Process.h"
 #include "tests/support/StdoutCapture.h"
 
 #include <QtCore/QDeadlineTimer>

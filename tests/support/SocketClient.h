@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/posix/UnixSocket_p.h"
-#include "tests/support/Role.h"
+#include "tests/support/Process.h"
 #include "tests/support/ScriptedService.h"
 
 #include <initializer_list>

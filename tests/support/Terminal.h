@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/posix/UniqueFd_p.h"
-#include "tests/support/Role.h"
+#include "tests/support/Process.h"
 
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QRegularExpression>

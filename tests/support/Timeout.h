@@ -1,7 +1,7 @@
 // Qt's macros that wait for something, with the timeout of tests that wait for other processes.
 #pragma once
 
-#include "tests/support/Role.h"
+#include "tests/support/Process.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtTest/QTest>

@@ -1,7 +1,7 @@
 // The command-line tool as its users run it.
 #pragma once
 
-#include "tests/support/Role.h"
+#include "tests/support/Process.h"
 
 #include <QtCore/QProcess>
 #include <QtTest/QTest>
