@@ -1,9 +1,8 @@
 // Commands on a socket, and the connection under them. Signals interrupt every wait.
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
-#include "platform/posix/UniqueFd_p.h"
-#include "platform/posix/UnixSocket_p.h"
 #include "support/Descriptors.h"
+#include "support/SocketClient.h"
 
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
@@ -58,28 +57,15 @@ QByteArray read(const UniqueFd& socket)
     const Command command(Socket_ReadCommand(socket.get()));
     if (!command)
         return {};
-    return header(command->commandId, command->dataLength) + QByteArray(command->dataBuffer(), command->dataLength);
+    return frame(command->commandId, QByteArray(command->dataBuffer(), command->dataLength));
 }
 
-bool send(const UniqueFd& socket, const QByteArray& bytes)
+/// The next @p size bytes; none when the peer closes before.
+QByteArray receive(const UniqueFd& socket, qsizetype size)
 {
-    const auto span = std::as_bytes(std::span(bytes.constData(), size_t(bytes.size())));
-    return zyn::posix::sendAll(socket.get(), span, {}, Clock::now() + kTimeout);
-}
-
-/// What comes until the peer closes, but no more than @p limit bytes.
-QByteArray receive(const UniqueFd& socket, qsizetype limit)
-{
-    QByteArray all;
-    std::vector<std::byte> block(static_cast<size_t>(limit));
-    while (all.size() < limit) {
-        const auto room = std::span(block).first(static_cast<size_t>(limit - all.size()));
-        const ssize_t n = zyn::posix::receiveSome(socket.get(), room);
-        if (n == 0 || (n < 0 && !zyn::posix::waitUntilReadable(socket.get(), Clock::now() + kTimeout)))
-            break;
-        all.append(reinterpret_cast<const char*>(block.data()), std::max<ssize_t>(n, 0));
-    }
-    return all;
+    QByteArray bytes(size, '\0');
+    const auto block = std::as_writable_bytes(std::span(bytes.data(), size_t(size)));
+    return zyn::posix::receiveAll(socket.get(), block, Clock::now() + kTimeout) ? bytes : QByteArray();
 }
 
 std::atomic<int> s_signals = 0;
@@ -128,14 +114,7 @@ private Q_SLOTS:
     void trustsItsUserAndRoot();
 
 private:
-    UniqueFd listenAt(const QByteArray& name)
-    {
-        UniqueFd listener = zyn::posix::unixSocket();
-        const auto address = zyn::posix::unixAddress(path(name));
-        if (::bind(listener.get(), address.get(), address.length) != 0 || ::listen(listener.get(), 0) != 0)
-            listener.reset();
-        return listener;
-    }
+    UniqueFd listenAt(const QByteArray& name) const { return zyn::posix::listenUnix(path(name), 0600); }
     QByteArray path(const QByteArray& name) const { return QFile::encodeName(m_directory.path()) + '/' + name; }
 
     QTemporaryDir m_directory;
@@ -159,21 +138,22 @@ void tst_Socket_Command::carriesEveryCommandWhole()
     for (const auto& [size, piece, flags] :
          {Row{0, 1, 0}, Row{4, 1, O_NONBLOCK}, Row{8 + 50 * 228, 501, 0}, Row{kCommandDataLimit, 50'001, O_NONBLOCK}}) {
         QVERIFY(retry([&, flags = flags] { return ::fcntl(m_near.get(), F_SETFL, flags); }) == 0);
-        QByteArray frame = header(size - 4, size);
+        QByteArray data;
         for (int i = 0; i < size; ++i)
-            frame += char(i * 31LL % 251);
+            data += char(i * 31LL % 251);
+        const QByteArray whole = frame(size - 4, data);
         // The peer takes the frame in pieces, and sends it back so.
-        auto peer = std::async(std::launch::async, [this, piece = piece, whole = frame.size()] {
+        auto peer = std::async(std::launch::async, [this, piece = piece, total = whole.size()] {
             QByteArray received;
-            for (; received.size() < whole; waitForASignal())
-                received += receive(m_far, std::min<qsizetype>(piece, whole - received.size()));
-            for (qsizetype i = 0; i < whole; i += piece, waitForASignal())
+            for (qsizetype i = 0; i < total; i += piece, waitForASignal())
+                received += receive(m_far, std::min<qsizetype>(piece, total - i));
+            for (qsizetype i = 0; i < total; i += piece, waitForASignal())
                 send(m_far, received.mid(i, piece));
             return received;
         });
-        QCOMPARE(Socket_WriteCommand(m_near.get(), command(size - 4, frame.sliced(8)).get()), 0);
-        QVERIFY(read(m_near) == frame);
-        QVERIFY(peer.get() == frame);
+        QCOMPARE(Socket_WriteCommand(m_near.get(), command(size - 4, data).get()), 0);
+        QVERIFY(read(m_near) == whole);
+        QVERIFY(peer.get() == whole);
     }
 }
 
@@ -183,21 +163,21 @@ void tst_Socket_Command::holdsLengthsToTheData()
     for (const int length : {4, 2, 0, 5, -1, INT_MIN, kCommandDataLimit + 1, INT_MAX}) {
         cleanup();
         init();
-        const QByteArray frame = length <= 4 && length >= 0 ? header(1, length) + QByteArray("data").first(length) : "";
+        const QByteArray expected = length <= 4 && length >= 0 ? frame(1, QByteArray("data").first(length)) : "";
         const Command body = command(1, "data");
         body->dataLength = length;
-        QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), frame.isEmpty() ? -1 : 0);
+        QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), expected.isEmpty() ? -1 : 0);
         QVERIFY(send(m_near, header(1, length) + "data"));
         QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(), length >= 0 && length <= kCommandDataLimit);
         m_near.reset();
-        if (!frame.isEmpty())
-            QCOMPARE(read(m_far), frame); // the written one; the other was made up
-        QCOMPARE(read(m_far), frame);
+        if (!expected.isEmpty())
+            QCOMPARE(read(m_far), expected); // the written one; the other was made up
+        QCOMPARE(read(m_far), expected);
     }
     for (qsizetype length = 0; length < 12; ++length) { // of a frame that is cut short
         cleanup();
         init();
-        QVERIFY(send(m_far, (header(1, 4) + "data").first(length)));
+        QVERIFY(send(m_far, frame(1, "data").first(length)));
         m_far.reset();
         QCOMPARE(read(m_near), QByteArray());
     }
@@ -229,7 +209,7 @@ void tst_Socket_Command::givesUpASilentPeer()
     const UniqueFd listener = listenAt("silent");
     const UniqueFd client = connectUnix(path("silent"), kTimeout);
     const UniqueFd server = zyn::posix::acceptConnection(listener.get());
-    QVERIFY(send(server, header(1, 4) + "dat"));
+    QVERIFY(send(server, frame(1, "data").chopped(1)));
     // All three at the same time: a frame that stops, one that never begins, and a peer that takes nothing.
     const auto begin = Clock::now();
     auto stops = std::async(std::launch::async, [&] { return read(client); });
@@ -247,6 +227,7 @@ void tst_Socket_Command::connectsOrFails()
 
     const QByteArray longest(zyn::posix::kUnixPathLimit - path({}).size(), 'x');
     const UniqueFd listener = listenAt(longest);
+    QVERIFY(::listen(listener.get(), 0) == 0);
     QVERIFY2(!connectUnix(path(longest + 'x'), kTimeout).isValid(), "connected to a server of a shorter name");
 
     // Nobody accepts: each takes a place of the backlog, until one has to wait.

@@ -18,11 +18,11 @@ inline QByteArray frame(int32_t code, const QByteArray& data = {})
     return ScriptedService::frame(code, data);
 }
 
-inline void send(const zyn::posix::UniqueFd& fd, const QByteArray& bytes)
+inline bool send(const zyn::posix::UniqueFd& fd, const QByteArray& bytes)
 {
     const auto block = std::as_bytes(std::span(bytes.data(), size_t(bytes.size())));
     const auto deadline = zyn::posix::Clock::now() + std::chrono::milliseconds(role::kTimeout);
-    zyn::posix::sendAll(fd.get(), block, {}, deadline);
+    return zyn::posix::sendAll(fd.get(), block, {}, deadline);
 }
 
 /// A connection to the service at @p path on which @p bytes were sent.
