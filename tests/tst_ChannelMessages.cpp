@@ -142,17 +142,8 @@ void makeCall(decltype(PHONE_MakeVoiceCall)* make, const Words& words)
          PHONE_MAKE_CALL_CLIR_T{words[3].toInt()}, static_cast<signed char>(words[4].toInt()));
 }
 
-template<typename Type, typename Sender>
-bool sendType(Sender&& sender, const Words& words)
+QString shown(const QCString& name)
 {
-    const auto type = static_cast<Type>(words[0].toInt());
-    return words.size() == 1 ? sender.send(type) : sender.send(type, payloadOf(words));
-}
-
-template<typename Type, typename Sender>
-QString nameOfType(Sender&& sender, const Words& words)
-{
-    const QCString name = sender.getMsg(static_cast<Type>(words[0].toInt()));
     return name.isNull() ? u"null"_s : QString::fromLatin1(name);
 }
 
@@ -166,13 +157,15 @@ Verbs requests(PHONE_MsgClient& client)
         {u"setFearureDBCurrLang"_s, [&](const Words& words) { client.setFearureDBCurrLang(words[0].toInt()); }},
         {u"resetTotalDuration"_s, [&](const Words& words) { client.resetTotalDuration(words[0] == u"true"_s); }},
         {u"getTotalByteAndConnectedDuration"_s, [&] { return client.getTotalByteAndConnectedDuration(); }},
-        {u"send"_s, [&](const Words& words) { return sendType<Phone>(client, words); }},
-        {u"name"_s, [&](const Words& words) { return nameOfType<Phone>(client, words); }},
+        {u"send"_s, [&](const Words& w) { return client.send(Phone(w[0].toInt()), payloadOf(w)); }},
+        {u"send-bare"_s, [&](const Words& words) { return client.send(Phone(words[0].toInt())); }},
+        {u"name"_s, [&](const Words& words) { return shown(client.getMsg(Phone(words[0].toInt()))); }},
         {u"PHONE_SetRFMode"_s, [](const Words& words) { PHONE_SetRFMode(words[0] == u"true"_s); }},
         {u"PHONE_SetTAPILanguage"_s, [](const Words& words) { PHONE_SetTAPILanguage(words[0].toInt()); }},
 
-        {u"screens-send"_s, [](const Words& words) { return sendType<Screen>(RecentCall_Msg(), words); }},
-        {u"screens-name"_s, [](const Words& words) { return nameOfType<Screen>(RecentCall_Msg(), words); }},
+        {u"screens-send"_s, [](const Words& w) { return Screens::send(Screen(w[0].toInt()), payloadOf(w)); }},
+        {u"screens-send-bare"_s, [](const Words& words) { return Screens::send(Screen(words[0].toInt())); }},
+        {u"screens-name"_s, [](const Words& words) { return shown(Screens::getMsg(Screen(words[0].toInt()))); }},
         {u"requestShowUI"_s, [](const Words& w) { return Screens::requestShowUI(RC_CALL_CATEGORY_T(w[0].toInt())); }},
         {u"requestShowPage"_s, [](const Words& w) { return Screens::requestShowPage(RC_PAGE_ID_T{w[0].toInt()}); }},
         {u"showRecordDetail"_s,
