@@ -143,7 +143,7 @@ void tst_RecentCallInterfaces::serve()
 void tst_RecentCallInterfaces::giveTheEnginesList()
 {
     Missed calls;
-    StderrCapture capture;
+    StdoutCapture capture(stderr);
     QVERIFY(calls.getUnreadMissedCalls().isEmpty());
     const QString log = QString::fromLatin1(capture.take());
     const QRegularExpression line(u"\\A\\{1\\} RC_MissedCallInterface\\.cpp:\\d+\tooooooooooo\n\\z"_s);

@@ -10,14 +10,19 @@
 
 #include <unistd.h>
 
-/// From its construction to take() or its destruction, standard output goes to a file: printf, streams and C code
-/// alike.
+/// From its construction to take() or its destruction, standard output or another stream goes to a file: printf,
+/// streams and C code alike.
 class StdoutCapture
 {
 public:
-    StdoutCapture()
-        : StdoutCapture(stdout)
-    {}
+    explicit StdoutCapture(std::FILE* stream = stdout)
+        : m_stream(stream)
+    {
+        m_file.open();
+        std::fflush(m_stream);
+        m_real.reset(::dup(::fileno(m_stream)));
+        ::dup2(m_file.handle(), ::fileno(m_stream));
+    }
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
     ~StdoutCapture() { restore(); }
@@ -28,16 +33,6 @@ public:
         restore();
         m_file.seek(0);
         return m_file.readAll();
-    }
-
-protected:
-    explicit StdoutCapture(std::FILE* stream)
-        : m_stream(stream)
-    {
-        m_file.open();
-        std::fflush(m_stream);
-        m_real.reset(::dup(::fileno(m_stream)));
-        ::dup2(m_file.handle(), ::fileno(m_stream));
     }
 
 private:
@@ -53,13 +48,4 @@ private:
     std::FILE* m_stream;
     QTemporaryFile m_file;
     zyn::posix::UniqueFd m_real;
-};
-
-/// The same for standard error.
-class StderrCapture : public StdoutCapture
-{
-public:
-    StderrCapture()
-        : StdoutCapture(stderr)
-    {}
 };
