@@ -23,6 +23,7 @@
 
 #include <sys/inotify.h>
 #include <sys/resource.h>
+#include <sys/shm.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -263,6 +264,8 @@ private Q_SLOTS:
 
     void handsOverMessages_data() { scenario::addRows(QFINDTESTDATA("data/channels.txt")); }
     void handsOverMessages();
+    void findsWhoComesBetweenTwoMessages_data();
+    void findsWhoComesBetweenTwoMessages();
     void writesAHandfulOfATurnAtOnceAndGathersABurst();
     void movesWhatWaitsOnOneChannelWithMessagesOnOthers();
     void losesNothingAndKeepsEachSendersOrder_data();
@@ -365,6 +368,48 @@ void tst_QCopChannel::handsOverMessages()
         });
     });
     scenario::play(verbs);
+}
+
+void tst_QCopChannel::findsWhoComesBetweenTwoMessages_data()
+{
+    QTest::addColumn<QByteArray>("command"); // on the name of the number that listeners and senders share
+    QTest::addColumn<int>("size");           // of a segment that is named instead
+    QTest::addColumn<int>("flags");
+    QTest::newRow("counted") << QByteArray("true") << 0 << 0;
+    QTest::newRow("the name is removed") << QByteArray("rm .zyn-changes") << 0 << 0;
+    QTest::newRow("the directories are made anew") << QByteArray("rm -r $PWD") << 0 << 0;
+    QTest::newRow("a file has the name") << QByteArray("rm .zyn-changes; touch .zyn-changes") << 0 << 0;
+    for (const QByteArray& name : {QByteArray("0-0"), QByteArray("2147483648-0"), QByteArray(1000, '9')})
+        QTest::newRow("named: " + name.first(3)) << "ln -sfn " + name + " .zyn-changes" << 0 << 0;
+    QTest::newRow("a segment that somebody else has made") << QByteArray() << 16 << 0600;
+    QTest::newRow("a segment that others may write") << QByteArray() << 16 << 0606;
+    QTest::newRow("a segment that is too small") << QByteArray() << 8 << 0600;
+    QTest::newRow("a segment of huge pages that are wanting")
+        << QByteArray() << 16 << (0600 | SHM_HUGETLB | SHM_NORESERVE);
+}
+
+void tst_QCopChannel::findsWhoComesBetweenTwoMessages()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(int, size);
+    QFETCH(int, flags);
+    Inbox early;
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(QCopChannel::send(kChannel, "n"));
+    const int segment = size > 0 ? ::shmget(IPC_PRIVATE, static_cast<size_t>(size), flags | IPC_CREAT) : 0;
+    if (segment < 0)
+        QSKIP("there are no such segments");
+    const auto remove = qScopeGuard([&] { size > 0 ? ::shmctl(segment, IPC_RMID, nullptr) : 0; });
+    if (size > 0)
+        command = "ln -sfn " + QByteArray::number(segment) + "-0 .zyn-changes";
+    QCOMPARE(std::system(("cd " + root() + " && " + command).constData()), 0);
+    std::vector<std::unique_ptr<Inbox>> late;
+    for (constexpr size_t kCount = 30; late.size() < kCount;) {
+        late.push_back(std::make_unique<Inbox>());
+        QVERIFY(QCopChannel::send(kChannel, "n"));
+    }
+    for (size_t i = 0; i < late.size(); ++i)
+        QTRY_COMPARE(late[i]->names.size(), qsizetype(late.size() - i));
 }
 
 void tst_QCopChannel::writesAHandfulOfATurnAtOnceAndGathersABurst()

@@ -4,6 +4,7 @@
 #include "platform/posix/PathAt_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <ctime>
@@ -83,6 +84,9 @@ UniqueFd makePrivateDirectory(const QByteArray& path)
 
 UniqueFd makePrivateDirectory(int parent, const QByteArray& name)
 {
+    UniqueFd fd = openPrivateDirectory(parent, name);
+    if (fd.isValid() || errno != ENOENT)
+        return fd;
     ::mkdirat(parent, name.constData(), kOwnerOnly);
     return openPrivateDirectory(parent, name);
 }
@@ -141,6 +145,20 @@ bool removeEntry(int directory, const QByteArray& name)
 bool removeEmptyDirectory(int directory, const QByteArray& name)
 {
     return ::unlinkat(directory, name.constData(), AT_REMOVEDIR) == 0;
+}
+
+QByteArray linkTarget(int directory, const QByteArray& name)
+{
+    std::array<char, 255> target = {};
+    const ssize_t size = ::readlinkat(directory, name.constData(), target.data(), target.size());
+    return {target.data(), std::max<qsizetype>(size, 0)};
+}
+
+bool replaceLink(int directory, const QByteArray& name, const QByteArray& target)
+{
+    if (!linkTarget(directory, name).isEmpty())
+        removeEntry(directory, name);
+    return ::symlinkat(target.constData(), directory, name.constData()) == 0;
 }
 
 QByteArray pathOf(int directory)

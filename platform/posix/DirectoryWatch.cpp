@@ -15,7 +15,6 @@ namespace {
 
 constexpr uint32_t kMoves = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr uint32_t kArrivals = IN_CREATE | IN_MOVED_TO;
-constexpr uint32_t kDirectoryEvents = kMoves | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB | IN_ONLYDIR;
 /// A file loses its name by a change of its link count; while it is in use, it is not deleted.
 constexpr uint32_t kFileEvents = kMoves | IN_ATTRIB | IN_DONT_FOLLOW;
 
@@ -28,21 +27,6 @@ DirectoryWatch::DirectoryWatch()
 int DirectoryWatch::addWatch(const QByteArray& path, uint32_t events)
 {
     return m_fd.isValid() ? ::inotify_add_watch(m_fd.get(), path.constData(), events) : kUnwatched;
-}
-
-int DirectoryWatch::add(int directory)
-{
-    const int id = addWatch(pathThrough(directory, "."), kDirectoryEvents);
-    if (id != kUnwatched)
-        m_changed.try_emplace(id, m_now);
-    return id;
-}
-
-void DirectoryWatch::addShared(int directory)
-{
-    // One that cannot be watched makes all others worthless.
-    if (addWatch(pathThrough(directory, "."), kDirectoryEvents | IN_CREATE) == kUnwatched)
-        m_fd.reset();
 }
 
 /// False when there is none. One that nobody may read is as good as watched: it is not this user's to move.
@@ -76,7 +60,6 @@ int DirectoryWatch::addFile(int directory, const QByteArray& name)
 
 void DirectoryWatch::remove(int id)
 {
-    m_changed.erase(id);
     if (id != kUnwatched && m_fd.isOwn())
         ::inotify_rm_watch(m_fd.get(), id);
 }
@@ -84,26 +67,18 @@ void DirectoryWatch::remove(int id)
 bool DirectoryWatch::poll()
 {
     alignas(inotify_event) std::array<std::byte, 4096> buffer;
-    const quint64 before = m_now;
+    bool hasChanged = false;
     ssize_t size = 0;
     while (m_fd.isValid() && (size = retry([&] { return ::read(m_fd.get(), buffer.data(), buffer.size()); })) > 0) {
         for (size_t offset = 0; offset < static_cast<size_t>(size);) {
             inotify_event event = {};
             std::memcpy(&event, buffer.data() + offset, sizeof event);
             offset += sizeof event + event.len;
-            if ((event.mask & IN_IGNORED) != 0) // the end of a watch, whose reason was an event of its own
-                continue;
-            const auto found = m_changed.find(event.wd);
-            (found == m_changed.end() ? m_allChanged : found->second) = ++m_now;
+            // The end of a watch has a reason that is an event of its own.
+            hasChanged = hasChanged || (event.mask & IN_IGNORED) == 0;
         }
     }
-    return m_now != before;
-}
-
-bool DirectoryWatch::hasChanged(int id, quint64 moment) const
-{
-    const auto found = m_changed.find(id);
-    return found == m_changed.end() || found->second > moment;
+    return hasChanged;
 }
 
 } // namespace zyn::posix

@@ -49,6 +49,12 @@ bool removeEntry(int directory, const QByteArray& name);
 bool removeEmptyDirectory(int directory, const QByteArray& name);
 /// @}
 
+/// Where the link @p name in @p directory leads, at most its first 255 bytes; empty when there is no link.
+QByteArray linkTarget(int directory, const QByteArray& name);
+
+/// Makes the link @p name in @p directory, instead of another, but of nothing else; whether it was made.
+bool replaceLink(int directory, const QByteArray& name, const QByteArray& target);
+
 /// The path by which the open directory @p directory is found now; empty when the kernel does not know.
 QByteArray pathOf(int directory);
 

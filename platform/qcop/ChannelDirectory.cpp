@@ -55,7 +55,8 @@ QByteArray cleanPath(const QByteArray& path)
 
 ChannelEnvironment ChannelEnvironment::current()
 {
-    return {qgetenv("ZYN_QCOP_PATH"), qgetenv("XDG_RUNTIME_DIR")};
+    QByteArray path = qgetenv("ZYN_QCOP_PATH");
+    return path.isEmpty() ? ChannelEnvironment{{}, qgetenv("XDG_RUNTIME_DIR")} : ChannelEnvironment{path, {}};
 }
 
 QByteArray ChannelEnvironment::root() const
@@ -86,16 +87,21 @@ std::optional<ChannelDirectory> ChannelDirectory::openEntry(posix::UniqueFd root
 
 std::optional<ChannelDirectory> ChannelDirectory::open(const QByteArray& root, const QByteArray& channel)
 {
-    posix::UniqueFd fd = posix::openPrivateDirectory(root);
-    if (!fd.isValid())
+    return open(posix::openPrivateDirectory(root), channel);
+}
+
+std::optional<ChannelDirectory> ChannelDirectory::open(posix::UniqueFd root, const QByteArray& channel)
+{
+    if (!root.isValid())
         return std::nullopt;
-    return openEntry(std::move(fd), fileName(channel));
+    return openEntry(std::move(root), fileName(channel));
 }
 
 std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, const QByteArray& channel)
 {
-    posix::makePrivateDirectory(makeRoot(root).get(), fileName(channel));
-    return open(root, channel);
+    posix::UniqueFd fd = makeRoot(root);
+    posix::makePrivateDirectory(fd.get(), fileName(channel));
+    return open(std::move(fd), channel);
 }
 
 posix::UniqueFd ChannelDirectory::makeRoot(const QByteArray& root)

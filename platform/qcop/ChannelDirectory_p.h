@@ -15,7 +15,7 @@ namespace zyn {
 struct ChannelEnvironment
 {
     QByteArray channelPath; ///< ZYN_QCOP_PATH
-    QByteArray runtimePath; ///< XDG_RUNTIME_DIR
+    QByteArray runtimePath; ///< XDG_RUNTIME_DIR; empty where it does not count
 
     static ChannelEnvironment current();
     bool operator==(const ChannelEnvironment&) const = default;
@@ -40,6 +40,8 @@ public:
     /// Opens the directory of @p channel under @p root; nothing when either is missing, with errno ENOENT, or may not
     /// be used.
     static std::optional<ChannelDirectory> open(const QByteArray& root, const QByteArray& channel);
+    /// The same under the open directory @p root.
+    static std::optional<ChannelDirectory> open(posix::UniqueFd root, const QByteArray& channel);
     /// The same; what is missing is made first.
     static std::optional<ChannelDirectory> make(const QByteArray& root, const QByteArray& channel);
     /// The directory in which the channels' are, open and made when missing; none when it may not be used.
@@ -54,6 +56,8 @@ public:
     static QByteArray path(const QByteArray& root, const QByteArray& channel);
 
     int fd() const { return m_fd.get(); }
+    /// The directory in which it is.
+    int root() const { return m_root.get(); }
 
     /// The names of the listeners, living or dead; nothing when they could not all be read.
     std::optional<QList<QByteArray>> listeners() const;

@@ -3,6 +3,7 @@
 
 #include "platform/posix/Acceptor_p.h"
 #include "platform/posix/UnixSocket_p.h"
+#include "platform/qcop/ChannelChanges_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -228,6 +229,8 @@ ChannelListener::~ChannelListener()
     if (const auto directory = ChannelDirectory::open(m_environment.root(), m_channel)) {
         directory->remove(m_name);
         directory->removeIfEmpty();
+        if (m_announced)
+            ChannelChanges::withdraw(directory->root(), *m_announced);
     }
 }
 
@@ -240,7 +243,10 @@ bool ChannelListener::isListening() const
 
 std::unique_ptr<ChannelListener::Entrance> ChannelListener::makeEntrance()
 {
-    return std::make_unique<Entrance>(Entrance{posix::ForkLocalFd([this] { return openSocket(); }), nullptr});
+    auto entrance = std::make_unique<Entrance>(Entrance{posix::ForkLocalFd([this] { return openSocket(); }), nullptr});
+    if (entrance->socket.isValid())
+        m_announced = ChannelChanges::announce(ChannelDirectory::makeRoot(m_environment.root()).get());
+    return entrance;
 }
 
 posix::UniqueFd ChannelListener::openSocket()

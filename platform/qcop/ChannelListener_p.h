@@ -4,6 +4,7 @@
 #include "platform/posix/DirectoryWatch_p.h"
 #include "platform/posix/File_p.h"
 #include "platform/posix/ForkLocalFd_p.h"
+#include "platform/posix/SharedCounter_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 
 #include <QtCore/QObject>
@@ -62,6 +63,7 @@ private:
     const QByteArray m_name;
     const Receive m_receive;
     std::optional<posix::FileId> m_file; ///< the socket's
+    std::optional<posix::SharedCounter> m_announced;
     std::unique_ptr<Entrance> m_entrance;
     std::unique_ptr<Entrance> m_oldEntrance; ///< for senders that have found it before its name was removed
     ListenerWatch* m_watch = nullptr;

@@ -1,7 +1,7 @@
 // The sending end of a channel: the connections to its listeners.
 #include "platform/qcop/ChannelPeers_p.h"
 
-#include "platform/posix/UnixSocket_p.h"
+#include "platform/qcop/ChannelChanges_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 
@@ -19,6 +19,8 @@ constexpr qsizetype kGatherSize = qsizetype{64} * 1024;
 constexpr qsizetype kIdleQueue = 4 * kGatherSize;
 /// How often a listener too busy to accept is tried again.
 constexpr std::chrono::milliseconds kRetryInterval{20};
+/// How soon a listener makes its socket again that somebody has removed.
+constexpr std::chrono::seconds kReturnTime{5};
 /// How many messages of one turn are written at once. What is gathered is late when the turn takes long, and lost when
 /// the process dies in it, so that it must be worth it.
 constexpr unsigned kAtOnce = 16;
@@ -40,13 +42,13 @@ ChannelPeer::~ChannelPeer()
     disconnect();
 }
 
-ChannelPeer::Result ChannelPeer::send(const ChannelFrame& frame, bool gather)
+ChannelPeer::Result ChannelPeer::send(const ChannelFrame& frame, bool gather, const ChannelDirectory* directory)
 {
     // A lost connection does not prove that the listener is dead; that a new one is refused does.
     for (int attempt = 0; attempt < 2; ++attempt) {
-        const Link state = link();
-        if (state == Link::Gone)
-            return Result::Gone;
+        const Link state = link(directory);
+        if (state == Link::Gone || state == Link::Coming)
+            return state == Link::Gone ? Result::Gone : Result::Coming;
         if (state == Link::Failed || !makeRoom(frame))
             return Result::Missed;
         if (put(frame, gather))
@@ -56,40 +58,58 @@ ChannelPeer::Result ChannelPeer::send(const ChannelFrame& frame, bool gather)
 }
 
 /// Makes the connection unless there is one.
-ChannelPeer::Link ChannelPeer::link()
+ChannelPeer::Link ChannelPeer::link(const ChannelDirectory* directory)
 {
-    return m_fd ? Link::Open : connect();
+    if (m_fd)
+        return Link::Open;
+    return directory ? connect(*directory) : connect();
 }
 
 ChannelPeer::Link ChannelPeer::connect()
 {
     const auto directory = ChannelDirectory::open(m_root, m_channel);
     if (!directory)
-        return errno == ENOENT ? Link::Gone : Link::Failed;
+        return errno != ENOENT ? Link::Failed : isAwaited() ? Link::Waiting : Link::Gone;
+    return connect(*directory);
+}
+
+ChannelPeer::Link ChannelPeer::connect(const ChannelDirectory& directory)
+{
     int error = 0;
     m_fd.emplace([&] {
-        posix::UniqueFd fd = directory->connectTo(m_name);
+        posix::UniqueFd fd = directory.connectTo(m_name);
         error = fd.isValid() ? 0 : errno;
         return fd;
     });
     if (m_fd->isValid() && posix::isPeerTrusted(fd())) {
         ++m_all.count;
+        m_goneSince.reset();
         return Link::Open;
     }
     m_fd.reset();
     switch (error) {
     case ECONNREFUSED:
-        // One that does not listen yet is found again when it does.
-        if (directory->removeIfDead(m_name))
-            directory->removeIfEmpty();
+        if (!directory.removeIfDead(m_name))
+            return isPending() ? Link::Waiting : Link::Coming;
+        directory.removeIfEmpty();
         return Link::Gone;
     case ENOENT:
-        return Link::Gone;
+        return isAwaited() ? Link::Waiting : Link::Gone;
     case EAGAIN:
         return Link::Waiting;
     default:
         return Link::Failed;
     }
+}
+
+/// Whether a listener that is not found may come back for what waits for it: the socket of one that was too busy to
+/// accept may have been removed.
+bool ChannelPeer::isAwaited()
+{
+    if (!isPending())
+        return false;
+    const auto now = posix::Clock::now();
+    return now - *(m_goneSince ? m_goneSince : m_goneSince = now) < kReturnTime;
 }
 
 /// Whether the message fits into what may wait, if need be after a write.
@@ -186,7 +206,7 @@ bool ChannelPeer::isIdle() const
 
 bool ChannelPeer::isAlive() const
 {
-    return m_fd && !posix::waitUntilClosed(fd(), posix::Clock::now());
+    return m_fd ? !posix::waitUntilClosed(fd(), posix::Clock::now()) : isPending();
 }
 
 void ChannelPeer::disconnect()
@@ -211,27 +231,25 @@ void ChannelPeer::notePending()
         m_pendingPlace = m_all.pending.insert(m_all.pending.end(), this);
 }
 
-ChannelPeers::ChannelPeers(const QByteArray& root, const QByteArray& channel, posix::DirectoryWatch& watch,
+ChannelPeers::ChannelPeers(const QByteArray& root, const QByteArray& channel, const ChannelChanges& changes,
                            ChannelConnections& connections)
     : m_root(root)
     , m_channel(channel)
-    , m_watch(watch)
+    , m_changes(changes)
     , m_connections(connections)
-    , m_watchId(posix::DirectoryWatch::kUnwatched)
 {}
 
-ChannelPeers::~ChannelPeers()
+bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd root)
 {
-    m_watch.remove(m_watchId);
-}
-
-bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn)
-{
-    // Noted before the list is read: what changes in between is noticed by the next send.
-    if (const quint64 now = m_watch.now(); hasChanged()) {
-        if (!refresh())
+    std::optional<ChannelDirectory> directory;
+    if (m_moment != m_changes.moment()) {
+        if (m_moment > 0) // who sends once does not clean up
+            ChannelDirectory::clean(m_root);
+        directory = root.isValid() ? ChannelDirectory::open(std::move(root), m_channel)
+                                   : ChannelDirectory::open(m_root, m_channel);
+        if (!refresh(directory))
             return false;
-        m_moment = now;
+        m_moment = m_changes.moment();
     }
     if (std::exchange(m_turn, turn) != turn)
         m_sentInTurn = 0;
@@ -239,9 +257,12 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn)
     m_sentInTurn = std::min(m_sentInTurn + 1, kAtOnce);
     bool isAccepted = true;
     for (auto it = m_peers.begin(); it != m_peers.end();) {
-        const auto result = it->second.send(frame, gather);
+        const auto result = it->second.send(frame, gather, directory ? &*directory : nullptr);
         isAccepted = isAccepted && result != ChannelPeer::Result::Missed;
-        it = result == ChannelPeer::Result::Gone ? m_peers.erase(it) : std::next(it);
+        if (result == ChannelPeer::Result::Coming)
+            m_moment = 0; // is looked for with every message until it listens
+        const bool isThere = result == ChannelPeer::Result::Accepted || result == ChannelPeer::Result::Missed;
+        it = isThere ? std::next(it) : m_peers.erase(it);
     }
     return isAccepted;
 }
@@ -251,27 +272,11 @@ bool ChannelPeers::isIdle() const
     return std::all_of(m_peers.begin(), m_peers.end(), [](const auto& entry) { return entry.second.isIdle(); });
 }
 
-bool ChannelPeers::hasChanged() const
+/// Reads the list anew; false when it may not be, or cannot all be, read. Without a directory there are no listeners.
+bool ChannelPeers::refresh(const std::optional<ChannelDirectory>& directory)
 {
-    return m_watch.haveAllChanged(m_moment) || (!m_isMissing && m_watch.hasChanged(m_watchId, m_moment));
-}
-
-bool ChannelPeers::refresh()
-{
-    ChannelDirectory::clean(m_root);
-    // Before the list is read, so that no listener comes unseen in between.
-    m_watch.addPath(m_root);
-    const posix::UniqueFd root = ChannelDirectory::makeRoot(m_root);
-    if (!root.isValid())
+    if (!directory && errno != ENOENT)
         return false;
-    m_watch.addShared(root.get());
-    const auto directory = ChannelDirectory::open(m_root, m_channel);
-    m_isMissing = !directory && errno == ENOENT;
-    if (!directory && !m_isMissing)
-        return false;
-    const int id = directory ? m_watch.add(directory->fd()) : posix::DirectoryWatch::kUnwatched;
-    if (const int oldId = std::exchange(m_watchId, id); oldId != id)
-        m_watch.remove(oldId);
     auto names = directory ? directory->listeners() : QList<QByteArray>();
     if (!names)
         return false;

@@ -1,8 +1,8 @@
 // The sending end of a channel: the connections to its listeners.
 #pragma once
 
-#include "platform/posix/DirectoryWatch_p.h"
 #include "platform/posix/ForkLocalFd_p.h"
+#include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QSocketNotifier>
@@ -16,6 +16,8 @@
 
 namespace zyn {
 
+class ChannelChanges;
+class ChannelDirectory;
 class ChannelFrame;
 class ChannelPeer;
 
@@ -41,6 +43,7 @@ public:
     enum class Result {
         Accepted, ///< the listener got or will get the message
         Missed,   ///< it will not
+        Coming,   ///< it does not listen yet
         Gone,     ///< there is no such listener any more
     };
 
@@ -50,8 +53,9 @@ public:
     ChannelPeer& operator=(const ChannelPeer&) = delete;
     ~ChannelPeer();
 
-    /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large write.
-    Result send(const ChannelFrame& frame, bool gather);
+    /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large write. Connects
+    /// through @p directory, the channel's, if it is open.
+    Result send(const ChannelFrame& frame, bool gather, const ChannelDirectory* directory = nullptr);
     /// Writes what is kept, as far as the socket has room.
     void flush();
     /// Has the calling thread's event loop write what is kept as soon as there is room.
@@ -68,10 +72,12 @@ public:
     int fd() const { return m_fd ? m_fd->get() : -1; }
 
 private:
-    enum class Link { Open, Waiting, Failed, Gone };
+    enum class Link { Open, Waiting, Failed, Coming, Gone };
 
-    Link link();
+    Link link(const ChannelDirectory* directory = nullptr);
     Link connect();
+    Link connect(const ChannelDirectory& directory);
+    bool isAwaited();
     bool makeRoom(const ChannelFrame& frame);
     bool put(const ChannelFrame& frame, bool gather);
     bool putAtOnce(const ChannelFrame& frame);
@@ -86,6 +92,7 @@ private:
     ChannelConnections& m_all;
     std::optional<posix::ForkLocalFd> m_fd; ///< a child's copy would seem to a listener to be a sender that lives
     std::optional<std::list<ChannelPeer*>::iterator> m_pendingPlace;
+    std::optional<posix::Clock::time_point> m_goneSince; ///< when it was first not found, with something pending
     QByteArray m_queue;
     qsizetype m_nextFlush;
     std::unique_ptr<QSocketNotifier> m_notifier; ///< enabled while connected and pending
@@ -99,34 +106,30 @@ class ChannelPeers
 public:
     using Map = std::map<QByteArray, ChannelPeer>;
 
-    /// Lives no longer than @p watch and @p connections, which those of other channels share.
-    ChannelPeers(const QByteArray& root, const QByteArray& channel, posix::DirectoryWatch& watch,
+    /// Lives no longer than @p changes and @p connections, which those of other channels share.
+    ChannelPeers(const QByteArray& root, const QByteArray& channel, const ChannelChanges& changes,
                  ChannelConnections& connections);
     ChannelPeers(const ChannelPeers&) = delete;
     ChannelPeers& operator=(const ChannelPeers&) = delete;
-    ~ChannelPeers();
 
     /// Sends to every listener that exists now; false when the channel may not be used or a listener misses the
     /// message. The first messages of @p turn are written at once, each; what follows is gathered, as then many follow.
-    /// Turn 0 is for a thread without turns.
-    bool send(const ChannelFrame& frame, quint64 turn);
+    /// Turn 0 is for a thread without turns. @p root is its directory if it is open.
+    bool send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd root);
     /// Whether all listeners have received all.
     bool isIdle() const;
     Map& peers() { return m_peers; }
 
 private:
-    bool hasChanged() const;
-    bool refresh();
+    bool refresh(const std::optional<ChannelDirectory>& directory);
 
     const QByteArray m_root;
     const QByteArray m_channel;
-    posix::DirectoryWatch& m_watch;
+    const ChannelChanges& m_changes;
     ChannelConnections& m_connections;
     Map m_peers;
-    quint64 m_moment = 0;     ///< of the watch, when the list was read
-    bool m_isMissing = false; ///< whether there was no directory then, hence nothing to watch
-    int m_watchId;
-    quint64 m_turn = 0; ///< the one in which something was last sent
+    uint64_t m_moment = 0; ///< of the changes, when the list was read
+    quint64 m_turn = 0;    ///< the one in which something was last sent
     unsigned m_sentInTurn = 0;
 };
 

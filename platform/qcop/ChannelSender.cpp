@@ -89,7 +89,7 @@ void SenderLoop::endTurn()
 
 ChannelSender::Channel::Channel(ChannelSender& sender, std::list<Key>::iterator key)
     : recent(key)
-    , peers(key->first, key->second, sender.m_watch, sender.m_connections)
+    , peers(key->first, key->second, sender.m_changes, sender.m_connections)
 {}
 
 ChannelSender::ChannelSender()
@@ -100,12 +100,16 @@ ChannelSender::~ChannelSender() = default;
 
 bool ChannelSender::send(const QByteArray& channel, const ChannelFrame& frame)
 {
-    m_watch.poll();
-    followEnvironment();
-    if (m_root.isEmpty())
-        return false;
     const quint64 turn = m_loop ? m_loop->turn() : 0;
-    const bool isAccepted = channelOf({m_root, channel}).peers.send(frame, turn);
+    followEnvironment(turn);
+    posix::UniqueFd root;
+    if (!m_changes.isCurrent()) {
+        root = openRoot();
+        if (!root.isValid())
+            return false;
+        m_changes.update(root.get());
+    }
+    const bool isAccepted = channelOf({m_root, channel}).peers.send(frame, turn, std::move(root));
     if (m_connections.pending.empty())
         return isAccepted;
     if (m_loop)
@@ -115,18 +119,29 @@ bool ChannelSender::send(const QByteArray& channel, const ChannelFrame& frame)
     return isAccepted;
 }
 
-/// The environment may change while the process runs, and with it where the channels are.
-void ChannelSender::followEnvironment()
+/// The environment may change while the process runs, from one turn to the next, and with it where the channels are.
+void ChannelSender::followEnvironment(quint64 turn)
 {
-    // A directory that was refused may have become usable, and the other way round.
+    if (std::exchange(m_turn, turn) == turn && turn != 0)
+        return;
     ChannelEnvironment environment = ChannelEnvironment::current();
-    if (environment == m_environment && !m_root.isEmpty() && !m_watch.haveAllChanged(m_rootMoment))
+    if (environment == m_environment)
         return;
     m_environment = std::move(environment);
-    m_rootMoment = m_watch.now();
+    m_changes.forget();
+}
+
+/// Where the channels are, open; none while it may not be used.
+posix::UniqueFd ChannelSender::openRoot()
+{
+    // A directory that was refused may have become usable, and the other way round.
     const QByteArray oldRoot = std::exchange(m_root, m_environment.root());
-    if (m_root != oldRoot && !m_root.isEmpty())
-        forgetOtherRoots();
+    if (m_root != oldRoot) {
+        m_changes.forget();
+        if (!m_root.isEmpty())
+            forgetOtherRoots();
+    }
+    return ChannelDirectory::makeRoot(m_root);
 }
 
 ChannelSender::Channel& ChannelSender::channelOf(const Key& key)

@@ -1,7 +1,7 @@
 // What a thread sends on channels, and its event loop's part in that.
 #pragma once
 
-#include "platform/posix/DirectoryWatch_p.h"
+#include "platform/qcop/ChannelChanges_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "platform/qcop/ChannelPeers_p.h"
@@ -92,7 +92,8 @@ private:
         ChannelPeers peers;
     };
 
-    void followEnvironment();
+    void followEnvironment(quint64 turn);
+    posix::UniqueFd openRoot();
     Channel& channelOf(const Key& key);
     void makeRoom();
     void forgetOtherRoots();
@@ -101,8 +102,8 @@ private:
 
     ChannelEnvironment m_environment;
     QByteArray m_root;
-    quint64 m_rootMoment = 0; ///< of the watch, when the root was looked for
-    posix::DirectoryWatch m_watch;
+    quint64 m_turn = 0; ///< the one in which the environment was last looked at
+    ChannelChanges m_changes;
     ChannelConnections m_connections;
     std::unordered_map<Key, Channel, KeyHash> m_channels;
     std::list<Key> m_recent; ///< the keys of m_channels, the one last used at the end
