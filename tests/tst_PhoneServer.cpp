@@ -279,8 +279,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("signal");
         QTest::addColumn<QByteArray>("told");
-        QTest::newRow("of a service that has ended") << SIGTERM << QByteArray("never took ");
-        QTest::newRow("of one that hangs") << SIGSTOP << QByteArray("was sent ");
+        QTest::newRow("of a service that has ended") << SIGTERM << QByteArray("never accepted ");
+        QTest::newRow("of one that hangs") << SIGSTOP << QByteArray("has not read ");
     }
     void tellsOfEachCallThatNobodyTakes()
     {
@@ -294,7 +294,7 @@ private Q_SLOTS:
         for (int number = 10; number < 30; ++number) {
             const QByteArray text = "the call of list 2, type 1, number " + QByteArray::number(number);
             script += u"incoming %1|missed|"_s.arg(number);
-            waiting += "has not taken " + text;
+            waiting += "has not accepted " + text;
             expected += told + text;
         }
         QVERIFY(play(script + u"incoming 30|answer|"_s));

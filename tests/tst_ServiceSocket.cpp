@@ -106,7 +106,7 @@ void tst_ServiceSocket::isMadeAgainUnlessItIsAnothers()
     m_service->tell(SIGCONT);
 
     if (removed.endsWith(u"service")) {
-        QVERIFY(m_service->waitLogged("cannot be made again now: another service has it\n"));
+        QVERIFY(m_service->waitLogged("cannot be made again: another service has it\n"));
         QCOMPARE(m_service->stop(), 0);
         QVERIFY(held.isInPlace() && isServed());
         return;
@@ -115,7 +115,7 @@ void tst_ServiceSocket::isMadeAgainUnlessItIsAnothers()
     if (removed == u"directory"_s) // open to all, whatever the umask
         QCOMPARE(int(QFileInfo(directory()).permissions() & 0x77), 0x77);
     // It is whose it was, and goes with its owner.
-    const QByteArray made = ": " + m_socket.toLatin1() + " or its lock was removed: made again\n";
+    const QByteArray made = ": " + m_socket.toLatin1() + " or its lock was removed: recreated\n";
     QVERIFY(m_service->log().contains(made));
     QVERIFY(!QFile::exists(m_socket) && !QFile::exists(lock()));
 }

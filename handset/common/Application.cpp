@@ -1,4 +1,4 @@
-// What every program of the handset sets up before its own work.
+// Set-up that every handset program shares.
 #include "handset/common/Application.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-/// Descriptors that are not for clients: files, message channels, the event loop's own, the listening socket.
+/// Descriptors for files, message channels, the event loop and the listening socket.
 constexpr int kReservedDescriptors = 32;
 
 } // namespace

@@ -1,4 +1,4 @@
-// What every program of the handset sets up before its own work.
+// Set-up that every handset program shares.
 #pragma once
 
 #include "handset/common/Output.h"
@@ -8,31 +8,30 @@
 
 namespace zyn::handset {
 
-/// Keeps the process alive when the reader of a pipe or socket goes away: the write fails instead.
+/// Ignores SIGPIPE: a write without a reader fails instead.
 void ignoreBrokenPipes();
 
-/// Raises the process's limit of open descriptors to its maximum. Returns how many of them are for clients, at least 1.
+/// Raises the limit of open descriptors to its maximum. Returns how many of them are for clients, at least 1.
 int raiseClientLimit();
 
-/// Opens the standard streams that are closed: the next file or socket would get their number, and what is written
-/// there.
+/// Opens the standard streams that are closed. The next file or socket would get their number, and their output.
 struct StandardStreams
 {
     StandardStreams();
 };
 
-/// The application of a program that runs until SIGTERM or SIGINT ends its event loop. Made once, first in main().
+/// An application that runs until SIGTERM or SIGINT. Made first in main(), once.
 class Application : StandardStreams, public QCoreApplication
 {
 public:
-    /// @param argc  lives as long as the program
+    /// @param argc  lives as long as the application
     Application(int& argc, char** argv, const QString& name);
 
 private:
     const TerminationSignals m_terminationSignals;
 };
 
-/// The application of a program that shows something in a terminal.
+/// An application that shows something in a terminal.
 class TerminalApplication : public Application
 {
 public:

@@ -1,4 +1,4 @@
-// One client of a command socket, as its server sees it.
+// A server's side of one client's connection to a command socket.
 #include "handset/common/CommandConnection.h"
 
 #include "handset/common/Log.h"
@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-/// A greeting and a command fit into two.
+/// Room for a greeting and a command.
 constexpr int kReadsPerTurn = 4;
 
 } // namespace
@@ -29,7 +29,7 @@ CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData,
     m_timeout.start();
     connect(&m_readable, &QSocketNotifier::activated, this, &CommandConnection::serve);
     connect(&m_writable, &QSocketNotifier::activated, this, &CommandConnection::resume);
-    connect(&m_timeout, &QTimer::timeout, this, &CommandConnection::giveUpUnlessServed);
+    connect(&m_timeout, &QTimer::timeout, this, &CommandConnection::closeUnlessProgressed);
 }
 
 void CommandConnection::serve()
@@ -41,12 +41,12 @@ void CommandConnection::serve()
         if (n == 0) {
             if (m_receivedSize > 0)
                 refuse(u"closed in the middle of a command"_s);
-            end();
+            close();
             return;
         }
         m_receivedSize += static_cast<size_t>(n);
-        carryOutReceived();
-        watch();
+        executeReceived();
+        startTimeout();
     }
 }
 
@@ -55,26 +55,26 @@ void CommandConnection::finish()
     ::shutdown(m_socket.get(), SHUT_RD);
     while (m_socket.isValid()) {
         m_unsent.clear();
-        carryOutReceived();
+        executeReceived();
         serve();
     }
 }
 
-void CommandConnection::carryOutReceived()
+void CommandConnection::executeReceived()
 {
-    while (isListening() && carryOutNext())
-        watchAnew();
+    while (isListening() && executeNext())
+        restartTimeout();
 }
 
-/// Carries out the first command received; false when it is not whole yet, or was refused.
-bool CommandConnection::carryOutNext()
+/// Executes the first received command; false if it is incomplete or was refused.
+bool CommandConnection::executeNext()
 {
     const auto received = std::span<const std::byte>(m_received).first(m_receivedSize);
     if (received.size() < CommandFrameHeader::kSize)
         return false;
     const auto header = CommandFrameHeader::decode(received.first<CommandFrameHeader::kSize>());
     if (!header) {
-        refuse(u"sent what is no command"_s);
+        refuse(u"sent an invalid command"_s);
         return false;
     }
     if (!admits(*header))
@@ -83,7 +83,7 @@ bool CommandConnection::carryOutNext()
     const auto length = static_cast<size_t>(header->dataLength);
     if (data.size() < length)
         return false;
-    carryOut(*header, data.first(length));
+    execute(*header, data.first(length));
     consume(CommandFrameHeader::kSize + length);
     return m_socket.isValid();
 }
@@ -102,10 +102,10 @@ void CommandConnection::send(int32_t code, const QByteArray& data)
     const auto header = CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
     m_unsent += QByteArray(reinterpret_cast<const char*>(header.data()), header.size()) + data;
     sendUnsent();
-    watch();
+    startTimeout();
 }
 
-/// Sends as much as the client takes; the rest waits until it takes more.
+/// Sends as much as the client accepts and keeps the rest.
 void CommandConnection::sendUnsent()
 {
     while (!m_unsent.isEmpty()) {
@@ -114,7 +114,7 @@ void CommandConnection::sendUnsent()
         const ssize_t n = posix::sendSome(m_socket.get(), blocks);
         if (n == 0)
             break;
-        // A client that is gone may have sent more before it went: only its answer goes with it.
+        // The client is gone. It may still have sent commands, so only the reply is dropped.
         if (n < 0)
             m_unsent.clear();
         else
@@ -124,54 +124,54 @@ void CommandConnection::sendUnsent()
     m_writable.setEnabled(!m_unsent.isEmpty());
 }
 
-/// Goes on with what waits to be sent, and behind it with the commands that do.
+/// Sends what is left, then executes the commands received meanwhile.
 void CommandConnection::resume()
 {
     sendUnsent();
     if (!isListening())
         return;
-    watchAnew();
-    carryOutReceived();
+    restartTimeout();
+    executeReceived();
 }
 
-void CommandConnection::allowSilence()
+void CommandConnection::allowIdle()
 {
-    m_mayBeSilent = true;
+    m_mayIdle = true;
 }
 
-/// Sees to it that the timeout runs while the client owes something.
-void CommandConnection::watch()
+/// Starts the timeout if the client has something to do.
+void CommandConnection::startTimeout()
 {
-    if (m_socket.isValid() && isOwing() && !m_timeout.isActive())
+    if (m_socket.isValid() && mustProgress() && !m_timeout.isActive())
         m_timeout.start();
 }
 
-/// The client did what it owed: what it owes now, it has the whole timeout for.
-void CommandConnection::watchAnew()
+/// The client has made progress: its next step gets the whole timeout.
+void CommandConnection::restartTimeout()
 {
-    m_hasGoneOn = true;
+    m_hasProgressed = true;
     m_timeout.stop();
-    watch();
+    startTimeout();
 }
 
-/// What has come meanwhile counts, however late this process is to look.
-void CommandConnection::giveUpUnlessServed()
+/// What has arrived meanwhile counts, even if this process looks late.
+void CommandConnection::closeUnlessProgressed()
 {
-    m_hasGoneOn = false;
+    m_hasProgressed = false;
     if (!m_unsent.isEmpty())
         resume();
     serve();
-    if (m_socket.isValid() && isOwing() && !m_hasGoneOn)
-        refuse(m_unsent.isEmpty() ? u"sent no whole command in time"_s : u"did not take its answer in time"_s);
+    if (m_socket.isValid() && mustProgress() && !m_hasProgressed)
+        refuse(m_unsent.isEmpty() ? u"did not send a whole command in time"_s : u"did not read its reply in time"_s);
 }
 
 void CommandConnection::refuse(const QString& reason)
 {
     log(u"a client %1: connection closed"_s.arg(reason));
-    end();
+    close();
 }
 
-void CommandConnection::end()
+void CommandConnection::close()
 {
     if (!m_socket.isValid())
         return;

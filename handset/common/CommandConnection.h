@@ -1,4 +1,4 @@
-// One client of a command socket, as its server sees it.
+// A server's side of one client's connection to a command socket.
 #pragma once
 
 #include "platform/CommandFrame_p.h"
@@ -17,78 +17,77 @@
 namespace zyn::handset {
 
 /**
- * One client: takes what it sends apart into commands, and sends it what it is answered.
+ * Splits what one client sends into commands, and sends it the replies.
  *
- * It never waits. A client that has not taken what it was sent is not listened to meanwhile, so that what is held for
- * it does not grow with what it asks. The connection ends when the client closes it, sends anything but a command, or
- * takes longer than its timeout for what it owes: to take what it is sent, to go on with a command that it has begun,
- * and, unless it may be silent, to begin the next one. Commands that a client sent before it closed are carried out,
- * whether or not it took its answers.
+ * Never blocks. While replies are unsent, nothing is read, so a client cannot make the server hold ever more of them.
+ * The connection closes when the client closes it, sends an invalid command, or exceeds the timeout: for accepting
+ * replies, for completing a command, and, unless it may be idle, for beginning the next one. Commands sent before the
+ * client closed are executed, whether or not it read the replies.
  */
 class CommandConnection : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Carries out the commands that have come, but no more than a client usually sends: the others want their turn.
+    /// Executes received commands, but no more than a client usually sends, so that other clients get their turn.
     void serve();
 
-    /// Lets the client send no more, carries out all that it has sent, and ends.
+    /// Stops reading, executes all that the client has sent, and closes.
     void finish();
 
 Q_SIGNALS:
-    /// The connection has ended.
+    /// The connection is closed.
     void finished();
 
 protected:
     /// @param largestData  of any command, in bytes
     CommandConnection(posix::UniqueFd socket, size_t largestData, std::chrono::milliseconds timeout);
 
-    /// Whether the client may send a command that begins with @p header now; refuses the client when not.
+    /// Whether the client may send the command of @p header now; refuses the client if not.
     virtual bool admits(const CommandFrameHeader& header) = 0;
-    /// Carries out a command that was admitted, with all its data.
-    virtual void carryOut(const CommandFrameHeader& header, std::span<const std::byte> data) = 0;
+    /// Executes an admitted command.
+    virtual void execute(const CommandFrameHeader& header, std::span<const std::byte> data) = 0;
 
-    /// Sends a command to the client, behind what it has not taken yet.
+    /// Sends a command to the client, behind what is still unsent.
     void send(int32_t code, const QByteArray& data = {});
-    /// From here on the client may be silent between its commands for as long as it likes.
-    void allowSilence();
-    /// Ends the connection; the log says that a client did what @p reason tells.
+    /// From now on the client may be idle between commands.
+    void allowIdle();
+    /// Closes the connection and logs why, as "a client <reason>".
     void refuse(const QString& reason);
     /// Ends the connection.
-    void end();
+    void close();
 
 private:
     bool isListening() const { return m_socket.isValid() && m_unsent.isEmpty(); }
-    bool isOwing() const { return !m_mayBeSilent || m_receivedSize > 0 || !m_unsent.isEmpty(); }
-    void carryOutReceived();
-    bool carryOutNext();
+    bool mustProgress() const { return !m_mayIdle || m_receivedSize > 0 || !m_unsent.isEmpty(); }
+    void executeReceived();
+    bool executeNext();
     void consume(size_t bytes);
     void sendUnsent();
     void resume();
-    void watch();
-    void watchAnew();
-    void giveUpUnlessServed();
+    void startTimeout();
+    void restartTimeout();
+    void closeUnlessProgressed();
 
     posix::UniqueFd m_socket;
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
-    /// Runs out when the client lets the server wait.
+    /// Runs while the client has to make progress.
     QTimer m_timeout;
     std::vector<std::byte> m_received;
     size_t m_receivedSize = 0;
     QByteArray m_unsent;
-    bool m_mayBeSilent = false;
-    bool m_hasGoneOn = false; ///< whether the client did what it owed since this was last cleared
+    bool m_mayIdle = false;
+    bool m_hasProgressed = false; ///< the client has made progress since this was last cleared
 };
 
-/// A command of @p Connection: the code and the exact length of its data tell it from the others.
+/// A command of @p Connection, known by its code and the exact length of its data.
 template<typename Connection>
 struct CommandRow
 {
     int32_t code;
     size_t dataLength;
-    void (Connection::*carryOut)(std::span<const std::byte> data);
+    void (Connection::*execute)(std::span<const std::byte> data);
 };
 
 /// The row of @p rows for @p header, or null.

@@ -1,4 +1,4 @@
-// The command line of a program of the handset.
+// The command line of a handset program.
 #include "handset/common/CommandLine.h"
 
 #include "handset/common/Log.h"
@@ -41,7 +41,7 @@ bool usageError(const QString& text)
 
 constexpr char kReady[] = "READY=1";
 constexpr auto kNotifyTimeout = 5s;
-/// Begins the name of a socket that has no file; in its address a NUL stands there.
+/// Marks the name of an abstract socket; its address begins with a NUL instead.
 constexpr char kAbstractMark = '@';
 
 bool sendDatagram(QByteArray path, const QByteArray& text)
@@ -64,8 +64,7 @@ bool sendDatagram(QByteArray path, const QByteArray& text)
            == text.size();
 }
 
-/// Tells the service manager that started this program, if there is one, that the program serves its clients. A busy
-/// manager is waited for at most kNotifyTimeout.
+/// Notifies the service manager that started this program, if any. Waits at most kNotifyTimeout for a busy one.
 void notifyServiceManager()
 {
     const QByteArray path = qgetenv("NOTIFY_SOCKET");
@@ -127,7 +126,7 @@ bool CommandLine::hasTimes() const
 {
     return std::ranges::all_of(m_times, [this](const QString& name) {
         return !isSet(name) || number(value(name), 1)
-               || usageError(u"--%1 is a number of milliseconds, 1 or more"_s.arg(name));
+               || usageError(u"--%1 must be a number of milliseconds, 1 or more"_s.arg(name));
     });
 }
 
@@ -137,15 +136,15 @@ bool CommandLine::readReadyFd()
         return true;
     const auto fd = number(value(kReadyFd), 0);
     const int flags = fd ? ::fcntl(*fd, F_GETFD) : -1;
-    // What this process has opened itself is closed on exec; what it was handed is not.
+    // Descriptors of this process are close-on-exec; inherited ones are not.
     const bool isTaken = m_output && fd == STDOUT_FILENO;
     if (flags < 0 || (flags & FD_CLOEXEC) != 0 || isTaken)
-        return usageError(u"--ready-fd is the number of an open descriptor"_s);
+        return usageError(u"--ready-fd must be the number of an open descriptor"_s);
     m_readyFd = *fd;
     return true;
 }
 
-/// A pipe that nobody reads would stop the service in the middle of a client's request.
+/// Otherwise a pipe that nobody reads would block the service in the middle of a request.
 void CommandLine::directTraces()
 {
     if (m_output && isSet(kTrace))
@@ -169,7 +168,7 @@ void CommandLine::announce(const QString& path) const
     if (m_readyFd < 0)
         return;
     if (::write(m_readyFd, "ready\n", 6) != 6)
-        log(u"nobody reads descriptor %1"_s.arg(m_readyFd));
+        log(u"nobody reads from descriptor %1"_s.arg(m_readyFd));
     if (m_readyFd > STDERR_FILENO)
         ::close(m_readyFd);
 }

@@ -1,4 +1,4 @@
-// The command line of a program of the handset.
+// The command line of a handset program.
 #pragma once
 
 #include <QtCore/QCommandLineOption>
@@ -11,31 +11,30 @@ namespace zyn::handset {
 
 class Output;
 
-/// The exit code of a program that was started with arguments that it does not know.
+/// Exit code for invalid arguments.
 inline constexpr int kUsageError = 2;
 
-/// The options that every program has, --help, --version, --ready-fd and --trace, and what a program adds to them.
+/// The options of every program, --help, --version, --ready-fd and --trace, and those that a program adds.
 class CommandLine
 {
 public:
-    /// @param output  of a program that shows something; the library's trace text is for standard error then
+    /// @param output  of a program that shows something; redirects the library's trace text
     explicit CommandLine(const QString& description, Output* output = nullptr);
 
     void add(const QCommandLineOption& option) { m_parser.addOption(option); }
-    /// Adds an option with a number of milliseconds, 1 or more. Its text contains "%1" for the default, if it has one.
+    /// Adds an option in milliseconds, 1 or more. "%1" in its text stands for the default, if there is one.
     void addTime(const QString& name, const QString& text, std::optional<int> defaultValue = std::nullopt);
 
-    /// Parses the application's arguments; false, and told in the log, when they are not right. Ends the
-    /// process after --help and --version.
+    /// Parses the application's arguments; false if they are invalid, which is logged. Exits after --help and
+    /// --version.
     bool parse();
 
     bool isSet(const QString& name) const { return m_parser.isSet(name); }
     QString value(const QString& name) const { return m_parser.value(name); }
-    /// The value of an option that was added with addTime().
+    /// The value of an option added with addTime().
     std::chrono::milliseconds time(const QString& name) const;
 
-    /// Tells the log that clients are served at @p path, and the service manager and whoever waits at --ready-fd that
-    /// they are.
+    /// Logs that clients are served at @p path, and notifies the service manager and the reader of --ready-fd.
     void announce(const QString& path) const;
 
 private:
@@ -47,7 +46,7 @@ private:
     Output* const m_output;
     QCommandLineParser m_parser;
     QStringList m_times;
-    int m_readyFd = -1; ///< -1: none
+    int m_readyFd = -1; ///< -1 without --ready-fd
 };
 
 } // namespace zyn::handset

@@ -1,8 +1,7 @@
 // The server end of a command socket.
 //
-// A QLocalServer would not do: it closes itself for good when accepting fails once, as it does when descriptors run
-// out, and a QLocalSocket stops reading when an answer cannot be sent, and with that loses what the client had sent
-// behind.
+// QLocalServer does not fit: it closes for good when accepting fails once, as it does when descriptors run out. Nor
+// does QLocalSocket: when a reply cannot be sent it stops reading, and drops what the client had sent.
 #include "handset/common/CommandServer.h"
 
 #include "handset/common/CommandConnection.h"
@@ -20,7 +19,7 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-constexpr auto kPlaceCheck = 5s;
+constexpr auto kPathCheckInterval = 5s;
 
 } // namespace
 
@@ -30,9 +29,9 @@ CommandServer::CommandServer(const QString& path, int maxConnections, Factory fa
     , m_socket(path)
 {
     m_pathCheck.setTimerType(Qt::VeryCoarseTimer);
-    m_pathCheck.setInterval(kPlaceCheck);
-    connect(&m_pathCheck, &QTimer::timeout, this, &CommandServer::keepPlace);
-    connect(&m_placeWatch, &QFileSystemWatcher::directoryChanged, this, &CommandServer::keepPlace);
+    m_pathCheck.setInterval(kPathCheckInterval);
+    connect(&m_pathCheck, &QTimer::timeout, this, &CommandServer::restoreSocket);
+    connect(&m_directoryWatch, &QFileSystemWatcher::directoryChanged, this, &CommandServer::restoreSocket);
 }
 
 CommandServer::~CommandServer()
@@ -45,7 +44,7 @@ bool CommandServer::listen()
     if (!m_socket.listen())
         return false;
     startAccepting();
-    watchPlace();
+    watchDirectory();
     m_pathCheck.start();
     return true;
 }
@@ -55,28 +54,28 @@ void CommandServer::startAccepting()
     m_acceptor = std::make_unique<posix::Acceptor>(m_socket.descriptor(), [this] { return acceptNext(); });
 }
 
-/// Makes the socket again when it is gone.
-void CommandServer::keepPlace()
+/// Makes the socket again if it has been removed.
+void CommandServer::restoreSocket()
 {
     if (!m_socket.isListening() || m_socket.isInPlace())
         return;
     for (auto client = m_socket.accept(); client.isValid(); client = m_socket.accept()) {
-        serveOlder();
+        serveOpenConnections();
         open(std::move(client))->serve();
     }
-    // Those that cannot be accepted now would be lost with the old socket.
-    if (errno == EAGAIN && m_socket.makeAgain()) {
+    // Clients that cannot be accepted now would be lost with the old socket.
+    if (errno == EAGAIN && m_socket.recreate()) {
         startAccepting();
         m_acceptor->setEnabled(m_connections.size() < m_maxConnections);
-        watchPlace();
+        watchDirectory();
     }
 }
 
-void CommandServer::watchPlace()
+void CommandServer::watchDirectory()
 {
     const QString directory = QFileInfo(m_socket.path()).path();
-    m_placeWatch.removePath(directory); // which may be another one by that name
-    m_placeWatch.addPath(directory);
+    m_directoryWatch.removePath(directory); // the path may lead to a new directory
+    m_directoryWatch.addPath(directory);
 }
 
 void CommandServer::close()
@@ -84,7 +83,7 @@ void CommandServer::close()
     m_pathCheck.stop();
     m_acceptor.reset();
     if (m_socket.isListening()) {
-        m_socket.turnAway();
+        m_socket.stopAccepting();
         const auto connections = m_connections;
         for (CommandConnection* connection : connections)
             connection->finish();
@@ -94,7 +93,7 @@ void CommandServer::close()
     m_socket.release();
 }
 
-/// False, and errno tells why, when there is none.
+/// False, with errno set, if there is none.
 bool CommandServer::acceptNext()
 {
     posix::UniqueFd client = m_socket.accept();
@@ -105,15 +104,15 @@ bool CommandServer::acceptNext()
         }
         return false;
     }
-    serveOlder();
+    serveOpenConnections();
     open(std::move(client))->serve();
     if (m_connections.size() >= m_maxConnections)
         m_acceptor->setEnabled(false);
     return true;
 }
 
-/// What came over the connections before a new one was accepted is carried out first.
-void CommandServer::serveOlder()
+/// Executes what arrived on the open connections before a new one was accepted.
+void CommandServer::serveOpenConnections()
 {
     const auto connections = m_connections;
     for (CommandConnection* connection : connections)
@@ -125,11 +124,11 @@ CommandConnection* CommandServer::open(posix::UniqueFd socket)
     CommandConnection* connection = m_factory(std::move(socket));
     connection->setParent(this);
     m_connections.append(connection);
-    connect(connection, &CommandConnection::finished, this, [this, connection] { forget(connection); });
+    connect(connection, &CommandConnection::finished, this, [this, connection] { remove(connection); });
     return connection;
 }
 
-void CommandServer::forget(CommandConnection* connection)
+void CommandServer::remove(CommandConnection* connection)
 {
     m_connections.removeOne(connection);
     connection->deleteLater();

@@ -19,50 +19,49 @@ class CommandConnection;
 /**
  * Listens on a command socket and serves its clients.
  *
- * A socket that somebody removes, as whoever cleans a directory for temporary files may, is made again.
- *
- * Only this user's processes and root's are served. A request that was sent over one connection is carried out before
- * anything that comes over a connection opened later; of a client that sends many, the others wait for the first few.
+ * Only processes of this user and of root are served. The commands of one connection are executed before those of a
+ * connection opened later; a busy client does not starve the others. The socket is made again if something removes it,
+ * as a cleaner of temporary files may.
  */
 class CommandServer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes the connection for a client that was accepted; the server owns it.
+    /// Creates the connection of an accepted client; the server owns it.
     using Factory = std::function<CommandConnection*(posix::UniqueFd socket)>;
 
-    /// @param maxConnections  how many connections are open at a time; further clients wait for their turn
+    /// @param maxConnections  the number of open connections; further clients wait
     CommandServer(const QString& path, int maxConnections, Factory factory);
     /// Closes the server.
     ~CommandServer() override;
 
-    /// Makes this process the owner of the socket, in place of one that died; false, and told in the log, when another
-    /// one lives.
+    /// Makes this process the owner of the socket, in place of one that died. False, which is logged, if another owner
+    /// is alive.
     bool acquire() { return m_socket.acquire(); }
-    /// Starts to serve clients, once the socket is acquired; false, and told in the log, when it cannot be had.
+    /// Starts to serve clients; the socket must have been acquired. False on failure, which is logged.
     bool listen();
 
-    /// Ends: turns new clients away, carries out what the others have sent, and removes the socket.
+    /// Refuses new clients, executes what the connected ones have sent, and removes the socket.
     void close();
 
 private:
     void startAccepting();
     bool acceptNext();
-    void keepPlace();
-    void watchPlace();
-    void serveOlder();
+    void restoreSocket();
+    void watchDirectory();
+    void serveOpenConnections();
     CommandConnection* open(posix::UniqueFd socket);
-    void forget(CommandConnection* connection);
+    void remove(CommandConnection* connection);
     void resumeAccepting();
 
     const int m_maxConnections;
     const Factory m_factory;
     ServiceSocket m_socket;
     std::unique_ptr<posix::Acceptor> m_acceptor;
-    QFileSystemWatcher m_placeWatch;
-    QTimer m_pathCheck; ///< for what a watch does not tell
-    /// In the order in which they were opened.
+    QFileSystemWatcher m_directoryWatch;
+    QTimer m_pathCheck; ///< finds changes that the watch misses
+    /// In the order of their opening.
     QList<CommandConnection*> m_connections;
 };
 

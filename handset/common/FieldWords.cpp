@@ -1,4 +1,4 @@
-// The words of people for the fields of messages, on a command line or in a script.
+// Parses the fields of messages, as typed on a command line or in a script.
 #include "handset/common/FieldWords.h"
 
 #include <limits>

@@ -1,4 +1,4 @@
-// The words of people for the fields of messages, on a command line or in a script.
+// Parses the fields of messages, as typed on a command line or in a script.
 #pragma once
 
 #include "utility/message/Payload_p.h"
@@ -8,8 +8,8 @@
 
 namespace zyn::handset {
 
-/// How a program reads words. Each function refuses one that it cannot read in the program's own way, by an exception
-/// that may call it @p what.
+/// The parsers of a program for the kinds of fields. Each throws the program's own exception for an invalid word,
+/// naming the field @p what.
 struct WordReader
 {
     int (*number)(const QString& word, const QString& what, int lowest, int highest);
@@ -17,7 +17,7 @@ struct WordReader
     QString (*latin1)(const QString& word, const QString& what, qsizetype limit); ///< null where there are no records
 };
 
-/// The value of @p field, which occurs once, that @p word stands for.
+/// The value of the single field @p field that @p word stands for.
 FieldValue valueFrom(const WordReader& reader, const Field& field, const QString& word, const QString& what);
 
 } // namespace zyn::handset

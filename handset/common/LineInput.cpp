@@ -1,4 +1,4 @@
-// What a user types, line by line.
+// Standard input, line by line.
 #include "handset/common/LineInput.h"
 
 #include <array>
@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-/// The end of a line that was cut.
+/// Marks a line that was cut.
 constexpr char kCut = '~';
 
 } // namespace
@@ -58,7 +58,7 @@ void LineInput::read()
 
 void LineInput::dropTyped()
 {
-    // A process in the background would be stopped for touching its terminal.
+    // Touching its terminal would stop a background process.
     const pid_t foreground = ::tcgetpgrp(STDIN_FILENO);
     if (foreground == -1 || foreground == ::getpgrp())
         ::tcflush(STDIN_FILENO, TCIFLUSH);

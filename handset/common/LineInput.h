@@ -1,4 +1,4 @@
-// What a user types, line by line.
+// Standard input, line by line.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -8,23 +8,22 @@
 
 namespace zyn::handset {
 
-/// Standard input, of which one line is taken each time that the program asks for one.
+/// Reads standard input and delivers one line per request.
 class LineInput : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param longestLine  in bytes; what is longer is cut, and marked so that it answers nothing
+    /// @param longestLine  in bytes; a longer line is cut and marked, so that it matches no answer
     explicit LineInput(qsizetype longestLine = 80);
 
-    /// Emits entered() for the next line, as soon as it is there. What is typed at a terminal before is no answer: it
-    /// is dropped.
+    /// Emits entered() as soon as the next line is available. Discards what was typed at a terminal before the request.
     void ask();
-    /// Asks no more.
+    /// Withdraws the request.
     void cancel();
 
 Q_SIGNALS:
-    /// @p line  without its end, as far as lines are kept; null at the end of the input.
+    /// @param line  without its line end, cut to the longest line; null at the end of the input
     void entered(const QString& line);
 
 private:
@@ -36,7 +35,7 @@ private:
     const qsizetype m_longestLine;
     QSocketNotifier m_readable;
     QByteArray m_line;
-    QList<QByteArray> m_lines; ///< that nobody has asked for yet
+    QList<QByteArray> m_lines; ///< not requested yet
     bool m_isAsked = false;
     bool m_isAtEnd = false;
 };

@@ -1,4 +1,4 @@
-// The lines that a program of the handset writes for whoever looks after it.
+// Log lines on standard error.
 #include "handset/common/Log.h"
 
 #include "handset/common/Text.h"

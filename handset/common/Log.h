@@ -1,12 +1,12 @@
-// The lines that a program of the handset writes for whoever looks after it.
+// Log lines on standard error.
 #pragma once
 
 #include <QtCore/QString>
 
 namespace zyn::handset {
 
-/// Writes "<program>: <text>" and a line end to standard error, at once, the text made printable. A line that standard
-/// error does not take at once, as with a full pipe that nobody reads, is lost: no program waits for its log.
+/// Writes "<program>: <text>", made printable, as a line to standard error at once. The line is lost if standard error
+/// is not writable, as with a full pipe that nobody reads: no program waits for its log.
 void log(const QString& text);
 
 } // namespace zyn::handset

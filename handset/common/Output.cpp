@@ -1,4 +1,4 @@
-// What a program shows, kept apart from what the library traces.
+// Standard output of a program, kept free of the library's trace text.
 #include "handset/common/Output.h"
 
 #include "handset/common/Log.h"
@@ -28,7 +28,7 @@ int duplicateStandardOutput()
 void silenceStandardOutput()
 {
     const int nowhere = ::open("/dev/null", O_WRONLY);
-    // If the process was started without a standard output, this is it already.
+    // If the process started without a standard output, open() has returned its number.
     if (nowhere == STDOUT_FILENO)
         return;
     ::dup2(nowhere, STDOUT_FILENO);
@@ -46,7 +46,7 @@ void Output::showTrace()
 {
     std::fflush(stdout);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
-    // Otherwise the trace would come after the tool's own lines.
+    // Unbuffered, so that the trace keeps its place between the program's own lines.
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     m_traced = true;
 }

@@ -1,4 +1,4 @@
-// What a program shows, kept apart from what the library traces.
+// Standard output of a program, kept free of the library's trace text.
 #pragma once
 
 #include <QtCore/QFile>
@@ -8,21 +8,22 @@
 
 namespace zyn::handset {
 
-/// Lets standard output, descriptor 1, lead nowhere.
+/// Redirects standard output, descriptor 1, to /dev/null.
 void silenceStandardOutput();
 
 /**
  * Standard output of a program that shows something there.
  *
- * The library writes trace text without line ends to descriptor 1. While an output lives that descriptor leads nowhere,
- * or to standard error after showTrace(); write() uses the real standard output, which only the output knows.
+ * The library writes trace text without line ends to descriptor 1. While an Output lives, that descriptor leads to
+ * /dev/null, or to standard error after showTrace(); write() uses the real standard output, which only the Output
+ * knows.
  */
 class Output
 {
 public:
     Output();
 
-    /// Lets the library's trace text through, to standard error.
+    /// Redirects the library's trace text to standard error.
     void showTrace();
 
     /// Writes @p text as UTF-8, at once.
@@ -31,20 +32,19 @@ public:
     /// The real standard output.
     int descriptor() const { return m_output.handle(); }
     bool isTerminal() const;
-    /// Whether colours are welcome: on a terminal, unless NO_COLOR is set and not empty.
+    /// Whether to use colours: on a terminal, unless NO_COLOR is set and not empty.
     bool isColourful() const;
 
-    /// Whether everything could be written.
+    /// Whether all writes have succeeded.
     bool isValid() const { return m_valid; }
-    /// Why it could not.
+    /// Why a write failed.
     QString errorString() const;
-    /// The exit code of a program that has done its work: failure, and told in the log, unless everything could be
-    /// written.
+    /// EXIT_SUCCESS if all writes have succeeded, otherwise EXIT_FAILURE, which is logged.
     int exitCode() const;
 
 protected:
-    /// Whether trace text may have come since this was last asked.
-    bool takeTraced() { return std::exchange(m_traced, false); }
+    /// Whether trace text may have been written since the last call.
+    bool fetchTraced() { return std::exchange(m_traced, false); }
 
 private:
     QFile m_output;

@@ -1,4 +1,4 @@
-// Attempts that go on until one succeeds.
+// Repeats an operation until it succeeds.
 #include "handset/common/Retry.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Attempts that go on until one succeeds.
+// Repeats an operation until it succeeds.
 #pragma once
 
 #include <QtCore/QObject>
@@ -10,20 +10,19 @@
 namespace zyn::handset {
 
 /**
- * Tries again what has failed, more and more rarely, until it succeeds.
- *
- * An attempt may hold up all else of the process, as it does that waits for a service: so the waits become longer.
+ * Repeats a failed operation until it succeeds, at growing intervals: an attempt may block the process, as one that
+ * waits for a service does.
  */
 class Retry : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes @p attempt, which tells how it went, @p first after a failure, and each next time after twice as long, at
-    /// most @p slowest.
+    /// Calls @p attempt @p first after a failure; the interval doubles with each failure, up to @p slowest. The attempt
+    /// reports its outcome to note().
     Retry(std::chrono::milliseconds first, std::chrono::milliseconds slowest, const std::function<void()>& attempt);
 
-    /// For the end of every attempt, whoever made it.
+    /// Reports the outcome of an attempt, whether this class or the program made it.
     void note(bool hasSucceeded);
 
 private:

@@ -1,4 +1,4 @@
-// Scripts: texts with a line for each thing that happens.
+// Scripts: text files with one event per line.
 #include "handset/common/ScriptReader.h"
 
 #include "handset/common/Log.h"
@@ -22,7 +22,7 @@ QString trimmedAtEnd(QString line)
     return line;
 }
 
-/// Whether nothing happens in @p line.
+/// Whether @p line is blank or a comment.
 bool isComment(const QString& line)
 {
     const QString trimmed = line.trimmed();
@@ -48,7 +48,7 @@ bool readScriptFile(const QString& path, const ScriptLineReader& reader)
 {
     const auto text = posix::readWhole(QFile::encodeName(path), kLargestScript);
     if (!text) {
-        log(u"%1 is no file that can be read, of at most 1 MiB"_s.arg(path));
+        log(u"%1 is not a readable file of at most 1 MiB"_s.arg(path));
         return false;
     }
     const QStringList lines = QString::fromUtf8(*text).split(u'\n');
@@ -77,7 +77,7 @@ QStringList scriptWords(const QString& line)
         }
     }
     if (isQuoted)
-        throw ScriptError{u"a quote is not closed"_s};
+        throw ScriptError{u"unclosed quote"_s};
     if (!word.isNull())
         words += word;
     return words;
@@ -97,7 +97,7 @@ int scriptNumber(const QString& word, int lowest, int highest)
     const std::optional<int> number = wholeNumber(word);
     if (!number || *number < lowest || *number > highest)
         throw ScriptError{
-            u"'%1' is no whole number from %2 to %3"_s.arg(word, QString::number(lowest), QString::number(highest))};
+            u"'%1' is not a whole number from %2 to %3"_s.arg(word, QString::number(lowest), QString::number(highest))};
     return *number;
 }
 

@@ -1,4 +1,4 @@
-// Scripts: texts with a line for each thing that happens.
+// Scripts: text files with one event per line.
 #pragma once
 
 #include <QtCore/QString>
@@ -8,33 +8,31 @@
 
 namespace zyn::handset {
 
-/// Thrown where a line cannot be understood; readScriptLine() adds where it stands.
+/// Thrown for a line that cannot be parsed; readScriptLine() adds its position.
 struct ScriptError
 {
     QString text;
 };
 
-/// What becomes of a line, without the blanks at its end. Throws a ScriptError when it cannot be understood.
+/// Called with a line, stripped of trailing blanks. Throws a ScriptError if the line cannot be parsed.
 using ScriptLineReader = std::function<void(const QString& line, int lineNumber)>;
 
 /**
- * Reads line @p lineNumber of @p source with @p reader, unless it is blank or a comment, which begins with "#".
- *
- * False when it cannot be understood; the log says where it stands and why.
+ * Passes line @p lineNumber of @p source to @p reader, unless it is blank or a comment, which begins with "#".
  */
 bool readScriptLine(const QString& source, int lineNumber, const QString& line, const ScriptLineReader& reader);
 
-/// Reads the lines of the file @p path, in UTF-8 and of at most 1 MiB, up to the first that cannot be understood. False
-/// when there is one, or when the file cannot be read; the log says which.
+/// Reads the lines of the file @p path, UTF-8 of at most 1 MiB, up to the first error. Returns false on an error, which
+/// is logged.
 bool readScriptFile(const QString& path, const ScriptLineReader& reader);
 
-/// The words of @p line. One in double quotes may hold blanks, or nothing.
+/// The words of @p line. A word in double quotes may contain blanks or be empty.
 QStringList scriptWords(const QString& line);
 
-/// The first columns of @p line, which two blanks or more separate; the last of @p count takes the rest.
+/// The first columns of @p line, separated by two or more blanks; the last of the @p count columns is the rest.
 QStringList scriptColumns(const QString& line, qsizetype count);
 
-/// The whole number that @p word stands for.
+/// @p word as a whole number in this range. Throws a ScriptError if it is not one.
 int scriptNumber(const QString& word, int lowest, int highest);
 
 } // namespace zyn::handset

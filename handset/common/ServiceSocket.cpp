@@ -1,4 +1,4 @@
-// The listening socket of a service, of which one process at a time is the owner.
+// The listening socket of a service, which one process at a time owns.
 #include "handset/common/ServiceSocket.h"
 
 #include "handset/common/Log.h"
@@ -29,15 +29,15 @@ QString lockPath(const QString& path)
     return path + ".lock"_L1;
 }
 
-/// Removes what a dead owner left; anything but a socket stays.
-void removeSocket(const QByteArray& path)
+/// Removes the socket of a dead owner, but no other kind of file.
+void removeStaleSocket(const QByteArray& path)
 {
     struct stat status = {};
     if (::lstat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode))
         ::unlink(path.constData());
 }
 
-/// Makes the directory of @p path, open to all users as it was, when it is missing.
+/// Makes the directory of @p path, open to all users, if it is missing.
 void makeDirectoryOf(const QString& path)
 {
     const QByteArray directory = QFile::encodeName(QFileInfo(path).path());
@@ -50,7 +50,7 @@ QString userText(uid_t user)
     return QString::fromLocal8Bit(posix::userName(user));
 }
 
-/// Removes what another user than root has put at @p path; what does not make way stays.
+/// Removes what a user other than root has put at @p path, if possible.
 void replaceForeign(const QByteArray& path)
 {
     const std::optional<uid_t> owner = posix::ownerOf(path);
@@ -58,7 +58,7 @@ void replaceForeign(const QByteArray& path)
         log(u"%1 was user %2's: replaced"_s.arg(QDir::cleanPath(QFile::decodeName(path)), userText(*owner)));
 }
 
-/// Why the socket at @p path cannot be had.
+/// Why the socket at @p path is not available.
 QString reason(const QString& path, int error)
 {
     const QString text = QString::fromLocal8Bit(std::strerror(error));
@@ -85,7 +85,7 @@ ServiceSocket::~ServiceSocket()
 
 bool ServiceSocket::acquire()
 {
-    return report(occupy());
+    return report(claim());
 }
 
 bool ServiceSocket::listen()
@@ -95,17 +95,17 @@ bool ServiceSocket::listen()
 
 bool ServiceSocket::isInPlace() const
 {
-    return m_made && posix::fileId(QFile::encodeName(m_path)) == m_made && m_lock.isInPlace();
+    return m_socketId && posix::fileId(QFile::encodeName(m_path)) == m_socketId && m_lock.isInPlace();
 }
 
-bool ServiceSocket::makeAgain()
+bool ServiceSocket::recreate()
 {
     const bool isMade = restore();
     const QString path = QDir::cleanPath(m_path);
     if (isMade)
-        log(u"%1 or its lock was removed: made again"_s.arg(path));
+        log(u"%1 or its lock was removed: recreated"_s.arg(path));
     else if (!m_isLost)
-        log(u"%1 or its lock was removed, and cannot be made again now: %2"_s.arg(path, reason(m_path, errno)));
+        log(u"%1 or its lock was removed and cannot be made again: %2"_s.arg(path, reason(m_path, errno)));
     m_isLost = !isMade;
     return isMade;
 }
@@ -113,10 +113,10 @@ bool ServiceSocket::makeAgain()
 bool ServiceSocket::restore()
 {
     makeDirectoryOf(m_path);
-    // Only the lock may be gone: then nobody need wait for a new socket.
-    if (m_made && posix::fileId(QFile::encodeName(m_path)) == m_made)
+    // If only the lock is gone, the socket stays.
+    if (m_socketId && posix::fileId(QFile::encodeName(m_path)) == m_socketId)
         return lock();
-    return occupy() && open();
+    return claim() && open();
 }
 
 bool ServiceSocket::lock()
@@ -126,8 +126,8 @@ bool ServiceSocket::lock()
     return m_lock.isInPlace() || m_lock.lock(path);
 }
 
-/// Becomes the only one who may listen.
-bool ServiceSocket::occupy()
+/// Makes this process the only one that may listen.
+bool ServiceSocket::claim()
 {
     if (!lock())
         return false;
@@ -137,23 +137,23 @@ bool ServiceSocket::occupy()
         errno = EWOULDBLOCK;
         return false;
     }
-    removeSocket(path);
+    removeStaleSocket(path);
     return true;
 }
 
 bool ServiceSocket::open()
 {
     const QByteArray path = QFile::encodeName(m_path);
-    // The one that there was goes on when no other can be made.
+    // The old listener stays if a new one cannot be made.
     posix::UniqueFd listener = posix::listenUnix(path, kOwnUserOnly);
     if (!listener.isValid())
         return false;
     m_listener = std::move(listener);
-    m_made = posix::fileId(path);
+    m_socketId = posix::fileId(path);
     return true;
 }
 
-/// What is not done is told, with errno's reason.
+/// Logs a failure with errno's reason.
 bool ServiceSocket::report(bool isDone) const
 {
     if (!isDone)
@@ -171,21 +171,21 @@ posix::UniqueFd ServiceSocket::accept()
     return client;
 }
 
-void ServiceSocket::turnAway()
+void ServiceSocket::stopAccepting()
 {
     if (!m_listener.isValid())
         return;
     const QByteArray path = QFile::encodeName(m_path);
-    if (posix::fileId(path) == m_made)
+    if (posix::fileId(path) == m_socketId)
         ::unlink(path.constData());
     ::shutdown(m_listener.get(), SHUT_RD);
 }
 
 void ServiceSocket::release()
 {
-    turnAway();
+    stopAccepting();
     m_listener.reset();
-    m_made.reset();
+    m_socketId.reset();
     m_lock.unlock();
 }
 

@@ -1,4 +1,4 @@
-// The listening socket of a service, of which one process at a time is the owner.
+// The listening socket of a service, which one process at a time owns.
 #pragma once
 
 #include "platform/posix/FileLock_p.h"
@@ -11,11 +11,11 @@
 namespace zyn::handset {
 
 /**
- * A Unix-domain stream socket at a path that outlives its owner's death.
+ * A Unix-domain stream socket at a path that survives the death of its owner.
  *
- * Beside the path lies a lock file, named with ".lock" behind it: it tells a dead owner, in whose place the next one
- * steps, from a live one. The directory is open to all; what another user has put there, except root, is replaced as
- * well. Failures are told in the log, with the user whose directory or file does not make way.
+ * The lock file beside it, "<path>.lock", tells a live owner from a dead one, whose place the next one takes. The
+ * directory is open to all users; what a user other than root puts at these paths is replaced. Failures are logged,
+ * with the user whose directory or file is in the way.
  */
 class ServiceSocket
 {
@@ -29,31 +29,32 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// Makes this process the owner, in place of one that died; false when another one of this user or of root lives.
+    /// Makes this process the owner, in place of one that died. False if another owner, of this user or of root, is
+    /// alive.
     bool acquire();
-    /// Listens, for this user's processes alone; the socket must have been acquired.
+    /// Listens for processes of this user only. The socket must have been acquired.
     bool listen();
     bool isListening() const { return m_listener.isValid(); }
-    /// Whether socket and lock are still those that were made: whoever cleans up may have removed them.
+    /// Whether the socket and its lock are still the files that this process made: a cleaner may have removed them.
     bool isInPlace() const;
-    /// Makes again what is gone, along with the directory; false when it cannot be had. Who waits at the old socket
-    /// must have been accepted.
-    bool makeAgain();
+    /// Makes the socket, its lock and its directory again where they are missing; false on failure. All clients that
+    /// wait at the old socket must have been accepted.
+    bool recreate();
     /// The listening descriptor.
     int descriptor() const { return m_listener.get(); }
 
-    /// The next client that waits, non-blocking, other users' passed over; none, and errno tells why: EAGAIN when none
-    /// waits.
+    /// The next client, non-blocking; clients of other users are closed. None on failure, with errno set: EAGAIN if no
+    /// client waits.
     posix::UniqueFd accept();
 
-    /// From here on connecting fails; who is connected already can still be accepted.
-    void turnAway();
-    /// Removes the socket and its lock, for the next owner. What another one has put there stays.
+    /// Refuses new connections; pending ones can still be accepted.
+    void stopAccepting();
+    /// Removes the socket and its lock, unless they have been replaced by another process's.
     void release();
 
 private:
     bool lock();
-    bool occupy();
+    bool claim();
     bool open();
     bool restore();
     bool report(bool isDone) const;
@@ -61,8 +62,8 @@ private:
     const QString m_path;
     posix::FileLock m_lock;
     posix::UniqueFd m_listener;
-    std::optional<posix::FileId> m_made; ///< the socket's file
-    bool m_isLost = false;               ///< and could not be made again, which has been told
+    std::optional<posix::FileId> m_socketId; ///< the socket's file
+    bool m_isLost = false;                   ///< its loss has been logged
 };
 
 } // namespace zyn::handset

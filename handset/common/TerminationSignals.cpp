@@ -16,12 +16,12 @@ TerminationSignals::TerminationSignals()
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
-    // Blocked, they wait for the descriptor to be read; even one that the starter had set to be ignored.
+    // Blocked signals wait for the descriptor to be read, even those that were ignored when the process started.
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(), [this] {
-        // The signal stays where it is: a loop that runs while the program ends would see nothing else.
+        // The signal is left unread, so that a nested event loop ends as well.
         m_notifier->setEnabled(false);
         QCoreApplication::quit();
     });

@@ -12,10 +12,10 @@ class QSocketNotifier;
 namespace zyn::handset {
 
 /**
- * Turns SIGTERM and SIGINT into the end of the event loop, so that what follows exec() cleans up.
+ * Ends the event loop on SIGTERM and SIGINT, so that what follows exec() cleans up.
  *
- * A program has one, made when there is an application and no thread besides the first. A signal that comes before the
- * event loop runs ends it as soon as it does.
+ * Made once per program, after the application and before any thread. A signal that arrives before the event loop runs
+ * ends it as soon as it does.
  */
 class TerminationSignals : public QObject
 {

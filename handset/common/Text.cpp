@@ -1,4 +1,4 @@
-// Texts as a terminal shows them.
+// Text for terminals.
 #include "handset/common/Text.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ QString hex(const char* before, char16_t unit, int digits)
     return QLatin1String(before) + u"%1"_s.arg(uint{unit}, digits, 16, '0'_L1);
 }
 
-/// Whether @p character does nothing but show; half of a pair does not.
+/// Whether @p character only shows; a lone surrogate does not.
 bool isPrintable(char32_t character)
 {
     const QChar::Category category = QChar::category(character);

@@ -1,4 +1,4 @@
-// Texts as a terminal shows them.
+// Text for terminals.
 #pragma once
 
 #include <QtCore/QList>
@@ -9,20 +9,20 @@
 
 namespace zyn::handset {
 
-/// @p text with every character that is not printable written as \xNN, or \uNNNN: stored and received text must not
-/// steer a terminal.
+/// @p text with each unprintable character written as \xNN or \uNNNN: stored or received text must not control a
+/// terminal.
 QString printable(const QString& text);
 
-/// The same with \uNNNN for all of them, as JSON takes it in a text.
+/// As printable(), but with \uNNNN only, as in JSON.
 QString jsonEscaped(const QString& text);
 
-/// The whole number that all of @p text is; a NUL does not end it, as it would end a conversion.
+/// All of @p text as a whole number. A NUL is invalid, though QString::toInt() ends there.
 std::optional<int> wholeNumber(const QString& text);
 
-/// The lines of @p rows, their cells aligned two blanks apart.
+/// @p rows as lines, their cells aligned two blanks apart.
 QString alignedLines(const QList<QStringList>& rows);
 
-/// A duration in seconds as h:mm:ss; a record may hold any number.
+/// A duration in seconds, of any sign, as h:mm:ss.
 QString durationText(int seconds);
 
 } // namespace zyn::handset

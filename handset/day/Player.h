@@ -25,7 +25,7 @@ struct Pace
  * Starts the programs of a day, lets its steps happen one after another and waits for what each must cause.
  *
  * What is not seen in time is told, and the day goes on. Everything waits for the programs' lines; the pauses of a slow
- * day are only for those who look.
+ * day are only for those who sync.
  */
 class Player : public QObject
 {

@@ -1,4 +1,4 @@
-// What the favourites' activity log holds, and which calls have been considered for it.
+// The activity log of the favourites, and which calls have been considered for it.
 #include "handset/favourites/ActivityLog.h"
 
 #include "platform/posix/File_p.h"
@@ -25,7 +25,7 @@ using Store = ActivityLog_ENG_RecordStore;
 namespace zyn::handset {
 namespace {
 
-/// More than the call log ever holds.
+/// More than the call log can hold.
 constexpr qsizetype kSeenCallsLimit = qsizetype{1024} * 1024;
 
 Store& store()
@@ -33,7 +33,7 @@ Store& store()
     return *Store::instance();
 }
 
-/// The path of the file of @p key; null when that can name none.
+/// The path of the file of @p key; null if the key cannot name a file.
 QString pathOf(const QString& key)
 {
     return key == QLatin1String(kTopPalsDetailsName) ? QString() : store().getStoreFileName(key);
@@ -45,9 +45,9 @@ std::optional<QByteArray> readFile(const QString& path)
     return posix::readWhole(fd.get(), ContactFile::size());
 }
 
-/// Appends the entries in the first @p slots slots of @p image. A damaged one must not lead to the slot or the file of
-/// another: it gets the slot where it lies, and is left out when its number is not @p key. Under a wrong header, a slot
-/// is in use only if its flag is 1.
+/// Appends the entries in the first @p slots slots of @p image. A damaged entry must not refer to another slot or file:
+/// it gets its actual slot, and is skipped if its number is not @p key. Under an invalid header, only slots with the
+/// flag 1 are in use.
 void appendEntries(ActivityEntries& entries, const QByteArray& image, const QString& key, int slots)
 {
     const bool isTrusted = hasValidHeader(image);
@@ -60,7 +60,7 @@ void appendEntries(ActivityEntries& entries, const QByteArray& image, const QStr
     }
 }
 
-/// Copies @p contents, those of the file @p path, to a free name beside it; that name, or null on failure.
+/// Copies @p contents of the file @p path to a new file beside it. Returns its name, or null on failure.
 QByteArray keepCopy(const QByteArray& path, const QByteArray& contents)
 {
     const posix::UniqueFd original = posix::openTrusted(path);
@@ -73,7 +73,7 @@ QByteArray keepCopy(const QByteArray& path, const QByteArray& contents)
     }
 }
 
-/// The order of @p one and @p other by age at the time @p now, as far as calls have one.
+/// The order of @p one and @p other by age at the time @p now.
 std::strong_ordering compareAge(const PHONE_ENG_RecentCall& one, const PHONE_ENG_RecentCall& other, qint64 now)
 {
     const auto age = [now](const PHONE_ENG_RecentCall& call) {
@@ -87,7 +87,7 @@ auto olderFirst()
     return [isOlder = AgeOrder()](const auto* one, const auto* other) { return isOlder(*one, *other); };
 }
 
-/// Sorts @p entries, the oldest first, and removes the oldest of those that do not fit into @p slots slots.
+/// Sorts @p entries, oldest first, and removes the oldest that do not fit into @p slots slots.
 void keepNewest(ActivityEntries& entries, int slots)
 {
     std::ranges::stable_sort(entries, olderFirst());
@@ -102,7 +102,7 @@ const PHONE_ENG_ActivityLog* oldestOf(const ActivityEntries& entries)
     return oldest == entries.end() ? nullptr : *oldest;
 }
 
-/// The index after the greatest of @p entries.
+/// The next index after those of @p entries.
 int32_t nextIndex(const ActivityEntries& entries)
 {
     int32_t next = 0;
@@ -111,7 +111,7 @@ int32_t nextIndex(const ActivityEntries& entries)
     return next;
 }
 
-/// The contents of a file of @p slots slots with @p entries in the first ones.
+/// A file of @p slots slots, with @p entries in the first ones.
 QByteArray freshImage(const ActivityEntries& entries, int slots)
 {
     QByteArray image = ContactFile::blankImage(slots);
@@ -122,8 +122,8 @@ QByteArray freshImage(const ActivityEntries& entries, int slots)
     return image;
 }
 
-/// The slot that can best be spared in the full file of a favourite with these @p entries: one that holds none of them,
-/// or else that of the oldest; -1 when there is none.
+/// The slot to overwrite in the full file of a favourite with these @p entries: one without a valid entry, or else that
+/// of the oldest; -1 if there are no slots.
 int slotToSpare(const ActivityEntries& entries)
 {
     std::vector<bool> isUsed(static_cast<size_t>(contactSlots()));
@@ -138,13 +138,13 @@ int slotToSpare(const ActivityEntries& entries)
     return oldest ? oldest->topPalsAvlPos : -1;
 }
 
-/// Makes the library learn the next index.
+/// Makes the library assign the next index.
 void learnIndex(const QString& key)
 {
     ActivityEntries entries;
     entries.setAutoDelete(true);
     store().readTopPalsAvlContactRecordList(entries, key);
-    // It now takes the slots that the entries name for used; read again, it takes those that are.
+    // It takes the slots that the entries name for used; a new read corrects that.
     Store::destroy();
 }
 
@@ -212,7 +212,7 @@ bool renewLog(const QString& key)
         return false;
     const bool isMade = posix::replaceFile(name, image);
     if (!isMade && isLosing)
-        posix::removeFile(copy); // otherwise each attempt would leave one
+        posix::removeFile(copy); // otherwise each attempt would leave a copy
     Store::destroy();
     return isMade && hasValidLog(key);
 }
@@ -230,7 +230,7 @@ bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
     const int32_t index = nextIndex(others);
     learnIndex(key);
     if (store().addTopPalsAvlItem(entry) == 1) {
-        // The library starts at 0 in each process, and repeats indexes until an entry has a greater one.
+        // In each process the library starts at 0, and repeats indexes until an entry has a greater one.
         if (entry.topPalsAvlIndex < index) {
             entry.topPalsAvlIndex = index;
             store().modifyTopPalsAvlItem(entry);
@@ -239,8 +239,8 @@ bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key)
     }
     if (store().getAvailableTopPalsAvlPos(key) >= 0)
         return false;
-    // No slot was free, but the entry has its index now. A single write puts it over another one, so that nothing is
-    // lost when that fails.
+    // No slot was free, but the entry has its index now. A single write puts it over another one, so a failure loses
+    // nothing.
     entry.topPalsAvlIndex = std::max(entry.topPalsAvlIndex, index);
     entry.topPalsAvlPos = slotToSpare(others);
     return store().modifyTopPalsAvlItem(entry) == 1;

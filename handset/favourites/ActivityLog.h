@@ -1,4 +1,4 @@
-// What the favourites' activity log holds, and which calls have been considered for it.
+// The activity log of the favourites, and which calls have been considered for it.
 #pragma once
 
 #include "platform/QSortedList.h"
@@ -13,26 +13,24 @@
 
 namespace zyn::handset {
 
-/// Entries that the list deletes.
+/// A list that deletes its entries.
 using ActivityEntries = QSortedList<PHONE_ENG_ActivityLog>;
 
 /**
- * Appends the entries of the favourite @p key, newest first, each with the slot where it lies. An entry that a damaged
- * file gives another number is left out.
+ * Appends the entries of the favourite @p key, newest first, each with its actual slot. Entries that a damaged file
+ * assigns to another number are skipped.
  *
- * @return false when the file cannot be read whole
+ * @return false if the file cannot be read whole
  */
 bool readEntries(ActivityEntries& entries, const QString& key);
 
 /**
- * The order of calls and entries by age: whether the first is older than the second, and so the one to give way when
- * there is no room for both.
+ * Orders calls and entries by age: the oldest is the first to be replaced.
  *
- * A date in the future counts as older than all others: a clock was wrong, and such an entry would stay for years while
- * nothing new is logged. Within one second the order is that of the uids and, of entries with the same uid, that of
- * index and slot.
+ * A date in the future counts as oldest: the clock was wrong, and the entry would stay for years while nothing new is
+ * logged. Within one second the uid decides and, for entries with the same uid, the index and the slot.
  *
- * All comparisons of one object use the same present.
+ * Each object compares with one fixed current time.
  */
 class AgeOrder
 {
@@ -49,35 +47,35 @@ private:
 /// Whether @p call could only replace a newer one of @p entries, which fill their file.
 bool isTooOld(const PHONE_ENG_RecentCall& call, const ActivityEntries& entries);
 
-/// Whether the file of the favourite @p key has a valid header and the size that the settings ask for.
+/// Whether the file of the favourite @p key has a valid header and the size given by the settings.
 bool hasValidLog(const QString& key);
 
 /**
- * Gives a favourite without a valid file a new one, whole and at once, with the newest of the entries that the old file
- * holds. When that holds more, a copy of it stays beside it: the name, kFormerInfix, a number.
+ * Replaces the invalid or missing file of a favourite by a new one, atomically, with the newest entries of the old
+ * file. If entries are left over, a copy of the old file is kept beside it, named with kFormerInfix and a number.
  *
- * @return false when the new file cannot be written, when the old one can be neither read nor copied and must stay, or
- * when the settings ask for a file without slots
+ * @return false if the new file cannot be written, if the old one can neither be read nor copied and has to stay, or if
+ * the settings allow no slots
  */
 bool renewLog(const QString& key);
 
 /**
- * Adds @p entry under @p key, over the oldest entry when no slot is free; a file that is not valid is renewed before.
+ * Adds @p entry under @p key, over the oldest entry if no slot is free. An invalid file is replaced first.
  *
- * @return false when the key is no favourite's or the entry could not be written
+ * @return false if the key is not a favourite's, or the entry cannot be written
  */
 bool addEntry(PHONE_ENG_ActivityLog& entry, const QString& key);
 
 /**
- * The calls that the call log held when it was last looked through, kept in a file.
+ * The calls that the call log held when it was last read, kept in a file.
  *
- * A uid alone does not identify a call: the service reuses that of the newest call when this is deleted and the service
- * restarted. So a call is remembered by uid and start time, and all calls are remembered, not just the greatest uid.
+ * A uid alone does not identify a call: the service reuses the uid of the newest call when that is deleted and the
+ * service restarted. So the uid and start time of all calls are kept, not just the greatest uid.
  */
 class SeenCalls
 {
 public:
-    /// What is remembered of a call, in memory as in the file.
+    /// What identifies a call, in memory and in the file.
     struct Mark
     {
         int32_t uid;
@@ -87,12 +85,12 @@ public:
         friend size_t qHash(const Mark& mark, size_t seed) { return qHashMulti(seed, mark.uid, mark.startTime); }
     };
 
-    /// Reads the file at @p path. A missing or damaged one holds no call.
+    /// Reads the file at @p path; a missing or damaged file counts as empty.
     explicit SeenCalls(QString path);
 
     bool contains(const PHONE_ENG_RecentCall& call) const { return m_marks.contains(markOf(call)); }
 
-    /// Remembers these calls in place of the former ones; false when the file could not be written.
+    /// Replaces the stored calls by these; false if the file cannot be written.
     bool replaceBy(std::span<const PHONE_ENG_RecentCall> calls);
 
 private:
@@ -100,7 +98,7 @@ private:
 
     const QString m_path;
     QSet<Mark> m_marks;
-    bool m_isStored = false; ///< whether the file holds them
+    bool m_isStored = false; ///< the file holds these calls
 };
 static_assert(offsetof(SeenCalls::Mark, uid) == 0 && offsetof(SeenCalls::Mark, startTime) == 4);
 static_assert(sizeof(SeenCalls::Mark) == 8);

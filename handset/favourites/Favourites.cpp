@@ -1,4 +1,4 @@
-// Who the favourites are, and the lock of whoever changes them.
+// The favourites, and the lock that guards changes to them.
 #include "handset/favourites/Favourites.h"
 
 #include "handset/favourites/ActivityLog.h"
@@ -29,13 +29,13 @@ QString madeStoreDirectory()
     return QFile::decodeName(storeDirectoryPath());
 }
 
-/// The path of the file that names the favourites.
+/// The path of the file of favourites.
 QByteArray detailsPath()
 {
     return QFile::encodeName(storePath(QLatin1String(kTopPalsDetailsName)));
 }
 
-/// Why @p oldKey cannot make room for @p newKey; Done when it can.
+/// Why @p oldKey cannot be replaced by @p newKey, or Done.
 FavouriteChange obstacle(const QString& oldKey, const QString& newKey)
 {
     using enum FavouriteChange;
@@ -50,7 +50,7 @@ FavouriteChange obstacle(const QString& oldKey, const QString& newKey)
     return Done;
 }
 
-/// Deletes the file that is left from a former favourite: the library would refuse to register it again.
+/// Deletes a file left by a former favourite, which would keep the library from registering the number again.
 void removeLeftover(const QString& key)
 {
     if (hasValidLog(key))
@@ -118,7 +118,7 @@ FavouriteChange replaceFavourite(const QString& oldNumber, const QString& newNum
     const QString oldKey = favouriteKey(oldNumber);
     const QString newKey = favouriteKey(newNumber);
     if (!reloadFavourites())
-        return Refused; // what seems to be a leftover may be a favourite's file
+        return Refused; // what looks like a leftover may be a favourite's file
     if (const FavouriteChange problem = obstacle(oldKey, newKey); problem != Done)
         return problem;
     if (!newKey.isEmpty())

@@ -1,4 +1,4 @@
-// Who the favourites are, and the lock of whoever changes them.
+// The favourites, and the lock that guards changes to them.
 #pragma once
 
 #include "platform/posix/FileLock_p.h"
@@ -9,23 +9,23 @@
 #include <optional>
 
 /**
- * A favourite is registered, logged and looked up under the key of its number (zyn::favouriteKey). These functions
- * expect a key unless they say number. Whoever changes anything holds an ActivityLogLock.
+ * A favourite is registered, logged and looked up by the key of its number (zyn::favouriteKey). These functions expect
+ * a key unless a parameter is called number. Changes require an ActivityLogLock.
  */
 namespace zyn::handset {
 
 /**
- * The right to change the favourites and their activity log, which one process at a time has: a lock file in the store
- * directory. It ends with the object, and with the process, however that ends.
+ * The exclusive right to change the favourites and their activity log: a lock file in the store directory. It is
+ * released with the object, or when the process ends.
  */
 class ActivityLogLock
 {
 public:
     ActivityLogLock();
-    /// Of the store in @p directory, which exists.
+    /// For the store in @p directory, which exists.
     explicit ActivityLogLock(const QString& directory);
 
-    /// False when another process holds the lock, or when something that is no file has its name.
+    /// False if another process holds the lock, or something other than a file has its name.
     bool lock();
 
     /// Why lock() failed, with the process that holds the lock.
@@ -34,20 +34,19 @@ public:
 private:
     const QString m_path;
     posix::FileLock m_lock;
-    bool m_isOwned = false; ///< by another process, when it was last tried
+    bool m_isOwned = false; ///< another process owned it at the last attempt
 };
 
-/// The key of each place, empty for a free one. Makes the file that names the favourites when it is missing, and anew
-/// when it is damaged.
+/// The key of each place, empty for a free one. Creates the file of favourites if it is missing or damaged.
 QStringList favouriteKeys();
 
-/// The same for readers: no key when that file is missing, nothing when it is damaged or cannot be read.
+/// The same for readers: no keys if the file is missing, nothing if it is damaged or unreadable.
 std::optional<QStringList> readFavouriteKeys();
 
 /**
- * Drops what the library remembers, so that what follows goes by what is on disk now.
+ * Drops the library's cache, so that the next access reads the disk.
  *
- * @return false when the file that names the favourites is there but cannot be read: they are unknown then
+ * @return false if the file of favourites exists but cannot be read
  */
 bool reloadFavourites();
 
@@ -56,23 +55,23 @@ bool isFavourite(const QString& key);
 /// The outcome of a replacement.
 enum class FavouriteChange {
     Done,
-    WithoutFile,      ///< done, but the new number's file cannot be made; it will be when an entry is added
-    Same,             ///< both numbers are those of one favourite, which stays as it is
-    NoFavourite,      ///< the old number is no favourite
-    AlreadyFavourite, ///< the new number is one already
-    NoPlace,          ///< every place is taken
+    WithoutFile,      ///< done, but the new number's file cannot be created now; adding an entry creates it
+    Same,             ///< both numbers belong to one favourite, which stays as it is
+    NoFavourite,      ///< the old number is not a favourite
+    AlreadyFavourite, ///< the new number already is a favourite
+    NoPlace,          ///< all places are taken
     Refused,          ///< the new number cannot name a file, or the files cannot be written
 };
 
 /**
- * Replaces the favourite @p oldNumber by @p newNumber, of which one may be empty. Anything but Done and WithoutFile
- * changes nothing, unless a file could not be written.
+ * Replaces the favourite @p oldNumber by @p newNumber; one of them may be empty. Except for Done and WithoutFile
+ * nothing has changed, unless a file could not be written.
  *
- * A file that is left from a former favourite of the new number is deleted, and so are the entries of the old one.
+ * Deletes the entries of the old number, and a file that a former favourite has left for the new one.
  */
 FavouriteChange replaceFavourite(const QString& oldNumber, const QString& newNumber);
 
-/// What @p change means for these numbers, as a sentence without a full stop.
+/// @p change in words, as a sentence without a full stop.
 QString describe(FavouriteChange change, const QString& oldNumber, const QString& newNumber);
 
 } // namespace zyn::handset

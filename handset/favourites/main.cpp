@@ -33,12 +33,12 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-/// Messages come in bursts; one look at the call log serves for a burst.
+/// Messages come in bursts; the call log is read once per burst.
 constexpr auto kSoon = 100ms;
-/// By then a call whose end was reported is in the log, even if the service had to be tried several times.
+/// By then a call whose end was reported is in the log, even if the service needed several attempts.
 constexpr auto kLater = 1500ms;
 
-/// Between the looks while the service does not answer.
+/// Between reads while the service does not answer.
 constexpr auto kFirstRetry = 5s;
 constexpr auto kSlowestRetry = 60s;
 
@@ -49,7 +49,7 @@ QString seenCallsPath()
     return storePath(QLatin1String(kSeenCallsName));
 }
 
-/// Whether a call could have @p number, or whether it is empty.
+/// Whether @p number is empty or could be that of a call.
 bool isNumber(const QString& number)
 {
     return number.size() <= kNumberLimit && std::ranges::all_of(number, [](QChar character) {
@@ -57,7 +57,7 @@ bool isNumber(const QString& number)
            });
 }
 
-/// The entry of @p entries that was made of @p call, or null.
+/// The entry of @p entries that was made from @p call, or null.
 PHONE_ENG_ActivityLog* entryOf(const ActivityEntries& entries, const PHONE_ENG_RecentCall& call)
 {
     const auto found = std::ranges::find_if(entries, [&](const PHONE_ENG_ActivityLog* entry) {
@@ -67,7 +67,7 @@ PHONE_ENG_ActivityLog* entryOf(const ActivityEntries& entries, const PHONE_ENG_R
     return found == entries.end() ? nullptr : *found;
 }
 
-/// Marks an entry as read when its call has been read; nothing marks it as unread again.
+/// Marks an entry as read once its call has been read, never the reverse.
 void followReading(PHONE_ENG_ActivityLog& entry, const PHONE_ENG_RecentCall& call)
 {
     const auto flags = static_cast<uint8_t>(entry.readFlags | call.readFlags);
@@ -81,17 +81,16 @@ void followReading(PHONE_ENG_ActivityLog& entry, const PHONE_ENG_RecentCall& cal
 /**
  * Follows the announcements of the favourites' channel, and copies the favourites' calls from the call log.
  *
- * It looks through the call log at the start, after every voice-call change that the phone server reports and after
- * every change of the missed calls, and once more a little later: the end of a call may be reported before the call is
- * in the log. A look waits for the recent-call service and holds up the announcements: while the service does not
- * answer, looks are few, until one succeeds or the service announces something. Nor does a look succeed while the file
- * that names the favourites cannot be read.
+ * Reads the call log at the start, after each voice-call change and each change of the missed calls, and a little later
+ * once more: the end of a call may be reported before the call is in the log. A read waits for the recent-call service
+ * and delays the announcements, so reads are rare while the service does not answer, until one succeeds or the service
+ * announces something. A read fails as well while the file of favourites cannot be read.
  *
- * Calls from before a favourite are not logged. So the call log is looked through before one is registered; where that
- * fails, the next look that succeeds goes by the times at which the calls began.
+ * Calls from before a favourite was registered are not logged, so the call log is read before each registration. If
+ * that fails, the next successful read compares start times.
  *
- * A call that cannot be written is tried again at each look. Everything that happens is logged. The process must hold
- * the activity log's lock.
+ * A call that cannot be written is tried again at each read. Everything that happens is logged. The process must hold
+ * the lock of the activity log.
  */
 class FavouritesOwner : public QObject
 {
@@ -109,9 +108,9 @@ private:
     void receive(const QCString& message, const QByteArray& data);
     void replace(const QString& oldNumber, const QString& newNumber);
 
-    void lookSoon();
-    void lookSoonUnlessUnserved();
-    void look();
+    void syncSoon();
+    void syncSoonIfServed();
+    void sync();
     Calls logCallsOf(const QString& key, const Calls& calls);
     static bool logCall(const QString& key, const PHONE_ENG_RecentCall& call);
     void noteService(bool isServed);
@@ -121,11 +120,11 @@ private:
     PHONE_MsgClient m_phone;
     QTimer m_soon;
     QTimer m_later;
-    Retry m_retry{kFirstRetry, kSlowestRetry, [this] { look(); }};
+    Retry m_retry{kFirstRetry, kSlowestRetry, [this] { sync(); }};
     SeenCalls m_seen{seenCallsPath()};
-    bool m_isServed = true;               ///< whether the recent-call service answered the last time
-    bool m_areKnown = true;               ///< whether the favourites could be read the last time
-    QHash<QString, qint64> m_blindStarts; ///< when the favourites came that came while the service did not answer
+    bool m_isServed = true;               ///< the recent-call service answered the last time
+    bool m_areKnown = true;               ///< the favourites could be read the last time
+    QHash<QString, qint64> m_blindStarts; ///< favourites registered while the service did not answer, and when
 };
 
 FavouritesOwner::FavouritesOwner()
@@ -135,12 +134,12 @@ FavouritesOwner::FavouritesOwner()
     m_later.setSingleShot(true);
     m_later.setInterval(kLater);
     for (const QTimer* timer : {&m_soon, &m_later})
-        connect(timer, &QTimer::timeout, this, &FavouritesOwner::look);
+        connect(timer, &QTimer::timeout, this, &FavouritesOwner::sync);
     connect(&m_announcements, &QCopChannel::received, this, &FavouritesOwner::receive);
-    connect(&m_phone, &PHONE_MsgClient::signalVoiceCallStatChanged, this, &FavouritesOwner::lookSoonUnlessUnserved);
+    connect(&m_phone, &PHONE_MsgClient::signalVoiceCallStatChanged, this, &FavouritesOwner::syncSoonIfServed);
     connect(RecentCall_MsgClient::instance(), &RecentCall_MsgClient::signalMissedCallUpdate, this,
-            &FavouritesOwner::lookSoon);
-    QTimer::singleShot(0, this, &FavouritesOwner::look);
+            &FavouritesOwner::syncSoon);
+    QTimer::singleShot(0, this, &FavouritesOwner::sync);
     m_later.start();
 }
 
@@ -152,7 +151,7 @@ void FavouritesOwner::receive(const QCString& message, const QByteArray& data)
     const QString& oldNumber = values[0].text;
     const QString& newNumber = values[1].text;
     if (!values.isComplete() || values.end < data.size())
-        log(u"an announcement of %1 bytes is none: ignored"_s.arg(data.size()));
+        log(u"an announcement of %1 bytes is invalid: ignored"_s.arg(data.size()));
     else if (!isNumber(oldNumber) || !isNumber(newNumber))
         log(u"an announcement with a number that no call can have: ignored"_s);
     else if (oldNumber.isEmpty() && newNumber.isEmpty())
@@ -166,42 +165,42 @@ void FavouritesOwner::replace(const QString& oldNumber, const QString& newNumber
     const QString newKey = favouriteKey(newNumber);
     const bool isComing = !newKey.isEmpty() && !isFavourite(newKey);
     if (isComing && m_isServed)
-        look();
+        sync();
     const FavouriteChange change = replaceFavourite(oldNumber, newNumber);
     if (isComing && !m_isServed)
         m_blindStarts.insert(newKey, QDateTime::currentSecsSinceEpoch());
     log(describe(change, oldNumber, newNumber));
-    // The announcement holds as far as it can: the old number leaves though the new one is there already, and the new
-    // one comes though the old one was no favourite.
+    // The announcement is applied as far as possible: the old number is removed even if the new one already is a
+    // favourite, and the new one is added even if the old one was not.
     if (change == FavouriteChange::NoFavourite && !newNumber.isEmpty())
         replace(QString(), newNumber);
     if (change == FavouriteChange::AlreadyFavourite && !oldNumber.isEmpty())
         replace(oldNumber, QString());
 }
 
-void FavouritesOwner::lookSoonUnlessUnserved()
+void FavouritesOwner::syncSoonIfServed()
 {
     if (m_isServed)
-        lookSoon();
+        syncSoon();
 }
 
-void FavouritesOwner::lookSoon()
+void FavouritesOwner::syncSoon()
 {
     if (!m_soon.isActive())
         m_soon.start();
     m_later.start();
 }
 
-/// Looks through the call log, and logs the favourites' new calls.
-void FavouritesOwner::look()
+/// Reads the call log, and logs the favourites' new calls.
+void FavouritesOwner::sync()
 {
     const auto calls = fetchCalls(RC_CALL_CATEGORY_ALL);
     noteService(calls.has_value());
     if (calls)
         noteFavourites(reloadFavourites());
-    const bool canLook = calls && m_areKnown;
-    m_retry.note(canLook);
-    if (!canLook)
+    const bool canSync = calls && m_areKnown;
+    m_retry.note(canSync);
+    if (!canSync)
         return;
     Calls seen = *calls;
     for (const QString& key : favouriteKeys()) {
@@ -235,7 +234,7 @@ void FavouritesOwner::noteFavourites(bool areKnown)
     m_areKnown = areKnown;
 }
 
-/// Logs the new ones of @p calls under @p key; returns those that are to be tried again.
+/// Logs the new ones of @p calls under @p key; returns those to try again.
 FavouritesOwner::Calls FavouritesOwner::logCallsOf(const QString& key, const Calls& calls)
 {
     const bool hasSlots = contactSlots() > 0;
@@ -243,13 +242,13 @@ FavouritesOwner::Calls FavouritesOwner::logCallsOf(const QString& key, const Cal
         log((renewLog(key) ? u"the file of %1 is made anew"_s : u"the file of %1 cannot be made"_s)
                 .arg(printable(key)));
     ActivityEntries entries;
-    readEntries(entries, key); // a file that cannot be read gives no entry, and takes none
+    readEntries(entries, key); // an unreadable file yields no entries, and accepts none
     const qint64 start = m_blindStarts.value(key, std::numeric_limits<qint64>::min());
     Calls fresh;
     for (const PHONE_ENG_RecentCall& call : calls) {
         if (favouriteKey(call.getPhoneNumber()) != key)
             continue;
-        // A process that was killed between the two has logged a call that still counts as new.
+        // A process that was killed between the two steps has logged a call that still counts as new.
         if (PHONE_ENG_ActivityLog* entry = entryOf(entries, call))
             followReading(*entry, call);
         else if (!m_seen.contains(call) && call.startTime >= start && !isTooOld(call, entries))
@@ -257,14 +256,14 @@ FavouritesOwner::Calls FavouritesOwner::logCallsOf(const QString& key, const Cal
     }
     if (!hasSlots)
         return fresh; // they wait for slots
-    // Each replaces an older one when the file is full.
+    // In a full file each replaces an older one.
     std::ranges::sort(fresh, AgeOrder());
     Calls failed;
     std::ranges::copy_if(fresh, std::back_inserter(failed), [&](const auto& call) { return !logCall(key, call); });
     return failed;
 }
 
-/// Whether it could be logged.
+/// Whether the call was logged.
 bool FavouritesOwner::logCall(const QString& key, const PHONE_ENG_RecentCall& call)
 {
     PHONE_ENG_ActivityLog entry(call);

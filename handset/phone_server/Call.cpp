@@ -1,4 +1,4 @@
-// One call: its state machine, its parties, and how long they talked.
+// One call: its state machine, its other party, and its duration.
 #include "handset/phone_server/Call.h"
 
 #include <algorithm>

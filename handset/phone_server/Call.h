@@ -1,4 +1,4 @@
-// One call: its state machine, its parties, and how long they talked.
+// One call: its state machine, its other party, and its duration.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -16,18 +16,18 @@ enum class CallState : uint8_t {
     Alerting,  ///< the other party's telephone rings
     Ringing,   ///< somebody calls, and this telephone rings
     Connected, ///< the parties talk
-    Ended,     ///< over, by whatever hung up
+    Ended,     ///< over; either side has hung up
     Missed,    ///< over; nobody answered
 };
 
 enum class CallEvent : uint8_t {
-    Proceed, ///< the network and the other party do what comes next
+    Proceed, ///< the network or the other party takes the next step
     Answer,
     HangUp, ///< by either side
     Miss,   ///< the caller gives up
 };
 
-/// Where a call stands. It knows nothing of numbers, time or messages.
+/// The state of a call, free of numbers, time and messages.
 class CallStateMachine
 {
 public:
@@ -37,12 +37,12 @@ public:
     CallState state() const { return m_state; }
     bool isPlaced() const { return m_isPlaced; }
     bool isOver() const { return m_state == CallState::Ended || m_state == CallState::Missed; }
-    /// Whether the parties ever talked.
+    /// Whether the parties have ever talked.
     bool wasConnected() const { return m_wasConnected; }
-    /// The list that the call belongs to, once it is over; a call that was turned down counts as answered.
+    /// The list that a finished call belongs to; a rejected call counts as answered.
     RC_CALL_CATEGORY_T category() const;
 
-    /// Goes where @p event leads; false, and it stays, when the event means nothing in its state.
+    /// Applies @p event; false, without a change, if it does not apply in this state.
     bool apply(CallEvent event);
 
 private:
@@ -56,20 +56,20 @@ private:
     bool m_wasConnected = false;
 };
 
-/// The state's name for people.
+/// The state's name in the log.
 const char* nameOf(CallState state);
 
 /// The other party of a call.
 struct Party
 {
     QString number;
-    QString name = {}; ///< empty when nobody gave one
+    QString name = {}; ///< empty if unknown
 };
 
-/// Whether @p number is one that can be dialed: 1 to 41 digits, `*`, `#`, `+`, pauses and waits.
+/// Whether @p number can be dialed: 1 to 41 digits, `*`, `#`, `+`, pauses and waits.
 bool isDialable(const QString& number);
 
-/// A call from its beginning, which is now, to its end.
+/// A call that begins now.
 class Call
 {
 public:
@@ -82,9 +82,9 @@ public:
     /// As CallStateMachine::apply().
     bool apply(CallEvent event);
 
-    /// How long the parties talked, in whole seconds and at least 1; 0 when they never did.
+    /// How long the parties talked, in whole seconds, at least 1; 0 if they never did.
     int duration() const;
-    /// What the log of recent calls keeps of a call that is over.
+    /// The record of a finished call.
     PHONE_ENG_RecentCall record() const;
 
 private:

@@ -20,14 +20,14 @@ namespace {
 
 using posix::Delivery;
 
-/// The time in which a service that died is started again.
+/// Enough for a service that died to be restarted.
 constexpr std::chrono::milliseconds kTimeout = 3s;
-/// @{ Between two tries: within that time, and from then on.
+/// @{ Between two attempts: within that time, and after it.
 constexpr auto kPause = 200ms;
 constexpr auto kLongPause = 1s;
 /// @}
 
-/// How many calls are on their way at a time. A service that hangs must not have all descriptors.
+/// Concurrent uploads, so that a hanging service does not use up the descriptors.
 constexpr size_t kMostOnTheWay = 16;
 
 QString describe(const PHONE_ENG_RecentCall& record)
@@ -57,7 +57,7 @@ void CallLogUploader::add(const PHONE_ENG_RecentCall& record)
 
 void CallLogUploader::finish()
 {
-    // What waits from here on is told once, below.
+    // Calls that wait from here on are logged once, below.
     m_pause.disconnect();
     connect(&m_pause, &QTimer::timeout, this, &CallLogUploader::advance);
     advance();
@@ -67,12 +67,11 @@ void CallLogUploader::finish()
         QTimer::singleShot(kTimeout, &loop, &QEventLoop::quit);
         loop.exec();
     }
-    // A service that only hangs finds what it was sent when it goes on.
+    // A service that only hangs reads what it was sent when it resumes.
     sendWaiting(m_waiting.size());
     for (const Item& item : m_waiting) {
         const bool isSent = item.connection.isValid();
-        log((isSent ? u"the recent-call service was sent %1, and has not read it"_s
-                    : u"the recent-call service never took %1"_s)
+        log((isSent ? u"the recent-call service has not read %1"_s : u"the recent-call service never accepted %1"_s)
                 .arg(describe(item.record)));
     }
 }
@@ -96,7 +95,7 @@ void CallLogUploader::tryAgain()
         logWaiting();
 }
 
-/// Takes away what has been handed over; what was lost on its way is to be sent again.
+/// Removes what has been uploaded; what was lost on its way is sent again.
 void CallLogUploader::collect()
 {
     for (auto item = m_waiting.begin(); item != m_waiting.end();) {
@@ -114,7 +113,8 @@ void CallLogUploader::collect()
         ++item;
     }
     if (m_waiting.empty() && m_late > 0)
-        log(u"the recent-call service is back, and has taken the %1 calls that waited"_s.arg(std::exchange(m_late, 0)));
+        log(u"the recent-call service is back and has accepted the %1 calls that waited"_s.arg(
+            std::exchange(m_late, 0)));
 }
 
 void CallLogUploader::noteAccepted(const Item& item)
@@ -124,14 +124,14 @@ void CallLogUploader::noteAccepted(const Item& item)
     m_late += item.isLogged ? 1 : 0;
 }
 
-/// Sends what was not sent yet of the first @p most calls, one after the other.
+/// Sends the unsent ones of the first @p most calls, in order.
 void CallLogUploader::sendWaiting(size_t most)
 {
     for (size_t i = 0; i < std::min(most, m_waiting.size()); ++i) {
         if (m_waiting[i].connection.isValid() || send(m_waiting[i]))
             continue;
         if (!std::exchange(m_isRefused, true))
-            log(u"the recent-call service does not take a call: trying again"_s);
+            log(u"the recent-call service does not accept a call: trying again"_s);
         return;
     }
 }
@@ -147,7 +147,7 @@ bool CallLogUploader::send(Item& item)
         return false;
     posix::endSending(connection.get());
     item.answered = std::make_unique<QSocketNotifier>(connection.get(), QSocketNotifier::Read);
-    // Queued: by then the notifier, which goes with its call, has nothing more to do.
+    // Queued, because advance() deletes the notifier along with its call.
     connect(item.answered.get(), &QSocketNotifier::activated, this, &CallLogUploader::advance, Qt::QueuedConnection);
     item.connection = std::move(connection);
     return true;
@@ -157,7 +157,7 @@ void CallLogUploader::logWaiting()
 {
     for (Item& item : m_waiting) {
         if (!std::exchange(item.isLogged, true))
-            log(u"the recent-call service has not taken %1: it waits"_s.arg(describe(item.record)));
+            log(u"the recent-call service has not accepted %1: it waits"_s.arg(describe(item.record)));
     }
 }
 

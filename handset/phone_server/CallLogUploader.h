@@ -16,11 +16,11 @@
 namespace zyn::handset {
 
 /**
- * Hands calls over in their order, beside everything else: it never waits for the service.
+ * Uploads calls in order, without waiting for the service.
  *
- * A call is sent on a connection of its own, and counts as handed over when the service has read it. A service that
- * dies before that is sent it again by way of the next one. When none is handed over for three seconds, each that waits
- * is told in the log; they are tried for as long as this process lives.
+ * Each call is sent on its own connection, and is done when the service has read it. If the service dies first, the
+ * call is sent again to the next one. After three seconds without an upload, each waiting call is logged once; attempts
+ * go on as long as this process lives.
  */
 class CallLogUploader : public QObject
 {
@@ -30,11 +30,11 @@ public:
     CallLogUploader();
     ~CallLogUploader() override;
 
-    /// Sends @p record, unless there is no service: whoever asks the service from here on finds the call in its list.
+    /// Sends @p record if the service runs. A client that connects to the service after that finds the call in its
+    /// list.
     void add(const PHONE_ENG_RecentCall& record);
 
-    /// Waits until no call is left, for three seconds at most, while the event loop goes on. What is left then is told
-    /// in the log.
+    /// Runs the event loop until no call is left, for at most three seconds; what is left is logged.
     void finish();
 
 Q_SIGNALS:
@@ -45,8 +45,8 @@ private:
     struct Item
     {
         PHONE_ENG_RecentCall record;
-        posix::UniqueFd connection = {};                ///< none before it is sent
-        std::unique_ptr<QSocketNotifier> answered = {}; ///< when something has become of it
+        posix::UniqueFd connection = {};                ///< invalid until sent
+        std::unique_ptr<QSocketNotifier> answered = {}; ///< fires when the connection's fate is known
         bool isLogged = false;
     };
 
@@ -60,9 +60,9 @@ private:
 
     std::deque<Item> m_waiting;
     QTimer m_pause;
-    QElapsedTimer m_sinceAccepted; ///< or since something has begun to wait
-    bool m_isRefused = false;      ///< whether the last call that was to be sent could not be
-    int m_late = 0;                ///< calls that were told, and taken after all
+    QElapsedTimer m_sinceAccepted; ///< or since the queue was empty
+    bool m_isRefused = false;      ///< the last attempt to send a call failed
+    int m_late = 0;                ///< uploaded calls that had been logged as waiting
 };
 
 } // namespace zyn::handset

@@ -15,7 +15,7 @@ using namespace zyn::voicecall;
 namespace zyn::handset {
 namespace {
 
-/// What a client is told of each state; 0 for those that no call of a client comes to.
+/// The reply for each state; 0 for states that no client's call reaches.
 constexpr std::array<int32_t, 6> kReplies = {CallDialing, CallAlerting, 0, CallConnected, CallEnded, 0};
 static_assert(kReplies[static_cast<size_t>(CallState::Connected)] == CallConnected);
 static_assert(kReplies[static_cast<size_t>(CallState::Ended)] == CallEnded);
@@ -44,7 +44,7 @@ bool ClientConnection::admits(const CommandFrameHeader& header)
 {
     const CommandRow<ClientConnection>* command = rowFor(kCommands, header);
     if (!command) {
-        refuse(u"sent what is no command"_s);
+        refuse(u"sent an invalid command"_s);
         return false;
     }
     const bool isRegistration = command == std::begin(kCommands);
@@ -55,25 +55,25 @@ bool ClientConnection::admits(const CommandFrameHeader& header)
     return true;
 }
 
-void ClientConnection::carryOut(const CommandFrameHeader& header, std::span<const std::byte> data)
+void ClientConnection::execute(const CommandFrameHeader& header, std::span<const std::byte> data)
 {
-    (this->*rowFor(kCommands, header)->carryOut)(data);
+    (this->*rowFor(kCommands, header)->execute)(data);
 }
 
 void ClientConnection::registerClient(std::span<const std::byte> data)
 {
     const auto kind = qFromLittleEndian<int32_t>(data.data());
     if (kind != SimToolkit && kind != Java) {
-        refuse(u"registered as of a kind unknown"_s);
+        refuse(u"registered as an unknown kind"_s);
         return;
     }
     m_kind = kind;
-    allowSilence();
+    allowIdle();
 }
 
 void ClientConnection::unregisterClient(std::span<const std::byte> /*data*/)
 {
-    end();
+    close();
 }
 
 void ClientConnection::makeSimCall(std::span<const std::byte> data)
@@ -113,7 +113,7 @@ void ClientConnection::dialExtension(std::span<const std::byte> data)
     if (hasCall() && m_line.isConnected() && isDialable(key))
         log(u"call %1: extension %2"_s.arg(m_call).arg(key));
     else
-        log(u"an extension without a connected call, or of no key: ignored"_s);
+        log(u"an extension without a connected call or a valid key: ignored"_s);
 }
 
 void ClientConnection::reply(int id, CallState state)

@@ -10,10 +10,9 @@
 namespace zyn::handset {
 
 /**
- * One client: registers, places calls, and is told how they go on.
+ * One client: registers, places calls, and receives their states.
  *
- * It may be silent for as long as it likes once it has registered. A call does not end with the connection that asked
- * for it.
+ * It may be idle once it has registered. Its calls survive its connection.
  */
 class ClientConnection : public CommandConnection
 {
@@ -24,7 +23,7 @@ public:
 
 protected:
     bool admits(const CommandFrameHeader& header) override;
-    void carryOut(const CommandFrameHeader& header, std::span<const std::byte> data) override;
+    void execute(const CommandFrameHeader& header, std::span<const std::byte> data) override;
 
 private:
     static const CommandRow<ClientConnection> kCommands[6];
@@ -41,8 +40,8 @@ private:
     bool hasCall() const { return m_line.current() && m_line.currentId() == m_call; }
 
     PhoneLine& m_line;
-    std::optional<int32_t> m_kind; ///< nothing before it has registered
-    int m_call = 0;                ///< the last call that it has placed
+    std::optional<int32_t> m_kind; ///< unset until it registers
+    int m_call = 0;                ///< the last call that it placed
 };
 
 } // namespace zyn::handset

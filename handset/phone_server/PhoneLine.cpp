@@ -1,4 +1,4 @@
-// The handset's one line, and the call on it.
+// The handset's line, with at most one call.
 #include "handset/phone_server/PhoneLine.h"
 
 #include "handset/common/Log.h"
@@ -31,7 +31,7 @@ PhoneLine::PhoneLine(CallPace pace)
 int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type)
 {
     if (const char* reason = obstacle(party)) {
-        log(u"a call is not placed: %1"_s.arg(QLatin1String(reason)));
+        log(u"cannot place a call: %1"_s.arg(QLatin1String(reason)));
         return 0;
     }
     begin(CallStateMachine::placed(), party, type);
@@ -58,13 +58,13 @@ void PhoneLine::setRadio(bool isOn)
 {
     m_hasRadio = isOn;
     if (!isOn)
-        cut();
+        disconnectCall();
 }
 
 void PhoneLine::close()
 {
     m_isClosed = true;
-    cut();
+    disconnectCall();
     m_uploader.finish();
 }
 
@@ -72,9 +72,9 @@ void PhoneLine::close()
 const char* PhoneLine::obstacle(const Party& party) const
 {
     if (!isDialable(party.number))
-        return "that is no number";
+        return "the number is invalid";
     if (m_isClosed)
-        return "the phone is going off";
+        return "the phone is shutting down";
     if (!m_hasRadio)
         return "the radio is off";
     return m_call ? "the line is busy" : nullptr;
@@ -95,8 +95,8 @@ bool PhoneLine::apply(CallEvent event)
     return true;
 }
 
-/// Ends the call on the line from outside.
-void PhoneLine::cut()
+/// Ends the call, whatever its state.
+void PhoneLine::disconnectCall()
 {
     if (!miss())
         hangUp();
@@ -111,13 +111,13 @@ void PhoneLine::missWhileBusy(const Party& caller)
     reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
 }
 
-/// Goes on from the state that the call has come to.
+/// Schedules what follows from the call's new state.
 void PhoneLine::scheduleNext()
 {
     const CallStateMachine& machine = m_call->machine();
     m_next.stop();
     if (machine.isOver()) {
-        // First: who hears of the end looks for the call in the log.
+        // First, because listeners look for the call in the log when its end is reported.
         m_uploader.add(m_call->record());
         reportEnd();
         return;

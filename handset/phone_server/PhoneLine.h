@@ -1,4 +1,4 @@
-// The handset's one line, and the call on it.
+// The handset's line, with at most one call.
 #pragma once
 
 #include "handset/phone_server/Call.h"
@@ -19,7 +19,7 @@ void reportStatus(const PhoneMessage& message, const QByteArray& payload);
 /// Sends the status message of @p type with @p values for its fields.
 void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values = {});
 
-/// How fast the world around the handset is.
+/// The delays of the simulated network.
 struct CallPace
 {
     std::chrono::milliseconds step; ///< from dialing to alerting, and from there to connected
@@ -27,11 +27,11 @@ struct CallPace
 };
 
 /**
- * Walks one call at a time through its machine.
+ * Drives one call at a time through its state machine.
  *
- * Placed calls go on by themselves; incoming ones wait for an answer and then for somebody to hang up. Every change is
- * reported with a status message. The finished call is sent to the recent-call service before its end is reported; the
- * line is free then, whatever becomes of that.
+ * Placed calls proceed by themselves; incoming calls wait for an answer and then for a hang-up. Each change is reported
+ * with a status message. A finished call is sent to the recent-call service before its end is reported; the line is
+ * then free, whether or not the service accepts the call.
  */
 class PhoneLine : public QObject
 {
@@ -40,44 +40,43 @@ class PhoneLine : public QObject
 public:
     explicit PhoneLine(CallPace pace);
 
-    /// Places a call and gives its number, above 0; 0, told in the log, when the line is busy, the radio off, or the
-    /// number none.
+    /// Places a call and returns its id, above 0. Returns 0, which is logged, if the line is busy, the radio is off or
+    /// the number is invalid.
     int place(const Party& party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE);
-    /// Somebody calls; a busy line misses the call. False when the radio is off.
+    /// An incoming call; a busy line misses it. False if the radio is off.
     bool ring(const Party& caller);
 
-    /// @{ False when there is no call that this means anything to.
+    /// @{ False if there is no call in a suitable state.
     bool answer() { return apply(CallEvent::Answer); }
     bool hangUp() { return apply(CallEvent::HangUp); }
     bool miss() { return apply(CallEvent::Miss); }
     /// @}
 
-    /// The call that is not over yet, or null.
+    /// The call in progress, or null.
     const Call* current() const;
-    /// The number of the call on the line, or of the last one.
+    /// The id of the current call, or of the last one.
     int currentId() const { return m_id; }
 
     bool isConnected() const { return current() && current()->machine().state() == CallState::Connected; }
-    /// How long the parties of all calls talked, in seconds, since this was last reset.
+    /// The talk time of all calls since the last reset, in seconds.
     int totalSeconds() const { return m_totalSeconds; }
     void resetTotal() { m_totalSeconds = 0; }
 
     /// Switches the radio; without it there are no calls.
     void setRadio(bool isOn);
 
-    /// Ends the call on the line, and places and takes no other from here on; returns when all calls have been handed
-    /// over, or the recent-call service has not taken them in time.
+    /// Ends the call and refuses further ones. Returns when all calls are uploaded, or after the uploader's timeout.
     void close();
 
 Q_SIGNALS:
-    /// The call of that number has come to @p state, which has been reported.
+    /// The call @p id has reached @p state, which has been reported.
     void callChanged(int id, CallState state);
 
 private:
     const char* obstacle(const Party& party) const;
     void begin(CallStateMachine course, const Party& party, RC_CALL_TYPE_T type);
     bool apply(CallEvent event);
-    void cut();
+    void disconnectCall();
     void missWhileBusy(const Party& caller);
     void scheduleNext();
     void reportChange();

@@ -1,4 +1,4 @@
-// Carries out the requests of the phone channel and of the push-to-talk channel.
+// Handles the requests of the phone channel and of the push-to-talk channel.
 #include "handset/phone_server/PhoneRequests.h"
 
 #include "handset/common/Log.h"
@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-/// The first party of the request @p data, nothing when it is not whole.
+/// The first party of the request @p data, or nothing if the request is malformed.
 std::optional<Party> firstParty(const QByteArray& data)
 {
     const FieldValues values = decode(kMakePttCall, data);
@@ -53,7 +53,7 @@ void PhoneRequests::receive(const QCString& message, const QByteArray& data)
     if (values.isComplete())
         (this->*found->answer)(values.list.isEmpty() ? 0 : values[0].number);
     else
-        log(u"%1 comes without its number: ignored"_s.arg(QString::fromLatin1(message)));
+        log(u"%1 without its number: ignored"_s.arg(QString::fromLatin1(message)));
 }
 
 void PhoneRequests::setRadioMode(int32_t on)
@@ -71,7 +71,7 @@ void PhoneRequests::setLanguage(int32_t language)
     reportStatus(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
 }
 
-/// Kind 0 is the total that is counted here; of kind 1 there is never anything to reset.
+/// Kind 0 is the total counted here; kind 1 is always 0.
 void PhoneRequests::resetTotalDuration(int32_t kind)
 {
     constexpr int32_t kDone = 0;
@@ -105,7 +105,7 @@ void PttRequests::makeCall(const QByteArray& data)
     if (const auto party = firstParty(data))
         m_line.place(*party, RC_CALL_TYPE_PTT1);
     else
-        log(u"a request for a push-to-talk call is not whole: ignored"_s);
+        log(u"a malformed request for a push-to-talk call: ignored"_s);
 }
 
 void PttRequests::dropCall()

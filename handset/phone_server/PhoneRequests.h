@@ -1,4 +1,4 @@
-// Carries out the requests of the phone channel and of the push-to-talk channel.
+// Handles the requests of the phone channel and of the push-to-talk channel.
 #pragma once
 
 #include "platform/QCopChannel.h"
@@ -10,7 +10,7 @@ namespace zyn::handset {
 
 class PhoneLine;
 
-/// Listens to the phone channel, and answers each request with its status messages.
+/// Listens to the phone channel and answers each request with status messages.
 class PhoneRequests : public PHONE_Msg
 {
     Q_OBJECT
@@ -32,8 +32,7 @@ private:
     PhoneLine& m_line;
 };
 
-/// Listens to the push-to-talk channel, and starts and ends push-to-talk calls; the first party is the one that is
-/// called.
+/// Listens to the push-to-talk channel; starts calls to the first party of a request, and ends them.
 class PttRequests : public QCopChannel
 {
     Q_OBJECT

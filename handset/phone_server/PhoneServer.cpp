@@ -1,4 +1,4 @@
-// The phone server and the phone application of a desk.
+// The phone server and the phone application.
 #include "handset/phone_server/PhoneServer.h"
 
 #include "handset/phone_server/ClientConnection.h"
@@ -20,7 +20,7 @@ bool PhoneServer::listen()
 {
     if (!m_clients.acquire())
         return false;
-    // Only the owner of the socket answers requests: two servers would place every call twice.
+    // Two servers that both answered requests would place every call twice.
     listenToVoiceCallRequests();
     m_pttRequests.emplace(m_line);
     m_phoneRequests.emplace(m_line);
@@ -40,7 +40,7 @@ void PhoneServer::listenToVoiceCallRequests()
 
 void PhoneServer::makeCall(const QString& number, const QString& name, int dialMode)
 {
-    // With anything in front, nobody would answer an emergency call.
+    // A prefixed emergency number would reach nobody.
     const bool hasPrefix =
         dialMode == DialPrependly && !number.isEmpty() && !PHONE_IsEmergencyCall(number.toLatin1().data());
     m_line.place({hasPrefix ? m_prefix + number : number, name});

@@ -1,4 +1,4 @@
-// The phone server and the phone application of a desk.
+// The phone server and the phone application.
 #pragma once
 
 #include "handset/common/CommandServer.h"
@@ -11,25 +11,24 @@
 
 namespace zyn::handset {
 
-/// Places the calls that others ask for, over the socket and over the message channels, on one line.
+/// Places the calls that clients ask for, over the socket and over the message channels, on one line.
 class PhoneServer
 {
 public:
     /**
-     * @param prefix          what is put in front of a number that is to be dialed with a prefix, unless it is an
-     * emergency number
-     * @param timeout        how long a client of the socket may let the server wait for what it owes
-     * @param maxConnections  how many clients are served at a time; further ones wait for their turn
+     * @param prefix          put in front of numbers to be dialed with a prefix, except emergency numbers
+     * @param timeout         how long the server waits for a client that has to make progress
+     * @param maxConnections  the number of clients served at a time; further ones wait
      */
     PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections);
 
     PhoneLine& line() { return m_line; }
 
-    /// Starts to listen, in place of a server that died; false, and told in the log, when another one lives or the
-    /// socket cannot be had.
+    /// Starts to listen, in place of a server that died. False, which is logged, if another one is alive or the socket
+    /// cannot be made.
     bool listen();
 
-    /// Ends the call on the line, and returns when all calls have been handed over, as far as they are taken in time.
+    /// Ends the call on the line and waits for the uploads; see PhoneLine::close().
     void close() { m_line.close(); }
 
 private:

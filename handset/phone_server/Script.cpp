@@ -1,4 +1,4 @@
-// The time line of a desk: what happens to the handset, and when; read from a file or as it is typed.
+// Scripts of the phone server: what happens to the handset, and when; from a file or from standard input.
 #include "handset/phone_server/Script.h"
 
 #include "handset/common/FieldWords.h"
@@ -28,13 +28,13 @@ QByteArray block(const QString& word, const QString& /*what*/, qsizetype size)
     QByteArray bytes = QByteArray::fromHex(digits);
     if (bytes.toHex() != digits.toLower() || bytes.size() > size)
         throw ScriptError{
-            u"'%1' is no pairs of hexadecimal digits, at most %2 of them"_s.arg(word, QString::number(size))};
+            u"'%1' must be pairs of hexadecimal digits, at most %2 of them"_s.arg(word, QString::number(size))};
     return bytes.leftJustified(size, '\0');
 }
 
 constexpr WordReader kWords{number, block, nullptr};
 
-/// How @p message is written: its word, then a value for each of these.
+/// The names of the values of @p message, in the order in which a script gives them.
 QStringList valueNames(const PhoneMessage& message)
 {
     if (message.isRecord())
@@ -58,7 +58,7 @@ const PhoneMessage& statusMessage(const QString& word)
         return message.isStatus() && word == QLatin1String(message.word);
     });
     if (found == messages.end())
-        throw ScriptError{u"'%1' is nothing that can happen"_s.arg(word)};
+        throw ScriptError{u"'%1' is not an event"_s.arg(word)};
     return *found;
 }
 
@@ -91,11 +91,11 @@ Run incoming(const QStringList& values)
 {
     const Party caller{values.value(0), values.value(1)};
     if (!isDialable(caller.number))
-        throw ScriptError{u"'%1' is no number to call from"_s.arg(caller.number)};
+        throw ScriptError{u"'%1' is not a number to call from"_s.arg(caller.number)};
     return [caller](PhoneLine& line) { return line.ring(caller); };
 }
 
-/// What the people at the telephones do.
+/// An action of the user or of the other party.
 struct Action
 {
     const char* name;
@@ -132,18 +132,18 @@ Run runOf(const QString& name, const QStringList& values)
     };
 }
 
-/// The delay at the beginning of @p words, which it removes; 0 when there is none.
+/// Removes the delay at the beginning of @p words, and returns it; 0 if there is none.
 std::chrono::milliseconds readDelay(QStringList& words)
 {
     if (!words.constFirst().startsWith(u'+'))
         return std::chrono::milliseconds(0);
     const QString delay = words.takeFirst().mid(1);
     if (words.isEmpty())
-        throw ScriptError{u"nothing happens after the delay"_s};
+        throw ScriptError{u"a delay without an event"_s};
     return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
 }
 
-/// Status messages hold records, of which each byte is two digits.
+/// Long enough for a status message with a record, two digits a byte.
 constexpr qsizetype kLongestLine = qsizetype{16} * 1024;
 
 } // namespace
@@ -167,7 +167,7 @@ std::optional<Script> readScript(const QString& path)
 void runScriptStep(const ScriptStep& step, PhoneLine& line)
 {
     if (!step.run(line))
-        log(u"line %1 of the script means nothing now"_s.arg(step.lineNumber));
+        log(u"line %1 of the script does not apply now"_s.arg(step.lineNumber));
 }
 
 QString scriptHelp()
@@ -197,7 +197,7 @@ void ScriptPlayer::waitForNext()
     if (m_position < m_script.size())
         m_next.start(m_script[m_position].delay);
     else if (!m_script.empty())
-        log(u"the script is over"_s);
+        log(u"the script has ended"_s);
 }
 
 void ScriptPlayer::runNext()

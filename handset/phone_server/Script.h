@@ -1,4 +1,4 @@
-// The time line of a desk: what happens to the handset, and when; read from a file or as it is typed.
+// Scripts of the phone server: what happens to the handset, and when; from a file or from standard input.
 #pragma once
 
 #include "handset/common/LineInput.h"
@@ -16,31 +16,30 @@ namespace zyn::handset {
 
 class PhoneLine;
 
-/// One thing that happens.
+/// One event.
 struct ScriptStep
 {
     int lineNumber;
-    std::chrono::milliseconds delay; ///< after the step before, or after the start
-    /// Lets it happen; false when it means nothing at the time.
+    std::chrono::milliseconds delay; ///< after the previous step, or after the start
+    /// Makes it happen; false if it does not apply now.
     std::function<bool(PhoneLine&)> run;
 };
 
 using Script = std::vector<ScriptStep>;
 
-/// Reads a script, as scriptHelp() explains it. Nothing when it cannot be read or a line cannot be understood; the log
-/// says which and why.
+/// Reads a script; scriptHelp() describes the format. Nothing on an error, which is logged.
 std::optional<Script> readScript(const QString& path);
 
-/// The step of a line that is no comment. Throws a ScriptError when it cannot be understood.
+/// Parses a line that is not a comment. Throws a ScriptError.
 ScriptStep scriptStep(const QString& line, int lineNumber);
 
-/// Lets @p step happen; one that means nothing at the time is told in the log.
+/// Runs @p step; logs a step that does not apply now.
 void runScriptStep(const ScriptStep& step, PhoneLine& line);
 
-/// How a script is written, with the names of all messages.
+/// The format of scripts, with the names of all messages.
 QString scriptHelp();
 
-/// Plays one script, once.
+/// Plays a script once.
 class ScriptPlayer : public QObject
 {
     Q_OBJECT
@@ -61,7 +60,7 @@ private:
     QTimer m_next;
 };
 
-/// Plays the lines of standard input as they come. A line that is wrong is told in the log and left out.
+/// Plays the lines of standard input as they arrive. Invalid lines are logged and skipped.
 class ScriptInput : public QObject
 {
     Q_OBJECT
@@ -79,7 +78,7 @@ private:
     PhoneLine& m_line;
     LineInput m_input;
     int m_lineNumber = 0;
-    std::optional<ScriptStep> m_step; ///< the one that waits for its time
+    std::optional<ScriptStep> m_step; ///< waits for its delay
     QTimer m_next;
 };
 

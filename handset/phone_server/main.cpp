@@ -56,7 +56,7 @@ void addOptions(handset::CommandLine& commandLine)
                                        u"file"_s));
 }
 
-/// The script that the command line names, or an empty one; nothing when it is not right.
+/// The script named on the command line, or an empty one; nothing if it is invalid.
 std::optional<handset::Script> scriptOf(const handset::CommandLine& commandLine)
 {
     const QString path = commandLine.value(kScript);
@@ -67,7 +67,7 @@ bool hasPrefix(const handset::CommandLine& commandLine)
 {
     if (handset::isDialable(commandLine.value(kPrefix)))
         return true;
-    handset::log(u"--prefix is a number to dial"_s);
+    handset::log(u"--prefix must be a number to dial"_s);
     return false;
 }
 

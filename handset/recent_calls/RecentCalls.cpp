@@ -1,4 +1,4 @@
-// The recent calls, as the programs that show them read and follow them.
+// Reads and follows the recent calls, for the programs that show them.
 #include "handset/recent_calls/RecentCalls.h"
 
 #include "recentcall/utility/RC_Interface.h"

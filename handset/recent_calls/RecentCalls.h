@@ -1,4 +1,4 @@
-// The recent calls, as the programs that show them read and follow them.
+// Reads and follows the recent calls, for the programs that show them.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -15,21 +15,21 @@
 
 namespace zyn::handset {
 
-/// The call types that have a name.
+/// The named call types.
 inline constexpr std::array kCallTypes{RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
 
-/// The calls of @p types in @p list, newest first, from the recent-call service; nothing when it does not answer.
+/// The calls of @p types in @p list, newest first, from the recent-call service; nothing if it does not answer.
 std::optional<std::vector<PHONE_ENG_RecentCall>> fetchCalls(RC_CALL_CATEGORY_T list,
                                                             std::span<const RC_CALL_TYPE_T> types = kCallTypes);
 
-/// Whether the user has yet to see @p call. He knows of answered and dialed calls.
+/// Whether @p call is new to the user, who knows of answered and dialed calls.
 bool isUnread(const PHONE_ENG_RecentCall& call);
 
 /**
- * Reacts once to all announcements that come in one turn of the event loop, as soon as all of them are received.
+ * Reacts once to all announcements of one turn of the event loop.
  *
- * A reaction that waits for a service must not be connected to the signal itself: a burst would wait for it again and
- * again, and nothing else would be seen meanwhile.
+ * A reaction that waits for a service must not be connected to the signal itself: a burst would repeat it for each
+ * message and block everything else.
  */
 class Debouncer : public QObject
 {
@@ -40,7 +40,7 @@ public:
         m_timer.callOnTimeout(this, reaction);
     }
 
-    /// The slot for the signal that announces.
+    /// The slot for the announcing signal.
     void trigger()
     {
         if (!m_timer.isActive())
@@ -55,7 +55,7 @@ private:
  * The recent-call engine of a process that shows the unread missed calls: reads them from the recent-call service,
  * newest first.
  *
- * While it lives it is the engine of the process, which has one at a time. What it makes of a call:
+ * A process has one engine at a time, this one while it exists. It represents a call as:
  *
  * | Member   | Content                                    |
  * |----------|--------------------------------------------|
@@ -74,13 +74,13 @@ public:
     MissedCallEngine& operator=(const MissedCallEngine&) = delete;
     ~MissedCallEngine() { g_rcEngineStub = nullptr; }
 
-    /// Waits for the service's answer; an empty list when there is none.
+    /// Waits for the service's reply; the list is empty without one.
     RC_MissedCallList getUnreadMissedCallList() override;
 
-    /// Whether the service answered when the list was last asked for.
+    /// Whether the service answered the last request for the list.
     bool isAnswered() const { return m_isAnswered; }
 
-    /// @{ The contents of @p item, which an engine of this class has made.
+    /// @{ The contents of @p item, which this engine has made.
     static QDateTime start(const RC_MissedCallItem& item); ///< local time
     static int uid(const RC_MissedCallItem& item) { return static_cast<int32_t>(item.word1); }
     static RC_CALL_TYPE_T callType(const RC_MissedCallItem& item)

@@ -24,7 +24,7 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-/// How long, in all, to wait for a file that is too short: somebody may be writing a backup into it.
+/// Total time to wait for a file that is too short: a backup may just be copied into it.
 constexpr std::chrono::milliseconds kShortFileTimeout{500};
 constexpr std::chrono::milliseconds kReadInterval{5};
 
@@ -52,7 +52,7 @@ CallFile::Found CallFile::open()
     }
     m_isGivenUp = false;
     if (isReplaceable && !last.isEmpty())
-        log(u"missing or damaged record files are made anew: %1"_s.arg(QFile::decodeName(path())));
+        log(u"missing or damaged record files are recreated: %1"_s.arg(QFile::decodeName(path())));
     if (isReplaceable)
         return Found::MadeAnew;
     return m_image == last ? Found::AsLeft : Found::Changed;
@@ -124,7 +124,7 @@ CallFile::State CallFile::read()
     m_fd = posix::openTrusted(path(), posix::Access::Change);
     if (!m_fd.isValid() && errno == ENOENT)
         return State::Missing;
-    // What may not be changed may still be shown.
+    // A read-only file can still be shown.
     if (!m_fd.isValid())
         m_fd = posix::openForReading(path());
     const std::optional<qint64> size = posix::regularFileSize(m_fd.get());
@@ -163,7 +163,7 @@ void CallFile::report(State state)
     const QString why = state == State::Missing      ? u"it is missing and cannot be made"_s
                         : state == State::Unreadable ? u"it cannot be read, or is no file"_s
                                                      : u"it is damaged and cannot be replaced"_s;
-    log(u"list %1 is left out, because of its file %2: %3"_s.arg(m_list).arg(QFile::decodeName(path()), why));
+    log(u"list %1 is skipped because of its file %2: %3"_s.arg(m_list).arg(QFile::decodeName(path()), why));
 }
 
 bool CallFile::writeSlot(int slot, const Call& record)

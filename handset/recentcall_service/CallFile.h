@@ -13,42 +13,41 @@ namespace zyn::handset {
 /**
  * The calls of one list on disk, in all slots of the file, whatever the list's limit.
  *
- * What is known of a file is valid for one operation: another process may recreate or blank it, and a backup may be put
- * in its place, as a new file or into the old one. So each operation opens and reads it again, and writes through the
- * descriptor that it has read from. What it held the last time only serves to notice changes by others.
+ * A file's state is valid for one operation: another process may recreate or blank it, or put a backup in its place, as
+ * a new file or into the old one. So each operation opens and reads the file again, and writes through the descriptor
+ * that it has read from. The previous contents only serve to notice changes by others.
  */
 class CallFile
 {
 public:
-    /// How a file is found: as it was left, changed, or created anew now because it was missing or damaged; or its
-    /// calls are not available, which is logged once.
+    /// The state of a file: unchanged, changed, or created now because it was missing or damaged. Or its calls are not
+    /// available, which is logged once.
     enum class Found { AsLeft, Changed, MadeAnew, Unreadable };
 
     explicit CallFile(RC_CALL_CATEGORY_T list)
         : m_list(list)
     {}
 
-    /// Opens and reads the file; all below is about what it held then.
+    /// Opens and reads the file; the members below refer to these contents.
     Found open();
     void close() { m_fd.reset(); }
 
     RC_CALL_CATEGORY_T list() const { return m_list; }
-    /// The calls, newest first, with the list and the slot where each lies, whatever a damaged record says.
+    /// The calls, newest first, each with the list and the slot in which it is stored, whatever a damaged record says.
     std::vector<PHONE_ENG_RecentCall> calls() const;
 
-    /// Writes into each call the slot where it lies: readers go by what the record says.
+    /// Corrects the slot numbers in the stored calls, which readers rely on.
     void correctSlots();
-    /// Puts @p call into the slot that it names.
+    /// Writes @p call to the slot that it names.
     bool write(const PHONE_ENG_RecentCall& call);
     /// Frees @p slot.
     bool erase(int slot);
-    /// Moves the call in slot @p from to slot @p to, and one that lies there the other way. A process that dies in
-    /// between leaves the first one twice.
+    /// Swaps the contents of the slots @p from and @p to. If the process dies halfway, the first call is there twice.
     bool exchange(int from, int to);
 
-    /// Whether this is still the file of the list, and whole.
+    /// Whether the path still leads to this file, and it is intact.
     bool isInPlace() const;
-    /// Whether it is, and holds @p call.
+    /// Whether that is so, and the file holds @p call.
     bool holds(const PHONE_ENG_RecentCall& call) const;
 
 private:
@@ -62,11 +61,11 @@ private:
 
     RC_CALL_CATEGORY_T m_list;
     posix::UniqueFd m_fd;
-    QByteArray m_image; ///< empty until the file was found valid once
+    QByteArray m_image; ///< empty until the file has been valid once
     bool m_isGivenUp = false;
 };
 
-/// Whether @p call is newer than @p other; of calls with the same uid, the one that began later is.
+/// Whether @p call is newer than @p other; with the same uid, the call that began later is newer.
 bool isNewer(const PHONE_ENG_RecentCall& call, const PHONE_ENG_RecentCall& other);
 
 } // namespace zyn::handset

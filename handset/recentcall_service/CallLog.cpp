@@ -1,4 +1,4 @@
-// The log of recent calls: what each command of the service does to the store.
+// The log of recent calls: the service's commands on the store.
 #include "handset/recentcall_service/CallLog.h"
 
 #include "handset/common/Log.h"
@@ -21,7 +21,7 @@ using Call = PHONE_ENG_RecentCall;
 using Calls = std::vector<Call>;
 using Lists = std::span<const RC_CALL_CATEGORY_T>;
 
-/// The lists that @p category names: one, all three, or none.
+/// The lists of @p category: one, all three, or none.
 Lists listsOf(int32_t category)
 {
     const Lists all(kRecordLists);
@@ -36,14 +36,14 @@ int limitOf(int32_t category)
     return RecentCall_Setup::instance()->getMaxRecordSize(static_cast<RC_CALL_CATEGORY_T>(category));
 }
 
-/// Those of @p calls that are in their list: the settings may leave it fewer slots than its file has.
+/// Those of @p calls that are in their list; the settings may leave a list fewer slots than its file has.
 Calls listed(Calls calls)
 {
     std::erase_if(calls, [](const Call& call) { return call.slot >= limitOf(call.category); });
     return calls;
 }
 
-/// The call of @p calls that @p record means, or null.
+/// The one of @p calls that @p record refers to, or null.
 const Call* find(const Calls& calls, const Call& record)
 {
     const Call* found = nullptr;
@@ -54,7 +54,7 @@ const Call* find(const Calls& calls, const Call& record)
     return found;
 }
 
-/// The lowest slot below @p limit that none of @p calls lies in; @p limit when there is none.
+/// The lowest slot below @p limit that is free of @p calls, or @p limit.
 int freeSlot(const Calls& calls, int limit)
 {
     int slot = 0;
@@ -63,7 +63,7 @@ int freeSlot(const Calls& calls, int limit)
     return slot;
 }
 
-/// Frees the slots behind the limit whose call lies below it, too: a process died while it moved that forward.
+/// Frees the slots behind the limit whose call is also below it: a process died while it moved the call.
 void dropCopies(CallFile& file)
 {
     const Calls calls = file.calls();
@@ -78,7 +78,7 @@ void dropCopies(CallFile& file)
     }
 }
 
-/// Moves the newest calls to slots below the limit, which may have been higher before.
+/// Moves the newest calls to slots below the limit, which may have been lowered.
 void bringForward(CallFile& file)
 {
     const int limit = limitOf(file.list());
@@ -96,7 +96,7 @@ void bringForward(CallFile& file)
 
 } // namespace
 
-/// The files of some lists, open for one operation: those that are available.
+/// The available ones of some lists' files, open for one operation.
 class CallLog::OpenFiles
 {
 public:
@@ -133,7 +133,7 @@ private:
     std::vector<CallFile*> m_files;
 };
 
-/// Tries a change until it is done: once more when it fails, many times when the file is replaced meanwhile.
+/// Repeats a change until it is done: once if it fails, many times if the file is replaced meanwhile.
 template<typename Attempt>
 CallLog::Outcome CallLog::repeat(const Attempt& attempt)
 {
@@ -155,13 +155,13 @@ CallLog::CallLog()
 bool CallLog::add(Call record)
 {
     if (listsOf(record.category).size() != 1 || limitOf(record.category) == 0) {
-        log(u"a call of category %1 refused: no list keeps it"_s.arg(record.category));
+        log(u"a call of category %1 refused: there is no list for it"_s.arg(record.category));
         return false;
     }
     record.inUse = 1;
     QLatin1String problem;
     const Outcome outcome = repeat([&] {
-        // The uids of all lists count.
+        // The uid must be above those of all lists.
         const OpenFiles files(*this, kRecordLists);
         CallFile* file = files.of(record.category);
         const Outcome stored = file ? store(files, *file, record) : Outcome::Failed;
@@ -218,7 +218,7 @@ std::optional<QByteArray> CallLog::list(const rc::Selection& selection)
     return data;
 }
 
-/// Opens @p file, and repairs what others have left in it; false when it is not available.
+/// Opens @p file and repairs what others have left in it; false if it is not available.
 bool CallLog::open(CallFile& file)
 {
     const CallFile::Found found = file.open();
@@ -233,7 +233,7 @@ bool CallLog::open(CallFile& file)
     return true;
 }
 
-/// Writes @p record into @p file, one of the open @p files.
+/// Writes @p record to @p file, which is one of the open @p files.
 CallLog::Outcome CallLog::store(const OpenFiles& files, CallFile& file, Call& record)
 {
     record.uid = nextUid(files);
@@ -246,7 +246,7 @@ CallLog::Outcome CallLog::store(const OpenFiles& files, CallFile& file, Call& re
         return Outcome::Failed;
     if (!file.holds(record))
         return Outcome::Displaced;
-    // The oldest of all calls is the one to go; it may lie behind the limit.
+    // The oldest call is replaced, even if it lies behind the limit.
     if (isFull && calls.back().slot >= limit) {
         Call older = inList.back();
         older.slot = calls.back().slot;
@@ -257,18 +257,18 @@ CallLog::Outcome CallLog::store(const OpenFiles& files, CallFile& file, Call& re
     return Outcome::Done;
 }
 
-/// A uid above those of all calls, and above those that were assigned before.
+/// A uid above those of all stored calls and those assigned before.
 int32_t CallLog::nextUid(const OpenFiles& files)
 {
     renumber(files);
-    // The call with the greatest possible uid may have been deleted since; then that uid is free again.
+    // The call with the greatest possible uid may have been deleted since, which frees its uid.
     int32_t greatest = m_lastUid == kGreatestUid ? -1 : m_lastUid;
     for (const Call& call : files.calls())
         greatest = std::max(greatest, call.uid);
     return greatest == kGreatestUid ? greatest : greatest + 1;
 }
 
-/// Gives calls lower uids when none is left for the next one.
+/// Renumbers the calls from 0 if there is no uid for the next one.
 void CallLog::renumber(const OpenFiles& files)
 {
     const RenumberedCalls renumbered = lowerUids(files.calls(), 1, m_lastUid);
@@ -276,7 +276,7 @@ void CallLog::renumber(const OpenFiles& files)
         return;
     m_renumbered = renumbered;
     m_lastUid = renumbered.back().call.uid;
-    log(u"no uid is left: %1 calls get uids from %2 on"_s.arg(renumbered.size()).arg(renumbered.front().call.uid));
+    log(u"out of uids: %1 calls get uids from %2 on"_s.arg(renumbered.size()).arg(renumbered.front().call.uid));
     for (const auto& [oldUid, call] : renumbered) {
         CallFile& file = *files.of(call.category);
         file.write(call);
@@ -284,7 +284,7 @@ void CallLog::renumber(const OpenFiles& files)
     }
 }
 
-/// @p record, with its new uid if it names a call that has been renumbered.
+/// @p record, with its new uid if it refers to a renumbered call.
 Call CallLog::renumbered(const Call& record) const
 {
     Call current = record;
@@ -316,7 +316,7 @@ CallLog::Outcome CallLog::setRead(CallFile& file, const Call& call)
     return file.isInPlace() ? Outcome::Done : Outcome::Displaced;
 }
 
-/// Makes @p change to the stored call that @p record means.
+/// Makes @p change to the stored call that @p record refers to.
 rc::Status CallLog::changeStored(const Call& record, Change change)
 {
     const Lists list = listsOf(record.category);

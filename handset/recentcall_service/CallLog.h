@@ -1,4 +1,4 @@
-// The log of recent calls: what each command of the service does to the store.
+// The log of recent calls: the service's commands on the store.
 #pragma once
 
 #include "handset/recentcall_service/CallFile.h"
@@ -16,41 +16,41 @@ namespace zyn::handset {
 /**
  * The answered, missed and dialed calls, in the files of the record store.
  *
- * A list shows its newest calls, as many as its limit allows. Older ones that a higher limit has left in the file stay
- * there until they are deleted, or until a new call replaces the oldest of them in a full list. They do not move up for
- * a call that is deleted, unless the log is opened anew.
+ * A list shows its newest calls, up to its limit. Older calls that a higher limit has left in the file stay there until
+ * they are deleted, or until a new call replaces the oldest of them in a full list. They move up for a deleted call
+ * only when the log is opened again.
  *
- * One process at a time may have a log. Records come from clients and may hold anything. Lists are read from their
- * files at every operation; a file that turns out missing or damaged is made anew first. Failures are logged. To be
- * used from one thread.
+ * Only one process may have a log at a time. Records come from clients and may hold anything. Each operation reads the
+ * lists from their files, and first recreates a missing or damaged one. Failures are logged. Not thread-safe.
  */
 class CallLog
 {
 public:
-    /// Makes the files that are missing or damaged, and reads the three lists.
+    /// Recreates missing or damaged files, and reads the three lists.
     CallLog();
 
     /**
-     * Adds a call, in place of the oldest one when its list is full. The log assigns slot and uid: the call is the
+     * Adds a call, in place of the oldest one if its list is full. The log assigns the slot, and a uid above all
+     * others.
      * newest of all.
      *
-     * @return false when the category names no list that keeps calls, or when the call could not be stored
+     * @return false if the category is not that of a list, or the call cannot be stored
      */
     bool add(PHONE_ENG_RecentCall record);
 
-    /// Deletes the call with the uid of @p record from the list of its category, whatever its slot; of several with
-    /// that uid, the one in the slot that @p record names. A renumbered call is known by its old uid too.
+    /// Deletes the call with the uid of @p record from the list of its category, in any slot; of several with that uid,
+    /// the one in the slot that @p record names. A renumbered call is also found by its old uid.
     recentcall::Status remove(const PHONE_ENG_RecentCall& record);
 
-    /// Marks the call that remove() would delete as read. A call that is read already stays so.
+    /// Marks the call that remove() would delete as read.
     recentcall::Status markRead(const PHONE_ENG_RecentCall& record);
 
-    /// Deletes the selected calls of the lists that are available. Success also when there are none; Failure when one
-    /// of them stays or may be in a list that is not available, or when the category names no list.
+    /// Deletes the selected calls of the available lists. Success if none are left; Failure if one stays or may be in
+    /// an unavailable list, or if the category is invalid.
     recentcall::Status removeAll(const recentcall::Selection& selection);
 
-    /// The selected calls of the lists that are available, newest first, as the data of an answer; nothing when the
-    /// category names no list or none is available.
+    /// The selected calls of the available lists, newest first, as the data of a reply. Nothing if the category is
+    /// invalid or no list is available.
     std::optional<QByteArray> list(const recentcall::Selection& selection);
 
     /// Whether the missed calls on disk have changed since the last call of this function.
@@ -60,7 +60,7 @@ private:
     using Call = PHONE_ENG_RecentCall;
     class OpenFiles;
 
-    /// The outcome of a change: done, not written, or written into a file that is not the list's any more.
+    /// The outcome of a change: done, not written, or written to a file that has been replaced.
     enum class Outcome { Done, Failed, Displaced };
     using Change = Outcome (CallLog::*)(CallFile& file, const Call& stored);
 
@@ -77,8 +77,8 @@ private:
     void noteChange(RC_CALL_CATEGORY_T list) { m_hasMissedChange |= list == RC_CALL_CATEGORY_MISSED; }
 
     std::array<CallFile, 3> m_files;
-    int32_t m_lastUid = -1;       ///< the last one that was assigned
-    RenumberedCalls m_renumbered; ///< of the last time; clients may still know these by their old uids
+    int32_t m_lastUid = -1;       ///< the last one assigned
+    RenumberedCalls m_renumbered; ///< the last renumbering; clients may still use the old uids
     bool m_hasMissedChange = false;
 };
 

@@ -38,7 +38,7 @@ void announceMissedCalls()
         log(u"a change of the missed calls could not be announced"_s);
 }
 
-/// One client: carries out its commands on the call log, and announces each change of the missed calls.
+/// One client: executes its commands on the call log, and announces each change of the missed calls.
 class ServiceConnection : public CommandConnection
 {
 public:
@@ -49,7 +49,7 @@ public:
 
 protected:
     bool admits(const CommandFrameHeader& header) override;
-    void carryOut(const CommandFrameHeader& header, Data data) override;
+    void execute(const CommandFrameHeader& header, Data data) override;
 
 private:
     static const CommandRow<ServiceConnection> kCommands[6];
@@ -78,7 +78,7 @@ bool ServiceConnection::admits(const CommandFrameHeader& header)
 {
     const CommandRow<ServiceConnection>* command = rowFor(kCommands, header);
     if (!command) {
-        refuse(u"sent what is no command"_s);
+        refuse(u"sent an invalid command"_s);
         return false;
     }
     const bool isGreeting = command == std::begin(kCommands);
@@ -89,9 +89,9 @@ bool ServiceConnection::admits(const CommandFrameHeader& header)
     return true;
 }
 
-void ServiceConnection::carryOut(const CommandFrameHeader& header, Data data)
+void ServiceConnection::execute(const CommandFrameHeader& header, Data data)
 {
-    (this->*rowFor(kCommands, header)->carryOut)(data);
+    (this->*rowFor(kCommands, header)->execute)(data);
     if (m_calls.fetchMissedChange())
         announceMissedCalls();
 }
@@ -100,7 +100,7 @@ void ServiceConnection::greet(Data data)
 {
     m_isGreeted = toPlain<int32_t>(data) == 0;
     if (!m_isGreeted)
-        refuse(u"sent a greeting of another kind"_s);
+        refuse(u"sent an unknown greeting"_s);
 }
 
 void ServiceConnection::list(Data data)
@@ -109,14 +109,13 @@ void ServiceConnection::list(Data data)
     send(records ? rc::Success : rc::Failure, records.value_or(QByteArray()));
 }
 
-/// Serves all clients from one call log: a call that is added over one connection is in the list that the next one asks
-/// for.
+/// Serves all clients from one call log, so that a call added over one connection is in the list read over the next.
 class RecentCallService
 {
 public:
     /**
-     * @param timeout         how long a client may keep the service waiting for a command or with an answer
-     * @param maxConnections  how many connections are open at a time; further clients wait for their turn
+     * @param timeout         how long a client may take for a command or for reading a reply
+     * @param maxConnections  the number of clients served at a time; further ones wait
      */
     RecentCallService(std::chrono::milliseconds timeout, int maxConnections)
         : m_server(socketPath(), maxConnections, [this, timeout](posix::UniqueFd socket) {
@@ -124,18 +123,18 @@ public:
         })
     {}
 
-    /// Starts to listen, in place of a service that died, and announces the missed calls; false, which is logged, when
+    /// Starts to listen, in place of a service that died, and announces the missed calls. False, which is logged, if
     /// another service is alive or the socket cannot be made.
     bool listen()
     {
         RecentCall_dataDir();
         if (!m_server.acquire())
             return false;
-        // The files belong to this service from here on; no client waits while they are read.
+        // This service now owns the files; clients connect only after they have been read.
         m_calls.emplace();
         if (!m_server.listen())
             return false;
-        // Whoever asked before got no answer, or that of a service that has died.
+        // Clients that asked earlier got no reply, or one from a service that died.
         announceMissedCalls();
         return true;
     }

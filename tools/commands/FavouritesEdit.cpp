@@ -23,7 +23,7 @@ using Entry = PHONE_ENG_ActivityLog;
 constexpr int32_t kNoUid = -1;
 constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
 
-ExitCode tellChange(const QString& oldNumber, const QString& newNumber, Console& console)
+ExitCode reportChange(const QString& oldNumber, const QString& newNumber, Console& console)
 {
     const Change change = handset::replaceFavourite(oldNumber, newNumber);
     const QString text = handset::describe(change, oldNumber, newNumber);
@@ -42,7 +42,7 @@ ExitCode replaceFavourite(const Invocation& invocation, Console& console)
     if (!newNumber.isEmpty())
         callNumber(newNumber);
     const FavouritesOwnership ownership;
-    return tellChange(oldNumber, newNumber, console);
+    return reportChange(oldNumber, newNumber, console);
 }
 
 /// What of a message the options describe.
@@ -95,7 +95,7 @@ ExitCode remove(const Invocation& invocation, Console& console)
     const FavouritesOwnership ownership;
     if (invocation.arguments().size() > 1)
         return removeEntry(invocation, console);
-    return tellChange(callNumber(invocation.argument(0)), QString(), console);
+    return reportChange(callNumber(invocation.argument(0)), QString(), console);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ using handset::ScreenPage;
 
 constexpr auto kSendOnly = "\nThe screens do not say what becomes of it.\n"_L1;
 
-ExitCode tellSent(bool isSent, Console& console)
+ExitCode reportSent(bool isSent, Console& console)
 {
     if (!isSent)
         throw failure(u"cannot send on %1"_s.arg(QLatin1String(kRecentCallChannel)));
@@ -52,23 +52,23 @@ RC_PAGE_ID_T pageFrom(const QString& word)
 
 ExitCode showList(const Invocation& invocation, Console& console)
 {
-    return tellSent(RecentCall_Msg::requestShowUI(categoryFrom(invocation.argument(0))), console);
+    return reportSent(RecentCall_Msg::requestShowUI(categoryFrom(invocation.argument(0))), console);
 }
 
 ExitCode showPage(const Invocation& invocation, Console& console)
 {
-    return tellSent(RecentCall_Msg::requestShowPage(pageFrom(invocation.argument(0))), console);
+    return reportSent(RecentCall_Msg::requestShowPage(pageFrom(invocation.argument(0))), console);
 }
 
 ExitCode showDetail(const Invocation& invocation, Console& console)
 {
     const int index = wholeNumber(invocation.argument(1), u"INDEX"_s);
-    return tellSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(invocation.argument(0))), console);
+    return reportSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(invocation.argument(0))), console);
 }
 
 ExitCode hide(const Invocation& /*invocation*/, Console& console)
 {
-    return tellSent(RecentCall_Msg::requestHideUI(), console);
+    return reportSent(RecentCall_Msg::requestHideUI(), console);
 }
 
 ExitCode pick(const Invocation& invocation, Console& console)

@@ -57,7 +57,7 @@ public:
         m_records.back().slot = place;
     }
 
-    void lookAtFree(const Call& record, int place)
+    void checkFreeSlot(const Call& record, int place)
     {
         if (bytesOf(record) != bytesOf(Call()))
             m_findings.add(m_name, {kSlotWord, place}, u"it is free but not blank"_s);
@@ -235,7 +235,7 @@ FileReport checkRecordFile(const QString& name, const QByteArray& image)
         if (RecordFile::isInUse(image, place))
             check.check(RecordFile::at(image, place), place);
         else
-            check.lookAtFree(RecordFile::at(image, place), place);
+            check.checkFreeSlot(RecordFile::at(image, place), place);
     }
     const QString kind = list == RC_CALL_CATEGORY_NONE ? u"calls"_s : categoryWord(list) + u" calls"_s;
     return {kind, check.findings(), check.table()};

@@ -101,7 +101,7 @@ QByteArray SlotRepair::repaired(const QByteArray& image)
     m_slots = slotsFor(image, m_recordCount);
     dropOldest(records);
     QByteArray result = arrange(records);
-    tellShape(image, result);
+    reportSize(image, result);
     return result;
 }
 
@@ -152,7 +152,7 @@ QByteArray SlotRepair::arrange(std::vector<Placed>& records)
     return result;
 }
 
-void SlotRepair::tellShape(const QByteArray& image, const QByteArray& result)
+void SlotRepair::reportSize(const QByteArray& image, const QByteArray& result)
 {
     if (!hasValidHeader(image))
         m_log.add(m_name, u"given a new header"_s);

@@ -64,7 +64,7 @@ private:
     std::vector<Placed> recordsIn(const QByteArray& image);
     void dropOldest(std::vector<Placed>& records);
     QByteArray arrange(std::vector<Placed>& records);
-    void tellShape(const QByteArray& image, const QByteArray& result);
+    void reportSize(const QByteArray& image, const QByteArray& result);
 
     const QString m_name;
     const QByteArray m_blank;

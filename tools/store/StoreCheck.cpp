@@ -47,14 +47,14 @@ public:
     Findings findings()
     {
         for (const auto& [name, image] : m_files.images())
-            lookAt(name, image);
+            checkFile(name, image);
         compareLists();
-        lookForFiles();
+        checkMissingFiles();
         return m_findings;
     }
 
 private:
-    void lookAt(const QString& name, const std::optional<QByteArray>& image)
+    void checkFile(const QString& name, const std::optional<QByteArray>& image)
     {
         const StoreRole role = roleOf(name, m_favourites);
         if (role == StoreRole::Stranger)
@@ -64,17 +64,17 @@ private:
         else if (role == StoreRole::Leftover && isLeftover(name))
             m_findings.add(name, u"left over by a process that was making a file"_s);
         else
-            lookInto(role, name, *image);
+            checkContents(role, name, *image);
     }
 
-    void lookInto(StoreRole role, const QString& name, const QByteArray& image)
+    void checkContents(StoreRole role, const QString& name, const QByteArray& image)
     {
         if (role == StoreRole::Calls)
             m_findings.add(checkRecordFile(name, image).findings);
         else if (role == StoreRole::Favourites)
             m_findings.add(checkFavouritesFile(name, image).findings);
         else if (role == StoreRole::Contact)
-            lookIntoContact(name, image);
+            checkContact(name, image);
         const QStringList problems = role == StoreRole::SeenCalls ? seenCallsProblems(image)
                                      : role == StoreRole::Lock    ? QStringList(lockProblem(m_files.path(name)))
                                                                   : QStringList();
@@ -84,7 +84,7 @@ private:
         }
     }
 
-    void lookIntoContact(const QString& name, const QByteArray& image)
+    void checkContact(const QString& name, const QByteArray& image)
     {
         if (!isAmong(m_favourites, name))
             m_findings.add(name, u"no favourite has this number"_s);
@@ -110,7 +110,7 @@ private:
         }
     }
 
-    void lookForFiles()
+    void checkMissingFiles()
     {
         const QString details = QLatin1String(kTopPalsDetailsName);
         for (const auto& [place, number] : m_favourites) {

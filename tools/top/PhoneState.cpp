@@ -12,7 +12,7 @@ void PhoneState::set(Item item, const QString& text, bool isAlert)
     assign(item, {text.isEmpty() ? u"none"_s : text, isAlert});
 }
 
-void PhoneState::forget(Item item)
+void PhoneState::remove(Item item)
 {
     assign(item, {});
 }

@@ -67,7 +67,7 @@ public:
     /// An empty @p text becomes "none".
     void set(Item item, const QString& text, bool isAlert = false);
     /// The item is not known any more.
-    void forget(Item item);
+    void remove(Item item);
 
 Q_SIGNALS:
     /// A value differs from what it was.

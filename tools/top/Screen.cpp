@@ -197,7 +197,7 @@ void Screen::enter()
         keyboard.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
         ::tcsetattr(STDIN_FILENO, TCSANOW, &keyboard);
     }
-    forget();
+    invalidate();
 }
 
 void Screen::leave()

@@ -100,7 +100,7 @@ public:
     /// when the terminal takes no output just now, and was not waited for.
     bool show(const Canvas& canvas);
     /// Takes for granted no longer what the terminal shows.
-    void forget() { m_shown.reset(); }
+    void invalidate() { m_shown.reset(); }
 
 private:
     bool hasRoom(std::chrono::milliseconds timeout) const;

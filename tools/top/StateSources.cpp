@@ -110,7 +110,7 @@ void show(PhoneState& state, Item item, const QString& number)
     TopPals_Missed_Details unread;
     unread.number = number;
     if (number.isEmpty())
-        return state.forget(item);
+        return state.remove(item);
     if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         return state.set(item, number + u", no file"_s);
     const bool isRead = unread.missedCallCount == 0 && unread.unreadMsgCount == 0;

@@ -100,7 +100,7 @@ void checkArguments(const Command& command, const QStringList& given)
         const bool mayMiss = argument.count == Argument::Optional || argument.count == Argument::Any;
         if (place >= given.size() && !mayMiss)
             throw usageError(u"missing argument %1"_s.arg(argument.name));
-        place = argument.takesAll() ? given.size() : place + 1;
+        place = argument.isRepeatable() ? given.size() : place + 1;
     }
     if (place < given.size())
         throw usageError(u"superfluous argument '%1'"_s.arg(given[place]));
@@ -215,8 +215,8 @@ int wholeNumber(const QString& text, const QString& what, int lowest, int highes
 {
     const std::optional<int> number = handset::wholeNumber(text);
     if (!number || *number < lowest || *number > highest)
-        throw usageError(u"%1 '%2' is no whole number from %3 to %4"_s.arg(what, text, QString::number(lowest),
-                                                                           QString::number(highest)));
+        throw usageError(u"%1 '%2' is not a whole number from %3 to %4"_s.arg(what, text, QString::number(lowest),
+                                                                              QString::number(highest)));
     return *number;
 }
 

@@ -39,7 +39,7 @@ struct Argument
     QString meaning;
     Count count = One;
 
-    bool takesAll() const { return count == Many || count == Any; }
+    bool isRepeatable() const { return count == Many || count == Any; }
 };
 
 /// The words given to a verb, told apart into arguments and options.

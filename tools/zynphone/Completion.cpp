@@ -78,7 +78,7 @@ private:
         const std::vector<Argument>& arguments = m_command->arguments;
         if (m_arguments < arguments.size())
             words += m_command->words.value(arguments[m_arguments].name);
-        else if (!arguments.empty() && arguments.back().takesAll())
+        else if (!arguments.empty() && arguments.back().isRepeatable())
             words += m_command->words.value(arguments.back().name);
         return words;
     }

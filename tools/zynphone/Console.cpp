@@ -48,7 +48,7 @@ void Console::write(const QJsonDocument& document)
 
 void Console::writeError(const QString& line)
 {
-    if (takeTraced())
+    if (fetchTraced())
         std::fputc('\n', stderr);
     std::fputs((printable(line) + u'\n').toUtf8().constData(), stderr);
 }
