@@ -1,5 +1,6 @@
 // zyn-bench: measures the library beside bare system calls, the same by hand, and what a user would take instead.
 #include "bench/Bench.h"
+#include "bench/Child.h"
 #include "bench/Report.h"
 #include "bench/Sampler.h"
 
@@ -29,7 +30,7 @@ constexpr Effort kQuick{.repetitions = 7, .seconds = 0.02};
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& some : {storeRows(), settingsRows(), messageRows()})
+    for (const auto& some : {storeRows(), settingsRows(), messageRows(), channelRows()})
         rows.insert(rows.end(), some.begin(), some.end());
     return rows;
 }
@@ -104,6 +105,8 @@ int run(const QCommandLineParser& options, int output)
 
 int main(int argc, char** argv)
 {
+    if (const int code = bench::runRole(argc, argv); code >= 0)
+        return code;
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
     options.addOptions({{u"quick"_s, u"measures less"_s},
