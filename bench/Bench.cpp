@@ -18,7 +18,7 @@ void require(bool holds, const char* what)
     if (holds)
         return;
     std::fprintf(stderr, "bench: failed: %s\n", what);
-    std::_Exit(EXIT_FAILURE);
+    std::quick_exit(EXIT_FAILURE);
 }
 
 void useStores(const QByteArray& directory)

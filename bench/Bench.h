@@ -55,6 +55,15 @@ std::vector<Row> startUpRows();
 /// Messages between objects of one process, of which only the cost is counted.
 std::vector<Row> sendingRows();
 
+/// @{ Operations of the library whose cost may grow with a number: of a favourite's slots, of emergency numbers, of a
+/// message's bytes, of the thread's channels.
+Prepare addEntry(int slots);
+Prepare listEntries(int slots);
+Prepare pressKey(int numbers);
+Prepare sendBytes(int size);
+Prepare sendOnChannels(int channels);
+/// @}
+
 /// Ends the process with a message when what a measurement rests on does not hold.
 void require(bool holds, const char* what);
 

@@ -1,8 +1,6 @@
 // Messages from one process to listeners that are processes too.
 #include "bench/Channels.h"
 
-#include "bench/Child.h"
-
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QSocketNotifier>
@@ -14,39 +12,52 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace bench {
 namespace {
 
+int newMemory()
+{
+    const int memory = ::memfd_create("bench", 0);
+    require(::ftruncate(memory, sizeof(Board)) == 0, "memory for a board");
+    return memory;
+}
+
+Board& boardIn(int memory)
+{
+    void* const board = ::mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED, memory, 0);
+    require(board != MAP_FAILED, "a board");
+    return *static_cast<Board*>(board);
+}
+
+} // namespace
+
 /// What sender and listeners share: a board in memory, and a pipe in which listeners say that they have heard all.
 struct Shared
 {
     Shared()
-        : memory(::memfd_create("bench", 0))
+        : memory(newMemory())
+        , board(boardIn(memory))
     {
-        require(::ftruncate(memory, sizeof(Board)) == 0 && ::pipe(done.data()) == 0, "what processes share");
+        require(::pipe(done.data()) == 0, "a pipe");
     }
     Shared(const Shared&) = delete;
     Shared& operator=(const Shared&) = delete;
     ~Shared()
     {
+        ::munmap(&board, sizeof board);
         ::close(memory);
         ::close(done[0]);
         ::close(done[1]);
     }
 
-    int memory;
+    const int memory;
+    Board& board;
     std::array<int, 2> done = {-1, -1};
 };
 
-Board& boardIn(const std::string& memory)
-{
-    void* const board = ::mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED, std::stoi(memory), 0);
-    require(board != MAP_FAILED, "a board");
-    return *static_cast<Board*>(board);
-}
+namespace {
 
 std::optional<Kind> kindOf(const std::string& name)
 {
@@ -144,49 +155,29 @@ void sendWithoutLoop(Sender& sender, int done)
     }
 }
 
-/// The processes of one kind of transport.
+/// A sender and its audience.
 class Session
 {
 public:
     Session(const QByteArray& directory, const Kind& kind, const Traffic& traffic)
+        : m_audience(directory, kind.name, traffic.listeners)
+        , m_sender(
+              inRole({"sender", kind.name, std::to_string(m_audience.shared().memory),
+                      std::to_string(m_audience.shared().done[0]), std::to_string(traffic.listeners),
+                      traffic.isInLoop ? "loop" : "", std::to_string(traffic.burst), std::to_string(traffic.turns)}))
     {
-        qputenv("ZYN_QCOP_PATH", directory);
-        require(::chmod(directory.constData(), S_IRWXU) == 0, "a directory of one's own");
-        if (kind.needsBus)
-            startBus(directory.toStdString());
-        for (int i = 0; i < traffic.listeners; ++i) {
-            m_listeners.emplace_back(inRole({"listener", kind.name, std::to_string(m_shared.memory),
-                                             std::to_string(m_shared.done[1]), std::to_string(i)}));
-        }
-        for (const Child& listener : m_listeners)
-            listener.line();
-        m_sender.emplace(inRole({"sender", kind.name, std::to_string(m_shared.memory), std::to_string(m_shared.done[0]),
-                                 std::to_string(traffic.listeners), traffic.isInLoop ? "loop" : "",
-                                 std::to_string(traffic.burst), std::to_string(traffic.turns)}));
-        m_sender->line();
+        m_sender.line();
     }
 
     double sample() const
     {
-        m_sender->tell("go");
-        return std::stod(m_sender->line());
+        m_sender.tell("go");
+        return std::stod(m_sender.line());
     }
 
 private:
-    void startBus(const std::string& directory)
-    {
-        const std::string socket = directory + "/bus";
-        m_bus.emplace(inRole({"execute", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
-                              "--address=unix:path=" + socket}));
-        constexpr int kMost = 2000;
-        for (int i = 0; i < kMost && !QFile::exists(QString::fromStdString(socket)); ++i)
-            ::usleep(5000);
-    }
-
-    Shared m_shared;
-    std::optional<Child> m_bus;
-    std::list<Child> m_listeners;
-    std::optional<Child> m_sender;
+    Audience m_audience;
+    Child m_sender;
 };
 
 constexpr int kTurns = 200;
@@ -216,6 +207,46 @@ Row row(const char* name, double goal, const char* limit, const Traffic& traffic
 
 } // namespace
 
+Audience::Audience(const QByteArray& directory, const std::string& kind, int listeners)
+    : m_shared(std::make_unique<Shared>())
+{
+    qputenv("ZYN_QCOP_PATH", directory);
+    if (kindOf(kind).value().needsBus)
+        startBus(directory.toStdString());
+    for (int i = 0; i < listeners; ++i) {
+        m_listeners.emplace_back(inRole({"listener", kind, std::to_string(m_shared->memory),
+                                         std::to_string(m_shared->done[1]), std::to_string(i)}));
+    }
+    for (const Child& listener : m_listeners)
+        listener.line();
+}
+
+Audience::~Audience() = default;
+
+void Audience::startBus(const std::string& directory)
+{
+    const std::string socket = directory + "/bus";
+    m_bus.emplace(Child::Words{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
+                               "--address=unix:path=" + socket},
+                  Child::Log::Dropped);
+    constexpr int kMost = 2000;
+    constexpr int kStep = 5000; // microseconds
+    for (int i = 0; i < kMost && !QFile::exists(QString::fromStdString(socket)); ++i)
+        ::usleep(kStep);
+}
+
+void Audience::expect(int messages) const
+{
+    m_shared->board.expected.store(messages, std::memory_order_release);
+}
+
+int64_t Audience::heard() const
+{
+    char word = 0;
+    require(::read(m_shared->done[0], &word, 1) == 1, "a listener's word");
+    return m_shared->board.heardAt[0].load(std::memory_order_acquire);
+}
+
 Prepare exchange(const Kind& kind, const Traffic& traffic)
 {
     return [kind, traffic](const QByteArray& directory) -> Job {
@@ -228,7 +259,7 @@ int listen(const std::vector<std::string>& words)
 {
     const auto kind = kindOf(words.at(0));
     require(kind.has_value(), "a kind of transport");
-    Ear ear(boardIn(words.at(1)), std::stoi(words.at(3)), std::stoi(words.at(2)));
+    Ear ear(boardIn(std::stoi(words.at(1))), std::stoi(words.at(3)), std::stoi(words.at(2)));
     kind->listen(ear);
     return EXIT_SUCCESS;
 }
@@ -243,7 +274,7 @@ int sendInTurns(const std::vector<std::string>& words)
                           .burst = std::stoi(words.at(5)),
                           .turns = std::stoi(words.at(6))};
     const std::unique_ptr<Transport> transport = kind->connect(traffic.listeners);
-    Sender sender(*transport, boardIn(words.at(1)), done, traffic);
+    Sender sender(*transport, boardIn(std::stoi(words.at(1))), done, traffic);
     answer("ready");
     traffic.isInLoop ? sendFromLoop(sender, done) : sendWithoutLoop(sender, done);
     return EXIT_SUCCESS;

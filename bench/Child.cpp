@@ -4,9 +4,10 @@
 #include "bench/Bench.h"
 
 #include <array>
-#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
+#include <set>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -19,6 +20,19 @@ namespace bench {
 namespace {
 
 constexpr time_t kPatience = 60; // seconds
+
+/// The processes that have been started and not waited for. They end with a measurement that fails, too.
+std::set<pid_t>& running()
+{
+    static std::set<pid_t> processes;
+    return processes;
+}
+
+void endAll()
+{
+    for (const pid_t process : running())
+        ::kill(process, SIGKILL);
+}
 
 void write(int fd, const std::string& line)
 {
@@ -38,7 +52,7 @@ std::string read(int fd)
 
 } // namespace
 
-Child::Child(const Words& words)
+Child::Child(const Words& words, Log log)
 {
     std::array<int, 2> ends = {-1, -1};
     require(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0, "a socket pair");
@@ -49,6 +63,8 @@ Child::Child(const Words& words)
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
     ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    if (log == Log::Dropped)
+        ::posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     std::vector<std::string> copies = words;
     std::vector<char*> arguments;
     for (std::string& word : copies)
@@ -58,6 +74,8 @@ Child::Child(const Words& words)
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(ends[1]);
     require(error == 0, words.front().c_str());
+    [[maybe_unused]] static const int registered = std::at_quick_exit(endAll);
+    running().insert(m_process);
 }
 
 Child::~Child()
@@ -65,6 +83,7 @@ Child::~Child()
     if (m_process > 0) {
         ::kill(m_process, SIGKILL);
         ::waitpid(m_process, nullptr, 0);
+        running().erase(m_process);
     }
     ::close(m_control);
 }
@@ -85,6 +104,7 @@ bool Child::finish()
 {
     int status = -1;
     require(::waitpid(m_process, &status, 0) == m_process, "the end of a process");
+    running().erase(m_process);
     m_process = -1;
     return status == 0;
 }

@@ -1,7 +1,7 @@
 // Processes of a measurement: this program again, in a role, or another program.
 #pragma once
 
-#include <functional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,8 +15,10 @@ class Child
 public:
     using Words = std::vector<std::string>;
 
+    enum class Log { Shown, Dropped };
+
     /// Starts the program @p words, a path and its arguments; standard output goes nowhere.
-    explicit Child(const Words& words);
+    explicit Child(const Words& words, Log log = Log::Shown);
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
     ~Child();

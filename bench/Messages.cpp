@@ -115,19 +115,25 @@ Prepare sendTo(int listeners)
     };
 }
 
-/// Sends, and handles events until the listener has heard it.
-Job sendAndHear(const QByteArray& directory)
+/// Sends on one channel after the other, and handles events until its listener has heard it.
+Prepare sendAndHear(const QByteArray& data, int channels)
 {
-    qputenv("ZYN_QCOP_PATH", directory);
-    const auto channel = std::make_shared<QCopChannel>(kChannel);
-    const auto heard = std::make_shared<int>(0);
-    QObject::connect(channel.get(), &QCopChannel::received, channel.get(), [heard] { ++*heard; });
-    return {.run = [channel, heard, data = payload()] {
-        *heard = 0;
-        require(QCopChannel::send(kChannel, kName, data), "send()");
-        while (*heard == 0)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }};
+    return [data, channels](const QByteArray& directory) -> Job {
+        qputenv("ZYN_QCOP_PATH", directory);
+        const auto heard = std::make_shared<int>(0);
+        const auto listeners = std::make_shared<std::vector<std::unique_ptr<QCopChannel>>>();
+        for (int i = 0; i < channels; ++i) {
+            listeners->push_back(std::make_unique<QCopChannel>(QCString(kChannel) + QByteArray::number(i)));
+            QObject::connect(listeners->back().get(), &QCopChannel::received, [heard] { ++*heard; });
+        }
+        return {.run = [=, next = size_t{0}]() mutable {
+            *heard = 0;
+            require(QCopChannel::send(listeners->at(next)->channel(), kName, data), "send()");
+            next = (next + 1) % listeners->size();
+            while (*heard == 0)
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }};
+    };
 }
 
 Row statusMessage(const char* name, int receivers)
@@ -142,6 +148,16 @@ Row statusMessage(const char* name, int receivers)
 
 } // namespace
 
+Prepare sendBytes(int size)
+{
+    return sendAndHear(QByteArray(size, 'x'), 1);
+}
+
+Prepare sendOnChannels(int channels)
+{
+    return sendAndHear(payload(), channels);
+}
+
 std::vector<Row> messageRows()
 {
     return {statusMessage("status message, 1 receiver", 1), statusMessage("status message, 36 receivers", 36)};
@@ -152,7 +168,7 @@ std::vector<Row> sendingRows()
     return {
         {"send a message, 1 listener", 0, kLimit, {{kOurs, sendTo(1)}}},
         {"send a message, 4 listeners", 0, kLimit, {{kOurs, sendTo(4)}}},
-        {"send and hear a message", 0, kLimit, {{kOurs, sendAndHear}}},
+        {"send and hear a message", 0, kLimit, {{kOurs, sendAndHear(payload(), 1)}}},
     };
 }
 

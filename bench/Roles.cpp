@@ -2,6 +2,8 @@
 #include "bench/Bench.h"
 #include "bench/Channels.h"
 #include "bench/Child.h"
+#include "bench/Power.h"
+#include "bench/Service.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -9,30 +11,17 @@
 #include <map>
 
 #include <sys/prctl.h>
-#include <unistd.h>
 
 namespace bench {
 namespace {
 
 using Role = int (*)(const std::vector<std::string>& words);
 
-/// Another program, which ends when the measurement does, and whose log nobody reads.
-int execute(const std::vector<std::string>& words)
-{
-    ::dup2(STDOUT_FILENO, STDERR_FILENO);
-    std::vector<std::string> copies = words;
-    std::vector<char*> arguments;
-    for (std::string& word : copies)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    ::execvp(arguments.front(), arguments.data());
-    return EXIT_FAILURE;
-}
-
 const std::map<std::string, Role> kRoles = {
-    {"execute", execute},
+    {"idle", idle},
     {"listener", listen},
     {"sender", sendInTurns},
+    {"server", serveBare},
 };
 
 } // namespace

@@ -1,12 +1,16 @@
 // Measures the columns of a row in turn: within the process by Google Benchmark, whose repetitions it has interleaved.
 #include "bench/Sampler.h"
 
+#include <QtCore/QTemporaryDir>
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
 #include <map>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace bench {
 namespace {
@@ -109,7 +113,7 @@ MeasuredRow measure(const Row& row, const Effort& effort)
     // Ours is the first, and so made last: the environment leads to its directory then.
     for (auto column = row.columns.rbegin(); column != row.columns.rend(); ++column) {
         const QByteArray directory = scratch.path().toLocal8Bit() + '/' + QByteArray::number(qsizetype(jobs.size()));
-        require(QDir().mkpath(QString::fromLocal8Bit(directory)), "a directory for a column");
+        require(::mkdir(directory.constData(), S_IRWXU) == 0, "a directory for a column");
         if (column->prepare)
             jobs.emplace_back(column->name, column->prepare(directory));
     }

@@ -5,8 +5,6 @@
 
 #include <optional>
 
-#include <QtCore/QTemporaryDir>
-
 namespace bench {
 
 /// How long is measured.

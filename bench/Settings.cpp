@@ -63,22 +63,12 @@ void listNumbers(int count)
     require(zyn::emergency::writeList(numbers), "a list of emergency numbers");
 }
 
-/// A key after which the number may still become none of the list: all of it is looked at.
-Prepare pressKey(int count)
-{
-    return [count](const QByteArray& directory) -> Job {
-        useStores(directory);
-        listNumbers(count);
-        return {.run = [input = u"5"_s] { require(!PHONE_IsEmergencyCallInput(input), "a key"); }};
-    };
-}
-
 Prepare readNumbers(int count)
 {
     return [count](const QByteArray& /*directory*/) -> Job {
         listNumbers(count);
         return {.run = [count] {
-            std::array<char, 8192> buffer;
+            std::array<char, 8192> buffer; // NOLINT: read() writes it
             const int fd = ::open(zyn::emergency::kListFile, O_RDONLY | O_CLOEXEC);
             const ssize_t length = ::pread(fd, buffer.data(), buffer.size(), 0);
             ::close(fd);
@@ -88,6 +78,16 @@ Prepare readNumbers(int count)
 }
 
 } // namespace
+
+/// A key after which the number may still become none of the list: all of it is looked at.
+Prepare pressKey(int count)
+{
+    return [count](const QByteArray& directory) -> Job {
+        useStores(directory);
+        listNumbers(count);
+        return {.run = [input = u"5"_s] { require(!PHONE_IsEmergencyCallInput(input), "a key"); }};
+    };
+}
 
 std::vector<Row> settingsRows()
 {

@@ -195,48 +195,12 @@ void useFavourite(const QByteArray& directory, int slots, int used)
     ActivityLog_ENG_RecordStore::destroy();
 }
 
-Prepare addEntry(int slots)
-{
-    return [slots](const QByteArray& directory) -> Job {
-        constexpr int kOften = 10;
-        useFavourite(directory, slots, slots - kOften);
-        const auto added = std::make_shared<std::vector<Entry>>();
-        const auto run = [added] {
-            added->push_back(entry(0));
-            require(ActivityLog_ENG_RecordStore::instance()->addTopPalsAvlItem(added->back()) == 1, "adding an entry");
-        };
-        const auto renew = [added] {
-            for (Entry& record : *added)
-                require(ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(record) == 1, "removing it");
-            added->clear();
-            added->reserve(kOften);
-        };
-        ActivityLog_ENG_RecordStore::instance();
-        renew();
-        return {.run = run, .renew = renew, .often = kOften};
-    };
-}
-
 Prepare addEntryBare(int slots)
 {
     return [slots](const QByteArray& directory) -> Job {
         useFavourite(directory, slots, 0);
         return {.run = [path = favouriteFile(directory), record = entry(0), slots] {
             writeBare(path, &record, sizeof record, zyn::ContactFile::offset(slots - 1));
-        }};
-    };
-}
-
-Prepare listEntries(int slots)
-{
-    return [slots](const QByteArray& directory) -> Job {
-        useFavourite(directory, slots, slots);
-        ActivityLog_ENG_RecordStore::instance();
-        return {.run = [slots] {
-            QSortedList<Entry> list;
-            list.setAutoDelete(true);
-            ActivityLog_ENG_RecordStore::instance()->readTopPalsAvlContactRecordList(list, favourite());
-            require(list.count() == slots, "a favourite's list");
         }};
     };
 }
@@ -326,6 +290,42 @@ Row favouriteList(int slots, const char* name)
 }
 
 } // namespace
+
+Prepare addEntry(int slots)
+{
+    return [slots](const QByteArray& directory) -> Job {
+        constexpr int kOften = 10;
+        useFavourite(directory, slots, slots - kOften);
+        const auto added = std::make_shared<std::vector<Entry>>();
+        const auto run = [added] {
+            added->push_back(entry(0));
+            require(ActivityLog_ENG_RecordStore::instance()->addTopPalsAvlItem(added->back()) == 1, "adding an entry");
+        };
+        const auto renew = [added] {
+            for (Entry& record : *added)
+                require(ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(record) == 1, "removing it");
+            added->clear();
+            added->reserve(kOften);
+        };
+        ActivityLog_ENG_RecordStore::instance();
+        renew();
+        return {.run = run, .renew = renew, .often = kOften};
+    };
+}
+
+Prepare listEntries(int slots)
+{
+    return [slots](const QByteArray& directory) -> Job {
+        useFavourite(directory, slots, slots);
+        ActivityLog_ENG_RecordStore::instance();
+        return {.run = [slots] {
+            QSortedList<Entry> list;
+            list.setAutoDelete(true);
+            ActivityLog_ENG_RecordStore::instance()->readTopPalsAvlContactRecordList(list, favourite());
+            require(list.count() == slots, "a favourite's list");
+        }};
+    };
+}
 
 std::vector<Row> storeRows()
 {

@@ -21,8 +21,6 @@ namespace {
 constexpr char kChannel[] = "/ZYN/bench";
 constexpr char kMessage[] = "message";
 
-/// What a frame of ours takes on the way, so that bare ones are as long.
-constexpr size_t kFrameSize = 48;
 constexpr size_t kGatheredFrames = 65'536 / kFrameSize;
 
 void listenOnChannel(Ear& ear)
@@ -51,6 +49,22 @@ sockaddr_un addressOf(const std::string& path)
     return address;
 }
 
+/// Hears the frames in the first @p size bytes one by one, each of which begins with its size; how many bytes of the
+/// next one are at the start of @p buffer then.
+size_t hearFrames(Ear& ear, std::array<char, 65'536>& buffer, size_t size)
+{
+    size_t at = 0;
+    for (uint32_t frame = 0; at + sizeof frame <= size; at += frame) {
+        std::memcpy(&frame, &buffer[at], sizeof frame);
+        require(frame == kFrameSize, "a bare frame");
+        if (at + frame > size)
+            break;
+        ear.hear();
+    }
+    std::memmove(buffer.data(), &buffer[at], size - at);
+    return size - at;
+}
+
 void listenOnSocket(Ear& ear)
 {
     const sockaddr_un address = addressOf(socketPath(std::to_string(ear.index())));
@@ -58,13 +72,13 @@ void listenOnSocket(Ear& ear)
     const auto* const plain = reinterpret_cast<const sockaddr*>(&address);
     require(::bind(listener, plain, sizeof address) == 0 && ::listen(listener, 1) == 0, "a bare socket");
     answer("ready");
-    const int connection = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     std::array<char, 65'536> buffer = {};
-    size_t rest = 0;
-    for (ssize_t length = 0; (length = ::read(connection, buffer.data(), buffer.size())) > 0;) {
-        rest += static_cast<size_t>(length);
-        ear.hear(static_cast<int64_t>(rest / kFrameSize));
-        rest %= kFrameSize;
+    for (;;) {
+        const int connection = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+        size_t size = 0;
+        for (ssize_t length = 0; (length = ::read(connection, &buffer[size], buffer.size() - size)) > 0;)
+            size = hearFrames(ear, buffer, size + static_cast<size_t>(length));
+        ::close(connection);
     }
 }
 
@@ -84,7 +98,11 @@ public:
     }
     void send() override
     {
-        m_buffer.append(kPayload).resize((m_buffer.size() / kFrameSize + 1) * kFrameSize);
+        std::array<char, kFrameSize> frame = {};
+        const auto size = uint32_t{kFrameSize};
+        std::memcpy(frame.data(), &size, sizeof size);
+        std::memcpy(&frame[kFrameSize - sizeof kPayload], kPayload, sizeof kPayload);
+        m_buffer.append(frame.data(), frame.size());
         if (m_buffer.size() == m_most)
             flush();
     }
@@ -106,10 +124,9 @@ private:
 
 } // namespace
 
-void Ear::hear(int64_t messages)
+void Ear::hear()
 {
-    m_heard += messages;
-    if (m_heard < m_board.expected.load(std::memory_order_acquire))
+    if (++m_heard < m_board.expected.load(std::memory_order_acquire))
         return;
     m_heard = 0;
     m_board.heardAt[m_index].store(now(), std::memory_order_release);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,6 +12,9 @@ namespace bench {
 
 /// The bytes of every message's payload.
 inline constexpr char kPayload[] = "fifteen bytes..";
+
+/// What a frame of ours takes on the way, so that bare ones are as long.
+inline constexpr size_t kFrameSize = 48;
 
 /// What sender and listeners share: how many messages each listener is to hear, and when it heard the last of them.
 struct Board
@@ -30,7 +34,7 @@ public:
         , m_index(index)
         , m_done(done)
     {}
-    void hear(int64_t messages = 1);
+    void hear();
     int index() const { return m_index; }
 
 private:

@@ -1,8 +1,10 @@
 // zyn-bench: measures the library beside bare system calls, the same by hand, and what a user would take instead.
 #include "bench/Bench.h"
 #include "bench/Child.h"
+#include "bench/Power.h"
 #include "bench/Report.h"
 #include "bench/Sampler.h"
+#include "bench/Scale.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -26,11 +28,14 @@ namespace {
 constexpr int kUsageError = 2;
 constexpr Effort kFull{.repetitions = 21, .seconds = 0.1};
 constexpr Effort kQuick{.repetitions = 7, .seconds = 0.02};
+/// How long idle processes are watched, in seconds.
+constexpr int kWatch = 60;
+constexpr int kQuickWatch = 10;
 
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& some : {storeRows(), settingsRows(), messageRows(), channelRows()})
+    for (const auto& some : {storeRows(), settingsRows(), messageRows(), channelRows(), serviceRows(), startUpRows()})
         rows.insert(rows.end(), some.begin(), some.end());
     return rows;
 }
@@ -76,8 +81,23 @@ void startBenchmarks(char* name)
     benchmark::Initialize(&count, arguments.data());
 }
 
+/// Shows @p text, and puts it under @p name into the document that is to be renewed.
+void publish(const QCommandLineParser& options, int output, const QString& name, const QString& text)
+{
+    show(output, text);
+    if (options.isSet(u"markdown"_s))
+        replaceInDocument(options.value(u"markdown"_s), name, text);
+}
+
 int run(const QCommandLineParser& options, int output)
 {
+    const bool isQuick = options.isSet(u"quick"_s);
+    if (options.isSet(u"scale"_s))
+        publish(options, output, u"scale"_s, measureScale(isQuick ? kQuick : kFull));
+    if (options.isSet(u"power"_s))
+        publish(options, output, u"power"_s, measurePower(isQuick ? kQuickWatch : kWatch));
+    if (options.isSet(u"scale"_s) || options.isSet(u"power"_s))
+        return EXIT_SUCCESS;
     const std::vector<Row> rows = chosenRows(options.value(u"filter"_s));
     if (rows.empty()) {
         std::fputs("bench: no row is like that\n", stderr);
@@ -88,7 +108,7 @@ int run(const QCommandLineParser& options, int output)
             show(output, QString::fromStdString(row.name) + u'\n');
         return EXIT_SUCCESS;
     }
-    const Results results = measureAll(rows, options.isSet(u"quick"_s) ? kQuick : kFull);
+    const Results results = measureAll(rows, isQuick ? kQuick : kFull);
     show(output, textTable(results) + machine() + u'\n');
     if (options.isSet(u"json"_s))
         write(options.value(u"json"_s), json(results));
@@ -111,6 +131,8 @@ int main(int argc, char** argv)
     QCommandLineParser options;
     options.addOptions({{u"quick"_s, u"measures less"_s},
                         {u"list"_s, u"lists the rows"_s},
+                        {u"scale"_s, u"measures how cost grows"_s},
+                        {u"power"_s, u"measures what idle processes cost"_s},
                         {u"filter"_s, u"only rows like that"_s, u"regex"_s, u"."_s},
                         {u"json"_s, u"writes a file"_s, u"file"_s},
                         {u"plot"_s, u"writes a picture"_s, u"file"_s},
