@@ -15,12 +15,12 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Whoever is to listen on a channel of the library.
+/// The expected listener of a channel.
 struct Audience
 {
     const char* channel;
     const char* listener;
-    bool isNeeded; ///< whether nothing works without it
+    bool isNeeded; ///< nothing works without it
 };
 
 constexpr Audience kAudiences[] = {
@@ -56,7 +56,7 @@ QString directoryOf(const QByteArray& root, const QCString& channel)
     return QFile::decodeName(ChannelDirectory::path(root, channel));
 }
 
-/// What is wrong with one listener; nothing when it listens.
+/// The fault of one listener, if any.
 std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& path, pid_t owner)
 {
     if (probe.state == SocketProbe::Stopped || (probe.state == SocketProbe::Busy && isStopped(owner)))
@@ -76,7 +76,7 @@ std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& pa
     }
 }
 
-/// The next message on the channel removes it: it tells of a loss only where nobody else listens.
+/// The next message on the channel removes it, so it matters only without other listeners.
 Finding deadSocket(const QString& path, pid_t owner, bool isHeard)
 {
     const QString text = u"a dead socket: %1 ended without closing it"_s.arg(processText(owner));
@@ -90,7 +90,7 @@ Findings checkListeners(const QByteArray& root, const QCString& channel, const C
     Findings findings;
     QStringList listening;
     std::vector<std::pair<QString, pid_t>> dead;
-    bool isKept = false; // by one that takes nothing just now
+    bool isKept = false; // by a listener that is busy now
     for (const QByteArray& name : directory.listeners().value_or(QList<QByteArray>())) {
         const pid_t owner = ChannelDirectory::owner(name);
         const SocketProbe probe = SocketProbe::of(directory.connectTo(name));
@@ -130,7 +130,7 @@ Findings checkChannel(const QByteArray& root, const QCString& channel)
 Findings checkChannels()
 {
     const QByteArray root = ChannelEnvironment::current().root();
-    if (root.isEmpty()) // which the environment's check has told
+    if (root.isEmpty()) // reported by the check of the environment
         return {};
     const QString name = QFile::decodeName(root);
     if (!exists(root))

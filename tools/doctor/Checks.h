@@ -1,11 +1,11 @@
-// What is looked at on a desk where nothing arrives. No check changes anything.
+// The checks of doctor. None of them changes anything.
 #pragma once
 
 #include "tools/zynphone/Finding.h"
 
 namespace zyn::tool {
 
-/// The variables that name directories, and what they name.
+/// The variables that name directories.
 Findings checkEnvironment();
 /// The directories of the channels, and their listeners.
 Findings checkChannels();
@@ -15,7 +15,7 @@ Findings checkServices();
 Findings checkStore();
 /// The settings files and the list of emergency numbers.
 Findings checkSettings();
-/// Which features are switched on.
+/// Which features are enabled.
 Findings checkSwitches();
 
 } // namespace zyn::tool

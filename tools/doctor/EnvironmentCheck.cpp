@@ -1,4 +1,4 @@
-// The variables that name directories, and what they name.
+// The variables that name directories.
 #include "platform/SettingsFile_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
@@ -73,7 +73,7 @@ Finding checkSettingsPath(const QString& variable, const QByteArray& value)
     return ok(variable, u"the settings are in %1"_s.arg(settingsDirectory()));
 }
 
-/// A variable, how its value is checked, and what holds when it is unset or empty.
+/// A variable, the check of its value, and the state if it is unset or empty.
 struct Variable
 {
     const char* name;

@@ -32,7 +32,7 @@ bool isPlain(char character)
            || (character >= '0' && character <= '9') || (character != '\0' && std::strchr(kPlainCharacters, character));
 }
 
-/// What errno tells of a path that cannot be looked at.
+/// errno's reason why a path cannot be examined.
 Finding unreachable(const QByteArray& path, const QString& remedyWhenMissing)
 {
     if (errno == ENOENT)

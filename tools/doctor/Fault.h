@@ -9,25 +9,25 @@
 
 namespace zyn::tool {
 
-/// Whether anything of that name exists, be it a link that leads nowhere or out of this user's reach.
+/// Whether a file of that name exists, even a dangling link.
 bool exists(const QByteArray& path);
 
-/// The directory that @p path lies in.
+/// The parent directory of @p path.
 QByteArray parentOf(const QByteArray& path);
 
-/// @p path, or the nearest directory above it that exists; a file where one is in the way.
+/// @p path, or its nearest existing parent, which may be a file.
 QByteArray existingPart(QByteArray path);
 
-/// Why @p path is no directory that is this user's alone, as channels need it; nothing when it is one.
+/// Why @p path is not a private directory of this user, as channels require; unset if it is.
 std::optional<Finding> privateDirectoryFault(const QByteArray& path);
 
-/// Why @p path is no directory in which this user may make files; nothing when it is one.
+/// Why this user cannot create files in the directory @p path; unset if it is possible.
 std::optional<Finding> writableDirectoryFault(const QByteArray& path);
 
-/// Why @p path is no file that this user may read, and write when @p isWritten is set; nothing when it is one.
+/// Why this user cannot read the file @p path, or write it if @p isWritten is set; unset if it is possible.
 std::optional<Finding> fileFault(const QByteArray& path, bool isWritten);
 
-/// @p path as a word of a shell's command line.
+/// @p path quoted for a shell.
 QString shellWord(const QByteArray& path);
 
 } // namespace zyn::tool

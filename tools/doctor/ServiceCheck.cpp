@@ -23,7 +23,7 @@ constexpr Service kServices[] = {
     {voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
 };
 
-/// Why the directory of a socket that nobody could be reached at keeps everybody away; nothing when it does not.
+/// Why the directory of an unreachable socket keeps everybody out, if it does.
 std::optional<Finding> directoryFault(const Service& service, const SocketProbe& probe)
 {
     const QByteArray directory = parentOf(service.socket);

@@ -1,4 +1,4 @@
-// The settings files, the list of emergency numbers, and which features are switched on.
+// The settings files, the list of emergency numbers, and the enabled features.
 #include "platform/HandsetState_p.h"
 #include "platform/SettingsFile_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
@@ -18,7 +18,7 @@ namespace {
 struct SettingsPath
 {
     QString (*path)();
-    bool isWritten; ///< whether the library sets anything there
+    bool isWritten; ///< the library writes to it
 };
 
 constexpr SettingsPath kFiles[] = {
@@ -55,7 +55,7 @@ Finding checkFile(const SettingsPath& file)
     return checkLines(path);
 }
 
-/// Settings are changed by files that are made beside them.
+/// Settings are written to temporary files beside theirs.
 Findings checkDirectory()
 {
     const QByteArray part = existingPart(QFile::encodeName(settingsDirectory()));

@@ -12,22 +12,22 @@ class UniqueFd;
 
 namespace zyn::tool {
 
-/// What connecting to a socket has shown. The connection is closed again at once.
+/// The result of a test connection, which is closed at once.
 struct SocketProbe
 {
     enum State {
         Served,
-        Stopped, ///< the process that serves it is stopped
-        Foreign, ///< served by another user's process, which the library does not talk to
-        Busy,    ///< served, but too many connections wait to be accepted
-        Dead,    ///< left behind by a process that serves it no more
+        Stopped, ///< the serving process is stopped
+        Foreign, ///< served by another user's process, which the library rejects
+        Busy,    ///< served, but its queue of connections is full
+        Dead,    ///< left behind by a dead process
         Missing,
-        NoSocket, ///< something else has its name
-        Failed,   ///< error tells why
+        NoSocket, ///< another kind of file
+        Failed,   ///< see error
     };
 
     State state = Missing;
-    pid_t process = 0; ///< of Served, Stopped and Foreign; 0 where it is not known
+    pid_t process = 0; ///< of Served, Stopped and Foreign; 0 if unknown
     uid_t user = 0;    ///< of Foreign
     QString error = {};
 
@@ -40,7 +40,7 @@ struct SocketProbe
 /// Whether @p process is stopped, by a signal or a debugger.
 bool isStopped(pid_t process);
 
-/// "process 123 (zyn-phoned)", without a name when the process has gone.
+/// "process 123 (zyn-phoned)", without the name if the process has ended.
 QString processText(pid_t process);
 
 } // namespace zyn::tool

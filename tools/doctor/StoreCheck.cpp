@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Far above the size of every file of the store.
+/// Far above the size of every store file.
 constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
 
 Finding damaged(const QByteArray& path, const QStringList& problems)
@@ -26,7 +26,7 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
                      shellWord(storeDirectoryPath()), shellWord(path)));
 }
 
-/// Looks into a file with @p check, in words of its kind.
+/// Checks a file with @p check.
 Finding checkContents(const QByteArray& path, FileReport (*check)(const QString&, const QByteArray&))
 {
     const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);

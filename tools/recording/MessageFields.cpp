@@ -1,4 +1,4 @@
-// The payload of a message, taken apart into named values.
+// The payload of a message as named values.
 #include "tools/recording/MessageFields.h"
 
 #include "recentcall/utility/RecentCall_Messages_p.h"
@@ -26,7 +26,7 @@ QJsonArray listOf(const QStringList& texts)
     return list;
 }
 
-/// The networks of a list, whose @p texts are an id and a name for each.
+/// The networks in @p texts, an id and a name each.
 QJsonArray networksOf(const QStringList& texts)
 {
     QJsonArray networks;

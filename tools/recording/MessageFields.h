@@ -1,4 +1,4 @@
-// The payload of a message, taken apart into named values.
+// The payload of a message as named values.
 #pragma once
 
 #include "platform/QCString.h"
@@ -15,19 +15,19 @@ namespace zyn::tool {
 struct NamedValue
 {
     QString name;
-    QJsonValue value; ///< undefined when the payload ends before the field does
+    QJsonValue value; ///< undefined if the payload ends before it
 };
 
 struct MessageFields
 {
-    bool isKnown = false; ///< whether the library has such a message
-    QString enumerator;   ///< of the message's type, empty when it has none
+    bool isKnown = false; ///< the library defines this message
+    QString enumerator;   ///< of the message's type; empty if it has none
     std::vector<NamedValue> values;
-    QByteArray rest; ///< what no field holds; of an unknown message all
+    QByteArray rest; ///< bytes after the last field; of an unknown message, all
 };
 
-/// Takes a message apart. Numbers are JSON numbers and texts JSON texts, a null one null; blocks are texts as
-/// blockText() writes them, repeated fields lists, and the networks of a list objects with id and name.
+/// Decodes a message. Numbers and texts are JSON numbers and texts, a null text is null; blocks are texts in the format
+/// of blockText(), repeated fields are lists, and networks are objects with id and name.
 MessageFields messageFields(const QCString& channel, const QCString& name, const QByteArray& payload);
 
 } // namespace zyn::tool

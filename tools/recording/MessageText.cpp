@@ -1,4 +1,4 @@
-// A message as one line for people, and as an object for programs.
+// A message as one line for people, and as JSON for programs.
 #include "tools/recording/MessageText.h"
 
 #include "handset/common/Text.h"
@@ -40,7 +40,7 @@ QString valueText(const QJsonValue& value)
     }
 }
 
-/// A value that may hold others; there are no more than two levels.
+/// A value that may contain others; there are at most two levels.
 QString nestedText(const QJsonValue& value)
 {
     QStringList parts;

@@ -1,4 +1,4 @@
-// A message as one line for people, and as an object for programs.
+// A message as one line for people, and as JSON for programs.
 #pragma once
 
 #include "platform/QCString.h"
@@ -13,26 +13,25 @@ namespace zyn::tool {
 
 struct MessageFields;
 
-/// A message as a listener got it.
+/// A received message.
 struct ReceivedMessage
 {
-    QDateTime time; ///< when it came
+    QDateTime time; ///< of arrival
     QCString channel;
     QCString name;
     QByteArray payload;
 };
 
-/// The name of a channel or a message: quoted unless it is one printable word.
+/// A channel's or message's name, quoted unless it is one printable word.
 QString nameText(const QCString& name);
 
-/// "name=value" for each field, and for what no field holds, of which the first 64 bytes are shown. Only printable
-/// characters come out.
+/// "name=value" for each field, and up to 64 of the bytes after the last one. All characters are printable.
 QStringList fieldTexts(const MessageFields& fields);
 
-/// Time, channel, name, enumerator and fields, without a line end; with the whole payload when @p raw is set.
+/// Time, channel, name, enumerator and fields, without a line end; with the whole payload if @p raw is set.
 QString messageText(const ReceivedMessage& message, bool raw);
 
-/// The same with the field names that the monitor's help tells, the time in UTC.
+/// The same as JSON, with the field names in the monitor's help, the time in UTC.
 QJsonObject messageJson(const ReceivedMessage& message, bool raw);
 
 } // namespace zyn::tool

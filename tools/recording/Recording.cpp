@@ -1,4 +1,4 @@
-// Recordings of messages: the line that stands for one, reading them, and writing them as they come.
+// Recordings of messages: format, reader and writer.
 #include "tools/recording/Recording.h"
 
 #include "platform/qcop/ChannelFrame_p.h"
@@ -49,7 +49,7 @@ QByteArray escaped(const QCString& name)
     return name.toPercentEncoding(kPlain);
 }
 
-/// What the line says to people.
+/// The line as text for people.
 QByteArray comment(const ReceivedMessage& message)
 {
     const MessageFields fields = messageFields(message.channel, message.name, message.payload);
@@ -74,7 +74,7 @@ bool isHexDigit(char byte)
     return std::isxdigit(static_cast<unsigned char>(byte)) != 0;
 }
 
-/// Whether @p word is graphic ASCII in which each escape is whole.
+/// Whether @p word is graphic ASCII with valid escapes.
 bool isEscapedName(const QByteArray& word)
 {
     for (qsizetype i = 0; i < word.size(); ++i) {
@@ -86,7 +86,7 @@ bool isEscapedName(const QByteArray& word)
     return true;
 }
 
-/// The name that @p word stands for; what it names is @p what.
+/// The name encoded in @p word; @p what describes it in errors.
 QCString nameFrom(const QByteArray& word, const char* what)
 {
     QCString name = QCString::fromPercentEncoding(word, kEscape);
@@ -113,8 +113,8 @@ QList<QByteArray> wordsOf(const QByteArray& line)
     return words;
 }
 
-/// The next line of @p file without its end; nothing when there is none. Every line goes through @p buffer: one of that
-/// size for each would cost more than all that is done with it.
+/// The next line of @p file without its end, if any. Sharing @p buffer saves an allocation of its size per line, which
+/// would dominate the cost.
 std::optional<QByteArray> nextLine(QFile& file, QByteArray& buffer)
 {
     const qint64 length = file.readLine(buffer.data(), buffer.size());
@@ -125,7 +125,7 @@ std::optional<QByteArray> nextLine(QFile& file, QByteArray& buffer)
     QByteArray line = buffer.first(static_cast<qsizetype>(length));
     if (line.size() > kLongestRecordingLine)
         throw failure(u"the line is longer than %1 bytes"_s.arg(kLongestRecordingLine));
-    // A line that is cut short may look whole: half of a payload is one too.
+    // A truncated line may look valid: half of a payload is a payload.
     if (!line.endsWith('\n'))
         throw failure(u"the line is cut short"_s);
     line.chop(line.endsWith("\r\n") ? 2 : 1);
@@ -185,7 +185,7 @@ Recording::Recording(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw failure(u"cannot read %1: %2"_s.arg(path, file.errorString()));
-    QByteArray buffer(kLongestRecordingLine + 2, Qt::Uninitialized); // which leaves room for a NUL
+    QByteArray buffer(kLongestRecordingLine + 2, Qt::Uninitialized); // with room for a NUL
     qint64 number = 1;
     try {
         std::optional<QByteArray> line = nextLine(file, buffer);
@@ -268,7 +268,7 @@ bool RecordingWriter::writeLine(const QByteArray& line)
 {
     const qint64 size = m_file.size();
     const qint64 written = m_file.write(line);
-    // Only when nothing more can be written the system says why.
+    // The system gives a reason only when nothing more can be written.
     if (written == line.size())
         return true;
     const QByteArray rest = line.mid(static_cast<qsizetype>(written));

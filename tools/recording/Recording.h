@@ -1,4 +1,4 @@
-// Recordings of messages: the line that stands for one, reading them, and writing them as they come.
+// Recordings of messages: format, reader and writer.
 #pragma once
 
 #include "platform/QCString.h"
@@ -19,35 +19,35 @@ namespace zyn::tool {
 /// The first line of a recording, without its end.
 QByteArray recordingHeader();
 
-/// A failure when @p line is no header, or that of a version that cannot be read.
+/// Throws a failure if @p line is not a header, or that of an unsupported version.
 void checkRecordingHeader(const QByteArray& line);
 
-/// Whether @p line, which is not the first, holds no message. A failure when it is a header of another version.
+/// Whether @p line, after the first, contains no message. Throws a failure for the header of another version.
 bool isRecordingComment(const QByteArray& line);
 
-/// The longest line that a reader takes, its end included: any message that a channel takes fits.
+/// The longest line accepted, with its end: any message of a channel fits.
 inline constexpr qsizetype kLongestRecordingLine = qsizetype{64} * 1024 * 1024;
 
-/// @p message as a line, with its end; its time is kept to the millisecond.
+/// @p message as a line with its end; its time has milliseconds.
 QByteArray recordingLine(const ReceivedMessage& message);
 
-/// The message of @p line, which has no end; the time is UTC. A failure that tells what is wrong.
+/// The message in @p line, which has no end; its time is UTC. Throws a failure if the line is invalid.
 ReceivedMessage messageFromLine(const QByteArray& line);
 
-/// A recording, read and checked whole.
+/// A recording, fully read and checked.
 class Recording
 {
 public:
-    /// Reads the file @p path. A failure that names the file, and the line that is damaged, if any is.
+    /// Reads the file @p path. Throws a failure that names the file and, if damaged, the line.
     explicit Recording(const QString& path);
 
-    /// Leaves out what is not on one of @p channels, unless that is empty. A failure when one of them has no message.
+    /// Keeps only messages on @p channels, unless that is empty. Throws a failure if one of them has no message.
     void keepOnly(const QStringList& channels);
 
-    /// The channels that have messages.
+    /// The channels in the recording.
     QSet<QCString> channels() const;
 
-    /// In the order of their times, which are UTC.
+    /// Ordered by time, in UTC.
     const std::vector<ReceivedMessage>& messages() const { return m_messages; }
 
 private:
@@ -57,24 +57,24 @@ private:
     std::vector<ReceivedMessage> m_messages;
 };
 
-/// A recording that grows. Each message is in the file when write() returns; the file always ends in a whole line.
+/// Writes a recording. Each message is in the file when write() returns; the file always ends with a whole line.
 class RecordingWriter
 {
 public:
-    /// What is to become of a file that exists.
+    /// What to do with an existing file.
     enum class Existing {
         Refuse,
         Replace,
-        Append, ///< it must be a sound recording
+        Append, ///< continue it; it must be a valid recording
     };
 
-    /// Makes the file @p path, or opens it. A failure when it cannot.
+    /// Creates or opens the file @p path. Throws a failure.
     RecordingWriter(const QString& path, Existing existing);
 
-    /// Adds a message that has come now; false when it cannot be written.
+    /// Adds a message that has just arrived; false if it cannot be written.
     bool write(const QCString& channel, const QCString& name, const QByteArray& payload);
 
-    /// What went wrong, as one line.
+    /// The error as one line.
     QString errorText() const { return m_error; }
 
 private:
@@ -84,7 +84,7 @@ private:
 
     QFile m_file;
     QString m_error;
-    /// Someone may set the clock meanwhile; the pauses stay what they are.
+    /// The pauses stay right if the clock is set meanwhile.
     QDateTime m_start = QDateTime::currentDateTimeUtc();
     QElapsedTimer m_sinceStart;
 };

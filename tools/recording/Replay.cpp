@@ -1,4 +1,4 @@
-// Sends the messages of a recording with the pauses that they came with.
+// Sends the messages of a recording with their original pauses.
 #include "tools/recording/Replay.h"
 
 #include "platform/QCopChannel.h"
@@ -10,9 +10,9 @@
 namespace zyn::tool {
 namespace {
 
-/// Timers take no more than some weeks.
+/// Timers are limited to some weeks.
 constexpr qint64 kLongestWait = qint64{60} * 60 * 1000;
-/// The farthest that a message may be, in milliseconds: thousands of years.
+/// The latest due time, in milliseconds: thousands of years.
 constexpr double kFarthest = 1e15;
 
 } // namespace

@@ -1,4 +1,4 @@
-// Sends the messages of a recording with the pauses that they came with.
+// Sends the messages of a recording with their original pauses.
 #pragma once
 
 #include "tools/recording/Recording.h"
@@ -8,29 +8,29 @@
 
 namespace zyn::tool {
 
-/// Each message has its time after the first one, so that what one is late by does not delay the others.
+/// Each message is due relative to the first one, so delays do not add up.
 class Replay
 {
 public:
-    /// Speed at which there are no pauses.
+    /// The speed without pauses.
     static constexpr double kNoPauses = 0;
 
-    /// @p speed is how many times as fast the messages are sent as they came. @p recording must outlive it.
+    /// @p speed multiplies the original pace. @p recording must outlive this object.
     Replay(const Recording& recording, double speed);
 
-    /// Runs the event loop until all messages are sent, one cannot be, or something else ends the loop.
+    /// Runs the event loop until all messages are sent, one fails, or something else ends the loop.
     void run();
 
     qsizetype count() const { return qsizetype(m_messages.size()); }
     qsizetype sent() const { return qsizetype(m_next); }
     bool isDone() const { return m_next == m_messages.size(); }
-    /// Whether a message could not be sent to all who listen: the one after those sent.
+    /// Whether the message after those sent could not be sent to all listeners.
     bool isBroken() const { return m_isBroken; }
-    /// How many milliseconds are left until the last message is to be sent.
+    /// The milliseconds left until the last message is due.
     qint64 remaining() const;
 
 private:
-    /// When a message is to be sent, in milliseconds after the start.
+    /// When a message is due, in milliseconds after the start.
     qint64 dueTime(const ReceivedMessage& message) const;
     void waitForNext();
     void sendWhenDue();

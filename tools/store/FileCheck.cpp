@@ -1,4 +1,4 @@
-// Checks the files of a store, each by itself: record files, contacts' files, the favourites' file.
+// Checks single files of a store: record files, contact files, the file of favourites.
 #include "tools/store/FileCheck.h"
 
 #include "recentcall/utility/store/ActivityLogFile_p.h"
@@ -22,7 +22,7 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-/// What is wrong with the record in @p place of the file of @p list, seen alone.
+/// The faults of the record in @p place of the file of @p list by itself.
 QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T list)
 {
     QStringList problems;
@@ -35,7 +35,7 @@ QStringList recordProblems(const Call& record, int place, RC_CALL_CATEGORY_T lis
     return problems + flagProblems(record) + textProblems(record);
 }
 
-/// Looks at the slots one after the other.
+/// Checks the slots in order.
 class SlotCheck
 {
 public:
@@ -78,7 +78,7 @@ using Entry = PHONE_ENG_ActivityLog;
 
 constexpr std::string_view kDialedCharacters = "0123456789*#+";
 
-/// What is wrong with @p entry, in @p slot of the file @p name, seen alone.
+/// The faults of @p entry in @p slot of the file @p name by itself.
 QStringList entryProblems(const Entry& entry, int slot, const QString& name)
 {
     QStringList problems;
@@ -94,7 +94,7 @@ QStringList entryProblems(const Entry& entry, int slot, const QString& name)
     return problems;
 }
 
-/// Looks at the slots one after the other.
+/// Checks the slots in order.
 class EntryCheck
 {
 public:
@@ -125,7 +125,7 @@ private:
     const QString m_name;
     const Entry m_blank;
     Findings m_findings;
-    std::deque<Entry> m_entries; ///< entries that never move, as each copy writes trace text
+    std::deque<Entry> m_entries; ///< never moved, because each copy writes trace text
 };
 
 struct Favourite
@@ -139,7 +139,7 @@ constexpr Column<Favourite> kColumns[] = {
     {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
 };
 
-/// What is wrong with @p detail, in @p place, seen alone.
+/// The faults of @p detail in @p place by itself.
 QStringList placeProblems(const TopPalNumberDetail& detail, int place)
 {
     const bool isFree = detail.nthFileItem == TopPalNumberDetail::kFree;

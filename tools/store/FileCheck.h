@@ -1,4 +1,4 @@
-// Checks the files of a store, each by itself: record files, contacts' files, the favourites' file.
+// Checks single files of a store: record files, contact files, the file of favourites.
 #pragma once
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
@@ -16,17 +16,17 @@
 
 namespace zyn::tool {
 
-/// What the check of one file gives.
+/// The result of checking one file.
 struct FileReport
 {
-    QString kind;      ///< what the file is, for people
-    Findings findings; ///< none for a valid file
+    QString kind;      ///< the kind of file
+    Findings findings; ///< empty for a valid file
     Table usedSlots;
 
     bool isValid() const { return findings.empty(); }
 };
 
-/// How a kind of file is told from others, by its name or else by its bytes, and checked.
+/// How a kind of file is recognised, by name or else by contents, and checked.
 struct FileKind
 {
     bool (*isNamed)(const QString& name);
@@ -34,25 +34,25 @@ struct FileKind
     FileReport (*check)(const QString& name, const QByteArray& image);
 };
 
-/// No file of a store is longer, in bytes.
+/// No file of a store is larger, in bytes.
 inline constexpr qsizetype kStoreFileLimit = qsizetype{16} * 1024 * 1024;
 
-/// What a place in a file of records is called.
+/// The name of a place in a file of records.
 inline constexpr char kSlotWord[] = "slot";
 
-/// The read flags that have a meaning.
+/// The read flags that are defined.
 inline constexpr uint8_t kKnownReadFlags = PHONE_ENG_RecentCall::kRead | PHONE_ENG_RecentCall::kStrictRead;
 
-/// What is wrong with the header that @p image begins with; then its slots may be anything.
+/// Faults of the header at the beginning of @p image. With any, the slots may hold anything.
 QStringList headerProblems(const QByteArray& image);
 
-/// A size that is not the one that @p expected says, or nothing.
+/// The fault of a size other than @p expected, if any.
 QStringList sizeProblems(const QByteArray& image, qint64 expected);
 
-/// The flags of @p call, which is in use, that have no meaning.
+/// The undefined flags of @p call, which is in use.
 QStringList flagProblems(const PHONE_ENG_RecentCall& call);
 
-/// The texts of @p call that are not ended.
+/// The texts of @p call that lack their NUL.
 QStringList textProblems(const PHONE_ENG_RecentCall& call);
 
 inline bool isTerminated(std::span<const char> field)
@@ -62,7 +62,7 @@ inline bool isTerminated(std::span<const char> field)
 
 /// The name of the file of @p list.
 QString recordFile(RC_CALL_CATEGORY_T list);
-/// The list whose file has the name @p name; RC_CALL_CATEGORY_NONE for any other.
+/// The list of the file @p name; RC_CALL_CATEGORY_NONE for other files.
 RC_CALL_CATEGORY_T listOfFile(const QString& name);
 
 bool isRecordFileName(const QString& name);
@@ -71,23 +71,23 @@ bool isRecordFileImage(const QByteArray& image);
 /**
  * Checks header, size and every slot in use.
  *
- * The list that the calls must belong to is that of the file's name; a file of another name may hold any. The slots of
- * a file with a wrong header are not looked at, as they may be anything.
+ * The calls must belong to the list of the file's name; under another name they may be of any list. Under an invalid
+ * header the slots are not checked.
  */
 FileReport checkRecordFile(const QString& name, const QByteArray& image);
 
 inline constexpr FileKind kRecordFileKind{isRecordFileName, isRecordFileImage, checkRecordFile};
 
-/// Whether the name is one that a telephone number gives.
+/// Whether a telephone number can give a file this name.
 bool isContactFileName(const QString& name);
-/// Whether header and size fit, and most slots know their place: the size alone may be that of a record file.
+/// Whether header and size fit and most slots hold their own number, as a record file may have the same size.
 bool isContactFileImage(const QByteArray& image);
 
 /**
  * Checks header, size and every slot.
  *
- * The size must be that of as many slots as the settings of this handset say, else the library takes the file for
- * missing. The entries' number must be the file's name, where that is a number.
+ * The file must have as many slots as the settings say, otherwise the library treats it as missing. The entries' number
+ * must be the file's name, if that is a number.
  */
 FileReport checkContactFile(const QString& name, const QByteArray& image);
 

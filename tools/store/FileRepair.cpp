@@ -1,4 +1,4 @@
-// Makes sound files out of damaged ones: lists of calls, contacts' files, the favourites' file.
+// Repairs single files of a store: lists of calls, contact files, the file of favourites.
 #include "tools/store/FileRepair.h"
 
 #include "recentcall/utility/store/ActivityLogFile_p.h"
@@ -34,7 +34,7 @@ Call callOf(const QByteArray& record)
 
 using Images = std::map<QString, QByteArray>;
 
-/// The calls of all lists, in the order of these and of their slots.
+/// The calls of all lists, by list and slot.
 std::vector<Call> callsIn(const Images& images)
 {
     std::vector<Call> calls;
@@ -48,7 +48,7 @@ std::vector<Call> callsIn(const Images& images)
     return calls;
 }
 
-/// How many of @p calls have the uid of one before.
+/// The number of @p calls that repeat an earlier uid.
 int32_t countEqual(const std::vector<Call>& calls)
 {
     QSet<int32_t> uids;
@@ -57,7 +57,7 @@ int32_t countEqual(const std::vector<Call>& calls)
     return static_cast<int32_t>(qsizetype(calls.size()) - uids.size());
 }
 
-/// Puts @p call, whose uid was @p old, into its place in @p images, and tells why.
+/// Writes @p call, whose uid was @p old, to @p images, and logs it.
 void put(const Call& call, int32_t old, const QString& why, Images& images, Findings& log)
 {
     const QString name = recordFile(call.category);
@@ -67,7 +67,7 @@ void put(const Call& call, int32_t old, const QString& why, Images& images, Find
 
 using Entry = PHONE_ENG_ActivityLog;
 
-/// Makes @p entry that of @p record. Not by value: to copy an entry prints.
+/// Copies @p record to @p entry, by reference: copying an entry writes trace text.
 void read(Entry& entry, const QByteArray& record)
 {
     std::memcpy(static_cast<void*>(&entry), record.constData(), sizeof entry);
@@ -136,7 +136,7 @@ void SlotRepair::dropOldest(std::vector<Placed>& records)
 QByteArray SlotRepair::arrange(std::vector<Placed>& records)
 {
     std::vector<QByteArray> slots(static_cast<size_t>(m_slots));
-    // Who has a slot of his own goes first.
+    // Records with their own slot come first.
     std::ranges::stable_sort(records, {}, [this](const Placed& placed) { return placed.slot >= m_slots; });
     for (auto& [from, record] : records) {
         const auto free = std::ranges::find_if(slots, [](const QByteArray& slot) { return slot.isEmpty(); });
@@ -359,7 +359,7 @@ void FavouritesRepair::keep(const Detail& found, int place, bool isTrusted)
     const QString number = numberOf(detail);
     if (detail.nthFileItem == Detail::kFree && number.isEmpty())
         return;
-    // A header that is wrong says that the rest may be anything.
+    // Under an invalid header the rest may be anything.
     const bool isLikely = detail.nthFileItem == place || (isTrusted && detail.nthFileItem != Detail::kFree);
     if (!(isLikely || hasFile(number)) || !canNameContactFile(number) || isTaken(number)) {
         report(place, u"made free, of the number '%1'"_s.arg(number));

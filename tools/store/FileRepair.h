@@ -1,4 +1,4 @@
-// Makes sound files out of damaged ones: lists of calls, contacts' files, the favourites' file.
+// Repairs single files of a store: lists of calls, contact files, the file of favourites.
 #pragma once
 
 #include "handset/favourites/ActivityLog.h"
@@ -19,35 +19,35 @@
 namespace zyn::tool {
 
 /**
- * Takes the records in use over into a fresh file of as many slots as it must have, each in its slot or, where the file
- * has no such slot, in the lowest free one. When there are too many, the oldest do not fit. Each change is told.
+ * Copies the records in use to a new file of the required number of slots, each to its slot or, if there is none, to
+ * the lowest free one. If they do not fit, the oldest are dropped. Each change is logged.
  */
 class SlotRepair
 {
 public:
     virtual ~SlotRepair() = default;
 
-    /// What the file must hold in place of @p image.
+    /// The repaired contents for @p image.
     QByteArray repaired(const QByteArray& image);
-    /// How many records in use the last repaired() found.
+    /// The number of records in use found by the last repaired().
     int recordCount() const { return m_recordCount; }
 
 protected:
-    /// For the file @p name, of which a free slot holds @p blank.
+    /// For the file @p name, with @p blank in free slots.
     SlotRepair(QString name, QByteArray blank, Findings& log);
 
-    /// How many slots the file that holds @p image gets, in which @p records records were found.
+    /// The number of slots for the file @p image, in which @p records records were found.
     virtual int slotsFor(const QByteArray& image, int records) const = 0;
-    /// Whether @p record, of @p slot of a file whose header says nothing, is likely to be one.
+    /// Whether @p record in @p slot of a file with an invalid header is likely to be a record.
     virtual bool isLikely(const QByteArray& record, int slot) const = 0;
     /// Whether @p record is newer than @p other.
     virtual bool isNewer(const QByteArray& record, const QByteArray& other) const = 0;
-    /// Puts right what is wrong with @p record, which comes from slot @p from and goes to slot @p to.
+    /// Repairs @p record, which moves from slot @p from to slot @p to.
     virtual void correct(QByteArray& record, int from, int to) = 0;
 
-    /// Tells what was done to the record in @p slot.
+    /// Logs a change of the record in @p slot.
     void report(int slot, const QString& text);
-    /// Puts right and tells what any call in use has, whatever kind of record it is part of.
+    /// Repairs and logs the faults that a call in use can have in any kind of file.
     void correctCall(PHONE_ENG_RecentCall& call, int slot);
     /// Ends @p field with a NUL if it has none.
     void endText(std::span<char> field, int slot, const QString& what);
@@ -73,8 +73,8 @@ private:
     int m_recordCount = 0;
 };
 
-/// One list's file. A record of a damaged file is taken for one when two of these hold: its flag says that it is in
-/// use, it names its slot, it names its list.
+/// One list's file. Under an invalid header a record counts if two of these hold: its flag says in use, it holds its
+/// slot number, it holds its list.
 class CallsRepair : public SlotRepair
 {
 public:
@@ -90,13 +90,13 @@ private:
     const RC_CALL_CATEGORY_T m_list;
 };
 
-/// Gives each call of the sound record files @p images, by their names, a uid of its own: all but the first of several
-/// get one above all others, so that they count as newer. When no uid is left above, calls get lower ones first. The
-/// result are those with another uid.
+/// Gives each call of the valid record files @p images, by name, a unique uid: of several calls with one uid, all but
+/// the first get a uid above all others, so that they count as newer. If there are not enough, all calls get lower ones
+/// first. Returns the calls whose uid has changed.
 RenumberedCalls renumberCalls(std::map<QString, QByteArray>& images, Findings& log);
 
-/// A record of a damaged file is taken for one when two of these hold: its flag says that it is in use, it names its
-/// slot, it has the file's number. The settings, which may have changed, cost no record its slot.
+/// Under an invalid header a record counts if two of these hold: its flag says in use, it holds its slot number, it has
+/// the file's number. Changed settings cost no record its slot.
 class ContactRepair : public SlotRepair
 {
 public:
@@ -112,19 +112,18 @@ private:
     const handset::AgeOrder m_isOlder;
 };
 
-/// Gives the entries that were made of @p calls, in the sound @p image of the file @p name, the uids of these.
+/// Updates the entries made from @p calls to their new uids, in the valid @p image of the file @p name.
 void renumberEntries(QByteArray& image, const QString& name, const RenumberedCalls& calls, Findings& log);
 
-/// The places that a damaged file tells, but for those whose number is missing, twice there or can name no file: they
-/// become free. A number that has a file in the store is a favourite's, whatever else its place says. Each change is
-/// told.
+/// The places of a damaged file, except that those with a missing, duplicate or invalid number become free. A number
+/// with a file in the store is a favourite's, whatever else its place says. Each change is logged.
 class FavouritesRepair
 {
 public:
-    /// Five free places when @p files have no file of the favourites.
+    /// Five free places if @p files have no file of favourites.
     FavouritesRepair(const StoreFiles& files, Findings& log);
 
-    /// Gives @p number the lowest free place; false when none is free or a place does not hold the number.
+    /// Assigns @p number to the lowest free place; false if none is free or the number does not fit.
     bool add(const QString& number);
 
     QByteArray image() const;

@@ -1,4 +1,4 @@
-// Checks all files of a store directory, each for itself and with the others.
+// Checks all files of a store, each by itself and against the others.
 #include "tools/store/StoreCheck.h"
 
 #include "handset/favourites/ActivityLog.h"
@@ -29,7 +29,7 @@ QStringList seenCallsProblems(const QByteArray& image)
     return problems;
 }
 
-/// Whether @p process cannot be running; as a number from a file it may be anything.
+/// Whether @p process cannot be running; a number from a file may be anything.
 bool isGone(qint64 process)
 {
     const auto id = static_cast<pid_t>(process);
@@ -91,10 +91,10 @@ private:
         m_findings.add(checkContactFile(name, image).findings);
     }
 
-    /// Finds the uids that more than one list has.
+    /// Finds uids that are in more than one list.
     void compareLists()
     {
-        QHash<int32_t, QString> owners; // the file and slot of the first
+        QHash<int32_t, QString> owners; // file and slot of the first
         for (const RC_CALL_CATEGORY_T list : kRecordLists) {
             const QString name = recordFile(list);
             const QByteArray image = m_files.image(name);

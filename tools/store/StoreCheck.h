@@ -1,4 +1,4 @@
-// Checks all files of a store directory, each for itself and with the others.
+// Checks all files of a store, each by itself and against the others.
 #pragma once
 
 #include "tools/store/StoreFiles.h"
@@ -7,21 +7,21 @@
 namespace zyn::tool {
 
 /**
- * What is wrong with @p files, by file.
+ * The faults of @p files, by file.
  *
- * Beside what the checks of single files find: uids that two lists have, favourites that have no file or can have none,
- * files of numbers that are no favourite's, files of a process that is gone, and files that are none of a store. A file
- * that is missing but for those of favourites is nothing wrong: it is made when it is needed.
+ * Beyond the checks of single files: uids in two lists, favourites without a file or whose number cannot name one,
+ * files of numbers that are not favourites, files of a dead process, and files that do not belong in a store. A missing
+ * file is no fault unless it is a favourite's: it is created on demand.
  */
 Findings checkStore(const StoreFiles& files);
 
-/// The copies of contact files among @p files, which are nothing wrong.
+/// The copies of contact files among @p files, which are no fault.
 Findings formerFiles(const StoreFiles& files);
 
-/// Whether the process that made the file @p name, to rename it when it is whole, is gone.
+/// Whether the process that was writing the temporary file @p name is dead.
 bool isLeftover(const QString& name);
 
-/// Why the lock file @p path, a regular file, can be nobody's any more; empty when it may be held.
+/// Why nobody can hold the lock file @p path, a regular file; empty if somebody may.
 QString lockProblem(const QString& path);
 
 } // namespace zyn::tool

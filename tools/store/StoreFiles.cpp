@@ -1,4 +1,4 @@
-// The files of a store directory: read, and copied to be kept.
+// Reads the files of a store, and backs them up.
 #include "tools/store/StoreFiles.h"
 
 #include "platform/posix/File_p.h"
@@ -23,8 +23,8 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Copies one file; why it could not, or nothing. What is no regular file, or lies behind a link of another user, is no
-/// file of the store.
+/// Copies one file; returns the reason on failure. Only regular files that are not behind another user's link belong to
+/// the store.
 QString copyFile(const QString& from, const QString& to)
 {
     const posix::UniqueFd fd = posix::openTrusted(QFile::encodeName(from));
@@ -104,7 +104,7 @@ bool isAmong(const std::map<int, QString>& favourites, const QString& number)
 QString copyStore(const StoreFiles& files)
 {
     QString path = files.directory() + QDateTime::currentDateTime().toString(u".yyyyMMdd-HHmmss"_s);
-    // Another repair may have been in the same second.
+    // Another repair may have run in the same second.
     if (QFileInfo::exists(path))
         path += QDateTime::currentDateTime().toString(u"zzz"_s);
     if (!QDir().mkdir(path, QFileInfo(files.directory()).permissions()))

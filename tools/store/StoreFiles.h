@@ -1,4 +1,4 @@
-// The files of a store directory: read, and copied to be kept.
+// Reads the files of a store, and backs them up.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -9,24 +9,23 @@
 
 namespace zyn::tool {
 
-/// What a file is in the store, as its name tells.
+/// The role of a file, by its name.
 enum class StoreRole { Calls, Favourites, Contact, SeenCalls, Lock, Leftover, Former, Stranger };
 
 class StoreFiles
 {
 public:
-    /// What each file holds, by its name; nothing for what is no regular file, is too long or cannot be read.
+    /// The contents of each file, by name; unset if it is not a regular file, too large or unreadable.
     using Images = std::map<QString, std::optional<QByteArray>>;
 
-    /// Reads all files of @p directory. Throws when it is no store directory: that has the file of a list of calls or
-    /// that of the favourites.
+    /// Reads all files of @p directory. Throws if it is not a store, which has a record file or the file of favourites.
     explicit StoreFiles(const QString& directory);
 
     /// Its absolute path.
     const QString& directory() const { return m_directory; }
     QString path(const QString& name) const;
     const Images& images() const { return m_images; }
-    /// What the file @p name holds; empty when there is none that can be read.
+    /// The contents of the file @p name; empty if it cannot be read.
     QByteArray image(const QString& name) const;
 
 private:
@@ -34,17 +33,17 @@ private:
     Images m_images;
 };
 
-/// The numbers in the taken places, 0 to 4, of the favourites' file @p image. None when its header is wrong.
+/// The numbers in the places 0 to 4 of the file of favourites @p image; none under an invalid header.
 std::map<int, QString> favouritesIn(const QByteArray& image);
 
-/// The role of the file @p name among the files of @p favourites.
+/// The role of the file @p name, given the @p favourites.
 StoreRole roleOf(const QString& name, const std::map<int, QString>& favourites);
 
 /// Whether @p number is one of @p favourites.
 bool isAmong(const std::map<int, QString>& favourites, const QString& number);
 
-/// Copies the regular files of @p files, but for the lock, into a new directory beside theirs, whose path is the
-/// result: the name with the local time behind it. Throws, and leaves no copy, when one of them cannot be copied.
+/// Copies the regular files of @p files, except the lock, to a new directory beside theirs, named with the local time.
+/// Returns its path. Throws, and leaves no copy, if a file cannot be copied.
 QString copyStore(const StoreFiles& files);
 
 } // namespace zyn::tool

@@ -1,4 +1,4 @@
-// What makes a damaged store sound again.
+// Repairs a damaged store.
 #include "tools/store/StoreRepair.h"
 
 #include "handset/favourites/ActivityLog.h"
@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// The marks that @p image holds whole, behind a header.
+/// The complete marks in @p image, behind its header.
 QByteArray repairedSeenCalls(const QByteArray& image)
 {
     const QByteArray marks = image.mid(qsizetype{sizeof(StoreFileHeader)});
@@ -28,7 +28,7 @@ QByteArray repairedSeenCalls(const QByteArray& image)
            + marks.chopped(marks.size() % qsizetype{sizeof(handset::SeenCalls::Mark)});
 }
 
-/// The marks of those of @p calls that the sound @p image has under their old uids.
+/// The marks of those @p calls that the valid @p image contains under their old uids.
 QByteArray newMarks(const QByteArray& image, const RenumberedCalls& calls)
 {
     QByteArray marks;
@@ -59,7 +59,7 @@ void StoreRepair::apply() const
         replaceFile(m_files.path(name), image);
     for (const QString& name : m_removed) {
         const QString path = m_files.path(name);
-        // Who writes a file removes what was left over of it.
+        // Writing a file removes its leftovers.
         if (!posix::removeFile(QFile::encodeName(path)) && errno != ENOENT)
             throw failure(u"cannot remove %1: %2"_s.arg(path, qt_error_string(errno)));
     }

@@ -1,4 +1,4 @@
-// What makes a damaged store sound again.
+// Repairs a damaged store.
 #pragma once
 
 #include "tools/store/FileRepair.h"
@@ -12,25 +12,24 @@
 namespace zyn::tool {
 
 /**
- * The repair of a store directory, worked out before anything is changed.
+ * The repair of a store, planned before anything is changed.
  *
- * Record files, the favourites' file and their contact files get their size, header and blank slots, and records that
- * say where they are; calls with the uid of another get one above all others. A contact file keeps the slots that it
- * has beyond those of the settings, and stays as it is when these say that it has none. One that is no favourite's gets
- * a free place when it has entries, and is removed when it has none. A favourite without a file gets one. Files that a
- * dead process left are removed. What is no file of a store, or cannot be read, stays, and so does a contact file for
- * which no place is free.
+ * Record files, the file of favourites and contact files get their size, header and blank slots, and records with their
+ * own slot numbers. Duplicate uids are replaced by new ones. A contact file keeps slots beyond the settings' number,
+ * and is left alone if that is 0. A contact file without a favourite gets a free place if it has entries, otherwise it
+ * is removed. A favourite without a file gets one. Files left by a dead process are removed. Other files stay, as do
+ * unreadable ones and contact files for which no place is free.
  */
 class StoreRepair
 {
 public:
     explicit StoreRepair(const StoreFiles& files);
 
-    /// What is done, in this order.
+    /// What is done, in order.
     const Findings& log() const { return m_log; }
     bool isNeeded() const { return !m_changed.empty() || !m_removed.isEmpty(); }
 
-    /// Changes the files, each whole or not at all. Throws at the first that cannot be changed.
+    /// Changes the files, each atomically. Throws at the first failure.
     void apply() const;
 
 private:
@@ -41,7 +40,7 @@ private:
     void repairContact(const QString& name, FavouritesRepair& favourites, bool isRegistered);
     void addMissingContacts(const QByteArray& details);
     void repairRest();
-    /// Notes that the file @p name is to hold @p image, unless it does.
+    /// Plans to write @p image to the file @p name if it differs.
     void change(const QString& name, const QByteArray& image);
     void remove(const QString& name, const QString& why);
 

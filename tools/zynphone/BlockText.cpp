@@ -1,4 +1,4 @@
-// Bytes as the tool writes and reads them: hexadecimal digits, and blocks of a fixed size.
+// Bytes as text: hexadecimal digits, and blocks of a fixed size.
 #include "tools/zynphone/BlockText.h"
 
 #include "tools/zynphone/Text.h"

@@ -1,4 +1,4 @@
-// Bytes as the tool writes and reads them: hexadecimal digits, and blocks of a fixed size.
+// Bytes as text: hexadecimal digits, and blocks of a fixed size.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -9,7 +9,7 @@ namespace zyn::tool {
 /// @p bytes in hexadecimal digits.
 QString hexText(const QByteArray& bytes);
 
-/// The bytes that @p digits stand for; a usage error when they are none.
+/// The bytes of the hexadecimal @p digits; a usage error if they are invalid.
 QByteArray bytesFromHex(const QString& digits);
 
 /// @{ A block as "hex:" and the digits of its bytes.
@@ -17,11 +17,11 @@ bool isHexBlock(const QString& text);
 QString hexBlock(const QByteArray& block);
 /// @}
 
-/// The text that @p block holds when that is graphic ASCII followed by nothing but NULs, else "hex:" and digits.
+/// The text in @p block if it is graphic ASCII padded with NULs, otherwise "hex:" and digits.
 QString blockText(const QByteArray& block);
 
-/// The block of @p size bytes that @p text, of @p what, stands for, as blockText() writes it; what follows a text is
-/// NULs. A usage error when it is none.
+/// The block of @p size bytes that @p text describes, in the format of blockText(), padded with NULs. A usage error,
+/// which names @p what, if it is invalid.
 QByteArray blockFrom(const QString& text, const QString& what, qsizetype size);
 
 } // namespace zyn::tool

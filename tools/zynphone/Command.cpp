@@ -1,4 +1,4 @@
-// The verbs of the tool: what a row of the verb table holds, and how it is found and run.
+// The verbs of the tool: the rows of the verb table, and how they are found and run.
 #include "tools/zynphone/Command.h"
 
 #include "handset/common/Text.h"
@@ -50,7 +50,7 @@ QString section(const QString& title, const QList<QStringList>& rows)
     return rows.isEmpty() ? QString() : u'\n' + title + u":\n"_s + alignedLines(rows);
 }
 
-/// The help of @p command, whose name with that of its groups is @p path.
+/// The help of @p command, whose full name is @p path.
 QString helpText(const Command& command, const QString& path)
 {
     QList<QStringList> verbs;
@@ -66,7 +66,7 @@ QString helpText(const Command& command, const QString& path)
            + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
 }
 
-/// Marks a negative number, which the parser would take for options. No word of a command line holds this character.
+/// Marks negative numbers, which the parser would read as options. Command lines do not contain this character.
 constexpr QChar kNumberMark(QChar::Null);
 
 QStringList marked(QStringList words)
@@ -149,7 +149,7 @@ ExitCode runInvocation(const Command& command, const QString& path, const Invoca
 Invocation::Invocation(const Command& command, const QStringList& words)
 {
     m_parser.addOptions(command.options + commonOptions());
-    // The options behind a group's verb are that verb's.
+    // Options behind a group's verb belong to that verb.
     if (!command.run)
         m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     if (!m_parser.parse(QStringList{command.name} + marked(words)))

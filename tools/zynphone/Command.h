@@ -1,4 +1,4 @@
-// The verbs of the tool: what a row of the verb table holds, and how it is found and run.
+// The verbs of the tool: the rows of the verb table, and how they are found and run.
 #pragma once
 
 #include "tools/zynphone/ExitCode.h"
@@ -25,7 +25,7 @@ struct Command;
 
 class Console;
 
-/// What a verb takes besides its options.
+/// An argument of a verb.
 struct Argument
 {
     enum Count {
@@ -35,22 +35,22 @@ struct Argument
         Any,  ///< none or more; the last of a verb's arguments
     };
 
-    QString name; ///< as help and errors write it
+    QString name; ///< as in help and errors
     QString meaning;
     Count count = One;
 
     bool isRepeatable() const { return count == Many || count == Any; }
 };
 
-/// The words given to a verb, told apart into arguments and options.
+/// The words given to a verb, split into arguments and options.
 class Invocation
 {
 public:
-    /// Throws when @p words hold an option that @p command does not have, or miss an option's value.
+    /// Throws if @p words contain an unknown option, or lack an option's value.
     Invocation(const Command& command, const QStringList& words);
 
     QStringList arguments() const;
-    /// The argument at @p index; null when it was not given.
+    /// The argument at @p index; null if it was not given.
     QString argument(qsizetype index) const { return arguments().value(index); }
     bool isSet(const QString& option) const { return m_parser.isSet(option); }
     QString value(const QString& option) const;
@@ -61,8 +61,8 @@ private:
     QCommandLineParser m_parser;
 };
 
-/// One verb: a group of further verbs, or one that runs, or both: then its first word may name a further verb. Every
-/// level of help is made from these rows.
+/// A verb: a group of verbs, a command that runs, or both, in which case the first word may name a verb of the group.
+/// All levels of help are made from these rows.
 struct Command
 {
     QString name;
@@ -71,7 +71,7 @@ struct Command
     std::vector<Command> verbs = {};
     std::vector<Argument> arguments = {};
     QList<QCommandLineOption> options = {};
-    /// What an argument or an option's value may be, by its name as help writes it, where that is fixed.
+    /// Fixed words for arguments and option values, by their names in the help.
     QMap<QString, QStringList> words = {};
     ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a mere group
 };
@@ -84,22 +84,22 @@ QCommandLineOption valueOption(const QString& name, const QString& valueName, co
 /// The option of every listing.
 QCommandLineOption jsonOption();
 
-/// The whole number that @p option sets, or @p byDefault when it is not set.
+/// The whole number given by @p option, or @p byDefault.
 int numberFrom(const Invocation& invocation, const QString& option, int byDefault,
                int lowest = std::numeric_limits<int>::min(), int highest = std::numeric_limits<int>::max());
 
-/// The whole number from 1 to @p highest that @p option sets; nothing when it is not set.
+/// The whole number from 1 to @p highest given by @p option, if any.
 std::optional<int> limitFrom(const Invocation& invocation, const QString& option,
                              int highest = std::numeric_limits<int>::max());
 
-/// Runs what @p words ask of @p command, whose name with that of its groups is @p path. Tells errors on the console.
+/// Runs the verb that @p words select below @p command, whose full name is @p path. Reports errors on the console.
 ExitCode runCommand(const Command& command, const QString& path, const QStringList& words, Console& console);
 
-/// The whole number that @p text stands for; a usage error that names @p what when it is none or out of range.
+/// @p text as a whole number in this range. A usage error, which names @p what, if it is not one.
 int wholeNumber(const QString& text, const QString& what, int lowest = std::numeric_limits<int>::min(),
                 int highest = std::numeric_limits<int>::max());
 
-/// How many seconds the event loop may run, as the option says.
+/// A limit on the event loop's run time, from an option in seconds.
 class TimeLimit
 {
 public:
@@ -108,14 +108,14 @@ public:
         return valueOption(u"for"_s, u"SECONDS"_s, text);
     }
 
-    /// @param option  the one that sets it, if not option()
+    /// @param option  the option, if not option()
     explicit TimeLimit(const Invocation& invocation, const QString& option = u"for"_s)
         : m_seconds(limitFrom(invocation, option, kMaxSeconds))
     {}
 
     bool isSet() const { return m_seconds.has_value(); }
 
-    /// From now on the time runs; nothing ends when none is set.
+    /// Starts the timer, if a limit is set.
     void start() const
     {
         if (m_seconds)
@@ -123,7 +123,7 @@ public:
     }
 
 private:
-    /// The longest time that a timer takes.
+    /// The maximum of QTimer.
     static constexpr int kMaxSeconds = std::numeric_limits<int>::max() / 1000;
 
     std::optional<int> m_seconds;

@@ -1,4 +1,4 @@
-// What a command line may go on with.
+// Shell completion.
 #include "tools/zynphone/Completion.h"
 
 #include "tools/zynphone/Command.h"
@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Follows the words in front of the one to complete.
+/// Follows the words before the one to complete.
 class Cursor
 {
 public:
@@ -39,7 +39,7 @@ private:
     static bool isOption(const QString& word) { return word.startsWith(u'-'); }
     QList<QCommandLineOption> allOptions() const { return m_command->options + commonOptions(); }
 
-    /// What the value of the option @p word is called; null when it takes none.
+    /// The name of the value of the option @p word; null if it takes none.
     QString valueName(const QString& word) const
     {
         const QString name = word.mid(word.startsWith("--"_L1) ? 2 : 1);
@@ -67,7 +67,7 @@ private:
         return names;
     }
 
-    /// Verbs, and what the argument may be whose turn it is.
+    /// Verbs, and the fixed words of the next argument.
     QStringList argumentWords() const
     {
         QStringList words;
@@ -85,14 +85,14 @@ private:
 
     const Command* m_command;
     size_t m_arguments = 0;
-    QString m_valueName; ///< of the option whose value comes next
+    QString m_valueName; ///< set if the next word is an option's value
 };
 
 } // namespace
 
 QString completions(const Command& tool, const QStringList& words)
 {
-    // The shell takes the sign between an option and its value for a word of its own.
+    // The shell splits "--option=value" at the sign.
     QStringList before = words;
     QString beginning = before.isEmpty() ? QString() : before.takeLast();
     before.removeAll(u"="_s);

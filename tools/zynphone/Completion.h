@@ -1,4 +1,4 @@
-// What a command line may go on with.
+// Shell completion.
 #pragma once
 
 #include <QtCore/QString>
@@ -8,10 +8,10 @@ namespace zyn::tool {
 
 struct Command;
 
-/// The verb that the shell asks, with the words of a command line behind it; no help shows it.
+/// The hidden verb that the shell calls with the words of a command line.
 inline constexpr QLatin1String kCompleteVerb("__complete");
 
-/// What the last of @p words, which stand behind the name of @p tool, may become, a line each: verbs, options and fixed
+/// The completions of the last of @p words, which follow the name of @p tool, one per line: verbs, options and fixed
 /// words.
 QString completions(const Command& tool, const QStringList& words);
 

@@ -1,4 +1,4 @@
-// The tool's own output, kept apart from what the library traces: lines, progress, and files.
+// The tool's own output, apart from the library's trace text: lines, progress, and files.
 #include "tools/zynphone/Console.h"
 
 #include "platform/posix/StagedFile_p.h"
@@ -23,7 +23,7 @@ namespace {
 constexpr auto kBeforeFirst = 1s;
 constexpr auto kBetween = 200ms;
 
-/// Goes to the line's beginning and clears it.
+/// Moves to the beginning of the line and clears it.
 constexpr char kStartAfresh[] = "\r\033[K";
 
 void writeToTerminal(const QByteArray& bytes)
@@ -42,7 +42,7 @@ void requireDone(bool isDone, const QString& path, const QString& why)
 
 void Console::write(const QJsonDocument& document)
 {
-    // JSON allows all characters from 127 on as they are.
+    // JSON does not escape the characters from 127 on.
     write(jsonEscaped(QString::fromUtf8(document.toJson(QJsonDocument::Compact))) + u'\n');
 }
 
@@ -76,7 +76,7 @@ void Progress::show()
 
 void writeFile(const QString& path, const QByteArray& contents)
 {
-    // A new file must not take the place of a device or a pipe.
+    // A rename would replace a device or a pipe by a file.
     const QFileInfo place(path);
     if (place.exists() && !place.isFile()) {
         QFile file(path);

@@ -1,4 +1,4 @@
-// The tool's own output, kept apart from what the library traces: lines, progress, and files.
+// The tool's own output, apart from the library's trace text: lines, progress, and files.
 #pragma once
 
 #include "handset/common/Output.h"
@@ -23,13 +23,13 @@ class Console : public handset::Output
 {
 public:
     using Output::write;
-    /// Writes @p document on one line; only printable characters come out.
+    /// Writes @p document as one line of printable characters.
     void write(const QJsonDocument& document);
-    /// Writes one line to standard error, apart from trace text that may stand there without a line end.
+    /// Writes one line to standard error, separated from trace text without a line end.
     void writeError(const QString& line);
 };
 
-/// The number by which a terminal knows the colour of a text.
+/// Terminal colours, by their escape codes.
 enum class Colour { Red = 31, Green = 32, Yellow = 33 };
 
 inline QString coloured(const QString& text, Colour colour)
@@ -37,12 +37,12 @@ inline QString coloured(const QString& text, Colour colour)
     return u"\033[%1m%2\033[0m"_s.arg(QString::number(static_cast<int>(colour)), text);
 }
 
-/// While it lives and the event loop runs, a line on standard error that is written over and over; only on a terminal,
-/// and only once a second has passed.
+/// Rewrites a progress line on standard error while it lives and the event loop runs; only on a terminal, and only
+/// after the first second.
 class Progress
 {
 public:
-    /// @p text gives what the line says, printable characters only.
+    /// @p text returns the line, printable characters only.
     explicit Progress(std::function<QString()> text);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -56,11 +56,11 @@ private:
     bool m_isShown = false;
 };
 
-/// Makes @p contents what the file @p path holds, whole or not at all; it keeps owner and permissions. A device or a
-/// pipe is written to. A failure that names the file when it cannot.
+/// Replaces the contents of the file @p path atomically, and keeps its owner and permissions. Devices and pipes are
+/// written to. Throws a failure that names the file.
 void writeFile(const QString& path, const QByteArray& contents);
 
-/// The same of what must be a regular file or missing.
+/// The same, but only for a regular or missing file.
 void replaceFile(const QString& path, const QByteArray& contents);
 
 } // namespace zyn::tool

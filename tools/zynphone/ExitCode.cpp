@@ -1,5 +1,4 @@
-// How the tool ends: its exit codes, the error that a verb ends with, and what a service that does not answer makes of
-// it.
+// How the tool ends: exit codes, errors of verbs, and the diagnosis of a service that does not answer.
 #include "tools/zynphone/ExitCode.h"
 
 #include "platform/posix/UnixSocket_p.h"

@@ -1,5 +1,4 @@
-// How the tool ends: its exit codes, the error that a verb ends with, and what a service that does not answer makes of
-// it.
+// How the tool ends: exit codes, errors of verbs, and the diagnosis of a service that does not answer.
 #pragma once
 
 #include <QtCore/QString>
@@ -10,14 +9,14 @@ namespace zyn::tool {
 
 enum ExitCode : int {
     Done = 0,
-    Failed = 1,        ///< the handset, a service or a file did not do what was asked, or is not sound
-    Usage = 2,         ///< the command line asks for something that does not exist
+    Failed = 1,        ///< the handset, a service or a file failed, or a check found a fault
+    Usage = 2,         ///< the command line is invalid
     NothingPicked = 3, ///< the user was asked and picked nothing
-    NoStore = 4,       ///< the directory is none of a store
-    Interrupted = 130, ///< a signal ended it before its work was done
+    NoStore = 4,       ///< the directory is not a store
+    Interrupted = 130, ///< ended by a signal before the work was done
 };
 
-/// Thrown by a verb that cannot go on. The message is one line without the verb's name and without a full stop.
+/// Thrown by a verb that fails. The message is one line, without the verb's name and a full stop.
 class CommandError
 {
 public:
@@ -44,11 +43,10 @@ inline CommandError usageError(QString message)
     return CommandError(Usage, std::move(message));
 }
 
-/// Why a request to @p service, which listens at @p path, failed: found out by a connection to it, since the library's
-/// results do not tell.
+/// Why a request to @p service at @p path failed. The library's results do not tell, so this connects again.
 CommandError serviceError(const QString& service, const QString& path);
 
-/// The same of a request to the recent-call service.
+/// The same for the recent-call service.
 CommandError recentCallServiceError();
 
 } // namespace zyn::tool

@@ -1,4 +1,4 @@
-// What a look at files or at the desk finds: for inspect, its --verify and --repair, and doctor.
+// What a check of files or of the environment finds: for inspect, its --verify and --repair, and doctor.
 #include "tools/zynphone/Finding.h"
 
 #include "tools/zynphone/Console.h"

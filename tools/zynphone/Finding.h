@@ -1,4 +1,4 @@
-// What a look at files or at the desk finds: for inspect, its --verify and --repair, and doctor.
+// What a check of files or of the environment finds: for inspect, its --verify and --repair, and doctor.
 #pragma once
 
 #include <QtCore/QJsonArray>
@@ -13,26 +13,26 @@ namespace zyn::tool {
 
 enum class Severity {
     Ok,
-    Note, ///< nothing is wrong, but it may explain what is missed
+    Note, ///< not a fault, but it may explain missing output
     Wrong,
 };
 
 struct Finding
 {
-    /// A place in a file of records.
+    /// A record in a file.
     struct Place
     {
-        const char* word; ///< what the file calls it
+        const char* word; ///< its kind in this file
         int number;       ///< from 0
     };
 
     Severity severity = Severity::Wrong;
     QString subject;                 ///< the file, path, channel or variable concerned
-    std::optional<Place> place = {}; ///< nothing when it concerns the subject as a whole
-    QString text;                    ///< what is the case, a part of a sentence
-    QString remedy = {};             ///< what to do about it; empty when nothing is known
+    std::optional<Place> place = {}; ///< unset if it concerns the whole subject
+    QString text;                    ///< the fact, as part of a sentence
+    QString remedy = {};             ///< how to fix it; empty if unknown
 
-    /// The text behind the place, if there is one.
+    /// The text, after the place if there is one.
     QString placedText() const;
 };
 
@@ -56,7 +56,7 @@ class Findings : public std::vector<Finding>
 public:
     using std::vector<Finding>::vector;
 
-    /// @{ That something is wrong with @p subject, or with a place in it.
+    /// @{ Adds a fault of @p subject, or of a place in it.
     void add(const QString& subject, const QString& text);
     void add(const QString& subject, const QStringList& texts);
     void add(const QString& subject, Finding::Place place, const QString& text);
@@ -64,11 +64,11 @@ public:
     /// @}
     void add(const Findings& others);
 
-    /// The text of each behind its place.
+    /// The texts with their places.
     QStringList placedTexts() const;
-    /// One line each: the subject, the place and the text.
+    /// One line each: subject, place and text.
     QString text() const;
-    /// One object each, with the fields file, slot (null for a file as a whole) and @p textKey.
+    /// One object each, with the fields file, slot (null for a whole file) and @p textKey.
     QJsonArray json(const char* textKey) const;
 };
 

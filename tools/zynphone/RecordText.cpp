@@ -1,4 +1,4 @@
-// Calls, and entries of the favourites, as people read and write them.
+// Calls, and entries of the favourites, as text.
 #include "tools/zynphone/RecordText.h"
 
 #include "handset/common/Text.h"

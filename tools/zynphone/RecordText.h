@@ -1,4 +1,4 @@
-// Calls, and entries of the favourites, as people read and write them.
+// Calls, and entries of the favourites, as text.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
@@ -25,7 +25,7 @@ inline constexpr std::array<ListWord, 6> kCategories{{
 }};
 /// The lists that keep calls.
 inline constexpr auto kLists = std::span(kCategories).first<3>();
-/// Those, and all three together.
+/// The same, and all of them together.
 inline constexpr auto kListsOrAll = std::span(kCategories).first<4>();
 
 inline constexpr std::array<TypeWord, 3> kTypes{{
@@ -40,13 +40,13 @@ QString categoryWord(RC_CALL_CATEGORY_T category);
 QString utcStart(const PHONE_ENG_RecentCall& call);
 QString localStart(const PHONE_ENG_RecentCall& call);
 /// @}
-/// The call type that @p text says by its word or number; a usage error that names @p what when it says none.
+/// The call type that @p text names by its word or number. A usage error, which names @p what, if there is none.
 RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what);
 
 /// The columns of a list of calls. Field names: uid, list, number, name, start (UTC, ISO 8601), duration (seconds),
 /// type, session (of a push-to-talk call, else empty), read, completed.
 std::span<const CallColumn> callColumns();
-/// The place of the call in its file, counted from 0, then the columns of a list.
+/// The place of the call in its file, from 0, then the columns of a list.
 std::span<const CallColumn> slotColumns();
 
 using ActivityColumn = Column<PHONE_ENG_ActivityLog>;

@@ -1,4 +1,4 @@
-// Rows of values, as aligned columns for people and as JSON for programs.
+// Tables: aligned columns for people, JSON for programs.
 #include "tools/zynphone/Table.h"
 
 #include "tools/zynphone/Console.h"

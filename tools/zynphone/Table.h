@@ -1,4 +1,4 @@
-// Rows of values, as aligned columns for people and as JSON for programs.
+// Tables: aligned columns for people, JSON for programs.
 #pragma once
 
 #include "handset/common/Text.h"
@@ -21,9 +21,9 @@ template<typename Row>
 struct Column
 {
     const char* key;   ///< the field's name in JSON, in lower camel case; never changed once published
-    const char* title; ///< for people; null where the column is for programs only
+    const char* title; ///< for people; null in JSON only
     QJsonValue (*value)(const Row&);
-    QString (*text)(const Row&) = nullptr; ///< what people read; the value itself where null
+    QString (*text)(const Row&) = nullptr; ///< for people; the value itself if null
 };
 
 using handset::alignedLines;
@@ -31,7 +31,7 @@ using handset::alignedLines;
 class Table
 {
 public:
-    /// @p rows as @p columns show them; both are ranges.
+    /// Both @p columns and @p rows are ranges.
     template<typename Columns, typename Rows>
     Table(const Columns& columns, const Rows& rows)
     {
@@ -58,9 +58,9 @@ public:
 
     /// A line of titles, then a line for each row.
     QString text() const;
-    /// The first row as one line a column: title and value.
+    /// The first row, one line per column: title and value.
     QString sheet() const;
-    /// One object for each row.
+    /// One object per row.
     const QJsonArray& json() const { return m_objects; }
 
 private:
@@ -71,12 +71,12 @@ private:
     QJsonArray m_objects;
 };
 
-/// Writes @p table, for programs when @p json is set.
+/// Writes @p table, as JSON if @p json is set.
 void printTable(Console& console, const Table& table, bool json);
-/// Writes the first row of @p table as a sheet, for programs when @p json is set.
+/// Writes the first row of @p table as a sheet, or as JSON if @p json is set.
 void printSheet(Console& console, const Table& table, bool json);
 
-/// The JSON field names of @p columns, as a help text lists them.
+/// The JSON field names of @p columns, for help texts.
 template<typename Columns>
 QString fieldNames(const Columns& columns)
 {

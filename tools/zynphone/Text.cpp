@@ -1,4 +1,4 @@
-// Texts for people and from them: counts, cut texts, words for values, the nearest word, texts for fields.
+// Text helpers: plurals, elision, words for values, suggestions, field texts.
 #include "tools/zynphone/Text.h"
 
 #include <compare>
@@ -10,10 +10,10 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// How many characters must be inserted, removed or replaced to make one word of the other.
+/// The Levenshtein distance of two words.
 struct Edits
 {
-    qsizetype ofBeginning; ///< when the rest of the second word does not count
+    qsizetype ofBeginning; ///< to a beginning of the second word
     qsizetype ofWhole;
 
     auto operator<=>(const Edits&) const = default; // NOLINT(modernize-use-nullptr): what it says of the generated code

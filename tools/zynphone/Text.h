@@ -1,4 +1,4 @@
-// Texts for people and from them: counts, cut texts, words for values, the nearest word, texts for fields.
+// Text helpers: plurals, elision, words for values, suggestions, field texts.
 #pragma once
 
 #include "tools/zynphone/ExitCode.h"
@@ -20,13 +20,13 @@ inline QString counted(qsizetype number, const char* thing)
     return u"%1 %2"_s.arg(QString::number(number), QLatin1String(thing)) + (number == 1 ? QLatin1String() : "s"_L1);
 }
 
-/// @p text, with an ellipsis for what is behind @p limit characters, at least 1, that one included.
+/// @p text, shortened to @p limit characters, at least 1, with an ellipsis as the last.
 inline QString elided(const QString& text, qsizetype limit)
 {
     if (text.size() <= limit)
         return text;
     qsizetype kept = limit - 1;
-    // Half of a pair shows nothing.
+    // A lone surrogate shows nothing.
     if (kept > 0 && text[kept - 1].isHighSurrogate())
         --kept;
     return text.left(kept) + QChar(u'\u2026');
@@ -39,7 +39,7 @@ struct Word
     Value value;
 };
 
-/// The word of @p words for @p value, or its number when there is none.
+/// The word of @p words for @p value, or the number if there is none.
 template<typename Words, typename Value>
 QString wordFor(const Words& words, Value value)
 {
@@ -57,7 +57,7 @@ QStringList wordTexts(const Words& words)
     return texts;
 }
 
-/// The row of @p words for @p text; a usage error that names @p what and lists the words when it is none of them.
+/// The row of @p words for @p text. A usage error, which names @p what and lists the words, if there is none.
 template<typename Words>
 auto wordNamed(const Words& words, const QString& text, const QString& what)
 {
@@ -67,15 +67,14 @@ auto wordNamed(const Words& words, const QString& text, const QString& what)
     throw usageError(u"unknown %1 '%2'; known are %3"_s.arg(what, text, wordTexts(words).join(", "_L1)));
 }
 
-/// The one of @p known whose beginning, and then as a whole, takes the fewest edits to be @p word; null when that is
-/// half of the word or more.
+/// The one of @p known that is nearest to @p word by edit distance, comparing its beginning first; null if the distance
+/// is half of the word or more.
 QString nearestWord(const QString& word, const QStringList& known);
 
-/// The end of an error about an unknown @p word: asks whether the nearest of @p known was meant; empty when there is
-/// none.
+/// A question whether the nearest of @p known was meant, for errors about an unknown @p word; empty if none is near.
 QString suggestion(const QString& word, const QStringList& known);
 
-/// @p text, of @p what, which its field takes as Latin-1 and holds whole; a usage error when it does not.
+/// @p text, for a Latin-1 field of @p limit characters. A usage error, which names @p what, if it does not fit.
 inline QString latin1Field(const QString& text, const QString& what, qsizetype limit)
 {
     if (std::ranges::any_of(text, [](QChar character) { return character.unicode() > 0xFF; }))
@@ -85,7 +84,7 @@ inline QString latin1Field(const QString& text, const QString& what, qsizetype l
     return text;
 }
 
-/// The seconds since 1970 of @p time, which is what @p text says; a usage error when a record does not hold them.
+/// The seconds since 1970 of @p time, which was given as @p text. A usage error if a record cannot store them.
 inline int32_t secondsOf(const QDateTime& time, const QString& text)
 {
     const qint64 seconds = time.toSecsSinceEpoch();

@@ -1,4 +1,4 @@
-// zynphone: the handset's phone library on the command line, for people who develop applications.
+// zynphone: the phone library on the command line, for application developers.
 #include "tools/commands/Commands.h"
 #include "tools/zynphone/Completion.h"
 #include "tools/zynphone/Console.h"
