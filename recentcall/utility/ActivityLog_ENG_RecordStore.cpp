@@ -1,6 +1,8 @@
 // The activity log of five favourites on disk.
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 
+#include "platform/posix/File_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/TopPalsSlots_p.h"
 #include "utility/FixedText_p.h"
@@ -10,11 +12,15 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <functional>
 #include <limits>
 #include <memory>
+#include <numeric>
 #include <optional>
-#include <queue>
+#include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -45,8 +51,24 @@ int8_t freePlace(const zyn::TopPalsDetails& places)
 /// The number in a place, as long as that is there; empty in a free one.
 QLatin1String numberOf(const TopPalNumberDetail& place)
 {
-    const auto length = static_cast<qsizetype>(qstrnlen(place.phoneNumber, sizeof place.phoneNumber));
-    return QLatin1String(place.phoneNumber, length);
+    return zyn::fieldText(place.phoneNumber);
+}
+
+using Numbers = std::array<QLatin1String, TopPalNumberDetail::kPlaces>;
+
+Numbers numbersOf(const zyn::TopPalsDetails& places)
+{
+    Numbers numbers;
+    std::ranges::transform(places, numbers.begin(), numberOf);
+    return numbers;
+}
+
+/// The first place that has @p number; -1 when none does.
+template<typename Text>
+int8_t placeOf(const Numbers& numbers, const Text& number)
+{
+    const auto* const place = std::find(numbers.begin(), numbers.end(), number);
+    return place == numbers.end() ? int8_t{-1} : static_cast<int8_t>(place - numbers.begin());
 }
 
 /// The slots in use in the file of @p number: of those that it holds whole, however many it should have. None when its
@@ -63,62 +85,146 @@ std::vector<int> usedSlots(const QString& number)
     return ContactFile::usedSlots(*image, ContactFile::count(*image));
 }
 
-/// Appends the records in use, up to the end of @p image; whether it holds all @p slots slots.
-bool appendRecords(const ActivityLog_ENG_RecordStore& store, QSortedList<PHONE_ENG_ActivityLog>& list,
+/// How many slots are read at a time: all of most files, and of others so many that memory is not the cost.
+constexpr int kSlotsAtATime = 200;
+
+/// The bytes from the start of the open file @p fd, or from as many bytes behind it as @p first slots take: either way
+/// slot @p first is the first slot of the image. Nothing when the file cannot be read.
+std::optional<QByteArray> readSlots(int fd, int first, int slots, QByteArray image = {})
+{
+    image.resize(static_cast<qsizetype>(ContactFile::size(std::min(slots - first, kSlotsAtATime))));
+    const auto buffer = std::as_writable_bytes(std::span(image.data(), static_cast<size_t>(image.size())));
+    const auto offset = static_cast<off_t>(ContactFile::offset(first) - ContactFile::offset(0));
+    const ssize_t length = zyn::posix::readAt(fd, buffer, offset);
+    if (length < 0)
+        return std::nullopt;
+    image.truncate(length);
+    return image;
+}
+
+/// Appends the records in use of @p image.
+void appendRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_ENG_ActivityLog>& list,
                    const QByteArray& image, int slots)
 {
-    const int present = ContactFile::count(image);
-    for (const int slot : ContactFile::usedSlots(image, present)) {
+    const int count = ContactFile::count(image);
+    for (int slot = 0; slot < count; ++slot) {
+        if (!ContactFile::isInUse(image, slot))
+            continue;
         auto record = std::make_unique<PHONE_ENG_ActivityLog>();
         ContactFile::read(*record, image, slot);
         if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
-            std::printf("TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
-                        "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n");
+            trace << "TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
+                     "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n";
             gTopPalsAvlIndex = successor(record->getTopPalsAvlIndex());
         }
-        topPalsAvlFlags.setTopPalsAvlFlag(store.getTopPalFileItem(record->getPhoneNumber()), record->topPalsAvlPos,
-                                          slots);
+        topPalsAvlFlags.setTopPalsAvlFlag(trace, placeOf(numbers, zyn::fieldText(record->phoneNumber)),
+                                          record->topPalsAvlPos, slots);
         list.append(record.release());
+    }
+}
+
+/// Appends the records in use of the open file @p fd, which begins with @p image; whether it holds all @p slots slots.
+bool appendAllRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_ENG_ActivityLog>& list, int fd,
+                      QByteArray image, int slots)
+{
+    int present = 0;
+    while (true) {
+        const int count = ContactFile::count(image);
+        appendRecords(trace, numbers, list, image, slots);
+        present += count;
+        if (count < kSlotsAtATime || present == slots)
+            break;
+        image = readSlots(fd, present, slots, std::move(image)).value_or(QByteArray());
     }
     if (present == slots)
         return true;
-    std::printf("TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
-                "callData failed\n");
+    trace << "TP5_AVL: ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:file.readBlock: "
+             "callData failed\n";
     return false;
 }
 
-/// Orders @p list newest first, as a selection sort does, and keeps as many records as a file has slots.
-void sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list, int slots)
+/**
+ * The exchanges of a selection sort that brings the newest record to the front, without its searches.
+ *
+ * It takes records by their time, and those of one time by the places where they are when their turn comes: exchanges
+ * for them move none of them, only records whose turn comes later.
+ */
+class NewestFirst
 {
-    std::printf("TP5_AVL:RC Store: ENTER: sortOnTimeStamp():");
-    std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): Before sort count = %d\n", static_cast<int>(list.count()));
-    // A selection sort whose search for the newest is a queue. The seconds are in the order of the date-times that they
-    // stand for; of equal ones the lowest place is the greatest, counted downwards.
-    using Candidate = std::pair<int32_t, qsizetype>;
-    std::vector<Candidate> starts;
-    starts.reserve(static_cast<size_t>(list.count()));
-    for (const PHONE_ENG_ActivityLog* record : std::as_const(list))
-        starts.emplace_back(record->startTime, -static_cast<qsizetype>(starts.size()));
-    std::priority_queue<Candidate> candidates({}, std::move(starts));
+public:
+    explicit NewestFirst(const QSortedList<PHONE_ENG_ActivityLog>& list)
+        : m_placeOf(static_cast<size_t>(list.count()))
+        , m_recordAt(m_placeOf.size())
+    {
+        m_order.reserve(m_placeOf.size());
+        for (const PHONE_ENG_ActivityLog* record : list)
+            m_order.push_back(Turn{record->startTime, static_cast<uint32_t>(m_order.size())});
+        std::ranges::sort(m_order, std::greater());
+        std::iota(m_placeOf.begin(), m_placeOf.end(), 0);
+        std::iota(m_recordAt.begin(), m_recordAt.end(), 0);
+    }
 
+    /// Where the record for place @p i is, after the exchanges for those in front of it.
+    size_t find(size_t i)
+    {
+        if (i == m_tiesEnd)
+            orderTies(i);
+        return m_placeOf[m_order[i].record];
+    }
+
+    /// Notes that the records of the places @p i and @p max, which find() gave for it, change places.
+    void exchange(size_t i, size_t max)
+    {
+        const size_t moved = m_recordAt[i];
+        m_recordAt[max] = moved;
+        m_placeOf[moved] = max;
+    }
+
+private:
+    struct Turn
+    {
+        int32_t time;
+        uint32_t record; ///< its place in the list as it was
+
+        auto operator<=>(const Turn&) const = default;
+    };
+
+    void orderTies(size_t i)
+    {
+        m_tiesEnd = i;
+        while (m_tiesEnd < m_order.size() && m_order[m_tiesEnd].time == m_order[i].time)
+            ++m_tiesEnd;
+        if (m_tiesEnd - i > 1)
+            std::ranges::sort(std::span(m_order).subspan(i, m_tiesEnd - i), {},
+                              [this](const Turn& turn) { return m_placeOf[turn.record]; });
+    }
+
+    std::vector<Turn> m_order;
+    std::vector<size_t> m_placeOf;  ///< of each record
+    std::vector<size_t> m_recordAt; ///< of each place whose turn is still to come
+    size_t m_tiesEnd = 0;           ///< where records of another time begin
+};
+
+/// Orders @p list newest first, as a selection sort does, and keeps as many records as a file has slots.
+void sortOnTimeStamp(zyn::Trace& trace, QSortedList<PHONE_ENG_ActivityLog>& list, int slots)
+{
+    trace << "TP5_AVL:RC Store: ENTER: sortOnTimeStamp():TP5_AVL:RC Store: sortOnTimeStamp(): Before sort count = "
+          << list.count() << "\n";
+    NewestFirst order(list);
     const auto records = list.begin();
-    const qsizetype kept = std::min(list.count(), qsizetype{slots});
+    const auto kept = std::min(list.count(), qsizetype{slots});
     for (qsizetype i = 0; i < kept; ++i) {
-        while (-candidates.top().second < i) // swapped away, and in the queue with its new place
-            candidates.pop();
-        const qsizetype max = -candidates.top().second;
-        candidates.pop();
-        if (max == i)
+        const size_t max = order.find(static_cast<size_t>(i));
+        if (max == static_cast<size_t>(i))
             continue;
-        std::swap(records[i], records[max]);
-        candidates.emplace(records[max]->startTime, -max);
-        std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): swap(i = %d, max = %d)\n", static_cast<int>(i),
-                    static_cast<int>(max));
+        std::swap(records[i], records[static_cast<qsizetype>(max)]);
+        order.exchange(static_cast<size_t>(i), max);
+        trace << "TP5_AVL:RC Store: sortOnTimeStamp(): swap(i = " << i << ", max = " << max << ")\n";
     }
     while (list.count() > kept)
         list.removeLast();
-    std::printf("TP5_AVL:RC Store: sortOnTimeStamp(): After sort count = %d\n", static_cast<int>(list.count()));
-    std::printf("TP5_AVL:RC Store: EXIT: sortOnTimeStamp()\n");
+    trace << "TP5_AVL:RC Store: sortOnTimeStamp(): After sort count = " << list.count()
+          << "\nTP5_AVL:RC Store: EXIT: sortOnTimeStamp()\n";
 }
 
 bool dropFavourite(zyn::TopPalsDetails& places, int i, const QString& number, int slots)
@@ -133,7 +239,11 @@ bool dropFavourite(zyn::TopPalsDetails& places, int i, const QString& number, in
                 isStored);
     if (!isStored)
         return false;
-    std::printf("TP5_AVL:RC Store:createTopPalsDetailsFile:origin = %d\n", zyn::getTp5AvlRecordPos(i, 0, slots));
+    {
+        zyn::Trace trace;
+        const int origin = zyn::getTp5AvlRecordPos(trace, i, 0, slots);
+        trace << "TP5_AVL:RC Store:createTopPalsDetailsFile:origin = " << origin << "\n";
+    }
     topPalsAvlFlags.clear(i);
     const bool isRemoved = zyn::removeTopPalsAvlFile(number, slots);
     std::printf("TP5_AVL:ActivityLog_ENG_RecordStore:revampTopPalsAvlStorage:removeTopPalsAvlFile-->ret = %d\n",
@@ -197,24 +307,30 @@ ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
 
 int ActivityLog_ENG_RecordStore::addTopPalsAvlItem(PHONE_ENG_ActivityLog& rec)
 {
-    const QString number = rec.getPhoneNumber();
-    std::printf("TP5_AVL:RC Store:addTopPalsAvlItem:ENTER:phoneNumber= %s\n", number.toLatin1().constData());
+    zyn::Trace trace;
+    const QLatin1String number = zyn::fieldText(rec.phoneNumber);
+    trace << "TP5_AVL:RC Store:addTopPalsAvlItem:ENTER:phoneNumber= "
+          << std::string_view(number.data(), static_cast<size_t>(number.size())) << "\n";
+    trace.flush();
     rec.topPalsAvlIndex = gTopPalsAvlIndex;
     gTopPalsAvlIndex = successor(gTopPalsAvlIndex);
     const int slots = zyn::contactSlots();
-    const int favourite = getTopPalFileItem(number);
-    const int pos = topPalsAvlFlags.getAvailableTopPalsAvlPos(favourite, slots);
+    const int favourite = placeOf(numbersOf(topPalNumberDetails), number);
+    const int pos = topPalsAvlFlags.getAvailableTopPalsAvlPos(trace, favourite, slots);
     if (pos < 0)
         return 0;
     rec.topPalsAvlPos = pos;
-    std::printf("TP5_AVL:RC Store:addTopPalsAvlItem(), tp5AvlPos=%d\n", pos);
+    trace << "TP5_AVL:RC Store:addTopPalsAvlItem(), tp5AvlPos=" << pos << "\n";
     rec.print();
-    return zyn::modifyTopPalsAvlItem(rec, slots) && topPalsAvlFlags.setTopPalsAvlFlag(favourite, pos, slots);
+    return zyn::modifyTopPalsAvlItem(trace, rec, slots)
+           && topPalsAvlFlags.setTopPalsAvlFlag(trace, favourite, pos, slots);
 }
 
 int ActivityLog_ENG_RecordStore::modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& rec)
 {
-    return zyn::modifyTopPalsAvlItem(rec, zyn::contactSlots());
+    const int slots = zyn::contactSlots();
+    zyn::Trace trace;
+    return zyn::modifyTopPalsAvlItem(trace, rec, slots);
 }
 
 int ActivityLog_ENG_RecordStore::removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec)
@@ -225,16 +341,17 @@ int ActivityLog_ENG_RecordStore::removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec
     std::printf("deleting item from %s:", path.toLatin1().constData());
     rec.print();
     bool isRemoved = false;
+    zyn::Trace trace;
     if (const auto file = zyn::openStoreFile(QFile::encodeName(path)); file.isValid()) {
         const int slots = zyn::contactSlots();
-        std::printf("TP5_AVL:RC Store: removeTopPalsAvlItem: index= %d, pos= %d\n", rec.topPalsAvlIndex,
-                    rec.topPalsAvlPos);
-        if (zyn::removeTopPalsAvlFileItem(file.get(), rec.topPalsAvlPos, slots)) {
-            std::printf("TP5_AVL:RC Store: removeTopPalsAvlItem: removeTopPalsAvlFileItem returns SUCCESS:\n");
-            isRemoved = topPalsAvlFlags.clearTopPalsAvlFlag(getTopPalFileItem(number), rec.topPalsAvlPos, slots);
+        trace << "TP5_AVL:RC Store: removeTopPalsAvlItem: index= " << rec.topPalsAvlIndex
+              << ", pos= " << rec.topPalsAvlPos << "\n";
+        if (zyn::removeTopPalsAvlFileItem(trace, file.get(), rec.topPalsAvlPos, slots)) {
+            trace << "TP5_AVL:RC Store: removeTopPalsAvlItem: removeTopPalsAvlFileItem returns SUCCESS:\n";
+            isRemoved = topPalsAvlFlags.clearTopPalsAvlFlag(trace, getTopPalFileItem(number), rec.topPalsAvlPos, slots);
         }
     }
-    std::printf("TP5_AVL: RC Store:  EXIT: removeTopPalsAvlItem()\n");
+    trace << "TP5_AVL: RC Store:  EXIT: removeTopPalsAvlItem()\n";
     return isRemoved;
 }
 
@@ -242,34 +359,40 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
                                                                  const QString& number)
 {
     std::printf("TP5_AVL:RC Store:  ENTER: readTopPalsAvlContactRecordList()\n");
+    zyn::Trace trace;
     bool isRead = false;
     if (number.isEmpty()) {
-        std::printf("TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), !cr_phoneNumber.isNULL() && "
-                    "r_callList != NULL \n");
+        trace << "TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), !cr_phoneNumber.isNULL() && "
+                 "r_callList != NULL \n";
     } else {
         const QString path = zyn::contactPath(number);
         const QByteArray shownPath = path.toLatin1();
         std::printf("TP5_AVL:RC Store:  readTopPalsAvlContactRecordList(), fileName = %s\n", shownPath.constData());
         const int slots = zyn::contactSlots();
-        if (const auto image = zyn::readStoreFile(QFile::encodeName(path), ContactFile::size(slots))) {
-            std::printf("TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n");
-            isRead = zyn::hasValidHeader(*image) && appendRecords(*this, list, *image, slots);
-            std::printf("TP5_AVL: RC Store: readTopPalsAvlContactRecordList(): r_callList.count() = %d\n",
-                        static_cast<int>(list.count()));
+        const auto file = zyn::openStoreFile(QFile::encodeName(path), zyn::posix::Access::Read);
+        if (auto image = readSlots(file.get(), 0, slots)) {
+            trace << "TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n";
+            isRead =
+                zyn::hasValidHeader(*image)
+                && appendAllRecords(trace, numbersOf(topPalNumberDetails), list, file.get(), *std::move(image), slots);
+            trace << "TP5_AVL: RC Store: readTopPalsAvlContactRecordList(): r_callList.count() = " << list.count()
+                  << "\n";
             if (list.count() > 1)
-                ::sortOnTimeStamp(list, slots);
+                ::sortOnTimeStamp(trace, list, slots);
         } else {
-            std::printf("TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), cannot open file %s\n",
-                        shownPath.constData());
+            trace << "TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), cannot open file "
+                  << std::string_view(shownPath.constData()) << "\n";
         }
     }
-    std::printf("TP5_AVL: RC Store: EXIT: readTopPalsAvlContactRecordList() returns = %d\n", isRead);
+    trace << "TP5_AVL: RC Store: EXIT: readTopPalsAvlContactRecordList() returns = " << int{isRead} << "\n";
     return isRead;
 }
 
 void ActivityLog_ENG_RecordStore::sortOnTimeStamp(QSortedList<PHONE_ENG_ActivityLog>& list)
 {
-    ::sortOnTimeStamp(list, zyn::contactSlots());
+    const int slots = zyn::contactSlots();
+    zyn::Trace trace;
+    ::sortOnTimeStamp(trace, list, slots);
 }
 
 int ActivityLog_ENG_RecordStore::revampTopPalsAvlStorage(const QString& oldNumber, const QString& newNumber)
@@ -301,11 +424,7 @@ bool ActivityLog_ENG_RecordStore::getCurrentTopPalsFileNames(QString* names)
 
 int8_t ActivityLog_ENG_RecordStore::getTopPalFileItem(const QString& number) const
 {
-    for (int8_t i = 0; i < kFavourites; ++i) {
-        if (numberOf(topPalNumberDetails.at(size_t(i))) == number)
-            return i;
-    }
-    return -1;
+    return placeOf(numbersOf(topPalNumberDetails), number);
 }
 
 int8_t ActivityLog_ENG_RecordStore::getValidIndexForTopPalFiles() const
@@ -333,15 +452,21 @@ bool ActivityLog_ENG_RecordStore::checkTopPalsFile(const QString& fileName)
 
 bool ActivityLog_ENG_RecordStore::setTopPalsAvlFlag(const QString& number, int pos)
 {
-    return topPalsAvlFlags.setTopPalsAvlFlag(getTopPalFileItem(number), pos, zyn::contactSlots());
+    const int slots = zyn::contactSlots();
+    zyn::Trace trace;
+    return topPalsAvlFlags.setTopPalsAvlFlag(trace, getTopPalFileItem(number), pos, slots);
 }
 
 bool ActivityLog_ENG_RecordStore::clearTopPalsAvlFlag(const QString& number, int pos)
 {
-    return topPalsAvlFlags.clearTopPalsAvlFlag(getTopPalFileItem(number), pos, zyn::contactSlots());
+    const int slots = zyn::contactSlots();
+    zyn::Trace trace;
+    return topPalsAvlFlags.clearTopPalsAvlFlag(trace, getTopPalFileItem(number), pos, slots);
 }
 
 int ActivityLog_ENG_RecordStore::getAvailableTopPalsAvlPos(const QString& number)
 {
-    return topPalsAvlFlags.getAvailableTopPalsAvlPos(getTopPalFileItem(number), zyn::contactSlots());
+    const int slots = zyn::contactSlots();
+    zyn::Trace trace;
+    return topPalsAvlFlags.getAvailableTopPalsAvlPos(trace, getTopPalFileItem(number), slots);
 }

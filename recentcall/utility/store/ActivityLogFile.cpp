@@ -7,6 +7,7 @@
 
 #include <QtCore/QFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <span>
 
@@ -56,6 +57,20 @@ bool create(const FileKind& kind, const QString& fileName, int slots)
     }
     std::printf("TP5_AVL:RC Store:  EXIT: %s(), cr_fileName=%s\n", kind.creator, fileName.toLatin1().constData());
     return result == CreateResult::Done;
+}
+
+/// The path of the file of the contact @p number, as the system has it; null where contactPath() gives none.
+QByteArray contactFile(Trace& trace, QLatin1String number)
+{
+    // What a number is made of names no other file, and needs no conversion in a path that needs none.
+    const auto isPlain = [](char c) { return (c >= '0' && c <= '9') || c == '+'; };
+    if (!number.isEmpty() && std::ranges::all_of(number, isPlain)) {
+        QByteArray path = storeDirectoryPath();
+        if (std::ranges::all_of(path, [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+            return path.append('/').append(number.data(), number.size());
+    }
+    trace.flush();
+    return QFile::encodeName(contactPath(number));
 }
 
 QString detailsPath()
@@ -163,27 +178,27 @@ bool storeTopPalsDetailsInFile(const TopPalsDetails& places, int place)
     return DetailsFile::write(file.get(), place, places.at(static_cast<size_t>(place)));
 }
 
-bool modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& record, int slots)
+bool modifyTopPalsAvlItem(Trace& trace, const PHONE_ENG_ActivityLog& record, int slots)
 {
-    std::printf("TP5_AVL:RC Store:  ENTER: modifyTopPalsAvlItem()\n");
+    trace << "TP5_AVL:RC Store:  ENTER: modifyTopPalsAvlItem()\n";
     bool isWritten = false;
     if (isContactSlot(record.topPalsAvlPos, slots)) {
-        const posix::UniqueFd file = openStoreFile(QFile::encodeName(contactPath(record.getPhoneNumber())));
+        const posix::UniqueFd file = openStoreFile(contactFile(trace, fieldText(record.phoneNumber)));
         if (!file.isValid())
-            std::printf("TP5_AVL:RC Store: FAIL: file.open(IO_Raw|IO_ReadWrite):\n");
+            trace << "TP5_AVL:RC Store: FAIL: file.open(IO_Raw|IO_ReadWrite):\n";
         isWritten = file.isValid() && ContactFile::write(file.get(), record.topPalsAvlPos, record);
     } else {
-        std::printf("TP5_AVL:RC Store:  FAIL: isTopPalsAvlLawyalPos:FALSE:\n");
+        trace << "TP5_AVL:RC Store:  FAIL: isTopPalsAvlLawyalPos:FALSE:\n";
     }
-    std::printf("TP5_AVL:RC Store:  EXIT: modifyTopPalsAvlItem()\n");
+    trace << "TP5_AVL:RC Store:  EXIT: modifyTopPalsAvlItem()\n";
     return isWritten;
 }
 
-bool removeTopPalsAvlFileItem(int fd, int pos, int slots)
+bool removeTopPalsAvlFileItem(Trace& trace, int fd, int pos, int slots)
 {
-    std::printf("TP5_AVL: RC Store: ENTER: removeTopPalsAvlFileItem()\n");
+    trace << "TP5_AVL: RC Store: ENTER: removeTopPalsAvlFileItem()\n";
     const bool isRemoved = isContactSlot(pos, slots) && ContactFile::writeBlank(fd, pos);
-    std::printf("TP5_AVL:RC Store:  EXIT: removeTopPalsAvlFileItem()\n");
+    trace << "TP5_AVL:RC Store:  EXIT: removeTopPalsAvlFileItem()\n";
     return isRemoved;
 }
 

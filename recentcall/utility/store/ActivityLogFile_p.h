@@ -5,11 +5,13 @@
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/RecordFile_p.h"
+#include "recentcall/utility/store/Trace_p.h"
 
 #include <QtCore/QString>
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace zyn {
 
@@ -73,6 +75,12 @@ inline bool isForeignName(const QString& name)
            || std::ranges::any_of(kNames, [&](const char* other) { return name == QLatin1String(other); });
 }
 
+/// The text in a fixed-width field, up to its first NUL, for as long as the field lives.
+inline QLatin1String fieldText(std::span<const char> field)
+{
+    return QLatin1String(field.data(), static_cast<qsizetype>(qstrnlen(field.data(), field.size())));
+}
+
 /// Whether the file of a contact may have the name @p number.
 inline bool canNameContactFile(const QString& number)
 {
@@ -112,9 +120,9 @@ void initTopPalNumberDetails(TopPalsDetails& places);
 bool storeTopPalsDetailsInFile(const TopPalsDetails& places, int place);
 
 /// Writes @p record into its slot of the file of its number.
-bool modifyTopPalsAvlItem(const PHONE_ENG_ActivityLog& record, int slots);
+bool modifyTopPalsAvlItem(Trace& trace, const PHONE_ENG_ActivityLog& record, int slots);
 
 /// Frees slot @p pos of the open contact's file @p fd.
-bool removeTopPalsAvlFileItem(int fd, int pos, int slots);
+bool removeTopPalsAvlFileItem(Trace& trace, int fd, int pos, int slots);
 
 } // namespace zyn

@@ -137,9 +137,9 @@ bool isStoreFile(const QByteArray& path, qint64 size)
     return stateOf(fd.get(), size) == State::Valid;
 }
 
-posix::UniqueFd openStoreFile(const QByteArray& path)
+posix::UniqueFd openStoreFile(const QByteArray& path, posix::Access access)
 {
-    posix::UniqueFd fd = posix::openTrusted(path, posix::Access::Change);
+    posix::UniqueFd fd = posix::openTrusted(path, access);
     if (!fd.isValid())
         makeStoreDirectory();
     return fd;

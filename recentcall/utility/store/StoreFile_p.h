@@ -1,7 +1,7 @@
 // The files of the store directory: their header, and how they are opened, read and created.
 #pragma once
 
-#include "platform/posix/UniqueFd_p.h"
+#include "platform/posix/PathAt_p.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -72,8 +72,8 @@ void makeStoreDirectory();
 bool isStoreFile(const QByteArray& path, qint64 size);
 
 /// @{ Both create a missing store directory for the next caller; to look for it first would cost every operation a
-/// system call. Opens the store file @p path for reading and writing; never creates it.
-posix::UniqueFd openStoreFile(const QByteArray& path);
+/// system call. Opens the store file @p path, for reading and writing unless told otherwise; never creates it.
+posix::UniqueFd openStoreFile(const QByteArray& path, posix::Access access = posix::Access::Change);
 /// Reads up to @p size bytes of the store file @p path; nothing when it cannot be opened or is a directory.
 std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size);
 /// @}

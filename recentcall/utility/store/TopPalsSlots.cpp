@@ -2,65 +2,71 @@
 #include "recentcall/utility/store/TopPalsSlots_p.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
+#include <bit>
 #include <limits>
 
 namespace zyn {
+namespace {
 
-bool TopPalsSlots::setTopPalsAvlFlag(int favourite, int pos, int slots)
+constexpr int kMarksPerWord = std::numeric_limits<uint64_t>::digits;
+
+} // namespace
+
+bool TopPalsSlots::setTopPalsAvlFlag(Trace& trace, int favourite, int pos, int slots)
 {
-    std::printf("TP5_AVL:RC Store:  ENTER: setTopPalsAvlFlag():");
-    std::printf("TP5_AVL:RC Store:nthFileItem = %d", favourite);
+    trace << "TP5_AVL:RC Store:  ENTER: setTopPalsAvlFlag():TP5_AVL:RC Store:nthFileItem = " << favourite;
     bool isSet = false;
     if (favourite >= 0) {
-        const int index = getTp5AvlRecordPos(favourite, pos, slots);
-        std::printf("TP5_AVL:RC Store: getTp5AvlRecordPos returns value = %d\n", index);
+        const int index = getTp5AvlRecordPos(trace, favourite, pos, slots);
+        trace << "TP5_AVL:RC Store: getTp5AvlRecordPos returns value = " << index << "\n";
         isSet = isTopPalsAvlLawyalPos(index, slots) && isContactSlot(pos, slots);
         if (isSet)
             mark(favourite, pos, true);
         else
-            std::printf("TP5_AVL:RC Store:  setTopPalsAvlFlag(), isTopPalsAvlLawyalPos=FALSE, position = %d\n", index);
+            trace << "TP5_AVL:RC Store:  setTopPalsAvlFlag(), isTopPalsAvlLawyalPos=FALSE, position = " << index
+                  << "\n";
     }
-    std::printf("TP5_AVL:RC Store:  EXIT: setTopPalsAvlFlag(): returns %d\n", isSet);
+    trace << "TP5_AVL:RC Store:  EXIT: setTopPalsAvlFlag(): returns " << int{isSet} << "\n";
     return isSet;
 }
 
-bool TopPalsSlots::clearTopPalsAvlFlag(int favourite, int pos, int slots)
+bool TopPalsSlots::clearTopPalsAvlFlag(Trace& trace, int favourite, int pos, int slots)
 {
-    std::printf("TP5_AVL:RC Store:  ENTER: clearTopPalsAvlFlag()\n");
-    std::printf("TP5_AVL:RC Store:nthFileItem = %d\n", favourite);
+    trace << "TP5_AVL:RC Store:  ENTER: clearTopPalsAvlFlag()\nTP5_AVL:RC Store:nthFileItem = " << favourite << "\n";
     const bool isCleared = favourite >= 0 && isContactSlot(pos, slots);
     if (isCleared) {
-        const int index = getTp5AvlRecordPos(favourite, pos, slots);
+        const int index = getTp5AvlRecordPos(trace, favourite, pos, slots);
         mark(favourite, pos, false);
-        std::printf("TP5_AVL:RC Store:  clearTopPalsAvlFlag: posistion = %d\n", index);
+        trace << "TP5_AVL:RC Store:  clearTopPalsAvlFlag: posistion = " << index << "\n";
     }
-    std::printf("TP5_AVL:RC Store:  EXIT: clearTopPalsAvlFlag()\n");
+    trace << "TP5_AVL:RC Store:  EXIT: clearTopPalsAvlFlag()\n";
     return isCleared;
 }
 
-int TopPalsSlots::getAvailableTopPalsAvlPos(int favourite, int slots) const
+int TopPalsSlots::getAvailableTopPalsAvlPos(Trace& trace, int favourite, int slots) const
 {
-    std::printf("TP5_AVL:RC Store:  ENTER: getAvailableTopPalsAvlPos()\n");
+    trace << "TP5_AVL:RC Store:  ENTER: getAvailableTopPalsAvlPos()\n";
     if (favourite < 0)
         return -1;
-    getTp5AvlRecordPos(favourite, 0, slots);
-    const std::vector<bool>& used = m_used.at(static_cast<size_t>(favourite));
-    const auto firstFree = static_cast<int>(std::ranges::find(used, false) - used.begin());
+    getTp5AvlRecordPos(trace, favourite, 0, slots);
+    const Marks& used = m_used.at(static_cast<size_t>(favourite));
+    const auto word = std::ranges::find_if(used, [](uint64_t marks) { return ~marks != 0; });
+    const auto firstFree =
+        static_cast<int>(word - used.begin()) * kMarksPerWord + (word == used.end() ? 0 : std::countr_one(*word));
     const int pos = firstFree < slots ? firstFree : -1;
-    std::printf("TP5_AVL:RC Store: getAvailableTopPalsAvlPos: pos=%d\n", pos);
-    std::printf("TP5_AVL:RC Store:  EXIT: getAvailableTopPalsAvlPos()\n");
+    trace << "TP5_AVL:RC Store: getAvailableTopPalsAvlPos: pos=" << pos
+          << "\nTP5_AVL:RC Store:  EXIT: getAvailableTopPalsAvlPos()\n";
     return pos;
 }
 
 void TopPalsSlots::mark(int favourite, int slot, bool isUsed)
 {
-    std::vector<bool>& used = m_used.at(static_cast<size_t>(favourite));
-    const auto index = static_cast<size_t>(slot);
-    if (index >= used.size())
-        used.resize(index + 1);
-    used[index] = isUsed;
+    Marks& used = m_used.at(static_cast<size_t>(favourite));
+    const auto word = static_cast<size_t>(slot / kMarksPerWord);
+    if (word >= used.size())
+        used.resize(word + 1);
+    const uint64_t mask = uint64_t{1} << (slot % kMarksPerWord);
+    used[word] = isUsed ? used[word] | mask : used[word] & ~mask;
 }
 
 void TopPalsSlots::clear(int favourite)
@@ -68,12 +74,12 @@ void TopPalsSlots::clear(int favourite)
     m_used.at(static_cast<size_t>(favourite)).clear();
 }
 
-int getTp5AvlRecordPos(int favourite, int pos, int slots)
+int getTp5AvlRecordPos(Trace& trace, int favourite, int pos, int slots)
 {
     using Limits = std::numeric_limits<int>;
     const int64_t sum = int64_t{favourite} * slots + pos;
     const auto held = static_cast<int>(std::clamp<int64_t>(sum, Limits::min(), Limits::max()));
-    std::printf("TP5_AVL: RC Store:getTp5AvlRecordPos() returns = %d\n", held);
+    trace << "TP5_AVL: RC Store:getTp5AvlRecordPos() returns = " << held << "\n";
     return held;
 }
 

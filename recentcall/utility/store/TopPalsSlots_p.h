@@ -4,6 +4,7 @@
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 namespace zyn {
@@ -20,11 +21,11 @@ namespace zyn {
 class TopPalsSlots
 {
 public:
-    /// @{ Write what they do to standard output. For favourite -1, and a slot that a file does not have, they fail.
-    bool setTopPalsAvlFlag(int favourite, int pos, int slots);
-    bool clearTopPalsAvlFlag(int favourite, int pos, int slots);
+    /// @{ Write what they do. For favourite -1, and a slot that a file does not have, they fail.
+    bool setTopPalsAvlFlag(Trace& trace, int favourite, int pos, int slots);
+    bool clearTopPalsAvlFlag(Trace& trace, int favourite, int pos, int slots);
     /// The lowest slot without a mark; -1 when there is none.
-    int getAvailableTopPalsAvlPos(int favourite, int slots) const;
+    int getAvailableTopPalsAvlPos(Trace& trace, int favourite, int slots) const;
     /// @}
 
     /// @{ Quiet; of a favourite from 0 to 4.
@@ -33,11 +34,13 @@ public:
     /// @}
 
 private:
-    std::array<std::vector<bool>, TopPalNumberDetail::kPlaces> m_used; ///< each as long as it had to be
+    using Marks = std::vector<uint64_t>; ///< slot 0 is the lowest bit of the first
+
+    std::array<Marks, TopPalNumberDetail::kPlaces> m_used; ///< each as long as it had to be
 };
 
 /// The number by which the lines on standard output name a slot, held to what an int holds; writes such a line.
-int getTp5AvlRecordPos(int favourite, int pos, int slots);
+int getTp5AvlRecordPos(Trace& trace, int favourite, int pos, int slots);
 
 /// Whether such a number is that of a slot of one of the favourites' files.
 constexpr bool isTopPalsAvlLawyalPos(int index, int slots)
