@@ -358,18 +358,19 @@ int ActivityLog_ENG_RecordStore::removeTopPalsAvlItem(PHONE_ENG_ActivityLog& rec
 int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHONE_ENG_ActivityLog>& list,
                                                                  const QString& number)
 {
-    std::printf("TP5_AVL:RC Store:  ENTER: readTopPalsAvlContactRecordList()\n");
     zyn::Trace trace;
+    trace << "TP5_AVL:RC Store:  ENTER: readTopPalsAvlContactRecordList()\n";
     bool isRead = false;
     if (number.isEmpty()) {
         trace << "TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), !cr_phoneNumber.isNULL() && "
                  "r_callList != NULL \n";
     } else {
-        const QString path = zyn::contactPath(number);
-        const QByteArray shownPath = path.toLatin1();
-        std::printf("TP5_AVL:RC Store:  readTopPalsAvlContactRecordList(), fileName = %s\n", shownPath.constData());
+        const QByteArray path = zyn::contactFile(trace, number);
+        trace << "TP5_AVL:RC Store:  readTopPalsAvlContactRecordList(), fileName = "
+              << std::string_view(zyn::shownPath(path).constData()) << "\n";
+        trace.flush();
         const int slots = zyn::contactSlots();
-        const auto file = zyn::openStoreFile(QFile::encodeName(path), zyn::posix::Access::Read);
+        const auto file = zyn::openStoreFile(path, zyn::posix::Access::Read);
         if (auto image = readSlots(file.get(), 0, slots)) {
             trace << "TP5_AVL:RC Store:readTopPalsAvlContactRecordList, SUCCESS: file.open()\n";
             isRead =
@@ -381,7 +382,7 @@ int ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList(QSortedList<PHO
                 ::sortOnTimeStamp(trace, list, slots);
         } else {
             trace << "TP5_AVL: RC Store:  FAIL: readTopPalsAvlContactRecordList(), cannot open file "
-                  << std::string_view(shownPath.constData()) << "\n";
+                  << std::string_view(zyn::shownPath(path).constData()) << "\n";
         }
     }
     trace << "TP5_AVL: RC Store: EXIT: readTopPalsAvlContactRecordList() returns = " << int{isRead} << "\n";

@@ -1,6 +1,7 @@
 // The recent calls on disk.
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 
+#include "platform/posix/File_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/RecordFile_p.h"
 #include "utility/PHONE_Log_p.h"
@@ -8,10 +9,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdio>
 #include <iterator>
 #include <limits>
 #include <memory>
+#include <span>
 
 using zyn::RecordFile;
 using zyn::posix::UniqueFd;
@@ -83,17 +86,26 @@ int32_t successor(int32_t uid)
 
 QByteArray filePath(RC_CALL_CATEGORY_T category)
 {
-    QByteArray path = zyn::storeDirectoryPath() + zyn::recordFileName(category);
+    QByteArray path = zyn::storeFilePath(zyn::recordFileName(category));
     std::fputs(path.constData(), stdout);
     return path;
 }
 
 /// How many bytes the longest file of @p category has, whatever the limits in the settings, which are read for a valid
 /// file only.
-qint64 longestFile(RC_CALL_CATEGORY_T category)
+constexpr size_t longestFile(RC_CALL_CATEGORY_T category)
 {
     constexpr auto kLists = static_cast<int>(std::size(zyn::kRecordLists));
-    return RecordFile::size(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots);
+    return static_cast<size_t>(
+        RecordFile::size(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots));
+}
+
+bool write(const PHONE_ENG_RecentCall& record, const ListSlots& slots)
+{
+    if (!slots.has(record.slot))
+        return false;
+    const UniqueFd file = zyn::openStoreFile(filePath(record.category));
+    return file.isValid() && RecordFile::write(file.get(), record.slot, record);
 }
 
 } // namespace
@@ -129,7 +141,7 @@ bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
     const int slot = findSlot(m_slotBitmap, slots, false);
     record.slot = slot < slots.count ? slot : -1;
     record.print();
-    if (!modifyItem(record))
+    if (!write(record, slots))
         return false;
     mark(m_slotBitmap, slots, slot, true);
     return true;
@@ -137,10 +149,7 @@ bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
 
 bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
-    if (!ListSlots(record.category).has(record.slot))
-        return false;
-    const UniqueFd file = zyn::openStoreFile(filePath(record.category));
-    return file.isValid() && RecordFile::write(file.get(), record.slot, record);
+    return write(record, ListSlots(record.category));
 }
 
 bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
@@ -187,17 +196,21 @@ void RecentCall_ENG_RecordStore::clearAllData()
 void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>& list, RC_CALL_CATEGORY_T category)
 {
     const QByteArray path = filePath(category);
-    const auto image = zyn::readStoreFile(path, longestFile(category));
-    if (!image) {
+    std::array<std::byte, longestFile(RC_CALL_CATEGORY_ALL)> buffer; // NOLINT: only what is read is used
+    const UniqueFd file = zyn::openStoreFile(path, zyn::posix::Access::Read);
+    const ssize_t length = zyn::posix::readAt(file.get(), std::span(buffer).first(longestFile(category)), 0);
+    if (length < 0) {
         std::printf("PHONE_ENG_RecentCallManager::saveCallList. cannot open file %s", path.constData());
         return;
     }
-    if (!zyn::hasValidHeader(*image))
+    const QByteArrayView image(buffer.data(), qsizetype{length});
+    if (!zyn::hasValidHeader(image))
         return;
     const ListSlots slots(category);
-    for (const int slot : RecordFile::usedSlots(*image, slots.count)) {
-        auto record = std::make_unique<PHONE_ENG_RecentCall>();
-        RecordFile::read(*record, *image, slot);
+    for (int slot = 0; slot < slots.count; ++slot) {
+        if (!RecordFile::isInUse(image, slot))
+            continue;
+        auto record = std::make_unique<PHONE_ENG_RecentCall>(RecordFile::at(image, slot));
         if (record->uid >= s_nextUid)
             s_nextUid = successor(record->uid);
         mark(m_slotBitmap, slots, record->slot, true);

@@ -59,18 +59,14 @@ bool create(const FileKind& kind, const QString& fileName, int slots)
     return result == CreateResult::Done;
 }
 
-/// The path of the file of the contact @p number, as the system has it; null where contactPath() gives none.
-QByteArray contactFile(Trace& trace, QLatin1String number)
+bool isAscii(QByteArrayView text)
 {
-    // What a number is made of names no other file, and needs no conversion in a path that needs none.
-    const auto isPlain = [](char c) { return (c >= '0' && c <= '9') || c == '+'; };
-    if (!number.isEmpty() && std::ranges::all_of(number, isPlain)) {
-        QByteArray path = storeDirectoryPath();
-        if (std::ranges::all_of(path, [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
-            return path.append('/').append(number.data(), number.size());
-    }
-    trace.flush();
-    return QFile::encodeName(contactPath(number));
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool isDialed(char c)
+{
+    return (c >= '0' && c <= '9') || c == '+';
 }
 
 QString detailsPath()
@@ -120,6 +116,34 @@ QString topPalsPath(const QString& name)
 QString contactPath(const QString& number)
 {
     return number == QLatin1String(kTopPalsDetailsName) ? QString() : topPalsPath(number);
+}
+
+QByteArray contactFile(Trace& trace, QLatin1String number)
+{
+    // What numbers are made of names no other file, and in a path of ASCII nothing needs a conversion.
+    std::array<char, sizeof(PHONE_ENG_RecentCall::phoneNumber) + 1> name = {'/'};
+    if (!number.isEmpty() && number.size() < qsizetype{name.size()} && std::ranges::all_of(number, isDialed)) {
+        const auto* const end = std::ranges::copy(number, name.begin() + 1).out;
+        const QByteArray path = storeFilePath(QByteArrayView(name.begin(), end));
+        if (isAscii(path))
+            return path;
+    }
+    trace.flush();
+    return QFile::encodeName(contactPath(number));
+}
+
+QByteArray contactFile(Trace& trace, const QString& number)
+{
+    const QByteArray latin1 = number.toLatin1();
+    if (QLatin1String(latin1) == number)
+        return contactFile(trace, QLatin1String(latin1));
+    trace.flush();
+    return QFile::encodeName(contactPath(number));
+}
+
+QByteArray shownPath(const QByteArray& path)
+{
+    return isAscii(path) ? path : QFile::decodeName(path).toLatin1();
 }
 
 bool checkTopPalsDetailsFile(const QString& fileName)

@@ -97,6 +97,13 @@ QString topPalsPath(const QString& name);
 /// The path of a contact's file; null for the name of the details file as well.
 QString contactPath(const QString& number);
 
+/// @{ The same path as the system has it, found without conversions for what numbers are made of.
+QByteArray contactFile(Trace& trace, QLatin1String number);
+QByteArray contactFile(Trace& trace, const QString& number);
+/// @}
+/// How lines show the path @p path: as Latin-1.
+QByteArray shownPath(const QByteArray& path);
+
 bool checkTopPalsDetailsFile(const QString& fileName);
 bool checkTopPalsFile(const QString& fileName, int slots);
 

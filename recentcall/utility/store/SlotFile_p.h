@@ -8,6 +8,8 @@
 #include <QtCore/QByteArray>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <concepts>
 #include <cstring>
 #include <span>
@@ -95,9 +97,14 @@ public:
     /// The same into a blank record.
     static Record at(QByteArrayView image, int slot) requires std::is_trivially_copyable_v<Record>
     {
-        Record record{};
-        read(record, image, slot);
-        return record;
+        if (offset(slot + 1) > image.size()) {
+            Record record{};
+            read(record, image, slot);
+            return record;
+        }
+        std::array<char, sizeof(Record)> bytes{};
+        std::memcpy(bytes.data(), image.data() + offset(slot), bytes.size());
+        return std::bit_cast<Record>(bytes);
     }
 
     /// Puts @p record into @p slot of @p image, which holds that slot whole.

@@ -111,12 +111,20 @@ bool replaceInvalidFile(posix::UniqueFd invalid, const QByteArray& contents, pos
 
 QByteArray storeDirectoryPath()
 {
+    return storeFilePath("");
+}
+
+QByteArray storeFilePath(QByteArrayView name)
+{
     const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
-    constexpr qsizetype kRoomForName = 64;
-    QByteArray path;
-    path.reserve(dataDirectory.size() + kRoomForName);
-    path += dataDirectory.isEmpty() ? QByteArrayView("/tmp") : QByteArrayView(dataDirectory);
-    path += "/phone";
+    const QByteArrayView parts[] = {dataDirectory.isEmpty() ? QByteArrayView("/tmp") : dataDirectory, "/phone", name};
+    qsizetype size = 0;
+    for (const QByteArrayView part : parts)
+        size += part.size();
+    QByteArray path(size, Qt::Uninitialized);
+    char* end = path.data();
+    for (const QByteArrayView part : parts)
+        end = std::copy(part.begin(), part.end(), end);
     return path;
 }
 

@@ -60,6 +60,9 @@ inline bool hasValidHeader(QByteArrayView image)
 /// names, with blanks around it removed, or under "/tmp" when that is unset or empty.
 QByteArray storeDirectoryPath();
 
+/// The path of a file in that directory, its name given with a leading slash.
+QByteArray storeFilePath(QByteArrayView name);
+
 /// The path of the file @p name in the store directory.
 QString storePath(const QString& name);
 
