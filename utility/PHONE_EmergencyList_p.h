@@ -57,49 +57,57 @@ inline constexpr char kImeiCode[] = "*#06#";
 /// tried.
 inline constexpr const char* kPinCodes[] = {"**04*", "**042*", "**05*", "**052*"};
 
-/// Whether @p isWanted holds for one of the numbers in @p records.
+/// Whether @p isWanted holds for one of the numbers in the first @p length bytes of @p records. A last record that is
+/// cut short counts, where @p isLast, when its NUL is there: a file caught half-written gives no number that nobody
+/// wrote.
 template<typename IsWanted>
-bool anyOf(std::span<const Record> records, IsWanted isWanted)
+bool anyOf(std::span<const Record> records, ssize_t length, bool isLast, IsWanted isWanted)
 {
-    return std::ranges::any_of(records, [&](const Record& record) {
+    const auto whole = static_cast<size_t>(length) / sizeof(Record);
+    const auto rest = static_cast<size_t>(length) % sizeof(Record);
+    const bool isRestNumber = isLast && rest > 0 && std::memchr(records[whole].data(), '\0', rest);
+    return std::ranges::any_of(records.first(whole + (isRestNumber ? 1 : 0)), [&](const Record& record) {
         const std::string_view number(record.data(), qstrnlen(record.data(), record.size()));
         return !number.empty() && isWanted(number);
     });
 }
 
-/// Whether @p isWanted holds for one of the numbers (each a std::string_view of Latin-1) in the file @p path, tried in
-/// their order; false when the file cannot be read. A last record that is cut short counts when its NUL is there: a
-/// file caught half-written gives no number that nobody wrote.
+/// Whether @p isWanted holds for one of the numbers in the open file @p file, however long it is.
 template<typename IsWanted>
-bool anyNumber(IsWanted isWanted, const char* path = kListFile)
+bool anyOfLongList(int file, IsWanted isWanted)
 {
-    const posix::UniqueFd file = posix::openForReading(QByteArray::fromRawData(path, qsizetype(qstrlen(path))));
-    const std::optional<qint64> regularSize = posix::regularFileSize(file.get());
-    const qint64 size = regularSize.value_or(0);
+    const qint64 size = posix::regularFileSize(file).value_or(0);
     constexpr auto kRecordSize = static_cast<off_t>(sizeof(Record));
-    std::array<Record, kShortList> few; // NOLINT: only what is read is used
-    std::vector<Record> many;
-    std::span<Record> records = few;
-    if (!regularSize || size >= off_t{sizeof few}) {
-        many.resize(static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
-        records = many;
-    }
+    std::vector<Record> records(
+        static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
     for (off_t offset = 0;;) {
-        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(records), offset);
+        const ssize_t length = posix::readOnceAt(file, std::as_writable_bytes(std::span(records)), offset);
         if (length <= 0)
             return false;
-        const auto whole = static_cast<size_t>(length) / sizeof(Record);
-        const auto rest = static_cast<size_t>(length) % sizeof(Record);
         const bool isLast = offset + length >= size;
-        const bool isRestNumber = isLast && rest > 0 && std::memchr(records[whole].data(), '\0', rest);
-        if (anyOf(records.first(whole + (isRestNumber ? 1 : 0)), isWanted))
+        const off_t whole = off_t{length} / kRecordSize;
+        if (anyOf(records, length, isLast, isWanted))
             return true;
         if (isLast || whole == 0)
             return false;
         // Holes hold no number, and may be too long to read.
-        offset =
-            posix::nextData(file.get(), offset + static_cast<off_t>(whole) * kRecordSize) / kRecordSize * kRecordSize;
+        offset = posix::nextData(file, offset + whole * kRecordSize) / kRecordSize * kRecordSize;
     }
+}
+
+/// Whether @p isWanted holds for one of the numbers (each a std::string_view of Latin-1) in the file @p path, tried in
+/// their order; false when the file cannot be read.
+template<typename IsWanted>
+bool anyNumber(IsWanted isWanted, const char* path = kListFile)
+{
+    const posix::UniqueFd file = posix::openForReading(QByteArray::fromRawData(path, qsizetype(qstrlen(path))));
+    std::array<Record, kShortList> few; // NOLINT: only what is read is used
+    if (const off_t end = posix::endOf(file.get()); end >= 0 && end < off_t{sizeof few}) {
+        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(std::span(few)), 0);
+        if (length < ssize_t{sizeof few})
+            return length > 0 && anyOf(few, length, true, isWanted);
+    }
+    return anyOfLongList(file.get(), isWanted);
 }
 
 /// Whether @p text is how one of these numbers begins.

@@ -156,6 +156,11 @@ std::optional<qint64> soleFileSize(int fd)
     return ::fstat(fd, &status) == 0 && status.st_nlink == 1 ? regularFileSize(fd) : std::nullopt;
 }
 
+off_t endOf(int fd)
+{
+    return ::lseek(fd, 0, SEEK_END);
+}
+
 off_t nextData(int fd, off_t offset)
 {
     const off_t next = ::lseek(fd, offset, SEEK_DATA);

@@ -93,6 +93,9 @@ std::optional<qint64> regularFileSize(int fd);
 /// The same; nothing, too, when the file has another name.
 std::optional<qint64> soleFileSize(int fd);
 
+/// Where the open file @p fd ends, which is its size if it is regular; -1 when it has no end. The quickest way to know.
+off_t endOf(int fd);
+
 /// The offset in the open file @p fd, from @p offset on, at which there is no hole; the file's end when there is none.
 off_t nextData(int fd, off_t offset);
 
