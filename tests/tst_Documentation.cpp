@@ -261,169 +261,162 @@ class tst_Documentation : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void laysOutFilesAndFrames();
-    void numbersEnumerators();
-    void namesConstantsAndSettings();
-    void listsMessages();
-    void listsSignals();
-    void namesWhatThereIs_data();
-    void namesWhatThereIs();
-};
-
-void tst_Documentation::laysOutFilesAndFrames()
-{
-    const QMap<QString, QStringList> others = filesAndFrames();
-    QSet<QString> documented;
-    for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
-        if (!table.has("Offset"))
-            continue;
-        const auto caption = QRegularExpression(u"^`?([^`]+)`?, (.+) bytes:$"_s).match(table.caption);
-        const QString name = caption.captured(1);
-        documented += name;
-        QStringList rows{caption.captured(2).remove(QRegularExpression(u"(?<=\\d) (?=\\d)"_s))};
-        for (const QStringList& row : table.rows)
-            rows += table.text(row, {"Offset", "Size", "Field"});
-        QCOMPARE(difference(rows, others.contains(name) ? others[name] : layoutOf(name)), QString());
-    }
-    const QStringList inOthers{u"StoreFileHeader"_s, u"SeenCalls::Mark"_s, u"TopPalNumberDetail"_s,
-                               u"TAPI_NETWORK_PREFERED_ENTRY_S"_s};
-    const QString inMemory = u"RC_PttInfo_T"_s;
-    for (const QString& name : capturesOf(sources(), u"offsetof\\(([\\w:]+), \\w+\\) =="_s) + others.keys())
-        QVERIFY2(documented.contains(name) || inOthers.contains(name) || name == inMemory, qPrintable(name));
-}
-
-void tst_Documentation::numbersEnumerators()
-{
-    QMap<QString, QStringList> undocumented = enumerations();
-    for (const MarkdownTable& table : tablesIn(u"formats.md"_s) + tablesIn(u"messages.md"_s)) {
-        if (!table.has("Name"))
-            continue;
-        QStringList rows;
-        for (const QStringList& row : table.rows) {
-            rows += table.text(row, {table.has("Code") ? "Code" : "Value", "Name"});
-            const QString record = capturesOf(table.cell(row, "Data"), kBackticked).value(0);
-            if (!record.isEmpty())
-                QCOMPARE(table.cell(row, "Length"), layoutOf(record).first());
+    void laysOutFilesAndFrames()
+    {
+        const QMap<QString, QStringList> others = filesAndFrames();
+        QSet<QString> documented;
+        for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
+            if (!table.has("Offset"))
+                continue;
+            const auto caption = QRegularExpression(u"^`?([^`]+)`?, (.+) bytes:$"_s).match(table.caption);
+            const QString name = caption.captured(1);
+            documented += name;
+            QStringList rows{caption.captured(2).remove(QRegularExpression(u"(?<=\\d) (?=\\d)"_s))};
+            for (const QStringList& row : table.rows)
+                rows += table.text(row, {"Offset", "Size", "Field"});
+            QCOMPARE(difference(rows, others.contains(name) ? others[name] : layoutOf(name)), QString());
         }
-        rows.removeDuplicates();
-        const QString name = capturesOf(table.caption, u"`([\\w:]+)`:$"_s).value(0);
-        QCOMPARE(difference(rows, undocumented.take(name)), QString());
+        const QStringList inOthers{u"StoreFileHeader"_s, u"SeenCalls::Mark"_s, u"TopPalNumberDetail"_s,
+                                   u"TAPI_NETWORK_PREFERED_ENTRY_S"_s};
+        const QString inMemory = u"RC_PttInfo_T"_s;
+        for (const QString& name : capturesOf(sources(), u"offsetof\\(([\\w:]+), \\w+\\) =="_s) + others.keys())
+            QVERIFY2(documented.contains(name) || inOthers.contains(name) || name == inMemory, qPrintable(name));
     }
-    QCOMPARE(undocumented.keys(), QStringList());
-}
 
-void tst_Documentation::namesConstantsAndSettings()
-{
-    QStringList documented;
-    QStringList states;
-    QStringList columns;
-    for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
-        for (const QStringList& row : table.rows) {
-            if (table.has("Constant"))
-                documented += table.text(row, {"Constant"}) + " | "_L1 + table.cell(row, "Value").remove(u' ');
-            if (table.has("Word") && table.has("Key"))
-                states += table.text(row, {"Key", "Word"});
-            if (table.heading.contains("CSV"_L1))
-                columns += capturesOf(table.cell(row, "Field"), kBackticked);
-            for (const QString& key : capturesOf(table.cell(row, "Group") + table.cell(row, "Key"), kBackticked))
-                QVERIFY2(key.toInt() > 0 || sources().contains(u'"' + key + u'"'), qPrintable(key));
+    void numbersEnumerators()
+    {
+        QMap<QString, QStringList> undocumented = enumerations();
+        for (const MarkdownTable& table : tablesIn(u"formats.md"_s) + tablesIn(u"messages.md"_s)) {
+            if (!table.has("Name"))
+                continue;
+            QStringList rows;
+            for (const QStringList& row : table.rows) {
+                rows += table.text(row, {table.has("Code") ? "Code" : "Value", "Name"});
+                const QString record = capturesOf(table.cell(row, "Data"), kBackticked).value(0);
+                if (!record.isEmpty())
+                    QCOMPARE(table.cell(row, "Length"), layoutOf(record).first());
+            }
+            rows.removeDuplicates();
+            const QString name = capturesOf(table.caption, u"`([\\w:]+)`:$"_s).value(0);
+            QCOMPARE(difference(rows, undocumented.take(name)), QString());
         }
+        QCOMPARE(undocumented.keys(), QStringList());
     }
-    QCOMPARE(difference(documented, constants()), QString());
-    const QStringList columnsInCode = capturesOf(sources(), u"\\{\"(\\w+)\",\\s(?:kEntry \\+ )?offsetof"_s);
-    QCOMPARE(difference(sorted(columns), sorted(columnsInCode)), QString());
-    QStringList actual;
-    for (const zyn::handset::State& state : zyn::handset::kStates)
-        actual += QLatin1String(state.key) + " | "_L1 + QLatin1String(state.name);
-    QCOMPARE(difference(states, actual), QString());
-}
 
-void tst_Documentation::listsMessages()
-{
-    QMap<QString, Message> known;
-    QStringList actual;
-    for (const Message& message : messages()) {
-        const QString key = message.channel + " | "_L1 + message.name;
-        known[key] = message;
-        actual += QStringList{key, message.type, message.word, payloadText(*message.form)}.join(u" | "_s);
-    }
-    QStringList documented;
-    QStringList emitted;
-    for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
-        if (!table.has("Message"))
-            continue;
-        for (const QStringList& row : table.rows) {
-            documented += table.heading + " | "_L1 + table.text(row, {"Message", "Type", "Word", "Payload"});
-            const Message message = known.value(table.heading + " | "_L1 + table.text(row, {"Message"}));
-            const QString emits = table.cell(row, "Emits");
-            QCOMPARE(row.constFirst() + emissionProblem(message, emits), row.constFirst());
-            emitted += capturesOf(emits, u"`(\\w+)`"_s);
+    void namesConstantsAndSettings()
+    {
+        QStringList documented;
+        QStringList states;
+        QStringList columns;
+        for (const MarkdownTable& table : tablesIn(u"formats.md"_s)) {
+            for (const QStringList& row : table.rows) {
+                if (table.has("Constant"))
+                    documented += table.text(row, {"Constant"}) + " | "_L1 + table.cell(row, "Value").remove(u' ');
+                if (table.has("Word") && table.has("Key"))
+                    states += table.text(row, {"Key", "Word"});
+                if (table.heading.contains("CSV"_L1))
+                    columns += capturesOf(table.cell(row, "Field"), kBackticked);
+                for (const QString& key : capturesOf(table.cell(row, "Group") + table.cell(row, "Key"), kBackticked))
+                    QVERIFY2(key.toInt() > 0 || sources().contains(u'"' + key + u'"'), qPrintable(key));
+            }
         }
+        QCOMPARE(difference(documented, constants()), QString());
+        const QStringList columnsInCode = capturesOf(sources(), u"\\{\"(\\w+)\",\\s(?:kEntry \\+ )?offsetof"_s);
+        QCOMPARE(difference(sorted(columns), sorted(columnsInCode)), QString());
+        QStringList actual;
+        for (const zyn::handset::State& state : zyn::handset::kStates)
+            actual += QLatin1String(state.key) + " | "_L1 + QLatin1String(state.name);
+        QCOMPARE(difference(states, actual), QString());
     }
-    QCOMPARE(difference(documented, actual), QString());
-    QStringList all;
-    for (const QMetaObject* client : {&PHONE_MsgClient::staticMetaObject, &PHONE_VoiceCallReceiver::staticMetaObject,
-                                      &RecentCall_MsgClient::staticMetaObject}) {
-        for (const QByteArray& signature : signalsOf(*client))
-            all += QString::fromLatin1(signature).section(u'(', 0, 0);
-    }
-    QCOMPARE(difference(sorted(emitted), sorted(all)), QString());
-}
 
-void tst_Documentation::listsSignals()
-{
-    const auto name = [](const QByteArray& signature) { return signature.first(signature.indexOf('(')); };
-    QSet<QByteArray> relayed;
-    for (const QByteArray& signature : signalsOf(PHONE_AsyncMsgReceiver::staticMetaObject))
-        relayed += name(signature);
-    QStringList actual;
-    for (const QByteArray& signature : signalsOf(PHONE_MsgClient::staticMetaObject))
-        actual += QString::fromLatin1(signature) + (relayed.contains(name(signature)) ? " | yes"_L1 : " | no"_L1);
-    QStringList documented;
-    for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
-        for (const QStringList& row : table.has("Relayed") ? table.rows : QList<QStringList>())
-            documented += table.text(row, {"Signal", "Relayed"});
+    void listsMessages()
+    {
+        QMap<QString, Message> known;
+        QStringList actual;
+        for (const Message& message : messages()) {
+            const QString key = message.channel + " | "_L1 + message.name;
+            known[key] = message;
+            actual += QStringList{key, message.type, message.word, payloadText(*message.form)}.join(u" | "_s);
+        }
+        QStringList documented;
+        QStringList emitted;
+        for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
+            if (!table.has("Message"))
+                continue;
+            for (const QStringList& row : table.rows) {
+                documented += table.heading + " | "_L1 + table.text(row, {"Message", "Type", "Word", "Payload"});
+                const Message message = known.value(table.heading + " | "_L1 + table.text(row, {"Message"}));
+                const QString emits = table.cell(row, "Emits");
+                QCOMPARE(row.constFirst() + emissionProblem(message, emits), row.constFirst());
+                emitted += capturesOf(emits, u"`(\\w+)`"_s);
+            }
+        }
+        QCOMPARE(difference(documented, actual), QString());
+        QStringList all;
+        for (const QMetaObject* client :
+             {&PHONE_MsgClient::staticMetaObject, &PHONE_VoiceCallReceiver::staticMetaObject,
+              &RecentCall_MsgClient::staticMetaObject}) {
+            for (const QByteArray& signature : signalsOf(*client))
+                all += QString::fromLatin1(signature).section(u'(', 0, 0);
+        }
+        QCOMPARE(difference(sorted(emitted), sorted(all)), QString());
     }
-    QCOMPARE(difference(documented, actual), QString());
-}
 
-void tst_Documentation::namesWhatThereIs_data()
-{
-    QTest::addColumn<QString>("document");
-    for (const char* name : {"CHANGELOG.md", "CONTRIBUTING.md", "README.md"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-    for (const QString& name : QDir(kSource + "docs"_L1).entryList({u"*.md"_s}))
-        QTest::newRow(qPrintable(name)) << "docs/"_L1 + name;
-}
-
-/// Links lead to files and headings; what backticks hold of paths in the tree and of functions is there.
-void tst_Documentation::namesWhatThereIs()
-{
-    QFETCH(const QString, document);
-    const QString text = readText(kSource + document).remove(QRegularExpression(u"```[^`]*```"_s));
-    QVERIFY(!text.isEmpty());
-    QStringList missing;
-    for (const QString& link : capturesOf(text, u"\\]\\(([^):]+)\\)"_s)) {
-        const QString path = link.section(u'#', 0, 0);
-        const QString folder = QFileInfo(kSource + document).path() + u'/';
-        const QString target = path.isEmpty() ? kSource + document : folder + path;
-        const QString heading = link.section(u'#', 1);
-        if (!QFileInfo::exists(target) || (!heading.isEmpty() && !anchorsOf(readText(target)).contains(heading)))
-            missing += link;
+    void listsSignals()
+    {
+        const auto name = [](const QByteArray& signature) { return signature.first(signature.indexOf('(')); };
+        QSet<QByteArray> relayed;
+        for (const QByteArray& signature : signalsOf(PHONE_AsyncMsgReceiver::staticMetaObject))
+            relayed += name(signature);
+        QStringList actual;
+        for (const QByteArray& signature : signalsOf(PHONE_MsgClient::staticMetaObject))
+            actual += QString::fromLatin1(signature) + (relayed.contains(name(signature)) ? " | yes"_L1 : " | no"_L1);
+        QStringList documented;
+        for (const MarkdownTable& table : tablesIn(u"messages.md"_s)) {
+            for (const QStringList& row : table.has("Relayed") ? table.rows : QList<QStringList>())
+                documented += table.text(row, {"Signal", "Relayed"});
+        }
+        QCOMPARE(difference(documented, actual), QString());
     }
-    static const QRegularExpression path(
-        u"^(cmake|docs|examples|handset|platform|recentcall|scripts|tests|tools|utility)/[\\w./-]*$"_s);
-    static const QRegularExpression function(u"^[\\w:]+(\\(\\)|::\\w+)$"_s);
-    for (const QString& token : capturesOf(text, kBackticked)) {
-        if (path.match(token).hasMatch() && !QFileInfo::exists(kSource + token))
-            missing += token;
-        for (const QString& name : capturesOf(function.match(token).captured(), u"(\\w+)"_s)) {
-            if (!sources().contains(QRegularExpression(u"\\b%1\\b"_s.arg(name))))
+
+    void namesWhatThereIs_data()
+    {
+        QTest::addColumn<QString>("document");
+        for (const char* name : {"CHANGELOG.md", "CONTRIBUTING.md", "README.md"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+        for (const QString& name : QDir(kSource + "docs"_L1).entryList({u"*.md"_s}))
+            QTest::newRow(qPrintable(name)) << "docs/"_L1 + name;
+    }
+
+    /// Links lead to files and headings; what backticks hold of paths in the tree and of functions is there.
+    void namesWhatThereIs()
+    {
+        QFETCH(const QString, document);
+        const QString text = readText(kSource + document).remove(QRegularExpression(u"```[^`]*```"_s));
+        QVERIFY(!text.isEmpty());
+        QStringList missing;
+        for (const QString& link : capturesOf(text, u"\\]\\(([^):]+)\\)"_s)) {
+            const QString path = link.section(u'#', 0, 0);
+            const QString folder = QFileInfo(kSource + document).path() + u'/';
+            const QString target = path.isEmpty() ? kSource + document : folder + path;
+            const QString heading = link.section(u'#', 1);
+            if (!QFileInfo::exists(target) || (!heading.isEmpty() && !anchorsOf(readText(target)).contains(heading)))
+                missing += link;
+        }
+        static const QRegularExpression path(
+            u"^(cmake|docs|examples|handset|platform|recentcall|scripts|tests|tools|utility)/[\\w./-]*$"_s);
+        static const QRegularExpression function(u"^[\\w:]+(\\(\\)|::\\w+)$"_s);
+        for (const QString& token : capturesOf(text, kBackticked)) {
+            if (path.match(token).hasMatch() && !QFileInfo::exists(kSource + token))
                 missing += token;
+            for (const QString& name : capturesOf(function.match(token).captured(), u"(\\w+)"_s)) {
+                if (!sources().contains(QRegularExpression(u"\\b%1\\b"_s.arg(name))))
+                    missing += token;
+            }
         }
+        QCOMPARE(missing.join(u' '), QString());
     }
-    QCOMPARE(missing.join(u' '), QString());
-}
+};
 
 QTEST_GUILESS_MAIN(tst_Documentation)
 #include "tst_Documentation.moc"

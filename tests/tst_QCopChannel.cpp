@@ -64,6 +64,15 @@ public:
         QCopChannel::receive(message, data);
     }
 
+    /// How many each sender has sent.
+    QString allCounts() const
+    {
+        QString all = isInOrder ? u""_s : u"out of order "_s;
+        for (const auto& [sender, count] : counts)
+            all += QString::fromLatin1(sender) + QString::number(count);
+        return all;
+    }
+
     QStringList texts; ///< the messages with their payloads
     QList<QCString> names;
     QByteArray last;
@@ -180,12 +189,12 @@ int sendRole(const QStringList& arguments)
     const rlimit none = {0, 0};
     ::setrlimit(RLIMIT_CORE, &none);
     const QString& where = arguments[3];
-    if (where == u"static object") {
+    if (where == u"static") {
         static Sender sender(arguments, true);
         sender.send();
         return EXIT_SUCCESS;
     }
-    if (where == u"object of a thread") {
+    if (where == u"thread-object") {
         // Who waits for a QThread does not wait for these objects.
         std::thread([&] {
             static thread_local Sender sender(arguments, true);
@@ -263,21 +272,283 @@ private Q_SLOTS:
     }
 
     void handsOverMessages_data() { scenario::addRows(QFINDTESTDATA("data/channels.txt")); }
-    void handsOverMessages();
-    void findsWhoComesBetweenTwoMessages_data();
-    void findsWhoComesBetweenTwoMessages();
-    void writesAHandfulOfATurnAtOnceAndGathersABurst();
-    void movesWhatWaitsOnOneChannelWithMessagesOnOthers();
-    void losesNothingAndKeepsEachSendersOrder_data();
-    void losesNothingAndKeepsEachSendersOrder();
-    void keepsOrderOnMoreChannelsThanStayOpen_data();
-    void keepsOrderOnMoreChannelsThanStayOpen();
-    void listsOtherListenersSeldomWhenItHasMany();
-    void losesNothingAcceptedForAStoppedListener();
-    void tellsWhenDescriptorsAreTooFew();
-    void servesOthersWhenAListenerIsDestroyed();
-    void deliversInANestedLoop();
-    void servesEachThreadInItsLoop();
+    void handsOverMessages()
+    {
+        using scenario::bytes;
+        using Words = const QStringList&;
+        const QString& folder = m_folder->path();
+        const auto inbox = [this](Words words) -> Inbox& { return *m_inboxes.at(words[0]); };
+        const auto process = [this](Words words) -> QProcess& { return *m_processes.at(words[0]); };
+        const auto socket = [this](const QString& name) { return m_sockets.at(name).get(); };
+        scenario::Verbs verbs = {
+            {u"accept"_s,
+             [&](Words w) { return (m_sockets[w[0]] = zyn::posix::acceptConnection(socket(w[1]))).isValid(); }},
+            {u"bare"_s, [&](Words w) { m_sockets[w[0]] = listenBare(); }},
+            {u"channels"_s, [] { return QString::fromLatin1(QCopChannel::channels().join(' ')); }},
+            {u"close"_s, [&](Words w) { m_inboxes.erase(w[0]); }},
+            {u"connect"_s,
+             [&](Words w) { m_sockets[w[0]] = connectUnixAtOnce(socketPath(sockets().at(0).toLatin1())); }},
+            {u"warn"_s,
+             [&] { QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"c\" in \"" + root() + '"'); }},
+            {u"end"_s, [&](Words w) { return role::finish(*std::exchange(m_processes[w[0]], {})); }},
+            {u"ended"_s, [&](Words w) { return zyn::posix::waitUntilClosed(socket(w[0]), zyn::posix::Clock::now()); }},
+            {u"got"_s, [&](Words w) { return inbox(w).texts.join(u' '); }},
+            {u"isInOrder"_s, [&](Words w) { return inbox(w).isInOrder; }},
+            {u"counts"_s, [&](Words w) { return inbox(w).allCounts(); }},
+            {u"isListening"_s, [&](Words w) { return inbox(w).isListening() ? u"yes"_s : u"no"_s; }},
+            {u"kill"_s, [&](Words w) { return process(w).kill(), role::finish(process(w)); }},
+            {u"killChild"_s, [&](Words w) { return ::kill(inbox(w).names.at(0).toInt(), SIGKILL) == 0; }},
+            {u"leaks"_s, [&] { return openDescriptors() == m_known; }},
+            {u"listen"_s, [&](Words w) { return listen(w[0], bytes(w[1])); }},
+            {u"hear"_s, [&](Words w) { return ::listen(socket(w[0]), w[1].toInt()) == 0; }},
+            {u"put"_s, [&](Words w) { sendBytewise(socket(w[0]), bytes(w[1])); }},
+            {u"send"_s, [](Words w) { return QCopChannel::send(bytes(w[0]), bytes(w[1]), bytes(w.value(2))); }},
+            {u"set"_s, [&](Words w) { setVariable(w[0].toLatin1(), w.value(1)); }},
+            {u"sh"_s, [&](Words w) { return scenario::shell(folder, w); }},
+            {u"start"_s, [&](Words w) { return role::waitReady(*(m_processes[w[0]] = role::start(w[1], w.mid(2)))); }},
+            {u"takes"_s, [&](Words w) { return scenario::textOf(receiveBare(m_sockets.at(w[0]))); }},
+            {u"young"_s, [&](Words w) { m_sockets[w[0]] = bindElsewhere(); }},
+        };
+        verbs.emplace(u"turn"_s, [&](Words w) {
+            inOneTurn([&] {
+                for (const QString& step : w.join(u' ').split(u" ; "_s, Qt::SkipEmptyParts))
+                    verbs.at(step.section(u' ', 0, 0))(step.split(u' ').mid(1));
+            });
+        });
+        scenario::play(verbs);
+    }
+
+    void findsWhoComesBetweenTwoMessages_data()
+    {
+        QTest::addColumn<QByteArray>("command"); // on the name of the number that listeners and senders share
+        QTest::addColumn<int>("size");           // of a segment that is named instead
+        QTest::addColumn<int>("flags");
+        QTest::newRow("counted") << QByteArray("true") << 0 << 0;
+        QTest::newRow("the name is removed") << QByteArray("rm .zyn-changes") << 0 << 0;
+        QTest::newRow("the directories are made anew") << QByteArray("rm -r $PWD") << 0 << 0;
+        QTest::newRow("a file has the name") << QByteArray("rm .zyn-changes; touch .zyn-changes") << 0 << 0;
+        for (const QByteArray& name : {QByteArray("0-0"), QByteArray("2147483648-0"), QByteArray(1000, '9')})
+            QTest::newRow("named: " + name.first(3)) << "ln -sfn " + name + " .zyn-changes" << 0 << 0;
+        QTest::newRow("a segment that somebody else has made") << QByteArray() << 16 << 0600;
+        QTest::newRow("a segment that others may write") << QByteArray() << 16 << 0606;
+        QTest::newRow("a segment that is too small") << QByteArray() << 8 << 0600;
+        QTest::newRow("a segment of huge pages that are wanting")
+            << QByteArray() << 16 << (0600 | SHM_HUGETLB | SHM_NORESERVE);
+    }
+
+    void findsWhoComesBetweenTwoMessages()
+    {
+        QFETCH(QByteArray, command);
+        QFETCH(int, size);
+        QFETCH(int, flags);
+        Inbox early;
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(QCopChannel::send(kChannel, "n"));
+        const int segment = size > 0 ? ::shmget(IPC_PRIVATE, static_cast<size_t>(size), flags | IPC_CREAT) : 0;
+        if (segment < 0)
+            QSKIP("there are no such segments");
+        const auto remove = qScopeGuard([&] { size > 0 ? ::shmctl(segment, IPC_RMID, nullptr) : 0; });
+        if (size > 0)
+            command = "ln -sfn " + QByteArray::number(segment) + "-0 .zyn-changes";
+        QCOMPARE(std::system(("cd " + root() + " && " + command).constData()), 0);
+        std::vector<std::unique_ptr<Inbox>> late;
+        for (constexpr size_t kCount = 30; late.size() < kCount;) {
+            late.push_back(std::make_unique<Inbox>());
+            QVERIFY(QCopChannel::send(kChannel, "n"));
+        }
+        for (size_t i = 0; i < late.size(); ++i)
+            QTRY_COMPARE(late[i]->names.size(), qsizetype(late.size() - i));
+    }
+
+    void writesAHandfulOfATurnAtOnceAndGathersABurst()
+    {
+        const auto listener = listenBare();
+        UniqueFd sender;
+        QByteArrayList early;
+        inOneTurn([&] {
+            for (int i = 0; i < 20; ++i) {
+                QVERIFY(QCopChannel::send(kChannel, "n", QByteArray(1, char('a' + i))));
+                if (i == 0)
+                    sender = zyn::posix::acceptConnection(listener.get());
+                early.append(receiveBare(sender));
+            }
+        });
+        // The other dispatchers do not tell the end of a loop's last turn.
+        const bool isGathered = QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
+        for (int i = 0; i < 20; ++i) {
+            const QByteArray frame("\1\0\0\0\1\0\0\0n", 9);
+            QCOMPARE(early[i], isGathered && i >= 16 ? QByteArray() : frame + char('a' + i));
+        }
+        QCOMPARE(receiveBare(sender).size(), isGathered ? 4 * 10 : 0);
+        ::unlink(socketPath("bare").constData());
+    }
+
+    void movesWhatWaitsOnOneChannelWithMessagesOnOthers()
+    {
+        const auto listener = listenBare();
+        const QByteArray block(100'000, 'x');
+        qsizetype sent = 0;
+        qsizetype received = 0;
+        while (sent < 10) // more than the socket takes
+            sent += QCopChannel::send(kChannel, "n", block) ? 1 : 0;
+        const auto sender = zyn::posix::acceptConnection(listener.get());
+        for (int i = 0; i < 100; ++i) { // no event loop runs meanwhile
+            QByteArray bytes(block.size(), '\0');
+            for (ssize_t n = 1; n > 0; received += std::max<ssize_t>(n, 0))
+                n = ::recv(sender.get(), bytes.data(), size_t(bytes.size()), MSG_DONTWAIT);
+            QVERIFY(QCopChannel::send("other", "n"));
+        }
+        QCOMPARE(received, sent * (block.size() + 9));
+        ::unlink(socketPath("bare").constData());
+    }
+
+    void keepsOrderOnMoreChannelsThanStayOpen_data()
+    {
+        QTest::addColumn<bool>("isSlow");
+        QTest::newRow("a listener that has received nothing when it is given up") << true;
+        QTest::newRow("a listener that receives all at once") << false;
+    }
+
+    void keepsOrderOnMoreChannelsThanStayOpen()
+    {
+        QFETCH(bool, isSlow);
+        constexpr int kChannels = 100;
+        constexpr int kRounds = 4;
+        const auto process = role::start(u"listen"_s, {u"many"_s, QString::number(kChannels)});
+        QVERIFY(role::waitReady(*process));
+        const auto low = limitDescriptors(256); // of which connections get a part
+        if (isSlow)
+            signalTo(*process, SIGSTOP);
+        for (int i = 0; i <= kRounds; ++i) {
+            for (int channel = 0; channel < kChannels; ++channel) {
+                const QByteArray name = channel > 0 ? "many" + QByteArray::number(channel) : "many";
+                QVERIFY(i < kRounds
+                            ? QCopChannel::send(name, "n", numbered("test", i, i == 0 ? 60'000 : 0)) // several reads
+                            : QCopChannel::send(name, "end", QByteArray::number(kRounds)));
+            }
+        }
+        if (isSlow)
+            signalTo(*process, SIGCONT);
+        else
+            QVERIFY(openDescriptors() < 200);
+        QTRY_COMPARE(process->state(), QProcess::NotRunning);
+        QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+    }
+
+    void listsOtherListenersSeldomWhenItHasMany()
+    {
+        const Inbox first;
+        const UniqueFd watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+        QVERIFY(::inotify_add_watch(watch.get(), socketPath({}).constData(), IN_OPEN) >= 0);
+        std::vector<std::unique_ptr<Inbox>> many;
+        int lists = 0;
+        while (many.size() < 200) {
+            many.push_back(std::make_unique<Inbox>());
+            std::array<char, 4096> events = {};
+            lists += ::read(watch.get(), events.data(), events.size()) > 0 ? 1 : 0;
+        }
+        QVERIFY(lists < 100);
+    }
+
+    void losesNothingAcceptedForAStoppedListener()
+    {
+        const auto process = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
+        QVERIFY(role::waitReady(*process));
+        int sent = 0;
+        while (sent < 4000 && QCopChannel::send(kChannel, "n", numbered("test", sent, 8000))) {
+            if (++sent == 100)
+                signalTo(*process, SIGSTOP);
+        }
+        QVERIFY2(qsizetype{sent} * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
+        Inbox other;
+        QVERIFY(!QCopChannel::send(kChannel, "n", QByteArray(8000, 'x'))); // too much waits for the first
+        QTRY_COMPARE(other.names.size(), 1);
+        qputenv("ZYN_QCOP_PATH", root() + "-unused");
+        QVERIFY(QCopChannel::send(kChannel, "elsewhere"));
+        qputenv("ZYN_QCOP_PATH", root());
+
+        signalTo(*process, SIGCONT);
+        QTRY_VERIFY(QCopChannel::send(kChannel, "end", QByteArray::number(sent)));
+        QTRY_COMPARE(process->state(), QProcess::NotRunning);
+        QCOMPARE(role::finish(*process), EXIT_SUCCESS);
+    }
+
+    void tellsWhenDescriptorsAreTooFew()
+    {
+        for (size_t spare = 0; spare < 6; ++spare) {
+            Inbox late; // the sender does not know it yet
+            std::vector<UniqueFd> held;
+            while (held.size() < 64)
+                held.emplace_back(::dup(STDERR_FILENO));
+            const bool isSent = [&] {
+                const auto low = limitDescriptors(held.back().get() + 1);
+                held.resize(held.size() - spare);
+                return QCopChannel::send(kChannel, "n");
+            }();
+            QVERIFY(QCopChannel::send(kChannel, "n"));
+            QTRY_COMPARE(late.names.size(), isSent ? 2 : 1);
+        }
+    }
+
+    void servesOthersWhenAListenerIsDestroyed()
+    {
+        std::array<std::unique_ptr<Inbox>, 4> inboxes;
+        int received = 0;
+        for (size_t i = 0; i < inboxes.size(); ++i) {
+            inboxes[i] = std::make_unique<Inbox>();
+            const auto destroyTwo = [&, i] {
+                if (++received == 1) {
+                    inboxes[(i + 1) % inboxes.size()].reset();
+                    inboxes[i].reset();
+                }
+            };
+            connect(inboxes[i].get(), &QCopChannel::received, this, destroyTwo);
+        }
+        inOneTurn([] {
+            for (int i = 0; i < 100; ++i)
+                QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
+        });
+        QTRY_COMPARE(received, 1 + 2 * 100);
+    }
+
+    void deliversInANestedLoop()
+    {
+        Inbox inbox;
+        int depth = 0;
+        QList<int> depths;
+        const auto waitForAll = [&] {
+            depths.append(depth++);
+            if (inbox.names.size() < 3) // waits, as for an answer, for messages that have been read already
+                QTRY_COMPARE(inbox.names.size(), 3);
+            --depth;
+        };
+        connect(&inbox, &QCopChannel::received, this, waitForAll);
+        inOneTurn([] {
+            for (int i = 0; i < 3; ++i)
+                QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
+        });
+        QTRY_COMPARE(depths, QList<int>({0, 1, 2}));
+        QVERIFY(inbox.isInOrder);
+    }
+
+    void servesEachThreadInItsLoop()
+    {
+        QSemaphore isListening;
+        QThread* receivedIn = nullptr;
+        const std::unique_ptr<QThread> thread(QThread::create([&] {
+            Inbox there;
+            QEventLoop loop;
+            connect(&there, &QCopChannel::received, &loop, &QEventLoop::quit);
+            connect(&there, &QCopChannel::received, &there, [&] { receivedIn = QThread::currentThread(); });
+            isListening.release();
+            loop.exec();
+        }));
+        thread->start();
+        QVERIFY(isListening.tryAcquire(1, role::kTimeout));
+        QVERIFY(QCopChannel::send(kChannel, "n"));
+        QVERIFY(thread->wait(role::kTimeout));
+        QCOMPARE(receivedIn, thread.get());
+    }
 
 private:
     QByteArray root() const { return m_folder->path().toLocal8Bit() + "/qcop"; }
@@ -325,320 +596,6 @@ private:
     std::map<QString, std::unique_ptr<QProcess>> m_processes;
     std::map<QString, UniqueFd> m_sockets;
 };
-
-void tst_QCopChannel::handsOverMessages()
-{
-    using scenario::bytes;
-    using Words = const QStringList&;
-    const QString& folder = m_folder->path();
-    const auto inbox = [this](Words words) -> Inbox& { return *m_inboxes.at(words[0]); };
-    const auto process = [this](Words words) -> QProcess& { return *m_processes.at(words[0]); };
-    const auto socket = [this](const QString& name) { return m_sockets.at(name).get(); };
-    scenario::Verbs verbs = {
-        {u"accept"_s,
-         [&](Words w) { return (m_sockets[w[0]] = zyn::posix::acceptConnection(socket(w[1]))).isValid(); }},
-        {u"bare"_s, [&](Words w) { m_sockets[w[0]] = listenBare(); }},
-        {u"channels"_s, [] { return QString::fromLatin1(QCopChannel::channels().join(' ')); }},
-        {u"close"_s, [&](Words w) { m_inboxes.erase(w[0]); }},
-        {u"connect"_s, [&](Words w) { m_sockets[w[0]] = connectUnixAtOnce(socketPath(sockets().at(0).toLatin1())); }},
-        {u"warn"_s,
-         [&] { QTest::ignoreMessage(QtWarningMsg, "QCopChannel: no listener on \"c\" in \"" + root() + '"'); }},
-        {u"end"_s, [&](Words w) { return role::finish(*std::exchange(m_processes[w[0]], {})); }},
-        {u"ended"_s, [&](Words w) { return zyn::posix::waitUntilClosed(socket(w[0]), zyn::posix::Clock::now()); }},
-        {u"got"_s, [&](Words w) { return inbox(w).texts.join(u' '); }},
-        {u"isInOrder"_s, [&](Words w) { return inbox(w).isInOrder; }},
-        {u"isListening"_s, [&](Words w) { return inbox(w).isListening() ? u"yes"_s : u"no"_s; }},
-        {u"kill"_s, [&](Words w) { return process(w).kill(), role::finish(process(w)); }},
-        {u"killChild"_s, [&](Words w) { return ::kill(inbox(w).names.at(0).toInt(), SIGKILL) == 0; }},
-        {u"leaks"_s, [&] { return openDescriptors() == m_known; }},
-        {u"listen"_s, [&](Words w) { return listen(w[0], bytes(w[1])); }},
-        {u"hear"_s, [&](Words w) { return ::listen(socket(w[0]), w[1].toInt()) == 0; }},
-        {u"put"_s, [&](Words w) { sendBytewise(socket(w[0]), bytes(w[1])); }},
-        {u"send"_s, [](Words w) { return QCopChannel::send(bytes(w[0]), bytes(w[1]), bytes(w.value(2))); }},
-        {u"set"_s, [&](Words w) { setVariable(w[0].toLatin1(), w.value(1)); }},
-        {u"sh"_s, [&](Words w) { return scenario::shell(folder, w); }},
-        {u"start"_s, [&](Words w) { return role::waitReady(*(m_processes[w[0]] = role::start(w[1], w.mid(2)))); }},
-        {u"takes"_s, [&](Words w) { return scenario::textOf(receiveBare(m_sockets.at(w[0]))); }},
-        {u"young"_s, [&](Words w) { m_sockets[w[0]] = bindElsewhere(); }},
-    };
-    verbs.emplace(u"turn"_s, [&](Words w) {
-        inOneTurn([&] {
-            for (const QString& step : w.join(u' ').split(u" ; "_s, Qt::SkipEmptyParts))
-                verbs.at(step.section(u' ', 0, 0))(step.split(u' ').mid(1));
-        });
-    });
-    scenario::play(verbs);
-}
-
-void tst_QCopChannel::findsWhoComesBetweenTwoMessages_data()
-{
-    QTest::addColumn<QByteArray>("command"); // on the name of the number that listeners and senders share
-    QTest::addColumn<int>("size");           // of a segment that is named instead
-    QTest::addColumn<int>("flags");
-    QTest::newRow("counted") << QByteArray("true") << 0 << 0;
-    QTest::newRow("the name is removed") << QByteArray("rm .zyn-changes") << 0 << 0;
-    QTest::newRow("the directories are made anew") << QByteArray("rm -r $PWD") << 0 << 0;
-    QTest::newRow("a file has the name") << QByteArray("rm .zyn-changes; touch .zyn-changes") << 0 << 0;
-    for (const QByteArray& name : {QByteArray("0-0"), QByteArray("2147483648-0"), QByteArray(1000, '9')})
-        QTest::newRow("named: " + name.first(3)) << "ln -sfn " + name + " .zyn-changes" << 0 << 0;
-    QTest::newRow("a segment that somebody else has made") << QByteArray() << 16 << 0600;
-    QTest::newRow("a segment that others may write") << QByteArray() << 16 << 0606;
-    QTest::newRow("a segment that is too small") << QByteArray() << 8 << 0600;
-    QTest::newRow("a segment of huge pages that are wanting")
-        << QByteArray() << 16 << (0600 | SHM_HUGETLB | SHM_NORESERVE);
-}
-
-void tst_QCopChannel::findsWhoComesBetweenTwoMessages()
-{
-    QFETCH(QByteArray, command);
-    QFETCH(int, size);
-    QFETCH(int, flags);
-    Inbox early;
-    for (int i = 0; i < 3; ++i)
-        QVERIFY(QCopChannel::send(kChannel, "n"));
-    const int segment = size > 0 ? ::shmget(IPC_PRIVATE, static_cast<size_t>(size), flags | IPC_CREAT) : 0;
-    if (segment < 0)
-        QSKIP("there are no such segments");
-    const auto remove = qScopeGuard([&] { size > 0 ? ::shmctl(segment, IPC_RMID, nullptr) : 0; });
-    if (size > 0)
-        command = "ln -sfn " + QByteArray::number(segment) + "-0 .zyn-changes";
-    QCOMPARE(std::system(("cd " + root() + " && " + command).constData()), 0);
-    std::vector<std::unique_ptr<Inbox>> late;
-    for (constexpr size_t kCount = 30; late.size() < kCount;) {
-        late.push_back(std::make_unique<Inbox>());
-        QVERIFY(QCopChannel::send(kChannel, "n"));
-    }
-    for (size_t i = 0; i < late.size(); ++i)
-        QTRY_COMPARE(late[i]->names.size(), qsizetype(late.size() - i));
-}
-
-void tst_QCopChannel::writesAHandfulOfATurnAtOnceAndGathersABurst()
-{
-    const auto listener = listenBare();
-    UniqueFd sender;
-    QByteArrayList early;
-    inOneTurn([&] {
-        for (int i = 0; i < 20; ++i) {
-            QVERIFY(QCopChannel::send(kChannel, "n", QByteArray(1, char('a' + i))));
-            if (i == 0)
-                sender = zyn::posix::acceptConnection(listener.get());
-            early.append(receiveBare(sender));
-        }
-    });
-    // The other dispatchers do not tell the end of a loop's last turn.
-    const bool isGathered = QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
-    for (int i = 0; i < 20; ++i) {
-        const QByteArray frame("\1\0\0\0\1\0\0\0n", 9);
-        QCOMPARE(early[i], isGathered && i >= 16 ? QByteArray() : frame + char('a' + i));
-    }
-    QCOMPARE(receiveBare(sender).size(), isGathered ? 4 * 10 : 0);
-    ::unlink(socketPath("bare").constData());
-}
-
-void tst_QCopChannel::movesWhatWaitsOnOneChannelWithMessagesOnOthers()
-{
-    const auto listener = listenBare();
-    const QByteArray block(100'000, 'x');
-    qsizetype sent = 0;
-    qsizetype received = 0;
-    while (sent < 10) // more than the socket takes
-        sent += QCopChannel::send(kChannel, "n", block) ? 1 : 0;
-    const auto sender = zyn::posix::acceptConnection(listener.get());
-    for (int i = 0; i < 100; ++i) { // no event loop runs meanwhile
-        QByteArray bytes(block.size(), '\0');
-        for (ssize_t n = 1; n > 0; received += std::max<ssize_t>(n, 0))
-            n = ::recv(sender.get(), bytes.data(), size_t(bytes.size()), MSG_DONTWAIT);
-        QVERIFY(QCopChannel::send("other", "n"));
-    }
-    QCOMPARE(received, sent * (block.size() + 9));
-    ::unlink(socketPath("bare").constData());
-}
-
-void tst_QCopChannel::losesNothingAndKeepsEachSendersOrder_data()
-{
-    QTest::addColumn<int>("count"); // of each of three senders
-    QTest::addColumn<int>("size");
-    QTest::addColumn<QString>("where");
-    QTest::addColumn<QString>("end");
-    for (const int size : {0, 1000}) { // a socket does not take all of the larger ones
-        for (const QString& where : {u"main"_s, u"turn"_s, u"thread"_s})
-            QTest::addRow("%d bytes each, sent in: %s", size, qPrintable(where)) << 1000 << size << where << u"exit"_s;
-    }
-    for (const QString& end : {u"SIGTERM"_s, u"abort"_s, u"exec"_s, u"_exit"_s})
-        QTest::addRow("in a turn that ends with: %s", qPrintable(end)) << 3 << 0 << u"turn"_s << end;
-    // More than is read at once, and then as much from a destructor; a socket takes all of it.
-    for (const QString& where : {u"static object"_s, u"object of a thread"_s})
-        QTest::addRow("by the last: %s", qPrintable(where)) << 40 << 1000 << where << u"exit"_s;
-}
-
-void tst_QCopChannel::losesNothingAndKeepsEachSendersOrder()
-{
-    QFETCH(int, count);
-    QFETCH(int, size);
-    QFETCH(QString, where);
-    QFETCH(QString, end);
-    Inbox inbox;
-    std::vector<std::unique_ptr<QProcess>> senders;
-    for (const QString& sender : {u"a"_s, u"b"_s, u"c"_s})
-        senders.push_back(role::start(u"send"_s, {sender, QString::number(count), QString::number(size), where, end}));
-    for (const auto& sender : senders)
-        QVERIFY(role::waitReady(*sender)); // all is sent before anything is read
-    const bool isEnded = count < 1000;
-    for (const auto& sender : senders)
-        QVERIFY(!isEnded || role::finish(*sender) == (end == u"SIGTERM" || end == u"abort" ? -1 : EXIT_SUCCESS));
-    QTRY_COMPARE(inbox.names.size(), qsizetype{where.contains(u"object") ? 6 : 3} * count);
-    QVERIFY(inbox.isInOrder);
-    for (const auto& sender : senders)
-        QVERIFY(isEnded || role::finish(*sender) == EXIT_SUCCESS);
-}
-
-void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen_data()
-{
-    QTest::addColumn<bool>("isSlow");
-    QTest::newRow("a listener that has received nothing when it is given up") << true;
-    QTest::newRow("a listener that receives all at once") << false;
-}
-
-void tst_QCopChannel::keepsOrderOnMoreChannelsThanStayOpen()
-{
-    QFETCH(bool, isSlow);
-    constexpr int kChannels = 100;
-    constexpr int kRounds = 4;
-    const auto process = role::start(u"listen"_s, {u"many"_s, QString::number(kChannels)});
-    QVERIFY(role::waitReady(*process));
-    const auto low = limitDescriptors(256); // of which connections get a part
-    if (isSlow)
-        signalTo(*process, SIGSTOP);
-    for (int i = 0; i <= kRounds; ++i) {
-        for (int channel = 0; channel < kChannels; ++channel) {
-            const QByteArray name = channel > 0 ? "many" + QByteArray::number(channel) : "many";
-            QVERIFY(i < kRounds
-                        ? QCopChannel::send(name, "n", numbered("test", i, i == 0 ? 60'000 : 0)) // several reads
-                        : QCopChannel::send(name, "end", QByteArray::number(kRounds)));
-        }
-    }
-    if (isSlow)
-        signalTo(*process, SIGCONT);
-    else
-        QVERIFY(openDescriptors() < 200);
-    QTRY_COMPARE(process->state(), QProcess::NotRunning);
-    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
-}
-
-void tst_QCopChannel::listsOtherListenersSeldomWhenItHasMany()
-{
-    const Inbox first;
-    const UniqueFd watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-    QVERIFY(::inotify_add_watch(watch.get(), socketPath({}).constData(), IN_OPEN) >= 0);
-    std::vector<std::unique_ptr<Inbox>> many;
-    int lists = 0;
-    while (many.size() < 200) {
-        many.push_back(std::make_unique<Inbox>());
-        std::array<char, 4096> events = {};
-        lists += ::read(watch.get(), events.data(), events.size()) > 0 ? 1 : 0;
-    }
-    QVERIFY(lists < 100);
-}
-
-void tst_QCopChannel::losesNothingAcceptedForAStoppedListener()
-{
-    const auto process = role::start(u"listen"_s, {QString::fromLatin1(kChannel)});
-    QVERIFY(role::waitReady(*process));
-    int sent = 0;
-    while (sent < 4000 && QCopChannel::send(kChannel, "n", numbered("test", sent, 8000))) {
-        if (++sent == 100)
-            signalTo(*process, SIGSTOP);
-    }
-    QVERIFY2(qsizetype{sent} * 8000 >= kLimit - 8000 && sent < 4000, QByteArray::number(sent));
-    Inbox other;
-    QVERIFY(!QCopChannel::send(kChannel, "n", QByteArray(8000, 'x'))); // too much waits for the first
-    QTRY_COMPARE(other.names.size(), 1);
-    qputenv("ZYN_QCOP_PATH", root() + "-unused");
-    QVERIFY(QCopChannel::send(kChannel, "elsewhere"));
-    qputenv("ZYN_QCOP_PATH", root());
-
-    signalTo(*process, SIGCONT);
-    QTRY_VERIFY(QCopChannel::send(kChannel, "end", QByteArray::number(sent)));
-    QTRY_COMPARE(process->state(), QProcess::NotRunning);
-    QCOMPARE(role::finish(*process), EXIT_SUCCESS);
-}
-
-void tst_QCopChannel::tellsWhenDescriptorsAreTooFew()
-{
-    for (size_t spare = 0; spare < 6; ++spare) {
-        Inbox late; // the sender does not know it yet
-        std::vector<UniqueFd> held;
-        while (held.size() < 64)
-            held.emplace_back(::dup(STDERR_FILENO));
-        const bool isSent = [&] {
-            const auto low = limitDescriptors(held.back().get() + 1);
-            held.resize(held.size() - spare);
-            return QCopChannel::send(kChannel, "n");
-        }();
-        QVERIFY(QCopChannel::send(kChannel, "n"));
-        QTRY_COMPARE(late.names.size(), isSent ? 2 : 1);
-    }
-}
-
-void tst_QCopChannel::servesOthersWhenAListenerIsDestroyed()
-{
-    std::array<std::unique_ptr<Inbox>, 4> inboxes;
-    int received = 0;
-    for (size_t i = 0; i < inboxes.size(); ++i) {
-        inboxes[i] = std::make_unique<Inbox>();
-        const auto destroyTwo = [&, i] {
-            if (++received == 1) {
-                inboxes[(i + 1) % inboxes.size()].reset();
-                inboxes[i].reset();
-            }
-        };
-        connect(inboxes[i].get(), &QCopChannel::received, this, destroyTwo);
-    }
-    inOneTurn([] {
-        for (int i = 0; i < 100; ++i)
-            QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
-    });
-    QTRY_COMPARE(received, 1 + 2 * 100);
-}
-
-void tst_QCopChannel::deliversInANestedLoop()
-{
-    Inbox inbox;
-    int depth = 0;
-    QList<int> depths;
-    const auto waitForAll = [&] {
-        depths.append(depth++);
-        if (inbox.names.size() < 3) // waits, as for an answer, for messages that have been read already
-            QTRY_COMPARE(inbox.names.size(), 3);
-        --depth;
-    };
-    connect(&inbox, &QCopChannel::received, this, waitForAll);
-    inOneTurn([] {
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(QCopChannel::send(kChannel, "n", numbered("test", i)));
-    });
-    QTRY_COMPARE(depths, QList<int>({0, 1, 2}));
-    QVERIFY(inbox.isInOrder);
-}
-
-void tst_QCopChannel::servesEachThreadInItsLoop()
-{
-    QSemaphore isListening;
-    QThread* receivedIn = nullptr;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
-        Inbox there;
-        QEventLoop loop;
-        connect(&there, &QCopChannel::received, &loop, &QEventLoop::quit);
-        connect(&there, &QCopChannel::received, &there, [&] { receivedIn = QThread::currentThread(); });
-        isListening.release();
-        loop.exec();
-    }));
-    thread->start();
-    QVERIFY(isListening.tryAcquire(1, role::kTimeout));
-    QVERIFY(QCopChannel::send(kChannel, "n"));
-    QVERIFY(thread->wait(role::kTimeout));
-    QCOMPARE(receivedIn, thread.get());
-}
 
 int main(int argc, char** argv)
 {

@@ -77,11 +77,136 @@ private Q_SLOTS:
     }
 
     void keepsSettings_data() { scenario::addRows(QFINDTESTDATA("data/settings_file.txt")); }
-    void keepsSettings();
-    void keepsTextAsTyped();
-    void givesTheStoredValueAtOnce();
-    void losesNothingBetweenTwoWriters();
-    void survivesKilledWriters();
+    void keepsSettings()
+    {
+        using Words = const QStringList&;
+        QFETCH(QStringList, steps);
+        if (steps.contains(u"as root"_s)
+            && !scenario::shell(path({}), {u"mknod x c 1 3 && chown 65534 x || echo no; rm -f x"_s}).isEmpty())
+            QSKIP("only root can make these obstacles");
+        scenario::play({
+            {u"as"_s, [] {}},
+            {u"write"_s, [this](Words w) { writeText(w.join(u' ')); }},
+            {u"holds"_s, [this] { return text(); }},
+            {u"open"_s, [this](Words w) { m_settings.emplace(path(w[0]), false); }},
+            {u"set"_s,
+             [this](Words w) { return m_settings->setSettingInfo(decoded(w[0]), decoded(w[1]), decoded(w[2])); }},
+            {u"get"_s, [this] { return get().isNull() ? u"none"_s : get(); }},
+            {u"settled"_s, [this] { return isSettled(); }},
+            {u"rewrite"_s, [this] { return rewrite(); }},
+            {u"flush"_s, [this] { return m_settings->flush(); }},
+            {u"keep"_s, [this](Words w) { return keep(decoded(w[0])); }},
+            {u"read"_s,
+             [this](Words w) {
+                 writeText(w.join(u' '));
+                 const QString value = isAlone() ? get() : files().join(u' ');
+                 return value.isNull()
+                            ? u"the default"_s
+                            : QString(value).replace(QChar::Null, u"{0000}"_s).replace(u'\uFEFF', u"{FEFF}"_s);
+             }},
+            {u"change"_s,
+             [this](Words w) {
+                 if (!w[1].isEmpty())
+                     writeText(w[1] == u"empty" ? QString() : w[1]);
+                 return set(u"new"_s, w[0]) && get(w[0]) == u"new" && isAlone() ? text() : u"failed"_s;
+             }},
+            {u"convert"_s,
+             [this](Words w) {
+                 writeText(u"[g]|k="_s + w.value(0) + u'|');
+                 return convert();
+             }},
+            {u"fail"_s, [this](Words w) { return fail(decoded(w[0]), w[1].toInt(), w.mid(2).join(u' ').toLatin1()); }},
+            {u"umask"_s, [](Words w) { ::umask(w[0].toUShort(nullptr, 8)); }},
+            {u"variable"_s,
+             [this](Words w) {
+                 w.size() < 2 ? qunsetenv(qPrintable(w[0])) : qputenv(qPrintable(w[0]), QFile::encodeName(path(w[1])));
+             }},
+            {u"application"_s,
+             [](Words w) {
+                 return SETUP_SET_Manager(AM_Global::Apps(w[0].toInt()), true).setSettingInfo(u"g"_s, u"k"_s, w[0]);
+             }},
+            {u"sh"_s, [this](Words w) { return scenario::shell(path({}), w); }},
+        });
+    }
+
+    void keepsTextAsTyped()
+    {
+        struct
+        {
+            QString group, key, value;
+        } const entries[] = {
+            {u""_s, u"0"_s, u""_s},
+            {u" outer blanks "_s, u"two words"_s, u"  both ends \t"_s},
+            {u"a]b[c"_s, u"a[0]"_s, u"=a, \"b\",,'c'="_s},
+            {u"[]"_s, u"a#b;c"_s, u"[group]"_s},
+            {u"# ; ="_s, u"Schlüssel"_s, u"; # no comment"_s},
+            {u"電話"_s, u"a/b\\c"_s, u"\\n %20 @Invalid() Ελλάδα 👩‍👩‍👧"_s},
+            {u"Turbo Dialing"_s, u"1"_s, QString(4000, u'9')},
+        };
+        SETUP_SET_Manager settings(path(), true);
+        for (const auto& [group, key, value] : entries) {
+            QVERIFY(settings.setSettingInfo(u"other"_s, key, u"another's"_s, true));
+            QVERIFY(settings.setSettingInfo(group, key, value, true));
+            QCOMPARE(textOf(path(), group, key), value);
+            QCOMPARE(textOf(path(), u"other"_s, key), u"another's"_s);
+            QVERIFY(read().contains(key.toUtf8() + '=' + value.toUtf8() + '\n'));
+            QVERIFY(group.isEmpty() || read().contains("\n[" + group.toUtf8() + "]\n"));
+        }
+        QVERIFY(settings.flush());
+    }
+
+    void givesTheStoredValueAtOnce()
+    {
+        SETUP_SET_Manager writer(path(), false);
+        SETUP_SET_Manager reader(path(), false);
+        const auto comesBack = [&](auto stored, auto other) {
+            decltype(stored) value{};
+            return writer.setSettingInfo(u"g"_s, u"k"_s, stored) && reader.getSettingInfo(u"g"_s, u"k"_s, value, other)
+                   && value == stored;
+        };
+        QVERIFY(comesBack(INT_MIN, 5) && comesBack(INT_MAX, 5));
+        QVERIFY(comesBack(true, false) && comesBack(false, true));
+        // Values of one length, many of them within one tick of the file's time.
+        for (int i = 1000; i < 1000 + kManyWrites; ++i)
+            QVERIFY(comesBack(i, 5));
+    }
+
+    void losesNothingBetweenTwoWriters()
+    {
+        write("[g]\nk=stays\n");
+        const QString count = QString::number(kManyWrites);
+        const auto first = role::start(u"writer"_s, {path(), u"a"_s, count});
+        const QString link = m_directory->filePath(u"link"_s); // another name of the same file
+        QVERIFY(QFile::link(u"settings.cfg"_s, link));
+        const auto second = role::start(u"writer"_s, {link, u"b"_s, count});
+        for (QProcess* writer : {first.get(), second.get()}) {
+            while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
+                QCOMPARE(get(), u"stays"_s);
+            QCOMPARE(role::finish(*writer), EXIT_SUCCESS);
+        }
+        for (int i = 0; i < 2 * kManyWrites; ++i)
+            QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
+    }
+
+    void survivesKilledWriters()
+    {
+        write("[g]\nk=stays\n");
+        for (int round = 0; round < 5; ++round) {
+            const auto writer =
+                role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
+            QVERIFY(role::waitReady(*writer));
+            for (int line = 0; line <= round; ++line)
+                QVERIFY(writer->waitForReadyRead(role::kTimeout));
+            writer->kill();
+            QCOMPARE(role::finish(*writer), -1);
+            const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
+            QVERIFY(set(u"1"_s, u"after"_s, QString::number(round)));
+            QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
+            QCOMPARE(get(), u"stays"_s);
+            if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
+                QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
+        }
+    }
 
 private:
     bool set(const QString& value, const QString& group = u"g"_s, const QString& key = u"k"_s) const
@@ -108,212 +233,79 @@ private:
     /// The file, "|" for the ends of its lines.
     QString text() const { return scenario::textOf(read().replace('\n', '|')); }
     void writeText(const QString& text) const { write(scenario::bytes(text).replace('|', '\n')); }
-    QString keep(const QString& value) const;
-    QString convert() const;
-    bool isSettled() const;
-    bool rewrite() const;
-    bool fail(const QString& name, int diskSpace, const QByteArray& obstacle) const;
+    /// How a value is stored that comes back.
+    QString keep(const QString& value) const
+    {
+        write("[g]\nk=old\n[h]\nk=other\n");
+        if (!set(value) || get() != value)
+            return u"failed"_s;
+        return text().remove(u"[g]|k=%EF%BB%BF"_s).remove(u"|[h]|k=other|"_s);
+    }
+
+    /// The stored value as an int, an unsigned int and a bool; - for the default.
+    QString convert() const
+    {
+        SETUP_SET_Manager settings(path(), false);
+        const auto get = [&](auto fallback) {
+            decltype(fallback) value{};
+            const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
+            return stored ? QString::number(value) : value == fallback ? u"-"_s : u"not the default"_s;
+        };
+        return get(77) + u' ' + get(88U) + u' ' + get(true);
+    }
+
+    /// Whether a change of the file is seen from now on, but not by a clock that is set back.
+    bool isSettled() const
+    {
+        const auto version = *zyn::posix::fileVersion(QFile::encodeName(path()));
+        auto future = version;
+        future.changed.seconds += 3600;
+        return zyn::posix::isSettled(version) && !zyn::posix::isSettled(future);
+    }
+
+    /// Whether many changes within one tick of the file's time are seen.
+    bool rewrite() const
+    {
+        scenario::shell(path({}), {u"rm -f settings.cfg"_s});
+        int seen = 0;
+        for (; seen < kManyWrites; ++seen) {
+            write("[g]\nk=" + QByteArray::number(1000 + seen));
+            if (get() != QString::number(1000 + seen))
+                break;
+        }
+        return seen == kManyWrites;
+    }
+
+    /// Whether a write fails and harms nothing, in a directory in which a command has made an obstacle, and with so
+    /// much space for a file if it is not negative.
+    bool fail(const QString& name, int diskSpace, const QByteArray& obstacle) const
+    {
+        QDir::setCurrent(m_directory->path());
+        const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
+        write(old.leftJustified(kSizeLimit - 2, 'x'));
+        const auto state = [&] {
+            return std::tuple(files(), QFileInfo(u"full"_s).size(), otheruser::ownership(u"settings.cfg.lock"_s),
+                              read());
+        };
+        const bool isMade = QFile::copy(path(), u"full"_s) && (write(old), std::system(obstacle.constData()) == 0);
+        const auto before = state();
+
+        SETUP_SET_Manager settings(name, false);
+        const uid_t user = obstacle.contains("chmod") ? otheruser::kNumber : ::geteuid();
+        const bool isOther = ::seteuid(user) == 0;
+        std::optional<ScopedFileSizeLimit> limit;
+        if (diskSpace >= 0)
+            limit.emplace(rlim_t(diskSpace));
+        const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
+        limit.reset();
+        return ::seteuid(::getuid()) == 0 && isMade && isOther && !stored && !settings.flush() && state() == before;
+    }
 
     std::optional<QTemporaryDir> m_directory;
     std::optional<SETUP_SET_Manager> m_settings;
     const mode_t m_mask = ::umask(022);
     qsizetype m_descriptors = 0;
 };
-
-/// How a value is stored that comes back.
-QString tst_SETUP_SET_Manager::keep(const QString& value) const
-{
-    write("[g]\nk=old\n[h]\nk=other\n");
-    if (!set(value) || get() != value)
-        return u"failed"_s;
-    return text().remove(u"[g]|k=%EF%BB%BF"_s).remove(u"|[h]|k=other|"_s);
-}
-
-/// The stored value as an int, an unsigned int and a bool; - for the default.
-QString tst_SETUP_SET_Manager::convert() const
-{
-    SETUP_SET_Manager settings(path(), false);
-    const auto get = [&](auto fallback) {
-        decltype(fallback) value{};
-        const bool stored = settings.getSettingInfo(u"g"_s, u"k"_s, value, fallback);
-        return stored ? QString::number(value) : value == fallback ? u"-"_s : u"not the default"_s;
-    };
-    return get(77) + u' ' + get(88U) + u' ' + get(true);
-}
-
-/// Whether a change of the file is seen from now on, but not by a clock that is set back.
-bool tst_SETUP_SET_Manager::isSettled() const
-{
-    const auto version = *zyn::posix::fileVersion(QFile::encodeName(path()));
-    auto future = version;
-    future.changed.seconds += 3600;
-    return zyn::posix::isSettled(version) && !zyn::posix::isSettled(future);
-}
-
-/// Whether many changes within one tick of the file's time are seen.
-bool tst_SETUP_SET_Manager::rewrite() const
-{
-    scenario::shell(path({}), {u"rm -f settings.cfg"_s});
-    int seen = 0;
-    for (; seen < kManyWrites; ++seen) {
-        write("[g]\nk=" + QByteArray::number(1000 + seen));
-        if (get() != QString::number(1000 + seen))
-            break;
-    }
-    return seen == kManyWrites;
-}
-
-/// Whether a write fails and harms nothing, in a directory in which a command has made an obstacle, and with so much
-/// space for a file if it is not negative.
-bool tst_SETUP_SET_Manager::fail(const QString& name, int diskSpace, const QByteArray& obstacle) const
-{
-    QDir::setCurrent(m_directory->path());
-    const QByteArray old = "[g]\nk=old\n#"_ba.leftJustified(1000, 'x');
-    write(old.leftJustified(kSizeLimit - 2, 'x'));
-    const auto state = [&] {
-        return std::tuple(files(), QFileInfo(u"full"_s).size(), otheruser::ownership(u"settings.cfg.lock"_s), read());
-    };
-    const bool isMade = QFile::copy(path(), u"full"_s) && (write(old), std::system(obstacle.constData()) == 0);
-    const auto before = state();
-
-    SETUP_SET_Manager settings(name, false);
-    const uid_t user = obstacle.contains("chmod") ? otheruser::kNumber : ::geteuid();
-    const bool isOther = ::seteuid(user) == 0;
-    std::optional<ScopedFileSizeLimit> limit;
-    if (diskSpace >= 0)
-        limit.emplace(rlim_t(diskSpace));
-    const bool stored = settings.setSettingInfo(u"g"_s, u"k"_s, u"a longer value"_s);
-    limit.reset();
-    return ::seteuid(::getuid()) == 0 && isMade && isOther && !stored && !settings.flush() && state() == before;
-}
-
-void tst_SETUP_SET_Manager::keepsSettings()
-{
-    using Words = const QStringList&;
-    QFETCH(QStringList, steps);
-    if (steps.contains(u"as root"_s)
-        && !scenario::shell(path({}), {u"mknod x c 1 3 && chown 65534 x || echo no; rm -f x"_s}).isEmpty())
-        QSKIP("only root can make these obstacles");
-    scenario::play({
-        {u"as"_s, [] {}},
-        {u"write"_s, [this](Words w) { writeText(w.join(u' ')); }},
-        {u"holds"_s, [this] { return text(); }},
-        {u"open"_s, [this](Words w) { m_settings.emplace(path(w[0]), false); }},
-        {u"set"_s, [this](Words w) { return m_settings->setSettingInfo(decoded(w[0]), decoded(w[1]), decoded(w[2])); }},
-        {u"get"_s, [this] { return get().isNull() ? u"none"_s : get(); }},
-        {u"settled"_s, [this] { return isSettled(); }},
-        {u"rewrite"_s, [this] { return rewrite(); }},
-        {u"flush"_s, [this] { return m_settings->flush(); }},
-        {u"keep"_s, [this](Words w) { return keep(decoded(w[0])); }},
-        {u"read"_s,
-         [this](Words w) {
-             writeText(w.join(u' '));
-             const QString value = isAlone() ? get() : files().join(u' ');
-             return value.isNull() ? u"the default"_s
-                                   : QString(value).replace(QChar::Null, u"{0000}"_s).replace(u'\uFEFF', u"{FEFF}"_s);
-         }},
-        {u"change"_s,
-         [this](Words w) {
-             if (!w[1].isEmpty())
-                 writeText(w[1] == u"empty" ? QString() : w[1]);
-             return set(u"new"_s, w[0]) && get(w[0]) == u"new" && isAlone() ? text() : u"failed"_s;
-         }},
-        {u"convert"_s,
-         [this](Words w) {
-             writeText(u"[g]|k="_s + w.value(0) + u'|');
-             return convert();
-         }},
-        {u"fail"_s, [this](Words w) { return fail(decoded(w[0]), w[1].toInt(), w.mid(2).join(u' ').toLatin1()); }},
-        {u"umask"_s, [](Words w) { ::umask(w[0].toUShort(nullptr, 8)); }},
-        {u"variable"_s,
-         [this](Words w) {
-             w.size() < 2 ? qunsetenv(qPrintable(w[0])) : qputenv(qPrintable(w[0]), QFile::encodeName(path(w[1])));
-         }},
-        {u"application"_s,
-         [](Words w) {
-             return SETUP_SET_Manager(AM_Global::Apps(w[0].toInt()), true).setSettingInfo(u"g"_s, u"k"_s, w[0]);
-         }},
-        {u"sh"_s, [this](Words w) { return scenario::shell(path({}), w); }},
-    });
-}
-
-void tst_SETUP_SET_Manager::keepsTextAsTyped()
-{
-    struct
-    {
-        QString group, key, value;
-    } const entries[] = {
-        {u""_s, u"0"_s, u""_s},
-        {u" outer blanks "_s, u"two words"_s, u"  both ends \t"_s},
-        {u"a]b[c"_s, u"a[0]"_s, u"=a, \"b\",,'c'="_s},
-        {u"[]"_s, u"a#b;c"_s, u"[group]"_s},
-        {u"# ; ="_s, u"Schlüssel"_s, u"; # no comment"_s},
-        {u"電話"_s, u"a/b\\c"_s, u"\\n %20 @Invalid() Ελλάδα 👩‍👩‍👧"_s},
-        {u"Turbo Dialing"_s, u"1"_s, QString(4000, u'9')},
-    };
-    SETUP_SET_Manager settings(path(), true);
-    for (const auto& [group, key, value] : entries) {
-        QVERIFY(settings.setSettingInfo(u"other"_s, key, u"another's"_s, true));
-        QVERIFY(settings.setSettingInfo(group, key, value, true));
-        QCOMPARE(textOf(path(), group, key), value);
-        QCOMPARE(textOf(path(), u"other"_s, key), u"another's"_s);
-        QVERIFY(read().contains(key.toUtf8() + '=' + value.toUtf8() + '\n'));
-        QVERIFY(group.isEmpty() || read().contains("\n[" + group.toUtf8() + "]\n"));
-    }
-    QVERIFY(settings.flush());
-}
-
-void tst_SETUP_SET_Manager::givesTheStoredValueAtOnce()
-{
-    SETUP_SET_Manager writer(path(), false);
-    SETUP_SET_Manager reader(path(), false);
-    const auto comesBack = [&](auto stored, auto other) {
-        decltype(stored) value{};
-        return writer.setSettingInfo(u"g"_s, u"k"_s, stored) && reader.getSettingInfo(u"g"_s, u"k"_s, value, other)
-               && value == stored;
-    };
-    QVERIFY(comesBack(INT_MIN, 5) && comesBack(INT_MAX, 5));
-    QVERIFY(comesBack(true, false) && comesBack(false, true));
-    // Values of one length, many of them within one tick of the file's time.
-    for (int i = 1000; i < 1000 + kManyWrites; ++i)
-        QVERIFY(comesBack(i, 5));
-}
-
-void tst_SETUP_SET_Manager::losesNothingBetweenTwoWriters()
-{
-    write("[g]\nk=stays\n");
-    const QString count = QString::number(kManyWrites);
-    const auto first = role::start(u"writer"_s, {path(), u"a"_s, count});
-    const QString link = m_directory->filePath(u"link"_s); // another name of the same file
-    QVERIFY(QFile::link(u"settings.cfg"_s, link));
-    const auto second = role::start(u"writer"_s, {link, u"b"_s, count});
-    for (QProcess* writer : {first.get(), second.get()}) {
-        while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
-            QCOMPARE(get(), u"stays"_s);
-        QCOMPARE(role::finish(*writer), EXIT_SUCCESS);
-    }
-    for (int i = 0; i < 2 * kManyWrites; ++i)
-        QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
-}
-
-void tst_SETUP_SET_Manager::survivesKilledWriters()
-{
-    write("[g]\nk=stays\n");
-    for (int round = 0; round < 5; ++round) {
-        const auto writer = role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
-        QVERIFY(role::waitReady(*writer));
-        for (int line = 0; line <= round; ++line)
-            QVERIFY(writer->waitForReadyRead(role::kTimeout));
-        writer->kill();
-        QCOMPARE(role::finish(*writer), -1);
-        const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
-        QVERIFY(set(u"1"_s, u"after"_s, QString::number(round)));
-        QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-        QCOMPARE(get(), u"stays"_s);
-        if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
-            QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
-    }
-}
 
 int main(int argc, char** argv)
 {
