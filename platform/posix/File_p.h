@@ -44,7 +44,7 @@ struct FileVersion
         time_t seconds;
         long nanoseconds;
 
-        auto operator<=>(const Moment&) const = default;
+        auto operator<=>(const Moment&) const = default; // NOLINT(modernize-use-nullptr): generated
     };
 
     FileId id;

@@ -186,7 +186,7 @@ private:
         int32_t time;
         uint32_t record; ///< its place in the list as it was
 
-        auto operator<=>(const Turn&) const = default;
+        auto operator<=>(const Turn&) const = default; // NOLINT(modernize-use-nullptr): generated
     };
 
     void orderTies(size_t i)

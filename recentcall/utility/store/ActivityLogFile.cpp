@@ -124,7 +124,7 @@ QByteArray contactFile(Trace& trace, QLatin1String number)
     std::array<char, sizeof(PHONE_ENG_RecentCall::phoneNumber) + 1> name = {'/'};
     if (!number.isEmpty() && number.size() < qsizetype{name.size()} && std::ranges::all_of(number, isDialed)) {
         const auto* const end = std::ranges::copy(number, name.begin() + 1).out;
-        const QByteArray path = storeFilePath(QByteArrayView(name.begin(), end));
+        QByteArray path = storeFilePath(QByteArrayView(name.begin(), end));
         if (isAscii(path))
             return path;
     }
