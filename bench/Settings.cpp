@@ -70,9 +70,12 @@ Prepare readNumbers(int count)
         return {.run = [count] {
             std::array<char, 8192> buffer; // NOLINT: read() writes it
             const int fd = ::open(zyn::emergency::kListFile, O_RDONLY | O_CLOEXEC);
+            struct stat status = {};
+            ::fstat(fd, &status);
             const ssize_t length = ::pread(fd, buffer.data(), buffer.size(), 0);
             ::close(fd);
-            require(length == count * static_cast<ssize_t>(sizeof(zyn::emergency::Record)), "reading the numbers");
+            require(length == status.st_size && length == count * static_cast<ssize_t>(sizeof(zyn::emergency::Record)),
+                    "reading the numbers");
         }};
     };
 }

@@ -6,7 +6,8 @@
 #include <QtCore/QTemporaryDir>
 
 #include <cstdio>
-#include <cstring>
+
+#include <unistd.h>
 
 #if __has_include(<valgrind/callgrind.h>)
 #    include <valgrind/callgrind.h>
@@ -22,6 +23,9 @@ namespace {
 
 /// How often an operation is done that is counted; of those of a fresh process, once.
 constexpr int kTimes = 10;
+/// How old a file is, in microseconds, when the clock of files has surely moved on: what is read from then on may be
+/// remembered.
+constexpr unsigned kSettled = 50'000;
 constexpr char kFresh[] = "first message of a process";
 
 /// The rows whose cost is bounded: all that is done within a process, but what takes long.
@@ -41,11 +45,18 @@ std::vector<Row> costRows()
     return rows;
 }
 
-/// Does the operation of @p row @p times times, and has it counted under its name.
-void count(const Row& row, int times)
+int timesOf(const Row& row)
+{
+    return row.name == kFresh ? 1 : kTimes;
+}
+
+/// Does the operation of @p row, and has it counted: callgrind between its requests, strace between two calls that only
+/// mark a place.
+void count(const Row& row)
 {
     const QTemporaryDir scratch;
     const Job job = row.columns.front().prepare(scratch.path().toLocal8Bit());
+    ::usleep(kSettled);
     if (row.name != kFresh) {
         for (int i = 0; i < kTimes; ++i)
             job.run();
@@ -55,22 +66,18 @@ void count(const Row& row, int times)
     std::fflush(stdout);
     CALLGRIND_START_INSTRUMENTATION;
     CALLGRIND_ZERO_STATS;
-    for (int i = 0; i < times; ++i)
+    ::access("counted from here", F_OK);
+    for (int i = 0; i < timesOf(row); ++i)
         job.run();
+    ::access("counted to here", F_OK);
     CALLGRIND_DUMP_STATS_AT(row.name.c_str());
     CALLGRIND_STOP_INSTRUMENTATION;
-}
-
-int timesOf(const Row& row)
-{
-    return row.name == kFresh ? 1 : kTimes;
 }
 
 } // namespace
 } // namespace bench
 
-/// Without arguments, lists the rows and how often each is done; with a row's name, does that; with a row's name and
-/// "idle", makes all ready for it only.
+/// Without arguments, lists the rows and how often each is done; with a row's name, does that.
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
@@ -83,7 +90,7 @@ int main(int argc, char** argv)
     bench::keepOutput();
     for (const bench::Row& row : rows) {
         if (row.name == argv[1])
-            bench::count(row, argc > 2 ? 0 : bench::timesOf(row));
+            bench::count(row);
     }
     return EXIT_SUCCESS;
 }
