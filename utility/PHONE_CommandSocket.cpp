@@ -7,6 +7,7 @@
 #include "platform/posix/UnixSocket_p.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace zyn {
 
@@ -18,18 +19,21 @@ QString socketDirectory(const char* directory)
     return QLatin1String(directory) + QLatin1Char('/');
 }
 
-posix::UniqueFd connectCommandSocket(const QString& path, int receiveBufferSize, int32_t greeting)
+posix::UniqueFd connectCommandSocket(const char* directory, const char* name, int receiveBufferSize)
 {
-    posix::UniqueFd socket = posix::connectUnix(path.toLatin1(), kCommandTimeout);
-    if (!socket.isValid())
-        return {};
+    const QByteArray path = QByteArray(directory) + "//" + name;
+    posix::UniqueFd socket = posix::connectUnix(path, kCommandTimeout);
+    if (!socket.isValid()) {
+        const bool isBarred = errno == EACCES;
+        socketDirectory(directory);
+        if (isBarred)
+            socket = posix::connectUnix(path, kCommandTimeout);
+    }
     // The directory is open to all: any user may listen there.
-    if (!posix::isPeerTrusted(socket.get()))
+    if (!socket.isValid() || !posix::isPeerTrusted(socket.get()))
         return {};
     posix::setBufferSizes(socket.get(), kSendBufferSize, receiveBufferSize);
     posix::dropOnClose(socket.get());
-    if (!sendCommand(socket.get(), kGreetingCommand, std::as_bytes(std::span(&greeting, 1))))
-        return {};
     return socket;
 }
 

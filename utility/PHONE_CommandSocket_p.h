@@ -20,9 +20,10 @@ inline constexpr int32_t kGreetingCommand = 0;
 /// The send buffer of a command socket, in bytes, as it is asked of the kernel.
 inline constexpr int kSendBufferSize = 1024;
 
-/// Connects to the service at @p path, whose server must run as this user or as root, and greets it with @p greeting.
+/// Connects to the service @p name in @p directory, whose server must run as this user or as root. Makes the directory,
+/// as socketDirectory() does, when there is no way to the service.
 /// @param receiveBufferSize  the receive buffer in bytes, as it is asked of the kernel
-posix::UniqueFd connectCommandSocket(const QString& path, int receiveBufferSize, int32_t greeting);
+posix::UniqueFd connectCommandSocket(const char* directory, const char* name, int receiveBufferSize);
 
 /// Sends one command; false when it could not be sent whole.
 bool sendCommand(int socket, int32_t code, std::span<const std::byte> data = {});

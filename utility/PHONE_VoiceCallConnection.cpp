@@ -15,7 +15,12 @@ constexpr int kReceiveBufferSize = 1024;
 posix::UniqueFd VoiceCallConnection::open(voicecall::ClientKind kind)
 {
     static_assert(kGreetingCommand == voicecall::PHONE_VOICECALL_CMD_REGISTER);
-    return connectCommandSocket(voicecall::socketPath(), kReceiveBufferSize, kind);
+    posix::UniqueFd socket =
+        connectCommandSocket(voicecall::kSocketDirectory, voicecall::kSocketName, kReceiveBufferSize);
+    const int32_t greeting = kind;
+    if (!sendCommand(socket.get(), kGreetingCommand, std::as_bytes(std::span(&greeting, 1))))
+        return {};
+    return socket;
 }
 
 VoiceCallConnection::~VoiceCallConnection()

@@ -3,6 +3,7 @@
 
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
+#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "utility/PHONE_CommandSocket_p.h"
@@ -13,10 +14,26 @@ namespace {
 constexpr int kReceiveBufferSize = 10'240;
 constexpr int32_t kGreeting = 0;
 
-QByteArray frame(int32_t code, QByteArrayView data)
+/// A command with the greeting before it: all that is sent on a connection.
+QByteArray requestBytes(Command command, std::span<const std::byte> data)
 {
-    const auto header = CommandFrameHeader{code, static_cast<int32_t>(data.size())}.encode();
-    return QByteArray(reinterpret_cast<const char*>(header.data()), qsizetype{header.size()}).append(data);
+    const auto length = static_cast<int32_t>(data.size());
+    const auto greeting = CommandFrameHeader{kGreetingCommand, sizeof kGreeting}.encode();
+    const auto header = CommandFrameHeader{command, length}.encode();
+    QByteArray bytes;
+    bytes.reserve(qsizetype{greeting.size() + sizeof kGreeting + header.size()} + length);
+    bytes += bytesOf(greeting);
+    bytes += bytesOf(kGreeting);
+    bytes += bytesOf(header);
+    return bytes.append(reinterpret_cast<const char*>(data.data()), length);
+}
+
+/// Greets the service and sends it a command, at once: the service reads both together.
+bool sendRequest(const posix::UniqueFd& connection, Command command, std::span<const std::byte> data)
+{
+    const QByteArray request = requestBytes(command, data);
+    const auto bytes = std::as_bytes(std::span(request.constData(), static_cast<size_t>(request.size())));
+    return connection.isValid() && posix::sendAll(connection.get(), bytes, {}, posix::Clock::now() + kCommandTimeout);
 }
 
 /// Sends one command on a connection of its own and gives the status of its answer.
@@ -29,19 +46,18 @@ Status ask(Command command, std::span<const std::byte> data)
 
 posix::UniqueFd connectToService()
 {
-    const QString path = socketDirectory(kSocketDirectory) + QLatin1Char('/') + QLatin1String(kSocketName);
-    return connectCommandSocket(path, kReceiveBufferSize, kGreeting);
+    return connectCommandSocket(kSocketDirectory, kSocketName, kReceiveBufferSize);
 }
 
 QByteArray addRequest(const PHONE_ENG_RecentCall& record)
 {
-    return frame(kGreetingCommand, bytesOf(kGreeting)) + frame(AddRecord, bytesOf(record));
+    return requestBytes(AddRecord, std::as_bytes(std::span(&record, 1)));
 }
 
 std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
                                           std::span<const std::byte> data)
 {
-    if (!connection.isValid() || !sendCommand(connection.get(), command, data))
+    if (!sendRequest(connection, command, data))
         return nullptr;
     return std::unique_ptr<UTIL_CommandBody>(Socket_ReadCommand(connection.get()));
 }
@@ -69,9 +85,7 @@ QString RecentCall_dataDir()
 
 int PHONE_RecentCall_AddRecord(PHONE_ENG_RecentCall& record)
 {
-    const zyn::posix::UniqueFd socket = rc::connectToService();
-    const bool isSent =
-        socket.isValid() && zyn::sendCommand(socket.get(), rc::AddRecord, std::as_bytes(std::span(&record, 1)));
+    const bool isSent = rc::sendRequest(rc::connectToService(), rc::AddRecord, std::as_bytes(std::span(&record, 1)));
     return isSent ? rc::Success : rc::Failure;
 }
 

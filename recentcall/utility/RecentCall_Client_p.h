@@ -51,13 +51,13 @@ struct ListHeader
 };
 static_assert(offsetof(ListHeader, count) == 0 && offsetof(ListHeader, limit) == 4 && sizeof(ListHeader) == 8);
 
-/// A greeted connection to the service, or none.
+/// A connection to the service for one request, or none.
 posix::UniqueFd connectToService();
 
 /// All that is sent on a connection of its own to have @p record added; no answer follows.
 QByteArray addRequest(const PHONE_ENG_RecentCall& record);
 
-/// Sends one command on @p connection and gives the service's answer, or null.
+/// Greets the service and sends it one command on @p connection, which is fresh; its answer, or null.
 std::unique_ptr<UTIL_CommandBody> request(const posix::UniqueFd& connection, Command command,
                                           std::span<const std::byte> data);
 
