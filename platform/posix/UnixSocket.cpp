@@ -204,6 +204,12 @@ ssize_t sendSome(int fd, std::span<iovec> blocks)
     return n < 0 && isPassing() ? 0 : n;
 }
 
+ssize_t sendSome(int fd, std::span<const std::byte> bytes)
+{
+    const ssize_t n = retry([&] { return ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT); });
+    return n < 0 && isPassing() ? 0 : n;
+}
+
 bool isAllReceived(int fd)
 {
     int unread = 0;

@@ -96,6 +96,7 @@ iovec toIovec(std::span<const std::byte> bytes);
 /// Sends as much of @p blocks as the socket takes at once: the number of bytes, 0 when it is full, -1 when the
 /// connection is lost.
 ssize_t sendSome(int fd, std::span<iovec> blocks);
+ssize_t sendSome(int fd, std::span<const std::byte> bytes);
 
 /// Whether the peer has received all that was sent over @p fd, or never will.
 bool isAllReceived(int fd);

@@ -32,8 +32,10 @@ ChannelFrame::ChannelFrame(QByteArrayView name, QByteArrayView data)
     : m_name(name)
     , m_data(data)
 {
-    qToLittleEndian(static_cast<uint32_t>(name.size()), m_header.data());
-    qToLittleEndian(static_cast<uint32_t>(data.size()), m_header.data() + sizeof(uint32_t));
+    qToLittleEndian(static_cast<uint32_t>(name.size()), m_bytes.data());
+    qToLittleEndian(static_cast<uint32_t>(data.size()), m_bytes.data() + sizeof(uint32_t));
+    if (isWhole())
+        std::copy(data.begin(), data.end(), std::copy(name.begin(), name.end(), m_bytes.begin() + kHeaderSize));
 }
 
 bool ChannelFrame::isValid() const
@@ -41,15 +43,22 @@ bool ChannelFrame::isValid() const
     return isMessageSize(static_cast<uint64_t>(m_name.size()), static_cast<uint64_t>(m_data.size()));
 }
 
-std::array<iovec, 3> ChannelFrame::blocks() const
+ssize_t ChannelFrame::sendTo(int fd) const
 {
-    return {posix::toIovec(std::as_bytes(std::span(m_header))), posix::toIovec(bytes(m_name)),
-            posix::toIovec(bytes(m_data))};
+    if (isWhole())
+        return posix::sendSome(fd, bytes(QByteArrayView(m_bytes).first(size())));
+    std::array<iovec, 3> parts = {};
+    std::ranges::transform(blocks(), parts.begin(), [](QByteArrayView block) { return posix::toIovec(bytes(block)); });
+    return posix::sendSome(fd, parts);
 }
 
 void ChannelFrame::appendTo(QByteArray& queue, qsizetype skipped) const
 {
-    for (const QByteArrayView block : {QByteArrayView(m_header), m_name, m_data}) {
+    if (isWhole()) {
+        queue.append(QByteArrayView(m_bytes).first(size()).sliced(skipped));
+        return;
+    }
+    for (const QByteArrayView block : blocks()) {
         const qsizetype here = std::min(skipped, block.size());
         queue.append(block.sliced(here));
         skipped -= here;

@@ -16,7 +16,7 @@
 #include <cstdint>
 #include <span>
 
-#include <sys/uio.h>
+#include <sys/types.h>
 
 namespace zyn {
 
@@ -34,15 +34,24 @@ public:
     /// Whether a listener would accept it.
     bool isValid() const;
     qsizetype size() const { return kHeaderSize + m_name.size() + m_data.size(); }
-    /// The frame's bytes as parts of one transfer.
-    std::array<iovec, 3> blocks() const;
+    /// Sends the frame's bytes over @p fd, as posix::sendSome() does.
+    ssize_t sendTo(int fd) const;
     /// Appends the frame's bytes, without the first @p skipped, to @p queue.
     void appendTo(QByteArray& queue, qsizetype skipped = 0) const;
 
 private:
-    std::array<char, kHeaderSize> m_header;
+    /// The largest frame that is put together once for all listeners.
+    static constexpr qsizetype kWholeSize = 512;
+
+    bool isWhole() const { return size() <= kWholeSize; }
+    std::array<QByteArrayView, 3> blocks() const
+    {
+        return {QByteArrayView(m_bytes).first(kHeaderSize), m_name, m_data};
+    }
+
     QByteArrayView m_name;
     QByteArrayView m_data;
+    std::array<char, kWholeSize> m_bytes; ///< the header, and the rest when it is whole
 };
 
 /// Finds the messages in a connection's bytes, in whatever pieces they come. Holds no more than has arrived.

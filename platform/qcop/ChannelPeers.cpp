@@ -136,8 +136,7 @@ bool ChannelPeer::put(const ChannelFrame& frame, bool gather)
 
 bool ChannelPeer::putAtOnce(const ChannelFrame& frame)
 {
-    auto blocks = frame.blocks();
-    const ssize_t n = posix::sendSome(fd(), blocks);
+    const ssize_t n = frame.sendTo(fd());
     if (n < 0) {
         disconnect();
         return false;
@@ -156,8 +155,7 @@ void ChannelPeer::flush()
             disconnect();
         return;
     }
-    std::array blocks{posix::toIovec(std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))))};
-    const ssize_t n = posix::sendSome(fd(), blocks);
+    const ssize_t n = posix::sendSome(fd(), std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))));
     if (n < 0)
         return disconnect();
     m_queue.remove(0, n);

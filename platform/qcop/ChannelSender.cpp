@@ -109,7 +109,7 @@ bool ChannelSender::send(const QByteArray& channel, const ChannelFrame& frame)
             return false;
         m_changes.update(root.get());
     }
-    const bool isAccepted = channelOf({m_root, channel}).peers.send(frame, turn, std::move(root));
+    const bool isAccepted = channelOf(channel).peers.send(frame, turn, std::move(root));
     if (m_connections.pending.empty())
         return isAccepted;
     if (m_loop)
@@ -144,18 +144,24 @@ posix::UniqueFd ChannelSender::openRoot()
     return ChannelDirectory::makeRoot(m_root);
 }
 
-ChannelSender::Channel& ChannelSender::channelOf(const Key& key)
+ChannelSender::Channel& ChannelSender::channelOf(const QByteArray& channel)
 {
+    if (m_last && m_recent.back().second == channel && m_recent.back().first == m_root)
+        return *m_last;
+    const Key key(m_root, channel);
     if (const auto found = m_channels.find(key); found != m_channels.end()) {
         m_recent.splice(m_recent.end(), m_recent, found->second.recent);
-        return found->second;
+        m_last = &found->second;
+        return *m_last;
     }
     makeRoom();
-    return m_channels.try_emplace(key, *this, m_recent.insert(m_recent.end(), key)).first->second;
+    m_last = &m_channels.try_emplace(key, *this, m_recent.insert(m_recent.end(), key)).first->second;
+    return *m_last;
 }
 
 void ChannelSender::makeRoom()
 {
+    m_last = nullptr;
     const size_t limit = posix::descriptorLimit() / kDescriptorPart;
     const auto isFull = [&] { return m_channels.size() >= kChannelLimit || m_connections.count >= limit; };
     for (int i = 0; i < kCandidates && !m_recent.empty() && isFull(); ++i) {
@@ -172,6 +178,7 @@ void ChannelSender::makeRoom()
 /// What listeners there have not received stays, and follows in its old place.
 void ChannelSender::forgetOtherRoots()
 {
+    m_last = nullptr;
     flushSome(m_connections.pending.size());
     std::erase_if(m_channels, [&](const auto& entry) {
         const bool isForgotten = entry.first.first != m_root && entry.second.peers.isIdle();

@@ -94,7 +94,7 @@ private:
 
     void followEnvironment(quint64 turn);
     posix::UniqueFd openRoot();
-    Channel& channelOf(const Key& key);
+    Channel& channelOf(const QByteArray& channel);
     void makeRoom();
     void forgetOtherRoots();
     void flushFromLoop();
@@ -106,7 +106,8 @@ private:
     ChannelChanges m_changes;
     ChannelConnections m_connections;
     std::unordered_map<Key, Channel, KeyHash> m_channels;
-    std::list<Key> m_recent; ///< the keys of m_channels, the one last used at the end
+    std::list<Key> m_recent;   ///< the keys of m_channels, the one last used at the end
+    Channel* m_last = nullptr; ///< the one last used, if it is still there
     std::unique_ptr<SenderLoop> m_loop;
 };
 
