@@ -1,4 +1,4 @@
-// Where everything in a chart stands.
+// The layout of a chart.
 #include "tools/chart/ChartLayout.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kFirstHeads = 96;
 constexpr int kBelowHeads = 18;
-/// How far a reader scrolls before the heads come again.
+/// The distance after which the heads are repeated.
 constexpr int kHeadsEvery = 1100;
 constexpr int kAboveHeads = 10;
 
@@ -24,14 +24,14 @@ constexpr int kBesideTime = 14;
 constexpr int kArrowLength = 48; ///< from the axis to the first lane
 constexpr int kLaneGap = 40;     ///< from a lane's cards to the next lane
 constexpr int kLeastWidth = 560;
-constexpr int kCardsTogether = 1080; ///< about as wide as the cards of all lanes may be together
+constexpr int kCardsTogether = 1080; ///< the approximate greatest width of all cards together
 constexpr int kLeastCard = 170;
-constexpr int kWidestCard = 400; ///< of several lanes
+constexpr int kWidestCard = 400; ///< with several lanes
 constexpr int kSpanWidth = 170;
-constexpr int kMonoColumn = 7; ///< about a column at the size of the fields
+constexpr int kMonoColumn = 7; ///< approximate width of a column of the fields' font
 constexpr qsizetype kMostLines = 3;
 
-/// Pauses from here on are drawn alike.
+/// Longer pauses are drawn alike.
 constexpr qint64 kSilence = 2000;
 constexpr int kSilenceHeight = 44;
 constexpr qint64 kPausePerPixel = 50;
@@ -41,19 +41,19 @@ int cardLimit(qsizetype lanes)
     return std::max(kWidestCard, kCardsTogether / int(std::max<qsizetype>(lanes, 2)));
 }
 
-/// Fields are wrapped early, so that only long names make a lane wide.
+/// Fields wrap early, so that only long names widen a lane.
 qsizetype fieldColumns(int room)
 {
     return room * 5 / 6 / kMonoColumn;
 }
 
-/// The room that @p badge takes from the name.
+/// The width that @p badge takes from the name.
 int badgeRoom(const QString& badge)
 {
     return badge.isEmpty() ? 0 : badgeWidth(badge) + kCardPadding;
 }
 
-/// The width of what stands in the card of @p entry.
+/// The width of the contents of the card of @p entry.
 int contentWidth(const ChartEntry& entry)
 {
     int width = boldWidth(entry.name.prefix + entry.name.own, kNameSize) + badgeRoom(entry.badge);
@@ -67,7 +67,7 @@ int lineCount(const ChartEntry& entry)
     return int(entry.fields.size()) + (entry.span.isEmpty() ? 0 : 1);
 }
 
-/// The last message of @p run, whose first one is before @p place, that is before it too.
+/// The last message of @p run before @p place; the first one is before it.
 size_t lastBefore(size_t place, const ChartRun& run)
 {
     return *std::prev(std::ranges::lower_bound(run.messages, place));
@@ -163,7 +163,7 @@ void ChartLayout::addPause(qint64 milliseconds)
     m_bottom += kSilenceHeight + kEntryGap;
 }
 
-/// Lets the bar of each fold reach down to what came just before its last message.
+/// Extends the bar of each fold to the entry before its last message.
 void ChartLayout::endBars()
 {
     for (ChartEntry& entry : m_entries) {

@@ -1,4 +1,4 @@
-// Where everything in a chart stands.
+// The layout of a chart.
 #pragma once
 
 #include "tools/chart/ChartText.h"
@@ -10,7 +10,7 @@
 
 namespace zyn::tool {
 
-/// All places and sizes are pixels.
+/// All positions and sizes are in pixels.
 inline constexpr int kMargin = 28;
 inline constexpr int kTitleBaseline = 46;
 inline constexpr int kNoteBaseline = 68;
@@ -19,7 +19,7 @@ inline constexpr int kNameSize = 12;
 inline constexpr int kHeadHeight = 28;
 inline constexpr int kCardOffset = 12; ///< from the lane's line
 inline constexpr int kCardPadding = 10;
-inline constexpr int kNameBaseline = 18; ///< below the card's top, as what follows
+inline constexpr int kNameBaseline = 18; ///< below the card's top, like the following ones
 inline constexpr int kArrowLine = 14;
 inline constexpr int kLineHeight = 16;
 
@@ -33,21 +33,21 @@ struct ChartLane
 {
     QString title;
     int x = 0;         ///< of its line
-    int cardWidth = 0; ///< of what stands beside it
+    int cardWidth = 0; ///< of the cards beside the line
 };
 
-/// A message, or a fold, beside the line of its lane.
+/// A message or a fold, beside the line of its lane.
 struct ChartEntry
 {
     const ChartRun* run = nullptr;
     ChartName name;
-    QString badge;      ///< how many messages it stands for; empty for one
+    QString badge;      ///< the number of messages; empty for one
     QStringList fields; ///< lines
     QString span;       ///< first and last time of a fold
     QString time;
     int top = 0;
     int height = 0;
-    int barBottom = 0; ///< how far a fold's bar reaches on the lane's line
+    int barBottom = 0; ///< the end of a fold's bar on the lane's line
 };
 
 /// A pause that is drawn shorter than it was.
@@ -61,16 +61,16 @@ struct ChartSilence
 class ChartLayout
 {
 public:
-    /// Lays @p messages out; refers to @p runs, which are theirs.
+    /// Lays out @p messages; keeps a reference to their @p runs.
     ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock);
 
     const std::vector<ChartLane>& lanes() const { return m_lanes; }
     const std::vector<ChartEntry>& entries() const { return m_entries; }
     const std::vector<ChartSilence>& silences() const { return m_silences; }
-    /// The tops of the rows of the lanes' heads.
+    /// The tops of the lanes' heads, which repeat.
     const std::vector<int>& heads() const { return m_heads; }
     int axis() const { return m_axis; }
-    /// Where the lanes' lines end.
+    /// The end of the lanes' lines.
     int bottom() const { return m_bottom; }
     int width() const { return m_width; }
     int height() const { return m_bottom + kMargin; }
@@ -89,7 +89,7 @@ private:
     std::vector<ChartSilence> m_silences;
     std::vector<int> m_heads;
     int m_axis = 0;
-    int m_bottom = 0; ///< while entries are placed: where the next one may begin
+    int m_bottom = 0; ///< the top of the next entry during layout
     int m_width = 0;
 };
 

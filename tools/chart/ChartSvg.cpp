@@ -1,4 +1,4 @@
-// A recording as a message sequence chart.
+// Draws a recording as a message sequence chart.
 #include "tools/chart/ChartSvg.h"
 
 #include "tools/chart/ChartLayout.h"
@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Writes one picture, element by element. Places and sizes are pixels; the classes are those of its style.
+/// Writes a picture, element by element. Positions and sizes are in pixels; classes refer to its style.
 class SvgWriter
 {
 public:
@@ -26,20 +26,20 @@ public:
     SvgWriter(const SvgWriter&) = delete;
     SvgWriter& operator=(const SvgWriter&) = delete;
 
-    /// The picture's size, and what is told to those who do not see it.
+    /// The size of the picture, and its description for screen readers.
     void begin(int width, int height, const QString& title, const QString& description);
     void style(const QString& rules);
-    /// Ends the picture, and gives it.
+    /// Ends the picture and returns it.
     QByteArray finish();
 
-    /// What follows, until endGroup(), belongs together.
+    /// Groups what follows up to endGroup().
     void beginGroup(const QString& styleClass);
     void endGroup();
-    /// What a viewer shows for the group that has just begun.
+    /// The tooltip of the group just begun.
     void tooltip(const QString& text);
 
     void text(const char* styleClass, int x, int y, const QString& content);
-    /// A text whose beginning, if it is not empty, has the class @p prefixClass.
+    /// A text; a prefix, if not empty, has the class @p prefixClass.
     void text(const char* styleClass, int x, int y, const char* prefixClass, const QString& prefix,
               const QString& content);
     void rectangle(const char* styleClass, int x, int y, int width, int height, int corner);
@@ -171,8 +171,8 @@ void SvgWriter::textElement(const char* name, Attributes attributes, const QStri
     m_xml.writeEndElement();
 }
 
-/// The colour of a lane on light and on dark ground; each is told from its neighbours by people who see fewer colours,
-/// and text on it, or in it, is legible.
+/// Lane colours on light and dark ground. Neighbours are distinguishable with colour blindness, and text on or in them
+/// is legible.
 struct LaneColor
 {
     const char* light;
@@ -222,7 +222,7 @@ constexpr char kDarkStyle[] = R"(text{fill:#e8ecf0}
 .card{fill-opacity:.14}
 )";
 
-/// The class of what has the colour of a lane.
+/// The class of elements in a lane's colour.
 QString laneClass(qsizetype lane)
 {
     return u"l%1"_s.arg(lane % qsizetype(kLaneColors.size()));
@@ -238,7 +238,7 @@ QString laneRules(qsizetype lanes, const char* LaneColor::*color)
     return rules;
 }
 
-/// The rules of a chart with @p lanes lanes, for light and for dark surroundings.
+/// The style rules of a chart with @p lanes lanes, for light and dark schemes.
 QString chartStyle(qsizetype lanes)
 {
     return QLatin1String(kStyle) + laneRules(lanes, &LaneColor::light) + u"@media (prefers-color-scheme:dark){\n"_s

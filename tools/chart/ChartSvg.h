@@ -1,4 +1,4 @@
-// A recording as a message sequence chart.
+// Draws a recording as a message sequence chart.
 #pragma once
 
 #include "tools/recording/MessageText.h"
@@ -10,7 +10,7 @@
 
 namespace zyn::tool {
 
-/// The chart of @p messages in SVG, titled @p title; the same messages and title give the same bytes.
+/// The chart of @p messages in SVG, titled @p title. The output is reproducible.
 QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title);
 
 } // namespace zyn::tool

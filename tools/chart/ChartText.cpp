@@ -1,4 +1,4 @@
-// The texts of a chart: names, times, and runs of like messages folded into one line.
+// The texts of a chart: names, times, and runs of similar messages folded into one entry.
 #include "tools/chart/ChartText.h"
 
 #include "tools/recording/MessageFields.h"
@@ -25,7 +25,7 @@ size_t firstOf(const ChartRun& run)
     return run.messages.front();
 }
 
-/// The longest fold that @p places of one lane begin with: whole turns of as few names as make it. One message when
+/// The longest fold at the beginning of @p places of one lane, in turns of as few names as possible; one message if
 /// there is none.
 ChartRun leadingFold(const Messages& messages, qsizetype lane, Places places)
 {
@@ -44,7 +44,7 @@ ChartRun leadingFold(const Messages& messages, qsizetype lane, Places places)
     return {lane, {places.begin(), places.begin() + std::ptrdiff_t(longest)}, names};
 }
 
-/// Adds all of @p places, between which no message of another lane came.
+/// Adds @p places, between which there is no message of another lane.
 void addUninterrupted(const Messages& messages, qsizetype lane, Places places, std::vector<ChartRun>& runs)
 {
     while (!places.empty()) {
@@ -53,7 +53,7 @@ void addUninterrupted(const Messages& messages, qsizetype lane, Places places, s
     }
 }
 
-/// Adds all of @p places, of which none is in a fold across other lanes.
+/// Adds @p places, of which none is in a fold across lanes.
 void addParts(const Messages& messages, qsizetype lane, Places places, std::vector<ChartRun>& runs)
 {
     while (!places.empty()) {
@@ -67,7 +67,7 @@ void addParts(const Messages& messages, qsizetype lane, Places places, std::vect
 
 void addLane(const Messages& messages, qsizetype lane, Places places, std::vector<ChartRun>& runs)
 {
-    size_t before = 0; // messages that are in no run yet
+    size_t before = 0; // messages without a run so far
     while (before < places.size()) {
         ChartRun fold = leadingFold(messages, lane, places.subspan(before));
         const size_t size = fold.messages.size();
@@ -93,13 +93,13 @@ constexpr qsizetype kLongestName = 200;       ///< characters of a name, whateve
 constexpr qsizetype kShownPayload = 4096;     ///< bytes
 constexpr size_t kShownMessages = 40;         ///< of a fold
 
-/// The first character that takes two columns, and about all behind it do.
+/// The first double-width character; almost all after it are, too.
 constexpr char16_t kFirstWide = 0x2E80;
 
 QStringList fieldTextsOf(const ReceivedMessage& message)
 {
     QStringList texts = fieldTexts(messageFields(message.channel, message.name, message.payload));
-    // XML takes no half of a pair, which a text may hold.
+    // XML allows no lone surrogate, which a text may contain.
     for (QString& text : texts)
         text = QString::fromUtf8(text.toUtf8());
     return texts;
@@ -111,14 +111,14 @@ QString payloadText(const QByteArray& payload)
     return payload.size() > kShownPayload ? shown + u'\u2026' : shown;
 }
 
-/// The name of @p message as its card has it.
+/// The name of @p message on its card.
 QString fullName(const ReceivedMessage& message)
 {
     const ChartName name = chartName(message);
     return elided(name.prefix + name.own, kLongestName);
 }
 
-/// The names that take turns with that of the first message of @p run.
+/// The names that alternate with the first message of @p run.
 QStringList laterInTurn(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
 {
     QStringList names;
@@ -127,7 +127,7 @@ QStringList laterInTurn(const std::vector<ReceivedMessage>& messages, const Char
     return names;
 }
 
-/// A field whose values are @p first, @p last and others, all with the field's name.
+/// A field with the first, the last and other values, all prefixed with its name.
 QString changeText(const QString& first, const QString& last)
 {
     const qsizetype name = first.indexOf(u'=') + 1;
@@ -136,7 +136,7 @@ QString changeText(const QString& first, const QString& last)
            + elided(last.mid(last.indexOf(u'=') + 1), kLongestFoldedValue);
 }
 
-/// The width of @p character in a bold font of wide letters, in hundredths of the font's size.
+/// The width of @p character in a wide bold font, in hundredths of the font's size.
 int boldWidth(QChar character)
 {
     constexpr QLatin1String kNarrow("iljtfrI.,:;'|()[]!/ -");
@@ -223,7 +223,7 @@ QStringList chartFields(const std::vector<ReceivedMessage>& messages, const Char
     QList<bool> changes(first.size(), false);
     for (const size_t place : run.messages) {
         last = fieldTextsOf(messages[place]);
-        // A field more or less is a damaged payload, or another number of parties.
+        // A different number of fields means a damaged payload or another number of parties.
         changes.resize(std::max(changes.size(), last.size()));
         for (qsizetype i = 0; i < changes.size(); ++i)
             changes[i] = changes[i] || first.value(i) != last.value(i);

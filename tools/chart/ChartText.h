@@ -1,4 +1,4 @@
-// The texts of a chart: names, times, and runs of like messages folded into one line.
+// The texts of a chart: names, times, and runs of similar messages folded into one entry.
 #pragma once
 
 #include "tools/recording/MessageText.h"
@@ -11,12 +11,12 @@
 
 namespace zyn::tool {
 
-/// A message, or several that follow each other on their channel and are of one name, or of names that take turns.
+/// A message, or consecutive messages of one channel with one name or with alternating names.
 struct ChartRun
 {
     qsizetype lane;
-    std::vector<size_t> messages; ///< their places in the recording, ascending
-    size_t inTurn = 1;            ///< how many of them are a turn; they are whole turns
+    std::vector<size_t> messages; ///< indexes in the recording, ascending
+    size_t inTurn = 1;            ///< the number of alternating names; the messages are whole turns
 
     bool isFold() const { return messages.size() > 1; }
     size_t turns() const { return messages.size() / inTurn; }
@@ -24,24 +24,24 @@ struct ChartRun
 
 struct ChartRuns
 {
-    QList<QCString> lanes;      ///< the channels, in the order of their first messages
-    std::vector<ChartRun> runs; ///< in the order of their first messages
+    QList<QCString> lanes;      ///< the channels, by their first messages
+    std::vector<ChartRun> runs; ///< by their first messages
 };
 
-/// Folds @p messages: from three of a kind, or three turns, on, when no other message came between; from twenty
-/// messages on also across those of other channels. Fewer show the order in which things happened.
+/// Folds @p messages: at least three of a kind, or three turns, without messages between them; at least twenty messages
+/// also across those of other channels. Shorter runs show the order of events.
 ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages);
 
-/// How a chart writes times: as all of them are written alike, the longest says how.
+/// The format of times, chosen by the longest of them.
 class ChartClock
 {
 public:
-    /// For times of at most @p longest milliseconds.
+    /// For times up to @p longest milliseconds.
     explicit ChartClock(qint64 longest);
 
     /// "0.250", "1:00.250" or "1:00:00.250".
     QString text(qint64 milliseconds) const;
-    /// What the numbers are.
+    /// The unit.
     QString unit() const;
 
 private:
@@ -52,7 +52,7 @@ private:
 /// "1.5 s", "2 min 5 s", "3 h 20 min".
 QString durationText(qint64 milliseconds);
 
-/// A message's name in two parts: what all numbered messages of the channel begin with, and what tells it from others.
+/// A message's name in two parts: the prefix that all numbered messages of the channel share, and the rest.
 struct ChartName
 {
     QString prefix;
@@ -60,20 +60,19 @@ struct ChartName
 };
 ChartName chartName(const ReceivedMessage& message);
 
-/// The fields of @p run; where they change, what they were first and last. The names that follow the first in each turn
-/// when several take turns.
+/// The fields of @p run, with their first and last values where they change, and the other names of a turn.
 QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run);
 
-/// All that the messages of @p run hold, as far as somebody would read it.
+/// All fields of the messages of @p run, up to a limit.
 QString chartTooltip(const std::vector<ReceivedMessage>& messages, const ChartRun& run, const ChartClock& clock);
 
-/// @p words in lines of at most @p columns; what needs more than @p limit lines ends in an ellipsis.
+/// @p words in lines of at most @p columns; beyond @p limit lines they end in an ellipsis.
 QStringList chartLines(const QStringList& words, qsizetype columns, qsizetype limit);
 
-/// How many columns @p text takes in a monospace font.
+/// The columns that @p text takes in a monospace font.
 qsizetype columnsOf(const QString& text);
 
-/// How wide @p text is at most in a bold sans-serif font of @p size pixels, in pixels: the viewer chooses the font.
+/// The greatest width of @p text in pixels in a bold sans-serif font of @p size pixels: the viewer chooses the font.
 int boldWidth(const QString& text, int size);
 
 /// @p text, shortened to a boldWidth() of @p width.

@@ -1,4 +1,4 @@
-// A call, or several, as a command line describes them.
+// Calls as command-line options and arguments describe them.
 #include "tools/commands/CallOptions.h"
 
 #include "recentcall/utility/RC_Interface.h"

@@ -59,7 +59,7 @@ ExitCode clearCalls(const Invocation& invocation, Console& console)
     const RC_CALL_CATEGORY_T list = listNamed(invocation.argument(0));
     for (const RC_CALL_TYPE_T type : typesFrom(invocation)) {
         const int result = RC_Interface().deleteRecordAll(list, type);
-        // Nothing to delete is what was asked for.
+        // The requested state is reached if there is nothing to delete.
         if (result != 0 && result != kNoSuchCall)
             throw recentCallServiceError();
     }

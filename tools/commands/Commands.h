@@ -1,4 +1,4 @@
-// The verbs of the tool: a row of the verb table each, which says all that help, completion and the parser need.
+// The verbs of the tool. A row of the verb table holds all that help, completion and the parser need.
 #pragma once
 
 #include "tools/zynphone/Command.h"
@@ -7,13 +7,13 @@ namespace zyn::tool {
 
 Command callsCommand();      ///< calls: the log of recent calls
 Command chartCommand();      ///< chart: a recording as a picture
-Command completionCommand(); ///< completion: what a shell needs to complete the command line
+Command completionCommand(); ///< completion: shell completion
 Command dialCommand();       ///< dial: place a call
 Command hangupCommand();     ///< hangup: end the call
 Command doctorCommand();     ///< doctor: why nothing arrives
 Command emergencyCommand();  ///< emergency: which numbers are emergency numbers
 Command favouritesCommand(); ///< favourites: the five favourites and their activity logs
-Command handsetCommand();    ///< handset: what the telephony states say of the handset
+Command handsetCommand();    ///< handset: the states of the stand-in handset
 Command inspectCommand();    ///< inspect, with verify and repair: the files of a store
 Command missedCommand();     ///< missed: the counter of missed calls
 Command monitorCommand();    ///< monitor: the messages on the channels as they come

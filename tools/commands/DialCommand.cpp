@@ -15,12 +15,12 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// Where the entry points that take no line place their calls.
+/// The line used by entry points without a line argument.
 
 struct Request
 {
     QByteArray number;
-    QString name; ///< null for none
+    QString name; ///< null if not given
     bool flag;
     int clir;
     signed char line;
@@ -37,7 +37,7 @@ Request requestFrom(const Invocation& invocation)
                 static_cast<signed char>(numberFrom(invocation, u"line"_s, kDefaultLine, Line::min(), Line::max()))};
 }
 
-/// The one of --direct, --prepend and --mode that is set; null when none is.
+/// The one of --direct, --prepend and --mode that is set, or null.
 QString wayFrom(const Invocation& invocation)
 {
     QString way;
@@ -51,7 +51,7 @@ QString wayFrom(const Invocation& invocation)
     return way;
 }
 
-/// What the entry point behind @p way does not take must not be lost without a word.
+/// Rejects arguments that the entry point of @p way would silently ignore.
 void refuseOptionsBesides(const QString& way, const Invocation& invocation)
 {
     for (const QString& option : {u"name"_s, u"flag"_s, u"clir"_s, u"line"_s}) {
@@ -60,7 +60,7 @@ void refuseOptionsBesides(const QString& way, const Invocation& invocation)
     }
 }
 
-/// Places a call with any dial mode, for which there is no entry point of its own.
+/// Places a call with a dial mode that has no entry point of its own.
 void makeCall(const Request& request, int mode)
 {
     if (!PHONE_VoiceCallSender().makeCall(request.number.constData(), request.name, request.flag, request.clir, mode,

@@ -20,7 +20,7 @@ struct Check
     Findings (*run)();
 };
 
-/// In the order in which one fault explains the next.
+/// Ordered so that causes come before their effects.
 constexpr Check kChecks[] = {
     {"environment", checkEnvironment}, {"channels", checkChannels}, {"services", checkServices}, {"store", checkStore},
     {"settings", checkSettings},       {"switches", checkSwitches},

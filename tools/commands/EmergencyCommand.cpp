@@ -1,4 +1,4 @@
-// zynphone emergency: what the library takes for an emergency number, and why.
+// zynphone emergency: which numbers the library treats as emergency numbers, and why.
 #include "tools/commands/Commands.h"
 
 #include "platform/HandsetState_p.h"
@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// A control code, and the state that allows or forbids it now.
+/// A control code, and the state that currently allows or forbids it.
 struct Code
 {
     QString text;
@@ -38,13 +38,13 @@ std::vector<Code> controlCodes()
     return codes;
 }
 
-/// The verdict on a text that was typed, and what it rests on.
+/// The verdict on a typed text, and its reasons.
 struct Verdict
 {
     QString typed;
     bool isAccepted;
-    QStringList becomes;         ///< the numbers and allowed codes that begin so
-    std::vector<Code> forbidden; ///< the codes that begin so, but for a state
+    QStringList becomes;         ///< the numbers and allowed codes that begin with it
+    std::vector<Code> forbidden; ///< the forbidden codes that begin with it
 };
 
 Verdict verdictOn(const QString& typed, const QStringList& numbers)

@@ -25,7 +25,7 @@ struct Favourite
 {
     int place;
     QString number;
-    QJsonValue entries = {}; ///< with the next two: how many; null where the file cannot be read
+    QJsonValue entries = {}; ///< the number of entries, as in the next two; null if the file cannot be read
     QJsonValue unreadCalls = {};
     QJsonValue unreadMessages = {};
 };
@@ -83,7 +83,7 @@ ExitCode showEntries(const Invocation& invocation, Console& console)
     if (readKeys().isEmpty())
         throw noFavourite(callNumber(invocation.argument(0)));
     readInto(entries, favouriteFrom(invocation));
-    std::vector<std::reference_wrapper<const Entry>> rows; // as a copy of an entry writes trace text
+    std::vector<std::reference_wrapper<const Entry>> rows; // copying an entry writes trace text
     for (const Entry* entry : entries)
         rows.emplace_back(*entry);
     printTable(console, Table(activityColumns(), rows), invocation.isSet(u"json"_s));

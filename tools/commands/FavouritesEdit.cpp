@@ -1,4 +1,4 @@
-// Changes of the favourites and their logs, by the process that owns them for as long.
+// Changes the favourites and their logs, as their temporary owner.
 #include "tools/commands/FavouritesEdit.h"
 
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
@@ -19,7 +19,7 @@ namespace {
 using Change = handset::FavouriteChange;
 using Entry = PHONE_ENG_ActivityLog;
 
-/// Of an entry that was made of no call in the call log.
+/// Marks an entry that was not made from a call.
 constexpr int32_t kNoUid = -1;
 constexpr qsizetype kMessageLimit = sizeof Entry::msgString - 1;
 
@@ -45,7 +45,7 @@ ExitCode replaceFavourite(const Invocation& invocation, Console& console)
     return reportChange(oldNumber, newNumber, console);
 }
 
-/// What of a message the options describe.
+/// The message fields given by the options.
 void setMessage(Entry& entry, const Invocation& invocation)
 {
     entry.msgType = numberFrom(invocation, u"message-type"_s, invocation.isSet(u"message"_s) ? 1 : 0);
@@ -53,7 +53,7 @@ void setMessage(Entry& entry, const Invocation& invocation)
     entry.setMsgString(latin1Field(invocation.value(u"message"_s), u"message"_s, kMessageLimit));
 }
 
-/// A missed call unless the options say otherwise; a message belongs to no list.
+/// A missed call by default; a message belongs to no list.
 RC_CALL_CATEGORY_T entryListFrom(const Invocation& invocation)
 {
     const bool isMessage = invocation.isSet(u"message"_s) || invocation.isSet(u"message-type"_s);

@@ -1,4 +1,4 @@
-// Changes of the favourites and their logs, by the process that owns them for as long.
+// Changes the favourites and their logs, as their temporary owner.
 #pragma once
 
 #include "handset/favourites/ActivityLog.h"
@@ -8,7 +8,7 @@
 
 namespace zyn::tool {
 
-/// That right, for as long as it lives; a failure when another process has it.
+/// The owner's lock, held while it lives; a failure if another process has it.
 class FavouritesOwnership
 {
 public:
@@ -23,17 +23,17 @@ private:
 };
 
 Argument favouriteArgument();
-/// The key of the favourite that the first argument names; a failure when it is none.
+/// The key of the favourite named by the first argument; a failure if it is not a favourite.
 QString favouriteFrom(const Invocation& invocation);
-/// The key of each place, none when there are no favourites. The library would make the file that names them, and anew
-/// when it is damaged: a verb that only reads takes them from here, and fails in the latter case.
+/// The key of each place; none if there are no favourites. Unlike the library it does not create or replace the file of
+/// favourites, so a verb that only reads uses this; it fails if the file is damaged.
 QStringList readKeys();
-/// The failure of a verb for a number that is no favourite's.
+/// The failure for a number that is not a favourite.
 CommandError noFavourite(const QString& number);
-/// Appends the entries of a favourite, newest first; a failure when they cannot be read.
+/// Appends the entries of a favourite, newest first; a failure if they cannot be read.
 void readInto(handset::ActivityEntries& entries, const QString& key);
 
-/// @{ Verbs that write, and refuse while another process owns the favourites.
+/// @{ Verbs that write; they fail while another process owns the favourites.
 Command replaceFavouriteCommand();
 Command logFavouriteCommand();
 Command removeFavouriteCommand();

@@ -22,7 +22,7 @@ namespace {
 using Entry = PHONE_ENG_ActivityLog;
 using Records = std::vector<QByteArray>;
 
-/// The entries of @p key, newest first; of the same time, the one logged last first, which importing them keeps.
+/// The entries of @p key, newest first; at the same time, the last logged first, as import preserves it.
 std::vector<const Entry*> inOrder(const handset::ActivityEntries& entries)
 {
     std::vector<const Entry*> ordered(entries.begin(), entries.end());
@@ -61,7 +61,7 @@ QString keyOf(const QByteArray& record)
     return favouriteKey(favouriteNumber(record));
 }
 
-/// Makes favourites of @p records and logs their entries.
+/// Registers the favourites in @p records and logs their entries.
 class Import
 {
 public:
@@ -82,7 +82,7 @@ public:
         }
     }
 
-    /// The favourites that cannot be made, one line each.
+    /// The favourites that cannot be registered, one line each.
     QStringList problems() const
     {
         QStringList lines;
@@ -101,7 +101,7 @@ public:
             if (change != handset::FavouriteChange::Done)
                 throw failure(handset::describe(change, {}, key) + u"; "_s + state());
         }
-        // The oldest first: the log takes what comes last for the newest.
+        // Oldest first, because the log treats the last as the newest.
         for (auto record = m_records.rbegin(); record != m_records.rend(); ++record)
             log(*record);
     }

@@ -1,4 +1,4 @@
-// zynphone calls import: calls from a file for the log.
+// zynphone calls import: adds calls from a file to the log.
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/store/StoreFile_p.h"

@@ -1,4 +1,4 @@
-// zynphone inspect: what a file of the store holds, and whether it is sound.
+// zynphone inspect: shows, verifies and repairs the files of the store.
 #include "tools/commands/Commands.h"
 
 #include "handset/favourites/Favourites.h"
@@ -27,7 +27,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// What is done to a store that nobody else writes to, since this has its lock.
+/// Work on a store that this process has locked.
 class Repair
 {
 public:
@@ -87,7 +87,7 @@ private:
                 u"the recent-call service at %1 runs; end it first"_s.arg(QLatin1String(recentcall::kSocketPath)));
     }
 
-    /// A service that was started since may have stored a call, which the copy may lack.
+    /// A service started since may have stored a call that the copy lacks.
     void refuseIfChanged(const StoreFiles& files) const
     {
         if (!isServed() && StoreFiles(m_directory).images() == files.images())
@@ -114,7 +114,7 @@ private:
     Findings m_left;
 };
 
-/// Tells what is wrong with the store directory that the argument names.
+/// Reports the faults of the store directory given as argument.
 ExitCode verifyStore(const Invocation& invocation, Console& console)
 {
     const StoreFiles files(invocation.argument(0));
@@ -130,7 +130,7 @@ ExitCode verifyStore(const Invocation& invocation, Console& console)
     return findings.empty() ? Done : Failed;
 }
 
-/// Makes it sound, and tells what was done and what is left.
+/// Repairs it, and reports what was done and what is left.
 ExitCode repairStore(const Invocation& invocation, Console& console)
 {
     Repair repair(invocation.argument(0));
@@ -142,8 +142,8 @@ ExitCode repairStore(const Invocation& invocation, Console& console)
     return repair.isValid() ? Done : Failed;
 }
 
-/// The kinds of file, told by their name or, where a file has been given another one, by what it holds. Record files
-/// come last: their size may be that of a contact's file, too.
+/// The kinds of file, recognised by name or else by contents. Record files come last, because a contact file may have
+/// their size.
 constexpr FileKind kKinds[] = {kFavouritesFileKind, kContactFileKind, kRecordFileKind};
 
 const FileKind& kindOf(const QString& path, const QString& name, const QByteArray& image)

@@ -1,4 +1,4 @@
-// Sends a message for the verbs that do, and says so.
+// Sends messages and reports the result.
 #pragma once
 
 #include "tools/zynphone/Command.h"
@@ -7,10 +7,10 @@ namespace zyn::tool {
 
 using namespace Qt::StringLiterals;
 
-/// Sends a message, and says so; throws when it cannot be sent.
+/// Sends a message and reports it; throws on failure.
 void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console);
 
-/// A failure when the process cannot @p use @p channel: for requests that do not tell.
+/// Throws a failure if the process cannot @p use @p channel. For requests that do not return an error.
 void requireChannel(const char* channel, const QString& use = u"send on"_s);
 
 } // namespace zyn::tool

@@ -39,7 +39,7 @@ constexpr Column<RC_MissedCallItem> kColumns[] = {
      [](const RC_MissedCallItem& item) { return QJsonValue(wordFor(kTypes, MissedCallEngine::callType(item))); }},
 };
 
-/// Shows the unread missed calls whenever they are others, as often as is wanted.
+/// Shows the unread missed calls at each change, up to a number of times.
 class MissedCalls
 {
 public:
@@ -65,7 +65,7 @@ public:
             --*m_left;
     }
 
-    /// Shows them at each change, until it has been often enough.
+    /// Shows them until the limit is reached.
     void follow()
     {
         QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
@@ -91,7 +91,7 @@ private:
 
     Console& m_console;
     const bool m_json;
-    std::optional<int> m_left; ///< none when there is no limit
+    std::optional<int> m_left; ///< unset without a limit
     std::optional<QJsonObject> m_shown;
     MissedCallEngine m_engine;
     Debouncer m_update{[this] { showAgain(); }};

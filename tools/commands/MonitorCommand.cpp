@@ -1,4 +1,4 @@
-// zynphone monitor: the messages of the channels as they come.
+// zynphone monitor: shows the messages of the channels as they arrive.
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
@@ -31,7 +31,7 @@ QStringList channelsFrom(const Invocation& invocation)
     return channels;
 }
 
-/// What the options say of a recording that exists.
+/// What to do with an existing recording, by the options.
 RecordingWriter::Existing existingFrom(const Invocation& invocation)
 {
     using enum RecordingWriter::Existing;
@@ -44,7 +44,7 @@ RecordingWriter::Existing existingFrom(const Invocation& invocation)
     return replaces ? Replace : appends ? Append : Refuse;
 }
 
-/// Writes messages until as many have come as are wanted.
+/// Writes messages until the requested number has arrived.
 class Monitor
 {
 public:
@@ -69,7 +69,7 @@ public:
 
     void recordIn(const QString& path, RecordingWriter::Existing existing) { m_recording.emplace(path, existing); }
 
-    /// Ends in a failure when the recording could not be written.
+    /// Fails if the recording could not be written.
     void run()
     {
         QCoreApplication::exec();
@@ -80,10 +80,10 @@ public:
 private:
     void show(const ReceivedMessage& message)
     {
-        // More may come in the turn of the event loop that ends it.
+        // More may arrive in the turn of the event loop that ends it.
         if (m_left == 0 || m_isBroken)
             return;
-        // First of all, so that a recording never lacks what was shown.
+        // First, so that a recording contains all that was shown.
         m_isBroken = m_recording && !m_recording->write(message.channel, message.name, message.payload);
         if (m_isBroken) {
             QCoreApplication::quit();
@@ -102,10 +102,10 @@ private:
     Console& m_console;
     const bool m_raw;
     const bool m_json;
-    std::optional<int> m_left; ///< messages; none when there is no limit
+    std::optional<int> m_left; ///< messages; unset without a limit
     std::vector<std::unique_ptr<QCopChannel>> m_channels;
     std::optional<RecordingWriter> m_recording;
-    bool m_isBroken = false; ///< whether the recording could not be written
+    bool m_isBroken = false; ///< the recording could not be written
 };
 
 ExitCode monitorChannels(const Invocation& invocation, Console& console)

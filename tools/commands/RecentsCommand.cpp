@@ -40,7 +40,7 @@ RC_CALL_CATEGORY_T categoryFrom(const QString& word)
     return wordNamed(kCategories, word, u"list"_s).value;
 }
 
-/// The page of that name, or of any number: the screens are to judge which numbers are pages.
+/// The page of that name, or any number: the screens decide which numbers are pages.
 RC_PAGE_ID_T pageFrom(const QString& word)
 {
     for (const ScreenPage& page : kScreenPages) {
@@ -81,9 +81,9 @@ ExitCode pick(const Invocation& invocation, Console& console)
         RC_MsgInterface::destruction();
         RecentCall_MsgClient::destruction();
     });
-    std::optional<QString> answer; // empty: none was picked
+    std::optional<QString> answer; // empty if nothing was picked
     QObject::connect(screens, &RC_MsgInterface::rcFinished, screens, [&answer](bool selected, const QString& number) {
-        // More may come in the turn of the event loop that ends it.
+        // More may arrive in the turn of the event loop that ends it.
         if (!answer)
             answer = selected ? number : QString();
         QCoreApplication::quit();

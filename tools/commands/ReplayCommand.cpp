@@ -1,4 +1,4 @@
-// zynphone replay: the messages of a recording, sent again.
+// zynphone replay: sends the messages of a recording again.
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"

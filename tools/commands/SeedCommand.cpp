@@ -29,15 +29,15 @@ struct Party
     const char* name;
 };
 
-/// Whom one calls often stands first.
+/// Frequently called parties come first.
 constexpr Party kParties[] = {{"+493023125014", "Anna"},         {"+447700900461", "Mum"},
                               {"+12025550137", "Ben"},           {"+493023125277", "J\xF6rg"},
                               {"+442079460823", "Work"},         {"03023125540", "Dr. Novak"},
                               {"+447700900118", "Zo\xEB Adams"}, {"12025550164", "Pizzeria"}};
-/// Where callers come from that have no name; the last three digits are any.
+/// The numbers of unnamed callers; the last three digits vary.
 constexpr const char* kUnknownRanges[] = {"+442079460", "+447700900", "+493023125"};
 
-constexpr int kLastingMinutes = 50; // of a gap between calls, with itself
+constexpr int kLastingMinutes = 50; // factor in the gap between calls, multiplied by itself
 constexpr int kNightEnds = 7;       // hour of the day
 constexpr int kLateEvening = 22;
 
@@ -53,7 +53,7 @@ public:
     {
         Call call;
         call.category = nextList();
-        if (!isLikely(30)) // otherwise the same party has another try
+        if (!isLikely(30)) // otherwise draw again, which favours the first parties
             choose();
         call.setPhoneNumber(m_number);
         call.setDisplayName(m_name);
@@ -71,7 +71,7 @@ public:
 
 private:
     bool isLikely(int percent) { return m_random.bounded(100) < percent; }
-    /// Small numbers often, large ones seldom.
+    /// Favours small numbers.
     int skewed(int root) { return m_random.bounded(root) * m_random.bounded(root); }
 
     RC_CALL_CATEGORY_T nextList()
@@ -96,7 +96,7 @@ private:
         m_name = QLatin1String(party.name);
     }
 
-    /// To the start of a call of @p duration seconds that ended a while before the one after it, and not at night.
+    /// Moves to the start of a call of @p duration seconds that ended before the next one, and not at night.
     void goBack(int duration)
     {
         m_time = m_time.addSecs(-duration - 60 - 60 * skewed(kLastingMinutes) / 6 - m_random.bounded(60));
@@ -115,10 +115,10 @@ private:
 };
 
 /**
- * @p count voice calls before @p now, newest first: the same for the same @p seed, but for @p now.
+ * @p count voice calls before @p now, newest first. The same @p seed gives the same calls, relative to @p now.
  *
- * Of each three one is answered, one missed and one dialed, so that three lists of one size fill up together. The
- * newest missed call is unread. The numbers are of ranges that are kept free for fiction.
+ * One third each are answered, missed and dialed, so that three lists of one size fill up together. The newest missed
+ * call is unread. The numbers are from ranges reserved for fiction.
  */
 std::vector<Call> seededCalls(int count, quint32 seed, const QDateTime& now)
 {

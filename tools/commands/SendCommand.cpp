@@ -20,7 +20,7 @@ namespace {
 
 constexpr handset::WordReader kWords{wholeNumber, nullptr, nullptr};
 
-/// A type of values: the kind of field it makes, and how its values are read when not as that kind says.
+/// A value type: its field kind, and its own parser if it needs one.
 struct Type
 {
     const char* text;
@@ -38,7 +38,7 @@ constexpr std::array kTypes{
     Type{"hex", FieldKind::Raw, [](const QString& word) -> FieldValue { return bytesFromHex(word); }},
 };
 
-/// The bytes of @p typed, a type and its value.
+/// The bytes of @p typed, a type and a value.
 QByteArray bytesOf(const QString& typed)
 {
     const qsizetype colon = typed.indexOf(u':');
@@ -79,7 +79,7 @@ void sendMessage(const QString& channel, const QString& message, const QByteArra
 
 void requireChannel(const char* channel, const QString& use)
 {
-    // Who can listen can send: both need the channels' directory, and nothing else.
+    // Listening requires the channels' directory, just as sending does.
     if (!QCopChannel(channel).isListening())
         throw failure(u"cannot %1 %2"_s.arg(use, QLatin1String(channel)));
 }

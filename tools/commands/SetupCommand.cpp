@@ -39,7 +39,7 @@ ExitCode setPrepend(const Invocation& /*invocation*/, Console& /*console*/)
 class Answer
 {
 public:
-    /// Listens from now on; made before the request is sent.
+    /// Listens from its construction, which must precede the request.
     explicit Answer(PHONE_Msg::PHONE_MSG_TYPE_T type)
         : m_message(phoneMessage(type))
         , m_channel(kPhoneChannel)

@@ -35,14 +35,14 @@ namespace zyn::tool {
 namespace {
 
 /**
- * Ends the event loop when the library has closed its connection to a server, of which it tells nobody.
+ * Ends the event loop when the library closes its connection to a server, which it does not report.
  *
- * What may close it is read in the event loop, so it is looked at whenever the loop has nothing left to do.
+ * It closes the connection in the event loop, so this checks whenever the loop becomes idle.
  */
 class ConnectionWatch
 {
 public:
-    /// Watches the process's connection to a server whose socket is called @p socketName.
+    /// Watches the process's connection to the server socket @p socketName.
     explicit ConnectionWatch(const char* socketName);
     ConnectionWatch(const ConnectionWatch&) = delete;
     ConnectionWatch& operator=(const ConnectionWatch&) = delete;
@@ -52,12 +52,12 @@ public:
 private:
     QObject m_context;
     int m_socket;
-    ino_t m_inode; ///< the number may be given to another descriptor
+    ino_t m_inode; ///< the descriptor's number may be reused
 };
 
 constexpr int kNoSocket = -1;
 
-/// The name of the socket that @p fd is connected to; empty when it is not connected to a named one.
+/// The path of the socket that @p fd is connected to; empty if there is none.
 QByteArray peerName(int fd)
 {
     sockaddr_un peer = {};
@@ -78,7 +78,7 @@ int findConnection(const char* socketName)
     return kNoSocket;
 }
 
-/// The number of the open file behind @p fd.
+/// The inode of @p fd.
 std::optional<ino_t> inodeOf(int fd)
 {
     struct stat status = {};
@@ -108,7 +108,7 @@ constexpr std::array<Word<int>, 5> kReplies{{
     {"failed", voicecall::CallFailed},
 }};
 
-/// Shows the server's replies until one is the call's last.
+/// Shows the server's replies up to the call's last one.
 class Replies
 {
 public:
@@ -118,7 +118,7 @@ public:
 
     void show(int code)
     {
-        // More may come in the turn of the event loop that ends it.
+        // More may arrive in the turn of the event loop that ends it.
         if (isOver())
             return;
         m_console.write(wordFor(kReplies, code) + u'\n');
@@ -141,7 +141,7 @@ CommandError serverError()
                         QLatin1String(voicecall::kSocketDirectory) + u'/' + QLatin1String(voicecall::kSocketName));
 }
 
-/// Lets the replies come in until the call, the connection or the time is over, or a signal ends it.
+/// Runs the event loop until the call, the connection or the time ends, or a signal arrives.
 ExitCode follow(const Replies& replies, const TimeLimit& limit)
 {
     const handset::TerminationSignals signalsThatEnd;
@@ -153,7 +153,7 @@ ExitCode follow(const Replies& replies, const TimeLimit& limit)
     return replies.hasFailed() ? Failed : Done;
 }
 
-/// Where the replies of the Java connection go, of which a process has one and whose callback takes nothing else.
+/// Receives the Java connection's replies: the process has one, and its callback takes no context.
 Replies* javaReplies = nullptr;
 
 ExitCode callFromJava(const Invocation& invocation, Console& console)

@@ -18,7 +18,7 @@ constexpr int kLastIndex = 9;
 struct Entry
 {
     int index;
-    QString number; ///< empty when the entry is free
+    QString number; ///< empty if the entry is free
 };
 
 constexpr Column<Entry> kColumns[] = {

@@ -98,7 +98,7 @@ std::vector<FieldValue> snapshotValues(const QStringList& words, const Invocatio
     return values;
 }
 
-/// The networks of @p words, which are an id and a name for each.
+/// The networks in @p words, an id and a name each.
 std::vector<FieldValue> networkValues(const QStringList& words)
 {
     using Network = TAPI_NETWORK_PREFERED_ENTRY_S;
@@ -128,7 +128,7 @@ std::vector<FieldValue> plainValues(const PhoneMessage& message, const QStringLi
     return values;
 }
 
-/// What only a snapshot takes must not be lost without a word.
+/// Rejects options that only a snapshot uses.
 void refuseSnapshotOptions(const Invocation& invocation)
 {
     for (const Field& field : snapshot().fields) {
@@ -151,7 +151,7 @@ ExitCode sendStatus(const Invocation& invocation, Console& console)
     return Done;
 }
 
-/// The words of @p message with its arguments, and what those are.
+/// The help for @p message and its arguments.
 QStringList nameRow(const PhoneMessage& message)
 {
     const QString name = u"  "_s + QLatin1String(message.word);

@@ -25,16 +25,16 @@ using namespace std::chrono_literals;
 namespace zyn::tool {
 namespace {
 
-/// How often files are looked at of whose changes nobody tells.
+/// Interval for polling files that nobody announces.
 constexpr std::chrono::milliseconds kPollInterval = 1s;
-/// How long changes are gathered before they are drawn.
+/// Changes within this time are drawn together.
 constexpr std::chrono::milliseconds kDrawDelay = 30ms;
-/// How long a snapshot waits for what the phone server answers.
+/// How long a snapshot waits for the phone server's replies.
 constexpr std::chrono::milliseconds kAnswerTime = 500ms;
 
 constexpr char kEndKey = 'q';
 
-/// Everything that is known, kept up to date while the event loop runs.
+/// The whole state, kept up to date by the event loop.
 class Phone
 {
 public:
@@ -68,7 +68,7 @@ private:
     QTimer m_poll;
 };
 
-/// Shows a phone until its user or a signal ends it.
+/// Shows a phone until the user or a signal ends it.
 class Top
 {
 public:
@@ -95,7 +95,7 @@ private:
         Canvas canvas = m_screen.blank();
         layOut(m_phone.state, canvas);
         if (!m_screen.show(canvas))
-            m_draw.start(kPollInterval); // until its user lets the terminal go on
+            m_draw.start(kPollInterval); // until the user resumes the terminal
         if (!m_console.isValid())
             QCoreApplication::quit();
     }
@@ -110,7 +110,7 @@ private:
             m_screen.enter();
         }
         if (signal == SIGCONT) {
-            m_screen.leave(); // the shell may have changed what the keyboard does
+            m_screen.leave(); // the shell may have changed the terminal's mode
             m_screen.enter();
         }
         draw();
@@ -127,8 +127,8 @@ private:
     }
 
     Console& m_console;
-    Phone m_phone;             // before the screen: what it has to say against its channels is not for that
-    TerminalSignals m_signals; // before the screen: no signal ends the process while that has the terminal
+    Phone m_phone;             // before the screen, which its warnings must not disturb
+    TerminalSignals m_signals; // before the screen, so that no signal kills the process while the screen is active
     Screen m_screen;
     QSocketNotifier m_keys;
     QTimer m_draw;

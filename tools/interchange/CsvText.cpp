@@ -1,4 +1,4 @@
-// Comma-separated values, as RFC 4180 has them.
+// Comma-separated values (RFC 4180).
 #include "tools/interchange/CsvText.h"
 
 #include <algorithm>
@@ -88,7 +88,7 @@ QByteArray CsvReader::quotedCell(QString& problem)
     QByteArray cell;
     const qsizetype begin = m_at;
     const int line = m_line;
-    // A quotation mark in the cell is written twice.
+    // Quotation marks in a cell are doubled.
     for (++m_at; !atEnd(); ++m_at) {
         if (isAt(kQuote)) {
             ++m_at;
@@ -103,7 +103,7 @@ QByteArray CsvReader::quotedCell(QString& problem)
         cell += m_text[m_at];
     }
     problem = u"a quotation mark is not closed"_s;
-    // One mark too many in a row must not take the rows behind it along.
+    // A stray quotation mark must not swallow the rows after it.
     m_at = begin;
     m_line = line;
     while (!atEnd() && !isAtLineEnd())

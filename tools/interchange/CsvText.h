@@ -1,4 +1,4 @@
-// Comma-separated values, as RFC 4180 has them.
+// Comma-separated values (RFC 4180).
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -8,25 +8,25 @@
 
 namespace zyn::tool {
 
-/// One row with its line end, a line feed. Cells are put in quotes where they need them.
+/// One row, ended by a line feed. Cells are quoted where necessary.
 QString csvLine(const QStringList& cells);
 
 struct CsvRow
 {
-    int line; ///< on which the row begins, from 1; a quoted cell may span several
+    int line; ///< where the row begins, from 1; a quoted cell may span several lines
     QStringList cells;
-    QString problem; ///< why the cells are not to be trusted; empty when they are
+    QString problem; ///< why the cells are invalid; empty if they are valid
 };
 
-/// Takes a text apart. It may begin with a byte order mark; its lines end in LF or CR LF; empty ones are passed over.
+/// Parses a text, with or without a byte order mark. Lines end in LF or CR LF; empty ones are skipped.
 class CsvReader
 {
 public:
     explicit CsvReader(const QByteArray& text);
 
     bool atEnd() const { return m_at == m_text.size(); }
-    /// The next row; only before the end. A row with a problem is read up to where the next one seems to begin; behind
-    /// a quotation mark that is not closed that is the next line.
+    /// The next row, if not at the end. A row with a problem ends where the next one seems to begin: after an unclosed
+    /// quotation mark, at the next line.
     CsvRow next();
 
 private:

@@ -1,4 +1,4 @@
-// The fields of calls, and of favourites' entries, under the names they have in CSV and JSON.
+// The fields of calls and of favourites' entries, with their names in CSV and JSON.
 #include "tools/interchange/RecordSchemas.h"
 
 #include "handset/common/Text.h"
@@ -64,10 +64,10 @@ static_assert(isWhole(kFields, sizeof(Call)));
 using Entry = PHONE_ENG_ActivityLog;
 using Favourite = TopPalNumberDetail;
 
-/// Where the entry begins, behind its favourite.
+/// The offset of the entry, after its favourite.
 constexpr size_t kEntry = sizeof(Favourite);
 
-/// Unlike a call in the call log, an entry may be of no list, and of one that has but a number.
+/// Unlike a call in the call log, an entry may have no list, or any number for one.
 constexpr FieldForm kAnyListForm{FieldForm::Text,
                                  [](const QByteArray& bytes) {
                                      return QJsonValue(
@@ -100,7 +100,7 @@ constexpr StoredField kEntryFields[] = {
 };
 #pragma GCC diagnostic pop
 
-/// What the fields of the entry but for the call in it take.
+/// The fields of the entry outside its call.
 constexpr size_t sizeOf(std::span<const StoredField> fields)
 {
     size_t size = 0;
@@ -110,7 +110,7 @@ constexpr size_t sizeOf(std::span<const StoredField> fields)
 }
 static_assert(sizeof(PHONE_ENG_RecentCall) + sizeOf(kEntryFields) == sizeof(Entry));
 
-/// A field of a call as that of the call in an entry: the store gives it nothing but its flag of use and its number.
+/// Adapts a field of a call to the call in an entry, of which the store assigns only the flag inUse and the number.
 StoredField inEntry(StoredField field)
 {
     const QLatin1String name(field.name);

@@ -1,4 +1,4 @@
-// The fields of calls, and of favourites' entries, under the names they have in CSV and JSON.
+// The fields of calls and of favourites' entries, with their names in CSV and JSON.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_ActivityLog.h"
@@ -9,20 +9,19 @@
 
 namespace zyn::tool {
 
-/// Every byte of a PHONE_ENG_RecentCall. The names are those of a list of calls where it has the field.
+/// Every byte of a PHONE_ENG_RecentCall. Fields shown in a list of calls have the same name here.
 const RecordSchema& callSchema();
 
-/// Every byte of a PHONE_ENG_ActivityLog, and the number and the place of the favourite whose entry it is. The names
-/// are those of a list of calls and of a favourite's entries where these have the field. A record whose flag inUse is 0
-/// is a favourite without entries.
+/// Every byte of a PHONE_ENG_ActivityLog, and the number and place of its favourite. Fields shown in the lists of calls
+/// or entries have the same name here. A record whose flag inUse is 0 is a favourite without entries.
 const RecordSchema& favouriteSchema();
 
-/// The record of @p entry of the favourite @p number in @p place, 0 to 4.
+/// The record for @p entry of the favourite @p number in @p place, 0 to 4.
 QByteArray favouriteRecord(int place, const QString& number, const PHONE_ENG_ActivityLog& entry);
 
 /// The favourite's number in @p record.
 QString favouriteNumber(const QByteArray& record);
-/// Makes @p entry that of @p record. Not by value: to copy an entry prints.
+/// Copies @p record to @p entry, by reference: copying an entry writes trace text.
 void readEntry(PHONE_ENG_ActivityLog& entry, const QByteArray& record);
 
 } // namespace zyn::tool

@@ -1,4 +1,4 @@
-// Records of any kind as CSV and JSON, and the files of these.
+// Records of any kind as CSV and JSON, and files of them.
 #include "tools/interchange/RecordsFile.h"
 
 #include "handset/common/Text.h"
@@ -25,16 +25,16 @@ namespace {
 
 using NamedText = std::pair<const StoredField*, QString>;
 
-/// Goes through the elements of an array, as the parser that Qt has does not say where they stand.
+/// Walks the elements of an array, because Qt's parser does not report positions.
 class JsonElements
 {
 public:
-    /// @p text is sound JSON, an array, and must outlive it.
+    /// @param text  a valid JSON array, which must outlive this object
     explicit JsonElements(QByteArrayView text)
         : m_text(text)
     {}
 
-    /// The line, from 1, on which the next element begins.
+    /// The line, from 1, of the next element.
     int nextLine();
 
 private:
@@ -52,7 +52,7 @@ QByteArray fieldBytes(const StoredField& field, const QByteArray& record)
     return record.sliced(static_cast<qsizetype>(field.offset), static_cast<qsizetype>(field.size));
 }
 
-/// The field of that name; a failure that suggests another name when there is none.
+/// The field @p name; a failure with a suggestion if there is none.
 const StoredField& fieldNamed(const RecordSchema& schema, const QString& name)
 {
     QStringList known;
@@ -64,7 +64,7 @@ const StoredField& fieldNamed(const RecordSchema& schema, const QString& name)
     throw failure(u"unknown field '%1'"_s.arg(name) + suggestion(name, known));
 }
 
-/// Throws unless @p given holds every field that a record of @p schema must have, and none twice.
+/// Throws unless @p given contains every required field of @p schema, and none twice.
 void requireFields(const RecordSchema& schema, const std::vector<const StoredField*>& given)
 {
     for (const StoredField& field : schema.fields) {
@@ -76,8 +76,7 @@ void requireFields(const RecordSchema& schema, const std::vector<const StoredFie
     }
 }
 
-/// The record with @p texts in its fields. Throws when a text does not fit its field; an empty one of a field that may
-/// miss is as good as none.
+/// The record with @p texts in its fields. Throws if a text is invalid; an optional field may be empty.
 QByteArray recordOf(const RecordSchema& schema, const std::vector<NamedText>& texts)
 {
     QByteArray record = schema.blank;
@@ -113,7 +112,7 @@ int JsonElements::nextLine()
     return m_line;
 }
 
-/// Goes to the end of the string that begins here.
+/// Skips to the end of this string.
 void JsonElements::passString()
 {
     for (++m_at; m_at < m_text.size() && m_text[m_at] != '"'; ++m_at) {
@@ -139,7 +138,7 @@ QString csvText(const std::vector<StoredField>& fields, const std::vector<QByteA
     return text;
 }
 
-/// What is wrong at @p place. A long text is cut in its middle, where what the file holds is quoted.
+/// The problem at @p place. Long texts are shortened in the middle, where they quote the file.
 QString problem(const QString& place, const CommandError& error)
 {
     const QString& message = error.message();
@@ -149,7 +148,7 @@ QString problem(const QString& place, const CommandError& error)
     return place + message.left(kKept) + u'\u2026' + message.right(kKept);
 }
 
-/// Adds the record that @p read gives to @p result, or why it gives none.
+/// Adds the record that @p read returns, or its error, to @p result.
 template<typename Read>
 void addTo(ReadRecords& result, const QString& place, Read read)
 {
@@ -274,7 +273,7 @@ ReadRecords readJson(const RecordSchema& schema, const QByteArray& text, const Q
     return result;
 }
 
-/// Many times what the largest lists take.
+/// Many times the size of the largest lists.
 constexpr qint64 kSizeLimit = qint64{16} * 1024 * 1024;
 
 constexpr qsizetype kHelpWidth = 90;
@@ -373,7 +372,7 @@ QByteArray RecordsFile::readWhole() const
     QFile file(m_path);
     const bool isOpen = m_path.isNull() ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     QByteArray bytes;
-    // A pipe may give less than there is to come.
+    // A pipe may return fewer bytes than will follow.
     for (QByteArray part = isOpen ? file.read(kSizeLimit) : bytes; !part.isEmpty(); part = file.read(kSizeLimit)) {
         bytes += part;
         if (bytes.size() > kSizeLimit)

@@ -1,4 +1,4 @@
-// Records of any kind as CSV and JSON, and the files of these.
+// Records of any kind as CSV and JSON, and files of them.
 #pragma once
 
 #include "tools/interchange/StoredField.h"
@@ -16,25 +16,24 @@ namespace zyn::tool {
 
 class Console;
 
-/// What a text of records holds.
+/// The contents of a text of records.
 struct ReadRecords
 {
-    std::vector<QByteArray> records; ///< in their order
-    QStringList problems;            ///< of each record that cannot be read: its place and why
+    std::vector<QByteArray> records; ///< in order
+    QStringList problems;            ///< the place and the reason of each unreadable record
 };
 
 struct RecordFormat
 {
-    /// The text of @p records, with the values of @p fields.
+    /// @p records as text, with the values of @p fields.
     QString (*write)(const std::vector<StoredField>& fields, const std::vector<QByteArray>& records);
-    /// The records of @p text, which has the name @p name in errors and problems. Throws when it is no such text at
-    /// all.
+    /// The records in @p text, called @p name in errors. Throws if the whole text is invalid.
     ReadRecords (*read)(const RecordSchema& schema, const QByteArray& text, const QString& name);
 };
 
-/// A header that names the columns, then a line for each record.
+/// A header with the column names, then one line per record.
 extern const RecordFormat kCsvFormat;
-/// An array of one object for each record.
+/// An array with one object per record.
 extern const RecordFormat kJsonFormat;
 
 inline constexpr std::array<Word<const RecordFormat*>, 2> kRecordFormats{{
@@ -45,23 +44,23 @@ inline constexpr std::array<Word<const RecordFormat*>, 2> kRecordFormats{{
 class RecordsFile
 {
 public:
-    /// @{ What the constructor and the two operations read of a command line, and the words of the options' values.
+    /// @{ The options and arguments of the constructor and the two operations, and the words for their values.
     static QList<QCommandLineOption> exportOptions();
     static QList<QCommandLineOption> importOptions();
     static QMap<QString, QStringList> words();
     /// @}
-    /// The fields that a file of such records may have, as a help text lists them.
+    /// The possible fields, for help texts.
     static QString fieldList(const RecordSchema& schema);
 
-    /// The file at @p path; standard input or output when that is "-" or empty. A usage error when neither its ending
-    /// nor an option tells its format.
+    /// The file @p path, or standard input or output if that is "-" or empty. A usage error if neither the suffix nor
+    /// an option gives the format.
     /// @p call and @p schema must outlive it.
     RecordsFile(const Invocation& invocation, const RecordSchema& schema, const QString& path);
 
-    /// Writes @p records, whole or not at all, in place of what the file was; a device or a pipe is written to.
+    /// Writes @p records, replacing the file atomically; a device or a pipe is written to.
     void write(const std::vector<QByteArray>& records, Console& console) const;
 
-    /// Reads the file, and tells on the console which records cannot be read; that is a failure when --strict is set.
+    /// Reads the file. Unreadable records are reported on the console, and are a failure with --strict.
     ReadRecords read(Console& console) const;
 
 private:

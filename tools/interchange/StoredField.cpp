@@ -1,4 +1,4 @@
-// The fields of a stored record as values that can be written down and read back.
+// The fields of stored records as values that can be written as text and read back.
 #include "tools/interchange/StoredField.h"
 
 #include "handset/common/Text.h"
@@ -44,7 +44,7 @@ QByteArray flagBytes(const QString& text, const QString& name, qsizetype /*size*
     return QByteArray(1, static_cast<char>(*number));
 }
 
-/// The text in front of the first NUL, which @p decode makes of it, unless that and NULs are not all of @p field.
+/// The text before the first NUL, converted by @p decode; unset if @p field contains more than that and NULs.
 template<typename Decode, typename Encode>
 QJsonValue textValue(const QByteArray& field, Decode decode, Encode encode)
 {

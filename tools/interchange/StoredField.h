@@ -1,4 +1,4 @@
-// The fields of a stored record as values that can be written down and read back.
+// The fields of stored records as values that can be written as text and read back.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -14,10 +14,10 @@
 
 namespace zyn::tool {
 
-/// How the bytes of a field are written as a value: two fields with other bytes have other values.
+/// Converts the bytes of a field to a value and back; different bytes give different values.
 struct FieldForm
 {
-    /// What a value is in JSON.
+    /// The kinds of JSON values.
     enum Kind {
         Text,
         Number,
@@ -26,19 +26,19 @@ struct FieldForm
 
     Kind kind;
     QJsonValue (*value)(const QByteArray& bytes);
-    /// The bytes, @p size of them, of the field @p name that @p text stands for; a usage error when it stands for none.
+    /// The @p size bytes of the field @p name given by @p text. Throws a usage error if it is invalid.
     QByteArray (*bytes)(const QString& text, const QString& name, qsizetype size);
 };
 
 struct StoredField
 {
     enum Presence {
-        Optional, ///< what is not there has the value of a blank record
+        Optional, ///< if missing, has the value of a blank record
         Required,
-        OfStore, ///< given by the store, so that it is written only on request and a store that reads it gives its own
+        OfStore, ///< assigned by the store: written on request only, and ignored by a store that reads it
     };
 
-    const char* name; ///< the field's name in JSON and its column in CSV; never changed once published
+    const char* name; ///< the JSON field and CSV column; never changed once published
     size_t offset;
     size_t size;
     const FieldForm* form;
@@ -48,12 +48,12 @@ struct StoredField
 /// A kind of record.
 struct RecordSchema
 {
-    const char* thing; ///< what it is a record of
+    const char* thing; ///< for messages
     std::vector<StoredField> fields;
-    QByteArray blank; ///< the record of which no field is set
+    QByteArray blank; ///< a record without values
 };
 
-/// Whether each of the bytes of a record of @p size bytes belongs to exactly one of @p fields.
+/// Whether @p fields cover each byte of a record of @p size bytes exactly once.
 constexpr bool isWhole(std::span<const StoredField> fields, size_t size)
 {
     size_t covered = 0;
@@ -70,21 +70,21 @@ constexpr bool isWhole(std::span<const StoredField> fields, size_t size)
     return covered == size;
 }
 
-/// A whole number of 32 bits.
+/// A 32-bit number.
 extern const FieldForm kNumberForm;
-/// A byte: false for 0, true for 1, else its number.
+/// A byte: false for 0, true for 1, otherwise a number.
 extern const FieldForm kFlagForm;
-/// @{ A text that ends in a NUL. What a text alone would not keep is "hex:" and the digits of all bytes: bytes behind
-/// the NUL, a missing one, what is no UTF-8, what is not printable, and a text that begins with "hex:" itself.
+/// @{ A NUL-terminated text. Written as "hex:" and the digits of all bytes if a plain text would lose something: bytes
+/// after the NUL, a missing NUL, invalid UTF-8, unprintable characters, or a leading "hex:".
 extern const FieldForm kLatin1Form;
 extern const FieldForm kUtf8Form;
 /// @}
-/// Bytes without a meaning: nothing for zeros, a graphic text as it is, else "hex:" and digits.
+/// Bytes without a meaning: empty for zeros, a graphic text as it is, otherwise "hex:" and digits.
 extern const FieldForm kBlockForm;
-/// Seconds since 1970: ISO 8601 in UTC; read with any offset, but with one.
+/// Seconds since 1970 in ISO 8601, written in UTC, read with any explicit offset.
 extern const FieldForm kTimeForm;
 
-/// @{ A number of 32 bits and its bytes.
+/// @{ A 32-bit number and its bytes.
 inline QByteArray bytesOfNumber(int32_t number)
 {
     return QByteArray(reinterpret_cast<const char*>(&number), sizeof number);

@@ -1,4 +1,4 @@
-// The phone's state, as far as it is known.
+// The known state of the phone.
 #include "tools/top/PhoneState.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// The phone's state, as far as it is known.
+// The known state of the phone.
 #pragma once
 
 #include <QtCore/QObject>
@@ -49,7 +49,7 @@ enum class Item : uint8_t {
     Count,
 };
 
-/// One text for each item, unknown at first.
+/// One text per item, unknown at first.
 class PhoneState : public QObject
 {
     Q_OBJECT
@@ -57,7 +57,7 @@ class PhoneState : public QObject
 public:
     struct Value
     {
-        QString text; ///< null while it is not known; as it came, so that it may hold anything
+        QString text; ///< null if unknown; unescaped, so it may hold any characters
         bool isAlert = false;
 
         bool operator==(const Value&) const = default;
@@ -66,11 +66,11 @@ public:
     const Value& value(Item item) const { return m_values.at(static_cast<size_t>(item)); }
     /// An empty @p text becomes "none".
     void set(Item item, const QString& text, bool isAlert = false);
-    /// The item is not known any more.
+    /// Makes the item unknown.
     void remove(Item item);
 
 Q_SIGNALS:
-    /// A value differs from what it was.
+    /// A value has changed.
     void changed();
 
 private:

@@ -23,7 +23,7 @@ class Console;
 
 enum class Style : uint8_t { Plain, Title, Label, Alert };
 
-/// One place of the screen.
+/// One cell of the screen.
 struct Cell
 {
     QString text = u" "_s; ///< one character with its marks; empty in the second half of a wide one
@@ -32,7 +32,7 @@ struct Cell
     bool operator==(const Cell&) const = default;
 };
 
-/// A screen in memory, blank when it is made.
+/// A screen in memory, initially blank.
 class Canvas
 {
 public:
@@ -42,8 +42,8 @@ public:
     int rows() const { return m_rows; }
     const Cell& at(int row, int column) const { return m_cells[index(row, column)]; }
 
-    /// Writes @p text, of which every character that does not just show is escaped, from @p column on into at most @p
-    /// width places of a row; an ellipsis stands for what does not fit. What lies outside is left out.
+    /// Writes @p text, with unprintable characters escaped, from @p column into at most @p width cells of a row,
+    /// shortened with an ellipsis. Parts outside the canvas are dropped.
     void put(int row, int column, int width, const QString& text, Style style = Style::Plain);
 
 private:
@@ -57,14 +57,14 @@ private:
     std::vector<Cell> m_cells;
 };
 
-/// Delivers SIGHUP, SIGQUIT, SIGTSTP, SIGCONT and SIGWINCH in the event loop. A program without further threads has
-/// one.
+/// Delivers SIGHUP, SIGQUIT, SIGTSTP, SIGCONT and SIGWINCH in the event loop. For single-threaded programs, one per
+/// program.
 class TerminalSignals
 {
 public:
     explicit TerminalSignals(std::function<void(int signal)> handler);
 
-    /// Stops the process, as SIGTSTP would have if it were not caught, until it is told to go on.
+    /// Stops the process, as an uncaught SIGTSTP would, until SIGCONT.
     static void stop();
 
 private:
@@ -76,9 +76,8 @@ private:
 };
 
 /**
- * Takes the terminal behind the console: its other screen, without a cursor, and keys as they are pressed.
- *
- * Only plain ANSI sequences are used. The destructor gives the terminal back.
+ * Uses the terminal behind the console: its alternate screen, without a cursor, with keys delivered as they are
+ * pressed. Uses plain ANSI sequences only. The destructor restores the terminal.
  */
 class Screen
 {
@@ -88,18 +87,17 @@ public:
     Screen& operator=(const Screen&) = delete;
     ~Screen() { leave(); }
 
-    /// @{ Takes the terminal, whose other screen comes with what is shown first, and gives it back. Doing so again
-    /// changes nothing.
+    /// @{ Enters the alternate screen, with the first output, and leaves it. Repeated calls have no effect.
     void enter();
     void leave();
     /// @}
 
-    /// A blank canvas of the terminal's present size.
+    /// A blank canvas of the terminal's current size.
     Canvas blank() const;
-    /// Shows @p canvas: where the size is the same, only the cells that differ from what is shown are written. False
-    /// when the terminal takes no output just now, and was not waited for.
+    /// Shows @p canvas; only changed cells are written unless the size has changed. False if the terminal accepts no
+    /// output now; this does not wait.
     bool show(const Canvas& canvas);
-    /// Takes for granted no longer what the terminal shows.
+    /// Forces the next show() to draw everything.
     void invalidate() { m_shown.reset(); }
 
 private:
@@ -108,8 +106,8 @@ private:
     Console& m_console;
     const bool m_inColour;
     bool m_isTaken = false;
-    bool m_isEntered = false;          ///< whether the other screen is shown
-    std::optional<termios> m_keyboard; ///< as it was found
+    bool m_isEntered = false;          ///< the alternate screen is active
+    std::optional<termios> m_keyboard; ///< the original mode
     std::optional<Canvas> m_shown;
 };
 

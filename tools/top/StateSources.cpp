@@ -1,4 +1,4 @@
-// Where the state of the handset comes from: status messages, the call log, the favourites.
+// Sources of the phone's state: status messages, the call log, the favourites.
 #include "tools/top/StateSources.h"
 
 #include "handset/common/Text.h"
@@ -70,7 +70,7 @@ QString nameOf(const QCString& message)
 
 using Call = PHONE_ENG_RecentCall;
 
-/// The calls in the file of @p list; none when there is no sound one.
+/// The calls in the file of @p list; none if it is missing or damaged.
 std::vector<Call> callsIn(RC_CALL_CATEGORY_T list)
 {
     const QByteArray path = storeDirectoryPath() + recordFileName(list);
@@ -222,13 +222,13 @@ CallSource::CallSource(PhoneState& state, const PHONE_MsgClient& client)
         const auto known = m_newest;
         refresh();
         if (m_newest != known)
-            return; // the end of the call, or one that was missed meanwhile
+            return; // the end of the call, or another call that was missed
         ++m_changes;
         showCall();
     });
 }
 
-/// The client that m_missed has made for the process would leave its socket behind.
+/// Otherwise the process-wide client of m_missed would leave its socket behind.
 CallSource::~CallSource()
 {
     RecentCall_MsgClient::destruction();
@@ -288,9 +288,9 @@ void CallSource::showNewest(const std::vector<Call>& calls)
 void readFavourites(PhoneState& state)
 {
     Numbers numbers;
-    // The store would make the file of the favourites.
+    // The store would create the file of favourites.
     if (DetailsFile::isAt(storeDirectoryPath() + '/' + kTopPalsDetailsName)) {
-        // A store knows the favourites as they were when it was made.
+        // A store caches the favourites when it is constructed.
         Store::destroy();
         Store::instance()->getCurrentTopPalsFileNames(numbers.data());
     }

@@ -1,4 +1,4 @@
-// Where the state of the handset comes from: status messages, the call log, the favourites.
+// Sources of the phone's state: status messages, the call log, the favourites.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -16,7 +16,7 @@ namespace zyn::tool {
 
 class PhoneState;
 
-/// Keeps the state up to date from the messages of the phone channel, for as long as it lives.
+/// Updates the state from the messages of the phone channel.
 class StatusSource : public PHONE_MsgClient
 {
 public:
@@ -26,10 +26,10 @@ public:
     void receive(const QCString& message, const QByteArray& data) override;
 
 private:
-    /// Shows what @p signal brings, one number, truth or text.
+    /// Shows the value of @p signal, a number, a boolean or a text.
     template<typename Argument>
     void follow(void (PHONE_MsgClient::*signal)(Argument), Item item);
-    /// Shows, at @p item, @p event and when it came.
+    /// Shows @p event and its time at @p item.
     void followEvent(void (PHONE_MsgClient::*signal)(), Item item, const char* event, bool isAlert = false);
     void followNames();
     void followCounters();
@@ -38,10 +38,10 @@ private:
 };
 
 /**
- * Keeps the call in progress, the last logged call and the unread missed calls up to date.
+ * Updates the call in progress, the last logged call and the unread missed calls.
  *
- * Nobody tells who calls: of a call in progress the request to place it is known, and how often its state changed,
- * until the log has it. The log is read from its files, which waits for nobody.
+ * No message describes the call in progress: all that is known is the request to place it, and how often its state
+ * changed, until it is in the log. The log is read from its files, which never blocks.
  */
 class CallSource : public QObject
 {
@@ -65,13 +65,13 @@ private:
     PhoneState& m_state;
     PHONE_VoiceCallReceiver m_requests;
     RC_MissedCallInterface m_missed;
-    QString m_number; ///< of the call that was asked for last
-    QString m_call;   ///< empty when none is known
+    QString m_number; ///< of the last requested call
+    QString m_call;   ///< empty if unknown
     int m_changes = 0;
     std::optional<int> m_newest; ///< the uid of the last logged call
 };
 
-/// Reads the activity log into @p state. Makes and changes no file.
+/// Reads the activity log into @p state, without creating or changing files.
 void readFavourites(PhoneState& state);
 
 } // namespace zyn::tool

@@ -1,4 +1,4 @@
-// How the phone's state is laid out.
+// The layout of the phone's state.
 #include "tools/top/TopView.h"
 
 #include "handset/common/Text.h"
@@ -18,7 +18,7 @@ using handset::jsonEscaped;
 
 struct Line
 {
-    const char* label; ///< null for the title of a section, and for a blank line
+    const char* label; ///< null for a section title or a blank line
     Item item;
     const char* title;
 };
@@ -102,7 +102,7 @@ bool isBlank(const Line& line)
     return !line.label && *line.title == '\0';
 }
 
-/// All lines below each other, the calls first: they are looked for most.
+/// All lines in one column, the calls first as the most interesting.
 Lines allLines()
 {
     const auto* const endOfCalls = std::ranges::find_if(kRight, isBlank);
@@ -118,7 +118,7 @@ QString textOf(const PhoneState::Value& value)
     return value.text.isNull() ? u"\u2013"_s : value.text;
 }
 
-/// A part of the canvas, all rows but the first and the last.
+/// A part of the canvas without its first and last rows.
 struct Area
 {
     int column;
@@ -136,7 +136,7 @@ void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row,
                value.isAlert ? Style::Alert : Style::Plain);
 }
 
-/// Puts as many lines as there is room for, without those that are blank where that helps; how many are left out.
+/// Draws as many lines as fit, without blank lines if that helps; returns the number of lines left out.
 int putLines(const PhoneState& state, Canvas& canvas, Area area)
 {
     const auto room = static_cast<size_t>(canvas.rows() - 2);

@@ -1,4 +1,4 @@
-// How the phone's state is laid out.
+// The layout of the phone's state.
 #pragma once
 
 #include <QtCore/QString>
@@ -8,10 +8,10 @@ namespace zyn::tool {
 class Canvas;
 class PhoneState;
 
-/// Lays @p state out on @p canvas: in two columns where it is wide enough, and one line where it is too small.
+/// Draws @p state on @p canvas: in two columns if it is wide enough, as one line if it is too small.
 void layOut(const PhoneState& state, Canvas& canvas);
 
-/// The state as lines of text, printable characters only.
+/// The state as lines of printable text.
 QString stateText(const PhoneState& state);
 
 } // namespace zyn::tool
