@@ -76,6 +76,7 @@ private Q_SLOTS:
     void init() { m_fixture.emplace(); }
     void cleanup()
     {
+        qunsetenv("ZYN_QCOP_PATH");
         Screens::destruction();
         Missed::destruction();
         RecentCall_MsgClient::destruction();
@@ -116,7 +117,6 @@ void tst_RecentCallInterfaces::serve()
         {u"receive"_s, receive},
         {u"end-client"_s, [] { RecentCall_MsgClient::destruction(); }},
         {u"channels-at"_s, [](const Words& words) { return qputenv("ZYN_QCOP_PATH", words[0].toUtf8()); }},
-        {u"channels"_s, [] { return qunsetenv("ZYN_QCOP_PATH"); }},
 
         {u"follow-missed"_s,
          [&] { connect(Missed::instance(), &Missed::dataUpdate, this, [&] { told += u"shared"_s; }); }},
