@@ -148,7 +148,8 @@ void sendWithoutLoop(Sender& sender, int done)
     while (!nextOrder().empty()) {
         while (sender.hasMoreTurns()) {
             sender.sendTurn();
-            for (isHeard = false; !isHeard;)
+            isHeard = false;
+            while (!isHeard) // NOLINT(clang-diagnostic-for-loop-analysis): the slot above sets it
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
         sender.report();

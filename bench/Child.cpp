@@ -67,6 +67,7 @@ Child::Child(const Words& words, Log log)
         ::posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     std::vector<std::string> copies = words;
     std::vector<char*> arguments;
+    arguments.reserve(copies.size() + 1);
     for (std::string& word : copies)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -221,7 +221,8 @@ QString svg(const Results& results)
     text +=
         u"<text x=\"%1\" y=\"16\" font-size=\"11\"><tspan fill=\"#2a6fbb\">ours</tspan>, <tspan fill=\"#6f93b5\">"
         u"what its goal is a multiple of</tspan>, <tspan fill=\"#d08a3c\">the best peer</tspan></text>\n"_s.arg(kNames);
-    for (double nanoseconds = 10; nanoseconds < 2e9; nanoseconds *= 10) {
+    for (int power = 1; power <= 9; ++power) {
+        const double nanoseconds = std::pow(10.0, power);
         const double x = place(nanoseconds);
         text += u"<line x1=\"%1\" x2=\"%1\" y1=\"38\" y2=\"%2\" stroke=\"#e0e0e0\"/>\n"
                 u"<text x=\"%1\" y=\"34\" font-size=\"9\" text-anchor=\"middle\">%3</text>\n"_s.arg(x)

@@ -135,7 +135,9 @@ void Ear::hear()
 
 std::string socketPath(const std::string& name)
 {
-    return std::string(std::getenv("ZYN_QCOP_PATH")) + '/' + name;
+    const char* const directory = std::getenv("ZYN_QCOP_PATH");
+    require(directory, "ZYN_QCOP_PATH");
+    return std::string(directory ? directory : "") + '/' + name;
 }
 
 std::vector<Kind> ourTransports()

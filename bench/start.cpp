@@ -7,7 +7,10 @@
 
 int main()
 {
-    const std::string address = std::string("unix:path=") + std::getenv("ZYN_QCOP_PATH") + "/bus";
+    const char* const directory = std::getenv("ZYN_QCOP_PATH");
+    if (!directory)
+        return EXIT_FAILURE;
+    const std::string address = std::string("unix:path=") + directory + "/bus";
     DBusConnection* const bus = dbus_connection_open_private(address.c_str(), nullptr);
     if (!bus || !dbus_bus_register(bus, nullptr))
         return EXIT_FAILURE;
@@ -38,7 +41,10 @@ namespace {
 {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    (std::string(std::getenv("ZYN_QCOP_PATH")) + "/0").copy(address.sun_path, sizeof address.sun_path - 1);
+    const char* const directory = std::getenv("ZYN_QCOP_PATH");
+    if (!directory)
+        return false;
+    (std::string(directory) + "/0").copy(address.sun_path, sizeof address.sun_path - 1);
     const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     std::array<char, bench::kFrameSize> frame = {};
     frame[0] = char{bench::kFrameSize};

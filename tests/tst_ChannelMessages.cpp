@@ -80,7 +80,7 @@ Outcome receive(const Client& client, const QCString& name, const QByteArray& pa
 /// What a client makes of a message, and as much of that as comes before its end.
 Outcome receiveAndEnd(const Client& client, const Words& words)
 {
-    const Outcome whole = receive(client, bytesOf(words[0]), payloadOf(words));
+    Outcome whole = receive(client, bytesOf(words[0]), payloadOf(words));
     for (qsizetype last = 1; last <= whole.second.size(); ++last) {
         if (receive(client, bytesOf(words[0]), payloadOf(words), last)
             != Outcome{whole.first, whole.second.first(last)})

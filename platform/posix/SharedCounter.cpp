@@ -68,7 +68,8 @@ SharedCounter::Segment* SharedCounter::attachSegment(int id, int flags)
     static_assert(offsetof(Segment, cookie) == 0 && offsetof(Segment, value) == 8 && offsetof(Segment, mark) == 12
                   && sizeof(Segment) == 16);
     void* const address = ::shmat(id, nullptr, flags);
-    return address == reinterpret_cast<void*>(-1) ? nullptr : static_cast<Segment*>(address);
+    constexpr intptr_t kFailed = -1;
+    return reinterpret_cast<intptr_t>(address) == kFailed ? nullptr : static_cast<Segment*>(address);
 }
 
 std::optional<SharedCounter> SharedCounter::make()

@@ -39,20 +39,6 @@ int readLimit(SETUP_SET_Manager& settings, const char* key)
     return std::clamp(readInt(settings, key, kDefaultLimit), 0, zyn::kRecordSlots);
 }
 
-/// The path of the favourites' switch file. It is asked for at every operation on their files, and so is kept for as
-/// long as the directory is the same.
-QString topPalsSwitch()
-{
-    static QByteArray s_directory;
-    static QString s_path;
-    const QByteArray directory = qgetenv(zyn::kSwitchDirectory);
-    if (s_path.isNull() || directory != s_directory) {
-        s_path = zyn::switchFile(zyn::kTopPalsSwitch);
-        s_directory = directory;
-    }
-    return s_path;
-}
-
 /// The setting has a numbering of its own.
 RC_CALL_CATEGORY_T toView(int setting)
 {
@@ -171,7 +157,7 @@ bool RecentCall_Setup::isPttFlexOn()
 
 unsigned int RecentCall_Setup::getMaxTopPalsAvlItems()
 {
-    SETUP_SET_Manager settings(topPalsSwitch(), false);
+    SETUP_SET_Manager settings(zyn::switchFile(zyn::kTopPalsSwitch), false);
     unsigned int items = 0;
     settings.getSettingInfo(QStringLiteral("TopPals-UI"), QStringLiteral("MaxItemsToLog"), items, kDefaultTopPalsItems);
     return items;
