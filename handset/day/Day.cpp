@@ -1,4 +1,4 @@
-// The script of a day: who takes part, what happens, and what must be seen of it.
+// Reads the script of a day: the programs that take part, what happens, and the lines that must then be seen.
 #include "handset/day/Day.h"
 
 #include "handset/common/ScriptReader.h"
@@ -24,7 +24,7 @@ constexpr struct
     {"cannot ask", Verb::CannotAsk}, {"kills", Verb::Kills}, {"ends", Verb::Ends},
 };
 
-/// How often a line holds, as "N x" in front of its first column says; removes that.
+/// Removes "N x" from the start of @p line and returns N; 1 if it does not start so.
 int readTimes(QString& line)
 {
     static const QRegularExpression times(u"^\\s*(\\d{1,4}) x  +"_s);
@@ -56,7 +56,7 @@ private:
         static const QRegularExpression arrow(u"^(->|<-) (.+)$"_s);
         const auto match = arrow.match(columns.value(2));
         if (columns.size() != 4 || !match.hasMatch())
-            throw ScriptError{u"it is 'cast  NAME  -> OTHER  COMMAND', or '<-'"_s};
+            throw ScriptError{u"expected 'cast  NAME  -> OTHER  COMMAND', or '<-'"_s};
         const bool isSpeaker = match.captured(1) == "->"_L1;
         const QString other = match.captured(2);
         day.cast += {columns[1], isSpeaker ? columns[1] : other, isSpeaker ? other : columns[1],
@@ -76,7 +76,7 @@ private:
         const auto* verb =
             std::ranges::find_if(kVerbs, [&](const auto& row) { return step.verbText == QLatin1String(row.text); });
         if (verb == std::end(kVerbs))
-            throw ScriptError{u"it is 'WHO  VERB  WHOM  WHAT'"_s};
+            throw ScriptError{u"expected 'WHO  VERB  WHOM  WHAT'"_s};
         step.verb = verb->verb;
         if (step.verb != Verb::Asks && step.verb != Verb::CannotAsk)
             requireMember(step.whom);
@@ -87,7 +87,7 @@ private:
         const int times = readTimes(line);
         const QStringList columns = scriptColumns(line, 2);
         if (columns.size() != 2 || day.steps.isEmpty())
-            throw ScriptError{u"it is '  WHO  LINE', below a step"_s};
+            throw ScriptError{u"expected '  WHO  LINE', below a step"_s};
         Step& step = day.steps.last();
         if (columns[0] != step.who)
             requireMember(columns[0]);
@@ -96,7 +96,7 @@ private:
     void requireMember(const QString& name) const
     {
         if (!day.member(name))
-            throw ScriptError{u"there is no '%1' in the cast"_s.arg(name)};
+            throw ScriptError{u"'%1' is not in the cast"_s.arg(name)};
     }
 
     QString m_chapter;

@@ -1,4 +1,4 @@
-// The script of a day: who takes part, what happens, and what must be seen of it.
+// Reads the script of a day: the programs that take part, what happens, and the lines that must then be seen.
 #pragma once
 
 #include <QtCore/QList>
@@ -12,9 +12,9 @@ namespace zyn::handset {
 struct Member
 {
     QString name;
-    QString from; ///< whom its lines come from, and to whom they go: it is one of them
+    QString from; ///< the sender of its lines; either this or `to` is the program itself
     QString to;
-    bool isWitness = false; ///< whether all that it shows must be called for
+    bool isWitness = false; ///< whether the script must list all its lines
     QString command;
 };
 
@@ -31,18 +31,18 @@ enum class Verb {
     Starts,
     Tells,     ///< writes lines to its standard input
     Types,     ///< the same, key by key
-    Asks,      ///< runs a command, whose exit code is to be 0
-    CannotAsk, ///< the same, but not 0
+    Asks,      ///< runs a command, which must exit with 0
+    CannotAsk, ///< the same, but it must not exit with 0
     Kills,
-    Ends, ///< asks it to end, which it is to do with exit code 0
+    Ends, ///< asks the program to end, which must exit with 0
 };
 
-/// Something that happens, and what must be seen then.
+/// Something that happens, and the lines that must be seen after it.
 struct Step
 {
     int lineNumber = 0;
     int times = 1;
-    QString chapter; ///< that begins with it; empty when none does
+    QString chapter; ///< the title of the chapter that starts here; empty within a chapter
     QString who;
     Verb verb = Verb::Starts;
     QString verbText;
@@ -50,7 +50,7 @@ struct Step
     QString what;
     QList<Expectation> expected;
 
-    /// Whether a line is to be printed by the command that is run, and not seen elsewhere.
+    /// Whether the command that this step runs must print the line, rather than a member of the cast.
     bool isAnswer(const Expectation& expectation) const { return expectation.who == who; }
 };
 
@@ -62,7 +62,8 @@ struct Day
     const Member* member(const QString& name) const;
 };
 
-/// Reads the script @p path, as its first lines explain it; nothing, and told on standard error, when it is wrong.
+/// Reads the script @p path, whose format is explained at the head of desk.day. Nothing if it is invalid, after a
+/// message on standard error.
 std::optional<Day> readDay(const QString& path);
 
 } // namespace zyn::handset

@@ -1,4 +1,4 @@
-// Plays a day, and compares what is seen with what its script calls for.
+// Plays a day, and compares the lines of its programs with those that the script expects.
 #include "handset/day/Player.h"
 
 #include <QtCore/QDeadlineTimer>
@@ -19,7 +19,7 @@ namespace {
 constexpr auto kBeforeStep = 1200ms;
 constexpr auto kBeforeLine = 150ms;
 constexpr auto kBetweenKeys = 250ms;
-/// For a program that has not shown something in time once: it will not show what comes after that either.
+/// For a program that was late once: it is unlikely to show the lines after that either.
 constexpr auto kLateLimit = 500ms;
 constexpr int kWokenUp = 1;
 
@@ -94,7 +94,7 @@ void Player::play(const Step& step, const QString& what)
         break;
     case Verb::Asks:
     case Verb::CannotAsk:
-        ask(step, what);
+        runCommand(step, what);
         break;
     case Verb::Kills:
     case Verb::Ends:
@@ -119,8 +119,8 @@ void Player::write(const Step& step, const QString& what)
     }
 }
 
-/// Runs a command to its end, and compares all that it prints with what was called for, if anything was.
-void Player::ask(const Step& step, const QString& what)
+/// Runs a command to its end, and compares its output with the expected lines, if the step has any.
+void Player::runCommand(const Step& step, const QString& what)
 {
     const Member member{step.what, step.whom, step.who, false, what};
     Actor command;
@@ -138,7 +138,7 @@ void Player::ask(const Step& step, const QString& what)
         compare(member, command);
 }
 
-/// Ends a program, and waits for that.
+/// Ends a program, and waits until it has ended.
 void Player::end(const Step& step)
 {
     Program& program = m_actors[step.whom].program;
@@ -148,10 +148,10 @@ void Player::end(const Step& step)
     if (m_isInterrupted)
         return;
     const bool holds = wasRunning && !program.isRunning() && (step.verb == Verb::Kills || program.exitCode() == 0);
-    m_view.check(holds, step.whom, step.who, holds ? u"has ended"_s : u"has not ended well, or too early"_s);
+    m_view.check(holds, step.whom, step.who, holds ? u"has ended"_s : u"ended with an error, or too early"_s);
 }
 
-/// Waits for a line of @p actor, or several like it.
+/// Waits for a line of @p actor, or for several like it.
 void Player::expect(const Expectation& expectation, const Member& member, Actor& actor)
 {
     const QString line = filled(expectation.line);
@@ -164,7 +164,7 @@ void Player::expect(const Expectation& expectation, const Member& member, Actor&
         waitUntil([&] { return isFound() || !actor.program.isRunning(); }, actor.isLate ? kLateLimit : m_pace.limit);
         if (!isFound())
             break;
-        actor.taken += found;
+        actor.matched += found;
         seen = actor.program.lines().at(found);
     }
     if (m_isInterrupted)
@@ -174,37 +174,37 @@ void Player::expect(const Expectation& expectation, const Member& member, Actor&
     if (count == expectation.times)
         return;
     actor.isLate = true;
-    m_view.explain(u"seen %1 times, called for in line %2"_s.arg(count).arg(expectation.lineNumber));
+    m_view.explain(u"seen %1 times; expected by line %2"_s.arg(count).arg(expectation.lineNumber));
     constexpr qsizetype kEnough = 3;
     const QStringList& lines = actor.program.lines();
     for (const QString& other : lines.mid(std::max<qsizetype>(0, lines.size() - kEnough)))
-        m_view.explain(u"said last: "_s + other);
+        m_view.explain(u"one of the last lines: "_s + other);
     if (!actor.program.isRunning())
-        m_view.explain(u"and has ended, with exit code %1"_s.arg(actor.program.exitCode()));
+        m_view.explain(u"the program has ended, with exit code %1"_s.arg(actor.program.exitCode()));
 }
 
-/// Where @p line is among the lines that were not called for yet; -1 when it is not there yet. The order is free here:
-/// a program that hears from several may hear the later one first.
+/// The index of @p line among the lines of @p actor that are not matched yet; -1 if it has not come. In any order: a
+/// program that hears from several others may hear from the later one first.
 qsizetype Player::find(const Actor& actor, const QString& line) const
 {
     const QStringList& lines = actor.program.lines();
     for (qsizetype i = 0; i < lines.size(); ++i) {
-        if (!actor.taken.contains(i) && isMatch(lines[i], line))
+        if (!actor.matched.contains(i) && isMatch(lines[i], line))
             return i;
     }
     return -1;
 }
 
-/// Checks whether all that @p actor has said was called for, in its order.
+/// Checks that the lines of @p actor are exactly the expected ones, in their order.
 void Player::compare(const Member& member, const Actor& actor)
 {
     const QStringList& lines = actor.program.lines();
     const auto [line, called] = std::ranges::mismatch(lines, actor.called, isMatch);
     const bool holds = line == lines.end() && called == actor.called.end();
     m_view.check(holds, member.from, member.to,
-                 u"%1 lines seen, %2 called for"_s.arg(lines.size()).arg(actor.called.size()));
+                 u"%1 lines seen, %2 expected"_s.arg(lines.size()).arg(actor.called.size()));
     if (!holds)
-        m_view.explain(u"the first that differs: "_s + (line == lines.end() ? *called : *line));
+        m_view.explain(u"the first difference: "_s + (line == lines.end() ? *called : *line));
 }
 
 QString Player::filled(QString text, int number) const
@@ -216,7 +216,7 @@ QString Player::filled(QString text, int number) const
     return text.replace(u"{n}"_s, QString::number(number).rightJustified(2, '0'_L1));
 }
 
-/// Lets the event loop run until @p isMet; false when that is not within @p limit, or the application is told to quit.
+/// Runs the event loop until @p isMet returns true; false if it does not within @p limit, or if the application quits.
 bool Player::waitUntil(const std::function<bool()>& isMet, std::chrono::milliseconds limit)
 {
     const QDeadlineTimer deadline(limit);

@@ -1,4 +1,4 @@
-// Plays a day, and compares what is seen with what its script calls for.
+// Plays a day, and compares the lines of its programs with those that the script expects.
 #pragma once
 
 #include "handset/day/Day.h"
@@ -17,26 +17,26 @@ namespace zyn::handset {
 /// How a day is played.
 struct Pace
 {
-    bool isSlow = false;             ///< as a person would, and could follow it
-    std::chrono::milliseconds limit; ///< how long something may take to be seen
+    bool isSlow = false;             ///< at a person's pace
+    std::chrono::milliseconds limit; ///< how long to wait for a line
 };
 
 /**
- * Starts the programs of a day, lets its steps happen one after another and waits for what each must cause.
+ * Starts the programs of a day, carries out its steps one after another, and waits for the lines that each must cause.
  *
- * What is not seen in time is told, and the day goes on. Everything waits for the programs' lines; the pauses of a slow
- * day are only for those who sync.
+ * A line that does not come in time is reported, and the day goes on. Nothing relies on pauses: those of a slow day are
+ * for the people who watch it.
  */
 class Player : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param store  what "{store}" stands for
+    /// @param store  the value of "{store}" in the script
     Player(Day day, QString store, Pace pace);
 
-    /// Plays the day, within the event loop; true when all has held. When the application is told to quit it ends
-    /// early, and with false.
+    /// Plays the day, within the event loop; true if every check passed. Ends early, with false, if the application
+    /// quits.
     bool play();
 
 Q_SIGNALS:
@@ -47,15 +47,15 @@ private:
     struct Actor
     {
         Program program;
-        QSet<qsizetype> taken; ///< the lines that were called for
-        QStringList called;    ///< what was called for, in its order
-        bool isLate = false;   ///< whether it has been waited for in vain
+        QSet<qsizetype> matched; ///< indexes of the lines that an expectation has matched
+        QStringList called;      ///< the expected lines, in the order of the script
+        bool isLate = false;     ///< whether an expected line did not come in time
     };
 
     void play(const Step& step, const QString& what);
     void start(const Step& step);
     void write(const Step& step, const QString& what);
-    void ask(const Step& step, const QString& what);
+    void runCommand(const Step& step, const QString& what);
     void end(const Step& step);
     void expect(const Expectation& expectation, const Member& member, Actor& actor);
     qsizetype find(const Actor& actor, const QString& line) const;

@@ -1,4 +1,4 @@
-// A program of the handset that takes part in a day.
+// One of the programs that take part in a day: its process and the lines that it prints.
 #include "handset/day/Program.h"
 
 #include <csignal>
@@ -11,14 +11,14 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-constexpr int kTimeout = 5000; ///< milliseconds that a program may take to end
+constexpr int kTimeout = 5000; ///< how long a program may take to end, in milliseconds
 
 } // namespace
 
 Program::Program()
 {
     m_process.setProcessChannelMode(QProcess::MergedChannels);
-    // Only the player hears Ctrl+C, and ends the others; they end with it, too, whatever ends it.
+    // Ctrl+C reaches the player only, which ends the programs. If the player is killed, the kernel ends them.
     m_process.setChildProcessModifier([] {
         ::setpgid(0, 0);
         ::prctl(PR_SET_PDEATHSIG, SIGTERM);

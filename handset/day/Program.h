@@ -1,4 +1,4 @@
-// A program of the handset that takes part in a day.
+// One of the programs that take part in a day: its process and the lines that it prints.
 #pragma once
 
 #include <QtCore/QList>
@@ -7,7 +7,7 @@
 
 namespace zyn::handset {
 
-/// A process, and the lines that it has written to standard output and standard error. It ends with the object.
+/// A process, and the lines that it has written to standard output and standard error. The destructor ends it.
 class Program : public QObject
 {
     Q_OBJECT
@@ -16,21 +16,20 @@ public:
     Program();
     ~Program() override;
 
-    /// @param command  words, of which '' is an empty one, and those in double quotes may hold blanks
+    /// @param command  words separated by blanks; '' is an empty word, and a word in double quotes may contain blanks
     void start(const QString& command);
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
 
     void write(const QByteArray& bytes) { m_process.write(bytes); }
-    /// Sends it a signal.
     void sendSignal(int signal);
-    /// How it has ended: its exit code, or -1 when a signal ended it or it could not be started.
+    /// Its exit code; -1 if a signal ended it or it could not be started.
     int exitCode() const;
 
-    /// Those that are not blank, without the blanks around them and the program's name in front of those of its log.
+    /// The lines that are not blank, trimmed, and without the program's name at the start of a log line.
     const QStringList& lines() const { return m_lines; }
 
 Q_SIGNALS:
-    /// It has written a line, or ended.
+    /// The program has written a line, or ended.
     void changed();
 
 private:

@@ -1,4 +1,4 @@
-// What is shown of a day: who says what to whom.
+// Prints a day as it is played: who says what to whom, and which checks pass.
 #include "handset/day/View.h"
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace {
 constexpr int kMarkWidth = 4;
 constexpr int kTimeWidth = 7;
 
-/// @{ The colours of a terminal.
+/// @{ Escape sequences of a terminal.
 constexpr char kBold[] = "\033[1m";
 constexpr char kFaint[] = "\033[2m";
 constexpr char kRed[] = "\033[1;31m";
@@ -23,7 +23,7 @@ constexpr char kReset[] = "\033[0m";
 constexpr char kPlain[] = "";
 /// @}
 
-/// Whether a terminal of the user's locale shows more than ASCII.
+/// Whether the user's terminal shows more than ASCII.
 bool hasUtf8Locale()
 {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {

@@ -1,4 +1,4 @@
-// What is shown of a day: who says what to whom.
+// Prints a day as it is played: who says what to whom, and which checks pass.
 #pragma once
 
 #include <QtCore/QElapsedTimer>
@@ -6,22 +6,22 @@
 
 namespace zyn::handset {
 
-/// Writes aligned lines to standard output, in colour on a terminal, and counts what has held.
+/// Writes aligned lines to standard output, in colour on a terminal, and counts the checks.
 class View
 {
 public:
-    /// @param longestName  of those that take part
+    /// @param longestName  the length of the longest name in the columns `from` and `to`
     explicit View(qsizetype longestName);
 
     void chapter(const QString& title);
-    /// Something that happens.
+    /// Prints a step.
     void act(const QString& from, const QString& to, const QString& what);
-    /// Something that was to be, and whether it is.
+    /// Prints an expected line, and whether the check @p holds.
     void check(bool holds, const QString& from, const QString& to, const QString& what);
-    /// What a check that does not hold is explained by.
+    /// Prints more about a check that failed.
     void explain(const QString& text);
 
-    /// The last line; true when everything has held.
+    /// Prints the number of checks; true if all passed and all could be written.
     bool conclude();
 
 private:

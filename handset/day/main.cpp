@@ -1,4 +1,4 @@
-// zyn-day: plays a day of the handset, every side a process of its own, and checks what is seen of it.
+// zyn-day: plays a day of the handset, each program in a process of its own, and checks what the programs print.
 #include "handset/common/TerminationSignals.h"
 #include "handset/day/Day.h"
 #include "handset/day/Player.h"
@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-/// Lets everything that the programs keep be in @p directory.
+/// Makes the programs keep all their files in @p directory.
 void setEnvironment(const QString& directory)
 {
     for (const char* name : {"ZYN_LOCAL_APP_WRITE_PATH", "ZYN_APP_WRITE_PATH", "ZYN_QCOP_PATH"})
@@ -26,7 +26,7 @@ void setEnvironment(const QString& directory)
     qputenv("PATH", QCoreApplication::applicationDirPath().toLocal8Bit() + ':' + qgetenv("PATH"));
 }
 
-/// Lets all messages of @p day be recorded in @p file, which it replaces.
+/// Adds a recorder of all messages to @p day; it replaces @p file.
 void record(Day& day, const QString& file)
 {
     const QString recorder = u"recorder"_s;
@@ -66,7 +66,7 @@ int main(int argc, char** argv)
     parser.addPositionalArgument(u"script"_s, u"What happens, and what must be seen."_s);
     parser.process(application);
     if (parser.positionalArguments().size() != 1) {
-        std::fputs("zyn-day: one script is to be named\n", stderr);
+        std::fputs("zyn-day: name exactly one script\n", stderr);
         return 2;
     }
     auto day = zyn::handset::readDay(parser.positionalArguments().constFirst());
@@ -75,7 +75,7 @@ int main(int argc, char** argv)
 
     const QString recording = parser.value(recordOption);
     if (recording.contains(u'"')) {
-        std::fputs("zyn-day: the name of a recording has no quotation mark\n", stderr);
+        std::fputs("zyn-day: the name of a recording must not contain a quotation mark\n", stderr);
         return 2;
     }
     if (parser.isSet(recordOption))
@@ -89,7 +89,7 @@ int main(int argc, char** argv)
     zyn::handset::setEnvironment(directory.path());
     zyn::handset::Player player(std::move(*day), directory.path() + u"/phone"_s,
                                 {.isSlow = parser.isSet(u"slow"_s), .limit = 10s});
-    int code = EXIT_FAILURE; // also of a day that is ended early
+    int code = EXIT_FAILURE; // also if the day is ended early
     QTimer::singleShot(0, &player, [&] {
         if (player.play())
             code = EXIT_SUCCESS;

@@ -177,7 +177,7 @@ QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileR
             {u"kind"_s, report.kind},
             {u"size"_s, image.size()},
             {u"sound"_s, report.isValid()},
-            {u"problems"_s, QJsonArray::fromStringList(report.findings.placedTexts())},
+            {u"problems"_s, QJsonArray::fromStringList(report.findings.positionedTexts())},
             {u"slots"_s, report.usedSlots.json()}};
 }
 
@@ -186,7 +186,7 @@ QString textReport(const QString& path, const FileReport& report)
     const QString verdict = report.isValid() ? u"sound"_s : u"not sound"_s;
     QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), report.kind,
                                                      QString::number(report.usedSlots.count()), verdict)};
-    for (const QString& problem : report.findings.placedTexts())
+    for (const QString& problem : report.findings.positionedTexts())
         lines += u"  "_s + problem;
     const QString text = lines.join(u'\n') + u'\n';
     return report.usedSlots.isEmpty() ? text : text + report.usedSlots.text();

@@ -34,7 +34,7 @@ Finding checkContents(const QByteArray& path, FileReport (*check)(const QString&
         return damaged(path, {u"it is too long"_s});
     const FileReport report = check(QFile::decodeName(path).section(u'/', -1), *image);
     if (!report.isValid())
-        return damaged(path, report.findings.placedTexts());
+        return damaged(path, report.findings.positionedTexts());
     return ok(QFile::decodeName(path), u"%1, %2 in use"_s.arg(report.kind, QString::number(report.usedSlots.count())));
 }
 

@@ -9,9 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 
-QString Finding::placedText() const
+QString Finding::positionedText() const
 {
-    return place ? u"%1 %2: "_s.arg(QLatin1String(place->word)).arg(place->number) + text : text;
+    return position ? u"%1 %2: "_s.arg(QLatin1String(position->word)).arg(position->number) + text : text;
 }
 
 void Findings::add(const QString& subject, const QString& text)
@@ -25,15 +25,15 @@ void Findings::add(const QString& subject, const QStringList& texts)
         add(subject, text);
 }
 
-void Findings::add(const QString& subject, Finding::Place place, const QString& text)
+void Findings::add(const QString& subject, Finding::Position position, const QString& text)
 {
-    push_back({.subject = subject, .place = place, .text = text});
+    push_back({.subject = subject, .position = position, .text = text});
 }
 
-void Findings::add(const QString& subject, Finding::Place place, const QStringList& texts)
+void Findings::add(const QString& subject, Finding::Position position, const QStringList& texts)
 {
     for (const QString& text : texts)
-        add(subject, place, text);
+        add(subject, position, text);
 }
 
 void Findings::add(const Findings& others)
@@ -41,11 +41,11 @@ void Findings::add(const Findings& others)
     insert(end(), others.begin(), others.end());
 }
 
-QStringList Findings::placedTexts() const
+QStringList Findings::positionedTexts() const
 {
     QStringList texts;
     for (const Finding& finding : *this)
-        texts += finding.placedText();
+        texts += finding.positionedText();
     return texts;
 }
 
@@ -53,7 +53,7 @@ QString Findings::text() const
 {
     QString lines;
     for (const Finding& finding : *this)
-        lines += printable(finding.subject + u": "_s + finding.placedText()) + u'\n';
+        lines += printable(finding.subject + u": "_s + finding.positionedText()) + u'\n';
     return lines;
 }
 
@@ -61,7 +61,7 @@ QJsonArray Findings::json(const char* textKey) const
 {
     QJsonArray objects;
     for (const Finding& finding : *this) {
-        const QJsonValue slot = finding.place ? QJsonValue(finding.place->number) : QJsonValue();
+        const QJsonValue slot = finding.position ? QJsonValue(finding.position->number) : QJsonValue();
         objects += QJsonObject{{u"file"_s, finding.subject}, {u"slot"_s, slot}, {QLatin1String(textKey), finding.text}};
     }
     return objects;

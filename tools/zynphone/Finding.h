@@ -20,20 +20,20 @@ enum class Severity {
 struct Finding
 {
     /// A record in a file.
-    struct Place
+    struct Position
     {
         const char* word; ///< its kind in this file
         int number;       ///< from 0
     };
 
     Severity severity = Severity::Wrong;
-    QString subject;                 ///< the file, path, channel or variable concerned
-    std::optional<Place> place = {}; ///< unset if it concerns the whole subject
-    QString text;                    ///< the fact, as part of a sentence
-    QString remedy = {};             ///< how to fix it; empty if unknown
+    QString subject;                       ///< the file, path, channel or variable concerned
+    std::optional<Position> position = {}; ///< unset if it concerns the whole subject
+    QString text;                          ///< the fact, as part of a sentence
+    QString remedy = {};                   ///< how to fix it; empty if unknown
 
-    /// The text, after the place if there is one.
-    QString placedText() const;
+    /// The text, after the position if there is one.
+    QString positionedText() const;
 };
 
 inline Finding ok(QString subject, QString text)
@@ -56,17 +56,17 @@ class Findings : public std::vector<Finding>
 public:
     using std::vector<Finding>::vector;
 
-    /// @{ Adds a fault of @p subject, or of a place in it.
+    /// @{ Adds a fault of @p subject, or of a position in it.
     void add(const QString& subject, const QString& text);
     void add(const QString& subject, const QStringList& texts);
-    void add(const QString& subject, Finding::Place place, const QString& text);
-    void add(const QString& subject, Finding::Place place, const QStringList& texts);
+    void add(const QString& subject, Finding::Position position, const QString& text);
+    void add(const QString& subject, Finding::Position position, const QStringList& texts);
     /// @}
     void add(const Findings& others);
 
-    /// The texts with their places.
-    QStringList placedTexts() const;
-    /// One line each: subject, place and text.
+    /// The texts with their positions.
+    QStringList positionedTexts() const;
+    /// One line each: subject, position and text.
     QString text() const;
     /// One object each, with the fields file, slot (null for a whole file) and @p textKey.
     QJsonArray json(const char* textKey) const;
