@@ -1,4 +1,4 @@
-// The screen of an example: what a handset has a display for is shown on standard output.
+// The screen of an example: standard output in place of a handset's display.
 #pragma once
 
 #include <QtCore/QString>
@@ -11,8 +11,8 @@
 /**
  * Standard output, for the example alone.
  *
- * The library writes there what it does, without line ends; a product leads that to its log, an example nowhere. To be
- * made first in main().
+ * The library also traces to standard output, without line ends. A product sends that to its log; here it is discarded.
+ * Make the screen first in main().
  */
 class Screen
 {
@@ -27,7 +27,7 @@ public:
     Screen& operator=(const Screen&) = delete;
     ~Screen() { std::fclose(m_file); }
 
-    /// Shows @p line at once. The example ends where that cannot be.
+    /// Shows @p line at once. Ends the example if that fails.
     void show(const QString& line)
     {
         if (std::fprintf(m_file, "%s\n", qUtf8Printable(line)) < 0 || std::fflush(m_file) != 0)

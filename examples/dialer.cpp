@@ -1,4 +1,4 @@
-// The dialer: takes a number key by key, those keys only that the locked keypad lets through, and asks for the call.
+// The dialer: takes a number key by key, only the keys that a locked keypad allows, and asks for the call.
 //
 // On a desk: zyn-recentcalld & zyn-phoned &
 //            zynphone emergency write 112
@@ -30,7 +30,7 @@ bool isLocked()
     return UTIL_GetKeypadLockStatus() != 0;
 }
 
-/// Whether @p typed, which is accepted, begins one of the standard control codes; the other texts that are begin an
+/// Whether @p typed, an accepted text, begins one of the standard control codes. Any other accepted text begins an
 /// emergency number.
 bool beginsControlCode(const QString& typed)
 {
@@ -38,7 +38,7 @@ bool beginsControlCode(const QString& typed)
                        [&](const char* code) { return QLatin1String(code).startsWith(typed); });
 }
 
-/// What the dialer's display holds after @p key.
+/// The text on the dialer's display after @p key.
 QString type(const QString& number, QChar key, Screen& screen)
 {
     QString typed = number + key;
@@ -70,7 +70,7 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
 
-    // Whether anybody has heard the request is not told: the phone tells of a call, which may be another's.
+    // The request has no reply. The phone announces each call, but that may be someone else's.
     const PHONE_MsgClient phone;
     QObject::connect(&phone, &PHONE_MsgClient::signalVoiceCallStatChanged, &application, &QCoreApplication::quit);
     QTimer::singleShot(kPatience, &application, [] { QCoreApplication::exit(EXIT_FAILURE); });

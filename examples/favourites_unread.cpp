@@ -1,4 +1,4 @@
-// The favourites' screen: what of each is unread, as the screen is opened.
+// The favourites' screen: the unread calls and messages of each favourite when the screen opens.
 //
 // On a desk: zynphone favourites replace '' 0301112222
 //            zynphone favourites log 0301112222 --list missed
@@ -12,7 +12,7 @@ int main()
 {
     Screen screen;
     QString numbers[ActivityLog_ENG_RecordStore::kFavourites];
-    // It fails for a null pointer only: where no file tells of favourites, all places are free.
+    // Fails for a null pointer only: without a file of favourites all places are free.
     ActivityLog_ENG_RecordStore::instance()->getCurrentTopPalsFileNames(numbers);
 
     int code = EXIT_SUCCESS;

@@ -1,9 +1,9 @@
 /*
- * A call placed by a runtime that knows no C++: it loads the phone library when it needs it and finds the functions by
- * their names, which utility/PHONE_VoiceJava.h describes.
+ * A call from a runtime without C++: it loads the phone library when it needs it, and finds the functions of
+ * utility/PHONE_VoiceJava.h by their names.
  *
  * On a desk: zyn-recentcalld & zyn-phoned &
- *            java_call 0301112222    keys typed then are dialed within the call; their end, Ctrl-D, hangs up
+ *            java_call 0301112222    type keys to dial them within the call; Ctrl-D hangs up
  */
 #include <dlfcn.h>
 #include <stdio.h>
@@ -18,7 +18,7 @@ struct phone
     void (*deinit)(int handle);
 };
 
-/* Finds what a function pointer is to point at; dlsym() does not tell functions and data apart; standard C does. */
+/* Sets a function pointer. dlsym() returns a data pointer, which standard C does not convert. */
 static int find(void* library, const char* name, void* function)
 {
     void* const symbol = dlsym(library, name);
@@ -36,7 +36,7 @@ static int load(struct phone* phone)
            && find(library, "PHONE_VoiceCall_Java_DeInit", &phone->deinit);
 }
 
-/* Called from Qt's event loop, where the process has one; it must be there all the same. */
+/* Called from Qt's event loop, if the process runs one. Registering needs a callback in any case. */
 static void on_reply(char code)
 {
     printf("The phone server replies %d.\n", code);
@@ -51,12 +51,12 @@ int main(int argc, char** argv)
         return 2;
     }
     if (!load(&phone)) {
-        fprintf(stderr, "There is no phone library here: %s\n", dlerror());
+        fprintf(stderr, "Cannot load the phone library: %s\n", dlerror());
         return EXIT_FAILURE;
     }
     const int handle = phone.init(on_reply);
     if (handle == 0) {
-        fputs("There is no phone server here.\n", stderr);
+        fputs("Cannot reach the phone server.\n", stderr);
         return EXIT_FAILURE;
     }
     int result = phone.make_call(handle, argv[1], 0);

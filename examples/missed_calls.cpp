@@ -1,8 +1,8 @@
-// The idle screen's counter of missed calls: shown at the start, and whenever they change.
+// The idle screen's counter of missed calls: shows it at the start, and whenever it changes.
 //
 // On a desk: zyn-recentcalld & zyn-recents & missed_calls &
 //            zynphone calls add missed 112
-//            zynphone recents show missed    which is how they get read
+//            zynphone recents show missed    shows the calls, which marks them as read
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Knows the unread calls, on behalf of the library: a process that shows them has one.
+/// Lists the unread calls for the library, which asks the engine that the process provides.
 class Engine final : public RC_EngineStub
 {
 public:
@@ -58,17 +58,17 @@ int main(int argc, char** argv)
     Screen screen;
     const QCoreApplication application(argc, argv);
     if (!RecentCall_MsgClient::instance()->isListening())
-        return EXIT_FAILURE; // standard error says why
+        return EXIT_FAILURE; // the library has printed the reason
 
     Engine engine;
     g_rcEngineStub = &engine;
-    QTimer redraw; // asks the service once for all changes that have come
+    QTimer redraw; // asks the service once for several changes
     redraw.setSingleShot(true);
     QObject::connect(&redraw, &QTimer::timeout, &redraw, [&] { show(engine, screen); });
     QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &redraw,
                      qOverload<>(&QTimer::start));
     show(engine, screen);
     const int code = QCoreApplication::exec();
-    g_rcEngineStub = nullptr; // the engine ends here
+    g_rcEngineStub = nullptr; // the engine goes out of scope
     return code;
 }

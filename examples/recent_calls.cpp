@@ -13,7 +13,7 @@ int main()
 {
     QPtrList<RC_RecordInterface> calls;
     if (RC_Interface().getRecordList(calls, RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE) != 0) {
-        QTextStream(stderr) << "There is no recent-call service here.\n";
+        QTextStream(stderr) << "Cannot reach the recent-call service.\n";
         return EXIT_FAILURE;
     }
     QTextStream out(stdout);

@@ -1,4 +1,4 @@
-// The status bar: a line that is shown anew when the phone tells of a change.
+// The status bar: a line that is shown again when the phone announces a change.
 //
 // On a desk: status_bar &
 //            zynphone status service-name "Desk Network"
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The phone tells what has changed and cannot be asked: at the start nothing is known.
+/// The phone announces changes but cannot be asked, so at the start nothing is known.
 class StatusBar
 {
 public:
@@ -32,7 +32,7 @@ public:
     }
 
 private:
-    /// A message may tell of several changes, one signal each; they are shown together.
+    /// A message may announce several changes, one signal each; they are shown together.
     template<typename Field, typename Value>
     void set(Field& field, const Value& value)
     {

@@ -78,9 +78,9 @@ private Q_SLOTS:
         Terminal terminal(2000, 1);
         terminal.start(QStringLiteral(ZYN_DIALER), {});
         QVERIFY(terminal.find(u"listening on"_s) >= 0);
-        const std::pair<const char*, QString> keys[] = {{"\0335", u"'\\x1b5' is no key"_s},
-                                                        {"\033", u"'\\x1b' is no key"_s},
-                                                        {"1\033[1", u"'\\x1b[1' is no key"_s},
+        const std::pair<const char*, QString> keys[] = {{"\0335", u"'\\x1b5' is not a key"_s},
+                                                        {"\033", u"'\\x1b' is not a key"_s},
+                                                        {"1\033[1", u"'\\x1b[1' is not a key"_s},
                                                         {"2\n", u"call  a call is asked for            12"_s}};
         for (const auto& [typed, shown] : keys) {
             terminal.type(typed);

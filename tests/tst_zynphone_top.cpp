@@ -212,7 +212,7 @@ void ZynphoneTopTest::endsWithItsTerminal()
 
 void ZynphoneTopTest::writesPlainLinesOnce()
 {
-    QCOMPARE(tool::run("top"), u"zynphone: standard output is no terminal; --once writes plain lines\nexit 1"_s);
+    QCOMPARE(tool::run("top"), u"zynphone: standard output is not a terminal; --once writes plain lines\nexit 1"_s);
     qputenv("ZYN_QCOP_PATH", QFile::encodeName(m_store->path() + u"/channels"_s));
     const QString state = tool::run("top --once");
     qunsetenv("ZYN_QCOP_PATH");

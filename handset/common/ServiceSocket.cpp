@@ -66,8 +66,8 @@ QString reason(const QString& path, int error)
         const bool isDirectory = name != path && name != lockPath(path);
         const std::optional<uid_t> owner = posix::ownerOf(QFile::encodeName(name));
         if (owner && !posix::isTrustedUser(*owner) && !(isDirectory && error == EWOULDBLOCK))
-            return u"%1: %2 is user %3's, let that user or root remove it"_s.arg(text, QDir::cleanPath(name),
-                                                                                 userText(*owner));
+            return u"%1: %2 is user %3's, only that user or root can remove it"_s.arg(text, QDir::cleanPath(name),
+                                                                                      userText(*owner));
     }
     return error == EWOULDBLOCK ? u"another service has it"_s : text;
 }

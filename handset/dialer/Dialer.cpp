@@ -1,4 +1,4 @@
-// What a dialer makes of its keys.
+// The dialer: builds a number from key presses and asks for the call.
 #include "handset/dialer/Dialer.h"
 
 #include "handset/common/Log.h"
@@ -21,15 +21,15 @@ constexpr QLatin1String kClearKeys("d\b\x7F");
 constexpr QLatin1String kEndKeys("e");
 constexpr QLatin1String kBlanks(" \r\t");
 
-/// What a call record holds.
+/// The longest number that fits into a call record.
 constexpr qsizetype kLongestNumber = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
 
-/// @{ How wide the columns of a line are.
+/// @{ The widths of a line's columns.
 constexpr int kKeyWidth = 6;
 constexpr int kVerdictWidth = 31;
 /// @}
 
-/// Why only emergency calls may be made now; empty when all may.
+/// Why only emergency calls are allowed now; empty if all calls are.
 QString restriction()
 {
     if (!isKeypadUnlocked(UTIL_GetKeypadLockStatus()))
@@ -39,7 +39,7 @@ QString restriction()
     return {};
 }
 
-/// What a typed text may become.
+/// What the typed text may become with more keys.
 enum class Meaning { Ordinary, ControlCode, EmergencyNumber };
 
 Meaning meaningOf(const QString& text)
@@ -76,7 +76,7 @@ void Dialer::press(const QByteArray& key)
     else if (isOneOf(kEndKeys))
         hangUp();
     else if (!key.isEmpty() && !isOneOf(kBlanks))
-        log(u"'%1' is no key"_s.arg(QString::fromLatin1(key)));
+        log(u"'%1' is not a key"_s.arg(QString::fromLatin1(key)));
 }
 
 void Dialer::add(char digit)

@@ -1,4 +1,4 @@
-// What a dialer makes of its keys.
+// The dialer: builds a number from key presses and asks for the call.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -11,9 +11,9 @@ class Output;
 /**
  * Collects the keys of a number, and asks for the call.
  *
- * While the keypad is locked, or no SIM card is ready, a key counts only where it may lead to an emergency number or to
- * a control code that is allowed then, and only an emergency number is called. For each key a line is shown: the key,
- * what has become of it, and the text so far.
+ * While the keypad is locked, or no SIM card is ready, a key is accepted only if it may lead to an emergency number or
+ * to a control code that is allowed then, and only an emergency number is called. Each key prints a line: the key, how
+ * it was taken, and the text so far.
  */
 class Dialer
 {
@@ -22,10 +22,10 @@ public:
         : m_output(output)
     {}
 
-    /// @param key  a byte, or an escape sequence, which is no key of a handset; empty for none
+    /// @param key  a byte, or an escape sequence, which a handset does not know and which is logged; empty for no key
     void press(const QByteArray& key);
 
-    /// The keys and what they do, for people.
+    /// The keys and what they do, as text for --help.
     static QString help();
 
 private:

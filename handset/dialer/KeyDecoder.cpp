@@ -1,4 +1,4 @@
-// The keys in what a terminal sends.
+// Splits the bytes that a terminal sends into keys.
 #include "handset/dialer/KeyDecoder.h"
 
 #include <utility>
@@ -12,12 +12,12 @@ constexpr char kEscape = '\x1B';
 constexpr char kBell = '\x07';
 constexpr char kDelete = '\x7F';
 
-/// A terminal sends a sequence at once; no two keys are pressed so soon one after the other.
+/// A terminal sends a sequence at once; nobody presses two keys this fast.
 constexpr auto kAtOnce = 50ms;
-/// A slow line takes a sequence apart.
+/// A slow line delivers a sequence in parts.
 constexpr auto kSlowLine = 500ms;
 
-/// How much of a sequence is kept, for whoever is told of it.
+/// How many bytes of a sequence are kept, for the log.
 constexpr qsizetype kKept = 32;
 
 bool isControl(char byte)
@@ -37,7 +37,7 @@ QByteArrayList KeyDecoder::decode(char byte)
     if (m_state == State::Between)
         return begin(byte);
     if (m_state == State::EscapeAlone) {
-        // No key that counts begins so: here a slow line has taken a sequence apart.
+        // No key of the dialer starts like this: it is the rest of a sequence that a slow line has split.
         if (after(byte) != State::Control)
             return begin(byte);
         m_key = QByteArray(1, kEscape);
@@ -64,7 +64,7 @@ QByteArray KeyDecoder::finish()
     return std::exchange(m_key, {});
 }
 
-/// What an Escape and @p byte begin; Between when that is all.
+/// The state after Escape and @p byte; Between if they are a whole key.
 KeyDecoder::State KeyDecoder::after(char byte)
 {
     constexpr QLatin1String kSets(" !\"$%&'(),-./");
@@ -78,7 +78,7 @@ KeyDecoder::State KeyDecoder::after(char byte)
     return kSets.contains(QLatin1Char(byte)) ? State::Set : State::Between;
 }
 
-/// Whether @p byte, which would lead to @p next, is a key of its own behind what has begun.
+/// Whether @p byte, which would lead to @p next, does not belong to the sequence but is a key of its own.
 bool KeyDecoder::isNoMore(char byte, State next) const
 {
     if (m_state == State::Escape)
@@ -105,7 +105,7 @@ QByteArrayList KeyDecoder::begin(char byte)
     return enter(byte, byte == kEscape ? State::Escape : State::Between);
 }
 
-/// Adds @p byte to the key, which is whole when @p state is Between.
+/// Adds @p byte to the key, which is complete if @p state is Between.
 QByteArrayList KeyDecoder::enter(char byte, State state)
 {
     if (m_key.size() < kKept)

@@ -1,4 +1,4 @@
-// The keys in what a terminal sends.
+// Splits the bytes that a terminal sends into keys.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -10,38 +10,38 @@
 namespace zyn::handset {
 
 /**
- * Puts together what a terminal sends for one key: a byte, or an escape sequence.
+ * Assembles the bytes that a terminal sends for a key: a single byte, or an escape sequence.
  *
- * Only time tells the Escape key from the beginning of a sequence, and a sequence that has broken off from one that
- * goes on: whoever reads calls finish() when nothing has come for as long as timeout() says.
+ * Only time tells the Escape key from the start of a sequence, and an incomplete sequence from one that goes on. So the
+ * reader calls finish() if no byte comes within timeout().
  */
 class KeyDecoder
 {
 public:
-    /// @param isTerminal  a terminal puts Escape before what is pressed with Alt; elsewhere it is a key of its own
-    /// there
+    /// @param isTerminal  whether Escape and a character are one key, as a terminal sends it for Alt; otherwise two
+    /// keys
     explicit KeyDecoder(bool isTerminal)
         : m_isTerminal(isTerminal)
     {}
 
-    /// The keys that are whole with @p byte: often one, none when it goes on, two when it is none of the sequence
-    /// before.
+    /// The keys that @p byte completes: often one; none inside a sequence; two if it ends a sequence to which it does
+    /// not belong.
     QByteArrayList decode(char byte);
 
-    /// How long to wait for the next byte of the key that has begun; nothing when none has.
+    /// How long to wait for the next byte of an incomplete key; nothing between keys.
     std::optional<std::chrono::milliseconds> timeout() const;
 
-    /// The key that has begun, as far as it goes; empty when none has.
+    /// Ends an incomplete key and returns its bytes; empty between keys.
     QByteArray finish();
 
 private:
     enum class State {
         Between,
-        Escape,      ///< all or nothing may follow
-        EscapeAlone, ///< a key, unless what follows late shows that it was none
+        Escape,      ///< any sequence may follow, or none
+        EscapeAlone, ///< taken as a key, but the rest of a sequence may still come late
         Set,         ///< a sequence that ends with a letter or a digit
         Control,     ///< a sequence with parameters
-        Text,        ///< a sequence that holds a text
+        Text,        ///< a sequence that contains a text
     };
 
     static State after(char byte);

@@ -1,4 +1,4 @@
-// The keys that a user presses.
+// Reads standard input key by key, from a terminal or a pipe.
 #include "handset/dialer/KeyInput.h"
 
 #include "platform/posix/UnixSocket_p.h"
@@ -64,7 +64,7 @@ void KeyInput::read()
 
 void KeyInput::handleByte(char byte)
 {
-    constexpr char kEndOfInput = 4; // Ctrl+D, which a terminal that hands over each key does not turn into an end
+    constexpr char kEndOfInput = 4; // Ctrl+D, which a terminal in this mode passes on as a byte
     for (const QByteArray& key : m_decoder.decode(byte)) {
         if (m_before && key == QByteArrayView(&kEndOfInput, 1))
             Q_EMIT ended();
@@ -75,7 +75,7 @@ void KeyInput::handleByte(char byte)
 
 void KeyInput::finishKey()
 {
-    // A process that was held up finds the rest here, late by no fault of the terminal.
+    // If this process was held up, the rest may have arrived in time and be waiting to be read.
     if (m_readable.isEnabled() && posix::waitUntilReadable(STDIN_FILENO, posix::Clock::now())) {
         read();
         return;

@@ -1,4 +1,4 @@
-// The keys that a user presses.
+// Reads standard input key by key, from a terminal or a pipe.
 #pragma once
 
 #include "handset/dialer/KeyDecoder.h"
@@ -13,7 +13,7 @@
 
 namespace zyn::handset {
 
-/// Standard input, key by key: a terminal hands over each key at once, and is as it was before when the object is gone.
+/// Standard input, key by key. A terminal delivers each key at once; the destructor restores its settings.
 class KeyInput : public QObject
 {
     Q_OBJECT
@@ -23,9 +23,9 @@ public:
     ~KeyInput() override;
 
 Q_SIGNALS:
-    /// @param key  a byte, or the whole sequence that a terminal sends for one key
+    /// @param key  a byte, or the whole sequence that a terminal sends for a key
     void pressed(const QByteArray& key);
-    /// There will be no more keys.
+    /// The input has ended.
     void ended();
 
 private:
@@ -34,9 +34,9 @@ private:
     void finishKey();
 
     QSocketNotifier m_readable;
-    const std::optional<termios> m_before; ///< none when standard input is no terminal
+    const std::optional<termios> m_before; ///< the settings to restore; unset if standard input is not a terminal
     KeyDecoder m_decoder;
-    QTimer m_pause; ///< runs out when no more of a key has come
+    QTimer m_pause; ///< expires if the rest of a key does not come
 };
 
 } // namespace zyn::handset

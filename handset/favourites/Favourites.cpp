@@ -140,7 +140,7 @@ QString describe(FavouriteChange change, const QString& oldNumber, const QString
     switch (change) {
     case Done:
         if (newKey.isEmpty())
-            return u"%1 is no favourite any more"_s.arg(oldKey);
+            return u"%1 is no longer a favourite"_s.arg(oldKey);
         return oldKey.isEmpty() ? u"%1 is a favourite now"_s.arg(newKey)
                                 : u"%1 is a favourite now, in place of %2"_s.arg(newKey, oldKey);
     case WithoutFile:
@@ -148,7 +148,7 @@ QString describe(FavouriteChange change, const QString& oldNumber, const QString
     case Same:
         return u"%1 stays a favourite"_s.arg(newKey);
     case NoFavourite:
-        return u"%1 is no favourite"_s.arg(oldKey);
+        return u"%1 is not a favourite"_s.arg(oldKey);
     case AlreadyFavourite:
         return u"%1 is a favourite already"_s.arg(newKey);
     case NoPlace:

@@ -29,8 +29,8 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-/// Between the attempts while something cannot be read: a service that hung announces nothing when it resumes, and not
-/// every reason is a change of a file.
+/// Time between attempts while something cannot be read: a service that hung announces nothing when it resumes, and a
+/// file may become readable without a change that the watch sees.
 constexpr auto kFirstRetry = 1s;
 constexpr auto kSlowestRetry = 15s;
 
@@ -59,7 +59,7 @@ std::optional<QString> favouriteText(const QString& key)
         printable(key), QString::number(unread.missedCallCount), QString::number(unread.unreadMsgCount));
 }
 
-/// Shows how many missed calls are unread, at first and whenever that changes.
+/// Shows the number of unread missed calls, at the start and whenever it changes.
 class MissedCallCounter
 {
 public:
@@ -88,10 +88,11 @@ private:
 };
 
 /**
- * Shows a line for each favourite, at first and whenever the numbers of its unread missed calls and messages change.
+ * Shows a line for each favourite, at the start and whenever the numbers of its unread missed calls and messages
+ * change.
  *
- * The owner of the favourites does not announce that it has logged a call: so the files are watched. They are read once
- * for changes that follow each other at once. What cannot be read is shown as unknown, and tried again.
+ * The owner of the favourites does not announce that it has logged a call, so the files are watched. Changes in quick
+ * succession cause one reading. A file that cannot be read is shown as unknown, and tried again.
  */
 class FavouriteCounters
 {
@@ -122,20 +123,20 @@ private:
 
 void FavouriteCounters::show()
 {
-    // The library would go by what it has read before.
+    // Otherwise the library would use what it has read before.
     ActivityLog_ENG_RecordStore::destroy();
     const auto keys = readFavouriteKeys();
     watch(keys.value_or(QStringList()));
     if (!keys && m_isKnown) {
         m_output.write(
             u"favourites unknown: %1 is damaged or cannot be read\n"_s.arg(QLatin1String(kTopPalsDetailsName)));
-        m_shown.clear(); // all are shown as soon as they are known again
+        m_shown.clear(); // so that all are shown once they are known again
     }
     m_retry.note(keys && showCounters(*keys));
     m_isKnown = keys.has_value();
 }
 
-/// Shows what has changed; returns whether all could be read.
+/// Shows the lines that have changed; returns whether all files could be read.
 bool FavouriteCounters::showCounters(const QStringList& keys)
 {
     bool isRead = true;
@@ -151,7 +152,7 @@ bool FavouriteCounters::showCounters(const QStringList& keys)
         m_output.write(u"no favourites\n"_s);
     for (auto line = m_shown.cbegin(); line != m_shown.cend(); ++line) {
         if (!lines.contains(line.key()))
-            m_output.write(u"favourite %1 is none any more\n"_s.arg(printable(line.key())));
+            m_output.write(u"favourite %1 removed\n"_s.arg(printable(line.key())));
     }
     for (auto line = lines.cbegin(); line != lines.cend(); ++line) {
         if (m_shown.value(line.key()) != *line)
@@ -161,7 +162,7 @@ bool FavouriteCounters::showCounters(const QStringList& keys)
     return isRead;
 }
 
-/// Called before the files are read, so that no later change is missed. A watch ends with its file or directory.
+/// Called before the files are read, so that no later change is missed, and each time, as a watch ends with its file.
 void FavouriteCounters::watch(const QStringList& keys)
 {
     makeStoreDirectory();

@@ -37,10 +37,10 @@ QString description()
 void addOptions(handset::CommandLine& commandLine)
 {
     commandLine.addTime(kStep,
-                        u"Let a placed call come to its next state after this many milliseconds "
+                        u"Milliseconds until a placed call reaches its next state "
                         "(%1)."_s,
                         kDefaultStep);
-    commandLine.addTime(kTalk, u"Let the other party of a placed call hang up after this many "
+    commandLine.addTime(kTalk, u"Milliseconds until the other party of a placed call hangs up "
                                "milliseconds (as --step)."_s);
     commandLine.addTime(kTimeout,
                         u"Drop a client that does not register, finish a command or take its "
@@ -51,7 +51,7 @@ void addOptions(handset::CommandLine& commandLine)
                                        "emergency number (0)."_s,
                                        u"number"_s, u"0"_s));
     commandLine.add(QCommandLineOption(kScript,
-                                       u"Let happen what this file says, from when clients are served; - for "
+                                       u"Make happen what this file says, as soon as clients are served; - for "
                                        "what standard input says, line by line as it comes."_s,
                                        u"file"_s));
 }

@@ -1,4 +1,4 @@
-// The recent-call screens, and their number picker.
+// Plays the recent-call screens and their number picker as text.
 #include "handset/recentcall_screen/RecentScreen.h"
 
 #include "handset/common/Log.h"
@@ -19,7 +19,7 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-/// The calls of @p page; nothing, which is logged, when the service does not answer.
+/// The calls of @p page; nothing, after a log line, if the service does not answer.
 std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
 {
     auto calls = fetchCalls(page.category);
@@ -28,14 +28,14 @@ std::optional<std::vector<Call>> callsOf(const ScreenPage& page)
     return calls;
 }
 
-/// Whether both are the same call, read or not. The uid is not enough: uids begin anew with new files.
+/// Whether both are the same call, read or not. The uid is not enough: in new files uids start again.
 bool isSameCall(const Call& left, const Call& right)
 {
     return left.category == right.category && left.uid == right.uid && left.startTime == right.startTime
            && left.getPhoneNumber() == right.getPhoneNumber();
 }
 
-/// Marks the unread ones of @p calls as read, unless @p output could not show them.
+/// Marks the unread ones of @p calls as read, unless writing them to @p output failed.
 void markShown(std::span<const Call> calls, const Output& output)
 {
     if (!output.isValid())
@@ -105,7 +105,7 @@ void NumberPicker::pick(const QString& line)
         ask();
 }
 
-/// Closes the picker with @p number, or without one when that is empty.
+/// Closes the picker and reports @p number, which is empty for no choice.
 void NumberPicker::report(const QString& number)
 {
     m_isOpen = false;
@@ -155,7 +155,7 @@ void RecentScreen::openPage(const ScreenPage& page)
 {
     auto calls = callsOf(page);
     if (page.asksForNumber) {
-        // Whoever waits for a number learns too that there is none.
+        // An empty list opens the picker too: it then reports that no number was picked.
         const QStringList numbers = numbersOf(calls.value_or(Calls()));
         if (calls)
             draw(page, std::move(*calls));
@@ -196,8 +196,8 @@ void RecentScreen::hide()
     m_page = nullptr;
 }
 
-/// Draws the list again when other calls are in it. A call that was only read since is no reason: drawing marks calls
-/// as read, and the service announces that.
+/// Draws the list again if its calls have changed. A call that is now read does not count: drawing marks calls as read,
+/// which the service announces.
 void RecentScreen::refresh()
 {
     if (!m_page)

@@ -1,4 +1,4 @@
-// The recent-call screens, and their number picker.
+// Plays the recent-call screens and their number picker as text.
 #pragma once
 
 #include "handset/common/LineInput.h"
@@ -16,20 +16,20 @@ namespace zyn::handset {
 class Output;
 
 /**
- * Lets the user pick one of the numbers on the screen, and reports to the channel which one, or that it is none.
+ * Asks the user to pick one of the numbers on the screen, and sends the choice, which may be empty, to the channel.
  *
- * It reports once each time that it is opened: when the user has answered, or when it is closed before. When it is
- * opened again meanwhile it stays open and reports once for both, as the report reaches all who wait.
+ * It reports once each time it is opened: when the user answers, or when it is closed before that. If it is opened
+ * again while open, it stays open and reports once for both, as the report reaches everyone who waits.
  */
 class NumberPicker : public QObject
 {
 public:
-    /// @param answer  what counts as typed whenever the picker opens, instead of asking the user
+    /// @param answer  used as the user's answer each time the picker opens, if set
     NumberPicker(Output& output, std::optional<QString> answer);
 
-    /// Asks for one of @p numbers by its row; closes at once when there is none.
+    /// Asks for the row of one of @p numbers; reports and closes at once if the list is empty.
     void open(const QStringList& numbers);
-    /// Closes it without a number, if it is open.
+    /// Closes the picker without a number, if it is open.
     void close();
 
 private:
@@ -45,10 +45,10 @@ private:
 };
 
 /**
- * Shows what the messages of the recent-call channel ask for, and marks the missed calls that it has shown as read.
+ * Shows the screens that messages on the recent-call channel ask for, and marks the missed calls on them as read.
  *
- * A list on the screen follows the missed calls; the numbers of an open picker stay as they are, since the user goes by
- * their rows. A request that fails is logged and leaves the screen as it is. Calls that could not be written stay
+ * A list on the screen is redrawn when the missed calls change. An open picker keeps its numbers, so that the rows that
+ * the user sees stay right. A failed request is logged and changes nothing. Calls that could not be printed stay
  * unread.
  */
 class RecentScreen : public QObject
@@ -56,7 +56,7 @@ class RecentScreen : public QObject
 public:
     RecentScreen(Output& output, NumberPicker& picker);
 
-    /// Carries out what @p client receives from now on.
+    /// Carries out the messages that @p client receives from now on.
     void follow(RecentCall_MsgClient& client);
 
 private:
@@ -75,7 +75,7 @@ private:
     NumberPicker& m_picker;
     Debouncer m_missedUpdate;
     const ScreenPage* m_page = nullptr; ///< the list on the screen; null for a detail, a picker or nothing
-    Calls m_calls;                      ///< what that list shows
+    Calls m_calls;                      ///< the calls on that list
 };
 
 } // namespace zyn::handset

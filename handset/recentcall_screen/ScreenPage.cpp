@@ -1,4 +1,4 @@
-// The pages of the recent-call screens, and what they show as text.
+// The pages of the recent-call screens, and their text.
 #include "handset/recentcall_screen/ScreenPage.h"
 
 #include "handset/common/Text.h"

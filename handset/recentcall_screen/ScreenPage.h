@@ -1,4 +1,4 @@
-// The pages of the recent-call screens, and what they show as text.
+// The pages of the recent-call screens, and their text.
 #pragma once
 
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
@@ -12,18 +12,18 @@
 
 namespace zyn::handset {
 
-/// A page and the calls that it shows, newest first, in rows that are counted from 0.
+/// A page and the calls that it shows, newest first. Rows are counted from 0.
 struct ScreenPage
 {
     RC_PAGE_ID_T page;
     const char* name;
     RC_CALL_CATEGORY_T category;
-    bool asksForNumber = false; ///< closes when the user has picked the number of a row, or none
+    bool asksForNumber = false; ///< opens the number picker
 };
 
 inline constexpr RC_PAGE_ID_T kPickerPage{5};
 
-/// All pages. Those of the lists have the numbers of their categories, and are shown when a category is asked for.
+/// All pages. The page of a list has the number of its category, and is shown if that category is asked for.
 inline constexpr ScreenPage kScreenPages[] = {
     {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_ANSWERED}}, "answered", RC_CALL_CATEGORY_ANSWERED},
     {RC_PAGE_ID_T{int{RC_CALL_CATEGORY_MISSED}}, "missed", RC_CALL_CATEGORY_MISSED},
@@ -32,7 +32,7 @@ inline constexpr ScreenPage kScreenPages[] = {
     {kPickerPage, "picker", RC_CALL_CATEGORY_ALL, true},
 };
 
-/// The page of that number, or null.
+/// The page with that number, or null.
 inline const ScreenPage* pageNumbered(int page)
 {
     const auto* found = std::ranges::find(kScreenPages, page, [](const ScreenPage& row) { return int{row.page}; });
@@ -46,10 +46,10 @@ inline const ScreenPage* pageListing(int category)
     return page && page->category == category ? page : nullptr;
 }
 
-/// The rows of a page under a line of titles, unread calls marked. Only printable characters come out.
+/// The rows of a page below a line of titles; unread calls are marked. Contains printable characters only.
 QString pageText(const ScreenPage& page, const std::vector<PHONE_ENG_RecentCall>& calls);
 
-/// All of one call, which is in row @p index of @p page.
+/// All fields of @p call, which is in row @p index of @p page.
 QString detailText(const ScreenPage& page, int index, const PHONE_ENG_RecentCall& call);
 
 } // namespace zyn::handset

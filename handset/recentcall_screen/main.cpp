@@ -27,7 +27,7 @@ QString description()
            "Ends on SIGTERM and SIGINT, and when the handset is switched off."_s.arg(pages.join(u", "_s));
 }
 
-/// The answer of --pick: a row, or an empty line for none; nothing when it is not given.
+/// The answer of --pick: a row, or an empty text for "none"; nothing if the option is not given.
 std::optional<QString> unattendedAnswer(const CommandLine& commandLine)
 {
     if (!commandLine.isSet(kPick))

@@ -161,7 +161,7 @@ void CallFile::report(State state)
     if (std::exchange(m_isGivenUp, true))
         return;
     const QString why = state == State::Missing      ? u"it is missing and cannot be made"_s
-                        : state == State::Unreadable ? u"it cannot be read, or is no file"_s
+                        : state == State::Unreadable ? u"it cannot be read, or is not a file"_s
                                                      : u"it is damaged and cannot be replaced"_s;
     log(u"list %1 is skipped because of its file %2: %3"_s.arg(m_list).arg(QFile::decodeName(path()), why));
 }

@@ -1,4 +1,4 @@
-// What a status bar shows.
+// The status bar: a line for each signal of the phone.
 #include "handset/status_bar/StatusBar.h"
 
 #include "handset/common/Output.h"
@@ -37,7 +37,7 @@ requires std::is_enum_v<Number> || std::is_integral_v<Number> QString valueText(
     return QString::number(int{value});
 }
 
-/// Connects signals with the names under which they are shown.
+/// Connects each signal with the name that its line shows.
 class Rows
 {
 public:
@@ -66,7 +66,7 @@ private:
 void showStatus(Relay& relay, Output& output)
 {
     const Rows show(relay, output);
-    // As the relay declares them.
+    // In the order in which the relay declares them.
     show("SIM card", &Relay::signalSimCardStatus);
     show("PIN", &Relay::signalPinStatus);
     show("charger", &Relay::signalChargeStatus);

@@ -1,4 +1,4 @@
-// What a status bar shows.
+// The status bar: a line for each signal of the phone.
 #pragma once
 
 class PHONE_AsyncMsgReceiver;
@@ -7,7 +7,7 @@ namespace zyn::handset {
 
 class Output;
 
-/// From now on writes a line for each signal of @p relay: what it is about, and its value. Both are to live until the
+/// From now on writes a line with the name and the value of each signal of @p relay. Both arguments must live until the
 /// event loop ends.
 void showStatus(PHONE_AsyncMsgReceiver& relay, Output& output);
 

@@ -30,7 +30,7 @@ QDateTime startFrom(const Invocation& invocation)
     const QString text = invocation.value(u"at"_s);
     QDateTime start = QDateTime::fromString(text, Qt::ISODate);
     if (!start.isValid())
-        throw usageError(u"'%1' is no date and time like 2024-05-31T18:30:00"_s.arg(text));
+        throw usageError(u"'%1' is not a date and time like 2024-05-31T18:30:00"_s.arg(text));
     secondsOf(start, text);
     return start;
 }

@@ -183,7 +183,7 @@ QJsonObject jsonReport(const QString& path, const QByteArray& image, const FileR
 
 QString textReport(const QString& path, const FileReport& report)
 {
-    const QString verdict = report.isValid() ? u"sound"_s : u"not sound"_s;
+    const QString verdict = report.isValid() ? u"sound"_s : u"faulty"_s;
     QStringList lines{u"%1: %2, %3 in use, %4"_s.arg(printable(path), report.kind,
                                                      QString::number(report.usedSlots.count()), verdict)};
     for (const QString& problem : report.findings.positionedTexts())
@@ -233,7 +233,7 @@ Command inspectCommand()
             "directory, sound, and problems of --verify; copy, repairs and left of --repair: objects with\n"
             "file, slot (null for a file as a whole) and problem or repair. Before --repair changes anything it\n"
             "saves a copy of the directory beside it; it refuses while a service that writes to the store runs.\n"
-            "Whatever does not fit is told and stays in the copy. The exit code is %1 for what is no store directory.\n"_s
+            "Whatever does not fit is reported and stays in the copy. The exit code is %1 for any other directory.\n"_s
                 .arg(int{NoStore}),
         .arguments = {{u"FILE"_s, u"a record file: rc_a, rc_m, rc_d; topPalsDetails; the file of a favourite, "
                                   "named by its number; or a copy of one"_s}},

@@ -25,7 +25,7 @@ double speedFrom(const Invocation& invocation)
     bool ok = false;
     const double speed = text.toDouble(&ok);
     if (!ok || !(speed == Replay::kNoPauses || (speed >= kSlowest && speed <= kFastest)))
-        throw usageError(u"--speed '%1' is no number from %2 to %3, nor 0 or max"_s.arg(
+        throw usageError(u"--speed '%1' is not a number from %2 to %3, 0 or max"_s.arg(
             text, QString::number(kSlowest), QString::number(kFastest, 'f', 0)));
     return speed;
 }

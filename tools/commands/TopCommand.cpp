@@ -149,7 +149,7 @@ ExitCode showOnce(const TimeLimit& timeLimit, Console& console)
 ExitCode showLive(const TimeLimit& timeLimit, Console& console)
 {
     if (!console.isTerminal())
-        throw failure(u"standard output is no terminal; --once writes plain lines"_s);
+        throw failure(u"standard output is not a terminal; --once writes plain lines"_s);
     if (const QByteArray terminal = qgetenv("TERM"); terminal.isEmpty() || terminal == "dumb")
         throw failure(u"the terminal (TERM is '%1') cannot be drawn on; --once writes plain lines"_s.arg(
             QString::fromUtf8(terminal)));

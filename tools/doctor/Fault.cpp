@@ -43,7 +43,7 @@ Finding unreachable(const QByteArray& path, const QString& remedyWhenMissing)
 
 Finding noDirectory(const QByteArray& path)
 {
-    return wrong(nameOf(path), u"it is no directory"_s,
+    return wrong(nameOf(path), u"it is not a directory"_s,
                  u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old")));
 }
 
@@ -111,7 +111,7 @@ std::optional<Finding> fileFault(const QByteArray& path, bool isWritten)
     if (::stat(path.constData(), &status) != 0)
         return unreachable(path, u"remove what is there: rm %1"_s.arg(shellWord(path)));
     if (!S_ISREG(status.st_mode))
-        return wrong(nameOf(path), u"it is no regular file"_s,
+        return wrong(nameOf(path), u"it is not a regular file"_s,
                      u"move it away: mv %1 %2"_s.arg(shellWord(path), shellWord(path + ".old")));
     if (::access(path.constData(), R_OK) != 0)
         return wrong(nameOf(path), u"you may not read it"_s, u"as its owner: chmod u+rw %1"_s.arg(shellWord(path)));

@@ -60,7 +60,7 @@ Finding checkService(const Service& service)
     case SocketProbe::Missing:
         return wrong(path, u"%1 does not run: %2"_s.arg(name, QLatin1String(service.loss)), start);
     case SocketProbe::NoSocket:
-        return wrong(path, u"it is no socket, so %1 cannot listen"_s.arg(name),
+        return wrong(path, u"it is not a socket, so %1 cannot listen"_s.arg(name),
                      u"move it away: mv %1 %1.old; then %2"_s.arg(path, start));
     default:
         return wrong(path, u"no connection to %1: %2"_s.arg(name, probe.error), u"end it, then %1"_s.arg(start));

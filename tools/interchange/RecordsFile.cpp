@@ -227,14 +227,14 @@ void requireKind(const StoredField& field, const QJsonValue& value)
         kind == FieldForm::Text ? value.isString() : value.isDouble() || (kind == FieldForm::Flag && value.isBool());
     if (isRight)
         return;
-    constexpr std::array kWanted{"no text", "no number", "neither true nor false nor a number"};
+    constexpr std::array kWanted{"not a text", "not a number", "neither true nor false nor a number"};
     throw failure(u"the field '%1' is %2"_s.arg(QLatin1String(field.name), QLatin1String(kWanted[kind])));
 }
 
 QByteArray recordOfObject(const RecordSchema& schema, const QJsonValue& value)
 {
     if (!value.isObject())
-        throw failure(u"it is no object"_s);
+        throw failure(u"it is not an object"_s);
     const QJsonObject object = value.toObject();
     std::vector<const StoredField*> given;
     std::vector<NamedText> texts;

@@ -112,7 +112,7 @@ QByteArray timeBytes(const QString& text, const QString& name, qsizetype /*size*
     const QDateTime time = QDateTime::fromString(text, Qt::ISODate);
     if (!iso.match(text).hasMatch() || !time.isValid())
         throw usageError(
-            u"%1 '%2' is no date and time like 2024-05-31T18:30:00Z or 2024-05-31T20:30:00+02:00"_s.arg(name, text));
+            u"%1 '%2' is not a date and time like 2024-05-31T18:30:00Z or 2024-05-31T20:30:00+02:00"_s.arg(name, text));
     return bytesOfNumber(secondsOf(time, text));
 }
 

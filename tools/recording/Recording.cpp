@@ -65,7 +65,7 @@ QDateTime timeFrom(const QByteArray& word)
 {
     QDateTime time = QDateTime::fromString(QString::fromLatin1(word), Qt::ISODateWithMs);
     if (!time.isValid() || timeText(time) != word)
-        throw failure(u"'%1' is no time such as 2026-03-01T08:15:00.000Z"_s.arg(shown(word)));
+        throw failure(u"'%1' is not a time such as 2026-03-01T08:15:00.000Z"_s.arg(shown(word)));
     return time;
 }
 
@@ -91,7 +91,7 @@ QCString nameFrom(const QByteArray& word, const char* what)
 {
     QCString name = QCString::fromPercentEncoding(word, kEscape);
     if (!isEscapedName(word) || name.contains('\0'))
-        throw failure(u"'%1' is no name of a %2"_s.arg(shown(word), QLatin1String(what)));
+        throw failure(u"'%1' is not the name of a %2"_s.arg(shown(word), QLatin1String(what)));
     return name;
 }
 
@@ -101,7 +101,7 @@ QByteArray payloadFrom(const QByteArray& word)
         return {};
     QByteArray payload = QByteArray::fromHex(word);
     if (payload.toHex() != word.toLower())
-        throw failure(u"the payload '%1' is no even number of hexadecimal digits"_s.arg(shown(word)));
+        throw failure(u"the payload '%1' is not an even number of hexadecimal digits"_s.arg(shown(word)));
     return payload;
 }
 

@@ -115,7 +115,7 @@ std::vector<SlotRepair::Placed> SlotRepair::recordsIn(const QByteArray& image)
         if (isInUse(record) && (isTrusted || isLikely(record, slot)))
             records.push_back({slot, std::move(record)});
         else if (isInUse(record))
-            report(slot, u"what is no likely record was left in the copy"_s);
+            report(slot, u"unlikely to be a record, left in the copy"_s);
         else if (record != m_blank && isTrusted)
             report(slot, u"made blank, as it is free"_s);
     }

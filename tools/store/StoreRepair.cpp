@@ -106,7 +106,7 @@ void StoreRepair::repairContact(const QString& name, FavouritesRepair& favourite
     QByteArray image = repair.repaired(m_files.image(name));
     renumberEntries(image, name, m_renumbered, m_log);
     if (!isRegistered && repair.recordCount() == 0) {
-        remove(name, u"removed, as it has no entry and is no favourite's"_s);
+        remove(name, u"removed, as it has no entry and belongs to no favourite"_s);
         return;
     }
     change(name, image);

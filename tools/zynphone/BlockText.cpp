@@ -31,7 +31,7 @@ QByteArray bytesFromHex(const QString& digits)
         return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f') || (digit >= 'A' && digit <= 'F');
     });
     if (!isHex || text.size() % 2 != 0)
-        throw usageError(u"'%1' is no even number of hexadecimal digits"_s.arg(digits));
+        throw usageError(u"'%1' is not an even number of hexadecimal digits"_s.arg(digits));
     return QByteArray::fromHex(text);
 }
 
