@@ -1,4 +1,4 @@
-// The state file of the stand-in handset: what a real handset would measure, a developer sets here.
+// The state file of the stand-in handset: a developer sets here what a real handset measures.
 #pragma once
 
 #include "platform/SETUP_SET_Manager.h"

@@ -1,4 +1,4 @@
-// The list of pointers of the exported interface, which owns its items only when told to.
+// The list of pointers of the exported interface. It owns its items only with setAutoDelete(true).
 #pragma once
 
 #include <QtCore/QList>
@@ -119,7 +119,7 @@ public:
     bool removeFirst() { return remove(0); }
     /// Does so with the last item; false in an empty list.
     bool removeLast() { return remove(m_items.size() - 1); }
-    /// Takes all items out and, if the list owns them, deletes them. The cursor then stands on none.
+    /// Takes all items out and, if the list owns them, deletes them. The cursor is then unset.
     void clear()
     {
         m_cursor = kNowhere;

@@ -1,4 +1,4 @@
-// What a thread has read of settings files, kept for as long as the files are what they were.
+// A thread's cache of settings files: used for as long as the files are unchanged.
 #include "platform/SettingsCache_p.h"
 
 #include "platform/SettingsFile_p.h"
@@ -14,7 +14,7 @@
 namespace zyn {
 namespace {
 
-/// A larger file is read at every question: what is kept stays small.
+/// A larger file is read each time, so that the cache stays small.
 constexpr qsizetype kKeptSize = qsizetype{64} * 1024;
 constexpr size_t kKeptFiles = 4;    // all that a process asks for
 constexpr size_t kKeptAnswers = 16; // few enough to be gone through

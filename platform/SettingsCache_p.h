@@ -1,4 +1,4 @@
-// What a thread has read of settings files, kept for as long as the files are what they were.
+// A thread's cache of settings files: used for as long as the files are unchanged.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -9,10 +9,10 @@
 namespace zyn {
 
 /**
- * The bytes stored under @p key in @p group of the settings file @p path; nothing when it cannot be read or has none.
+ * The bytes stored under @p key in @p group of the settings file @p path; nothing if it cannot be read or has none.
  *
- * Costs one look at the file's version while that is the one that this thread has read, and settled when it was: nobody
- * can have written the file since. Otherwise the file is read.
+ * Costs one look at the file's version if that is the version that this thread has read, and it was settled then: the
+ * file cannot have changed since. Otherwise the file is read.
  */
 std::optional<QByteArray> storedSetting(const QString& path, const QString& group, const QString& key);
 

@@ -57,9 +57,8 @@ inline constexpr char kImeiCode[] = "*#06#";
 /// tried.
 inline constexpr const char* kPinCodes[] = {"**04*", "**042*", "**05*", "**052*"};
 
-/// Whether @p isWanted holds for one of the numbers in the first @p length bytes of @p records. A last record that is
-/// cut short counts, where @p isLast, when its NUL is there: a file caught half-written gives no number that nobody
-/// wrote.
+/// Whether @p isWanted holds for one of the numbers in the first @p length bytes of @p records. A last record that
+/// is cut short counts only with @p isLast and if it includes its NUL: a half-written file must not shorten a number.
 template<typename IsWanted>
 bool anyOf(std::span<const Record> records, ssize_t length, bool isLast, IsWanted isWanted)
 {

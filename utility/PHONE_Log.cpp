@@ -32,7 +32,7 @@ void zyn::logEntry(int level, const char* source, const char* function, int line
         LogText().addEntry(source, function, line);
 }
 
-/// Adds @p text, for which there is no room.
+/// Adds @p text, which does not fit into the buffer.
 zyn::LogText& zyn::LogText::addLong(std::string_view text)
 {
     flush();

@@ -103,7 +103,7 @@ Q_SIGNALS:
     void signalTotalConnectedDuration(bool connected, UINT32 seconds);
     /// The seconds of the current CSD connection, likewise.
     void signalCurrentConnectedDuration(bool connected, UINT32 seconds);
-    /// @p first tells of which kind, as resetTotalDuration() takes it, @p success whether that was reset.
+    /// The answer to resetTotalDuration(@p first): whether that total was reset.
     void signalResetTotalDurationRet(bool first, bool success);
     void signalOperatorLogo(bool hidden);     ///< whether to hide the operator logo
     void signalCSDCallStatChanged();          ///< the state of the CSD call has changed

@@ -10,7 +10,7 @@
  * The speed-dial table: nine numbers under the indices 1 to 9, in the settings that all applications share.
  *
  * Numbers are taken as they come, without a check or a limit; an entry is free when it is empty. An index outside 1 to
- * 9 can be read and written as well, but is no part of the table.
+ * 9 can be read and written as well, but is not part of the table.
  */
 class ZYN_EXPORT PHONE_SpeedDial
 {

@@ -15,7 +15,7 @@
 
 namespace zyn {
 
-/// Ends the process when there was no memory for an object that nothing works without.
+/// Ends the process if there was no memory for an object that everything needs.
 template<typename Object>
 Object* required(Object* object, const char* name)
 {

@@ -40,10 +40,10 @@ ZYN_EXPORT int PHONE_VOICESTK_MakeCall(PHONE_VoiceSTK* client, PHONE_VoiceSTK_PA
 /**
  * A SIM-toolkit client of the phone server. Any number of them may exist.
  *
- * It reads the server's replies in the event loop of the thread that made it. A connection that is lost stays lost:
- * what is asked of the client from then on fails. A reply whose rest does not follow within 5 seconds, or that is no
- * reply, loses the connection. A thread without an event loop sends requests all the same and gets no replies; a server
- * may end a connection on which a few hundred replies wait.
+ * It reads the server's replies in the event loop of the thread that made it. A lost connection stays lost: every later
+ * request fails. An invalid reply, or one whose rest does not follow within 5 seconds, loses the connection. A thread
+ * without an event loop sends requests all the same and gets no replies; a server may end a connection on which a few
+ * hundred replies wait.
  */
 class ZYN_EXPORT PHONE_VoiceSTK : public QObject
 {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{100};
 
-/// Whether no other connection follows: the socket was shut down, or is none in a forked child.
+/// Whether no other connection can follow: the socket was shut down, or this is a forked child, which has no socket.
 bool isFinal(int error)
 {
     return error == EINVAL || error == ENOTSOCK || error == EBADF;

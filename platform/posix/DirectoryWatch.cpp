@@ -29,7 +29,7 @@ int DirectoryWatch::addWatch(const QByteArray& path, uint32_t events)
     return m_fd.isValid() ? ::inotify_add_watch(m_fd.get(), path.constData(), events) : kUnwatched;
 }
 
-/// False when there is none. One that nobody may read is as good as watched: it is not this user's to move.
+/// False if there is no such directory. One that this user may not read counts as watched.
 bool DirectoryWatch::addDirectory(const QByteArray& path, uint32_t kept)
 {
     return addWatch(path, kMoves | IN_ONLYDIR | kept) != kUnwatched || (errno != ENOENT && errno != ENOTDIR);

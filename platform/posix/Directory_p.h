@@ -29,10 +29,10 @@ bool makeDirectories(const QByteArray& path);
 
 enum class EntryType { Directory, File, Socket };
 
-/// The names in @p directory of what is of @p type, hidden ones too; nothing when they could not all be read.
+/// The names of the entries of @p type in @p directory, hidden ones too; nothing if they could not all be read.
 std::optional<QList<QByteArray>> entries(int directory, EntryType type);
 
-/// What is known of an entry of a directory.
+/// The status of an entry of a directory.
 struct EntryStatus
 {
     FileId id;
@@ -40,10 +40,10 @@ struct EntryStatus
     std::chrono::seconds age; ///< since its last change of any kind; negative when the clock was set back
 };
 
-/// That of the entry @p name of @p directory, be it a link; nothing when there is none.
+/// That of the entry @p name of @p directory, of a link itself; nothing if there is no such entry.
 std::optional<EntryStatus> entryStatus(int directory, const QByteArray& name);
 
-/// @{ Change the entry @p name of @p directory, which is this process's: false, when that could not be done.
+/// @{ Change the entry @p name of @p directory, which this process has open; false on failure.
 bool setEntryMode(int directory, const QByteArray& name, mode_t mode);
 bool removeEntry(int directory, const QByteArray& name);
 bool removeEmptyDirectory(int directory, const QByteArray& name);

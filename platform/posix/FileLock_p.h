@@ -29,13 +29,13 @@ public:
     /**
      * Locks the file @p path, waiting for its holder for at most @p timeout.
      *
-     * False, and errno is the reason: EWOULDBLOCK while another process holds the lock, EEXIST when the name is that of
-     * no regular file, EPERM for the file of a user whose it may not be. The kernel ends the lock of a process that
-     * dies; no name or number of a process decides.
+     * False, and errno is the reason: EWOULDBLOCK while another process holds the lock, EEXIST if the path names
+     * anything but a regular file, EPERM if the file's owner is not allowed. The kernel ends the lock of a process that
+     * dies; process names and numbers do not matter.
      */
     bool lock(const QByteArray& path, LockOwner owner = LockOwner::Anybody, std::chrono::milliseconds timeout = {});
     bool isLocked() const { return m_fd.isValid(); }
-    /// Whether the path still leads to the locked file: else the lock keeps nobody out.
+    /// Whether the path still leads to the locked file: if not, the lock does not keep anybody out.
     bool isInPlace() const;
     /// Writes into the file which process holds it; the lock holds in any case.
     void sign(const QByteArray& program) const;

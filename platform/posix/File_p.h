@@ -27,14 +27,14 @@ struct FileId
     bool operator==(const FileId&) const = default;
 };
 
-/// That of what @p path names, be it a link; nothing when it names nothing.
+/// That of the file @p path, of a link itself; nothing if there is no such file.
 std::optional<FileId> fileId(const QByteArray& path);
 /// That of an open file.
 std::optional<FileId> fileId(int fd);
 
 /**
- * Tells what a regular file holds from everything that it, or another file of its name, has held: that has another
- * version, if only this one is settled.
+ * Identifies the contents of a regular file: once it is settled, other contents of the file, or of another file of its
+ * name, have another version.
  */
 struct FileVersion
 {
@@ -55,7 +55,7 @@ struct FileVersion
     bool operator==(const FileVersion&) const = default;
 };
 
-/// That of the file to which @p path, links followed, leads; nothing when it is no regular file.
+/// That of the file @p path, links followed; nothing if it is not a regular file.
 std::optional<FileVersion> fileVersion(const QByteArray& path);
 /// That of an open file.
 std::optional<FileVersion> fileVersion(int fd);
@@ -88,9 +88,9 @@ std::optional<QByteArray> readWhole(const QByteArray& path, qint64 limit);
 /// The same of an open file.
 std::optional<QByteArray> readWhole(int fd, qint64 limit);
 
-/// How many bytes the open file @p fd has; nothing when it is no regular file.
+/// The size of the open file @p fd in bytes; nothing if it is not a regular file.
 std::optional<qint64> regularFileSize(int fd);
-/// The same; nothing, too, when the file has another name.
+/// The same; nothing, too, if the file has another name as well.
 std::optional<qint64> soleFileSize(int fd);
 
 /// Where the open file @p fd ends, which is its size if it is regular; -1 when it has no end. The quickest way to know.
@@ -102,7 +102,7 @@ off_t nextData(int fd, off_t offset);
 /// Whether @p path, links followed, leads to the open file @p fd.
 bool leadsTo(const QByteArray& path, int fd);
 
-/// Whether there is no file @p path, nor a link to one; false, too, when that is unknown.
+/// Whether nothing has the name @p path, not even a link; false, too, if that cannot be found out.
 bool isMissing(const QByteArray& path);
 
 } // namespace zyn::posix

@@ -20,11 +20,11 @@ uid_t currentUser();
 /// The name of @p user, or the number of one without a name.
 QByteArray userName(uid_t user);
 
-/// The user whom @p path belongs to, a link itself and not its target; nothing when there is no such name.
+/// The owner of @p path, of a link itself and not its target; nothing if there is no such name.
 std::optional<uid_t> ownerOf(const QByteArray& path);
 
-/// Removes what has the name @p path when it is neither this user's nor root's; a directory that is not empty gets
-/// another name beside it. Whether anything has made way.
+/// Removes the file @p path if it belongs to neither this user nor root; a directory that is not empty is renamed
+/// instead. Whether the name was cleared.
 bool clearOfOthers(const QByteArray& path);
 
 /// Where a file is or would be: its directory, open, and its name there. What happens to the path later changes
@@ -49,7 +49,7 @@ enum class Access { Read, Change };
  */
 std::optional<PathAt> resolve(const QByteArray& path, LastLink last = LastLink::Follow);
 
-/// Opens the file at @p path, where a link may have come meanwhile: that is refused. Never waits for the other end of a
+/// Opens the file at @p path; refuses a link that has appeared there since. Never waits for the other end of a
 /// FIFO.
 UniqueFd openAt(const PathAt& path, Access access = Access::Read);
 /// The same of the file @p name in @p directory, with open()'s own flags.

@@ -15,8 +15,8 @@ namespace zyn::posix {
 /**
  * A number in memory that the processes of one user share, until the last of them lets go of it.
  *
- * The memory is a System V segment, as nobody can shorten one: a mapped file that somebody else truncates ends who
- * looks at it. It is marked for removal when it is made, so that nothing is ever left behind; Linux lets others attach
+ * The memory is a System V segment, as nobody can shorten one: a mapped file that somebody truncates kills its
+ * readers. It is marked for removal when it is made, so that nothing is ever left behind; Linux lets others attach
  * to it meanwhile. Processes of different IPC namespaces cannot share one. A forked child keeps its parent's.
  */
 class SharedCounter
@@ -24,11 +24,11 @@ class SharedCounter
 public:
     /// A new one; nothing where there is no such memory.
     static std::optional<SharedCounter> make();
-    /// The one that somebody else has named; nothing when it is gone, or is none of this user's alone. With
-    /// Access::Read it may only be looked at.
+    /// The one that somebody else has named; nothing if it is gone, or does not belong to this user alone. With
+    /// Access::Read it can only be read.
     static std::optional<SharedCounter> attach(const QByteArray& name, Access access);
 
-    /// What attach() finds it by, in every process of the same namespace: no other has, or ever had, the same.
+    /// The name for attach(), in every process of the same namespace. It is never used again.
     const QByteArray& name() const { return m_name; }
 
     /// Whether anybody else has it, in this process or another.

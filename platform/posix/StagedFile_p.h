@@ -27,14 +27,14 @@ public:
     /// Gives it the owner and the permissions of the open file @p other, as far as this process may.
     void copyOwnership(int other) const;
 
-    /// @{ Moves it to its place: nothing must be there; or whatever is there gives way.
+    /// @{ Moves the file to its place: moveIn() only if nothing is there, moveOver() in place of whatever is there.
     bool moveIn();
     bool moveOver();
     /// @}
-    /// Exchanges its name with that of what is at its place; where the file system cannot do that, moves it over.
+    /// Exchanges its name with the file at its place; where the file system cannot do that, moves over it.
     bool exchange();
 
-    /// Opens for changes what an exchange has brought under the name that this file had.
+    /// Opens for changes the file that an exchange has put under this file's old name.
     UniqueFd openExchanged() const;
     /// Whether that is the open file @p fd, or nothing, as this file was moved over the other.
     bool isExchangedFor(int fd) const;
@@ -47,10 +47,10 @@ private:
 };
 
 /**
- * Puts @p contents in the place of what the file @p path holds, whole and on disk, or leaves it as it is.
+ * Replaces the contents of the file @p path with @p contents, whole and on disk, or leaves the file as it is.
  *
- * The file keeps its owner and its permissions, as far as this process may give them. What is no regular file is not
- * replaced, nor what may not be written. On failure errno is the reason.
+ * The file keeps its owner and its permissions, as far as this process may give them. Only a regular file that may be
+ * written is replaced. On failure errno is the reason.
  */
 bool replaceFile(const QByteArray& path, const QByteArray& contents);
 bool replaceFile(const PathAt& path, const QByteArray& contents);

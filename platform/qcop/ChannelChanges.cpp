@@ -1,4 +1,4 @@
-// How senders learn that there are other listeners.
+// Tells senders when the listeners of a channel may have changed.
 #include "platform/qcop/ChannelChanges_p.h"
 
 #include "platform/posix/Directory_p.h"
@@ -12,11 +12,11 @@ namespace {
 
 /// The link in a root that leads nowhere: its target is the number's name.
 constexpr char kLink[] = ".zyn-changes";
-/// Begins what stands there after a listener that can make no number.
+/// The prefix of the target that a listener sets if it cannot make a number.
 constexpr char kNoNumber[] = "none-";
-/// How often a listener tries to count: others may come to name another number meanwhile.
+/// How often a listener tries to count: others may name another number at the same time.
 constexpr int kAttempts = 4;
-/// For how long senders believe that nothing has changed that nobody counts.
+/// For how long senders assume that nothing has changed apart from what is counted.
 constexpr std::chrono::milliseconds kTrustTime{50};
 
 QByteArray anyName()
@@ -49,14 +49,14 @@ std::optional<posix::SharedCounter> ChannelChanges::announce(int root)
 
 void ChannelChanges::withdraw(int root, const posix::SharedCounter& number)
 {
-    // Who comes at the same moment may keep a number that nobody finds: senders look for listeners each time then.
+    // A listener that starts now may keep a number that senders cannot find; they then look for listeners each time.
     if (!number.isShared() && posix::linkTarget(root, kLink) == number.name())
         posix::removeEntry(root, kLink);
 }
 
 void ChannelChanges::update(int root)
 {
-    // Before anything is looked at, so that the next update sees what comes meanwhile.
+    // Taken first, so that the next update sees changes that happen during this one.
     m_updateTime = posix::tickTime();
     if (!hasChanged(posix::linkTarget(root, kLink)) && m_updateTime - m_changeTime < kTrustTime)
         return;
@@ -73,7 +73,7 @@ void ChannelChanges::forget()
 bool ChannelChanges::hasChanged(const QByteArray& name)
 {
     const bool isTrusted = m_number && m_name == name;
-    // Who sends once needs none.
+    // A process that sends once does not need the number.
     if (m_name != name || m_moment == 1)
         m_number = m_moment > 0 ? posix::SharedCounter::attach(name, posix::Access::Read) : std::nullopt;
     m_name = name;

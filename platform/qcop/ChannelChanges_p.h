@@ -1,4 +1,4 @@
-// How senders learn that there are other listeners.
+// Tells senders when the listeners of a channel may have changed.
 #pragma once
 
 #include "platform/posix/SharedCounter_p.h"
@@ -20,8 +20,8 @@ namespace zyn {
  * before it says that it listens, as does whoever finds a number that is as young. So none comes unseen, also one in a
  * container that shares the directory and no memory, and one in a directory that was removed and made anew.
  *
- * What nobody counts, such as a directory that comes to be open to others, is seen after a while. Who writes what he
- * likes into the number delays that at most, or has directories read more often.
+ * A change that is not counted, such as a directory that is now open to others, is seen after a while. A process that
+ * writes anything it likes into the number can only delay that, or cause more readings of directories.
  */
 class ChannelChanges
 {
@@ -34,9 +34,9 @@ public:
 
     /// Whether nothing has changed since update().
     bool isCurrent() const { return m_number && m_number->value() == m_value && posix::tickTime() == m_updateTime; }
-    /// Looks what has changed in the open directory @p root.
+    /// Checks for changes in the open directory @p root.
     void update(int root);
-    /// Another root's changes are to be followed from now on.
+    /// Forgets the number: another root is used from now on.
     void forget();
     /// The present moment: another one when anything may have changed. 0 before the first.
     uint64_t moment() const { return m_moment; }

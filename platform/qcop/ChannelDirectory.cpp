@@ -1,4 +1,4 @@
-// Where the listeners of a channel are found.
+// The directory of a channel: senders find its listeners there.
 #include "platform/qcop/ChannelDirectory_p.h"
 
 #include "platform/posix/Directory_p.h"

@@ -1,4 +1,4 @@
-// Where the listeners of a channel are found.
+// The directory of a channel: senders find its listeners there.
 #pragma once
 
 #include "platform/posix/File_p.h"

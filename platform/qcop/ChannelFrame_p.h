@@ -58,7 +58,7 @@ private:
 class ChannelFrameReader
 {
 public:
-    /// Where the connection's next bytes are to be put; as many as were put there are then added.
+    /// Room for the connection's next bytes; call add() with the number of bytes put there.
     std::span<std::byte> room();
     void add(qsizetype size);
 
@@ -66,7 +66,7 @@ public:
     bool next(QByteArray& name, QByteArray& data);
     /// Whether bytes are left, of a message that is complete or not.
     bool hasMore() const { return m_offset < m_filled; }
-    /// Whether what arrived is no frame. No message follows then.
+    /// Whether the bytes are not a valid frame. No message follows then.
     bool isBroken() const { return m_isBroken; }
 
 private:

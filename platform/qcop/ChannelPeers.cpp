@@ -241,7 +241,7 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd
 {
     std::optional<ChannelDirectory> directory;
     if (m_moment != m_changes.moment()) {
-        if (m_moment > 0) // who sends once does not clean up
+        if (m_moment > 0) // a process that sends once does not clean up
             ChannelDirectory::clean(m_root);
         directory = root.isValid() ? ChannelDirectory::open(std::move(root), m_channel)
                                    : ChannelDirectory::open(m_root, m_channel);

@@ -85,11 +85,11 @@ std::vector<int> usedSlots(const QString& number)
     return ContactFile::usedSlots(*image, ContactFile::count(*image));
 }
 
-/// How many slots are read at a time: all of most files, and of others so many that memory is not the cost.
+/// How many slots are read at a time: most files whole, and larger ones in parts that need little memory.
 constexpr int kSlotsAtATime = 200;
 
-/// The bytes from the start of the open file @p fd, or from as many bytes behind it as @p first slots take: either way
-/// slot @p first is the first slot of the image. Nothing when the file cannot be read.
+/// The bytes of the open file @p fd from its start, or from @p first slots behind it, so that slot @p first is the
+/// first slot of the image. Nothing if the file cannot be read.
 std::optional<QByteArray> readSlots(int fd, int first, int slots, QByteArray image = {})
 {
     image.resize(static_cast<qsizetype>(ContactFile::size(std::min(slots - first, kSlotsAtATime))));

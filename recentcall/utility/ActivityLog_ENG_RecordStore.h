@@ -94,12 +94,12 @@ public:
     /// header.
     bool checkTopPalsFile(const QString& fileName);
 
-    /// @{ What is known of a slot of a favourite. @p pos counts from 0; false for a number that is no favourite and a
-    /// position that no slot has.
+    /// @{ Marks slot @p pos of a favourite, counted from 0, as used or as free. False if @p number is not a favourite
+    /// or the file has no such slot.
     bool setTopPalsAvlFlag(const QString& number, int pos);
     bool clearTopPalsAvlFlag(const QString& number, int pos);
     /// @}
-    /// The lowest slot not known to be used; -1 when there is none, or for a number that is no favourite.
+    /// The lowest slot not known to be used; -1 if all are, or if @p number is not a favourite.
     int getAvailableTopPalsAvlPos(const QString& number);
 
 private:

@@ -85,7 +85,7 @@ public:
     /// Whether this record is newer: its uid is greater.
     bool operator<(const PHONE_ENG_RecentCall& other) const { return uid > other.uid; }
 
-    /// Prints nothing: the texts it would be about are seen by nobody. Part of the interface.
+    /// Prints nothing. Part of the interface.
     void print() const;
 };
 

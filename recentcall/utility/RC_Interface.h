@@ -21,11 +21,11 @@ public:
     RC_Interface();
     ~RC_Interface();
 
-    /// Hands the service a copy of @p record to store. No answer is read: 0 says that it was sent. A record that is no
+    /// Hands the service a copy of @p record to store. No answer is read: 0 says that it was sent. Any record but an
     /// RC_RecordInterfaceImpl gives 3.
     int addRecord(const RC_RecordInterface& record);
 
-    /// Deletes the call with the record's uid from the list of its category. A record that is no RC_RecordInterfaceImpl
+    /// Deletes the call with the record's uid from the list of its category. Any record but an RC_RecordInterfaceImpl
     /// gives 3.
     int deleteRecord(const RC_RecordInterface& record);
 
@@ -43,7 +43,7 @@ public:
      */
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
-    /// Sets @p number to the number dialed last, read from the file without the service; false, and @p number as it
-    /// was, when there is none. Creates this process's RecentCall_ENG_RecordStore.
+    /// Sets @p number to the number dialed last, read from the file without the service. Without such a call it returns
+    /// false and leaves @p number as it is. Creates this process's RecentCall_ENG_RecordStore.
     bool getLastDialedNumber(QString& number);
 };

@@ -28,7 +28,7 @@ struct RC_MissedCallItem
 using RC_MissedCallList = QValueList<RC_MissedCallItem>;
 
 /**
- * The recent-call engine: what knows the unread missed calls.
+ * The recent-call engine: it knows the unread missed calls.
  *
  * Its list is the first virtual operation, which is part of the interface; hence no virtual destructor: an engine is
  * not deleted through this class, and is best a final one.

@@ -115,20 +115,20 @@ public:
 
     /// Whether the record has the mark for strict read.
     virtual bool getIsStrictRead() const;
-    // Each of the three setters does nothing for a record that is no push-to-talk call: setCallType() comes first.
+    // The three setters work for push-to-talk calls only, so call setCallType() first.
 
     /// Stores the party type of a push-to-talk call.
     virtual void setPttPartyType(RC_PTT_PARTY_TYPE_T type);
-    /// -1 for a record that is no push-to-talk call.
+    /// -1 for a call of any other type.
     virtual RC_PTT_PARTY_TYPE_T getPttPartyType() const;
     /// Stores the identity type of a push-to-talk call.
     virtual void setPttIDType(RC_PTT_ID_T type);
-    /// 0 for a record that is no push-to-talk call.
+    /// 0 for a call of any other type.
     virtual RC_PTT_ID_T getPttIDType() const;
     /// Stores the session of a push-to-talk call as UTF-8, at most 100 bytes; an empty one changes nothing.
     virtual void setPttSessionID(const QString& session);
-    /// The stored bytes read as Latin-1, so that only ASCII comes back as it was; a null text for a record that is no
-    /// push-to-talk call.
+    /// The stored bytes read as Latin-1, so that only ASCII comes back as it was; a null text for a call of any other
+    /// type.
     virtual QString getPttSessionID() const;
 
     /// The owned record; it stays owned.

@@ -64,7 +64,7 @@ void mark(SlotBitmap& bitmap, const ListSlots& slots, int slot, bool inUse)
     word = inUse ? word | mask : word & ~mask;
 }
 
-/// The first slot from @p slot on whose bit is clear, or with @p inUse set; as many as the list has when there is none.
+/// The first slot from @p slot on whose bit is clear, or set with @p inUse; the number of slots if there is none.
 int findSlot(const SlotBitmap& bitmap, const ListSlots& slots, bool inUse, int slot = 0)
 {
     while (slot < slots.count) {

@@ -21,7 +21,7 @@ inline const Message& recentCallMessage(RecentCall_Msg::RECENTCALL_MSG_TYPE_T ty
     return recentCallMessages()[static_cast<size_t>(type)];
 }
 
-/// @{ What the owner of the activity log is told: that a favourite's details have changed.
+/// @{ The message to the owner of the activity log: a favourite's details have changed.
 inline constexpr char kActivityLogChannel[] = "ACTIVITY_LOG_CHANNEL";
 inline constexpr Message kModifyFavourite{.channel = kActivityLogChannel,
                                           .name = "MODIFY_TOPPAL_DETAILS",

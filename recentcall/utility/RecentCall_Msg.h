@@ -16,9 +16,8 @@ inline constexpr char RECENTCALL_MESSAGE_MSG[] = "/KQ/MMS/RECENTCALL";
 /**
  * Names and sends the messages of the recent-call screens' channel, "/ZYN/recentcall".
  *
- * The operations are static and need no object; an object listens on the channel for as long as it lives. Sending waits
- * for nobody: true says that the message was handed on, not that the screens run, and one that nobody listens for is
- * lost.
+ * The operations are static and need no object; an object listens on the channel for as long as it lives. Sending does
+ * not wait: true means that the message was handed on, not that the screens run. Without a listener it is lost.
  */
 class ZYN_EXPORT RecentCall_Msg : public QCopChannel
 {

@@ -58,7 +58,7 @@ public:
         return bytes ? qFromBigEndian<Number>(bytes) : Number{0};
     }
 
-    /// A length in bytes, then UTF-16; an odd length's last byte is nobody's.
+    /// A length in bytes, then UTF-16; the last byte of an odd length is ignored.
     QString text()
     {
         const auto length = number<uint32_t>();
@@ -242,7 +242,7 @@ FieldValues decodeRecord(std::span<const Field> fields, const QByteArray& payloa
         if (end > payload.size())
             break;
         values.list[values.whole++] = recordField(field, values[0], payload.constData() + field.offset);
-        // The places behind those in use are nobody's, also where they are not sent.
+        // Places behind those in use are ignored, sent or not.
         const qsizetype fieldEnd = qsizetype{field.offset} + field.size;
         values.end = fieldEnd <= payload.size() ? fieldEnd : end;
     }

@@ -52,7 +52,7 @@ struct FieldValues
 
     QVarLengthArray<FieldValue, 6> list; ///< none of the messages that a receiver decodes has more fields
     qsizetype whole = 0;                 ///< how many fields, from the first, the payload held whole
-    qsizetype end = 0;                   ///< where the last of those ends; what follows is nobody's
+    qsizetype end = 0;                   ///< where the last of those ends; the rest is ignored
 };
 
 /// Reads the fields of @p message. From the first one that is not there whole on, nothing is read: no field comes from

@@ -62,7 +62,7 @@ bool applyChanges(int fd, const QByteArray& blank, const QByteArray& written)
 }
 
 /// Whether a file beside another cannot be created because that is not permitted, or because its longer name has no
-/// room. For any other reason, such as a lack of space, writing the other one is no better.
+/// room. After any other error, such as a lack of space, overwriting the old file would fail too.
 bool isForbidden(int error)
 {
     return error == EACCES || error == EPERM || error == ENAMETOOLONG;
@@ -72,7 +72,7 @@ bool isForbidden(int error)
 /// file. What cannot be written whole is undone.
 CreateResult overwrite(int fd, const QByteArray& contents)
 {
-    // One with another name may be a file of somebody else, linked here to be written.
+    // A file with a second name may be somebody else's, linked here so that we overwrite it.
     const std::optional<qint64> size = posix::soleFileSize(fd);
     if (!size)
         return CreateResult::CannotOpen;

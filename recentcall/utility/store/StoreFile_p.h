@@ -23,7 +23,7 @@ QByteArrayView bytesOf(const Plain& plain)
     return QByteArrayView(reinterpret_cast<const char*>(&plain), static_cast<qsizetype>(sizeof plain));
 }
 
-/// The plain structure at the start of @p bytes, which are at least as many as it has.
+/// The plain structure at the start of @p bytes, which must be at least as long.
 template<typename Plain>
 Plain toPlain(std::span<const std::byte> bytes)
 {
