@@ -20,7 +20,7 @@ QString description()
     for (const ScreenPage& page : kScreenPages)
         pages += u"%1 %2"_s.arg(page.page).arg(QLatin1String(page.name));
     return u"Plays the recent-call screens: shows what others ask for on the channel\n"
-           "/ZYN/recentcall, lets the missed calls that it has shown count as read,\n"
+           "/ZYN/recentcall, marks the missed calls that it has shown as read,\n"
            "and answers the number picker with the number of the row that is typed,\n"
            "or with none for an empty line or at the end of the input.\n"
            "Pages: %1. Rows are counted from 0.\n"
