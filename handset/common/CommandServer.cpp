@@ -6,12 +6,16 @@
 
 #include "handset/common/CommandConnection.h"
 #include "handset/common/Log.h"
+#include "platform/posix/PathAt_p.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -19,7 +23,7 @@ using namespace std::chrono_literals;
 namespace zyn::handset {
 namespace {
 
-constexpr auto kPathCheckInterval = 5s;
+constexpr auto kPlaceCheckInterval = 5s;
 
 } // namespace
 
@@ -28,10 +32,9 @@ CommandServer::CommandServer(const QString& path, int maxConnections, Factory fa
     , m_factory(std::move(factory))
     , m_socket(path)
 {
-    m_pathCheck.setTimerType(Qt::VeryCoarseTimer);
-    m_pathCheck.setInterval(kPathCheckInterval);
-    connect(&m_pathCheck, &QTimer::timeout, this, &CommandServer::restoreSocket);
-    connect(&m_directoryWatch, &QFileSystemWatcher::directoryChanged, this, &CommandServer::restoreSocket);
+    m_placeCheck.setTimerType(Qt::VeryCoarseTimer);
+    m_placeCheck.setInterval(kPlaceCheckInterval);
+    connect(&m_placeCheck, &QTimer::timeout, this, &CommandServer::checkPlace);
 }
 
 CommandServer::~CommandServer()
@@ -44,8 +47,11 @@ bool CommandServer::listen()
     if (!m_socket.listen())
         return false;
     startAccepting();
-    watchDirectory();
-    m_pathCheck.start();
+    if (m_watch.fd() >= 0) {
+        m_changes = std::make_unique<QSocketNotifier>(m_watch.fd(), QSocketNotifier::Read);
+        connect(m_changes.get(), &QSocketNotifier::activated, this, &CommandServer::noteChanges);
+    }
+    checkPlace();
     return true;
 }
 
@@ -54,10 +60,28 @@ void CommandServer::startAccepting()
     m_acceptor = std::make_unique<posix::Acceptor>(m_socket.descriptor(), [this] { return acceptNext(); });
 }
 
-/// Makes the socket again if it has been removed.
+void CommandServer::noteChanges()
+{
+    if (m_watch.poll())
+        checkPlace();
+}
+
+/// Makes the socket again if it has been removed, and looks again later if that failed or could not be noticed.
+void CommandServer::checkPlace()
+{
+    if (!m_socket.isListening())
+        return;
+    restoreSocket();
+    // Only what happens from now on is noticed, so the watch comes before the look.
+    if (watchPlace() && m_socket.isInPlace())
+        m_placeCheck.stop();
+    else
+        m_placeCheck.start();
+}
+
 void CommandServer::restoreSocket()
 {
-    if (!m_socket.isListening() || m_socket.isInPlace())
+    if (m_socket.isInPlace())
         return;
     for (auto client = m_socket.accept(); client.isValid(); client = m_socket.accept()) {
         serveOpenConnections();
@@ -67,20 +91,28 @@ void CommandServer::restoreSocket()
     if (errno == EAGAIN && m_socket.recreate()) {
         startAccepting();
         m_acceptor->setEnabled(m_connections.size() < m_maxConnections);
-        watchDirectory();
     }
 }
 
-void CommandServer::watchDirectory()
+/// Watches the socket's directory, the socket and its lock, whosever they are; false if one is missing or cannot be
+/// watched.
+bool CommandServer::watchPlace()
 {
-    const QString directory = QFileInfo(m_socket.path()).path();
-    m_directoryWatch.removePath(directory); // the path may lead to a new directory
-    m_directoryWatch.addPath(directory);
+    for (const int id : std::exchange(m_watchedFiles, {}))
+        m_watch.remove(id);
+    for (const QString& file : m_socket.files()) {
+        m_watch.addPath(QFile::encodeName(QFileInfo(QDir::cleanPath(file)).path()));
+        const auto place = posix::resolve(QFile::encodeName(file), posix::LastLink::Keep);
+        m_watchedFiles.append(place ? m_watch.addFile(place->directory.get(), place->name)
+                                    : posix::DirectoryWatch::kUnwatched);
+    }
+    return !m_watchedFiles.contains(posix::DirectoryWatch::kUnwatched);
 }
 
 void CommandServer::close()
 {
-    m_pathCheck.stop();
+    m_placeCheck.stop();
+    m_changes.reset();
     m_acceptor.reset();
     if (m_socket.isListening()) {
         m_socket.stopAccepting();

@@ -3,10 +3,11 @@
 
 #include "handset/common/ServiceSocket.h"
 #include "platform/posix/Acceptor_p.h"
+#include "platform/posix/DirectoryWatch_p.h"
 
-#include <QtCore/QFileSystemWatcher>
 #include <QtCore/QList>
 #include <QtCore/QObject>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
 #include <functional>
@@ -48,8 +49,10 @@ public:
 private:
     void startAccepting();
     bool acceptNext();
+    void noteChanges();
+    void checkPlace();
     void restoreSocket();
-    void watchDirectory();
+    bool watchPlace();
     void serveOpenConnections();
     CommandConnection* open(posix::UniqueFd socket);
     void remove(CommandConnection* connection);
@@ -59,8 +62,10 @@ private:
     const Factory m_factory;
     ServiceSocket m_socket;
     std::unique_ptr<posix::Acceptor> m_acceptor;
-    QFileSystemWatcher m_directoryWatch;
-    QTimer m_pathCheck; ///< finds changes that the watch misses
+    posix::DirectoryWatch m_watch;
+    std::unique_ptr<QSocketNotifier> m_changes; ///< none when watching is impossible
+    QList<int> m_watchedFiles;
+    QTimer m_placeCheck; ///< runs while the socket is lost, or its loss would go unnoticed
     /// In the order of their opening.
     QList<CommandConnection*> m_connections;
 };

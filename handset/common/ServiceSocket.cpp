@@ -83,6 +83,11 @@ ServiceSocket::~ServiceSocket()
     release();
 }
 
+QStringList ServiceSocket::files() const
+{
+    return {m_path, lockPath(m_path)};
+}
+
 bool ServiceSocket::acquire()
 {
     return report(claim());

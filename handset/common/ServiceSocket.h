@@ -5,6 +5,7 @@
 #include "platform/posix/File_p.h"
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <optional>
 
@@ -27,7 +28,8 @@ public:
     /// Releases the socket.
     ~ServiceSocket();
 
-    const QString& path() const { return m_path; }
+    /// The socket and its lock file.
+    QStringList files() const;
 
     /// Makes this process the owner, in place of one that died. False if another owner, of this user or of root, is
     /// alive.
