@@ -1,4 +1,4 @@
-# Run by cmake --install: each of zyn_folders can be written to, or made.
+# Run by cmake --install: fails unless each of zyn_folders can be written to, or made.
 foreach(folder IN LISTS zyn_folders)
     cmake_path(ABSOLUTE_PATH folder BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}")
     set(folder "$ENV{DESTDIR}${folder}")
@@ -8,7 +8,8 @@ foreach(folder IN LISTS zyn_folders)
     endwhile()
     execute_process(COMMAND test -d "${folder}" -a -w "${folder}" -a -x "${folder}" RESULT_VARIABLE status)
     if(NOT status EQUAL 0)
-        message(NOTICE "ZynPhone: may not write to ${folder}: choose a folder of yours with --prefix, or install as root")
+        message(NOTICE "ZynPhone: may not write to ${folder}: "
+            "choose a folder of yours with --prefix, or install as root")
         message(FATAL_ERROR "Nothing was installed.")
     endif()
 endforeach()

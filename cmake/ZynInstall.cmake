@@ -1,5 +1,5 @@
 # Libraries, headers and the CMake package: find_package(ZynPhone) gives ZynPhone::zynphone and ZynPhone::zynplatform.
-# The components of an installation are the packages of cmake/ZynPackages.cmake.
+# Each component is one of the packages in cmake/ZynPackages.cmake.
 include(CMakePackageConfigHelpers)
 
 set(ZYN_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/zynphone)
@@ -23,7 +23,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersi
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
     DESTINATION ${ZYN_INSTALL_CMAKEDIR} COMPONENT libzynphone-dev)
 
-# The same for pkg-config, and what to begin with. A folder that is absolute has no prefix.
+# The pkg-config file, and the examples. An absolute folder gets no prefix.
 cmake_path(APPEND pc_libdir "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND pc_includedir "\${prefix}" "${ZYN_INSTALL_INCLUDEDIR}")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX

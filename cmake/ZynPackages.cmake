@@ -1,7 +1,7 @@
-# The Debian packages, one for each component of an installation; their texts are in packaging/. See scripts/package.
+# The Debian packages, one for each component; their texts are in packaging/. See scripts/package.
 set(packaging ${PROJECT_SOURCE_DIR}/packaging)
 
-# The newest entry of the changelog numbers the packages.
+# The newest entry of the changelog gives the packages their version.
 file(STRINGS ${packaging}/changelog entry LIMIT_COUNT 1)
 if(NOT entry MATCHES "^zynphone \\(${PROJECT_VERSION}-([0-9]+)\\) ")
     message(FATAL_ERROR "packaging/changelog has no entry for ${PROJECT_VERSION} at its top")
@@ -20,7 +20,7 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SOURCE zynphone)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# Each package's programs and libraries need what they are linked to; our own libraries are in no package yet.
+# Packages depend on what their files link to. Our own libraries are in no installed package, so they are named here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 foreach(library IN ITEMS zynphone zynplatform)
     get_target_property(folder ${library} BINARY_DIR)
@@ -29,7 +29,7 @@ endforeach()
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-# What one package has beside its texts. CPack knows no field for MULTIARCH: it stands in the line after the section's.
+# Describes one package. CPack has no variable for Multi-Arch: that field follows the section's on a line of its own.
 function(zyn_package component)
     cmake_parse_arguments(ARG "" "SECTION;MULTIARCH" "DEPENDS;CONTROL_EXTRA" ${ARGN})
     string(TOUPPER ${component} COMPONENT)
@@ -45,7 +45,8 @@ function(zyn_package component)
     set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_CONTROL_EXTRA "${ARG_CONTROL_EXTRA}" PARENT_SCOPE)
 endfunction()
 
-# CPack makes maintainer scripts that call ldconfig, unless it is given others. There are none: the trigger does it.
+# CPack writes maintainer scripts that call ldconfig unless it is given others. These do not exist, so the package has
+# none: its trigger runs ldconfig.
 set(no_scripts ${packaging}/none/postinst ${packaging}/none/postrm)
 
 zyn_package(libzynphone1 SECTION libs MULTIARCH same
@@ -53,7 +54,7 @@ zyn_package(libzynphone1 SECTION libs MULTIARCH same
 zyn_package(libzynphone-dev SECTION libdevel DEPENDS "libzynphone1 (= ${version})" qt6-base-dev)
 zyn_package(zynphone-tools SECTION devel DEPENDS "libzynphone1 (= ${version})")
 
-# Installed as it is into the system, only below another root.
+# Packs what an installation into the system puts there, below another root.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_PROJECT_CONFIG_FILE ${packaging}/requirements.cmake)

@@ -1,20 +1,20 @@
-# What is needed to build. One line of ours says what is missing, ahead of CMake's own.
+# What a build needs. One line of ours says what is missing, before CMake's own messages.
 
-# Ends the configuration: @p line says what is needed.
+# Ends the configuration; @p line says what is needed.
 function(zyn_refuse line)
     message(NOTICE "ZynPhone: ${line}")
     message(FATAL_ERROR "Not configured.")
 endfunction()
 
-# The build folder is another one than the source folder. CMake has written into it by now, and an old cache there would
-# be taken for the build folder of every later run.
+# Refuses to build in the source folder. CMake has already written there, and every later run would take the source
+# folder for its build folder because of that cache: hence the rm.
 function(zyn_require_build_folder)
     if(CMAKE_CURRENT_SOURCE_DIR STREQUAL CMAKE_CURRENT_BINARY_DIR)
         zyn_refuse("build outside the source folder: rm -r CMakeCache.txt CMakeFiles, then cmake --preset dev")
     endif()
 endfunction()
 
-# The programs that project() looks for; what the caller has named is not looked for.
+# Looks for the programs that project() will look for, except those that the caller has named.
 function(zyn_require_programs)
     if(CMAKE_GENERATOR MATCHES Ninja)
         find_program(CMAKE_MAKE_PROGRAM NAMES ninja-build ninja samu)
@@ -30,7 +30,7 @@ function(zyn_require_programs)
     endif()
 endfunction()
 
-# The language, and the youngest of the library's headers that the sources include.
+# Checks the language level, and the newest standard header that the sources include.
 function(zyn_require_cxx20)
     if(cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES AND NOT ZYN_HAS_CXX20)
         try_compile(ZYN_HAS_CXX20

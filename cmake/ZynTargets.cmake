@@ -1,7 +1,6 @@
-# What every target of this project has in common. Set on our own targets only, so that a parent project keeps its
-# flags.
+# What the targets of this project have in common. It is set on our own targets only: a parent project keeps its flags.
 
-# Everything finds the libraries from where it stands, in whatever prefix that is.
+# Programs and libraries find our libraries relative to themselves, whatever the prefix.
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set(ZYN_LIBRARY_RPATH "$ORIGIN")
 set(ZYN_PROGRAM_RPATH "$ORIGIN/${libraries_from_programs}")
@@ -12,7 +11,7 @@ target_compile_definitions(zyn_options INTERFACE
     _FILE_OFFSET_BITS=64
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_DISABLE_DEPRECATED_BEFORE=0x060400)
-# What is compiled ahead serves libraries and programs: both are compiled for libraries.
+# Libraries and programs share precompiled headers, so programs are compiled with -fPIC, too.
 target_compile_options(zyn_options INTERFACE
     -fPIC
     -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef
@@ -24,9 +23,9 @@ if(ZYN_SANITIZE)
     target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
 endif()
 
-# Applies the project's language level and warnings to @p target, which may use the sources' include paths. MOC says
-# that one of its headers has a Q_OBJECT; PRECOMPILED names another header than everyone's, or NONE. What a library
-# hides is its map's to say, whatever a parent project's default is.
+# Gives @p target the project's language level, warnings and include paths. MOC says that one of its headers has a
+# Q_OBJECT; PRECOMPILED names other precompiled headers than the common ones, or NONE. The default visibility does not
+# depend on a parent project: libraries hide names by their maps.
 function(zyn_configure_target target)
     cmake_parse_arguments(ARG "MOC" "PRECOMPILED" "" ${ARGN})
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zyn_options>)
@@ -46,8 +45,8 @@ function(zyn_configure_target target)
     endif()
 endfunction()
 
-# Headers that are compiled once for all targets that say so. A source includes what it uses all the same: it must
-# compile without them, as scripts/check arm has it.
+# Precompiles headers for the targets that reuse them. Sources still include what they use: scripts/check arm compiles
+# them without.
 function(zyn_add_precompiled_headers target)
     cmake_parse_arguments(ARG "" "" "HEADERS;LIBRARIES" ${ARGN})
     file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp CONTENT "")
@@ -57,18 +56,18 @@ function(zyn_add_precompiled_headers target)
     target_precompile_headers(${target} PRIVATE ${ARG_HEADERS})
 endfunction()
 
-# What a hundred sources or more include, directly or not, and the costlier half of what a third does.
+# Headers that a hundred sources or more include, directly or not, and the costlier half of those that a third include.
 zyn_add_precompiled_headers(zynprecompiled
     HEADERS
         <algorithm> <array> <chrono> <functional> <map> <memory> <optional> <span> <string_view> <vector>
         <QtCore/QByteArray> <QtCore/QCoreApplication> <QtCore/QDateTime> <QtCore/QFile> <QtCore/QJsonArray>
-        <QtCore/QJsonDocument> <QtCore/QJsonObject> <QtCore/QList> <QtCore/QObject> <QtCore/QString> <QtCore/QStringList>
-        <QtCore/QTimer>
+        <QtCore/QJsonDocument> <QtCore/QJsonObject> <QtCore/QList> <QtCore/QObject> <QtCore/QString>
+        <QtCore/QStringList> <QtCore/QTimer>
     LIBRARIES Qt6::Core)
 
-# A shared library of the exported interface: its public headers are included by their path from the top of the tree.
-# What leaves the library is decided by its map in abi/ alone: with the public names the private ones of namespace zyn,
-# for programs, tool and tests.
+# A shared library with an exported interface. Its public headers are included by their paths from the top of the tree.
+# Its map in abi/ alone decides what it exports: the public names and, for programs, tool and tests, the private ones of
+# namespace zyn.
 function(zyn_add_shared_library target)
     cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS" ${ARGN})
     add_library(${target} SHARED ${ARG_SOURCES})
@@ -89,7 +88,7 @@ function(zyn_add_shared_library target)
         INSTALL_RPATH "${ZYN_LIBRARY_RPATH}")
 endfunction()
 
-# The system's own prefix is searched anyway: what @p target has put into @p folder there carries no path of its own.
+# The system's own prefix is searched anyway: there, @p target in @p folder loses its library path.
 function(zyn_install_without_rpath target folder component)
     install(CODE "
 if(CMAKE_INSTALL_PREFIX MATCHES \"^/(usr/?)?$\")
@@ -99,7 +98,7 @@ if(CMAKE_INSTALL_PREFIX MATCHES \"^/(usr/?)?$\")
 endif()" COMPONENT ${component})
 endfunction()
 
-# A program of the handset or of the developer; installed into bin/ unless NO_INSTALL is given. MOC as above.
+# A program of the handset or a tool, installed into bin/ unless NO_INSTALL is given. MOC is as above.
 function(zyn_add_program target)
     cmake_parse_arguments(ARG "NO_INSTALL;MOC" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})

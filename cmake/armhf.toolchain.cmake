@@ -4,14 +4,14 @@ set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 set(CMAKE_C_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-gcc)
 set(CMAKE_CXX_COMPILER ${CMAKE_LIBRARY_ARCHITECTURE}-g++)
-set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # all of it is built by one compiler
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # one compiler builds everything
 
 get_filename_component(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/arm-sysroot ABSOLUTE)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/on-arm ${CMAKE_SYSROOT})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH) # ours may be installed anywhere
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH) # ZynPhone may be installed anywhere
 
 # moc runs on this machine.
 set(QT_HOST_PATH /usr)

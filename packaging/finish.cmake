@@ -1,5 +1,5 @@
-# Run by cpack when each component is in its folder: adds what only a package has, and makes the rest as a package must
-# be.
+# Run by cpack once each component is in its folder: adds the files that only packages have, and brings the rest into
+# the form that packages need.
 find_program(gzip gzip REQUIRED)
 find_program(strip strip REQUIRED)
 
@@ -15,14 +15,14 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
         string(REPLACE "=" ";" text ${text})
         list(POP_FRONT text source)
         file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/${source} ${text})
-        if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/${package}/${source}) # what only this package has to say
+        if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/${package}/${source}) # this package's own lines
             file(READ ${CMAKE_CURRENT_LIST_DIR}/${package}/${source} more)
             file(APPEND ${text} "${more}")
         endif()
         file(CHMOD ${text} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     endforeach()
 
-    # Compressed without a time: of the same files comes the same package.
+    # Compressed without timestamps, so that the same files give the same package.
     file(GLOB pages ${usr}/share/man/man*/*.[0-9])
     execute_process(COMMAND ${gzip} -9 -n ${doc}/changelog.Debian ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
 

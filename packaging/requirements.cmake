@@ -1,15 +1,15 @@
-# Read by cpack before all else: refuses what would make packages that are wrong.
+# Read by cpack first: refuses to make wrong packages.
 function(refuse line)
     message(NOTICE "ZynPhone: ${line}")
     message(FATAL_ERROR "No package was made.")
 endfunction()
 
-# Where the libraries go, and by which paths they are found, is settled when the build folder is configured.
+# Configuring the build folder settles where the libraries go and by which paths they are found.
 if(NOT CPACK_INSTALL_PREFIX STREQUAL "/usr")
     refuse("packages are made of a build for /usr, this one is for ${CPACK_INSTALL_PREFIX}: scripts/package")
 endif()
 
-# Without these, cpack would leave dependencies out without a word.
+# Without these, cpack would silently leave out dependencies.
 foreach(needed IN ITEMS "dpkg-shlibdeps dpkg-dev" "file file" "readelf binutils")
     separate_arguments(needed)
     list(POP_FRONT needed program)

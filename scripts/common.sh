@@ -1,5 +1,4 @@
-# What the scripts share: where the tree is, how what it needs gets installed, and how long what takes. Sourced, not
-# run.
+# What the scripts share: the top of the tree, installing packages, and timing steps. Sourced, not run.
 # shellcheck shell=bash
 
 set -euo pipefail
@@ -7,8 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 zyn_packages=(cmake ninja-build g++ qt6-base-dev)
 
-# A compiler cache is used when there is one. What is compiled ahead it takes only when told that no source asks for its
-# time.
+# Uses a compiler cache when there is one. It accepts precompiled headers only when told that no source uses __TIME__.
 if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
     export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
@@ -22,7 +20,8 @@ install_what_is_missing() {
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    command -v apt-get >/dev/null || { echo "Install ${missing[*]} first: there is no apt-get here to do it" >&2; exit 1; }
+    command -v apt-get >/dev/null ||
+        { echo "Install ${missing[*]} first: there is no apt-get here to do it" >&2; exit 1; }
     local as_root=(env DEBIAN_FRONTEND=noninteractive)
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || { echo "Install ${missing[*]} first: this needs root or sudo" >&2; exit 1; }
@@ -33,7 +32,7 @@ install_what_is_missing() {
     "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Runs a command, which is the step $1 of a script.
+# Runs a command as the step $1 of a script.
 timed() {
     local name=$1 start=$SECONDS status=0
     shift
@@ -42,7 +41,7 @@ timed() {
     return "$status"
 }
 
-# Every script says at its end how long its steps took, however it ends.
+# Every script reports how long its steps took, however it ends.
 zyn_steps=()
 tell_steps() {
     local row
@@ -54,7 +53,7 @@ tell_steps() {
 }
 trap tell_steps EXIT
 
-# Ends a script that takes no arguments when it gets some, with its own usage().
+# Answers any argument with the script's usage().
 take_no_arguments() {
     case "${1:-}" in
     '') ;;
@@ -63,12 +62,12 @@ take_no_arguments() {
     esac
 }
 
-# Makes what the Debian packages are made with one of the needed packages.
+# Adds what making the Debian packages takes.
 need_packaging() {
     zyn_packages+=(binutils dpkg-dev file)
 }
 
-# Configures and builds the tree with the preset $1; says what went wrong only when something did.
+# Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.
 build_preset() {
     configure_preset "$1" || return
     echo "Building ($1)"
