@@ -15,20 +15,20 @@ class ChannelListener;
 }
 
 /**
- * A listener on a channel: while it exists it is handed every message that any process of the user sends on it.
+ * A listener on a channel. While it exists, it gets every message that any process of the user sends on the channel.
  *
  * Channel and message names are compared byte for byte and end at their first NUL. The processes find each other in the
  * directory that ZYN_QCOP_PATH names, else in "zynqcop" under XDG_RUNTIME_DIR, else in "/tmp/zynqcop-" and the user's
- * number; it must belong to the user alone (mode 0700, no symbolic link), and is made when missing. A variable that is
- * set and not empty is binding: a relative path, or an XDG_RUNTIME_DIR that is missing or not the user's alone, is
- * refused, with no other place instead.
+ * number. It must belong to the user alone (mode 0700, no symbolic link), and is made when missing. When one of these
+ * variables is set and not empty, no other place is tried: a relative path, or an XDG_RUNTIME_DIR that is missing or
+ * not the user's alone, is refused.
  *
- * A listener whose socket or directory somebody removes makes them again, as soon as its event loop runs and there is a
- * place for them, and one that could not be set up is set up when it can be. Who has sent to it before reaches it
- * meanwhile, too.
+ * When somebody removes a listener's socket or directory, the listener makes it again as soon as its event loop runs
+ * and there is a place for it. Threads that have sent to it before still reach it meanwhile. A listener that could not
+ * be set up is set up as soon as that is possible.
  *
- * A child made by fork() without exec has its parent's listeners only as objects that receive nothing, writes none of
- * what its parent sent, and may send and listen itself.
+ * In a child made by fork() without exec, the parent's listeners receive nothing, and messages that the parent has not
+ * written yet are not sent. The child may send and listen itself.
  */
 class ZYN_EXPORT QCopChannel : public QObject
 {
@@ -49,15 +49,16 @@ public:
     /**
      * Sends a message without waiting for any listener, from any thread.
      *
-     * One thread's messages reach a listener in the order sent, those of its last objects' destructors too, and of
-     * static ones in the thread that ends the process. Each message is written at once; but within an event loop of
-     * Qt's GLib dispatcher, what follows the first 16 messages of a turn on a channel is written when the turn ends. A
-     * listener for which 16 MiB wait in this thread's memory misses what does not fit; it still gets, in order, what
-     * was accepted before.
+     * The messages of one thread reach a listener in the order in which they were sent. This includes messages from
+     * destructors of the thread's last objects and, in the thread that ends the process, of static objects. Each
+     * message is written at once, with one exception: in an event loop of Qt's GLib dispatcher, the messages that
+     * follow the first 16 of a turn on a channel are written when the turn ends. A listener for which 16 MiB wait in
+     * this thread's memory misses messages that do not fit; it still gets, in order, the messages accepted before.
      *
-     * What listeners have not read yet follows from the thread's event loop, or with its later messages on any channel.
-     * A thread that ends, and in exit() the thread that calls it, waits for them at most 2 seconds; what other threads
-     * still have pending at exit is lost, as everything is with _exit() or a signal.
+     * Messages that a listener has not read yet follow from the thread's event loop, or with the thread's later
+     * messages on any channel. A thread that ends, and the thread that calls exit(), wait for the listeners at most 2
+     * seconds. Messages that other threads have pending at exit are lost, as are all pending ones after _exit() or a
+     * signal.
      *
      * @param channel  the channel's name
      * @param message  the message's name

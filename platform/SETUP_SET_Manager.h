@@ -15,17 +15,16 @@
  * outer brackets. A value that begins with U+FEFF is a text that a line cannot hold otherwise: behind that `\n` and
  * `\r` stand for line breaks, `\uNNNN` for half a surrogate pair or U+FEFF, and `\\` for a backslash. Lines that begin
  * with `#` or `;`, and lines that are neither of the two forms or not UTF-8, are passed over when reading and kept when
- * writing. A group ends where the next begins, even one whose name is not UTF-8. Where a key stands twice in a group,
+ * writing. A group ends where the next begins, even one whose name is not UTF-8. When a key stands twice in a group,
  * the last one counts.
  *
- * Every get gives what the file holds at that moment: each thread keeps what it has read of a file only for as long as
- * the file is the same, which one look tells. A set is on disk when it returns. Sets of several processes are
- * arbitrated by a lock file beside the settings file, so that none loses another's; a set that does not get the lock
- * within 5 seconds fails. A file above 1 MiB is not read and not written. Settings stores are used from one thread at a
- * time.
+ * Every get returns what the file contains at that moment. Each thread keeps the contents that it has read, and checks
+ * with one system call whether the file is still the same. A set is on disk when it returns. A lock file beside the
+ * settings file keeps processes from losing each other's sets; a set that does not get the lock within 5 seconds fails.
+ * A file of more than 1 MiB is neither read nor written. An object is used from one thread at a time.
  *
- * Any text can be a value. Names that a line cannot hold are refused by set: a group or key with a line break or that
- * would not come back from UTF-8 as it was (half a surrogate pair, a leading byte order mark), an empty key, a key with
+ * Any text can be a value. A set refuses names that a line cannot hold: a group or key with a line break, or with
+ * characters that UTF-8 would not restore (half a surrogate pair, a leading byte order mark); an empty key; a key with
  * `=` or outer blanks, or one that begins with `[`, `#` or `;`.
  */
 class ZYN_EXPORT SETUP_SET_Manager
@@ -42,8 +41,8 @@ public:
 
     /// @{
     /// Sets @p value to the stored value of @p key in @p group, or to @p defaultValue when the file, the group or the
-    /// key is missing or the stored text is no value of that type: a number is a whole decimal number within the type's
-    /// range, a bool is 0, 1, true or false, both with any blanks around.
+    /// key is missing or the stored text is not a value of that type: a number is a whole decimal number within the
+    /// type's range, a bool is 0, 1, true or false, both with any blanks around.
     /// @return whether the stored value was used. The bool behind a text's default has no effect.
     bool getSettingInfo(QString group, QString key, int& value, int defaultValue);
     bool getSettingInfo(QString group, QString key, unsigned int& value, unsigned int defaultValue);

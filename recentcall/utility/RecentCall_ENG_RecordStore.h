@@ -17,7 +17,8 @@
  * a line end, to standard output.
  *
  * What the store knows of the files - the slots in use and the largest uid - comes from readDataList() alone: a process
- * that adds records must read the three lists first, or it overwrites calls. One process at a time adds and removes.
+ * that adds records must read the three lists first, or it overwrites calls. Only one process at a time may add and
+ * remove records.
  *
  * To be used from one thread. Failures are results; nothing is retried.
  */
@@ -29,8 +30,9 @@ public:
     /// Ends the process's store, if there is one, for all its users. The uid counter goes on.
     static void destroy();
 
-    /// Knows no slot in use. Replaces each of the three files that is missing or invalid (any size but 11 408 bytes, or
-    /// a wrong header) by a fresh one; the calls of an invalid file are lost. What cannot be written is left.
+    /// Knows of no slot in use yet. Replaces each of the three files that is missing or invalid (any size but 11 408
+    /// bytes, or a wrong header) by a fresh one; the calls of an invalid file are lost. A file that cannot be written
+    /// is left.
     RecentCall_ENG_RecordStore();
     RecentCall_ENG_RecordStore(const RecentCall_ENG_RecordStore&) = delete;
     RecentCall_ENG_RecordStore& operator=(const RecentCall_ENG_RecordStore&) = delete;
