@@ -9,6 +9,7 @@ namespace zyn {
 namespace {
 
 constexpr int kMarksPerWord = std::numeric_limits<uint64_t>::digits;
+constexpr uint64_t kAllUsed = std::numeric_limits<uint64_t>::max();
 
 } // namespace
 
@@ -50,7 +51,7 @@ int TopPalsSlots::getAvailableTopPalsAvlPos(Trace& trace, int favourite, int slo
         return -1;
     getTp5AvlRecordPos(trace, favourite, 0, slots);
     const Marks& used = m_used.at(static_cast<size_t>(favourite));
-    const auto word = std::ranges::find_if(used, [](uint64_t marks) { return ~marks != 0; });
+    const auto word = std::ranges::find_if(used, [](uint64_t marks) { return marks != kAllUsed; });
     const auto firstFree =
         static_cast<int>(word - used.begin()) * kMarksPerWord + (word == used.end() ? 0 : std::countr_one(*word));
     const int pos = firstFree < slots ? firstFree : -1;
