@@ -38,6 +38,8 @@ constexpr const char* kClients[] = {"none",
                                     "PHONE_VoiceCallReceiver",
                                     "RecentCall_MsgClient"};
 constexpr int kStarts = 21;
+/// In seconds: by then no program does anything any more that it does after its start.
+constexpr unsigned kSettling = 4;
 
 /// The sum of what stands behind the names that @p form matches, in a file of the process.
 qint64 sum(const QString& path, const QString& form)
@@ -127,7 +129,7 @@ QString measurePower(int seconds)
         client.line();
         all.push_back({u"an application, client: %1"_s.arg(QLatin1String(name)), client.id()});
     }
-    ::sleep(1);
+    ::sleep(kSettling);
     for (Idle& idle : all)
         idle.before = wakeUps(idle.process);
     std::fprintf(stderr, "bench: watches idle processes for %d seconds\n", seconds);
