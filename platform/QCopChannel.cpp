@@ -4,6 +4,7 @@
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "platform/qcop/ChannelListener_p.h"
+#include "platform/qcop/ChannelOrigin_p.h"
 #include "platform/qcop/ChannelSender_p.h"
 
 namespace {
@@ -50,6 +51,11 @@ bool QCopChannel::send(const QCString& channel, const QCString& message)
 QList<QCString> QCopChannel::channels()
 {
     return zyn::ChannelDirectory::channels(zyn::ChannelEnvironment::current().root());
+}
+
+zyn::ChannelOrigin zyn::ChannelOrigin::of(const QCopChannel& channel)
+{
+    return channel.m_listener->origin();
 }
 
 void QCopChannel::receive(const QCString& message, const QByteArray& data)

@@ -12,7 +12,8 @@
 
 namespace zyn {
 class ChannelListener;
-}
+struct ChannelOrigin;
+} // namespace zyn
 
 /**
  * A listener on a channel. While it exists, it gets every message that any process of the user sends on the channel.
@@ -83,6 +84,8 @@ Q_SIGNALS:
     void received(const QCString& message, const QByteArray& data);
 
 private:
+    friend struct zyn::ChannelOrigin;
+
     QCString m_channel;
     std::unique_ptr<zyn::ChannelListener> m_listener;
 };

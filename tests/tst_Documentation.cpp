@@ -120,7 +120,11 @@ QMap<QString, QStringList> filesAndFrames()
         {u"Emergency list"_s, {u"42 × N"_s, u"42 × i | 42 | number"_s}},
         {u"Command frame"_s, {u"8 + length"_s, u"0 | 4 | code"_s, u"4 | 4 | length"_s, u"8 | length | data"_s}},
         {u"Channel frame"_s,
-         {u"8 + N + P"_s, u"0 | 4 | N"_s, u"4 | 4 | P"_s, u"8 | N | name"_s, u"8 + N | P | payload"_s}},
+         {u"16 + N + P"_s, u"0 | 4 | N"_s, u"4 | 4 | P"_s, u"8 | 8 | sentAt"_s, u"16 | N | name"_s,
+          u"16 + N | P | payload"_s}},
+        {u"Introduction"_s,
+         {u"16 + P"_s, u"0 | 4 | N"_s, u"4 | 4 | P"_s, u"8 | 8 | sentAt"_s, u"16 | 8 | process"_s,
+          u"24 | P - 8 | program"_s}},
         {list, layoutOf(list).first(2) + entries.mid(1)},
     };
 }

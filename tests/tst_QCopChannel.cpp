@@ -1,6 +1,7 @@
 // The message channels: who gets which message, in which order, and what other processes can do about it.
 #include "platform/QCopChannel.h"
 #include "platform/posix/UnixSocket_p.h"
+#include "platform/qcop/ChannelFrame_p.h"
 #include "tests/support/Descriptors.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/Timeout.h"
@@ -15,6 +16,7 @@
 #include <QtTest/QTest>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -59,9 +61,22 @@ public:
     {
         names.append(message);
         last = data;
+        origins += originText();
         const QList<QByteArray> parts = data.split(':');
         isInOrder = isInOrder && (parts.size() < 3 || parts[1].toInt() == counts[parts[0]]++);
         QCopChannel::receive(message, data);
+    }
+
+    QString originText() const
+    {
+        const auto [process, program, sentAt] = zyn::ChannelOrigin::of(*this);
+        const auto now =
+            static_cast<quint64>(std::chrono::nanoseconds(zyn::posix::Clock::now().time_since_epoch()).count());
+        const QString when = sentAt > now                     ? u"later"_s
+                             : now - sentAt < 60'000'000'000U ? u"now"_s
+                                                              : QString::number(sentAt);
+        const QString who = process == QCoreApplication::applicationPid() ? u"self"_s : QString::number(process);
+        return who + u':' + scenario::textOf(program) + u':' + when;
     }
 
     /// How many each sender has sent.
@@ -73,7 +88,8 @@ public:
         return all;
     }
 
-    QStringList texts; ///< the messages with their payloads
+    QStringList texts;   ///< the messages with their payloads
+    QStringList origins; ///< and who has sent them when
     QList<QCString> names;
     QByteArray last;
     std::map<QByteArray, int> counts;
@@ -101,11 +117,24 @@ auto limitDescriptors(int count)
     return qScopeGuard([usual] { ::setrlimit(RLIMIT_NOFILE, &usual); });
 }
 
-/// What has come over a connection that is only a socket.
-QByteArray receiveBare(const UniqueFd& connection)
+/// The messages that have come over a connection that is only a socket: name and payload in one.
+QByteArrayList receiveBare(const UniqueFd& connection, zyn::ChannelFrameReader& reader)
 {
-    QByteArray bytes(100, '\0');
-    return bytes.first(std::max<qsizetype>(::recv(connection.get(), bytes.data(), 100, MSG_DONTWAIT), 0));
+    reader.add(std::max<ssize_t>(zyn::posix::receiveSome(connection.get(), reader.room()), 0));
+    QByteArrayList messages;
+    QByteArray name;
+    QByteArray data;
+    while (reader.next(name, data))
+        messages.append(name + data);
+    return messages;
+}
+
+/// A sender's frame, bit by bit: sent at @p sentAt, with a name or without.
+QByteArray bareFrame(const QByteArray& name, const QByteArray& data, quint64 sentAt)
+{
+    const zyn::ChannelFrameHeader header = {quint32_le(quint32(name.size())), quint32_le(quint32(data.size())),
+                                            quint64_le(sentAt)};
+    return QByteArray(reinterpret_cast<const char*>(&header), sizeof header) + name + data;
 }
 
 void sendBytewise(int socket, const QByteArray& bytes)
@@ -263,6 +292,7 @@ private Q_SLOTS:
         m_inboxes.clear();
         m_processes.clear();
         m_sockets.clear();
+        m_readers.clear();
         QCOMPARE(sockets(), QStringList());
         setVariable("XDG_RUNTIME_DIR", m_runtimeDirectory);
         // A sender lets go of the old connections when it sends in another place.
@@ -282,7 +312,10 @@ private Q_SLOTS:
         const auto socket = [this](const QString& name) { return m_sockets.at(name).get(); };
         scenario::Verbs verbs = {
             {u"accept"_s,
-             [&](Words w) { return (m_sockets[w[0]] = zyn::posix::acceptConnection(socket(w[1]))).isValid(); }},
+             [&](Words w) {
+                 m_readers.try_emplace(w[0], 0);
+                 return (m_sockets[w[0]] = zyn::posix::acceptConnection(socket(w[1]))).isValid();
+             }},
             {u"bare"_s, [&](Words w) { m_sockets[w[0]] = listenBare(); }},
             {u"channels"_s, [] { return QString::fromLatin1(QCopChannel::channels().join(' ')); }},
             {u"close"_s, [&](Words w) { m_inboxes.erase(w[0]); }},
@@ -302,11 +335,21 @@ private Q_SLOTS:
             {u"listen"_s, [&](Words w) { return listen(w[0], bytes(w[1])); }},
             {u"hear"_s, [&](Words w) { return ::listen(socket(w[0]), w[1].toInt()) == 0; }},
             {u"put"_s, [&](Words w) { sendBytewise(socket(w[0]), bytes(w[1])); }},
+            {u"introduce"_s, // SOCKET PROCESS PROGRAM
+             [&](Words w) {
+                 const quint64_le number(w[1].toULongLong());
+                 const auto data = QByteArray(reinterpret_cast<const char*>(&number), sizeof number) + bytes(w[2]);
+                 sendBytewise(socket(w[0]), bareFrame({}, data, 0));
+             }},
+            {u"say"_s, // SOCKET NAME TIME
+             [&](Words w) { sendBytewise(socket(w[0]), bareFrame(bytes(w[1]), {}, w[2].toULongLong())); }},
+            {u"heardFrom"_s, [&](Words w) { return inbox(w).origins.join(u' '); }},
             {u"send"_s, [](Words w) { return QCopChannel::send(bytes(w[0]), bytes(w[1]), bytes(w.value(2))); }},
             {u"set"_s, [&](Words w) { setVariable(w[0].toLatin1(), w.value(1)); }},
             {u"sh"_s, [&](Words w) { return scenario::shell(folder, w); }},
             {u"start"_s, [&](Words w) { return role::waitReady(*(m_processes[w[0]] = role::start(w[1], w.mid(2)))); }},
-            {u"takes"_s, [&](Words w) { return scenario::textOf(receiveBare(m_sockets.at(w[0]))); }},
+            {u"takes"_s,
+             [&](Words w) { return scenario::textOf(receiveBare(m_sockets.at(w[0]), m_readers.at(w[0])).join(' ')); }},
             {u"young"_s, [&](Words w) { m_sockets[w[0]] = bindElsewhere(); }},
         };
         verbs.emplace(u"turn"_s, [&](Words w) {
@@ -364,22 +407,22 @@ private Q_SLOTS:
     {
         const auto listener = listenBare();
         UniqueFd sender;
-        QByteArrayList early;
+        zyn::ChannelFrameReader reader(0);
+        QList<QByteArrayList> early;
         inOneTurn([&] {
             for (int i = 0; i < 20; ++i) {
                 QVERIFY(QCopChannel::send(kChannel, "n", QByteArray(1, char('a' + i))));
                 if (i == 0)
                     sender = zyn::posix::acceptConnection(listener.get());
-                early.append(receiveBare(sender));
+                early.append(receiveBare(sender, reader));
             }
         });
         // The other dispatchers do not tell the end of a loop's last turn.
         const bool isGathered = QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
-        for (int i = 0; i < 20; ++i) {
-            const QByteArray frame("\1\0\0\0\1\0\0\0n", 9);
-            QCOMPARE(early[i], isGathered && i >= 16 ? QByteArray() : frame + char('a' + i));
-        }
-        QCOMPARE(receiveBare(sender).size(), isGathered ? 4 * 10 : 0);
+        for (int i = 0; i < 20; ++i)
+            QCOMPARE(early[i],
+                     isGathered && i >= 16 ? QByteArrayList() : QByteArrayList{'n' + QByteArray(1, char('a' + i))});
+        QCOMPARE(receiveBare(sender, reader).size(), isGathered ? 4 : 0);
         ::unlink(socketPath("bare").constData());
     }
 
@@ -398,7 +441,7 @@ private Q_SLOTS:
                 n = ::recv(sender.get(), bytes.data(), size_t(bytes.size()), MSG_DONTWAIT);
             QVERIFY(QCopChannel::send("other", "n"));
         }
-        QCOMPARE(received, sent * (block.size() + 9));
+        QCOMPARE(received, zyn::introductionFrame().size() + sent * bareFrame("n", block, 0).size());
         ::unlink(socketPath("bare").constData());
     }
 
@@ -595,6 +638,7 @@ private:
     std::map<QString, std::unique_ptr<Inbox>> m_inboxes;
     std::map<QString, std::unique_ptr<QProcess>> m_processes;
     std::map<QString, UniqueFd> m_sockets;
+    std::map<QString, zyn::ChannelFrameReader> m_readers; ///< of what comes over those accepted
 };
 
 int main(int argc, char** argv)

@@ -166,10 +166,15 @@ std::optional<ucred> peerOf(int fd)
     return peer;
 }
 
-bool isPeerTrusted(int fd)
+std::optional<ucred> trustedPeerOf(int fd)
 {
     const std::optional<ucred> peer = peerOf(fd);
-    return peer && isTrustedUser(peer->uid);
+    return peer && isTrustedUser(peer->uid) ? peer : std::nullopt;
+}
+
+bool isPeerTrusted(int fd)
+{
+    return trustedPeerOf(fd).has_value();
 }
 
 bool waitUntilReadable(int fd, Clock::time_point deadline)

@@ -77,7 +77,9 @@ UniqueFd acceptConnection(int listener);
 /// The process at the other end of a connection; nothing when the kernel does not know.
 std::optional<ucred> peerOf(int fd);
 
-/// Whether the process at the other end runs as this process's user or as root.
+/// The process at the other end if it runs as this process's user or as root.
+std::optional<ucred> trustedPeerOf(int fd);
+/// Whether there is such a process.
 bool isPeerTrusted(int fd);
 
 /// @{ Waits until @p fd can be read from, can be written to, or is closed by its peer, which ends the first two as

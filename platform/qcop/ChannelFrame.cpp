@@ -3,9 +3,12 @@
 
 #include "platform/posix/UnixSocket_p.h"
 
-#include <QtCore/QtEndian>
-
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+
+#include <unistd.h>
 
 namespace zyn {
 namespace {
@@ -20,20 +23,54 @@ std::span<const std::byte> bytes(QByteArrayView view)
     return std::as_bytes(std::span(view.data(), static_cast<size_t>(view.size())));
 }
 
+/// A sender's process and, behind it, its program's name.
+using ProcessField = quint64_le;
+
+/// Nanoseconds of CLOCK_MONOTONIC, which all processes of the machine share.
+uint64_t now()
+{
+    using std::chrono::nanoseconds;
+    return static_cast<uint64_t>(nanoseconds(posix::Clock::now().time_since_epoch()).count());
+}
+
+bool isGraphic(char c)
+{
+    return c > ' ' && c < 0x7F;
+}
+
 /// Whether the lengths add up to a message that may be sent. Their sum cannot overflow: each is 32 bits wide.
 bool isMessageSize(uint64_t nameSize, uint64_t dataSize)
 {
     return nameSize > 0 && nameSize + dataSize <= uint64_t{kMessageLimit};
 }
 
+bool isIntroductionSize(uint32_t nameSize, uint32_t dataSize)
+{
+    return nameSize == 0 && dataSize >= sizeof(ProcessField) && dataSize <= sizeof(ProcessField) + kProgramLimit;
+}
+
 } // namespace
+
+QByteArray introductionFrame()
+{
+    QByteArray program = QByteArray(::program_invocation_short_name)
+                             .first(std::min(qsizetype(std::strlen(::program_invocation_short_name)), kProgramLimit));
+    std::ranges::replace_if(
+        program, [](char c) { return !isGraphic(c); }, '?');
+    const ProcessField process(static_cast<quint64>(::getpid()));
+    const auto size = static_cast<uint32_t>(sizeof process + static_cast<size_t>(program.size()));
+    const ChannelFrameHeader header{quint32_le(0), quint32_le(size), quint64_le(now())};
+    return QByteArray(reinterpret_cast<const char*>(&header), sizeof header)
+           + QByteArray(reinterpret_cast<const char*>(&process), sizeof process) + program;
+}
 
 ChannelFrame::ChannelFrame(QByteArrayView name, QByteArrayView data)
     : m_name(name)
     , m_data(data)
 {
-    qToLittleEndian(static_cast<uint32_t>(name.size()), m_bytes.data());
-    qToLittleEndian(static_cast<uint32_t>(data.size()), m_bytes.data() + sizeof(uint32_t));
+    const ChannelFrameHeader header{quint32_le(static_cast<uint32_t>(name.size())),
+                                    quint32_le(static_cast<uint32_t>(data.size())), quint64_le(now())};
+    std::memcpy(m_bytes.data(), &header, sizeof header);
     if (isWhole())
         std::copy(data.begin(), data.end(), std::copy(name.begin(), name.end(), m_bytes.begin() + kHeaderSize));
 }
@@ -84,16 +121,23 @@ bool ChannelFrameReader::next(QByteArray& name, QByteArray& data)
         discardRead();
         return false;
     }
-    const auto nameLength = qFromLittleEndian<uint32_t>(rest.data());
-    const auto dataLength = qFromLittleEndian<uint32_t>(rest.data() + sizeof(uint32_t));
-    m_isBroken = !isMessageSize(nameLength, dataLength);
+    ChannelFrameHeader header;
+    std::memcpy(&header, rest.data(), sizeof header);
+    m_isBroken = m_isIntroduced ? !isMessageSize(header.nameSize, header.dataSize)
+                                : !isIntroductionSize(header.nameSize, header.dataSize);
     // A message's are far within a qsizetype of 32 bits too; others are not used.
-    const auto nameSize = static_cast<qsizetype>(nameLength);
-    const auto dataSize = static_cast<qsizetype>(dataLength);
+    const auto nameSize = static_cast<qsizetype>(header.nameSize);
+    const auto dataSize = static_cast<qsizetype>(header.dataSize);
     const QByteArrayView body = rest.sliced(ChannelFrame::kHeaderSize);
     if (m_isBroken || body.size() < nameSize + dataSize) {
         discardRead();
         return false;
+    }
+    if (!m_isIntroduced) {
+        m_offset += ChannelFrame::kHeaderSize + dataSize;
+        m_isIntroduced = introduce(body.first(dataSize));
+        m_isBroken = !m_isIntroduced;
+        return next(name, data);
     }
     if (const QByteArrayView newName = body.first(nameSize); m_lastName != newName) {
         m_isBroken = newName.contains('\0');
@@ -101,8 +145,22 @@ bool ChannelFrameReader::next(QByteArray& name, QByteArray& data)
     }
     name = m_lastName;
     data = body.sliced(nameSize, dataSize).toByteArray();
+    m_origin.sentAt = std::min<uint64_t>(header.sentAt, now());
     m_offset += ChannelFrame::kHeaderSize + nameSize + dataSize;
     return !m_isBroken;
+}
+
+/// Takes over what a sender tells of itself; false when that is nothing that a sender tells.
+bool ChannelFrameReader::introduce(QByteArrayView introduction)
+{
+    ProcessField process;
+    std::memcpy(&process, introduction.data(), sizeof process);
+    const QByteArrayView program = introduction.sliced(sizeof process);
+    // Across PID namespaces the kernel cannot tell.
+    if (m_origin.process == 0)
+        m_origin.process = static_cast<int64_t>(process);
+    m_origin.program = program.toByteArray();
+    return m_origin.process > 0 && std::ranges::all_of(program, &isGraphic);
 }
 
 void ChannelFrameReader::discardRead()

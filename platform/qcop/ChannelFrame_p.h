@@ -1,15 +1,28 @@
 // The frame in which a message travels to one listener.
 //
 //     byte 0          length N of the message's name, 1 or more, 32 bits, least significant byte first
-//     byte 4          length P of the payload, 32 bits, least significant byte first
-//     byte 8          the name, N bytes, none of them 0
-//     byte 8 + N      the payload, P bytes
+//     byte 4          length P of the payload, 32 bits
+//     byte 8          when it was sent, in nanoseconds of CLOCK_MONOTONIC, 64 bits
+//     byte 16         the name, N bytes, none of them 0
+//     byte 16 + N     the payload, P bytes
 //
-// N + P is at most 16 MiB. Frames follow each other without anything between them; the listener answers nothing. The
-// channel is not named: each listener has a socket of its own, in the channel's directory.
+// N + P is at most 16 MiB. Before its first message a sender introduces itself on each connection, in a frame without a
+// name:
+//
+//     byte 0          0, 32 bits
+//     byte 4          length P of what follows the time, from 8 to 72, 32 bits
+//     byte 8          when the sender connected, as above
+//     byte 16         the sender's process, 64 bits
+//     byte 24         the name of its program, P - 8 bytes of graphic ASCII
+//
+// Frames follow each other without anything between them; the listener answers nothing. The channel is not named: each
+// listener has a socket of its own, in the channel's directory.
 #pragma once
 
+#include "platform/qcop/ChannelOrigin_p.h"
+
 #include <QtCore/QByteArray>
+#include <QtCore/QtEndian>
 
 #include <array>
 #include <cstddef>
@@ -23,11 +36,27 @@ namespace zyn {
 /// The most bytes that a message's name and payload have together.
 inline constexpr qsizetype kMessageLimit = qsizetype{16} * 1024 * 1024;
 
-/// A message on its way out. It refers to the name and the payload, which must outlive it.
+/// The first bytes of a frame. Numbers are stored least significant byte first.
+struct ChannelFrameHeader
+{
+    quint32_le nameSize;
+    quint32_le dataSize;
+    quint64_le sentAt;
+};
+static_assert(sizeof(ChannelFrameHeader) == 16);
+static_assert(offsetof(ChannelFrameHeader, dataSize) == 4 && offsetof(ChannelFrameHeader, sentAt) == 8);
+
+/// The longest name of a program that a sender tells.
+inline constexpr qsizetype kProgramLimit = 64;
+
+/// What a sender writes on a connection before its first message: which program of which process it is.
+QByteArray introductionFrame();
+
+/// A message on its way out, sent when this is made. It refers to the name and the payload, which must outlive it.
 class ChannelFrame
 {
 public:
-    static constexpr qsizetype kHeaderSize = 2 * sizeof(uint32_t);
+    static constexpr qsizetype kHeaderSize = sizeof(ChannelFrameHeader);
 
     ChannelFrame(QByteArrayView name, QByteArrayView data);
 
@@ -58,24 +87,35 @@ private:
 class ChannelFrameReader
 {
 public:
+    /// Reads what @p process sends, its number as the kernel knows it; 0 when the kernel does not, and the sender's own
+    /// word counts.
+    explicit ChannelFrameReader(int64_t process)
+        : m_origin{process, {}, 0}
+    {}
+
     /// Room for the connection's next bytes; call add() with the number of bytes put there.
     std::span<std::byte> room();
     void add(qsizetype size);
 
     /// Removes the next message; false when none is complete.
     bool next(QByteArray& name, QByteArray& data);
+    /// Who has sent the message last removed, and when.
+    const ChannelOrigin& origin() const { return m_origin; }
     /// Whether bytes are left, of a message that is complete or not.
     bool hasMore() const { return m_offset < m_filled; }
     /// Whether the bytes are not a valid frame. No message follows then.
     bool isBroken() const { return m_isBroken; }
 
 private:
+    bool introduce(QByteArrayView introduction);
     void discardRead();
 
     QByteArray m_buffer;
     qsizetype m_offset = 0; ///< what has been read of the buffer
     qsizetype m_filled = 0; ///< what has been added; the rest is room
     QByteArray m_lastName;  ///< shared by messages of the same name in a row
+    ChannelOrigin m_origin;
+    bool m_isIntroduced = false;
     bool m_isBroken = false;
 };
 

@@ -26,16 +26,43 @@ constexpr int kAttempts = 8;
 constexpr std::chrono::milliseconds kFirstPause{10};
 constexpr std::chrono::milliseconds kLastPause{1000};
 
+/// Says whose message a listener receives, for as long as it does. In a nested loop another may come meanwhile; either
+/// may destroy the listener.
+class OriginScope
+{
+public:
+    OriginScope(ChannelListener& listener, const ChannelOrigin& origin)
+        : m_listener(&listener)
+        , m_origin(origin)
+        , m_outer(listener.exchangeOrigin(&m_origin))
+    {}
+    OriginScope(const OriginScope&) = delete;
+    OriginScope& operator=(const OriginScope&) = delete;
+    ~OriginScope()
+    {
+        if (m_listener)
+            m_listener->exchangeOrigin(m_outer);
+    }
+
+private:
+    const QPointer<ChannelListener> m_listener;
+    const ChannelOrigin m_origin;
+    const ChannelOrigin* const m_outer;
+};
+
 /// One sender's connection. Hands its messages on in the order sent, and ends itself with the connection, or when what
 /// comes is no message.
 class ChannelConnection : public QObject
 {
 public:
-    ChannelConnection(posix::ForkLocalFd fd, const ChannelListener::Receive& receive, QObject* parent)
-        : QObject(parent)
+    ChannelConnection(posix::ForkLocalFd fd, pid_t process, const ChannelListener::Receive& receive,
+                      ChannelListener& listener)
+        : QObject(&listener)
         , m_fd(std::move(fd))
         , m_notifier(m_fd.get(), QSocketNotifier::Read, this)
         , m_receive(receive)
+        , m_listener(listener)
+        , m_reader(process)
     {
         connect(&m_notifier, &QSocketNotifier::activated, this, &ChannelConnection::read);
     }
@@ -49,6 +76,7 @@ private:
     posix::ForkLocalFd m_fd;
     QSocketNotifier m_notifier;
     const ChannelListener::Receive& m_receive;
+    ChannelListener& m_listener;
     ChannelFrameReader m_reader;
     bool m_hasEnded = false;
     bool m_isDeliveryPosted = false;
@@ -74,6 +102,7 @@ void ChannelConnection::deliver()
     while (m_fd.isOwn() && m_reader.next(name, data)) {
         if (m_reader.hasMore())
             deliverInNestedLoop();
+        const OriginScope scope(m_listener, m_reader.origin());
         m_receive(name, data);
         if (!self)
             return; // the receiver has destroyed the listener
@@ -337,8 +366,8 @@ bool ChannelListener::acceptNext(Entrance& entrance)
     posix::ForkLocalFd connection([&] { return posix::acceptConnection(entrance.socket.get()); });
     if (!connection.isValid())
         return false;
-    if (posix::isPeerTrusted(connection.get()))
-        new ChannelConnection(std::move(connection), m_receive, this);
+    if (const std::optional<ucred> peer = posix::trustedPeerOf(connection.get()))
+        new ChannelConnection(std::move(connection), peer->pid, m_receive, *this);
     return true;
 }
 

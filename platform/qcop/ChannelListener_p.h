@@ -6,12 +6,14 @@
 #include "platform/posix/ForkLocalFd_p.h"
 #include "platform/posix/SharedCounter_p.h"
 #include "platform/qcop/ChannelDirectory_p.h"
+#include "platform/qcop/ChannelOrigin_p.h"
 
 #include <QtCore/QObject>
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zyn {
 
@@ -40,6 +42,11 @@ public:
     /// Whether senders find it now.
     bool isListening() const;
 
+    /// Who has sent the message that is being received; unknown when none is.
+    ChannelOrigin origin() const { return m_origin ? *m_origin : ChannelOrigin(); }
+    /// Makes @p origin, which may be null and stays the caller's, that of the message being received; the one before.
+    const ChannelOrigin* exchangeOrigin(const ChannelOrigin* origin) { return std::exchange(m_origin, origin); }
+
     /// Registers again when senders do not find it any more; whether they do now, and a change would be noticed.
     bool restore();
     void forgetWatch();
@@ -62,7 +69,8 @@ private:
     const QByteArray m_channel;
     const QByteArray m_name;
     const Receive m_receive;
-    std::optional<posix::FileId> m_file; ///< the socket's
+    const ChannelOrigin* m_origin = nullptr; ///< of the message that is being received
+    std::optional<posix::FileId> m_file;     ///< the socket's
     std::optional<posix::SharedCounter> m_announced;
     std::unique_ptr<Entrance> m_entrance;
     std::unique_ptr<Entrance> m_oldEntrance; ///< for senders that have found it before its name was removed

@@ -84,6 +84,8 @@ ChannelPeer::Link ChannelPeer::connect(const ChannelDirectory& directory)
     if (m_fd->isValid() && posix::isPeerTrusted(fd())) {
         ++m_all.count;
         m_goneSince.reset();
+        m_queue.prepend(introductionFrame());
+        notePending();
         return Link::Open;
     }
     m_fd.reset();
