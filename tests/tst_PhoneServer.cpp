@@ -1,5 +1,7 @@
 // The phone server, run as the process that it is beside a real recent-call service.
 #include "handset/phone_server/Call.h"
+#include "handset/phone_server/PhoneControl.h"
+#include "platform/Socket_Command.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
 #include "recentcall/utility/RC_Interface.h"
@@ -52,11 +54,26 @@ QString replies(const UniqueFd& fd, int count)
     return texts.join(u' ');
 }
 
-/// What a call does at each of @p events: Proceed, Answer, Hang up, Miss.
+/// The next @p count answers of the control socket: code, and data but for the time.
+QString answers(const UniqueFd& fd, int count)
+{
+    QStringList texts;
+    while (texts.size() < count) {
+        const std::unique_ptr<UTIL_CommandBody> answer(Socket_ReadCommand(fd.get()));
+        const std::span<std::byte> data = answer ? zyn::commandData(*answer) : std::span<std::byte>();
+        const QString text = QString::fromUtf8(QByteArrayView(data.data(), std::ssize(data)));
+        static const QRegularExpression time(u",\"since\":\"[^\"]*\""_s);
+        texts += QString::number(answer ? answer->commandId : -1) + QString(text).remove(time);
+    }
+    return texts.join(u' ');
+}
+
+/// What a call does at each of @p events: Proceed, Answer, Hang up, Miss, Fail.
 QString courseOf(CallStateMachine machine, const QString& events)
 {
     using enum CallEvent;
-    const std::map<QChar, CallEvent> names = {{u'P', Proceed}, {u'A', Answer}, {u'H', HangUp}, {u'M', Miss}};
+    const std::map<QChar, CallEvent> names = {
+        {u'P', Proceed}, {u'A', Answer}, {u'H', HangUp}, {u'M', Miss}, {u'F', Fail}};
     QString text;
     for (const QChar event : events)
         text += machine.apply(names.at(event)) ? QLatin1String(nameOf(machine.state())) + u' ' : u"- "_s;
@@ -226,7 +243,8 @@ private Q_SLOTS:
         m_recentCalls.tell(SIGCONT);
         for (ServiceProcess* process : {&m_server, &m_recentCalls})
             QVERIFY(!process->isRunning() || process->stop() == 0);
-        QVERIFY(!QFile::exists(socketPath()) && !QFile::exists(socketPath() + u".lock"_s));
+        for (const QString& path : {socketPath(), zyn::phonecontrol::socketPath()})
+            QVERIFY(!QFile::exists(path) && !QFile::exists(path + u".lock"_s));
     }
 
     void carriesCalls_data() { scenario::addRows(QFINDTESTDATA("data/phone_server.txt")); }
@@ -365,6 +383,8 @@ scenario::Verbs tst_PhoneServer::verbs()
         {u"clear"_s, [] { return clearDirectory(); }},
         // Clients of its socket.
         {u"connect"_s, [this](Words w) { m_clients[w[0]] = connectAndSend(socketPath(), {}); }},
+        {u"control"_s, [this](Words w) { m_clients[w[0]] = connectAndSend(zyn::phonecontrol::socketPath(), {}); }},
+        {u"answers"_s, [this](Words w) { return answers(m_clients.at(w[0]), w[1].toInt()); }},
         {u"sim"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_REGISTER, words({SimToolkit})); }},
         {u"java"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_REGISTER, words({Java})); }},
         {u"sim-call"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_MAKE_CALL, simCall(w[1].toLatin1())); }},

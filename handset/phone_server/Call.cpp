@@ -17,11 +17,12 @@ struct Transition
 };
 
 constexpr Transition kTransitions[] = {
-    {Dialing, CallEvent::Proceed, Alerting},   {Dialing, CallEvent::HangUp, Ended},
-    {Alerting, CallEvent::Proceed, Connected}, {Alerting, CallEvent::Answer, Connected},
-    {Alerting, CallEvent::HangUp, Ended},      {Ringing, CallEvent::Answer, Connected},
-    {Ringing, CallEvent::HangUp, Ended},       {Ringing, CallEvent::Miss, Missed},
-    {Connected, CallEvent::Proceed, Ended},    {Connected, CallEvent::HangUp, Ended},
+    {Dialing, CallEvent::Proceed, Alerting},  {Dialing, CallEvent::HangUp, Ended},
+    {Dialing, CallEvent::Fail, Failed},       {Alerting, CallEvent::Proceed, Connected},
+    {Alerting, CallEvent::Answer, Connected}, {Alerting, CallEvent::HangUp, Ended},
+    {Alerting, CallEvent::Fail, Failed},      {Ringing, CallEvent::Answer, Connected},
+    {Ringing, CallEvent::HangUp, Ended},      {Ringing, CallEvent::Miss, Missed},
+    {Connected, CallEvent::Proceed, Ended},   {Connected, CallEvent::HangUp, Ended},
 };
 
 } // namespace
@@ -47,8 +48,8 @@ RC_CALL_CATEGORY_T CallStateMachine::category() const
 
 const char* nameOf(CallState state)
 {
-    constexpr const char* kNames[] = {"dialing", "alerting", "ringing", "connected", "ended", "missed"};
-    static_assert(std::size(kNames) == static_cast<size_t>(Missed) + 1);
+    constexpr const char* kNames[] = {"dialing", "alerting", "ringing", "connected", "ended", "missed", "failed"};
+    static_assert(std::size(kNames) == static_cast<size_t>(Failed) + 1);
     return kNames[static_cast<size_t>(state)];
 }
 
@@ -65,12 +66,14 @@ Call::Call(CallStateMachine machine, Party party, RC_CALL_TYPE_T type)
     , m_party(std::move(party))
     , m_type(type)
     , m_start(QDateTime::currentDateTime())
+    , m_since(m_start)
 {}
 
 bool Call::apply(CallEvent event)
 {
     if (!m_machine.apply(event))
         return false;
+    m_since = QDateTime::currentDateTime();
     if (m_machine.state() == CallState::Connected)
         m_talk.start();
     else if (m_talk.isValid())

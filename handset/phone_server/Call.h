@@ -18,6 +18,7 @@ enum class CallState : uint8_t {
     Connected, ///< the parties talk
     Ended,     ///< over; either side has hung up
     Missed,    ///< over; nobody answered
+    Failed,    ///< over; the network did not put it through
 };
 
 enum class CallEvent : uint8_t {
@@ -25,6 +26,7 @@ enum class CallEvent : uint8_t {
     Answer,
     HangUp, ///< by either side
     Miss,   ///< the caller gives up
+    Fail,   ///< the network gives up
 };
 
 /// The state of a call, free of numbers, time and messages.
@@ -36,7 +38,7 @@ public:
 
     CallState state() const { return m_state; }
     bool isPlaced() const { return m_isPlaced; }
-    bool isOver() const { return m_state == CallState::Ended || m_state == CallState::Missed; }
+    bool isOver() const { return m_state >= CallState::Ended; }
     /// Whether the parties have ever talked.
     bool wasConnected() const { return m_wasConnected; }
     /// The list that a finished call belongs to; a rejected call counts as answered.
@@ -77,6 +79,8 @@ public:
 
     const CallStateMachine& machine() const { return m_machine; }
     const Party& party() const { return m_party; }
+    /// When it came to its state.
+    const QDateTime& since() const { return m_since; }
     bool isPtt() const { return m_type == RC_CALL_TYPE_PTT1; }
 
     /// As CallStateMachine::apply().
@@ -92,6 +96,7 @@ private:
     Party m_party;
     RC_CALL_TYPE_T m_type;
     QDateTime m_start;
+    QDateTime m_since;
     QElapsedTimer m_talk;
     qint64 m_talked = 0; ///< in milliseconds, of a call that is over
 };

@@ -16,9 +16,9 @@ namespace zyn::handset {
 namespace {
 
 /// The reply for each state; 0 for states that no client's call reaches.
-constexpr std::array<int32_t, 6> kReplies = {CallDialing, CallAlerting, 0, CallConnected, CallEnded, 0};
+constexpr std::array<int32_t, 7> kReplies = {CallDialing, CallAlerting, 0, CallConnected, CallEnded, 0, CallFailed};
 static_assert(kReplies[static_cast<size_t>(CallState::Connected)] == CallConnected);
-static_assert(kReplies[static_cast<size_t>(CallState::Ended)] == CallEnded);
+static_assert(kReplies[static_cast<size_t>(CallState::Failed)] == CallFailed);
 
 constexpr size_t kLargestData = std::max(sizeof(SimCall), sizeof(JavaCall));
 

@@ -2,26 +2,14 @@
 #include "handset/phone_server/PhoneLine.h"
 
 #include "handset/common/Log.h"
-#include "platform/QCopChannel.h"
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 
-void reportStatus(const PhoneMessage& message, const QByteArray& payload)
-{
-    if (!QCopChannel::send(message.channel, message.name, payload))
-        log(u"not all listeners received %1"_s.arg(QLatin1String(message.name)));
-}
-
-void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values)
-{
-    const PhoneMessage& message = phoneMessage(type);
-    reportStatus(message, encode(message, values));
-}
-
-PhoneLine::PhoneLine(CallPace pace)
+PhoneLine::PhoneLine(CallPace pace, PhoneStatus& status)
     : m_pace(pace)
+    , m_status(status)
 {
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);
@@ -108,7 +96,7 @@ void PhoneLine::missWhileBusy(const Party& caller)
     call.apply(CallEvent::Miss);
     log(u"a call from %1 is missed: the line is busy"_s.arg(caller.number));
     m_uploader.add(call.record());
-    reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
+    m_status.report(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
 }
 
 /// Schedules what follows from the call's new state.
@@ -132,8 +120,8 @@ void PhoneLine::reportChange()
     const CallState state = m_call->machine().state();
     log(u"call %1, %2: %3"_s.arg(m_id).arg(m_call->party().number, QLatin1String(nameOf(state))));
     if (state == CallState::Connected)
-        reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
-    reportStatus(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
+        m_status.report(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {1, 0});
+    m_status.report(PHONE_Msg::PHONE_MSG_VOICE_CALL_STAT_CHANGED_S);
     Q_EMIT callChanged(m_id, state);
 }
 
@@ -141,8 +129,8 @@ void PhoneLine::reportEnd()
 {
     if (m_call->machine().wasConnected()) {
         m_totalSeconds += m_call->duration();
-        reportStatus(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {0, m_call->duration()});
-        reportStatus(PHONE_Msg::PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {0, m_totalSeconds});
+        m_status.report(PHONE_Msg::PHONE_MSG_CURRENT_CONNECTED_DURATION_S, {0, m_call->duration()});
+        m_status.report(PHONE_Msg::PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {0, m_totalSeconds});
     }
     reportChange();
     m_call.reset();

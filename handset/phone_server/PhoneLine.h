@@ -3,21 +3,15 @@
 
 #include "handset/phone_server/Call.h"
 #include "handset/phone_server/CallLogUploader.h"
-#include "utility/message/PhoneMessages_p.h"
+#include "handset/phone_server/PhoneStatus.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
 #include <chrono>
-#include <initializer_list>
 #include <optional>
 
 namespace zyn::handset {
-
-/// Sends the status message @p message with @p payload to all listeners of the phone channel.
-void reportStatus(const PhoneMessage& message, const QByteArray& payload);
-/// Sends the status message of @p type with @p values for its fields.
-void reportStatus(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values = {});
 
 /// The delays of the simulated network.
 struct CallPace
@@ -38,7 +32,10 @@ class PhoneLine : public QObject
     Q_OBJECT
 
 public:
-    explicit PhoneLine(CallPace pace);
+    /// @param status  tells the changes of its calls, and lives longer
+    PhoneLine(CallPace pace, PhoneStatus& status);
+
+    PhoneStatus& status() { return m_status; }
 
     /// Places a call and returns its id, above 0. Returns 0, which is logged, if the line is busy, the radio is off or
     /// the number is invalid.
@@ -50,10 +47,14 @@ public:
     bool answer() { return apply(CallEvent::Answer); }
     bool hangUp() { return apply(CallEvent::HangUp); }
     bool miss() { return apply(CallEvent::Miss); }
+    bool fail() { return apply(CallEvent::Fail); }
     /// @}
 
     /// The call in progress, or null.
     const Call* current() const;
+    /// The same, or the call whose end is being reported.
+    const Call* latest() const { return m_call ? &*m_call : nullptr; }
+    bool hasRadio() const { return m_hasRadio; }
     /// The id of the current call, or of the last one.
     int currentId() const { return m_id; }
 
@@ -83,6 +84,7 @@ private:
     void reportEnd();
 
     const CallPace m_pace;
+    PhoneStatus& m_status;
     std::optional<Call> m_call;
     int m_id = 0;
     int m_totalSeconds = 0;

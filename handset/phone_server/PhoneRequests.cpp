@@ -61,14 +61,14 @@ void PhoneRequests::setRadioMode(int32_t on)
     log(on ? u"radio on"_s : u"radio off"_s);
     m_line.setRadio(on != 0);
     constexpr int32_t kDone = 1;
-    reportStatus(PHONE_MSG_RET_SET_RFMOD_S, {kDone});
+    m_line.status().report(PHONE_MSG_RET_SET_RFMOD_S, {kDone});
 }
 
 void PhoneRequests::setLanguage(int32_t language)
 {
     log(u"language %1"_s.arg(language));
     constexpr int32_t kDone = 1;
-    reportStatus(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
+    m_line.status().report(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
 }
 
 /// Kind 0 is the total counted here; kind 1 is always 0.
@@ -78,13 +78,13 @@ void PhoneRequests::resetTotalDuration(int32_t kind)
     constexpr int32_t kNoSuchKind = 1;
     if (kind == 0)
         m_line.resetTotal();
-    reportStatus(PHONE_MSG_RET_RESET_TOTAL_DURATION_S, {kind, kind == 0 || kind == 1 ? kDone : kNoSuchKind});
+    m_line.status().report(PHONE_MSG_RET_RESET_TOTAL_DURATION_S, {kind, kind == 0 || kind == 1 ? kDone : kNoSuchKind});
 }
 
 void PhoneRequests::reportTotals(int32_t /*unused*/)
 {
-    reportStatus(PHONE_MSG_TOTAL_DATA_BYTES_S, {0, 0, 0, 0});
-    reportStatus(PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {m_line.isConnected() ? 1 : 0, m_line.totalSeconds()});
+    m_line.status().report(PHONE_MSG_TOTAL_DATA_BYTES_S, {0, 0, 0, 0});
+    m_line.status().report(PHONE_MSG_TOTAL_CONNECTED_DURATION_S, {m_line.isConnected() ? 1 : 0, m_line.totalSeconds()});
 }
 
 PttRequests::PttRequests(PhoneLine& line)

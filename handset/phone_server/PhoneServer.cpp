@@ -2,29 +2,43 @@
 #include "handset/phone_server/PhoneServer.h"
 
 #include "handset/phone_server/ClientConnection.h"
+#include "handset/phone_server/ControlConnection.h"
+#include "handset/phone_server/PhoneControl.h"
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/Message_p.h"
 
 namespace zyn::handset {
+namespace {
+
+/// Few people play the network at once.
+constexpr int kControlClients = 16;
+
+} // namespace
 
 PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections)
-    : m_line(pace)
+    : m_line(pace, m_status)
     , m_prefix(prefix)
-    , m_clients(voicecall::socketPath(), maxConnections, [this, timeout](posix::UniqueFd socket) {
-        return new ClientConnection(std::move(socket), m_line, timeout);
+    , m_clients(
+          voicecall::socketPath(), maxConnections,
+          [this, timeout](posix::UniqueFd socket) { return new ClientConnection(std::move(socket), m_line, timeout); })
+    , m_control(phonecontrol::socketPath(), kControlClients, [this, timeout](posix::UniqueFd socket) {
+        return new ControlConnection(std::move(socket), m_line, timeout);
     })
 {}
 
 bool PhoneServer::listen()
 {
-    if (!m_clients.acquire())
+    if (!m_clients.acquire() || !m_control.acquire())
         return false;
     // Two servers that both answered requests would place every call twice.
     listenToVoiceCallRequests();
     m_pttRequests.emplace(m_line);
     m_phoneRequests.emplace(m_line);
-    return m_clients.listen();
+    m_newListeners.emplace(kPhoneChannel);
+    QObject::connect(&*m_newListeners, &NewListeners::came, &m_line,
+                     [this](PhoneStatus::Clock::time_point time) { m_status.tellAgain(time); });
+    return m_clients.listen() && m_control.listen();
 }
 
 void PhoneServer::listenToVoiceCallRequests()

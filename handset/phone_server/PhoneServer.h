@@ -2,6 +2,7 @@
 #pragma once
 
 #include "handset/common/CommandServer.h"
+#include "handset/phone_server/NewListeners.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "handset/phone_server/PhoneRequests.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
@@ -11,7 +12,8 @@
 
 namespace zyn::handset {
 
-/// Places the calls that clients ask for, over the socket and over the message channels, on one line.
+/// Places the calls that clients ask for, over the socket and over the message channels, on one line, and makes happen
+/// what is said on the control socket. Who begins to listen is told the states that are known.
 class PhoneServer
 {
 public:
@@ -24,7 +26,7 @@ public:
 
     PhoneLine& line() { return m_line; }
 
-    /// Starts to listen, in place of a server that died. False, which is logged, if another one is alive or the socket
+    /// Starts to listen, in place of a server that died. False, which is logged, if another one is alive or a socket
     /// cannot be made.
     bool listen();
 
@@ -36,12 +38,15 @@ private:
     void makeCall(const QString& number, const QString& name, int dialMode);
     void dropCall();
 
+    PhoneStatus m_status;
     PhoneLine m_line;
     const QString m_prefix;
     std::optional<PHONE_VoiceCallReceiver> m_voiceCallRequests;
     std::optional<PttRequests> m_pttRequests;
     std::optional<PhoneRequests> m_phoneRequests;
+    std::optional<NewListeners> m_newListeners;
     CommandServer m_clients;
+    CommandServer m_control;
 };
 
 } // namespace zyn::handset

@@ -4,6 +4,8 @@
 #include "handset/common/FieldWords.h"
 #include "handset/common/Log.h"
 #include "handset/common/ScriptReader.h"
+#include "handset/common/Suggestion.h"
+#include "handset/phone_server/PhoneControl.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "utility/message/PhoneMessages_p.h"
 
@@ -12,6 +14,7 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using namespace zyn::phonecontrol;
 
 namespace zyn::handset {
 namespace {
@@ -50,6 +53,18 @@ QString usage(const PhoneMessage& message)
     return (QStringList(QLatin1String(message.word)) + valueNames(message)).join(u' ');
 }
 
+QStringList eventNames()
+{
+    QStringList names;
+    for (const LineEvent& event : kLineEvents)
+        names += QLatin1String(event.name);
+    for (const PhoneMessage& message : phoneMessages()) {
+        if (message.isStatus())
+            names += QLatin1String(message.word);
+    }
+    return names;
+}
+
 /// The status message that @p word names.
 const PhoneMessage& statusMessage(const QString& word)
 {
@@ -58,7 +73,7 @@ const PhoneMessage& statusMessage(const QString& word)
         return message.isStatus() && word == QLatin1String(message.word);
     });
     if (found == messages.end())
-        throw ScriptError{u"'%1' is not an event"_s.arg(word)};
+        throw ScriptError{u"unknown event '%1'"_s.arg(word) + suggestion(word, eventNames())};
     return *found;
 }
 
@@ -95,39 +110,41 @@ Run incoming(const QStringList& values)
     return [caller](PhoneLine& line) { return line.ring(caller); };
 }
 
-/// An action of the user or of the other party.
+/// What makes a line's event happen.
 struct Action
 {
-    const char* name;
-    qsizetype fewestValues;
-    qsizetype mostValues;
-    const char* usage;
+    LineEvent event;
     Run (*make)(const QStringList& values);
 };
 
 constexpr Action kActions[] = {
-    {"incoming", 1, 2, "incoming number [name]", incoming},
-    {"answer", 0, 0, "answer", [](const QStringList&) -> Run { return &PhoneLine::answer; }},
-    {"hangup", 0, 0, "hangup", [](const QStringList&) -> Run { return &PhoneLine::hangUp; }},
-    {"missed", 0, 0, "missed", [](const QStringList&) -> Run { return &PhoneLine::miss; }},
+    {kIncoming, incoming},
+    {kAnswer, [](const QStringList&) -> Run { return &PhoneLine::answer; }},
+    {kHangUp, [](const QStringList&) -> Run { return &PhoneLine::hangUp; }},
+    {kMissed, [](const QStringList&) -> Run { return &PhoneLine::miss; }},
+    {kFail, [](const QStringList&) -> Run { return &PhoneLine::fail; }},
+    {kSnapshot, [](const QStringList&) -> Run { return [](PhoneLine& line) { return line.status().tellAgain(); }; }},
 };
+static_assert(std::size(kActions) == std::size(kLineEvents));
 
-Run runOf(const Action& action, const QStringList& values)
+QString usage(const LineEvent& event)
 {
-    if (values.size() < action.fewestValues || values.size() > action.mostValues)
-        throw ScriptError{u"it is '%1'"_s.arg(QLatin1String(action.usage))};
-    return action.make(values);
+    return u"%1 %2"_s.arg(QLatin1String(event.name), QLatin1String(event.values)).trimmed();
 }
 
 Run runOf(const QString& name, const QStringList& values)
 {
-    const auto action =
-        std::ranges::find_if(kActions, [&](const Action& known) { return name == QLatin1String(known.name); });
-    if (action != std::end(kActions))
-        return runOf(*action, values);
+    const auto isMeant = [&](const Action& action) { return name == QLatin1String(action.event.name); };
+    const auto action = std::ranges::find_if(kActions, isMeant);
+    const bool isNone = action == std::end(kActions);
+    if (!isNone && values.size() >= action->event.fewestValues && values.size() <= action->event.mostValues)
+        return action->make(values);
+    // The snapshot with a value is a status message of its own.
+    if (!isNone && name != QLatin1String(kSnapshot.name))
+        throw ScriptError{u"it is '%1'"_s.arg(usage(action->event))};
     const PhoneMessage& message = statusMessage(name);
-    return [&message, payload = payloadOf(message, values)](PhoneLine&) {
-        reportStatus(message, payload);
+    return [&message, payload = payloadOf(message, values)](PhoneLine& line) {
+        line.status().report(message, payload);
         return true;
     };
 }
@@ -143,14 +160,15 @@ std::chrono::milliseconds readDelay(QStringList& words)
     return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
 }
 
-/// Long enough for a status message with a record, two digits a byte.
-constexpr qsizetype kLongestLine = qsizetype{16} * 1024;
-
 } // namespace
 
 ScriptStep scriptStep(const QString& line, int lineNumber)
 {
-    QStringList words = scriptWords(line);
+    return scriptStep(scriptWords(line), lineNumber);
+}
+
+ScriptStep scriptStep(QStringList words, int lineNumber)
+{
     const auto delay = readDelay(words);
     const QString name = words.takeFirst();
     return {lineNumber, delay, runOf(name, words)};
@@ -174,8 +192,8 @@ QString scriptHelp()
 {
     QString help = u"A script has a line for each thing that happens: \"+\" and the milliseconds "
                    "after the line before, if any, then\n"_s;
-    for (const Action& action : kActions)
-        help += u"  %1\n"_s.arg(QLatin1String(action.usage));
+    for (const LineEvent& event : kLineEvents)
+        help += u"  %1\n"_s.arg(usage(event));
     help += u"or a status message with a value for each field:\n"_s + statusMessagesHelp();
     return help
            + u"A text with blanks, or none, is put in double quotes; blocks and records are "
@@ -208,7 +226,7 @@ void ScriptPlayer::runNext()
 
 ScriptInput::ScriptInput(PhoneLine& line)
     : m_line(line)
-    , m_input(kLongestLine)
+    , m_input(kLongestSaying)
 {
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);

@@ -30,8 +30,9 @@ using Script = std::vector<ScriptStep>;
 /// Reads a script; scriptHelp() describes the format. Nothing on an error, which is logged.
 std::optional<Script> readScript(const QString& path);
 
-/// Parses a line that is not a comment. Throws a ScriptError.
+/// Parses a line that is not a comment, or its words, one or more. Throws a ScriptError.
 ScriptStep scriptStep(const QString& line, int lineNumber);
+ScriptStep scriptStep(QStringList words, int lineNumber);
 
 /// Runs @p step; logs a step that does not apply now.
 void runScriptStep(const ScriptStep& step, PhoneLine& line);

@@ -159,6 +159,12 @@ std::optional<QList<QByteArray>> ChannelDirectory::listeners() const
     return names;
 }
 
+bool ChannelDirectory::isReady(const QByteArray& name) const
+{
+    const std::optional<posix::EntryStatus> status = posix::entryStatus(fd(), name);
+    return status && status->permissions != kUnfinished;
+}
+
 posix::UniqueFd ChannelDirectory::listenAs(const QByteArray& name) const
 {
     const QByteArray path = posix::pathOf(fd()) + '/' + name;

@@ -61,6 +61,8 @@ public:
 
     /// The names of the listeners, living or dead; nothing when they could not all be read.
     std::optional<QList<QByteArray>> listeners() const;
+    /// Whether the listener @p name, living or dead, has begun to listen.
+    bool isReady(const QByteArray& name) const;
     /// A listening socket that senders find as @p name from now on; none when it could not be made.
     posix::UniqueFd listenAs(const QByteArray& name) const;
     /// A connection to the listener @p name, made without waiting. On failure errno is the reason: ECONNREFUSED when it

@@ -17,6 +17,7 @@ Command handsetCommand();    ///< handset: the states of the stand-in handset
 Command inspectCommand();    ///< inspect, with verify and repair: the files of a store
 Command missedCommand();     ///< missed: the counter of missed calls
 Command monitorCommand();    ///< monitor: the messages on the channels as they come
+Command phoneCommand();      ///< phone: what happens on a running phone server's line
 Command pttCommand();        ///< ptt: push-to-talk calls
 Command recentsCommand();    ///< recents: the recent-call screens
 Command replayCommand();     ///< replay: send a recording again

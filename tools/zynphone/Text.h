@@ -1,6 +1,7 @@
 // Text helpers: plurals, elision, words for values, suggestions, field texts.
 #pragma once
 
+#include "handset/common/Suggestion.h"
 #include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QDateTime>
@@ -67,12 +68,7 @@ auto wordNamed(const Words& words, const QString& text, const QString& what)
     throw usageError(u"unknown %1 '%2'; known are %3"_s.arg(what, text, wordTexts(words).join(", "_L1)));
 }
 
-/// The one of @p known that is nearest to @p word by edit distance, comparing its beginning first; null if the distance
-/// is half of the word or more.
-QString nearestWord(const QString& word, const QStringList& known);
-
-/// A question whether the nearest of @p known was meant, for errors about an unknown @p word; empty if none is near.
-QString suggestion(const QString& word, const QStringList& known);
+using handset::suggestion;
 
 /// @p text, for a Latin-1 field of @p limit characters. A usage error, which names @p what, if it does not fit.
 inline QString latin1Field(const QString& text, const QString& what, qsizetype limit)

@@ -12,14 +12,14 @@ namespace {
 
 Command zynphoneCommand()
 {
-    return {
-        .name = u"zynphone"_s,
-        .summary = u"Look at the phone library's data and services, and change them"_s,
-        .verbs = {dialCommand(),    hangupCommand(),  emergencyCommand(), speedDialCommand(),  prependCommand(),
-                  pttCommand(),     javaCommand(),    stkCommand(),       radioCommand(),      languageCommand(),
-                  callsCommand(),   recentsCommand(), missedCommand(),    favouritesCommand(), settingsCommand(),
-                  handsetCommand(), inspectCommand(), monitorCommand(),   replayCommand(),     chartCommand(),
-                  statusCommand(),  sendCommand(),    doctorCommand(),    topCommand(),        completionCommand()}};
+    return {.name = u"zynphone"_s,
+            .summary = u"Look at the phone library's data and services, and change them"_s,
+            .verbs = {dialCommand(),      hangupCommand(),  emergencyCommand(), speedDialCommand(), prependCommand(),
+                      pttCommand(),       javaCommand(),    stkCommand(),       phoneCommand(),     radioCommand(),
+                      languageCommand(),  callsCommand(),   recentsCommand(),   missedCommand(),    favouritesCommand(),
+                      settingsCommand(),  handsetCommand(), inspectCommand(),   monitorCommand(),   replayCommand(),
+                      chartCommand(),     statusCommand(),  sendCommand(),      doctorCommand(),    topCommand(),
+                      completionCommand()}};
 }
 
 ExitCode run(const QStringList& words)

@@ -1,13 +1,14 @@
-// Text helpers: plurals, elision, words for values, suggestions, field texts.
-#include "tools/zynphone/Text.h"
+// The word that somebody may have meant.
+#include "handset/common/Suggestion.h"
 
+#include <algorithm>
 #include <compare>
 #include <numeric>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
-namespace zyn::tool {
+namespace zyn::handset {
 namespace {
 
 /// The Levenshtein distance of two words.
@@ -34,8 +35,8 @@ Edits edits(const QString& from, const QString& to)
     return {*std::ranges::min_element(row), row.back()};
 }
 
-} // namespace
-
+/// The one of @p known that is nearest to @p word by edit distance, comparing its beginning first; null if the distance
+/// is half of the word or more.
 QString nearestWord(const QString& word, const QStringList& known)
 {
     QString nearest;
@@ -50,10 +51,12 @@ QString nearestWord(const QString& word, const QStringList& known)
     return nearest;
 }
 
+} // namespace
+
 QString suggestion(const QString& word, const QStringList& known)
 {
     const QString nearest = nearestWord(word, known);
     return nearest.isNull() ? QString() : u"; did you mean '%1'?"_s.arg(nearest);
 }
 
-} // namespace zyn::tool
+} // namespace zyn::handset

@@ -1,0 +1,224 @@
+// zynphone phone: plays the network and the other parties to a running phone server, and shows the calls of its line.
+#include "tools/commands/Commands.h"
+
+#include "handset/common/TerminationSignals.h"
+#include "handset/phone_server/PhoneControl.h"
+#include "platform/CommandFrame_p.h"
+#include "platform/Socket_Command.h"
+#include "platform/posix/UnixSocket_p.h"
+#include "tools/zynphone/Command.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/Table.h"
+#include "tools/zynphone/Text.h"
+#include "utility/message/PhoneMessages_p.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSocketNotifier>
+
+#include <cstring>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::tool {
+namespace {
+
+/// A connection to the phone server's control socket.
+class PhoneControl
+{
+public:
+    /// Throws a failure if there is no server.
+    PhoneControl();
+
+    /// Asks for @p command, and returns the data of the answer @p expected. Throws a failure with the server's reason
+    /// if it refuses, or if it does not answer.
+    QByteArray ask(phonecontrol::Command command, phonecontrol::Reply expected, const QByteArray& data = {});
+    /// The next answer, which must be @p expected.
+    QByteArray next(phonecontrol::Reply expected);
+    int descriptor() const { return m_socket.get(); }
+
+private:
+    const QString m_path = QLatin1String(phonecontrol::kSocketPath);
+    posix::UniqueFd m_socket;
+};
+
+PhoneControl::PhoneControl()
+    : m_socket(posix::connectUnix(QFile::encodeName(m_path), kCommandTimeout))
+{
+    if (!m_socket.isValid() || !posix::isPeerTrusted(m_socket.get()))
+        throw serviceError(u"phone server"_s, m_path);
+}
+
+QByteArray PhoneControl::ask(phonecontrol::Command command, phonecontrol::Reply expected, const QByteArray& data)
+{
+    UTIL_CommandBody body;
+    body.commandId = command;
+    body.dataLength = static_cast<int>(data.size());
+    body.AllocateDataBuffer();
+    std::memcpy(commandData(body).data(), data.constData(), commandData(body).size());
+    if (Socket_WriteCommand(m_socket.get(), &body) < 0)
+        throw serviceError(u"phone server"_s, m_path);
+    return next(expected);
+}
+
+QByteArray PhoneControl::next(phonecontrol::Reply expected)
+{
+    const std::unique_ptr<UTIL_CommandBody> reply(Socket_ReadCommand(m_socket.get()));
+    if (!reply && posix::waitUntilClosed(m_socket.get(), posix::Clock::now()))
+        throw failure(u"the phone server closed the connection"_s);
+    if (!reply)
+        throw failure(u"the phone server at %1 did not answer within 5 seconds"_s.arg(m_path));
+    const std::span<std::byte> bytes = commandData(*reply);
+    const QByteArray data(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+    if (reply->commandId == phonecontrol::Refused)
+        throw failure(QString::fromUtf8(data));
+    if (reply->commandId != expected)
+        throw failure(u"the phone server at %1 gave an answer that no phone server gives"_s.arg(m_path));
+    return data;
+}
+
+ExitCode sayToPhone(const Invocation& invocation, Console& /*console*/)
+{
+    QByteArray words;
+    for (const QString& word : invocation.arguments()) {
+        words += word.toUtf8();
+        words += '\0';
+    }
+    if (static_cast<size_t>(words.size()) > phonecontrol::kLongestSaying)
+        throw usageError(u"that is more than the phone server takes at once"_s);
+    PhoneControl().ask(phonecontrol::Say, phonecontrol::Done, words);
+    return Done;
+}
+
+QJsonValue value(const QJsonObject& call, const char* key)
+{
+    return call.value(QLatin1String(key));
+}
+
+QString sinceText(const QJsonObject& call)
+{
+    const QString since = value(call, "since").toString();
+    return QDateTime::fromString(since, Qt::ISODateWithMs).toString(u"yyyy-MM-dd HH:mm:ss"_s);
+}
+
+constexpr Column<QJsonObject> kColumns[] = {
+    {"id", "ID", [](const QJsonObject& call) { return value(call, "id"); }},
+    {"number", "NUMBER", [](const QJsonObject& call) { return value(call, "number"); }},
+    {"name", "NAME", [](const QJsonObject& call) { return value(call, "name"); }},
+    {"type", "TYPE", [](const QJsonObject& call) { return value(call, "type"); }},
+    {"direction", "DIRECTION", [](const QJsonObject& call) { return value(call, "direction"); }},
+    {"state", "STATE", [](const QJsonObject& call) { return value(call, "state"); }},
+    {"since", "SINCE", [](const QJsonObject& call) { return value(call, "since"); }, sinceText},
+};
+
+/// The calls in @p json, an array of them.
+QList<QJsonObject> callsIn(const QByteArray& json)
+{
+    QList<QJsonObject> calls;
+    for (const QJsonValue& call : QJsonDocument::fromJson(json).array())
+        calls += call.toObject();
+    return calls;
+}
+
+/// Writes @p call as a line: an object, or words for people.
+void showCall(Console& console, const QJsonObject& call, bool json)
+{
+    if (json)
+        return console.write(QJsonDocument(call));
+    QStringList words{sinceText(call)};
+    for (const char* key : {"direction", "number", "name"})
+        words += printable(value(call, key).toString());
+    words.removeAll(QString());
+    console.write(u"%1: %2\n"_s.arg(words.join(u' '), printable(value(call, "state").toString())));
+}
+
+/// Shows the calls, and each change, until the server ends or a signal comes.
+ExitCode followCalls(PhoneControl& control, Console& console, bool json, const TimeLimit& limit)
+{
+    const handset::TerminationSignals signalsThatEnd;
+    for (const QJsonObject& call : callsIn(control.ask(phonecontrol::FollowCalls, phonecontrol::Calls)))
+        showCall(console, call, json);
+    QSocketNotifier readable(control.descriptor(), QSocketNotifier::Read);
+    QString error;
+    QObject::connect(&readable, &QSocketNotifier::activated, &readable, [&] {
+        try {
+            showCall(console, QJsonDocument::fromJson(control.next(phonecontrol::CallChanged)).object(), json);
+        } catch (const CommandError& reason) {
+            error = reason.message();
+            readable.setEnabled(false);
+        }
+        if (!error.isEmpty() || !console.isValid())
+            QCoreApplication::quit();
+    });
+    limit.start();
+    QCoreApplication::exec();
+    if (!error.isEmpty())
+        throw failure(error);
+    return Done;
+}
+
+ExitCode showCalls(const Invocation& invocation, Console& console)
+{
+    const TimeLimit limit(invocation);
+    const bool json = invocation.isSet(u"json"_s);
+    const bool follows = invocation.isSet(u"follow"_s);
+    if (limit.isSet() && !follows)
+        throw usageError(u"--for is for --follow"_s);
+    PhoneControl control;
+    if (follows)
+        return followCalls(control, console, json, limit);
+    const Table table(kColumns, callsIn(control.ask(phonecontrol::ListCalls, phonecontrol::Calls)));
+    if (json || !table.isEmpty())
+        printTable(console, table, json);
+    return Done;
+}
+
+QStringList eventWords()
+{
+    QStringList words;
+    for (const phonecontrol::LineEvent& event : phonecontrol::kLineEvents)
+        words += QLatin1String(event.name);
+    for (const PhoneMessage& message : phoneMessages()) {
+        if (message.isStatus() && !words.contains(QLatin1String(message.word)))
+            words += QLatin1String(message.word);
+    }
+    return words;
+}
+
+QString eventDetails()
+{
+    QList<QStringList> rows;
+    for (const phonecontrol::LineEvent& event : phonecontrol::kLineEvents)
+        rows += {u" "_s, u"%1 %2"_s.arg(QLatin1String(event.name), QLatin1String(event.values)).trimmed(),
+                 QLatin1String(event.meaning)};
+    return u"\nAn event is one of\n"_s + alignedLines(rows)
+           + u"or a status message with its values, as a script of zyn-phoned has it;\n"
+             "'zynphone status' lists them. What cannot happen now is a failure.\n"
+             "For example: zynphone phone incoming 0301112222 Dora\n"_s;
+}
+
+} // namespace
+
+Command phoneCommand()
+{
+    Command calls{.name = u"calls"_s,
+                  .summary = u"List the calls of the line: the number, and the state since when"_s,
+                  .details = u"\nWith --follow each change is a line. The objects of --json, one for each line "
+                             "then, have\nthe fields %1.\n"_s.arg(fieldNames(kColumns)),
+                  .options = {jsonOption(), flagOption(u"follow"_s, u"go on with each change, until a signal comes"_s),
+                              TimeLimit::option(u"end --follow after that time"_s)},
+                  .run = showCalls};
+    return {.name = u"phone"_s,
+            .summary = u"Play the network and the other parties to a running phone server"_s,
+            .details = eventDetails(),
+            .verbs = {std::move(calls)},
+            .arguments = {{u"EVENT"_s, u"what happens"_s}, {u"VALUE"_s, u"the event's values"_s, Argument::Any}},
+            .words = {{u"EVENT"_s, eventWords()}},
+            .run = sayToPhone};
+}
+
+} // namespace zyn::tool
