@@ -165,7 +165,8 @@ QMap<QString, QStringList> enumerations()
     return {
         ENUMERATION(RC_CALL_CATEGORY_T), ENUMERATION(RC_CALL_TYPE_T), ENUMERATION(recentcall::Command),
         ENUMERATION(recentcall::Status), ENUMERATION(voicecall::Command), ENUMERATION(voicecall::ClientKind),
-        ENUMERATION(voicecall::Reply), ENUMERATION(phonecontrol::Command), ENUMERATION(phonecontrol::Reply), ENUMERATION(DialMode), ENUMERATION(OTHER_COMPONENT_SHOW_UI),
+        ENUMERATION(voicecall::Reply), ENUMERATION(phonecontrol::Command), ENUMERATION(phonecontrol::Reply),
+        ENUMERATION(DialMode), ENUMERATION(OTHER_COMPONENT_SHOW_UI),
     };
 #undef ENUMERATION
 }
@@ -181,7 +182,8 @@ QStringList constants()
         NUMBER(kMaxContactSlots), TEXT(kTopPalsDetailsName), TEXT(kActivityLogLockName), TEXT(kSeenCallsName),
         TEXT(posix::kStagedInfix), TEXT(kFormerInfix), TEXT(emergency::kListFile), NUMBER(emergency::kRecordLimit),
         NUMBER(kCommandDataLimit), NUMBER(kGreetingCommand), NUMBER(kCommandTimeout.count()),
-        TEXT(recentcall::kSocketPath), TEXT(voicecall::kSocketPath), TEXT(phonecontrol::kSocketPath), NUMBER(phonecontrol::kLongestSaying), NUMBER(kMessageLimit),
+        TEXT(recentcall::kSocketPath), TEXT(voicecall::kSocketPath), TEXT(phonecontrol::kSocketPath),
+        NUMBER(phonecontrol::kLongestSaying), NUMBER(kMessageLimit),
         TEXT(kFixedDialSwitch), TEXT(kTopPalsSwitch), NUMBER(tool::kLongestRecordingLine),
     };
 #undef NUMBER

@@ -9,11 +9,15 @@ namespace zyn::tool {
 
 enum ExitCode : int {
     Done = 0,
-    Failed = 1,        ///< the handset, a service or a file failed, or a check found a fault
-    Usage = 2,         ///< the command line is invalid
-    NothingPicked = 3, ///< the user was asked and picked nothing
-    NoStore = 4,       ///< the directory is not a store
-    Interrupted = 130, ///< ended by a signal before the work was done
+    Failed = 1,          ///< the handset, a service or a file failed, or a check found a fault
+    Usage = 2,           ///< the command line is invalid
+    NothingPicked = 3,   ///< the user was asked and picked nothing
+    NoStore = 4,         ///< the directory is not a store
+    NotAllowed = 77,     ///< the kernel does not allow it here: test programs count it as skipped
+    NotStarted = 125,    ///< a service that the command needs did not start
+    NotExecutable = 126, ///< the command cannot be run
+    NotFound = 127,      ///< there is no such command
+    Interrupted = 130,   ///< ended by a signal before the work was done
 };
 
 /// Thrown by a verb that fails. The message is one line, without the verb's name and a full stop.

@@ -14,12 +14,13 @@ Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(),      hangupCommand(),  emergencyCommand(), speedDialCommand(), prependCommand(),
-                      pttCommand(),       javaCommand(),    stkCommand(),       phoneCommand(),     radioCommand(),
-                      languageCommand(),  callsCommand(),   recentsCommand(),   missedCommand(),    favouritesCommand(),
-                      settingsCommand(),  handsetCommand(), inspectCommand(),   monitorCommand(),   replayCommand(),
-                      chartCommand(),     statusCommand(),  sendCommand(),      doctorCommand(),    topCommand(),
-                      completionCommand()}};
+            .verbs = {dialCommand(),         hangupCommand(),  emergencyCommand(),  speedDialCommand(),
+                      prependCommand(),      pttCommand(),     javaCommand(),       stkCommand(),
+                      phoneCommand(),        radioCommand(),   languageCommand(),   callsCommand(),
+                      recentsCommand(),      missedCommand(),  favouritesCommand(), settingsCommand(),
+                      handsetCommand(),      inspectCommand(), monitorCommand(),    replayCommand(),
+                      chartCommand(),        statusCommand(),  sendCommand(),       doctorCommand(),
+                      runInHandsetCommand(), topCommand(),     completionCommand()}};
 }
 
 ExitCode run(const QStringList& words)
