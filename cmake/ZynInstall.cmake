@@ -17,10 +17,12 @@ install(EXPORT ZynPhoneTargets NAMESPACE ZynPhone:: DESTINATION ${ZYN_INSTALL_CM
     COMPONENT libzynphone-dev)
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZynPhoneConfig.cmake.in
-    ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake INSTALL_DESTINATION ${ZYN_INSTALL_CMAKEDIR})
+    ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake INSTALL_DESTINATION ${ZYN_INSTALL_CMAKEDIR}
+    PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/ZynPhoneTesting.cmake
     DESTINATION ${ZYN_INSTALL_CMAKEDIR} COMPONENT libzynphone-dev)
 
 # The pkg-config file, and the examples. An absolute folder gets no prefix.
@@ -33,4 +35,4 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc DESTINATION ${CMAKE_INSTAL
     COMPONENT libzynphone-dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev/examples
     COMPONENT libzynphone-dev
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*")
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.sh")
