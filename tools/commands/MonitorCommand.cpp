@@ -3,7 +3,10 @@
 
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
+#include "platform/qcop/ChannelOrigin_p.h"
 #include "tools/commands/Channels.h"
+#include "tools/recording/MessageFilter.h"
+#include "tools/recording/MessageOrder.h"
 #include "tools/recording/MessageText.h"
 #include "tools/recording/Recording.h"
 #include "tools/zynphone/Command.h"
@@ -11,9 +14,12 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
+
+#include <sys/ioctl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -44,15 +50,40 @@ RecordingWriter::Existing existingFrom(const Invocation& invocation)
     return replaces ? Replace : appends ? Append : Refuse;
 }
 
-/// Writes messages until the requested number has arrived.
+/// The times of the clock at which messages were sent. The pauses stay right when the clock is set meanwhile.
+class SendTimes
+{
+public:
+    QDateTime timeOf(uint64_t sentAt) const
+    {
+        return m_start.addMSecs((static_cast<int64_t>(sentAt) - m_startTicks) / kNanosecondsOfOne);
+    }
+
+private:
+    static constexpr int64_t kNanosecondsOfOne = 1'000'000;
+
+    QDateTime m_start = QDateTime::currentDateTimeUtc();
+    int64_t m_startTicks = std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+};
+
+/// The width of the terminal; 0 when there is none.
+int terminalWidth(const Console& console)
+{
+    winsize size = {};
+    return console.isTerminal() && ::ioctl(console.descriptor(), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+/// Writes messages in the order in which they were sent, until the requested number has arrived.
 class Monitor
 {
 public:
     Monitor(const Invocation& invocation, Console& console)
         : m_console(console)
-        , m_raw(invocation.isSet(u"raw"_s))
+        , m_filter(invocation)
         , m_json(invocation.isSet(u"json"_s))
+        , m_look{invocation.isSet(u"raw"_s), console.isColourful(), terminalWidth(console)}
         , m_left(limitFrom(invocation, u"count"_s))
+        , m_order([this](const ReceivedMessage& message) { show(message); })
     {}
 
     void listenOn(const QString& name)
@@ -61,8 +92,8 @@ public:
         if (!channel->isListening())
             throw failure(u"cannot listen on %1"_s.arg(name));
         QObject::connect(channel.get(), &QCopChannel::received, channel.get(),
-                         [this, channel = channel->channel()](const QCString& message, const QByteArray& data) {
-                             show({QDateTime::currentDateTime(), channel, message, data});
+                         [this, channel = channel.get()](const QCString& message, const QByteArray& data) {
+                             take(*channel, message, data);
                          });
         m_channels.push_back(std::move(channel));
     }
@@ -73,26 +104,41 @@ public:
     void run()
     {
         QCoreApplication::exec();
+        m_order.flush();
         if (m_isBroken)
             throw failure(m_recording->errorText());
     }
 
 private:
+    void take(const QCopChannel& channel, const QCString& name, const QByteArray& payload)
+    {
+        const ChannelOrigin origin = ChannelOrigin::of(channel);
+        ReceivedMessage message{m_times.timeOf(origin.sentAt),
+                                channel.channel(),
+                                name,
+                                payload,
+                                {QString::fromLatin1(origin.program), origin.process}};
+        if (!m_filter.lets(message))
+            return;
+        message.hearers = m_audience.of(message.channel);
+        m_order.add(std::move(message), origin.sentAt);
+    }
+
     void show(const ReceivedMessage& message)
     {
         // More may arrive in the turn of the event loop that ends it.
         if (m_left == 0 || m_isBroken)
             return;
         // First, so that a recording contains all that was shown.
-        m_isBroken = m_recording && !m_recording->write(message.channel, message.name, message.payload);
+        m_isBroken = m_recording && !m_recording->write(message);
         if (m_isBroken) {
             QCoreApplication::quit();
             return;
         }
         if (m_json)
-            m_console.write(QJsonDocument(messageJson(message, m_raw)));
+            m_console.write(QJsonDocument(messageJson(message, m_look.isRaw)));
         else
-            m_console.write(messageText(message, m_raw) + u'\n');
+            m_console.write(messageText(message, m_look, m_names) + u'\n');
         if (m_left)
             --*m_left;
         if (m_left == 0 || !m_console.isValid())
@@ -100,12 +146,17 @@ private:
     }
 
     Console& m_console;
-    const bool m_raw;
+    const MessageFilter m_filter;
     const bool m_json;
+    const MessageLook m_look;
     std::optional<int> m_left; ///< messages; unset without a limit
-    std::vector<std::unique_ptr<QCopChannel>> m_channels;
+    const SendTimes m_times;
+    Audience m_audience;
+    ParticipantNames m_names;
     std::optional<RecordingWriter> m_recording;
     bool m_isBroken = false; ///< the recording could not be written
+    MessageOrder m_order;
+    std::vector<std::unique_ptr<QCopChannel>> m_channels;
 };
 
 ExitCode monitorChannels(const Invocation& invocation, Console& console)
@@ -131,22 +182,29 @@ Command monitorCommand()
 {
     return {.name = u"monitor"_s,
             .summary = u"Show the messages of channels as they come, until SIGINT or SIGTERM"_s,
-            .details = u"\nA line is time, channel, message, its enumerator and its fields. A field that the "
-                       u"payload does\n"
-                       "not hold is shown as missing, what no field holds as rest, in hexadecimal digits.\n"
-                       "The objects of --json, one a line, have the fields time (UTC), channel, name, known, "
-                       "enumerator\n"
-                       "(null when there is none), fields (an object), missing (names of fields), rest and, "
-                       "with --raw,\n"
-                       "payload.\n"
-                       "With --record each message is in FILE before it is shown; 'replay' sends them again, "
-                       "'chart' draws\nthem.\n"_s,
+            .details = u"\nA line is the time at which the message was sent, the program that has sent it, with "
+                       "its\nnumber where there are two, the channel, the message and its values, in words where "
+                       "they\nare known. A value that the payload does not hold is shown as missing, what is behind "
+                       "the\nvalues as rest. On a terminal a line is cut to its width.\n"
+                       "Messages are shown in the order in which they were sent, %1 ms later; one that comes later\n"
+                       "than that is marked as late.\n"
+                       "The objects of --json, one a line, have the fields time (UTC), channel, name, known,\n"
+                       "enumerator (null when there is none), fields (an object), words (those of fields that have\n"
+                       "one), missing (names of fields), rest, from and hearers (program and process of who has\n"
+                       "sent it and who listened), late and, with --raw, payload.\n"
+                       "With --record each message that is wanted is in FILE before it is shown; 'replay' sends\n"
+                       "them again, 'chart' draws them.\n"_s.arg(MessageOrder::kWindow.count()),
             .arguments = {{u"CHANNEL"_s, u"all channels of the library by default"_s, Argument::Any}},
-            .options = {flagOption(u"raw"_s, u"show the whole payload too, in hexadecimal digits"_s), jsonOption(),
-                        valueOption(u"count"_s, u"N"_s, u"end after N messages"_s), TimeLimit::option(),
-                        valueOption(u"record"_s, u"FILE"_s, u"record the messages in FILE too, a new file"_s),
-                        flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
-                        flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
+            .options =
+                MessageFilter::options()
+                + QList<QCommandLineOption>{flagOption(u"raw"_s,
+                                                       u"show the message's own name and the whole payload too"_s),
+                                            jsonOption(), valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
+                                            TimeLimit::option(),
+                                            valueOption(u"record"_s, u"FILE"_s,
+                                                        u"record the messages in FILE too, a new file"_s),
+                                            flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
+                                            flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
             .words = {{u"CHANNEL"_s, channelNames()}},
             .run = monitorChannels};
 }

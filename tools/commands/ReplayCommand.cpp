@@ -3,8 +3,11 @@
 
 #include "handset/common/TerminationSignals.h"
 #include "tools/recording/Replay.h"
+#include "tools/recording/Requests.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Text.h"
+
+#include <QtCore/QMap>
 
 using namespace Qt::StringLiterals;
 
@@ -30,9 +33,25 @@ double speedFrom(const Invocation& invocation)
     return speed;
 }
 
+/// "1 of 15 messages was sent".
 QString sentOf(const Replay& replay)
 {
-    return u"%1 of %2"_s.arg(QString::number(replay.sent()), counted(replay.count(), "message"));
+    return u"%1 of %2 %3 sent"_s.arg(QString::number(replay.sent()), counted(replay.count(), "message"),
+                                     replay.sent() == 1 ? u"was"_s : u"were"_s);
+}
+
+/// Tells which messages would make the phone act, by what they would do.
+void tellRequests(const std::vector<ReceivedMessage>& requests, Console& console)
+{
+    QMap<QString, qsizetype> counts;
+    for (const ReceivedMessage& request : requests)
+        ++counts[requestedAction(request.channel, request.name)];
+    QStringList actions;
+    for (auto action = counts.begin(); action != counts.end(); ++action)
+        actions += action.key() + (action.value() == 1 ? QString() : u" (%1 times)"_s.arg(action.value()));
+    console.writeError(u"left out: %1 that would have the phone act; --requests sends %2 too: %3"_s.arg(
+        counted(qsizetype(requests.size()), "message"), requests.size() == 1 ? u"it"_s : u"them"_s,
+        actions.join(u", "_s)));
 }
 
 QString progressText(const Replay& replay)
@@ -46,6 +65,10 @@ ExitCode replay(const Invocation& invocation, Console& console)
     const double speed = speedFrom(invocation);
     Recording recording(invocation.argument(0));
     recording.keepOnly(invocation.values(u"channel"_s));
+    if (!invocation.isSet(u"requests"_s)) {
+        if (const std::vector<ReceivedMessage> requests = recording.takeRequests(); !requests.empty())
+            tellRequests(requests, console);
+    }
     const handset::TerminationSignals signalsThatEnd;
     Replay replay(recording, speed);
     {
@@ -53,10 +76,10 @@ ExitCode replay(const Invocation& invocation, Console& console)
         replay.run();
     }
     if (replay.isBroken())
-        throw failure(u"cannot send on %1; sent are %2"_s.arg(
-            nameText(recording.messages()[size_t(replay.sent())].channel), sentOf(replay)));
+        throw failure(u"cannot send on %1; %2"_s.arg(nameText(recording.messages()[size_t(replay.sent())].channel),
+                                                     sentOf(replay)));
     if (!replay.isDone())
-        throw CommandError(Interrupted, u"interrupted; sent are "_s + sentOf(replay));
+        throw CommandError(Interrupted, u"interrupted; "_s + sentOf(replay));
     console.write(u"sent %1\n"_s.arg(counted(replay.count(), "message")));
     return Done;
 }
@@ -68,9 +91,11 @@ Command replayCommand()
     return {.name = u"replay"_s,
             .summary = u"Send the messages of a recording again, with the pauses that they came with"_s,
             .details = u"\nThe whole recording is checked before anything is sent. SIGINT and SIGTERM end the replay "
-                       u"with exit code %1.\n"_s.arg(int{Interrupted}),
+                       "with\nexit code %1. Messages that ask the phone for something, as to place a call, are named "
+                       "and left\nout, unless --requests is given.\n"_s.arg(int{Interrupted}),
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
-            .options = {valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
+            .options = {flagOption(u"requests"_s, u"send also what makes the phone act"_s),
+                        valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
                         valueOption(u"channel"_s, u"CHANNEL"_s,
                                     u"only the messages of that channel, and of each other one so given"_s)},
             .run = replay};

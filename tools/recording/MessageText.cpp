@@ -3,7 +3,11 @@
 
 #include "handset/common/Text.h"
 #include "tools/recording/MessageFields.h"
+#include "tools/recording/ValueWords.h"
 #include "tools/zynphone/BlockText.h"
+#include "tools/zynphone/Console.h"
+#include "tools/zynphone/Text.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QJsonArray>
 
@@ -14,10 +18,9 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-using handset::jsonEscaped;
-
-constexpr qsizetype kChannelWidth = 20;
-constexpr qsizetype kNameWidth = 16;
+constexpr qsizetype kSenderWidth = 15;
+constexpr qsizetype kChannelWidth = 11;
+constexpr qsizetype kNameWidth = 20;
 constexpr qsizetype kShownRest = 64;
 
 QString quoted(QString text)
@@ -63,14 +66,36 @@ QString restText(const QByteArray& rest)
     return rest.size() > kShownRest ? u"%1...(%2 bytes)"_s.arg(shown).arg(rest.size()) : shown;
 }
 
-QString kindText(const MessageFields& fields)
+/// A channel by the last part of its name.
+QString shortName(const QCString& channel)
 {
-    if (!fields.isKnown)
-        return u"unknown"_s;
-    return fields.enumerator.isEmpty() ? u"-"_s : fields.enumerator;
+    const qsizetype slash = channel.lastIndexOf('/');
+    return nameText(slash + 1 < channel.size() ? QCString(channel.sliced(slash + 1)) : channel);
+}
+
+/// The word for the value of @p field, empty when there is none.
+QString wordOf(const ReceivedMessage& message, const NamedValue& field)
+{
+    return field.value.isDouble() ? valueWord(message.channel, message.name, field.name, field.value.toInteger())
+                                  : QString();
+}
+
+QJsonObject participantJson(const Participant& participant)
+{
+    return {{u"program"_s, participant.program}, {u"process"_s, qint64{participant.process}}};
 }
 
 } // namespace
+
+QString ParticipantNames::nameOf(const Participant& participant)
+{
+    if (!participant.isKnown())
+        return u"?"_s;
+    const QString program = participant.program.isEmpty() ? u"?"_s : handset::printable(participant.program);
+    QSet<int64_t>& processes = m_processes[program];
+    processes += participant.process;
+    return processes.size() == 1 ? program : u"%1[%2]"_s.arg(program).arg(participant.process);
+}
 
 QString nameText(const QCString& name)
 {
@@ -91,17 +116,56 @@ QStringList fieldTexts(const MessageFields& fields)
     return texts;
 }
 
-QString messageText(const ReceivedMessage& message, bool raw)
+QString messageWord(const QCString& channel, const QCString& name)
+{
+    const PhoneMessage* const message = channel == kPhoneChannel ? phoneMessage(name) : nullptr;
+    if (message && message->word)
+        return QLatin1String(message->word);
+    constexpr QLatin1String kPrefix("RECENTCALL_MSG_");
+    constexpr QLatin1String kSuffix("_S");
+    const QString enumerator = messageFields(channel, name, {}).enumerator;
+    if (!enumerator.startsWith(kPrefix) || !enumerator.endsWith(kSuffix))
+        return nameText(name);
+    return enumerator.sliced(kPrefix.size()).chopped(kSuffix.size()).toLower().replace(u'_', u'-');
+}
+
+QStringList valueTexts(const ReceivedMessage& message)
 {
     const MessageFields fields = messageFields(message.channel, message.name, message.payload);
-    QStringList values = fieldTexts(fields);
-    if (raw)
-        values += u"payload="_s + hexText(message.payload);
-    QStringList columns{message.time.toString(u"HH:mm:ss.zzz"), nameText(message.channel).leftJustified(kChannelWidth),
-                        nameText(message.name).leftJustified(kNameWidth), kindText(fields)};
-    if (!values.isEmpty())
-        columns += values.join(u' ');
-    return columns.join(u"  "_s);
+    QStringList texts;
+    for (const NamedValue& field : fields.values) {
+        const QString word = wordOf(message, field);
+        const QString value = word.isEmpty() ? nestedText(field.value) : word;
+        // A word that is all of a message needs no name.
+        texts += word.isEmpty() || fields.values.size() > 1 ? field.name + u'=' + value : value;
+    }
+    if (!fields.rest.isEmpty())
+        texts += u"rest="_s + restText(fields.rest);
+    if (!fields.isKnown)
+        texts.prepend(u"unknown"_s);
+    return texts;
+}
+
+QString messageText(const ReceivedMessage& message, const MessageLook& look, ParticipantNames& names)
+{
+    const QString time = message.time.toLocalTime().toString(u"HH:mm:ss.zzz");
+    const QString sender = names.nameOf(message.sender).leftJustified(kSenderWidth);
+    const QString word = messageWord(message.channel, message.name).leftJustified(kNameWidth);
+    QStringList values = valueTexts(message);
+    if (message.isLate)
+        values.prepend(u"(late)"_s);
+    if (look.isRaw)
+        values += {nameText(message.name), u"payload="_s + hexText(message.payload)};
+    QString rest =
+        shortName(message.channel).leftJustified(kChannelWidth) + u"  "_s + word + u"  "_s + values.join(u' ');
+    while (rest.endsWith(u' '))
+        rest.chop(1);
+    if (look.width > 0)
+        rest = elided(rest, std::max<qsizetype>(look.width - time.size() - sender.size() - 4, 1));
+    const auto shown = [&](const QString& text, Colour colour) {
+        return look.isColourful ? coloured(text, colour) : text;
+    };
+    return shown(time, Colour::Green) + u"  "_s + shown(sender, Colour::Yellow) + u"  "_s + rest;
 }
 
 QJsonObject messageJson(const ReceivedMessage& message, bool raw)
@@ -123,6 +187,21 @@ QJsonObject messageJson(const ReceivedMessage& message, bool raw)
                        {u"fields"_s, values},
                        {u"missing"_s, missing},
                        {u"rest"_s, hexText(fields.rest)}};
+    QJsonObject words;
+    for (const NamedValue& field : fields.values) {
+        const QString word = wordOf(message, field);
+        if (!word.isEmpty())
+            words.insert(field.name, word);
+    }
+    object.insert(u"words"_s, words);
+    object.insert(u"from"_s, message.sender.isKnown() ? participantJson(message.sender) : QJsonValue());
+    if (message.hearers) {
+        QJsonArray hearers;
+        for (const Participant& hearer : *message.hearers)
+            hearers += participantJson(hearer);
+        object.insert(u"hearers"_s, hearers);
+    }
+    object.insert(u"late"_s, message.isLate);
     if (raw)
         object.insert(u"payload"_s, hexText(message.payload));
     return object;

@@ -3,12 +3,14 @@
 
 #include "platform/qcop/ChannelFrame_p.h"
 #include "tools/recording/MessageFields.h"
+#include "tools/recording/Requests.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -18,21 +20,35 @@ namespace zyn::tool {
 namespace {
 
 constexpr char kHeader[] = "# zynphone recording, version ";
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
+constexpr int kOldestVersion = 1;
 constexpr char kCommentMark = '#';
 constexpr char kEscape = '%';
-constexpr char kEmptyPayload[] = "-";
+constexpr char kNothing[] = "-"; ///< an empty payload; nobody
+constexpr char kUnknown[] = "?";
+constexpr char kBetweenHearers = ',';
+constexpr char kProcessMark = '@';
 
 /// Graphic ASCII that percent-encoding would escape.
 constexpr char kPlain[] = "!\"$&'()*+,/:;<=>?@[\\]^`{|}";
 
 constexpr qsizetype kChannelWidth = 20;
 constexpr qsizetype kNameWidth = 16;
+constexpr qsizetype kMostHearers = 4096;
 constexpr qsizetype kLongestComment = 200;
 constexpr qsizetype kShownWord = 40;
 
-enum Column : qsizetype { TimeColumn, ChannelColumn, NameColumn, PayloadColumn, ColumnCount };
-constexpr std::array<const char*, ColumnCount> kColumns{"time", "channel", "message", "payload"};
+enum Column : qsizetype {
+    TimeColumn,
+    ChannelColumn,
+    NameColumn,
+    PayloadColumn,
+    SenderColumn,
+    HearersColumn,
+    ColumnCount,
+    OldColumnCount = SenderColumn, ///< of a line without sender and hearers
+};
+constexpr std::array<const char*, ColumnCount> kColumns{"time", "channel", "message", "payload", "sender", "hearers"};
 
 QString shown(const QByteArray& word)
 {
@@ -59,6 +75,25 @@ QByteArray comment(const ReceivedMessage& message)
     if (!fields.enumerator.isEmpty())
         parts.prepend(fields.enumerator);
     return parts.isEmpty() ? QByteArray() : "  # " + elided(parts.join(u' '), kLongestComment).toUtf8();
+}
+
+/// "program@process", or "?".
+QByteArray participantText(const Participant& participant)
+{
+    if (!participant.isKnown())
+        return kUnknown;
+    const QByteArray program = participant.program.toUtf8().toPercentEncoding();
+    return program + kProcessMark + QByteArray::number(qint64{participant.process});
+}
+
+QByteArray hearersText(const std::optional<QList<Participant>>& hearers)
+{
+    if (!hearers)
+        return kUnknown;
+    QByteArrayList texts;
+    for (const Participant& hearer : *hearers)
+        texts += participantText(hearer);
+    return texts.isEmpty() ? QByteArray(kNothing) : texts.join(kBetweenHearers);
 }
 
 QDateTime timeFrom(const QByteArray& word)
@@ -97,12 +132,37 @@ QCString nameFrom(const QByteArray& word, const char* what)
 
 QByteArray payloadFrom(const QByteArray& word)
 {
-    if (word == kEmptyPayload)
+    if (word == kNothing)
         return {};
     QByteArray payload = QByteArray::fromHex(word);
     if (payload.toHex() != word.toLower())
         throw failure(u"the payload '%1' is not an even number of hexadecimal digits"_s.arg(shown(word)));
     return payload;
+}
+
+Participant participantFrom(const QByteArray& word)
+{
+    if (word == kUnknown)
+        return {};
+    const qsizetype mark = word.lastIndexOf(kProcessMark);
+    bool isNumber = false;
+    const qint64 process = word.mid(mark + 1).toLongLong(&isNumber);
+    if (mark < 0 || !isNumber || process <= 0 || !isEscapedName(word))
+        throw failure(u"'%1' is not a process such as zynphone@123"_s.arg(shown(word)));
+    return {QString::fromUtf8(QByteArray::fromPercentEncoding(word.first(mark))), process};
+}
+
+std::optional<QList<Participant>> hearersFrom(const QByteArray& word)
+{
+    if (word == kUnknown)
+        return std::nullopt;
+    QList<Participant> hearers;
+    const QByteArrayList texts = word == kNothing ? QByteArrayList() : word.split(kBetweenHearers);
+    if (texts.size() > kMostHearers)
+        throw failure(u"more than %1 hearers"_s.arg(kMostHearers));
+    for (const QByteArray& text : texts)
+        hearers += participantFrom(text);
+    return hearers;
 }
 
 QList<QByteArray> wordsOf(const QByteArray& line)
@@ -143,12 +203,15 @@ QByteArray recordingHeader()
 
 void checkRecordingHeader(const QByteArray& line)
 {
-    if (line == recordingHeader())
-        return;
     if (!line.startsWith(kHeader))
         throw failure(u"no recording: it does not begin with '%1'"_s.arg(QLatin1String(recordingHeader())));
-    throw failure(u"a recording of version %1; this program reads version %2"_s.arg(
-        shown(line.mid(qsizetype(sizeof kHeader) - 1)), QString::number(kVersion)));
+    const QByteArray version = line.mid(qsizetype(sizeof kHeader) - 1);
+    for (int known = kOldestVersion; known <= kVersion; ++known) {
+        if (version == QByteArray::number(known))
+            return;
+    }
+    throw failure(u"a recording of version %1; this program reads versions %2 to %3"_s.arg(
+        shown(version), QString::number(kOldestVersion), QString::number(kVersion)));
 }
 
 bool isRecordingComment(const QByteArray& line)
@@ -160,20 +223,25 @@ bool isRecordingComment(const QByteArray& line)
 
 QByteArray recordingLine(const ReceivedMessage& message)
 {
-    const QByteArray payload = message.payload.isEmpty() ? kEmptyPayload : message.payload.toHex();
+    const QByteArray payload = message.payload.isEmpty() ? kNothing : message.payload.toHex();
     return timeText(message.time) + ' ' + escaped(message.channel).leftJustified(kChannelWidth) + ' '
-           + escaped(message.name).leftJustified(kNameWidth) + ' ' + payload + comment(message) + '\n';
+           + escaped(message.name).leftJustified(kNameWidth) + ' ' + payload + ' ' + participantText(message.sender)
+           + ' ' + hearersText(message.hearers) + comment(message) + '\n';
 }
 
 ReceivedMessage messageFromLine(const QByteArray& line)
 {
     const QList<QByteArray> words = wordsOf(line);
-    if (words.size() < ColumnCount)
+    if (words.size() < ColumnCount && words.size() != OldColumnCount)
         throw failure(u"missing %1"_s.arg(QLatin1String(kColumns[size_t(words.size())])));
     if (words.size() > ColumnCount)
         throw failure(u"superfluous '%1'"_s.arg(shown(words[ColumnCount])));
     ReceivedMessage message{timeFrom(words[TimeColumn]), nameFrom(words[ChannelColumn], kColumns[ChannelColumn]),
                             nameFrom(words[NameColumn], kColumns[NameColumn]), payloadFrom(words[PayloadColumn])};
+    if (words.size() == ColumnCount) {
+        message.sender = participantFrom(words[SenderColumn]);
+        message.hearers = hearersFrom(words[HearersColumn]);
+    }
     if (message.name.size() + message.payload.size() > kMessageLimit)
         throw failure(u"the message's name and payload have more than %1 bytes"_s.arg(kMessageLimit));
     return message;
@@ -190,6 +258,7 @@ Recording::Recording(const QString& path)
     try {
         std::optional<QByteArray> line = nextLine(file, buffer);
         checkRecordingHeader(line.value_or(QByteArray()));
+        m_isOlder = line != recordingHeader();
         while (line) {
             ++number;
             line = nextLine(file, buffer);
@@ -225,6 +294,17 @@ void Recording::keepOnly(const QStringList& channels)
     std::erase_if(m_messages, [&wanted](const ReceivedMessage& message) { return !wanted.contains(message.channel); });
 }
 
+std::vector<ReceivedMessage> Recording::takeRequests()
+{
+    const auto tells = [](const ReceivedMessage& message) {
+        return requestedAction(message.channel, message.name).isEmpty();
+    };
+    const auto requests = std::stable_partition(m_messages.begin(), m_messages.end(), tells);
+    std::vector<ReceivedMessage> taken(std::make_move_iterator(requests), std::make_move_iterator(m_messages.end()));
+    m_messages.erase(requests, m_messages.end());
+    return taken;
+}
+
 QSet<QCString> Recording::channels() const
 {
     QSet<QCString> channels;
@@ -237,11 +317,13 @@ RecordingWriter::RecordingWriter(const QString& path, Existing existing)
     : m_file(path)
 {
     const bool wasThere = m_file.exists();
+    bool isOlder = false; // what an older version has written
     const bool isNew = existing != Existing::Append || !wasThere;
     if (!isNew) {
         const Recording before(path);
+        isOlder = before.isOlder();
         if (!before.messages().empty())
-            m_start = std::max(m_start, before.messages().back().time);
+            m_last = before.messages().back().time;
     } else if (existing == Existing::Refuse && wasThere) {
         throw failure(u"%1 exists; --force replaces it, --append adds to it"_s.arg(path));
     }
@@ -251,17 +333,22 @@ RecordingWriter::RecordingWriter(const QString& path, Existing existing)
     const bool isOpen = m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode) || fail();
     if (!isOpen)
         throw failure(m_error);
-    if (isNew && !writeLine(recordingHeader() + '\n')) {
+    if ((isNew || isOlder) && !writeLine(recordingHeader() + '\n')) {
         if (!wasThere)
             m_file.remove();
         throw failure(m_error);
     }
-    m_sinceStart.start();
 }
 
-bool RecordingWriter::write(const QCString& channel, const QCString& name, const QByteArray& payload)
+bool RecordingWriter::write(ReceivedMessage message)
 {
-    return writeLine(recordingLine({now(), channel, name, payload}));
+    if (!m_shift)
+        m_shift = m_last.isValid() ? std::max<qint64>(message.time.msecsTo(m_last), 0) : 0;
+    message.time = message.time.addMSecs(*m_shift);
+    if (m_last.isValid() && message.time < m_last)
+        message.time = m_last;
+    m_last = message.time;
+    return writeLine(recordingLine(message));
 }
 
 bool RecordingWriter::writeLine(const QByteArray& line)

@@ -6,12 +6,12 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDateTime>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <optional>
 #include <vector>
 
 namespace zyn::tool {
@@ -44,8 +44,14 @@ public:
     /// Keeps only messages on @p channels, unless that is empty. Throws a failure if one of them has no message.
     void keepOnly(const QStringList& channels);
 
+    /// Removes the messages that ask for something, and returns them.
+    std::vector<ReceivedMessage> takeRequests();
+
     /// The channels in the recording.
     QSet<QCString> channels() const;
+
+    /// Whether it begins as older versions have written it.
+    bool isOlder() const { return m_isOlder; }
 
     /// Ordered by time, in UTC.
     const std::vector<ReceivedMessage>& messages() const { return m_messages; }
@@ -54,6 +60,7 @@ private:
     void addLine(const QByteArray& line);
 
     QString m_path;
+    bool m_isOlder = false;
     std::vector<ReceivedMessage> m_messages;
 };
 
@@ -71,8 +78,9 @@ public:
     /// Creates or opens the file @p path. Throws a failure.
     RecordingWriter(const QString& path, Existing existing);
 
-    /// Adds a message that has just arrived; false if it cannot be written.
-    bool write(const QCString& channel, const QCString& name, const QByteArray& payload);
+    /// Adds a message; false if it cannot be written. Where its time is before that of the last one, that of the last
+    /// one is written; what is added to a recording that ends later begins at its end.
+    bool write(ReceivedMessage message);
 
     /// The error as one line.
     QString errorText() const { return m_error; }
@@ -80,13 +88,11 @@ public:
 private:
     bool writeLine(const QByteArray& line);
     bool fail();
-    QDateTime now() const { return m_start.addMSecs(m_sinceStart.elapsed()); }
 
     QFile m_file;
     QString m_error;
-    /// The pauses stay right if the clock is set meanwhile.
-    QDateTime m_start = QDateTime::currentDateTimeUtc();
-    QElapsedTimer m_sinceStart;
+    QDateTime m_last;              ///< the time of the last message
+    std::optional<qint64> m_shift; ///< added to the times of messages, in milliseconds
 };
 
 } // namespace zyn::tool

@@ -211,6 +211,21 @@ ExitCode runCommand(const Command& command, const QString& path, const QStringLi
     }
 }
 
+TimeLimit::TimeLimit(const Invocation& invocation, const QString& option)
+{
+    if (!invocation.isSet(option))
+        return;
+    constexpr double kLeast = 0.001;
+    constexpr int kMost = std::numeric_limits<int>::max() / 1000; // of QTimer
+    const QString text = invocation.value(option);
+    bool isNumber = false;
+    const double seconds = text.toDouble(&isNumber);
+    if (!isNumber || !(seconds >= kLeast && seconds <= kMost))
+        throw usageError(u"--%1 '%2' is not a number of seconds from %3 to %4"_s.arg(
+            option, text, QString::number(kLeast), QString::number(kMost)));
+    m_time = std::chrono::milliseconds(static_cast<qint64>(seconds * 1000));
+}
+
 int wholeNumber(const QString& text, const QString& what, int lowest, int highest)
 {
     const std::optional<int> number = handset::wholeNumber(text);

@@ -99,7 +99,7 @@ ExitCode runCommand(const Command& command, const QString& path, const QStringLi
 int wholeNumber(const QString& text, const QString& what, int lowest = std::numeric_limits<int>::min(),
                 int highest = std::numeric_limits<int>::max());
 
-/// A limit on the event loop's run time, from an option in seconds.
+/// A limit on the event loop's run time, from an option in seconds, which may have a fraction.
 class TimeLimit
 {
 public:
@@ -109,24 +109,19 @@ public:
     }
 
     /// @param option  the option, if not option()
-    explicit TimeLimit(const Invocation& invocation, const QString& option = u"for"_s)
-        : m_seconds(limitFrom(invocation, option, kMaxSeconds))
-    {}
+    explicit TimeLimit(const Invocation& invocation, const QString& option = u"for"_s);
 
-    bool isSet() const { return m_seconds.has_value(); }
+    bool isSet() const { return m_time.has_value(); }
 
     /// Starts the timer, if a limit is set.
     void start() const
     {
-        if (m_seconds)
-            QTimer::singleShot(std::chrono::seconds(*m_seconds), QCoreApplication::instance(), &QCoreApplication::quit);
+        if (m_time)
+            QTimer::singleShot(*m_time, QCoreApplication::instance(), &QCoreApplication::quit);
     }
 
 private:
-    /// The maximum of QTimer.
-    static constexpr int kMaxSeconds = std::numeric_limits<int>::max() / 1000;
-
-    std::optional<int> m_seconds;
+    std::optional<std::chrono::milliseconds> m_time;
 };
 
 } // namespace zyn::tool
