@@ -177,10 +177,14 @@ void sendCalls(const std::vector<PHONE_ENG_RecentCall>& calls)
     const Progress progress(state);
     for (auto call = calls.crbegin(); call != calls.crend(); ++call) {
         if (RC_Interface().addRecord(RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(*call))) != 0)
-            throw failure(recentCallServiceError().message() + u"; "_s + state());
+            throw failure(recentCallServiceError().message() + u"; "_s
+                          + (calls.size() == 1 ? u"the call is not logged"_s : state()));
         ++sent;
         QCoreApplication::processEvents();
     }
+    // It acknowledges no call. One that has stopped would take them all the same.
+    if (!calls.empty() && !handset::fetchCalls(RC_CALL_CATEGORY_ALL))
+        throw failure(recentCallServiceError().message() + u"; what was sent is not logged yet"_s);
 }
 
 } // namespace zyn::tool

@@ -28,9 +28,7 @@ ExitCode listCalls(const Invocation& invocation, Console& console)
 
 ExitCode addCall(const Invocation& invocation, Console& console)
 {
-    const RC_RecordInterfaceImpl record(new Call(callFrom(invocation)));
-    if (RC_Interface().addRecord(record) != 0)
-        throw recentCallServiceError();
+    sendCalls({callFrom(invocation)});
     console.write(u"sent\n"_s);
     return Done;
 }

@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-/// The line used by entry points without a line argument.
-
 struct Request
 {
     QByteArray number;
@@ -76,25 +74,23 @@ ExitCode dial(const Invocation& invocation, Console& console)
     Request request = requestFrom(invocation);
     const int mode = numberFrom(invocation, u"mode"_s, 0);
     requireChannel(kVoiceCallChannel);
-    if (way == "direct"_L1)
-        PHONE_MakeVoiceCallDirectly(request.number.constData());
-    else if (way == "prepend"_L1)
-        PHONE_MakeVoiceCallPrependly(request.number.constData());
-    else if (way == "mode"_L1)
-        makeCall(request, mode);
-    else
-        PHONE_MakeVoiceCall(request.number.data(), request.name, request.flag,
-                            static_cast<PHONE_MAKE_CALL_CLIR_T>(request.clir), request.line);
-    console.write(u"sent\n"_s);
-    return Done;
+    return sendOn(kVoiceCallChannel, console, [&] {
+        if (way == "direct"_L1)
+            PHONE_MakeVoiceCallDirectly(request.number.constData());
+        else if (way == "prepend"_L1)
+            PHONE_MakeVoiceCallPrependly(request.number.constData());
+        else if (way == "mode"_L1)
+            makeCall(request, mode);
+        else
+            PHONE_MakeVoiceCall(request.number.data(), request.name, request.flag,
+                                static_cast<PHONE_MAKE_CALL_CLIR_T>(request.clir), request.line);
+    });
 }
 
 ExitCode hangUp(const Invocation& /*invocation*/, Console& console)
 {
     requireChannel(kVoiceCallChannel);
-    PHONE_EndVoiceCall();
-    console.write(u"sent\n"_s);
-    return Done;
+    return sendOn(kVoiceCallChannel, console, [] { PHONE_EndVoiceCall(); });
 }
 
 } // namespace
@@ -104,7 +100,8 @@ Command dialCommand()
     return {.name = u"dial"_s,
             .summary = u"Ask the phone application for a voice call, which does not say what becomes of it"_s,
             .details =
-                u"\n--direct, --prepend and --mode exclude each other; the first two go with no other option.\n"_s,
+                u"\n--direct, --prepend and --mode exclude each other; the first two go with no other option.\n"_s
+                + sendingDetails(),
             .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
             .options = {valueOption(u"name"_s, u"NAME"_s, callNameMeaning()),
                         valueOption(u"clir"_s, u"N"_s, u"restriction of the own number; 0 by default"_s),
@@ -118,7 +115,10 @@ Command dialCommand()
 
 Command hangupCommand()
 {
-    return {.name = u"hangup"_s, .summary = u"Ask the phone application to end the voice call"_s, .run = hangUp};
+    return {.name = u"hangup"_s,
+            .summary = u"Ask the phone application to end the voice call"_s,
+            .details = sendingDetails(),
+            .run = hangUp};
 }
 
 } // namespace zyn::tool

@@ -3,6 +3,7 @@
 
 #include "platform/HandsetState_p.h"
 #include "platform/UTIL_PhoneStatus.h"
+#include "platform/posix/File_p.h"
 #include "tools/commands/CallOptions.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
@@ -11,6 +12,8 @@
 
 #include <QtCore/QJsonObject>
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -95,6 +98,18 @@ constexpr Column<QString> kNumberColumns[] = {
     {"number", "NUMBER", [](const QString& number) { return QJsonValue(number); }},
 };
 
+/// Says why no number is an emergency number, where that is for want of a list.
+void noteMissingList(Console& console)
+{
+    if (posix::openForReading(emergency::kListFile).isValid())
+        return;
+    const int error = errno;
+    const QLatin1String path(emergency::kListFile);
+    console.writeError(error == ENOENT
+                           ? u"zynphone: there is no list of emergency numbers, %1"_s.arg(path)
+                           : u"zynphone: cannot read %1: %2"_s.arg(path, QString::fromLocal8Bit(std::strerror(error))));
+}
+
 ExitCode showTyping(const Invocation& invocation, Console& console)
 {
     const QString text = invocation.value(u"typing"_s);
@@ -107,6 +122,7 @@ ExitCode showTyping(const Invocation& invocation, Console& console)
             verdicts.push_back(verdictOn(text.left(keys), numbers));
     }
     printTable(console, Table(kVerdictColumns, verdicts), invocation.isSet(u"json"_s));
+    noteMissingList(console);
     return Done;
 }
 
@@ -118,6 +134,7 @@ ExitCode checkNumber(const QString& number, Console& console, bool json)
         console.write(QJsonDocument(QJsonObject{{u"number"_s, number}, {u"emergency"_s, isEmergency}}));
     else
         console.write(u"%1 is %2 emergency number\n"_s.arg(printable(number), isEmergency ? u"an"_s : u"no"_s));
+    noteMissingList(console);
     return Done;
 }
 
@@ -135,6 +152,7 @@ ExitCode answer(const Invocation& invocation, Console& console)
 ExitCode listNumbers(const Invocation& invocation, Console& console)
 {
     printTable(console, Table(kNumberColumns, emergency::readList()), invocation.isSet(u"json"_s));
+    noteMissingList(console);
     return Done;
 }
 

@@ -104,10 +104,10 @@ ExitCode announce(const Invocation& invocation, Console& console)
     const TopPals_Details_T details{invocation.value(u"name"_s), invocation.argument(1), invocation.value(u"image"_s),
                                     numberFrom(invocation, u"contact-id"_s, 0)};
     requireChannel(kActivityLogChannel);
-    if (!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(invocation.argument(0), details))
-        throw failure(u"a listener does not take the message"_s);
-    console.write(u"sent\n"_s);
-    return Done;
+    return sendOn(kActivityLogChannel, console, [&] {
+        if (!RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(invocation.argument(0), details))
+            throw failure(u"a listener does not take the message"_s);
+    });
 }
 
 Command listRow()

@@ -4,9 +4,11 @@
 #include "handset/common/TerminationSignals.h"
 #include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "tools/commands/MessageSending.h"
+#include "tools/commands/ServiceWatch.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
@@ -70,6 +72,7 @@ public:
     {
         QObject::connect(RC_MissedCallInterface::instance(), &RC_MissedCallInterface::dataUpdate, &m_update,
                          &Debouncer::trigger);
+        m_service.start();
         show();
         if (!isOver())
             QCoreApplication::exec();
@@ -80,6 +83,8 @@ private:
 
     void showAgain()
     {
+        // A service that begins announces its calls.
+        m_service.start();
         try {
             show();
         } catch (const CommandError& error) {
@@ -89,12 +94,19 @@ private:
             QCoreApplication::quit();
     }
 
+    void tellEnd()
+    {
+        m_console.writeError(u"zynphone: the recent-call service has ended; the calls are shown when one runs again"_s);
+        m_shown.reset();
+    }
+
     Console& m_console;
     const bool m_json;
     std::optional<int> m_left; ///< unset without a limit
     std::optional<QJsonObject> m_shown;
     MissedCallEngine m_engine;
     Debouncer m_update{[this] { showAgain(); }};
+    ServiceWatch m_service{recentcall::kSocketPath, [this] { tellEnd(); }};
 };
 
 ExitCode showMissed(const Invocation& invocation, Console& console)

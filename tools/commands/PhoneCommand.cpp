@@ -71,7 +71,7 @@ QByteArray PhoneControl::next(phonecontrol::Reply expected)
     if (!reply && posix::waitUntilClosed(m_socket.get(), posix::Clock::now()))
         throw failure(u"the phone server closed the connection"_s);
     if (!reply)
-        throw failure(u"the phone server at %1 did not answer within 5 seconds"_s.arg(m_path));
+        throw noAnswerError(u"phone server"_s, m_path);
     const std::span<std::byte> bytes = commandData(*reply);
     const QByteArray data(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
     if (reply->commandId == phonecontrol::Refused)

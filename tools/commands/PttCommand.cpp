@@ -34,18 +34,16 @@ ExitCode startCall(const Invocation& invocation, Console& console)
 {
     const PTT_CALL_INFO_T info = pttCallFrom(invocation);
     requireChannel(kPttChannel);
-    if (PHONE_MakePttCall(info) == 0)
-        throw failure(u"the library refuses the call"_s);
-    console.write(u"sent\n"_s);
-    return Done;
+    return sendOn(kPttChannel, console, [&] {
+        if (PHONE_MakePttCall(info) == 0)
+            throw failure(u"the library refuses the call"_s);
+    });
 }
 
 ExitCode dropCall(const Invocation& /*invocation*/, Console& console)
 {
     requireChannel(kPttChannel);
-    PHONE_DropPttCall();
-    console.write(u"sent\n"_s);
-    return Done;
+    return sendOn(kPttChannel, console, [] { PHONE_DropPttCall(); });
 }
 
 } // namespace
@@ -55,14 +53,17 @@ Command pttCommand()
     Command call{
         .name = u"call"_s,
         .summary = u"Ask the push-to-talk application for a call"_s,
-        .details = u"\nWhat follows a number's '=' is its entry in the request's second list.\n"_s,
+        .details = u"\nWhat follows a number's '=' is its entry in the request's second list.\n"_s + sendingDetails(),
         .arguments = {{u"NUMBER[=TEXT]"_s,
                        u"a party, at most %1 of them; the number is %2"_s.arg(kMaxPttParties).arg(callNumberMeaning()),
                        Argument::Many}},
         .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
                     valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
         .run = startCall};
-    Command drop{.name = u"drop"_s, .summary = u"Ask the push-to-talk application to end the call"_s, .run = dropCall};
+    Command drop{.name = u"drop"_s,
+                 .summary = u"Ask the push-to-talk application to end the call"_s,
+                 .details = sendingDetails(),
+                 .run = dropCall};
     return {.name = u"ptt"_s, .summary = u"Push-to-talk calls"_s, .verbs = {std::move(call), std::move(drop)}};
 }
 

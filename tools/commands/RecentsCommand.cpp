@@ -14,6 +14,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QScopeGuard>
 
+#include <functional>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -25,14 +26,17 @@ using handset::kPickerPage;
 using handset::kScreenPages;
 using handset::ScreenPage;
 
-constexpr auto kSendOnly = "\nThe screens do not say what becomes of it.\n"_L1;
-
-ExitCode reportSent(bool isSent, Console& console)
+QString sendOnlyDetails()
 {
-    if (!isSent)
-        throw failure(u"cannot send on %1"_s.arg(QLatin1String(kRecentCallChannel)));
-    console.write(u"sent\n"_s);
-    return Done;
+    return u"\nThe screens do not say what becomes of it.\n"_s + sendingDetails();
+}
+
+ExitCode sendToScreens(Console& console, const std::function<bool()>& send)
+{
+    return sendOn(kRecentCallChannel, console, [&send] {
+        if (!send())
+            throw failure(u"cannot send on %1"_s.arg(QLatin1String(kRecentCallChannel)));
+    });
 }
 
 RC_CALL_CATEGORY_T categoryFrom(const QString& word)
@@ -52,23 +56,26 @@ RC_PAGE_ID_T pageFrom(const QString& word)
 
 ExitCode showList(const Invocation& invocation, Console& console)
 {
-    return reportSent(RecentCall_Msg::requestShowUI(categoryFrom(invocation.argument(0))), console);
+    const RC_CALL_CATEGORY_T category = categoryFrom(invocation.argument(0));
+    return sendToScreens(console, [category] { return RecentCall_Msg::requestShowUI(category); });
 }
 
 ExitCode showPage(const Invocation& invocation, Console& console)
 {
-    return reportSent(RecentCall_Msg::requestShowPage(pageFrom(invocation.argument(0))), console);
+    const RC_PAGE_ID_T page = pageFrom(invocation.argument(0));
+    return sendToScreens(console, [page] { return RecentCall_Msg::requestShowPage(page); });
 }
 
 ExitCode showDetail(const Invocation& invocation, Console& console)
 {
     const int index = wholeNumber(invocation.argument(1), u"INDEX"_s);
-    return reportSent(RecentCall_Msg::showRecordDetail(index, categoryFrom(invocation.argument(0))), console);
+    const RC_CALL_CATEGORY_T category = categoryFrom(invocation.argument(0));
+    return sendToScreens(console, [=] { return RecentCall_Msg::showRecordDetail(index, category); });
 }
 
 ExitCode hide(const Invocation& /*invocation*/, Console& console)
 {
-    return reportSent(RecentCall_Msg::requestHideUI(), console);
+    return sendToScreens(console, [] { return RecentCall_Msg::requestHideUI(); });
 }
 
 ExitCode pick(const Invocation& invocation, Console& console)
@@ -118,7 +125,7 @@ Command showRow()
 {
     return {.name = u"show"_s,
             .summary = u"Ask for the calls of a list"_s,
-            .details = kSendOnly,
+            .details = sendOnlyDetails(),
             .arguments = {kListArgument},
             .words = listWords(),
             .run = showList};
@@ -128,7 +135,7 @@ Command pageRow()
 {
     return {.name = u"page"_s,
             .summary = u"Ask for a page"_s,
-            .details = kSendOnly,
+            .details = sendOnlyDetails(),
             .arguments = {{u"PAGE"_s, u"%1, or any number"_s.arg(pageNames().join(u", "_s))}},
             .words = {{u"PAGE"_s, pageNames()}},
             .run = showPage};
@@ -138,7 +145,7 @@ Command detailRow()
 {
     return {.name = u"detail"_s,
             .summary = u"Ask for the details of one call"_s,
-            .details = kSendOnly,
+            .details = sendOnlyDetails(),
             .arguments = {kListArgument, {u"INDEX"_s, u"of the call in the list, newest first, from 0"_s}},
             .words = listWords(),
             .run = showDetail};
@@ -162,11 +169,12 @@ Command recentsCommand()
 {
     return {.name = u"recents"_s,
             .summary = u"The recent-call screens"_s,
-            .verbs = {showRow(),
-                      pageRow(),
-                      detailRow(),
-                      {.name = u"hide"_s, .summary = u"Ask the screens to hide"_s, .details = kSendOnly, .run = hide},
-                      pickRow()}};
+            .verbs = {
+                showRow(),
+                pageRow(),
+                detailRow(),
+                {.name = u"hide"_s, .summary = u"Ask the screens to hide"_s, .details = sendOnlyDetails(), .run = hide},
+                pickRow()}};
 }
 
 } // namespace zyn::tool

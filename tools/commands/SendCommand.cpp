@@ -5,11 +5,14 @@
 
 #include "handset/common/FieldWords.h"
 #include "platform/QCopChannel.h"
+#include "platform/qcop/ChannelDirectory_p.h"
 #include "tools/commands/Channels.h"
+#include "tools/doctor/SocketProbe.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -55,6 +58,17 @@ QByteArray bytesOf(const QString& typed)
     return encode(std::span(&field, 1), std::span(&value, 1));
 }
 
+/// Whether a message on @p channel would reach a listener, now or when it goes on.
+bool isHeard(const QCString& channel)
+{
+    const auto directory = ChannelDirectory::open(ChannelEnvironment::current().root(), channel);
+    const auto listeners = directory ? directory->listeners() : QList<QByteArray>();
+    return !listeners || std::ranges::any_of(*listeners, [&](const QByteArray& name) {
+        const SocketProbe::State state = SocketProbe::of(directory->connectTo(name)).state;
+        return state != SocketProbe::Dead && state != SocketProbe::Missing && state != SocketProbe::Foreign;
+    });
+}
+
 ExitCode send(const Invocation& invocation, Console& console)
 {
     if (invocation.argument(0).isEmpty())
@@ -64,17 +78,34 @@ ExitCode send(const Invocation& invocation, Console& console)
     QByteArray payload;
     for (const QString& typed : invocation.arguments().mid(2))
         payload += bytesOf(typed);
-    sendMessage(invocation.argument(0), invocation.argument(1), payload, console);
-    return Done;
+    return sendMessage(invocation.argument(0), invocation.argument(1), payload, console);
 }
 
 } // namespace
 
-void sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console)
+ExitCode sendOn(const QCString& channel, Console& console, const std::function<void()>& send)
 {
-    if (!QCopChannel::send(channel.toUtf8(), message.toUtf8(), payload))
-        throw failure(u"cannot send on %1"_s.arg(channel));
+    // Whoever begins to listen afterwards hears nothing of it.
+    const bool reachesSomebody = isHeard(channel);
+    send();
+    if (!reachesSomebody)
+        throw CommandError(NobodyListens, u"sent; nobody listens on %1"_s.arg(QString::fromUtf8(channel)));
     console.write(u"sent\n"_s);
+    return Done;
+}
+
+ExitCode sendMessage(const QString& channel, const QString& message, const QByteArray& payload, Console& console)
+{
+    return sendOn(channel.toUtf8(), console, [&] {
+        if (!QCopChannel::send(channel.toUtf8(), message.toUtf8(), payload))
+            throw failure(u"cannot send on %1"_s.arg(channel));
+    });
+}
+
+QString sendingDetails()
+{
+    return u"\nThe exit code is %1 when nobody listens on the channel: what was sent is lost.\n"_s.arg(
+        int{NobodyListens});
 }
 
 void requireChannel(const char* channel, const QString& use)
@@ -95,7 +126,8 @@ Command sendCommand()
                        "  bool:1       0 or 1, as a number of 32 bits\n"
                        "  text:Hello   a text\n"
                        "  null         a null text\n"
-                       "  hex:00ff12   bytes as they are\n"_s,
+                       "  hex:00ff12   bytes as they are\n"_s
+                       + sendingDetails(),
             .arguments = {{u"CHANNEL"_s, u"such as /ZYN/phone"_s},
                           {u"MESSAGE"_s, u"such as PHONE_MSG_13"_s},
                           {u"TYPE:VALUE"_s, u"a field of the payload"_s, Argument::Any}},

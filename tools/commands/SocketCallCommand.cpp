@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
+#include "platform/CommandFrame_p.h"
 #include "tools/commands/CallOptions.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Command.h"
@@ -18,6 +19,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QObject>
 #include <QtCore/QScopeGuard>
+#include <QtCore/QTimer>
 
 #include <array>
 #include <cstdint>
@@ -127,6 +129,7 @@ public:
             QCoreApplication::quit();
     }
 
+    bool hasBegun() const { return m_last != 0; }
     bool isOver() const { return m_last == voicecall::CallEnded || hasFailed(); }
     bool hasFailed() const { return m_last == voicecall::CallFailed; }
 
@@ -135,10 +138,14 @@ private:
     int m_last = 0;
 };
 
+QString serverPath()
+{
+    return QLatin1String(voicecall::kSocketDirectory) + u'/' + QLatin1String(voicecall::kSocketName);
+}
+
 CommandError serverError()
 {
-    return serviceError(u"phone server"_s,
-                        QLatin1String(voicecall::kSocketDirectory) + u'/' + QLatin1String(voicecall::kSocketName));
+    return serviceError(u"phone server"_s, serverPath());
 }
 
 /// Runs the event loop until the call, the connection or the time ends, or a signal arrives.
@@ -147,7 +154,18 @@ ExitCode follow(const Replies& replies, const TimeLimit& limit)
     const handset::TerminationSignals signalsThatEnd;
     const ConnectionWatch watch(voicecall::kSocketName);
     limit.start();
+    bool isSilent = false;
+    QTimer patience;
+    patience.setSingleShot(true);
+    patience.callOnTimeout([&] {
+        isSilent = !replies.hasBegun();
+        if (isSilent)
+            QCoreApplication::quit();
+    });
+    patience.start(kCommandTimeout);
     QCoreApplication::exec();
+    if (isSilent)
+        throw noAnswerError(u"phone server"_s, serverPath());
     if (watch.isLost() && !replies.isOver())
         throw failure(u"the phone server closed the connection"_s);
     return replies.hasFailed() ? Failed : Done;
@@ -226,8 +244,8 @@ Command stkCommand()
 {
     Command call{
         .name = u"call"_s,
-        .summary = u"Place a call as the SIM-toolkit application does"_s,
-        .details = details(),
+        .summary = u"Place a call as the SIM-toolkit application does, which never ends one"_s,
+        .details = details() + u"A call that goes on when the time is over stays; 'zynphone hangup' has it ended.\n"_s,
         .arguments = {{u"PARAMETER"_s, u"hex: and the block's %1 bytes, or the number that it begins with, %2"_s
                                            .arg(sizeof(PHONE_VoiceSTK_PARAMETER))
                                            .arg(callNumberMeaning())}},

@@ -147,8 +147,7 @@ ExitCode sendStatus(const Invocation& invocation, Console& console)
     const std::vector<FieldValue> values = isSnapshot           ? snapshotValues(words, invocation)
                                            : message.isRecord() ? networkValues(words)
                                                                 : plainValues(message, words);
-    sendMessage(QLatin1String(message.channel), QLatin1String(message.name), encode(message, values), console);
-    return Done;
+    return sendMessage(QLatin1String(message.channel), QLatin1String(message.name), encode(message, values), console);
 }
 
 /// The help for @p message and its arguments.
@@ -182,7 +181,7 @@ Command statusCommand()
 {
     return {.name = u"status"_s,
             .summary = u"Send a status message as the phone server does"_s,
-            .details = nameList(),
+            .details = nameList() + sendingDetails(),
             .arguments = {{u"NAME"_s, u"which status"_s}, {u"ARG"_s, u"as the name takes them"_s, Argument::Any}},
             .options = snapshotOptions(),
             .words = {{u"NAME"_s, statusNames()}},

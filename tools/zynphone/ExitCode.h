@@ -13,6 +13,7 @@ enum ExitCode : int {
     Usage = 2,           ///< the command line is invalid
     NothingPicked = 3,   ///< the user was asked and picked nothing
     NoStore = 4,         ///< the directory is not a store
+    NobodyListens = 4,   ///< what was sent reaches nobody
     NotAllowed = 77,     ///< the kernel does not allow it here: test programs count it as skipped
     NotStarted = 125,    ///< a service that the command needs did not start
     NotExecutable = 126, ///< the command cannot be run
@@ -50,7 +51,10 @@ inline CommandError usageError(QString message)
 /// Why a request to @p service at @p path failed. The library's results do not tell, so this connects again.
 CommandError serviceError(const QString& service, const QString& path);
 
-/// The same for the recent-call service.
+/// That @p service at @p path has not answered for as long as the library waits.
+CommandError noAnswerError(const QString& service, const QString& path);
+
+/// serviceError() for the recent-call service.
 CommandError recentCallServiceError();
 
 } // namespace zyn::tool
