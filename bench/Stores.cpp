@@ -296,16 +296,19 @@ Prepare addEntry(int slots)
     return [slots](const QByteArray& directory) -> Job {
         constexpr int kOften = 10;
         useFavourite(directory, slots, slots - kOften);
-        const auto added = std::make_shared<std::vector<Entry>>();
-        const auto run = [added] {
-            added->push_back(entry(0));
-            require(ActivityLog_ENG_RecordStore::instance()->addTopPalsAvlItem(added->back()) == 1, "adding an entry");
+        // What comes is made beforehand, as it is for the bare write: a copy of an entry prints.
+        const auto coming = std::make_shared<std::vector<std::unique_ptr<Entry>>>();
+        for (int i = 0; i < kOften; ++i)
+            coming->push_back(std::make_unique<Entry>(entry(0)));
+        const auto added = std::make_shared<size_t>(0);
+        const auto run = [coming, added] {
+            Entry& record = *coming->at((*added)++);
+            require(ActivityLog_ENG_RecordStore::instance()->addTopPalsAvlItem(record) == 1, "adding an entry");
         };
-        const auto renew = [added] {
-            for (Entry& record : *added)
-                require(ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(record) == 1, "removing it");
-            added->clear();
-            added->reserve(kOften);
+        const auto renew = [coming, added] {
+            for (; *added > 0; --*added)
+                require(ActivityLog_ENG_RecordStore::instance()->removeTopPalsAvlItem(*coming->at(*added - 1)) == 1,
+                        "removing it");
         };
         ActivityLog_ENG_RecordStore::instance();
         renew();

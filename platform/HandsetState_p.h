@@ -3,6 +3,7 @@
 
 #include "platform/SETUP_SET_Manager.h"
 #include "platform/SettingsCache_p.h"
+#include "platform/SettingsFile_p.h"
 
 #include <array>
 
@@ -41,9 +42,9 @@ inline QString stateFile()
 /// The state as it is now.
 inline int readState(const State& state)
 {
-    int value = 0;
-    SETUP_SET_Manager(stateFile(), false).getSettingInfo(QLatin1String(kGroup), QLatin1String(state.key), value, 0);
-    return value;
+    const std::optional<QByteArray> stored =
+        storedSetting(stateFile(), QLatin1String(kGroup), QLatin1String(state.key));
+    return stored ? settingInt(*stored).value_or(0) : 0;
 }
 
 } // namespace zyn::handset

@@ -70,6 +70,8 @@ public:
     /// The last item, null in an empty list. The cursor stays.
     T* getLast() const { return at(m_items.size() - 1); }
 
+    /// Makes room for @p count items in all, so that append() need not make it bit by bit.
+    void reserve(qsizetype count) { m_items.reserve(count); }
     /// Puts @p item behind the last one.
     void append(T* item) { m_items.append(item); }
     /// Puts @p item in front of the first one.

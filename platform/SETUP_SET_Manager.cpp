@@ -5,29 +5,18 @@
 
 namespace {
 
-/// @p text without the blanks around it; nothing when it holds a NUL, at which a conversion would end too early.
-QByteArray word(const QByteArray& text)
-{
-    return text.contains('\0') ? QByteArray() : text.trimmed();
-}
-
-std::optional<int> toInt(const QByteArray& text)
-{
-    bool ok = false;
-    const int number = word(text).toInt(&ok);
-    return ok ? std::optional(number) : std::nullopt;
-}
+using zyn::settingWord;
 
 std::optional<unsigned int> toUInt(const QByteArray& text)
 {
     bool ok = false;
-    const unsigned int number = word(text).toUInt(&ok);
+    const unsigned int number = settingWord(text).toUInt(&ok);
     return ok ? std::optional(number) : std::nullopt;
 }
 
 std::optional<bool> toBool(const QByteArray& text)
 {
-    const QByteArray flag = word(text);
+    const QByteArray flag = settingWord(text);
     if (flag == "true" || flag == "1")
         return true;
     if (flag == "false" || flag == "0")
@@ -81,7 +70,7 @@ SETUP_SET_Manager::~SETUP_SET_Manager() = default;
 
 bool SETUP_SET_Manager::getSettingInfo(QString group, QString key, int& value, int defaultValue)
 {
-    return d->get(group, key, value, defaultValue, toInt);
+    return d->get(group, key, value, defaultValue, zyn::settingInt);
 }
 
 bool SETUP_SET_Manager::getSettingInfo(QString group, QString key, unsigned int& value, unsigned int defaultValue)

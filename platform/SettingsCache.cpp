@@ -20,10 +20,10 @@ constexpr size_t kKeptFiles = 4;    // all that a process asks for
 constexpr size_t kKeptAnswers = 16; // few enough to be gone through
 
 /// The value of the last entry of @p key in @p group of @p text.
-std::optional<QByteArray> findEntry(const QByteArray& text, const QString& group, const QString& key)
+std::optional<QByteArray> findEntry(const QByteArray& text, QAnyStringView group, QAnyStringView key)
 {
-    const QByteArray wantedGroup = group.toUtf8();
-    const QByteArray wantedKey = key.toUtf8();
+    const QByteArray wantedGroup = group.toString().toUtf8();
+    const QByteArray wantedKey = key.toString().toUtf8();
     std::optional<QByteArray> found;
     bool inGroup = wantedGroup.isEmpty();
     forEachSettingsLine(text, [&](const SettingsLine& line, qsizetype, qsizetype) {
@@ -56,14 +56,14 @@ public:
     bool isAt(const QString& path) const { return m_version && m_path == path; }
     bool isCurrent() const { return m_version == posix::fileVersion(m_name); }
 
-    std::optional<QByteArray> value(const QString& group, const QString& key)
+    std::optional<QByteArray> value(QAnyStringView group, QAnyStringView key)
     {
         for (const Answer& answer : m_answers) {
             if (answer.key == key && answer.group == group)
                 return answer.value;
         }
         Answer& answer = m_answers.at(m_asked++ % kKeptAnswers);
-        answer = {ownCopy(group), ownCopy(key), findEntry(m_text, group, key)};
+        answer = {group.toString(), key.toString(), findEntry(m_text, group, key)};
         return answer.value;
     }
 
@@ -129,7 +129,7 @@ Cache* threadCache()
 
 } // namespace
 
-std::optional<QByteArray> storedSetting(const QString& path, const QString& group, const QString& key)
+std::optional<QByteArray> storedSetting(const QString& path, QAnyStringView group, QAnyStringView key)
 {
     Cache* const cache = threadCache();
     KeptFile* kept = nullptr;
@@ -142,6 +142,11 @@ std::optional<QByteArray> storedSetting(const QString& path, const QString& grou
 
     const QByteArray name = QFile::encodeName(path);
     const posix::UniqueFd file = posix::openForReading(name);
+    if (!file.isValid()) {
+        if (kept)
+            *kept = {};
+        return std::nullopt;
+    }
     // Taken before the file is read: one that changes meanwhile has another version afterwards.
     const std::optional<posix::FileVersion> version = posix::fileVersion(file.get());
     const bool isSettled = version && posix::isSettled(*version);

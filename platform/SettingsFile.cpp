@@ -154,6 +154,18 @@ QString settingText(const QByteArray& value)
     return text;
 }
 
+QByteArray settingWord(const QByteArray& value)
+{
+    return value.contains('\0') ? QByteArray() : value.trimmed();
+}
+
+std::optional<int> settingInt(const QByteArray& value)
+{
+    bool ok = false;
+    const int number = settingWord(value).toInt(&ok);
+    return ok ? std::optional(number) : std::nullopt;
+}
+
 std::optional<QByteArray> SettingsFile::value(const QString& group, const QString& key) const
 {
     return storedSetting(m_path, group, key);

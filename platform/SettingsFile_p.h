@@ -24,6 +24,13 @@ QString settingsFile(AM_Global::Apps app);
 /// The text that the stored bytes @p value stand for.
 QString settingText(const QByteArray& value);
 
+/// The stored bytes @p value without the blanks around them; nothing when they hold a NUL, at which a conversion would
+/// end too early.
+QByteArray settingWord(const QByteArray& value);
+
+/// The number that the stored bytes @p value stand for, if they do.
+std::optional<int> settingInt(const QByteArray& value);
+
 /// A settings file in the format that SETUP_SET_Manager describes.
 class SettingsFile
 {

@@ -25,4 +25,10 @@ inline QString latin1Text(std::span<const char> field)
     return QString::fromLatin1(field.data(), static_cast<qsizetype>(qstrnlen(field.data(), field.size())));
 }
 
+/// Whether @p text is the same in each encoding.
+inline bool isAscii(QByteArrayView text)
+{
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 } // namespace zyn

@@ -20,13 +20,14 @@ bool mayBecomeImeiCode(const QString& input)
 bool mayBecomePinCode(const QString& input)
 {
     const int simCard = UTIL_GetSimCardStatus();
-    PHONE_Log(kPhoneLogLevel, "Sim card status = %d", simCard);
+    zyn::LogText log;
+    log << "Sim card status = " << int32_t{simCard};
     if (!zyn::isSimCardReady(simCard))
         return false;
     const bool found = std::ranges::any_of(emergency::kPinCodes,
                                            [&](const char* code) { return QLatin1String(code).startsWith(input); });
     if (found)
-        PHONE_Log(kPhoneLogLevel, "Control code input = %s", input.toLatin1().constData());
+        log << "Control code input = " << std::string_view(input.toLatin1().constData());
     return found;
 }
 
@@ -34,7 +35,9 @@ bool mayBecomePinCode(const QString& input)
 
 bool PHONE_IsEmergencyCall(char* number)
 {
-    return number && emergency::anyNumber([&](std::string_view listed) { return listed == number; });
+    return number && emergency::anyNumber([&](const emergency::Record& listed) {
+               return emergency::numberIn(listed) == number;
+           });
 }
 
 bool PHONE_IsEmergencyCallNumber(char* number)

@@ -57,6 +57,12 @@ inline constexpr char kImeiCode[] = "*#06#";
 /// tried.
 inline constexpr const char* kPinCodes[] = {"**04*", "**042*", "**05*", "**052*"};
 
+/// The number in @p record.
+inline std::string_view numberIn(const Record& record)
+{
+    return {record.data(), qstrnlen(record.data(), record.size())};
+}
+
 /// Whether @p isWanted holds for one of the numbers in the first @p length bytes of @p records. A last record that
 /// is cut short counts only with @p isLast and if it includes its NUL: a half-written file must not shorten a number.
 template<typename IsWanted>
@@ -65,10 +71,8 @@ bool anyOf(std::span<const Record> records, ssize_t length, bool isLast, IsWante
     const auto whole = static_cast<size_t>(length) / sizeof(Record);
     const auto rest = static_cast<size_t>(length) % sizeof(Record);
     const bool isRestNumber = isLast && rest > 0 && std::memchr(records[whole].data(), '\0', rest);
-    return std::ranges::any_of(records.first(whole + (isRestNumber ? 1 : 0)), [&](const Record& record) {
-        const std::string_view number(record.data(), qstrnlen(record.data(), record.size()));
-        return !number.empty() && isWanted(number);
-    });
+    return std::ranges::any_of(records.first(whole + (isRestNumber ? 1 : 0)),
+                               [&](const Record& record) { return record.front() != '\0' && isWanted(record); });
 }
 
 /// Whether @p isWanted holds for one of the numbers in the open file @p file, however long it is.
@@ -94,8 +98,8 @@ bool anyOfLongList(int file, IsWanted isWanted)
     }
 }
 
-/// Whether @p isWanted holds for one of the numbers (each a std::string_view of Latin-1) in the file @p path, tried in
-/// their order; false when the file cannot be read.
+/// Whether @p isWanted holds for one of the numbers (each a Record of which what follows its NUL has no meaning) in the
+/// file @p path, tried in their order; false when the file cannot be read.
 template<typename IsWanted>
 bool anyNumber(IsWanted isWanted, const char* path = kListFile)
 {
@@ -116,8 +120,10 @@ inline bool beginsNumber(const QString& text)
     if (text.size() > qsizetype{sizeof latin1} || std::ranges::any_of(text, [](QChar c) { return c.toLatin1() == 0; }))
         return false;
     std::ranges::transform(text, latin1.begin(), &QChar::toLatin1);
-    const std::string_view beginning(latin1.data(), static_cast<size_t>(text.size()));
-    return anyNumber([&](std::string_view number) { return number.starts_with(beginning); });
+    const auto length = static_cast<size_t>(text.size());
+    return anyNumber([&](const Record& number) {
+        return number.front() == latin1.front() && std::strncmp(number.data(), latin1.data(), length) == 0;
+    });
 }
 
 /// The numbers in the file @p path in their order; none when it cannot be read.
@@ -125,7 +131,8 @@ inline QStringList readList(const char* path = kListFile)
 {
     QStringList numbers;
     anyNumber(
-        [&](std::string_view number) {
+        [&](const Record& record) {
+            const std::string_view number = numberIn(record);
             numbers += QLatin1String(number.data(), static_cast<qsizetype>(number.size()));
             return false;
         },

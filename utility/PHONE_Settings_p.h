@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/AM_Global.h"
+#include "utility/FixedText_p.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QString>
@@ -22,7 +23,11 @@ inline constexpr char kTopPalsSwitch[] = "/setup/zyn_toppals.cfg";
 /// The path of a feature-switch file: @p suffix alone when the directory is not set.
 inline QString switchFile(const char* suffix)
 {
-    return QFile::decodeName(qgetenv(kSwitchDirectory)) + QLatin1String(suffix);
+    QByteArray path = qgetenv(kSwitchDirectory);
+    if (!isAscii(path))
+        return QFile::decodeName(path) + QLatin1String(suffix);
+    path += suffix;
+    return QString::fromLatin1(path);
 }
 
 } // namespace zyn

@@ -127,6 +127,7 @@ void appendRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_
 bool appendAllRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_ENG_ActivityLog>& list, int fd,
                       QByteArray image, int slots)
 {
+    list.reserve(list.count() + ContactFile::count(image));
     int present = 0;
     while (true) {
         const int count = ContactFile::count(image);

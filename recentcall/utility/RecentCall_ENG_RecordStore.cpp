@@ -155,12 +155,14 @@ bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
 {
     const QByteArray path = filePath(record.category);
-    PHONE_Log(kPhoneLogLevel, "deleting item:");
+    zyn::LogText log;
+    log << "deleting item:";
     record.print();
     const UniqueFd file = zyn::openStoreFile(path);
     if (!file.isValid())
         return false;
-    PHONE_Log(kPhoneLogLevel, "to remove tiem:index%d pos:%d", record.uid, record.slot);
+    log << "to remove tiem:index" << record.uid << " pos:" << record.slot;
+    log.flush();
     const ListSlots slots(record.category);
     if (!slots.has(record.slot) || !RecordFile::writeBlank(file.get(), record.slot))
         return false;
@@ -207,6 +209,7 @@ void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>&
     if (!zyn::hasValidHeader(image))
         return;
     const ListSlots slots(category);
+    list.reserve(list.count() + slots.count);
     for (int slot = 0; slot < slots.count; ++slot) {
         if (!RecordFile::isInUse(image, slot))
             continue;

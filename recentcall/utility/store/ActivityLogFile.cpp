@@ -59,11 +59,6 @@ bool create(const FileKind& kind, const QString& fileName, int slots)
     return result == CreateResult::Done;
 }
 
-bool isAscii(QByteArrayView text)
-{
-    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 bool isDialed(char c)
 {
     return (c >= '0' && c <= '9') || c == '+';

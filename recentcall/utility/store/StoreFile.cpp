@@ -116,7 +116,8 @@ QByteArray storeDirectoryPath()
 
 QByteArray storeFilePath(QByteArrayView name)
 {
-    const QByteArray dataDirectory = qgetenv("ZYN_LOCAL_APP_WRITE_PATH").trimmed();
+    const QByteArray variable = qgetenv("ZYN_LOCAL_APP_WRITE_PATH");
+    const QByteArrayView dataDirectory = QByteArrayView(variable).trimmed();
     const QByteArrayView parts[] = {dataDirectory.isEmpty() ? QByteArrayView("/tmp") : dataDirectory, "/phone", name};
     qsizetype size = 0;
     for (const QByteArrayView part : parts)
