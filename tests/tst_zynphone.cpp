@@ -4,6 +4,7 @@
 #include "support/Tool.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QScopeGuard>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void showsThePhoneServersAnswer();
     void followsSocketCalls_data();
     void followsSocketCalls();
+    void saysThatAServiceHangs();
 };
 
 void ZynphoneTest::showsThePhoneServersAnswer()
@@ -87,6 +89,19 @@ void ZynphoneTest::followsSocketCalls()
     QCOMPARE(run(line.constData()), shown);
 
     QCOMPARE(server.received().toHex(), sent.toHex());
+}
+
+/// Not one that is stopped, which shows in the process's state: it runs, but reads nothing.
+void ZynphoneTest::saysThatAServiceHangs()
+{
+    QDir().mkpath(u"/tmp/zynrecentcallcom"_s);
+    const QString path = u"/tmp/zynrecentcallcom/recentcall_interface"_s;
+    const zyn::posix::UniqueFd service = zyn::posix::listenUnix(path.toLatin1(), 0600);
+    const auto remove = qScopeGuard([&path] { QFile::remove(path); });
+    QVERIFY(service.isValid());
+
+    QCOMPARE(run("missed"),
+             u"zynphone: the recent-call service at %1 did not answer within 5 seconds\nexit 1"_s.arg(path));
 }
 
 QTEST_GUILESS_MAIN(ZynphoneTest)
