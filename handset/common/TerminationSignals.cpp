@@ -1,24 +1,22 @@
-// Ends the event loop on SIGTERM and SIGINT.
+// Ends the event loop on SIGTERM, SIGINT and the like.
 #include "handset/common/TerminationSignals.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
 
-#include <csignal>
-
 #include <sys/signalfd.h>
 
 namespace zyn::handset {
 
-TerminationSignals::TerminationSignals()
+TerminationSignals::TerminationSignals(std::initializer_list<int> signals)
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : signals)
+        sigaddset(&set, signal);
     // Blocked signals wait for the descriptor to be read, even those that were ignored when the process started.
-    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    m_signals.reset(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+    ::sigprocmask(SIG_BLOCK, &set, nullptr);
+    m_signals.reset(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
     m_notifier = std::make_unique<QSocketNotifier>(m_signals.get(), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(), [this] {
         // The signal is left unread, so that a nested event loop ends as well.

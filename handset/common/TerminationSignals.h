@@ -1,10 +1,12 @@
-// Ends the event loop on SIGTERM and SIGINT.
+// Ends the event loop on SIGTERM, SIGINT and the like.
 #pragma once
 
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QObject>
 
+#include <csignal>
+#include <initializer_list>
 #include <memory>
 
 class QSocketNotifier;
@@ -12,7 +14,7 @@ class QSocketNotifier;
 namespace zyn::handset {
 
 /**
- * Ends the event loop on SIGTERM and SIGINT, so that what follows exec() cleans up.
+ * Ends the event loop on signals, so that what follows exec() cleans up.
  *
  * Made once per program, after the application and before any thread. A signal that arrives before the event loop runs
  * ends it as soon as it does.
@@ -22,7 +24,7 @@ class TerminationSignals : public QObject
     Q_OBJECT
 
 public:
-    TerminationSignals();
+    explicit TerminationSignals(std::initializer_list<int> signals = {SIGTERM, SIGINT});
     ~TerminationSignals() override;
 
 private:

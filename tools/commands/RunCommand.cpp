@@ -9,6 +9,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QScopeGuard>
 #include <QtCore/QStandardPaths>
@@ -16,6 +17,8 @@
 
 #include <csignal>
 
+#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -72,6 +75,20 @@ int runToTheEnd(const QStringList& words, const Console& console)
     return command.exitStatus() == QProcess::NormalExit ? command.exitCode() : kSignalBase + command.exitCode();
 }
 
+/// Ends what the command has left running, and what that leaves.
+void endChildren()
+{
+    const QString list = u"/proc/self/task/%1/children"_s.arg(::getpid());
+    for (QFile children(list); children.open(QIODevice::ReadOnly); children.close()) {
+        const QByteArrayList numbers = children.readAll().simplified().split(' ');
+        if (numbers.first().isEmpty())
+            return;
+        for (const QByteArray& number : numbers)
+            ::kill(number.toInt(), SIGKILL);
+        ::waitpid(-1, nullptr, 0);
+    }
+}
+
 ExitCode runInHandset(const Invocation& invocation, Console& console)
 {
     const QString script = scriptOf(invocation);
@@ -85,7 +102,15 @@ ExitCode runInHandset(const Invocation& invocation, Console& console)
         kept.remove();
     enterPrivatePlace();
     const QTemporaryDir folder(u"/tmp/zynphone-run-XXXXXX"_s);
-    const handset::TerminationSignals signalsThatEnd;
+    // A terminal tells the command too, which decides what comes of it.
+    const bool hasTerminal = ::isatty(STDIN_FILENO) != 0;
+    if (hasTerminal)
+        std::signal(SIGINT, SIG_IGN);
+    const auto signalsThatEnd = hasTerminal ? handset::TerminationSignals({SIGTERM, SIGHUP})
+                                            : handset::TerminationSignals({SIGTERM, SIGHUP, SIGINT});
+    // What the command leaves running is this program's to end.
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const auto endTheRest = qScopeGuard(&endChildren);
     PrivateHandset handset(keeps ? kept.path() : folder.path());
     QObject::connect(&handset, &PrivateHandset::serviceEnded, &handset,
                      [&console](const QString& text) { console.writeError(u"zynphone: "_s + text); });
@@ -95,7 +120,7 @@ ExitCode runInHandset(const Invocation& invocation, Console& console)
     });
     int code = NotStarted;
     const auto showLogs = qScopeGuard([&] {
-        for (const QString& line : code != 0 && !keeps ? handset.logLines() : QStringList())
+        for (const QString& line : code != 0 && code != NotAllowed && !keeps ? handset.logLines() : QStringList())
             console.writeError(line);
     });
     handset.start(script);

@@ -39,6 +39,7 @@ ChildProcess::ChildProcess(std::function<void()> prepare)
         sigset_t none;
         sigemptyset(&none);
         ::sigprocmask(SIG_SETMASK, &none, nullptr); // this program reads its signals from a descriptor
+        std::signal(SIGINT, SIG_DFL);
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (prepare)
             prepare();

@@ -39,9 +39,9 @@ bool isOfHandset(const QByteArray& name)
 
 [[noreturn]] void refuse(const char* what)
 {
-    throw CommandError(NotAllowed,
-                       u"no private handset: %1: %2. It takes root, or a kernel that lets users make "
-                       "namespaces"_s.arg(QLatin1String(what), QString::fromLocal8Bit(std::strerror(errno))));
+    throw CommandError(NotAllowed, u"no private handset: %1: %2. It takes root, or a kernel that lets users make "
+                                   "namespaces: see /proc/sys/user/max_user_namespaces"_s.arg(
+                                       QLatin1String(what), QString::fromLocal8Bit(std::strerror(errno))));
 }
 
 void require(bool isDone, const char* what)
