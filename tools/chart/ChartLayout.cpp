@@ -1,15 +1,19 @@
 // The layout of a chart.
 #include "tools/chart/ChartLayout.h"
 
+#include "tools/chart/ChartStory.h"
+#include "tools/zynphone/Console.h"
+
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
 
-constexpr int kFirstHeads = 96;
+constexpr int kFirstHeads = 108;
 constexpr int kBelowHeads = 18;
 /// The distance after which the heads are repeated.
 constexpr int kHeadsEvery = 1100;
@@ -22,10 +26,10 @@ constexpr int kBelowText = 10;
 constexpr int kTimeColumn = 7; ///< width of a character of a time
 constexpr int kBesideTime = 14;
 constexpr int kArrowLength = 48; ///< from the axis to the first lane
-constexpr int kLaneGap = 40;     ///< from a lane's cards to the next lane
+constexpr int kLaneGap = 26;     ///< from a lane's cards to the next lane
 constexpr int kLeastWidth = 560;
 constexpr int kCardsTogether = 1080; ///< the approximate greatest width of all cards together
-constexpr int kLeastCard = 170;
+constexpr int kLeastCard = 100;
 constexpr int kWidestCard = 400; ///< with several lanes
 constexpr int kSpanWidth = 170;
 constexpr int kMonoColumn = 7; ///< approximate width of a column of the fields' font
@@ -77,10 +81,13 @@ size_t lastBefore(size_t place, const ChartRun& run)
 
 ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock)
 {
-    for (const QCString& channel : runs.lanes)
-        m_lanes.push_back({nameText(channel)});
-    for (const ChartRun& run : runs.runs)
+    m_outcomes = zyn::tool::outcomes(messages);
+    for (const QString& lane : runs.lanes)
+        m_lanes.push_back({jsonEscaped(lane), roleOf(lane)});
+    for (const ChartRun& run : runs.runs) {
         m_entries.push_back(entryOf(messages, run, clock));
+        findHearers(messages, runs, m_entries.back());
+    }
     placeLanes();
     placeEntries(messages);
     endBars();
@@ -107,6 +114,22 @@ ChartEntry ChartLayout::entryOf(const std::vector<ReceivedMessage>& messages, co
     return entry;
 }
 
+/// Of a fold, those that heard any of it.
+void ChartLayout::findHearers(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, ChartEntry& entry)
+{
+    entry.asks = asks(messages[entry.run->messages.front()]);
+    entry.isUnheard = true;
+    std::set<qsizetype> lanes;
+    for (const size_t place : entry.run->messages) {
+        const auto& hearers = messages[place].hearers;
+        entry.isUnheard = entry.isUnheard && hearers && hearers->isEmpty();
+        for (const Participant& hearer : hearers.value_or(QList<Participant>()))
+            lanes.insert(runs.lanes.indexOf(laneOf(hearer)));
+    }
+    lanes.erase(entry.run->lane);
+    entry.hearers.assign(lanes.begin(), lanes.end());
+}
+
 void ChartLayout::placeLanes()
 {
     for (const ChartEntry& entry : m_entries) {
@@ -119,7 +142,8 @@ void ChartLayout::placeLanes()
     for (ChartLane& lane : m_lanes) {
         const int limit = cardLimit(qsizetype(m_lanes.size()));
         lane.title = elidedToWidth(lane.title, kNameSize, limit - 2 * kCardPadding);
-        const int title = boldWidth(lane.title, kNameSize) + 2 * kCardPadding;
+        const int title =
+            std::max(boldWidth(lane.title, kNameSize), boldWidth(lane.role, kNameSize)) + 2 * kCardPadding;
         lane.cardWidth = std::clamp(std::max(lane.cardWidth, title), kLeastCard, limit);
         lane.x = x;
         x += kCardOffset + lane.cardWidth + kLaneGap;

@@ -14,24 +14,28 @@ namespace zyn::tool {
 inline constexpr int kMargin = 28;
 inline constexpr int kTitleBaseline = 46;
 inline constexpr int kNoteBaseline = 68;
+inline constexpr int kLegendBaseline = 86;
 inline constexpr int kTitleSize = 20;
 inline constexpr int kNameSize = 12;
-inline constexpr int kHeadHeight = 28;
+inline constexpr int kHeadHeight = 42;
 inline constexpr int kCardOffset = 12; ///< from the lane's line
 inline constexpr int kCardPadding = 10;
 inline constexpr int kNameBaseline = 18; ///< below the card's top, like the following ones
 inline constexpr int kArrowLine = 14;
 inline constexpr int kLineHeight = 16;
+inline constexpr int kOutcomeLine = 20;
+inline constexpr int kOutcomeGap = 14; ///< above and below the outcomes
 
 inline int badgeWidth(const QString& badge)
 {
     return int(badge.size()) * 7 + 12;
 }
 
-/// One channel.
+/// One program.
 struct ChartLane
 {
     QString title;
+    QString role;      ///< for people; may be empty
     int x = 0;         ///< of its line
     int cardWidth = 0; ///< of the cards beside the line
 };
@@ -47,7 +51,10 @@ struct ChartEntry
     QString time;
     int top = 0;
     int height = 0;
-    int barBottom = 0; ///< the end of a fold's bar on the lane's line
+    int barBottom = 0;              ///< the end of a fold's bar on the lane's line
+    std::vector<qsizetype> hearers; ///< their lanes, without the sender's
+    bool isUnheard = false;         ///< nobody listens
+    bool asks = false;
 };
 
 /// A pause that is drawn shorter than it was.
@@ -73,11 +80,15 @@ public:
     /// The end of the lanes' lines.
     int bottom() const { return m_bottom; }
     int width() const { return m_width; }
-    int height() const { return m_bottom + kMargin; }
+    int height() const { return m_bottom + kMargin + (m_outcomes.isEmpty() ? 0 : outcomeHeight() + kOutcomeGap); }
+    int outcomeHeight() const { return int(m_outcomes.size() + 1) * kOutcomeLine + kOutcomeGap; }
+    /// What came of the calls, below the lines.
+    const QStringList& outcomes() const { return m_outcomes; }
 
 private:
     ChartEntry entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,
                        const ChartClock& clock) const;
+    static void findHearers(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, ChartEntry& entry);
     void placeLanes();
     void placeEntries(const std::vector<ReceivedMessage>& messages);
     void addHeads();
@@ -88,6 +99,7 @@ private:
     std::vector<ChartEntry> m_entries;
     std::vector<ChartSilence> m_silences;
     std::vector<int> m_heads;
+    QStringList m_outcomes;
     int m_axis = 0;
     int m_bottom = 0; ///< the top of the next entry during layout
     int m_width = 0;

@@ -2,6 +2,8 @@
 #include "tools/chart/ChartSvg.h"
 
 #include "tools/chart/ChartLayout.h"
+#include "tools/chart/ChartStory.h"
+#include "tools/zynphone/Console.h"
 #include "tools/zynphone/Text.h"
 
 #include <QtCore/QByteArray>
@@ -208,14 +210,20 @@ text{font-family:system-ui,sans-serif;fill:#1c2126}
 .on{font-size:12px;font-weight:600;fill:#ffffff}
 .count{text-anchor:middle;font-size:11px}
 .line{fill:none;stroke-width:1.5}
-.arrow{fill:none;stroke-width:1;stroke-opacity:.55}
+.arrow{fill:none;stroke-width:1.5;stroke-dasharray:4 4}
+.asks{stroke-dasharray:none;stroke-width:2}
+.role{font-weight:400}
+.unheard{font-size:11px;font-style:italic;fill:#5b6570}
+.outcome{fill:#eef1f4}
+.sentence{font-size:13px}
 .card{fill-opacity:.09}
 .bar{fill-opacity:.4}
 )";
 
 constexpr char kDarkStyle[] = R"(text{fill:#e8ecf0}
 .paper{fill:#14181d}
-.note,.unit,.span,.time,.silence,.prefix{fill:#9aa5b1}
+.note,.unit,.span,.time,.silence,.prefix,.unheard{fill:#9aa5b1}
+.outcome{fill:#222931}
 .axis{stroke:#4a545f}
 .dot{fill:#8d98a4}
 .on{fill:#14181d}
@@ -273,6 +281,7 @@ public:
             draw(silence);
         for (const ChartEntry& entry : m_layout.entries())
             draw(entry);
+        drawOutcomes();
         return m_svg.finish();
     }
 
@@ -283,7 +292,8 @@ private:
     void drawHeads();
     void draw(const ChartSilence& silence);
     void draw(const ChartEntry& entry);
-    void drawArrow(const ChartEntry& entry, int x);
+    void drawArrows(const ChartEntry& entry, const ChartLane& sender);
+    void drawOutcomes();
     void drawCard(const ChartEntry& entry, const ChartLane& lane);
     void drawBadge(const QString& badge, int right, int baseline);
 
@@ -302,20 +312,23 @@ QString Drawing::summary() const
 {
     if (m_messages.empty())
         return u"no messages"_s;
-    return u"%1 on %2 in %3 from %4 UTC"_s.arg(counted(qsizetype(m_messages.size()), "message"),
-                                               counted(m_runs.lanes.size(), "channel"),
-                                               durationText(m_messages.front().time.msecsTo(m_messages.back().time)),
-                                               m_messages.front().time.toString(u"yyyy-MM-dd HH:mm:ss"));
+    const bool isKnown = std::ranges::any_of(m_messages, [](const auto& message) { return message.sender.isKnown(); });
+    const QString text = isKnown ? u"%1 between %2 in %3, from %4 UTC on"_s
+                                 : u"%1 on %2 in %3, from %4 UTC on; who sent them is not known"_s;
+    return text.arg(counted(qsizetype(m_messages.size()), "message"),
+                    counted(m_runs.lanes.size(), isKnown ? "program" : "channel"),
+                    durationText(m_messages.front().time.msecsTo(m_messages.back().time)),
+                    m_messages.front().time.toString(u"yyyy-MM-dd HH:mm:ss"));
 }
 
 QString Drawing::description() const
 {
     QStringList parts{u"Message sequence chart: "_s + summary()};
-    for (const QCString& lane : m_runs.lanes) {
-        const auto count = std::ranges::count(m_messages, lane, &ReceivedMessage::channel);
-        parts += u"%1 on %2"_s.arg(counted(count, "message"), nameText(lane));
+    for (const QString& lane : m_runs.lanes) {
+        if (const auto count = std::ranges::count(m_messages, lane, &senderLane))
+            parts += u"%1 from %2"_s.arg(counted(count, "message"), jsonEscaped(lane));
     }
-    return parts.join(u"; "_s);
+    return (parts + m_layout.outcomes()).join(u"; "_s);
 }
 
 void Drawing::drawFrame()
@@ -325,6 +338,9 @@ void Drawing::drawFrame()
     m_svg.rectangle("paper", 0, 0, m_layout.width(), m_layout.height(), kCorner);
     m_svg.text("title", kMargin, kTitleBaseline, elidedToWidth(m_title, kTitleSize, m_layout.width() - 2 * kMargin));
     m_svg.text("note", kMargin, kNoteBaseline, summary());
+    m_svg.text("note", kMargin, kLegendBaseline,
+               u"Time runs downwards. A solid arrow asks for something, a dashed one tells of it; it ends at those who "
+               "listen."_s);
 }
 
 void Drawing::drawLines()
@@ -363,7 +379,10 @@ void Drawing::drawHeads()
             const ChartLane& lane = m_layout.lanes()[size_t(i)];
             m_svg.beginGroup(laneClass(i));
             m_svg.rectangle("fill", lane.x - kCardOffset, top, lane.cardWidth + 2 * kCardOffset, kHeadHeight, kCorner);
-            m_svg.text("on", lane.x + kCardOffset, baseline, lane.title);
+            const bool hasRole = !lane.role.isEmpty();
+            m_svg.text("on", lane.x + kCardOffset, baseline - (hasRole ? kLineHeight / 2 : 0), lane.title);
+            if (hasRole)
+                m_svg.text("on role", lane.x + kCardOffset, baseline + kLineHeight / 2, lane.role);
             m_svg.endGroup();
         }
     }
@@ -388,21 +407,38 @@ void Drawing::draw(const ChartEntry& entry)
     m_svg.beginGroup(laneClass(entry.run->lane));
     m_svg.tooltip(chartTooltip(m_messages, *entry.run, m_clock));
     m_svg.text("mono time", m_layout.axis() - 2 * kZigzag, y + kNameSize / 3, entry.time);
-    drawArrow(entry, lane.x);
+    m_svg.circle("dot", m_layout.axis(), y, kDotRadius);
+    if (entry.run->isFold())
+        m_svg.rectangle("fill bar", lane.x - kBarWidth / 2, entry.top, kBarWidth, entry.barBottom - entry.top,
+                        kBarWidth / 2);
+    m_svg.circle("fill", lane.x, y, kDotRadius + 1);
     drawCard(entry, lane);
+    drawArrows(entry, lane);
     m_svg.endGroup();
 }
 
-void Drawing::drawArrow(const ChartEntry& entry, int x)
+/// An arrow to each side on which somebody listens, with a head at each that does.
+void Drawing::drawArrows(const ChartEntry& entry, const ChartLane& sender)
 {
     const int y = entry.top + kArrowLine;
-    const int tip = entry.run->isFold() ? x - (kBarWidth + 1) / 2 : x - 1;
-    if (entry.run->isFold())
-        m_svg.rectangle("fill bar", x - kBarWidth / 2, entry.top, kBarWidth, entry.barBottom - entry.top,
-                        kBarWidth / 2);
-    m_svg.path("arrow", u"M%1 %2H%3"_s.arg(m_layout.axis()).arg(y).arg(tip - kArrowHead));
-    m_svg.path("fill", u"M%1 %2l-%3 -4v8z"_s.arg(tip).arg(y).arg(kArrowHead));
-    m_svg.circle("dot", m_layout.axis(), y, kDotRadius);
+    const int right = sender.x + kCardOffset + sender.cardWidth;
+    const char* const line = entry.asks ? "arrow asks" : "arrow";
+    int farthestLeft = sender.x;
+    int farthestRight = right;
+    for (const qsizetype hearer : entry.hearers) {
+        const int x = m_layout.lanes()[size_t(hearer)].x;
+        const bool isLeft = x < sender.x;
+        farthestLeft = std::min(farthestLeft, x);
+        farthestRight = std::max(farthestRight, x);
+        m_svg.path("fill", isLeft ? u"M%1 %2l%3 -4v8z"_s.arg(x + 1).arg(y).arg(kArrowHead)
+                                  : u"M%1 %2l-%3 -4v8z"_s.arg(x - 1).arg(y).arg(kArrowHead));
+    }
+    if (farthestLeft < sender.x)
+        m_svg.path(line, u"M%1 %2H%3"_s.arg(sender.x).arg(y).arg(farthestLeft + kArrowHead));
+    if (farthestRight > right)
+        m_svg.path(line, u"M%1 %2H%3"_s.arg(right).arg(y).arg(farthestRight - kArrowHead));
+    if (entry.isUnheard)
+        m_svg.text("unheard", right + kCardOffset / 2, y + kNameSize / 3, u"nobody listens"_s);
 }
 
 void Drawing::drawCard(const ChartEntry& entry, const ChartLane& lane)
@@ -418,6 +454,20 @@ void Drawing::drawCard(const ChartEntry& entry, const ChartLane& lane)
         m_svg.text("mono", textLeft, baseline += kLineHeight, line);
     if (!entry.span.isEmpty())
         m_svg.text("span", textLeft, baseline + kLineHeight, entry.span);
+}
+
+void Drawing::drawOutcomes()
+{
+    if (m_layout.outcomes().isEmpty())
+        return;
+    const int top = m_layout.bottom() + kOutcomeGap;
+    const int width = m_layout.width() - 2 * kMargin;
+    m_svg.rectangle("outcome", kMargin, top, width, m_layout.outcomeHeight(), kCorner);
+    int baseline = top + kOutcomeLine;
+    m_svg.text("name", kMargin + kCardPadding, baseline, u"What came of it"_s);
+    for (const QString& sentence : m_layout.outcomes())
+        m_svg.text("sentence", kMargin + kCardPadding, baseline += kOutcomeLine,
+                   elidedToWidth(jsonEscaped(sentence), kNameSize, width - 2 * kCardPadding));
 }
 
 void Drawing::drawBadge(const QString& badge, int right, int baseline)

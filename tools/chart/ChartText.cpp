@@ -1,6 +1,8 @@
 // The texts of a chart: names, times, and runs of similar messages folded into one entry.
 #include "tools/chart/ChartText.h"
 
+#include "handset/common/Text.h"
+#include "tools/chart/ChartStory.h"
 #include "tools/recording/MessageFields.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Text.h"
@@ -25,6 +27,11 @@ size_t firstOf(const ChartRun& run)
     return run.messages.front();
 }
 
+bool isAlike(const ReceivedMessage& first, const ReceivedMessage& second)
+{
+    return first.name == second.name && first.channel == second.channel;
+}
+
 /// The longest fold at the beginning of @p places of one lane, in turns of as few names as possible; one message if
 /// there is none.
 ChartRun leadingFold(const Messages& messages, qsizetype lane, Places places)
@@ -33,7 +40,7 @@ ChartRun leadingFold(const Messages& messages, qsizetype lane, Places places)
     size_t names = 1;
     for (size_t inTurn = 1; inTurn <= std::min(kMostInTurn, places.size()); ++inTurn) {
         size_t length = inTurn;
-        while (length < places.size() && messages[places[length]].name == messages[places[length - inTurn]].name)
+        while (length < places.size() && isAlike(messages[places[length]], messages[places[length - inTurn]]))
             ++length;
         length -= length % inTurn;
         if (length >= kLeastFolded * inTurn && length > longest) {
@@ -87,6 +94,7 @@ constexpr qint64 kSecond = 1000;
 constexpr qint64 kMinute = 60 * kSecond;
 constexpr qint64 kHour = 60 * kMinute;
 
+constexpr qsizetype kFewValues = 3;
 constexpr qsizetype kLongestValue = 60;       ///< characters of a field
 constexpr qsizetype kLongestFoldedValue = 16; ///< of a field that changes in a fold
 constexpr qsizetype kLongestName = 200;       ///< characters of a name, whatever the font
@@ -98,10 +106,22 @@ constexpr char16_t kFirstWide = 0x2E80;
 
 QStringList fieldTextsOf(const ReceivedMessage& message)
 {
-    QStringList texts = fieldTexts(messageFields(message.channel, message.name, message.payload));
+    QStringList texts = valueTexts(message, false);
+    // Of many values, those that say something.
+    if (texts.size() > kFewValues)
+        texts.removeIf([](const QString& text) { return text.endsWith("=0"_L1) || text.endsWith("=null"_L1); });
     // XML allows no lone surrogate, which a text may contain.
     for (QString& text : texts)
         text = QString::fromUtf8(text.toUtf8());
+    return texts;
+}
+
+/// Program and process number of each of @p participants, as printable text.
+QStringList hearerTexts(const QList<Participant>& participants)
+{
+    QStringList texts;
+    for (const Participant& participant : participants)
+        texts += handset::jsonEscaped(u"%1 %2"_s.arg(participant.program).arg(participant.process));
     return texts;
 }
 
@@ -160,10 +180,11 @@ ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages)
     ChartRuns result;
     std::vector<std::vector<size_t>> places; // of each lane's messages
     for (size_t i = 0; i < messages.size(); ++i) {
-        qsizetype lane = result.lanes.indexOf(messages[i].channel);
+        const QString sender = senderLane(messages[i]);
+        qsizetype lane = result.lanes.indexOf(sender);
         if (lane < 0) {
             lane = result.lanes.size();
-            result.lanes += messages[i].channel;
+            result.lanes += sender;
             places.emplace_back();
         }
         places[size_t(lane)].push_back(i);
@@ -171,6 +192,12 @@ ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages)
     for (qsizetype lane = 0; lane < result.lanes.size(); ++lane)
         addLane(messages, lane, places[size_t(lane)], result.runs);
     std::ranges::sort(result.runs, {}, firstOf);
+    for (const ReceivedMessage& message : messages) {
+        for (const Participant& hearer : message.hearers.value_or(QList<Participant>())) {
+            if (!result.lanes.contains(laneOf(hearer)))
+                result.lanes += laneOf(hearer);
+        }
+    }
     return result;
 }
 
@@ -206,12 +233,9 @@ QString durationText(qint64 milliseconds)
 
 ChartName chartName(const ReceivedMessage& message)
 {
-    const QString name = nameText(message.name);
-    const QString enumerator = messageFields(message.channel, message.name, message.payload).enumerator;
-    if (enumerator.isEmpty())
-        return {{}, name};
-    const auto common = std::ranges::mismatch(enumerator, name).in1 - enumerator.begin();
-    return {enumerator.left(common), enumerator.mid(common)};
+    // Where the sender is not known, the lane is the channel.
+    const QString channel = message.sender.isKnown() ? channelWord(message.channel) + u":\u00A0"_s : QString();
+    return {channel, messageWord(message.channel, message.name)};
 }
 
 QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run)
@@ -236,10 +260,13 @@ QStringList chartFields(const std::vector<ReceivedMessage>& messages, const Char
 QString chartTooltip(const std::vector<ReceivedMessage>& messages, const ChartRun& run, const ChartClock& clock)
 {
     const ReceivedMessage& first = messages[run.messages.front()];
-    const ChartName name = chartName(first);
     QStringList lines{u"%1: %2"_s.arg(nameText(first.channel), nameText(first.name))};
-    if (!name.prefix.isEmpty())
-        lines += name.prefix + name.own;
+    if (const QString kind = messageFields(first.channel, first.name, first.payload).enumerator; !kind.isEmpty())
+        lines += kind;
+    if (first.sender.isKnown())
+        lines += u"from "_s + hearerTexts({first.sender}).first();
+    if (first.hearers)
+        lines += first.hearers->isEmpty() ? u"nobody listens"_s : u"to "_s + hearerTexts(*first.hearers).join(u", "_s);
     for (const size_t place : std::span(run.messages).first(std::min(run.messages.size(), kShownMessages))) {
         const ReceivedMessage& message = messages[place];
         lines += clock.text(messages.front().time.msecsTo(message.time)) + u"  "_s

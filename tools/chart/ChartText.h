@@ -11,10 +11,10 @@
 
 namespace zyn::tool {
 
-/// A message, or consecutive messages of one channel with one name or with alternating names.
+/// A message, or consecutive messages of one sender with one name or with alternating names.
 struct ChartRun
 {
-    qsizetype lane;
+    qsizetype lane;               ///< the sender's
     std::vector<size_t> messages; ///< indexes in the recording, ascending
     size_t inTurn = 1;            ///< the number of alternating names; the messages are whole turns
 
@@ -24,12 +24,12 @@ struct ChartRun
 
 struct ChartRuns
 {
-    QList<QCString> lanes;      ///< the channels, by their first messages
+    QStringList lanes;          ///< the programs: those that send by their first messages, then those that only hear
     std::vector<ChartRun> runs; ///< by their first messages
 };
 
 /// Folds @p messages: at least three of a kind, or three turns, without messages between them; at least twenty messages
-/// also across those of other channels. Shorter runs show the order of events.
+/// also across those of other senders. Shorter runs show the order of events.
 ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages);
 
 /// The format of times, chosen by the longest of them.
@@ -52,7 +52,7 @@ private:
 /// "1.5 s", "2 min 5 s", "3 h 20 min".
 QString durationText(qint64 milliseconds);
 
-/// A message's name in two parts: the prefix that all numbered messages of the channel share, and the rest.
+/// A message's name in two parts: its channel, shortened, and its word or name.
 struct ChartName
 {
     QString prefix;
@@ -60,7 +60,8 @@ struct ChartName
 };
 ChartName chartName(const ReceivedMessage& message);
 
-/// The fields of @p run, with their first and last values where they change, and the other names of a turn.
+/// The values of @p run, in words where they are known, with their first and last values where they change, and the
+/// other names of a turn.
 QStringList chartFields(const std::vector<ReceivedMessage>& messages, const ChartRun& run);
 
 /// All fields of the messages of @p run, up to a limit.

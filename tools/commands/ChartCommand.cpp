@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/chart/ChartSvg.h"
+#include "tools/chart/ChartText.h"
 #include "tools/recording/Recording.h"
 #include "tools/zynphone/Console.h"
 
@@ -13,7 +14,7 @@ namespace zyn::tool {
 namespace {
 
 constexpr char kStandardOutput[] = "-";
-constexpr qsizetype kMostChannels = 64;
+constexpr qsizetype kMostLanes = 64;
 
 ExitCode drawChart(const Invocation& invocation, Console& console)
 {
@@ -25,10 +26,11 @@ ExitCode drawChart(const Invocation& invocation, Console& console)
     if (isToFile && QFileInfo(output) == QFileInfo(input))
         throw usageError(u"the chart would replace the recording"_s);
     recording.keepOnly(invocation.values(u"channel"_s));
-    if (const qsizetype channels = recording.channels().size(); channels > kMostChannels)
-        throw failure(u"a chart has at most %1 channels, not %2; --channel chooses some"_s.arg(
-            QString::number(kMostChannels), QString::number(channels)));
-    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(QFileInfo(input).fileName()));
+    if (const qsizetype lanes = foldedRuns(recording.messages()).lanes.size(); lanes > kMostLanes)
+        throw failure(u"a chart has at most %1 programs, not %2; --channel chooses some messages"_s.arg(
+            QString::number(kMostLanes), QString::number(lanes)));
+    const QString title = invocation.isSet(u"title"_s) ? invocation.value(u"title"_s) : QFileInfo(input).fileName();
+    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(title));
     if (isToFile)
         writeFile(output, svg);
     else
@@ -43,13 +45,16 @@ Command chartCommand()
     return {.name = u"chart"_s,
             .summary = u"Draw the messages of a recording as a sequence chart in SVG"_s,
             .details =
-                u"\nA lane is a channel, time runs downwards. From three of a kind, or three turns of the same\n"
-                "few, on, messages that follow each other in a lane are one entry. Long pauses are shortened and say\n"
-                "so. All that a message holds is in its tooltip.\n"_s,
+                u"\nA lane is a program, time runs downwards. An arrow goes from the program that sends to those\n"
+                "that listen: solid when it asks for something, dashed when it tells. Of recordings that do not\n"
+                "know the sender a lane is a channel. From three of a kind, or three turns of the same few, on,\n"
+                "messages that follow each other in a lane are one entry. Long pauses are shortened and say so.\n"
+                "All that a message holds is in its tooltip. The end says what came of the calls.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
             .options = {QCommandLineOption({u"output"_s, u"o"_s},
                                            u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
                                            u"FILE"_s),
+                        valueOption(u"title"_s, u"TEXT"_s, u"the title; the file's name by default"_s),
                         valueOption(u"channel"_s, u"CHANNEL"_s,
                                     u"only the messages of that channel, and of each other one so given"_s)},
             .run = drawChart};

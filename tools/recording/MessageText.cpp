@@ -66,13 +66,6 @@ QString restText(const QByteArray& rest)
     return rest.size() > kShownRest ? u"%1...(%2 bytes)"_s.arg(shown).arg(rest.size()) : shown;
 }
 
-/// A channel by the last part of its name.
-QString shortName(const QCString& channel)
-{
-    const qsizetype slash = channel.lastIndexOf('/');
-    return nameText(slash + 1 < channel.size() ? QCString(channel.sliced(slash + 1)) : channel);
-}
-
 /// The word for the value of @p field, empty when there is none.
 QString wordOf(const ReceivedMessage& message, const NamedValue& field)
 {
@@ -116,6 +109,12 @@ QStringList fieldTexts(const MessageFields& fields)
     return texts;
 }
 
+QString channelWord(const QCString& channel)
+{
+    const qsizetype slash = channel.lastIndexOf('/');
+    return nameText(slash + 1 < channel.size() ? QCString(channel.sliced(slash + 1)) : channel);
+}
+
 QString messageWord(const QCString& channel, const QCString& name)
 {
     const PhoneMessage* const message = channel == kPhoneChannel ? phoneMessage(name) : nullptr;
@@ -129,7 +128,7 @@ QString messageWord(const QCString& channel, const QCString& name)
     return enumerator.sliced(kPrefix.size()).chopped(kSuffix.size()).toLower().replace(u'_', u'-');
 }
 
-QStringList valueTexts(const ReceivedMessage& message)
+QStringList valueTexts(const ReceivedMessage& message, bool tellsUnknown)
 {
     const MessageFields fields = messageFields(message.channel, message.name, message.payload);
     QStringList texts;
@@ -141,7 +140,7 @@ QStringList valueTexts(const ReceivedMessage& message)
     }
     if (!fields.rest.isEmpty())
         texts += u"rest="_s + restText(fields.rest);
-    if (!fields.isKnown)
+    if (tellsUnknown && !fields.isKnown)
         texts.prepend(u"unknown"_s);
     return texts;
 }
@@ -157,7 +156,7 @@ QString messageText(const ReceivedMessage& message, const MessageLook& look, Par
     if (look.isRaw)
         values += {nameText(message.name), u"payload="_s + hexText(message.payload)};
     QString rest =
-        shortName(message.channel).leftJustified(kChannelWidth) + u"  "_s + word + u"  "_s + values.join(u' ');
+        channelWord(message.channel).leftJustified(kChannelWidth) + u"  "_s + word + u"  "_s + values.join(u' ');
     while (rest.endsWith(u' '))
         rest.chop(1);
     if (look.width > 0)

@@ -55,11 +55,15 @@ QString nameText(const QCString& name);
 /// "name=value" for each field, and up to 64 of the bytes after the last one. All characters are printable.
 QStringList fieldTexts(const MessageFields& fields);
 
+/// A channel by the last part of its name.
+QString channelWord(const QCString& channel);
+
 /// What people call a message: its word where it has a type, such as signal-quality or show-ui, else its name.
 QString messageWord(const QCString& channel, const QCString& name);
 
-/// The values of a message in words where they are known, else as fieldTexts().
-QStringList valueTexts(const ReceivedMessage& message);
+/// The values of a message in words where they are known, else as fieldTexts(). With @p tellsUnknown the first text
+/// says so of a message that the library does not know.
+QStringList valueTexts(const ReceivedMessage& message, bool tellsUnknown = true);
 
 /// Time, sender, channel, message and values, without a line end.
 QString messageText(const ReceivedMessage& message, const MessageLook& look, ParticipantNames& names);
