@@ -85,6 +85,12 @@ Finding deadSocket(const QString& path, pid_t owner, bool isHeard)
                            u"start that program again if it is missed; the next message here removes the socket"_s);
 }
 
+/// Whether @p listener, a processText, is the handset's or this tool, and not an application.
+bool isOfHandset(const QString& listener)
+{
+    return listener.contains(u" (zyn-"_s) || listener.endsWith(u" (zynphone)"_s);
+}
+
 Findings checkListeners(const QByteArray& root, const QCString& channel, const ChannelDirectory& directory)
 {
     Findings findings;
@@ -110,6 +116,8 @@ Findings checkListeners(const QByteArray& root, const QCString& channel, const C
         findings.push_back(ok(QString::fromUtf8(channel), u"heard by %1"_s.arg(listening.join(u", "_s))));
     else if (!isKept)
         findings.push_back(nobody(channel));
+    if (channel == kPhoneChannel && !listening.isEmpty() && std::ranges::all_of(listening, isOfHandset))
+        findings.push_back(note(QString::fromUtf8(channel), u"no application hears it, only the handset's programs"_s));
     return findings;
 }
 

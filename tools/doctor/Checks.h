@@ -9,6 +9,8 @@ namespace zyn::tool {
 Findings checkEnvironment();
 /// The directories of the channels, and their listeners.
 Findings checkChannels();
+/// This user's other programs: whether they use these channels and this library.
+Findings checkProcesses();
 /// The sockets of the handset's services, and who serves them.
 Findings checkServices();
 /// The store directory and the files in it.
