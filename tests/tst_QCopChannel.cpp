@@ -426,6 +426,30 @@ private Q_SLOTS:
         ::unlink(socketPath("bare").constData());
     }
 
+    void gathersABurstForListenersThatComeAndGo()
+    {
+        const Inbox first;
+        auto second = std::make_unique<Inbox>();
+        std::unique_ptr<Inbox> late;
+        std::map<QByteArray, int> sent;
+        const auto send = [&](const QByteArray& sender, int count, qsizetype size = 0) {
+            for (int i = 0; i < count; ++i)
+                QVERIFY(QCopChannel::send(kChannel, "n", numbered(sender, sent[sender]++, size)));
+        };
+        inOneTurn([&] {
+            send("early", 3000, 50); // more than one write takes
+            late = std::make_unique<Inbox>();
+            send("late", 100);
+            send("late", 1, 100'000); // more than is gathered
+            send("late", 100);
+            second.reset();
+            send("late", 100);
+        });
+        QTRY_COMPARE(first.allCounts(), u"early3000late301"_s);
+        QTRY_COMPARE(late->allCounts(), u"late301"_s);
+        QCOMPARE(first.last, numbered("late", 300));
+    }
+
     void movesWhatWaitsOnOneChannelWithMessagesOnOthers()
     {
         const auto listener = listenBare();

@@ -18,6 +18,9 @@ constexpr qsizetype kReadSize = qsizetype{16} * 1024;
 /// The largest buffer that an idle connection keeps.
 constexpr qsizetype kIdleBuffer = 4 * kReadSize;
 
+/// The largest payload whose memory the next one takes over.
+constexpr qsizetype kReusedSize = 128;
+
 std::span<const std::byte> bytes(QByteArrayView view)
 {
     return std::as_bytes(std::span(view.data(), static_cast<size_t>(view.size())));
@@ -31,6 +34,18 @@ uint64_t now()
 {
     using std::chrono::nanoseconds;
     return static_cast<uint64_t>(nanoseconds(posix::Clock::now().time_since_epoch()).count());
+}
+
+/// Makes @p data a copy of @p bytes, in place where nobody has kept the one before. What is kept is no larger than it
+/// must be, apart from a little.
+void assign(QByteArray& data, QByteArrayView bytes)
+{
+    if (!data.isDetached() || data.capacity() < bytes.size() || data.capacity() > kReusedSize) {
+        data = bytes.toByteArray();
+        return;
+    }
+    data.resize(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), data.begin());
 }
 
 bool isGraphic(char c)
@@ -112,6 +127,7 @@ std::span<std::byte> ChannelFrameReader::room()
 void ChannelFrameReader::add(qsizetype size)
 {
     m_filled += size;
+    m_addedAt = now();
 }
 
 bool ChannelFrameReader::next(QByteArray& name, QByteArray& data)
@@ -144,8 +160,8 @@ bool ChannelFrameReader::next(QByteArray& name, QByteArray& data)
         m_lastName = newName.toByteArray();
     }
     name = m_lastName;
-    data = body.sliced(nameSize, dataSize).toByteArray();
-    m_origin.sentAt = std::min<uint64_t>(header.sentAt, now());
+    assign(data, body.sliced(nameSize, dataSize));
+    m_origin.sentAt = std::min<uint64_t>(header.sentAt, m_addedAt);
     m_offset += ChannelFrame::kHeaderSize + nameSize + dataSize;
     return !m_isBroken;
 }

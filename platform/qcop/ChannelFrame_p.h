@@ -97,7 +97,7 @@ public:
     std::span<std::byte> room();
     void add(qsizetype size);
 
-    /// Removes the next message; false when none is complete.
+    /// Removes the next message; false when none is complete. The payload's memory is used again if nobody shares it.
     bool next(QByteArray& name, QByteArray& data);
     /// Who has sent the message last removed, and when.
     const ChannelOrigin& origin() const { return m_origin; }
@@ -115,6 +115,7 @@ private:
     qsizetype m_filled = 0; ///< what has been added; the rest is room
     QByteArray m_lastName;  ///< shared by messages of the same name in a row
     ChannelOrigin m_origin;
+    uint64_t m_addedAt = 0; ///< when the last bytes came: none of their messages was sent later
     bool m_isIntroduced = false;
     bool m_isBroken = false;
 };

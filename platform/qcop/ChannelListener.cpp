@@ -26,14 +26,13 @@ constexpr int kAttempts = 8;
 constexpr std::chrono::milliseconds kFirstPause{10};
 constexpr std::chrono::milliseconds kLastPause{1000};
 
-/// Says whose message a listener receives, for as long as it does. In a nested loop another may come meanwhile; either
+/// Says whose messages a listener receives, for as long as it does. In a nested loop others may come meanwhile; either
 /// may destroy the listener.
 class OriginScope
 {
 public:
-    OriginScope(ChannelListener& listener, const ChannelOrigin& origin)
+    explicit OriginScope(ChannelListener& listener)
         : m_listener(&listener)
-        , m_origin(origin)
         , m_outer(listener.exchangeOrigin(&m_origin))
     {}
     OriginScope(const OriginScope&) = delete;
@@ -44,9 +43,17 @@ public:
             m_listener->exchangeOrigin(m_outer);
     }
 
+    /// Sets that of the next message, which comes from the same sender as those before.
+    void set(const ChannelOrigin& origin)
+    {
+        if (m_origin.process != origin.process)
+            m_origin = origin;
+        m_origin.sentAt = origin.sentAt;
+    }
+
 private:
     const QPointer<ChannelListener> m_listener;
-    const ChannelOrigin m_origin;
+    ChannelOrigin m_origin;
     const ChannelOrigin* const m_outer;
 };
 
@@ -98,11 +105,12 @@ void ChannelConnection::deliver()
     const QPointer<ChannelConnection> self(this);
     QByteArray name;
     QByteArray data;
+    OriginScope scope(m_listener);
     // A receiver may have forked: what is left is for the parent's listener alone.
     while (m_fd.isOwn() && m_reader.next(name, data)) {
         if (m_reader.hasMore())
             deliverInNestedLoop();
-        const OriginScope scope(m_listener, m_reader.origin());
+        scope.set(m_reader.origin());
         m_receive(name, data);
         if (!self)
             return; // the receiver has destroyed the listener

@@ -24,16 +24,19 @@ constexpr std::chrono::seconds kReturnTime{5};
 /// How many messages of one turn are written at once. What is gathered is late when the turn takes long, and lost when
 /// the process dies in it, so that it must be worth it.
 constexpr unsigned kAtOnce = 16;
+/// The most that is gathered for all listeners at once: it is written from kGatherSize on.
+constexpr qsizetype kGatheredLimit = 2 * kGatherSize;
 
 } // namespace
 
 ChannelPeer::ChannelPeer(const QByteArray& root, const QByteArray& channel, const QByteArray& name,
-                         ChannelConnections& all)
+                         ChannelConnections& all, ChannelGathered& gathered)
     : m_root(root)
     , m_channel(channel)
     , m_name(name)
     , m_generation(posix::forkGeneration())
     , m_all(all)
+    , m_gathered(gathered)
     , m_nextFlush(kGatherSize)
 {}
 
@@ -114,6 +117,31 @@ bool ChannelPeer::isAwaited()
     return now - *(m_goneSince ? m_goneSince : m_goneSince = now) < kReturnTime;
 }
 
+bool ChannelPeer::canGather() const
+{
+    return m_fd && m_queue.size() + kGatheredLimit <= kQueueLimit;
+}
+
+void ChannelPeer::startGathering()
+{
+    m_isGathering = true;
+    notePending();
+}
+
+void ChannelPeer::takeGathered()
+{
+    if (!m_isGathering)
+        return;
+    m_queue.append(m_gathered.bytes);
+    stopGathering();
+}
+
+void ChannelPeer::stopGathering()
+{
+    if (std::exchange(m_isGathering, false))
+        m_gathered.isOpen = false;
+}
+
 /// Whether the message fits into what may wait, if need be after a write.
 bool ChannelPeer::makeRoom(const ChannelFrame& frame)
 {
@@ -157,10 +185,18 @@ void ChannelPeer::flush()
             disconnect();
         return;
     }
-    const ssize_t n = posix::sendSome(fd(), std::as_bytes(std::span(m_queue.constData(), size_t(m_queue.size()))));
+    if (!m_queue.isEmpty())
+        takeGathered();
+    const QByteArray& source = m_isGathering ? m_gathered.bytes : m_queue;
+    const ssize_t n = posix::sendSome(fd(), std::as_bytes(std::span(source.constData(), size_t(source.size()))));
     if (n < 0)
         return disconnect();
-    m_queue.remove(0, n);
+    if (m_isGathering) {
+        m_queue = source.sliced(n); // which others may be yet to write
+        stopGathering();
+    } else {
+        m_queue.remove(0, n);
+    }
     notePending();
     if (!isPending() && m_queue.capacity() > kIdleQueue)
         m_queue = QByteArray();
@@ -212,6 +248,7 @@ bool ChannelPeer::isAlive() const
 void ChannelPeer::disconnect()
 {
     m_notifier.reset();
+    stopGathering();
     m_queue = QByteArray();
     notePending();
     m_nextFlush = kGatherSize;
@@ -243,6 +280,7 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd
 {
     std::optional<ChannelDirectory> directory;
     if (m_moment != m_changes.moment()) {
+        takeGathered();   // which is not for new listeners
         if (m_moment > 0) // a process that sends once does not clean up
             ChannelDirectory::clean(m_root);
         directory = root.isValid() ? ChannelDirectory::open(std::move(root), m_channel)
@@ -255,6 +293,9 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd
         m_sentInTurn = 0;
     const bool gather = turn != 0 && m_sentInTurn >= kAtOnce;
     m_sentInTurn = std::min(m_sentInTurn + 1, kAtOnce);
+    if (gather && this->gather(frame))
+        return true;
+    takeGathered();
     bool isAccepted = true;
     for (auto it = m_peers.begin(); it != m_peers.end();) {
         const auto result = it->second.send(frame, gather, directory ? &*directory : nullptr);
@@ -265,6 +306,42 @@ bool ChannelPeers::send(const ChannelFrame& frame, quint64 turn, posix::UniqueFd
         it = isThere ? std::next(it) : m_peers.erase(it);
     }
     return isAccepted;
+}
+
+/// Gathers the message for all listeners; false when that is not possible.
+bool ChannelPeers::gather(const ChannelFrame& frame)
+{
+    if (frame.size() > kGatherSize)
+        return false;
+    if (!m_gathered.isOpen) {
+        takeGathered();
+        if (!std::ranges::all_of(m_peers, [](const auto& entry) { return entry.second.canGather(); }))
+            return false;
+        for (auto& [name, peer] : m_peers)
+            peer.startGathering();
+        m_gathered.isOpen = !m_peers.empty();
+    }
+    if (!m_gathered.isOpen) // nobody listens
+        return true;
+    frame.appendTo(m_gathered.bytes);
+    if (m_gathered.bytes.size() >= kGatherSize) {
+        for (auto& [name, peer] : m_peers) {
+            peer.flush();
+            if (peer.fd() < 0) // a lost connection, as in ChannelPeer::send()
+                peer.send(frame, true);
+        }
+    }
+    return true;
+}
+
+/// Has each listener that is yet to write what was gathered keep it itself.
+void ChannelPeers::takeGathered()
+{
+    if (m_gathered.bytes.isEmpty())
+        return;
+    for (auto& [name, peer] : m_peers)
+        peer.takeGathered();
+    m_gathered.bytes.resize(0);
 }
 
 bool ChannelPeers::isIdle() const
@@ -286,7 +363,7 @@ bool ChannelPeers::refresh(const std::optional<ChannelDirectory>& directory)
         return !std::binary_search(names->begin(), names->end(), entry.first) && !entry.second.isAlive();
     });
     for (const QByteArray& name : std::as_const(*names))
-        m_peers.try_emplace(name, m_root, m_channel, name, m_connections);
+        m_peers.try_emplace(name, m_root, m_channel, name, m_connections, m_gathered);
     return true;
 }
 

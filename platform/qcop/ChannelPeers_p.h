@@ -28,6 +28,13 @@ struct ChannelConnections
     size_t count = 0;                ///< the open ones
 };
 
+/// What is gathered for all listeners of a channel at once, rather than for each: a burst costs little more for many.
+struct ChannelGathered
+{
+    QByteArray bytes;
+    bool isOpen = false; ///< whether more may be added: all listeners are connected and are yet to take what is there
+};
+
 /**
  * Keeps the connection to one listener, and in order what is yet to be sent to it.
  *
@@ -48,7 +55,8 @@ public:
     };
 
     /// The listener @p name of @p channel, whose directory is under @p root. Connects with the first message.
-    ChannelPeer(const QByteArray& root, const QByteArray& channel, const QByteArray& name, ChannelConnections& all);
+    ChannelPeer(const QByteArray& root, const QByteArray& channel, const QByteArray& name, ChannelConnections& all,
+                ChannelGathered& gathered);
     ChannelPeer(const ChannelPeer&) = delete;
     ChannelPeer& operator=(const ChannelPeer&) = delete;
     ~ChannelPeer();
@@ -56,13 +64,19 @@ public:
     /// Sends a message, or with @p gather keeps it until flush() or until there is enough for one large write. Connects
     /// through @p directory, the channel's, if it is open.
     Result send(const ChannelFrame& frame, bool gather, const ChannelDirectory* directory = nullptr);
+    /// Whether what is gathered for all may be kept for this one too.
+    bool canGather() const;
+    /// What is gathered for all from now on is to be sent to this one.
+    void startGathering();
+    /// Copies what was gathered for all, which is about to go.
+    void takeGathered();
     /// Writes what is kept, as far as the socket has room.
     void flush();
     /// Has the calling thread's event loop write what is kept as soon as there is room.
     void flushFromLoop();
     /// Needs no event loop from now on.
     void leaveLoop();
-    bool isPending() const { return !m_queue.isEmpty(); }
+    bool isPending() const { return m_isGathering || !m_queue.isEmpty(); }
     /// Whether the listener has received all. Only then may the connection be given up: what is sent over another would
     /// overtake what has not been received.
     bool isIdle() const;
@@ -82,6 +96,7 @@ private:
     bool put(const ChannelFrame& frame, bool gather);
     bool putAtOnce(const ChannelFrame& frame);
     void retryFromLoop();
+    void stopGathering();
     void disconnect();
     void notePending();
 
@@ -90,10 +105,12 @@ private:
     const QByteArray m_name;
     const unsigned m_generation;
     ChannelConnections& m_all;
+    ChannelGathered& m_gathered;
     std::optional<posix::ForkLocalFd> m_fd; ///< a child's copy would seem to a listener to be a sender that lives
     std::optional<std::list<ChannelPeer*>::iterator> m_pendingPlace;
     std::optional<posix::Clock::time_point> m_goneSince; ///< when it was first not found, with something pending
     QByteArray m_queue;
+    bool m_isGathering = false; ///< what is gathered for all follows the queue
     qsizetype m_nextFlush;
     std::unique_ptr<QSocketNotifier> m_notifier; ///< enabled while connected and pending
     std::unique_ptr<QTimer> m_retry;             ///< runs while pending without a connection
@@ -121,12 +138,15 @@ public:
     Map& peers() { return m_peers; }
 
 private:
+    bool gather(const ChannelFrame& frame);
+    void takeGathered();
     bool refresh(const std::optional<ChannelDirectory>& directory);
 
     const QByteArray m_root;
     const QByteArray m_channel;
     const ChannelChanges& m_changes;
     ChannelConnections& m_connections;
+    ChannelGathered m_gathered;
     Map m_peers;
     uint64_t m_moment = 0; ///< of the changes, when the list was read
     quint64 m_turn = 0;    ///< the one in which something was last sent
