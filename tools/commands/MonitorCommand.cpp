@@ -4,6 +4,7 @@
 #include "handset/common/TerminationSignals.h"
 #include "platform/QCopChannel.h"
 #include "platform/qcop/ChannelOrigin_p.h"
+#include "tools/chart/LiveChart.h"
 #include "tools/commands/Channels.h"
 #include "tools/recording/MessageFilter.h"
 #include "tools/recording/MessageOrder.h"
@@ -82,6 +83,7 @@ public:
         , m_filter(invocation)
         , m_json(invocation.isSet(u"json"_s))
         , m_look{invocation.isSet(u"raw"_s), console.isColourful(), terminalWidth(console)}
+        , m_chart(invocation.isSet(u"chart"_s) ? std::optional(LiveChart(m_look.width)) : std::nullopt)
         , m_left(limitFrom(invocation, u"count"_s))
         , m_order([this](const ReceivedMessage& message) { show(message); })
     {}
@@ -137,6 +139,8 @@ private:
         }
         if (m_json)
             m_console.write(QJsonDocument(messageJson(message, m_look.isRaw)));
+        else if (m_chart)
+            m_console.write(m_chart->linesFor(message).join(u'\n') + u'\n');
         else
             m_console.write(messageText(message, m_look, m_names) + u'\n');
         if (m_left)
@@ -149,6 +153,7 @@ private:
     const MessageFilter m_filter;
     const bool m_json;
     const MessageLook m_look;
+    std::optional<LiveChart> m_chart;
     std::optional<int> m_left; ///< messages; unset without a limit
     const SendTimes m_times;
     Audience m_audience;
@@ -163,6 +168,8 @@ ExitCode monitorChannels(const Invocation& invocation, Console& console)
 {
     const QStringList channels = channelsFrom(invocation);
     const RecordingWriter::Existing existing = existingFrom(invocation);
+    if (invocation.isSet(u"chart"_s) && (invocation.isSet(u"json"_s) || invocation.isSet(u"raw"_s)))
+        throw usageError(u"--chart excludes --json and --raw"_s);
     const TimeLimit timeLimit(invocation);
     const handset::TerminationSignals signalsThatEnd;
     Monitor monitor(invocation, console);
@@ -199,7 +206,9 @@ Command monitorCommand()
                 MessageFilter::options()
                 + QList<QCommandLineOption>{flagOption(u"raw"_s,
                                                        u"show the message's own name and the whole payload too"_s),
-                                            jsonOption(), valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
+                                            jsonOption(),
+                                            flagOption(u"chart"_s, u"draw a sequence chart: a lane for each program"_s),
+                                            valueOption(u"count"_s, u"N"_s, u"end after N messages"_s),
                                             TimeLimit::option(),
                                             valueOption(u"record"_s, u"FILE"_s,
                                                         u"record the messages in FILE too, a new file"_s),
