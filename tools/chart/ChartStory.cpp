@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -120,14 +121,14 @@ QStringList outcomes(const std::vector<ReceivedMessage>& messages)
         sentences += course->hasConnected && course->seconds == 0
                          ? (course->party.isEmpty() ? u"A call"_s : u"The call to "_s + course->party) + u" goes on."_s
                          : sentenceOf(*course);
+    if (sentences.size() > kMost)
+        sentences = sentences.first(kMost - 1) + QStringList{u"And %1 more calls."_s.arg(sentences.size() - kMost + 1)};
     const char* const update = recentCallMessage(RecentCall_Msg::RECENTCALL_MSG_MISSEDCALL_UPDATE_S).name;
     const auto updates = std::ranges::count_if(messages, [&](const ReceivedMessage& message) {
         return message.channel == kRecentCallChannel && message.name == update;
     });
     if (updates > 0)
         sentences += u"The missed calls changed %1."_s.arg(updates == 1 ? u"once"_s : u"%1 times"_s.arg(updates));
-    if (sentences.size() > kMost)
-        sentences = sentences.first(kMost - 1) + QStringList{u"And %1 more calls."_s.arg(sentences.size() - kMost + 1)};
     return sentences;
 }
 

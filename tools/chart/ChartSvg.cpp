@@ -338,9 +338,12 @@ void Drawing::drawFrame()
     m_svg.rectangle("paper", 0, 0, m_layout.width(), m_layout.height(), kCorner);
     m_svg.text("title", kMargin, kTitleBaseline, elidedToWidth(m_title, kTitleSize, m_layout.width() - 2 * kMargin));
     m_svg.text("note", kMargin, kNoteBaseline, summary());
+    const bool hasArrows =
+        std::ranges::any_of(m_layout.entries(), [](const ChartEntry& entry) { return !entry.hearers.empty(); });
     m_svg.text("note", kMargin, kLegendBaseline,
-               u"Time runs downwards. A solid arrow asks for something, a dashed one tells of it; it ends at those who "
-               "listen."_s);
+               hasArrows ? u"Time runs downwards. A solid arrow asks for something, a dashed one tells of it; it ends "
+                           "at those who listen."_s
+                         : u"Time runs downwards."_s);
 }
 
 void Drawing::drawLines()
