@@ -100,6 +100,8 @@ public:
         if (signal == SIGSTOP)
             ::waitid(P_PID, id_t(process), &info, WSTOPPED);
     }
+    /// The number that the system gave it, 0 once it has ended.
+    qint64 id() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     /// Waits for its end; its exit code, -1 when it was killed.
     int finish() { return role::finish(m_process); }
