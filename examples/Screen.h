@@ -3,34 +3,29 @@
 
 #include <QtCore/QString>
 
+#include <platform/QuietTrace.h>
+
 #include <cstdio>
 #include <cstdlib>
 
-#include <unistd.h>
-
 /**
- * Standard output, for the example alone.
+ * Standard output, for the example alone. A product sends the library's trace to its log; here it is discarded.
  *
- * The library also traces to standard output, without line ends. A product sends that to its log; here it is discarded.
  * Make the screen first in main().
  */
 class Screen
 {
 public:
     Screen()
-        : m_file(::fdopen(::dup(STDOUT_FILENO), "w"))
     {
-        if (!m_file || !std::freopen("/dev/null", "w", stdout))
+        if (!m_trace.output())
             giveUp();
     }
-    Screen(const Screen&) = delete;
-    Screen& operator=(const Screen&) = delete;
-    ~Screen() { std::fclose(m_file); }
 
     /// Shows @p line at once. Ends the example if that fails.
     void show(const QString& line)
     {
-        if (std::fprintf(m_file, "%s\n", qUtf8Printable(line)) < 0 || std::fflush(m_file) != 0)
+        if (std::fprintf(m_trace.output(), "%s\n", qUtf8Printable(line)) < 0 || std::fflush(m_trace.output()) != 0)
             giveUp();
     }
 
@@ -41,5 +36,5 @@ private:
         std::exit(EXIT_FAILURE);
     }
 
-    std::FILE* const m_file;
+    QuietTrace m_trace;
 };

@@ -19,7 +19,8 @@ enum OTHER_COMPONENT_SHOW_UI : int {
  * who follow the missed calls or wait for a number.
  *
  * Signals are emitted from the event loop of the thread that made the client. It keeps nothing from one message to the
- * next. Of a payload that ends early, the fields that are not there whole are 0 and null texts.
+ * next. Of a payload that ends early, the fields that are not there whole are 0 and null texts. Messages print debug
+ * lines: see QuietTrace.
  */
 class ZYN_EXPORT RecentCall_MsgClient : public RecentCall_Msg
 {

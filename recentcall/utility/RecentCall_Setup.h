@@ -37,7 +37,7 @@ public:
     bool getTwoLineView();
 
     /// The switch `Feat_8998` of group "Fixed Dial" in "/setup/zyn_fixeddial.cfg" under ZYN_APP_WRITE_PATH; true when
-    /// it is not set. Prints the name of the file.
+    /// it is not set. Prints the name of the file: see QuietTrace.
     bool isFixedDialFlexOn();
     /// Whether the fixed-dialing switch is on and the telephony API reports that fixed dialing is enabled.
     bool isFixedDialingAvailable();
