@@ -81,7 +81,7 @@ private Q_SLOTS:
         const std::pair<const char*, QString> keys[] = {{"\0335", u"'\\x1b5' is not a key"_s},
                                                         {"\033", u"'\\x1b' is not a key"_s},
                                                         {"1\033[1", u"'\\x1b[1' is not a key"_s},
-                                                        {"2\n", u"call  a call is asked for            12"_s}};
+                                                        {"2\n", u"call  a call is asked for             12"_s}};
         for (const auto& [typed, shown] : keys) {
             terminal.type(typed);
             QVERIFY2(terminal.find(shown) >= 0, qPrintable(shown));

@@ -4,7 +4,9 @@
 #include "support/Tool.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QScopeGuard>
+#include <QtCore/QStringList>
 
 using namespace Qt::StringLiterals;
 
@@ -15,11 +17,29 @@ class ZynphoneTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void fitsHelpOntoATerminal();
     void showsThePhoneServersAnswer();
     void followsSocketCalls_data();
     void followsSocketCalls();
     void saysThatAServiceHangs();
 };
+
+void ZynphoneTest::fitsHelpOntoATerminal()
+{
+    static const QRegularExpression verbs(u"^Verbs:\\n(.*?)^$"_s, QRegularExpression::MultilineOption
+                                                                      | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression name(u"^  ([a-z-]+)  "_s, QRegularExpression::MultilineOption);
+    QStringList paths{QString()};
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const QString path = paths[i];
+        const QString help = run((path + u"--help"_s).toLatin1().constData());
+        for (const QString& line : help.split(u'\n'))
+            QVERIFY2(line.size() <= 80, qPrintable(path + u": "_s + line));
+        for (const QRegularExpressionMatch& verb : name.globalMatch(verbs.match(help).captured(1)))
+            paths += path + verb.captured(1) + u' ';
+    }
+    QCOMPARE_GE(paths.size(), 60);
+}
 
 void ZynphoneTest::showsThePhoneServersAnswer()
 {

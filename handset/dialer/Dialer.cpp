@@ -26,7 +26,7 @@ constexpr qsizetype kLongestNumber = sizeof PHONE_ENG_RecentCall::phoneNumber - 
 
 /// @{ The widths of a line's columns.
 constexpr int kKeyWidth = 6;
-constexpr int kVerdictWidth = 31;
+constexpr int kVerdictWidth = 32;
 /// @}
 
 /// Why only emergency calls are allowed now; empty if all calls are.

@@ -1,11 +1,13 @@
 // The verbs of the tool: the rows of the verb table, and how they are found and run.
 #include "tools/zynphone/Command.h"
 
+#include "handset/common/Suggestion.h"
 #include "handset/common/Text.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -45,9 +47,56 @@ QStringList optionRow(const QCommandLineOption& option)
     return {synopsis, option.description()};
 }
 
+/// The columns of a terminal that everybody has.
+constexpr qsizetype kColumns = 80;
+
+/// @p line, with line ends in place of blanks where it would be longer than a terminal's; what follows them begins at
+/// the column @p indent. A word that is too long stays whole.
+QString folded(QString line, qsizetype indent)
+{
+    QString lines;
+    while (line.size() > kColumns) {
+        const qsizetype end = line.lastIndexOf(u' ', kColumns);
+        if (end <= indent)
+            break;
+        lines += line.first(line[end - 1] == u' ' ? end - 1 : end) + u'\n';
+        line = QString(indent, u' ') + line.sliced(end + 1);
+    }
+    return lines + line + u'\n';
+}
+
+/// Where the last column of a row begins, or the row itself if that is too far to the right; 0 if it is no row.
+qsizetype lastColumn(const QString& line)
+{
+    constexpr qsizetype kTooFar = 60;
+    const qsizetype column = line.startsWith(u' ') ? line.lastIndexOf("  "_L1) + 2 : 0;
+    return column <= kTooFar ? column : 2;
+}
+
+/// The lines of @p text, none longer than a terminal's. Sentences are filled; rows, which begin with a blank, are
+/// folded in their last column.
+QString wrapped(const QString& text)
+{
+    constexpr qsizetype kFull = 70; // a line as long as this goes on in the next one
+    QString lines;
+    QString line;
+    bool goesOn = false;
+    for (const QString& next : text.split(u'\n', Qt::SkipEmptyParts)) {
+        const bool isRow = next.startsWith(u' ');
+        if (goesOn && !isRow) {
+            line += u' ' + next;
+        } else {
+            lines += line.isEmpty() ? QString() : folded(line, lastColumn(line));
+            line = next;
+        }
+        goesOn = !isRow && next.size() >= kFull;
+    }
+    return line.isEmpty() ? lines : lines + folded(line, lastColumn(line));
+}
+
 QString section(const QString& title, const QList<QStringList>& rows)
 {
-    return rows.isEmpty() ? QString() : u'\n' + title + u":\n"_s + alignedLines(rows);
+    return rows.isEmpty() ? QString() : u'\n' + title + u":\n"_s + wrapped(alignedLines(rows));
 }
 
 /// The help of @p command, whose full name is @p path.
@@ -62,8 +111,8 @@ QString helpText(const Command& command, const QString& path)
     QList<QStringList> options;
     for (const QCommandLineOption& option : command.options + commonOptions())
         options += optionRow(option);
-    return usageLine(command, path) + u'\n' + command.summary + u".\n"_s + command.details + section(u"Verbs"_s, verbs)
-           + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
+    return usageLine(command, path) + u'\n' + wrapped(command.summary + u".\n"_s) + wrapped(command.details)
+           + section(u"Verbs"_s, verbs) + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
 }
 
 /// Marks negative numbers, which the parser would read as options. Command lines do not contain this character.
@@ -83,11 +132,22 @@ QString unmarked(QString word)
     return word.remove(kNumberMark);
 }
 
-QString parseError(const QCommandLineParser& parser)
+/// The options of @p command, as they are typed.
+QStringList optionWords(const Command& command)
+{
+    QStringList words;
+    for (const QCommandLineOption& option : command.options + commonOptions())
+        words += u"--"_s + option.names().constFirst();
+    return words;
+}
+
+QString parseError(const Command& command, const QCommandLineParser& parser)
 {
     const QStringList unknown = parser.unknownOptionNames();
-    if (!unknown.isEmpty())
-        return u"unknown option '%1%2'"_s.arg(unknown.first().size() == 1 ? "-"_L1 : "--"_L1, unknown.first());
+    if (!unknown.isEmpty()) {
+        const QString word = (unknown.first().size() == 1 ? u"-"_s : u"--"_s) + unknown.first();
+        return u"unknown option '%1'"_s.arg(word) + handset::suggestion(word, optionWords(command));
+    }
     QString text = parser.errorText();
     text.front() = text.front().toLower();
     return text.chopped(1);
@@ -118,8 +178,11 @@ const Command& findVerb(const Command& group, const QStringList& given)
     if (given.isEmpty())
         throw usageError(u"missing verb"_s);
     const Command* verb = verbNamed(group, given.first());
-    if (!verb)
-        throw usageError(u"unknown verb '%1'"_s.arg(given.first()));
+    if (!verb) {
+        QStringList names;
+        std::ranges::transform(group.verbs, std::back_inserter(names), &Command::name);
+        throw usageError(u"unknown verb '%1'"_s.arg(given.first()) + handset::suggestion(given.first(), names));
+    }
     return *verb;
 }
 
@@ -153,7 +216,7 @@ Invocation::Invocation(const Command& command, const QStringList& words)
     if (!command.run)
         m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     if (!m_parser.parse(QStringList{command.name} + marked(words)))
-        throw usageError(parseError(m_parser));
+        throw usageError(parseError(command, m_parser));
 }
 
 QStringList Invocation::arguments() const
