@@ -36,3 +36,10 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc DESTINATION ${CMAKE_INSTAL
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev/examples
     COMPONENT libzynphone-dev
     FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.sh")
+
+# The documents, beside the examples, so that the links between them lead somewhere.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev
+    COMPONENT libzynphone-dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev
+    COMPONENT libzynphone-dev
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE)
