@@ -60,11 +60,17 @@ public:
         return m_start.addMSecs((static_cast<int64_t>(sentAt) - m_startTicks) / kNanosecondsOfOne);
     }
 
+    static uint64_t now()
+    {
+        return static_cast<uint64_t>(
+            std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
+    }
+
 private:
     static constexpr int64_t kNanosecondsOfOne = 1'000'000;
 
     QDateTime m_start = QDateTime::currentDateTimeUtc();
-    int64_t m_startTicks = std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+    int64_t m_startTicks = static_cast<int64_t>(now());
 };
 
 /// The width of the terminal; 0 when there is none.
@@ -114,7 +120,9 @@ public:
 private:
     void take(const QCopChannel& channel, const QCString& name, const QByteArray& payload)
     {
-        const ChannelOrigin origin = ChannelOrigin::of(channel);
+        ChannelOrigin origin = ChannelOrigin::of(channel);
+        if (origin.sentAt == 0)
+            origin.sentAt = SendTimes::now();
         ReceivedMessage message{m_times.timeOf(origin.sentAt),
                                 channel.channel(),
                                 name,

@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/recording/Replay.h"
 #include "tools/recording/Requests.h"
 #include "tools/zynphone/Console.h"
@@ -40,6 +41,18 @@ QString sentOf(const Replay& replay)
                                      replay.sent() == 1 ? u"was"_s : u"were"_s);
 }
 
+/// The channels of @p recording on which nobody listens now, as text.
+QStringList channelsWithoutListener(const Recording& recording)
+{
+    QStringList names;
+    for (const QCString& channel : recording.channels()) {
+        if (!isHeard(channel))
+            names += nameText(channel);
+    }
+    names.sort();
+    return names;
+}
+
 /// Tells which messages would make the phone act, by what they would do.
 void tellRequests(const std::vector<ReceivedMessage>& requests, Console& console)
 {
@@ -70,6 +83,8 @@ ExitCode replay(const Invocation& invocation, Console& console)
             tellRequests(requests, console);
     }
     const handset::TerminationSignals signalsThatEnd;
+    // Whoever has heard enough may go before the end.
+    const QStringList unheard = channelsWithoutListener(recording);
     Replay replay(recording, speed);
     {
         const Progress progress([&replay] { return progressText(replay); });
@@ -81,24 +96,31 @@ ExitCode replay(const Invocation& invocation, Console& console)
     if (!replay.isDone())
         throw CommandError(Interrupted, u"interrupted; "_s + sentOf(replay));
     console.write(u"sent %1\n"_s.arg(counted(replay.count(), "message")));
-    return Done;
+    if (unheard.isEmpty())
+        return Done;
+    console.writeError(u"zynphone: nobody listens on %1"_s.arg(unheard.join(u", "_s)));
+    return unheard.size() == recording.channels().size() ? NobodyListens : Done;
 }
 
 } // namespace
 
 Command replayCommand()
 {
-    return {.name = u"replay"_s,
-            .summary = u"Send the messages of a recording again, with the pauses that they came with"_s,
-            .details = u"\nThe whole recording is checked before anything is sent. SIGINT and SIGTERM end the replay "
-                       "with\nexit code %1. Messages that ask the phone for something, as to place a call, are named "
-                       "and left\nout, unless --requests is given.\n"_s.arg(int{Interrupted}),
-            .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
-            .options = {flagOption(u"requests"_s, u"send also what makes the phone act"_s),
-                        valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
-                        valueOption(u"channel"_s, u"CHANNEL"_s,
-                                    u"only the messages of that channel, and of each other one so given"_s)},
-            .run = replay};
+    return {
+        .name = u"replay"_s,
+        .summary = u"Send the messages of a recording again, with the pauses that they came with"_s,
+        .details =
+            u"\nThe whole recording is checked before anything is sent. SIGINT and SIGTERM end the replay "
+            "with\nexit code %1. Messages that ask the phone for something, as to place a call, are named "
+            "and left\nout, unless --requests is given. The exit code is %2 when nobody listens on any of its channels.\n"_s
+                .arg(int{Interrupted})
+                .arg(int{NobodyListens}),
+        .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
+        .options = {flagOption(u"requests"_s, u"send also what makes the phone act"_s),
+                    valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
+                    valueOption(u"channel"_s, u"CHANNEL"_s,
+                                u"only the messages of that channel, and of each other one so given"_s)},
+        .run = replay};
 }
 
 } // namespace zyn::tool

@@ -58,17 +58,6 @@ QByteArray bytesOf(const QString& typed)
     return encode(std::span(&field, 1), std::span(&value, 1));
 }
 
-/// Whether a message on @p channel would reach a listener, now or when it goes on.
-bool isHeard(const QCString& channel)
-{
-    const auto directory = ChannelDirectory::open(ChannelEnvironment::current().root(), channel);
-    const auto listeners = directory ? directory->listeners() : QList<QByteArray>();
-    return !listeners || std::ranges::any_of(*listeners, [&](const QByteArray& name) {
-        const SocketProbe::State state = SocketProbe::of(directory->connectTo(name)).state;
-        return state != SocketProbe::Dead && state != SocketProbe::Missing && state != SocketProbe::Foreign;
-    });
-}
-
 ExitCode send(const Invocation& invocation, Console& console)
 {
     if (invocation.argument(0).isEmpty())
@@ -82,6 +71,16 @@ ExitCode send(const Invocation& invocation, Console& console)
 }
 
 } // namespace
+
+bool isHeard(const QCString& channel)
+{
+    const auto directory = ChannelDirectory::open(ChannelEnvironment::current().root(), channel);
+    const auto listeners = directory ? directory->listeners() : QList<QByteArray>();
+    return !listeners || std::ranges::any_of(*listeners, [&](const QByteArray& name) {
+        const SocketProbe::State state = SocketProbe::of(directory->connectTo(name)).state;
+        return state != SocketProbe::Dead && state != SocketProbe::Missing && state != SocketProbe::Foreign;
+    });
+}
 
 ExitCode sendOn(const QCString& channel, Console& console, const std::function<void()>& send)
 {

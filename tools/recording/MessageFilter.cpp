@@ -38,7 +38,7 @@ QList<QCommandLineOption> MessageFilter::options()
         valueOption(u"message"_s, u"NAME"_s,
                     u"only messages with this word, name or enumerator; * stands for anything. May be given again"_s),
         valueOption(u"from"_s, u"PROGRAM"_s, u"only messages of this program, likewise"_s),
-        valueOption(u"match"_s, u"TEXT"_s, u"only messages with this text in their values, likewise"_s)};
+        valueOption(u"match"_s, u"TEXT"_s, u"only messages with this text in their values. May be given again"_s)};
 }
 
 MessageFilter::MessageFilter(const Invocation& invocation)

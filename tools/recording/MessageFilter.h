@@ -22,7 +22,7 @@ public:
 private:
     QList<QRegularExpression> m_messages; ///< word, name or enumerator; * and ? stand for anything
     QList<QRegularExpression> m_senders;  ///< program, likewise
-    QStringList m_texts;                  ///< in the values as they are shown
+    QStringList m_texts;                  ///< in the values as they are shown, letter by letter
 };
 
 } // namespace zyn::tool
