@@ -73,7 +73,7 @@ QByteArray PhoneControl::next(phonecontrol::Reply expected)
     if (!reply)
         throw noAnswerError(u"phone server"_s, m_path);
     const std::span<std::byte> bytes = commandData(*reply);
-    const QByteArray data(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+    QByteArray data(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
     if (reply->commandId == phonecontrol::Refused)
         throw failure(QString::fromUtf8(data));
     if (reply->commandId != expected)
@@ -119,7 +119,7 @@ constexpr Column<QJsonObject> kColumns[] = {
 QList<QJsonObject> callsIn(const QByteArray& json)
 {
     QList<QJsonObject> calls;
-    for (const QJsonValue& call : QJsonDocument::fromJson(json).array())
+    for (const QJsonValue call : QJsonDocument::fromJson(json).array())
         calls += call.toObject();
     return calls;
 }

@@ -34,7 +34,7 @@ constexpr int kSignalBase = 128;
 /// The path of @p command. Throws a CommandError if there is none that can be run.
 QString programOf(const QString& command)
 {
-    const QString path = command.contains(u'/') ? command : QStandardPaths::findExecutable(command);
+    QString path = command.contains(u'/') ? command : QStandardPaths::findExecutable(command);
     const QFileInfo file(path);
     if (path.isEmpty() || !file.exists())
         throw CommandError(NotFound, u"there is no command '%1'"_s.arg(command));

@@ -68,7 +68,7 @@ std::optional<Finding> listenerFault(const SocketProbe& probe, const QString& pa
     case SocketProbe::Busy:
         return wrong(path, u"%1 takes none of its messages"_s.arg(processText(owner)),
                      u"see what it does: its event loop does not run"_s);
-    case SocketProbe::Failed:
+    case SocketProbe::Unreachable:
         return wrong(path, u"no connection to %1: %2"_s.arg(processText(owner), probe.error),
                      u"start that program again"_s);
     default:

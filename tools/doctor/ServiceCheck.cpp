@@ -28,7 +28,7 @@ std::optional<Finding> directoryFault(const Service& service, const SocketProbe&
 {
     const QByteArray directory = parentOf(service.socket);
     const bool isUnreached = probe.state == SocketProbe::Dead || probe.state == SocketProbe::Missing
-                             || probe.state == SocketProbe::NoSocket || probe.state == SocketProbe::Failed;
+                             || probe.state == SocketProbe::NoSocket || probe.state == SocketProbe::Unreachable;
     if (!isUnreached || !exists(directory))
         return std::nullopt;
     const std::optional<Finding> fault = writableDirectoryFault(directory);

@@ -47,7 +47,7 @@ SocketProbe SocketProbe::of(const posix::UniqueFd& connection)
     case ENOENT:
         return {.state = Missing};
     default:
-        return {.state = Failed, .error = QString::fromLocal8Bit(std::strerror(error))};
+        return {.state = Unreachable, .error = QString::fromLocal8Bit(std::strerror(error))};
     }
 }
 

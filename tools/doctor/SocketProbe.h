@@ -22,8 +22,8 @@ struct SocketProbe
         Busy,    ///< served, but its queue of connections is full
         Dead,    ///< left behind by a dead process
         Missing,
-        NoSocket, ///< another kind of file
-        Failed,   ///< see error
+        NoSocket,    ///< another kind of file
+        Unreachable, ///< see error
     };
 
     State state = Missing;
