@@ -80,8 +80,8 @@ size_t lastBefore(size_t place, const ChartRun& run)
 } // namespace
 
 ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock)
+    : m_outcomes(zyn::tool::outcomes(messages))
 {
-    m_outcomes = zyn::tool::outcomes(messages);
     for (const QString& lane : runs.lanes)
         m_lanes.push_back({jsonEscaped(lane), roleOf(lane)});
     for (const ChartRun& run : runs.runs) {

@@ -106,21 +106,20 @@ ExitCode replay(const Invocation& invocation, Console& console)
 
 Command replayCommand()
 {
-    return {
-        .name = u"replay"_s,
-        .summary = u"Send the messages of a recording again, with the pauses that they came with"_s,
-        .details =
-            u"\nThe whole recording is checked before anything is sent. SIGINT and SIGTERM end the replay "
-            "with\nexit code %1. Messages that ask the phone for something, as to place a call, are named "
-            "and left\nout, unless --requests is given. The exit code is %2 when nobody listens on any of its channels.\n"_s
-                .arg(int{Interrupted})
-                .arg(int{NobodyListens}),
-        .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
-        .options = {flagOption(u"requests"_s, u"send also what makes the phone act"_s),
-                    valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
-                    valueOption(u"channel"_s, u"CHANNEL"_s,
-                                u"only the messages of that channel, and of each other one so given"_s)},
-        .run = replay};
+    return {.name = u"replay"_s,
+            .summary = u"Send the messages of a recording again, with the pauses that they came with"_s,
+            .details =
+                u"\nThe whole recording is checked before anything is sent. SIGINT and SIGTERM end the replay "
+                "with\nexit code %1. Messages that ask the phone for something, as to place a call, are named "
+                "and left\nout, unless --requests is given. The exit code is %2 when nobody listens on any of its "
+                "channels.\n"_s.arg(int{Interrupted})
+                    .arg(int{NobodyListens}),
+            .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
+            .options = {flagOption(u"requests"_s, u"send also what makes the phone act"_s),
+                        valueOption(u"speed"_s, u"N"_s, u"N times as fast; 0 or max: without pauses"_s),
+                        valueOption(u"channel"_s, u"CHANNEL"_s,
+                                    u"only the messages of that channel, and of each other one so given"_s)},
+            .run = replay};
 }
 
 } // namespace zyn::tool
