@@ -59,7 +59,7 @@ QString sentenceOf(const Course& course)
     const QString party = course.party.isEmpty() ? u"A call"_s : u"The call to "_s + course.party;
     if (!course.hasConnected)
         return party + u" did not come about."_s;
-    return u"%1 was connected for %2."_s.arg(party, counted(course.seconds, "second"));
+    return u"%1 was connected for %2."_s.arg(party, counted(static_cast<qsizetype>(course.seconds), "second"));
 }
 
 int64_t numberOf(const MessageFields& fields, QLatin1String name)
