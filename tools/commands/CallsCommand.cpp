@@ -3,11 +3,14 @@
 
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 #include "tools/commands/CallOptions.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/RecordText.h"
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -17,7 +20,12 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-constexpr int kNoSuchCall = 1; // of RC_Interface
+constexpr int kNoSuchCall = recentcall::NoSuchRecord; // of RC_Interface, too
+
+CommandError noSuchCall(int uid)
+{
+    return failure(u"no such call: %1"_s.arg(uid));
+}
 
 ExitCode listCalls(const Invocation& invocation, Console& console)
 {
@@ -33,22 +41,54 @@ ExitCode addCall(const Invocation& invocation, Console& console)
     return Done;
 }
 
-ExitCode deleteCall(const Invocation& invocation, Console& console)
+/// The call with @p uid of @p calls, which are those of @p list.
+const Call& callWith(int uid, const std::vector<Call>& calls, RC_CALL_CATEGORY_T list)
 {
-    const int uid = wholeNumber(invocation.argument(0), u"UID"_s);
-    const RC_CALL_CATEGORY_T list = listFrom(invocation);
-    std::vector<Call> found = fetchCalls(list);
-    std::erase_if(found, [uid](const Call& candidate) { return candidate.uid != uid; });
-    if (found.size() > 1 && list == RC_CALL_CATEGORY_ALL)
+    const auto isNamed = [uid](const Call& candidate) { return candidate.uid == uid; };
+    const auto found = std::ranges::find_if(calls, isNamed);
+    if (found == calls.end())
+        throw noSuchCall(uid);
+    if (list == RC_CALL_CATEGORY_ALL && std::any_of(std::next(found), calls.end(), isNamed))
         throw failure(u"several calls have uid %1; name the list with --list"_s.arg(uid));
-    int result = kNoSuchCall;
-    if (!found.empty())
-        result = RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new Call(found.front())));
+    return *found;
+}
+
+/// Throws unless the service's @p result says that it has changed @p call.
+void expectChanged(int result, const Call& call)
+{
     if (result == kNoSuchCall)
-        throw failure(u"no such call: %1"_s.arg(uid));
+        throw noSuchCall(call.uid);
     if (result != 0)
         throw recentCallServiceError();
+}
+
+/// The calls whose uids are the arguments. All are found before one is changed, so that a mistyped one changes nothing.
+std::vector<Call> namedCalls(const Invocation& invocation)
+{
+    std::vector<int> uids;
+    for (const QString& text : invocation.arguments())
+        uids.push_back(wholeNumber(text, u"UID"_s));
+    const RC_CALL_CATEGORY_T list = listFrom(invocation);
+    const std::vector<Call> calls = fetchCalls(list);
+    std::vector<Call> named;
+    for (const int uid : uids)
+        named.push_back(callWith(uid, calls, list));
+    return named;
+}
+
+ExitCode deleteCall(const Invocation& invocation, Console& console)
+{
+    const Call call = namedCalls(invocation).front();
+    expectChanged(RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new Call(call))), call);
     console.write(u"deleted\n"_s);
+    return Done;
+}
+
+ExitCode markCallsRead(const Invocation& invocation, Console& console)
+{
+    for (const Call& call : namedCalls(invocation))
+        expectChanged(recentcall::markRead(call), call);
+    console.write(u"marked as read\n"_s);
     return Done;
 }
 
@@ -96,6 +136,17 @@ Command addRow()
             .run = addCall};
 }
 
+Command readRow()
+{
+    return {
+        .name = u"read"_s,
+        .summary = u"Mark calls as read: seen by the user, as the recent-call screens do with what they show"_s,
+        .arguments = {{u"UID"_s, u"as 'calls list' shows it; when one is unknown, none is marked"_s, Argument::Many}},
+        .options = {listOption()},
+        .words = selectionWords(),
+        .run = markCallsRead};
+}
+
 Command deleteRow()
 {
     return {.name = u"delete"_s,
@@ -127,10 +178,10 @@ Command lastDialedRow()
 
 Command callsCommand()
 {
-    return {
-        .name = u"calls"_s,
-        .summary = u"The log of recent calls"_s,
-        .verbs = {listRow(), addRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(), exportRow(), importRow()}};
+    return {.name = u"calls"_s,
+            .summary = u"The log of recent calls"_s,
+            .verbs = {listRow(), addRow(), readRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(), exportRow(),
+                      importRow()}};
 }
 
 } // namespace zyn::tool
