@@ -6,6 +6,7 @@
 #include "platform/SettingsFile_p.h"
 
 #include <array>
+#include <optional>
 
 namespace zyn::handset {
 
@@ -39,12 +40,18 @@ inline QString stateFile()
     return settingsPath("zyn_handset.cfg");
 }
 
-/// The state as it is now.
-inline int readState(const State& state)
+/// The state as it is now; nothing when it is not set.
+inline std::optional<int> storedState(const State& state)
 {
     const std::optional<QByteArray> stored =
         storedSetting(stateFile(), QLatin1String(kGroup), QLatin1String(state.key));
-    return stored ? settingInt(*stored).value_or(0) : 0;
+    return stored ? settingInt(*stored) : std::nullopt;
+}
+
+/// The state as it is now, as those are told who ask the platform for it.
+inline int readState(const State& state)
+{
+    return storedState(state).value_or(0);
 }
 
 } // namespace zyn::handset

@@ -125,8 +125,19 @@ void ZynphoneTopTest::behavesAtAnySize()
     QCOMPARE(terminal.find(u"too small\u2026"_s), 0);
     QCOMPARE(terminal.row(1) + terminal.row(2), QString(20, u' '));
     terminal.resize(30, 12);
-    QCOMPARE(terminal.find(u"lines more"_s), 11);
+    QCOMPARE(terminal.find(u"q ends; 34 lines below"_s), 11);
     QVERIFY(terminal.find(u"favourite 4"_s) > 0); // the calls come first
+    terminal.type("\033[B\033OB");                // down twice
+    QCOMPARE(terminal.find(u"q ends; 2 lines above, 32 lin"_s), 11);
+    QCOMPARE(terminal.find(u"connected"_s), 1);
+    terminal.type("\033[F"); // to the end, and no further
+    QCOMPARE(terminal.find(u"q ends; 34 lines above"_s), 11);
+    terminal.type("j\033[5~"); // a page up
+    QCOMPARE(terminal.find(u"q ends; 25 lines above"_s), 11);
+    terminal.type("x\033[Zk\033[6~ "); // one line up, two pages down
+    QCOMPARE(terminal.find(u"q ends; 34 lines above"_s), 11);
+    terminal.type("\033[H");
+    QCOMPARE(terminal.find(u"q ends; 34 lines below"_s), 11);
     terminal.resize(80, 24);
     QVERIFY(terminal.find(u"UMA icon"_s) > 0);
     QCOMPARE(terminal.find(u"q ends"_s), 23);

@@ -92,6 +92,16 @@ QString alignedLines(const QList<QStringList>& rows)
     return lines;
 }
 
+QString timeText(const QDateTime& time)
+{
+    return time.toString(u"yyyy-MM-dd HH:mm:ss"_s);
+}
+
+QString counted(qsizetype number, const char* thing)
+{
+    return u"%1 %2"_s.arg(QString::number(number), QLatin1String(thing)) + (number == 1 ? QLatin1String() : "s"_L1);
+}
+
 QString durationText(int seconds)
 {
     const qint64 magnitude = std::abs(qint64{seconds});

@@ -1,6 +1,7 @@
 // Text for terminals.
 #pragma once
 
+#include <QtCore/QDateTime>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -24,5 +25,11 @@ QString alignedLines(const QList<QStringList>& rows);
 
 /// A duration in seconds, of any sign, as h:mm:ss.
 QString durationText(int seconds);
+
+/// A moment as people read it, date and time in its own time zone. Empty for an invalid one.
+QString timeText(const QDateTime& time);
+
+/// "1 message", "2 messages" for "message".
+QString counted(qsizetype number, const char* thing);
 
 } // namespace zyn::handset

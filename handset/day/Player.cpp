@@ -1,6 +1,8 @@
 // Plays a day, and compares the lines of its programs with those that the script expects.
 #include "handset/day/Player.h"
 
+#include "handset/common/Text.h"
+
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QRegularExpression>
@@ -174,7 +176,7 @@ void Player::expect(const Expectation& expectation, const Member& member, Actor&
     if (count == expectation.times)
         return;
     actor.isLate = true;
-    m_view.explain(u"seen %1 times; expected by line %2"_s.arg(count).arg(expectation.lineNumber));
+    m_view.explain(u"seen %1; expected by line %2"_s.arg(counted(count, "time")).arg(expectation.lineNumber));
     constexpr qsizetype kEnough = 3;
     const QStringList& lines = actor.program.lines();
     for (const QString& other : lines.mid(std::max<qsizetype>(0, lines.size() - kEnough)))
@@ -202,7 +204,7 @@ void Player::compare(const Member& member, const Actor& actor)
     const auto [line, called] = std::ranges::mismatch(lines, actor.called, isMatch);
     const bool holds = line == lines.end() && called == actor.called.end();
     m_view.check(holds, member.from, member.to,
-                 u"%1 lines seen, %2 expected"_s.arg(lines.size()).arg(actor.called.size()));
+                 u"%1 seen, %2 expected"_s.arg(counted(lines.size(), "line")).arg(actor.called.size()));
     if (!holds)
         m_view.explain(u"the first difference: "_s + (line == lines.end() ? *called : *line));
 }

@@ -46,7 +46,7 @@ QString missedCallsText(const MissedCallEngine& engine, const RC_MissedCallList&
     const RC_MissedCallItem& last = unread.first();
     const QString number = last.first.isEmpty() ? u"an unknown number"_s : printable(last.first);
     return u"missed %1 unread, last %2 at %3\n"_s.arg(QString::number(unread.size()), number,
-                                                      engine.start(last).toString(u"yyyy-MM-dd HH:mm:ss"));
+                                                      timeText(engine.start(last)));
 }
 
 /// The line of the favourite @p key; nothing when its file cannot be read.
@@ -55,8 +55,8 @@ std::optional<QString> favouriteText(const QString& key)
     TopPals_Missed_Details unread{key};
     if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) != 1)
         return std::nullopt;
-    return u"favourite %1: %2 missed, %3 messages unread\n"_s.arg(
-        printable(key), QString::number(unread.missedCallCount), QString::number(unread.unreadMsgCount));
+    return u"favourite %1: %2 missed, %3 unread\n"_s.arg(printable(key), QString::number(unread.missedCallCount),
+                                                         counted(unread.unreadMsgCount, "message"));
 }
 
 /// Shows the number of unread missed calls, at the start and whenever it changes.

@@ -2,6 +2,7 @@
 #include "handset/phone_server/CallLogUploader.h"
 
 #include "handset/common/Log.h"
+#include "handset/common/Text.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 
@@ -32,9 +33,9 @@ constexpr size_t kMostOnTheWay = 16;
 
 QString describe(const PHONE_ENG_RecentCall& record)
 {
-    return u"the call of list %1, type %2, number %3, start %4, %5 seconds"_s.arg(
+    return u"the call of list %1, type %2, number %3, start %4, %5"_s.arg(
         QString::number(record.category), QString::number(record.callType), record.getPhoneNumber(),
-        record.getStartDateTime().toString(Qt::ISODate), QString::number(record.duration));
+        timeText(record.getStartDateTime()), counted(record.duration, "second"));
 }
 
 } // namespace
@@ -113,8 +114,8 @@ void CallLogUploader::collect()
         ++item;
     }
     if (m_waiting.empty() && m_late > 0)
-        log(u"the recent-call service is back and has accepted the %1 calls that waited"_s.arg(
-            std::exchange(m_late, 0)));
+        log(u"the recent-call service is back and has accepted %1 that waited"_s.arg(
+            counted(std::exchange(m_late, 0), "call")));
 }
 
 void CallLogUploader::noteAccepted(const Item& item)

@@ -26,7 +26,7 @@ constexpr struct
     {"LIST", listText},
     {"NUMBER", [](const Call& call) { return printable(call.getPhoneNumber()); }},
     {"NAME", [](const Call& call) { return printable(call.getDisplayName()); }},
-    {"TIME", [](const Call& call) { return call.getStartDateTime().toString(u"yyyy-MM-dd HH:mm:ss"); }},
+    {"TIME", [](const Call& call) { return timeText(call.getStartDateTime()); }},
     {"DURATION", [](const Call& call) { return durationText(call.duration); }},
 };
 
@@ -34,8 +34,7 @@ constexpr struct
 
 QString pageText(const ScreenPage& page, const std::vector<Call>& calls)
 {
-    QString title = u"%1: %2 calls, %3 unread\n"_s.arg(QLatin1String(page.name))
-                        .arg(calls.size())
+    QString title = u"%1: %2, %3 unread\n"_s.arg(QLatin1String(page.name), counted(std::ssize(calls), "call"))
                         .arg(std::ranges::count_if(calls, isUnread));
     if (calls.empty())
         return title;

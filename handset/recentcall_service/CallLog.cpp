@@ -2,6 +2,7 @@
 #include "handset/recentcall_service/CallLog.h"
 
 #include "handset/common/Log.h"
+#include "handset/common/Text.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 
 #include <algorithm>
@@ -276,7 +277,8 @@ void CallLog::renumber(const OpenFiles& files)
         return;
     m_renumbered = renumbered;
     m_lastUid = renumbered.back().call.uid;
-    log(u"out of uids: %1 calls get uids from %2 on"_s.arg(renumbered.size()).arg(renumbered.front().call.uid));
+    log(u"out of uids: new ones, from %1 on, for %2"_s.arg(QString::number(renumbered.front().call.uid),
+                                                           counted(std::ssize(renumbered), "call")));
     for (const auto& [oldUid, call] : renumbered) {
         CallFile& file = *files.of(call.category);
         file.write(call);

@@ -318,7 +318,7 @@ QString Drawing::summary() const
     return text.arg(counted(qsizetype(m_messages.size()), "message"),
                     counted(m_runs.lanes.size(), isKnown ? "program" : "channel"),
                     durationText(m_messages.front().time.msecsTo(m_messages.back().time)),
-                    m_messages.front().time.toString(u"yyyy-MM-dd HH:mm:ss"));
+                    handset::timeText(m_messages.front().time));
 }
 
 QString Drawing::description() const

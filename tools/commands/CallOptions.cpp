@@ -173,7 +173,9 @@ std::vector<PHONE_ENG_RecentCall> fetchCalls(RC_CALL_CATEGORY_T list, std::span<
 void sendCalls(const std::vector<PHONE_ENG_RecentCall>& calls)
 {
     size_t sent = 0;
-    const auto state = [&] { return u"%1 of %2 calls sent"_s.arg(sent).arg(calls.size()); };
+    const auto state = [&] {
+        return u"%1 of %2 sent"_s.arg(QString::number(sent), counted(std::ssize(calls), "call"));
+    };
     const Progress progress(state);
     for (auto call = calls.crbegin(); call != calls.crend(); ++call) {
         if (RC_Interface().addRecord(RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(*call))) != 0)

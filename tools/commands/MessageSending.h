@@ -13,6 +13,9 @@ using namespace Qt::StringLiterals;
 /// Whether a message on @p channel would reach a listener, now or when it goes on.
 bool isHeard(const QCString& channel);
 
+/// The error that what was sent on @p channel reached nobody.
+CommandError nobodyListens(const QCString& channel);
+
 /// Reports what @p send sends on @p channel. Throws what it throws, and NobodyListens where it reaches nobody.
 ExitCode sendOn(const QCString& channel, Console& console, const std::function<void()>& send);
 

@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "handset/common/TerminationSignals.h"
+#include "handset/common/Text.h"
 #include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/RC_MissedCallInterface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
@@ -36,7 +37,7 @@ constexpr Column<RC_MissedCallItem> kColumns[] = {
      [](const RC_MissedCallItem& item) {
          return QJsonValue(MissedCallEngine::start(item).toUTC().toString(Qt::ISODate));
      },
-     [](const RC_MissedCallItem& item) { return MissedCallEngine::start(item).toString(Qt::ISODate); }},
+     [](const RC_MissedCallItem& item) { return handset::timeText(MissedCallEngine::start(item)); }},
     {"type", "TYPE",
      [](const RC_MissedCallItem& item) { return QJsonValue(wordFor(kTypes, MissedCallEngine::callType(item))); }},
 };

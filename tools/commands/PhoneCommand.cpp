@@ -102,7 +102,7 @@ QJsonValue value(const QJsonObject& call, const char* key)
 QString sinceText(const QJsonObject& call)
 {
     const QString since = value(call, "since").toString();
-    return QDateTime::fromString(since, Qt::ISODateWithMs).toString(u"yyyy-MM-dd HH:mm:ss"_s);
+    return handset::timeText(QDateTime::fromString(since, Qt::ISODateWithMs));
 }
 
 constexpr Column<QJsonObject> kColumns[] = {

@@ -7,9 +7,9 @@
 #include "platform/QCopChannel.h"
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "tools/commands/Channels.h"
-#include "tools/doctor/SocketProbe.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/SocketProbe.h"
 #include "tools/zynphone/Text.h"
 
 #include <algorithm>
@@ -82,13 +82,18 @@ bool isHeard(const QCString& channel)
     });
 }
 
+CommandError nobodyListens(const QCString& channel)
+{
+    return {NobodyListens, u"sent; nobody listens on %1"_s.arg(QString::fromUtf8(channel))};
+}
+
 ExitCode sendOn(const QCString& channel, Console& console, const std::function<void()>& send)
 {
     // Whoever begins to listen afterwards hears nothing of it.
     const bool reachesSomebody = isHeard(channel);
     send();
     if (!reachesSomebody)
-        throw CommandError(NobodyListens, u"sent; nobody listens on %1"_s.arg(QString::fromUtf8(channel)));
+        throw nobodyListens(channel);
     console.write(u"sent\n"_s);
     return Done;
 }

@@ -1,25 +1,27 @@
 // zynphone prepend, radio and language: the set-up of calls and of the phone server.
 #include "tools/commands/Commands.h"
 
+#include "platform/CommandFrame_p.h"
 #include "platform/QCopChannel.h"
+#include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
+#include "tools/zynphone/SocketProbe.h"
 #include "utility/PHONE_Msg.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_Setup.h"
+#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 
-#include <chrono>
+#include <functional>
 #include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
-
-constexpr std::chrono::seconds kPatience{2};
 
 ExitCode showPrepend(const Invocation& /*invocation*/, Console& console)
 {
@@ -35,13 +37,14 @@ ExitCode setPrepend(const Invocation& /*invocation*/, Console& /*console*/)
     return Done;
 }
 
-/// Waits for a message of the phone server whose payload is one number.
-class Answer
+/// A request to the phone server that is answered by a message whose payload is one number.
+class Question
 {
 public:
-    /// Listens from its construction, which must precede the request.
-    explicit Answer(PHONE_Msg::PHONE_MSG_TYPE_T type)
+    /// Listens for the answer @p type from its construction on.
+    explicit Question(PHONE_Msg::PHONE_MSG_TYPE_T type)
         : m_message(phoneMessage(type))
+        , m_isHeard(isHeard(kPhoneChannel))
         , m_channel(kPhoneChannel)
     {
         if (!m_channel.isListening())
@@ -53,16 +56,29 @@ public:
                          });
     }
 
-    int wait()
+    /// Asks, and returns the number. Throws NobodyListens at once where nobody could answer.
+    int ask(const std::function<void()>& request)
     {
-        QTimer::singleShot(kPatience, &m_loop, &QEventLoop::quit);
+        request();
+        if (!m_isHeard)
+            throw nobodyListens(kPhoneChannel);
+        QTimer::singleShot(kCommandTimeout, &m_loop, &QEventLoop::quit);
         m_loop.exec();
         if (!m_number)
-            throw failure(u"no answer within %1 seconds"_s.arg(kPatience.count()));
+            throw noAnswer();
         return *m_number;
     }
 
 private:
+    /// Other programs listen on the channel, too: it is the phone server's socket that tells what is wrong.
+    static CommandError noAnswer()
+    {
+        const QString server = u"phone server"_s;
+        const QString path = QLatin1String(voicecall::kSocketPath);
+        return SocketProbe::at(voicecall::kSocketPath).state == SocketProbe::Served ? noAnswerError(server, path)
+                                                                                    : serviceError(server, path);
+    }
+
     void handle(const QByteArray& payload)
     {
         if (!m_number)
@@ -71,6 +87,7 @@ private:
     }
 
     const PhoneMessage& m_message;
+    const bool m_isHeard; ///< by somebody else than this object
     QCopChannel m_channel;
     QEventLoop m_loop;
     std::optional<int> m_number;
@@ -79,9 +96,7 @@ private:
 template<bool on>
 ExitCode switchRadio(const Invocation& /*invocation*/, Console& console)
 {
-    Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_RFMOD_S);
-    PHONE_SetRFMode(on);
-    const int result = answer.wait();
+    const int result = Question(PHONE_Msg::PHONE_MSG_RET_SET_RFMOD_S).ask([] { PHONE_SetRFMode(on); });
     console.write(u"result %1: %2\n"_s.arg(QString::number(result), result != 0 ? u"done"_s : u"not done"_s));
     return result != 0 ? Done : Failed;
 }
@@ -89,9 +104,9 @@ ExitCode switchRadio(const Invocation& /*invocation*/, Console& console)
 ExitCode setLanguage(const Invocation& invocation, Console& console)
 {
     const int language = wholeNumber(invocation.argument(0), u"N"_s);
-    Answer answer(PHONE_Msg::PHONE_MSG_RET_SET_FEATUREDB_LANG_S);
-    PHONE_SetTAPILanguage(language);
-    console.write(u"result %1\n"_s.arg(answer.wait()));
+    const int result =
+        Question(PHONE_Msg::PHONE_MSG_RET_SET_FEATUREDB_LANG_S).ask([&] { PHONE_SetTAPILanguage(language); });
+    console.write(u"result %1\n"_s.arg(result));
     return Done;
 }
 
@@ -113,6 +128,7 @@ Command radioCommand()
     Command off{.name = u"off"_s, .summary = u"Ask the phone server to switch it off"_s, .run = switchRadio<false>};
     return {.name = u"radio"_s,
             .summary = u"The radio, whose switch answers with a result; 0 is failure"_s,
+            .details = sendingDetails(),
             .verbs = {std::move(on), std::move(off)}};
 }
 
@@ -120,6 +136,7 @@ Command languageCommand()
 {
     return {.name = u"language"_s,
             .summary = u"Tell the phone server the current language, and show its result"_s,
+            .details = sendingDetails(),
             .arguments = {{u"N"_s, u"the language, as the telephony platform counts them"_s}},
             .run = setLanguage};
 }

@@ -3,7 +3,8 @@
 
 #include "handset/common/Application.h"
 #include "handset/common/TerminationSignals.h"
-#include "platform/UTIL_PhoneStatus.h"
+#include "platform/HandsetState_p.h"
+#include "tools/top/Keys.h"
 #include "tools/top/Screen.h"
 #include "tools/top/StateSources.h"
 #include "tools/top/TopView.h"
@@ -16,6 +17,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <optional>
 
 #include <unistd.h>
 
@@ -31,8 +33,6 @@ constexpr std::chrono::milliseconds kPollInterval = 1s;
 constexpr std::chrono::milliseconds kDrawDelay = 30ms;
 /// How long a snapshot waits for the phone server's replies.
 constexpr std::chrono::milliseconds kAnswerTime = 500ms;
-
-constexpr char kEndKey = 'q';
 
 /// The whole state, kept up to date by the event loop.
 class Phone
@@ -57,10 +57,18 @@ private:
     {
         m_calls.refresh();
         readFavourites(state);
-        state.set(Item::KeypadLock, QString::number(UTIL_GetKeypadLockStatus()));
-        state.set(Item::PhoneSystem, QString::number(UTIL_GetPhoneSystemStatus()));
+        show(Item::KeypadLock, handset::kKeypadLock);
+        show(Item::PhoneSystem, handset::kPhoneSystem);
         if (state.value(Item::SimCard).text.isNull())
-            state.set(Item::SimCard, QString::number(UTIL_GetSimCardStatus()));
+            show(Item::SimCard, handset::kSimCard);
+    }
+
+    void show(Item item, const handset::State& stored)
+    {
+        if (const std::optional<int> value = handset::storedState(stored))
+            state.set(item, QString::number(*value));
+        else
+            state.remove(item);
     }
 
     StatusSource m_status;
@@ -93,7 +101,7 @@ private:
     void draw()
     {
         Canvas canvas = m_screen.blank();
-        layOut(m_phone.state, canvas);
+        m_scrolled = layOut(m_phone.state, canvas, m_scrolled);
         if (!m_screen.show(canvas))
             m_draw.start(kPollInterval); // until the user resumes the terminal
         if (!m_console.isValid())
@@ -121,9 +129,13 @@ private:
         char keys[64];
         const ssize_t count = ::read(STDIN_FILENO, keys, sizeof keys);
         if (count <= 0)
-            m_keys.setEnabled(false);
-        else if (QByteArrayView(keys, count).contains(kEndKey))
-            QCoreApplication::quit();
+            return m_keys.setEnabled(false);
+        for (const Key key : keysIn({keys, static_cast<size_t>(count)})) {
+            if (key == Key::Quit)
+                return QCoreApplication::quit();
+            m_scrolled = scrolledBy(key, m_scrolled, m_screen.blank().rows());
+            draw();
+        }
     }
 
     Console& m_console;
@@ -132,6 +144,7 @@ private:
     Screen m_screen;
     QSocketNotifier m_keys;
     QTimer m_draw;
+    int m_scrolled = 0; ///< the lines above the first one that is shown
 };
 
 ExitCode showOnce(const TimeLimit& timeLimit, Console& console)
@@ -173,7 +186,8 @@ Command topCommand()
 {
     return {.name = u"top"_s,
             .summary = u"Show the phone's state on the terminal as it changes, until q, SIGINT or SIGTERM"_s,
-            .details = u"\nWhat no message has told since it was started is shown as \u2013, numbers of the telephony\n"
+            .details = u"\nThe arrow keys, Page Up, Page Down, Home and End scroll where it does not fit.\n"
+                       "What no message has told since it was started is shown as \u2013, numbers of the telephony\n"
                        "platform as they come. It asks the phone server for the data counters once.\n"_s,
             .options = {flagOption(u"once"_s, u"write the state once, as plain lines, after --for or half a second"_s),
                         TimeLimit::option()},

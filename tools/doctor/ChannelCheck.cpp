@@ -3,7 +3,7 @@
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
-#include "tools/doctor/SocketProbe.h"
+#include "tools/zynphone/SocketProbe.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QStringList>

@@ -2,7 +2,7 @@
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
-#include "tools/doctor/SocketProbe.h"
+#include "tools/zynphone/SocketProbe.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>

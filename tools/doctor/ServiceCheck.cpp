@@ -2,7 +2,7 @@
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
-#include "tools/doctor/SocketProbe.h"
+#include "tools/zynphone/SocketProbe.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 
 using namespace Qt::StringLiterals;

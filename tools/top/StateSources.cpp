@@ -70,14 +70,16 @@ QString nameOf(const QCString& message)
 
 using Call = PHONE_ENG_RecentCall;
 
-/// The calls in the file of @p list; none if it is missing or damaged.
-std::vector<Call> callsIn(RC_CALL_CATEGORY_T list)
+/// The calls in the file of @p list, none if it is missing; nothing if it is damaged or cannot be read.
+std::optional<std::vector<Call>> callsIn(RC_CALL_CATEGORY_T list)
 {
     const QByteArray path = storeDirectoryPath() + recordFileName(list);
     const auto image = posix::readWhole(path, RecordFile::size());
-    std::vector<Call> calls;
+    if (!image && !posix::fileId(path))
+        return std::vector<Call>();
     if (!image || !RecordFile::isValid(*image))
-        return calls;
+        return std::nullopt;
+    std::vector<Call> calls;
     for (const int slot : RecordFile::usedSlots(*image))
         calls.push_back(RecordFile::at(*image, slot));
     return calls;
@@ -253,17 +255,28 @@ void CallSource::showCall()
 
 void CallSource::refresh()
 {
-    std::vector<Call> missed = callsIn(RC_CALL_CATEGORY_MISSED);
-    std::vector<Call> all = missed;
-    for (const RC_CALL_CATEGORY_T list : {RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_DIALED})
-        std::ranges::move(callsIn(list), std::back_inserter(all));
-    std::erase_if(missed, std::not_fn(handset::isUnread));
-    showMissed(missed);
-    showNewest(all);
+    std::vector<Call> all;
+    bool isWhole = true;
+    for (const RC_CALL_CATEGORY_T list :
+         {RC_CALL_CATEGORY_MISSED, RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_DIALED}) {
+        std::optional<std::vector<Call>> calls = callsIn(list);
+        if (list == RC_CALL_CATEGORY_MISSED)
+            showMissed(calls);
+        isWhole = isWhole && calls;
+        std::ranges::move(std::move(calls).value_or(std::vector<Call>()), std::back_inserter(all));
+    }
+    if (isWhole)
+        showNewest(all);
+    else
+        m_state.remove(Item::LastLogged);
 }
 
-void CallSource::showMissed(const std::vector<Call>& unread)
+void CallSource::showMissed(const std::optional<std::vector<Call>>& calls)
 {
+    if (!calls)
+        return m_state.remove(Item::Missed);
+    std::vector<Call> unread = *calls;
+    std::erase_if(unread, std::not_fn(handset::isUnread));
     const QString count = u"%1 unread"_s.arg(unread.size());
     const bool isRead = unread.empty();
     m_state.set(Item::Missed, isRead ? count : count + u", last "_s + partyText(newestOf(unread)), !isRead);
@@ -271,6 +284,8 @@ void CallSource::showMissed(const std::vector<Call>& unread)
 
 void CallSource::showNewest(const std::vector<Call>& calls)
 {
+    // What is in the log at first tells nothing of the call in progress.
+    const bool isFirst = !std::exchange(m_hasLooked, true);
     if (calls.empty()) {
         m_newest.reset();
         return m_state.set(Item::LastLogged, {});
@@ -279,7 +294,7 @@ void CallSource::showNewest(const std::vector<Call>& calls)
     m_state.set(Item::LastLogged, u"%1 %2, %3"_s.arg(categoryWord(newest.category), partyText(newest),
                                                      newest.getStartDateTime().toString(u"HH:mm:ss")));
     const bool isNew = std::exchange(m_newest, newest.uid) != newest.uid;
-    if (isNew && (m_number.isEmpty() || m_number == newest.getPhoneNumber())) {
+    if (isNew && !isFirst && (m_number.isEmpty() || m_number == newest.getPhoneNumber())) {
         m_number.clear();
         begin({});
     }

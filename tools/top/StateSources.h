@@ -59,7 +59,8 @@ public:
 private:
     void begin(const QString& call);
     void showCall();
-    void showMissed(const std::vector<PHONE_ENG_RecentCall>& unread);
+    /// Shows the unread ones of @p calls; nothing means that they are unknown.
+    void showMissed(const std::optional<std::vector<PHONE_ENG_RecentCall>>& calls);
     void showNewest(const std::vector<PHONE_ENG_RecentCall>& calls);
 
     PhoneState& m_state;
@@ -68,6 +69,7 @@ private:
     QString m_number; ///< of the last requested call
     QString m_call;   ///< empty if unknown
     int m_changes = 0;
+    bool m_hasLooked = false;
     std::optional<int> m_newest; ///< the uid of the last logged call
 };
 

@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
+using handset::counted;
 using handset::jsonEscaped;
 
 struct Line
@@ -136,8 +137,15 @@ void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row,
                value.isAlert ? Style::Alert : Style::Plain);
 }
 
-/// Draws as many lines as fit, without blank lines if that helps; returns the number of lines left out.
-int putLines(const PhoneState& state, Canvas& canvas, Area area)
+/// The lines above and below the canvas.
+struct Hidden
+{
+    int above = 0;
+    int below = 0;
+};
+
+/// Draws as many lines as fit behind the first @p scrolled ones, without blank lines if that helps.
+Hidden putLines(const PhoneState& state, Canvas& canvas, Area area, int scrolled)
 {
     const auto room = static_cast<size_t>(canvas.rows() - 2);
     if (area.lines.size() < room)
@@ -145,34 +153,47 @@ int putLines(const PhoneState& state, Canvas& canvas, Area area)
     if (area.lines.size() > room)
         std::erase_if(area.lines, isBlank);
     const size_t count = std::min(area.lines.size(), room);
+    const size_t above = std::min(static_cast<size_t>(scrolled), area.lines.size() - count);
     for (size_t index = 0; index < count; ++index)
-        putLine(state, canvas, area, static_cast<int>(index) + 1, area.lines[index]);
-    return static_cast<int>(area.lines.size() - count);
+        putLine(state, canvas, area, static_cast<int>(index) + 1, area.lines[above + index]);
+    return {static_cast<int>(above), static_cast<int>(area.lines.size() - count - above)};
 }
 
-int putColumns(const PhoneState& state, Canvas& canvas)
+Hidden putColumns(const PhoneState& state, Canvas& canvas, int scrolled)
 {
     if (canvas.columns() < kTwoColumns)
-        return putLines(state, canvas, {0, canvas.columns(), allLines()});
+        return putLines(state, canvas, {0, canvas.columns(), allLines()}, scrolled);
     const int width = canvas.columns() / 2;
-    return putLines(state, canvas, {0, width - 2, Lines(std::begin(kLeft), std::end(kLeft))})
-           + putLines(state, canvas, {width, canvas.columns() - width, Lines(std::begin(kRight), std::end(kRight))});
+    const Hidden left = putLines(state, canvas, {0, width - 2, {std::begin(kLeft), std::end(kLeft)}}, scrolled);
+    const Hidden right =
+        putLines(state, canvas, {width, canvas.columns() - width, {std::begin(kRight), std::end(kRight)}}, scrolled);
+    return {std::max(left.above, right.above), std::max(left.below, right.below)};
+}
+
+QString footText(const Hidden& hidden)
+{
+    QStringList parts;
+    if (hidden.above > 0)
+        parts += u"%1 above"_s.arg(counted(hidden.above, "line"));
+    if (hidden.below > 0)
+        parts += u"%1 below"_s.arg(counted(hidden.below, "line"));
+    return parts.isEmpty() ? u"q ends"_s : u"q ends; "_s + parts.join(", "_L1);
 }
 
 } // namespace
 
-void layOut(const PhoneState& state, Canvas& canvas)
+int layOut(const PhoneState& state, Canvas& canvas, int scrolled)
 {
     if (canvas.columns() < kMinColumns || canvas.rows() < kMinRows) {
         canvas.put(0, 0, canvas.columns(), u"too small; %1x%2 will do"_s.arg(kMinColumns).arg(kMinRows));
-        return;
+        return scrolled;
     }
     canvas.put(0, 0, canvas.columns(), kTitle, Style::Title);
     const int column = int{kTitle.size()} + 2;
     canvas.put(0, column, canvas.columns() - column, textOf(state.value(Item::LastMessage)), Style::Label);
-    const int hidden = putColumns(state, canvas);
-    const QString foot = hidden > 0 ? u"q ends; %1 lines more"_s.arg(hidden) : u"q ends"_s;
-    canvas.put(canvas.rows() - 1, 0, canvas.columns(), foot, Style::Label);
+    const Hidden hidden = putColumns(state, canvas, scrolled);
+    canvas.put(canvas.rows() - 1, 0, canvas.columns(), footText(hidden), Style::Label);
+    return hidden.above;
 }
 
 QString stateText(const PhoneState& state)

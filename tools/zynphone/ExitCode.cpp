@@ -4,7 +4,7 @@
 #include "platform/CommandFrame_p.h"
 #include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
-#include "tools/doctor/SocketProbe.h"
+#include "tools/zynphone/SocketProbe.h"
 #include "utility/PHONE_CommandSocket_p.h"
 
 #include <QtCore/QFile>

@@ -76,7 +76,7 @@ QString utcStart(const PHONE_ENG_RecentCall& call)
 
 QString localStart(const PHONE_ENG_RecentCall& call)
 {
-    return call.getStartDateTime().toString(Qt::ISODate);
+    return handset::timeText(call.getStartDateTime());
 }
 
 RC_CALL_TYPE_T callTypeNamed(const QString& text, const QString& what)

@@ -1,7 +1,8 @@
-// Text helpers: plurals, elision, words for values, suggestions, field texts.
+// Text helpers: elision, words for values, suggestions, field texts.
 #pragma once
 
 #include "handset/common/Suggestion.h"
+#include "handset/common/Text.h"
 #include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QDateTime>
@@ -14,12 +15,6 @@
 namespace zyn::tool {
 
 using namespace Qt::StringLiterals;
-
-/// "1 message", "2 messages" for "message".
-inline QString counted(qsizetype number, const char* thing)
-{
-    return u"%1 %2"_s.arg(QString::number(number), QLatin1String(thing)) + (number == 1 ? QLatin1String() : "s"_L1);
-}
 
 /// @p text, shortened to @p limit characters, at least 1, with an ellipsis as the last.
 inline QString elided(const QString& text, qsizetype limit)
@@ -68,6 +63,7 @@ auto wordNamed(const Words& words, const QString& text, const QString& what)
     throw usageError(u"unknown %1 '%2'; known are %3"_s.arg(what, text, wordTexts(words).join(", "_L1)));
 }
 
+using handset::counted;
 using handset::suggestion;
 
 /// @p text, for a Latin-1 field of @p limit characters. A usage error, which names @p what, if it does not fit.

@@ -1,5 +1,5 @@
 // Who serves a socket.
-#include "tools/doctor/SocketProbe.h"
+#include "tools/zynphone/SocketProbe.h"
 
 #include "platform/posix/UnixSocket_p.h"
 
