@@ -25,7 +25,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake ${CMAKE_CURRENT_B
     ${CMAKE_CURRENT_LIST_DIR}/ZynPhoneTesting.cmake
     DESTINATION ${ZYN_INSTALL_CMAKEDIR} COMPONENT libzynphone-dev)
 
-# The pkg-config file, and the examples. An absolute folder gets no prefix.
+# The pkg-config file. An absolute folder gets no prefix.
 cmake_path(APPEND pc_libdir "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND pc_includedir "\${prefix}" "${ZYN_INSTALL_INCLUDEDIR}")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
@@ -33,13 +33,13 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
 configure_file(${CMAKE_CURRENT_LIST_DIR}/zynphone.pc.in ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT libzynphone-dev)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev/examples
-    COMPONENT libzynphone-dev
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.sh")
 
-# The documents, beside the examples, so that the links between them lead somewhere.
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev
-    COMPONENT libzynphone-dev)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev
-    COMPONENT libzynphone-dev
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE)
+# What is there to be read is one component, and lies as in the source tree, so that the links of the documents lead
+# somewhere: README, documents, the examples, and the day that they name.
+set(ZYN_INSTALL_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc)
+install(FILES handset/day/desk.day DESTINATION ${ZYN_INSTALL_DOCUMENTS}/handset/day COMPONENT libzynphone-doc)
+install(DIRECTORY docs DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE PATTERN reference EXCLUDE)
+install(DIRECTORY examples DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.sh")

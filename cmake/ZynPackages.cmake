@@ -13,7 +13,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zynphone)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_CONTACT "ZynPhone developers <developers@zynphone.invalid>")
-set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev zynphone-tools)
+set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev libzynphone-doc zynphone-tools)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
@@ -29,19 +29,26 @@ endforeach()
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-# Describes one package. CPack has no variable for Multi-Arch: that field follows the section's on a line of its own.
+# Describes one package; REPLACES names packages, with versions, that had files of its own. CPack has no variable for
+# Multi-Arch: that field follows the section's on a line of its own.
 function(zyn_package component)
-    cmake_parse_arguments(ARG "" "SECTION;MULTIARCH" "DEPENDS;CONTROL_EXTRA" ${ARGN})
+    cmake_parse_arguments(ARG "" "SECTION;MULTIARCH;ARCHITECTURE" "DEPENDS;SUGGESTS;REPLACES;CONTROL_EXTRA" ${ARGN})
     string(TOUPPER ${component} COMPONENT)
     if(ARG_MULTIARCH)
         string(APPEND ARG_SECTION "\nMulti-Arch: ${ARG_MULTIARCH}")
     endif()
-    list(JOIN ARG_DEPENDS ", " ARG_DEPENDS)
+    foreach(field IN ITEMS DEPENDS SUGGESTS REPLACES)
+        list(JOIN ARG_${field} ", " ARG_${field})
+        set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_${field} "${ARG_${field}}" PARENT_SCOPE)
+    endforeach()
+    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_BREAKS "${ARG_REPLACES}" PARENT_SCOPE)
+    if(ARG_ARCHITECTURE)
+        set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_ARCHITECTURE ${ARG_ARCHITECTURE} PARENT_SCOPE)
+    endif()
     file(READ ${packaging}/${component}/description description)
     set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_NAME ${component} PARENT_SCOPE)
     set(CPACK_DEBIAN_${COMPONENT}_DESCRIPTION "${description}" PARENT_SCOPE)
     set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_SECTION "${ARG_SECTION}" PARENT_SCOPE)
-    set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_DEPENDS "${ARG_DEPENDS}" PARENT_SCOPE)
     set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_CONTROL_EXTRA "${ARG_CONTROL_EXTRA}" PARENT_SCOPE)
 endfunction()
 
@@ -52,6 +59,8 @@ set(no_scripts ${packaging}/none/postinst ${packaging}/none/postrm)
 zyn_package(libzynphone1 SECTION libs MULTIARCH same
     CONTROL_EXTRA ${packaging}/libzynphone1/triggers ${no_scripts})
 zyn_package(libzynphone-dev SECTION libdevel DEPENDS "libzynphone1 (= ${version})" qt6-base-dev)
+zyn_package(libzynphone-doc SECTION doc MULTIARCH foreign ARCHITECTURE all
+    SUGGESTS libzynphone-dev REPLACES "libzynphone-dev (<< 1.0.0-2)")
 zyn_package(zynphone-tools SECTION devel DEPENDS "libzynphone1 (= ${version})")
 
 # Packs what an installation into the system puts there, below another root.

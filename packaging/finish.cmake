@@ -22,8 +22,23 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
         file(CHMOD ${text} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     endforeach()
 
-    # Compressed without timestamps, so that the same files give the same package.
+    # The register of documents names the reference: without that, the package is not in it.
+    if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/${package}/doc-base AND EXISTS ${usr}/share/doc/libzynphone-dev/html)
+        file(MAKE_DIRECTORY ${usr}/share/doc-base)
+        file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/${package}/doc-base ${usr}/share/doc-base/${package}.${package})
+        file(CHMOD ${usr}/share/doc-base/${package}.${package} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+    endif()
+
+    # Compressed without timestamps, so that the same files give the same package. Links lead to compressed pages.
     file(GLOB pages ${usr}/share/man/man*/*.[0-9])
+    foreach(page IN LISTS pages)
+        if(IS_SYMLINK ${page})
+            file(READ_SYMLINK ${page} target)
+            file(CREATE_LINK ${target}.gz ${page}.gz SYMBOLIC)
+            file(REMOVE ${page})
+            list(REMOVE_ITEM pages ${page})
+        endif()
+    endforeach()
     execute_process(COMMAND ${gzip} -9 -n ${doc}/changelog.Debian ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
 
     file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.*)

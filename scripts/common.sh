@@ -64,7 +64,7 @@ take_no_arguments() {
 
 # Adds what making the Debian packages takes.
 need_packaging() {
-    zyn_packages+=(binutils dpkg-dev file)
+    zyn_packages+=(binutils doxygen dpkg-dev file)
 }
 
 # Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.

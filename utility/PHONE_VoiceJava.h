@@ -7,11 +7,12 @@
 extern "C" {
 #endif
 
-// One connection in a process, used from one thread, whose event loop reads the server's replies. A connection that is
-// lost stays lost until PHONE_VoiceCall_Java_DeInit() and another PHONE_VoiceCall_Java_Init(). The event loop, a
-// request and the end of a connection may each wait up to 5 seconds for a server that stalls; one that sends anything
-// but replies ends the connection. A thread without Qt's event loop sends requests all the same and gets no replies; a
-// server may end a connection on which a few hundred replies wait.
+/// @file
+/// One connection in a process, used from one thread, whose event loop reads the server's replies. A connection that is
+/// lost stays lost until PHONE_VoiceCall_Java_DeInit() and another PHONE_VoiceCall_Java_Init(). The event loop, a
+/// request and the end of a connection may each wait up to 5 seconds for a server that stalls; one that sends anything
+/// but replies ends the connection. A thread without Qt's event loop sends requests all the same and gets no replies; a
+/// server may end a connection on which a few hundred replies wait.
 
 /**
  * Connects to the phone server, which must run as this user or as root, and registers.
