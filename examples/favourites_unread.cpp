@@ -21,10 +21,12 @@ int main()
             continue; // a free place
         TopPals_Missed_Details unread{number};
         if (RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) == 1) {
-            screen.show(QStringLiteral("%1: %2 missed, %3 messages unread")
+            const char* messages = unread.unreadMsgCount == 1 ? "message" : "messages";
+            screen.show(QStringLiteral("%1: %2 missed, %3 %4 unread")
                             .arg(number)
                             .arg(unread.missedCallCount)
-                            .arg(unread.unreadMsgCount));
+                            .arg(unread.unreadMsgCount)
+                            .arg(QLatin1String(messages)));
         } else {
             screen.show(QStringLiteral("%1: the log cannot be read").arg(number));
             code = EXIT_FAILURE;
