@@ -226,7 +226,11 @@ void ZynphoneTopTest::writesPlainLinesOnce()
     QCOMPARE(tool::run("top"), u"zynphone: standard output is not a terminal; --once writes plain lines\nexit 1"_s);
     qputenv("ZYN_QCOP_PATH", QFile::encodeName(m_store->path() + u"/channels"_s));
     const QString state = tool::run("top --once");
+    const QString object = tool::run("top --once --json");
     qunsetenv("ZYN_QCOP_PATH");
+    QVERIFY2(object.contains(u"\"battery\":null,"_s) && object.contains(u"\"missed\":\"0 unread\""_s)
+                 && object.endsWith(u"}}\nexit 0"_s),
+             qPrintable(object));
     QVERIFY2(state.contains(u"\nbattery        \u2013\n") && state.contains(u"\nmissed         0 unread\n")
                  && !state.contains(u'\033') && state.endsWith(u"exit 0"),
              qPrintable(state));

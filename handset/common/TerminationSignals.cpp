@@ -27,4 +27,9 @@ TerminationSignals::TerminationSignals(std::initializer_list<int> signals)
 
 TerminationSignals::~TerminationSignals() = default;
 
+bool TerminationSignals::hasCome() const
+{
+    return !m_notifier->isEnabled();
+}
+
 } // namespace zyn::handset

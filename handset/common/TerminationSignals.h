@@ -27,6 +27,9 @@ public:
     explicit TerminationSignals(std::initializer_list<int> signals = {SIGTERM, SIGINT});
     ~TerminationSignals() override;
 
+    /// Whether one has ended the event loop.
+    bool hasCome() const;
+
 private:
     posix::UniqueFd m_signals;
     std::unique_ptr<QSocketNotifier> m_notifier;

@@ -105,12 +105,12 @@ ExitCode clearCalls(const Invocation& invocation, Console& console)
     return Done;
 }
 
-ExitCode showLastDialed(const Invocation& /*invocation*/, Console& console)
+ExitCode showLastDialed(const Invocation& invocation, Console& console)
 {
     QString number;
     if (!RC_Interface().getLastDialedNumber(number))
         throw failure(u"no dialed call"_s);
-    console.write(printable(number) + u'\n');
+    printValue(console, printable(number), {{u"number"_s, number}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -171,6 +171,8 @@ Command lastDialedRow()
 {
     return {.name = u"last-dialed"_s,
             .summary = u"Show the number dialed last, read from the file without the service"_s,
+            .details = u"\nThe object of --json has the field number.\n"_s,
+            .options = {jsonOption()},
             .run = showLastDialed};
 }
 

@@ -71,7 +71,8 @@ ExitCode logEntry(const Invocation& invocation, Console& console)
     const QString key = favouriteFrom(invocation);
     if (!handset::addEntry(entry, key))
         throw failure(u"the file of %1 cannot be written"_s.arg(key));
-    console.write(u"logged in place %1\n"_s.arg(entry.topPalsAvlPos));
+    const int place = entry.topPalsAvlPos;
+    printValue(console, u"logged in place %1"_s.arg(place), {{u"place"_s, place}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -151,8 +152,9 @@ Command logFavouriteCommand()
         valueOption(u"message-info"_s, u"N"_s, u"0 by default"_s)};
     return {.name = u"log"_s,
             .summary = u"Log a call or a message of a favourite, in place of its oldest entry when its file is full"_s,
+            .details = u"\nThe object of --json has the field place.\n"_s,
             .arguments = {favouriteArgument()},
-            .options = options + callOptions(),
+            .options = QList{jsonOption()} + options + callOptions(),
             .words = callWords(),
             .run = logEntry};
 }

@@ -10,6 +10,7 @@
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/RecordText.h"
+#include "tools/zynphone/Table.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QScopeGuard>
@@ -98,11 +99,13 @@ ExitCode pick(const Invocation& invocation, Console& console)
     screens->requestShowUI(kPickerPage);
     limit.start();
     QCoreApplication::exec();
+    if (!answer && signalsThatEnd.hasCome())
+        throw CommandError(Interrupted, u"interrupted; no number was picked"_s);
     if (!answer)
         throw failure(u"the screens did not answer"_s);
     if (answer->isEmpty())
         throw CommandError(NothingPicked, u"no number was picked"_s);
-    console.write(printable(*answer) + u'\n');
+    printValue(console, printable(*answer), {{u"number"_s, *answer}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -157,9 +160,10 @@ Command pickRow()
             .summary = u"Ask for the number picker, and show the number that is picked"_s,
             .details =
                 u"\nWithout --timeout it waits for as long as nobody answers. The exit code is %1 when none was\n"
-                u"picked, 1 when there was no answer before the time was over or SIGINT or SIGTERM came.\n"_s.arg(
-                    int{NothingPicked}),
-            .options = {valueOption(u"timeout"_s, u"SECONDS"_s, u"wait no longer for the answer"_s)},
+                u"picked, 1 when there was no answer before the time was over, and %2 when a signal came first.\n"
+                u"The object of --json has the field number.\n"_s.arg(int{NothingPicked})
+                    .arg(int{Interrupted}),
+            .options = {jsonOption(), valueOption(u"timeout"_s, u"SECONDS"_s, u"wait no longer for the answer"_s)},
             .run = pick};
 }
 

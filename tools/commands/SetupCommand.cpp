@@ -6,6 +6,7 @@
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/SocketProbe.h"
+#include "tools/zynphone/Table.h"
 #include "utility/PHONE_Msg.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_Setup.h"
@@ -23,9 +24,10 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-ExitCode showPrepend(const Invocation& /*invocation*/, Console& console)
+ExitCode showPrepend(const Invocation& invocation, Console& console)
 {
-    console.write(PHONE_Setup().isPrepend() ? u"on\n"_s : u"off\n"_s);
+    const bool isOn = PHONE_Setup().isPrepend();
+    printValue(console, isOn ? u"on"_s : u"off"_s, {{u"on"_s, isOn}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -94,11 +96,13 @@ private:
 };
 
 template<bool on>
-ExitCode switchRadio(const Invocation& /*invocation*/, Console& console)
+ExitCode switchRadio(const Invocation& invocation, Console& console)
 {
     const int result = Question(PHONE_Msg::PHONE_MSG_RET_SET_RFMOD_S).ask([] { PHONE_SetRFMode(on); });
-    console.write(u"result %1: %2\n"_s.arg(QString::number(result), result != 0 ? u"done"_s : u"not done"_s));
-    return result != 0 ? Done : Failed;
+    const bool isDone = result != 0;
+    printValue(console, u"result %1: %2"_s.arg(QString::number(result), isDone ? u"done"_s : u"not done"_s),
+               {{u"result"_s, result}, {u"done"_s, isDone}}, invocation.isSet(u"json"_s));
+    return isDone ? Done : Failed;
 }
 
 ExitCode setLanguage(const Invocation& invocation, Console& console)
@@ -106,7 +110,7 @@ ExitCode setLanguage(const Invocation& invocation, Console& console)
     const int language = wholeNumber(invocation.argument(0), u"N"_s);
     const int result =
         Question(PHONE_Msg::PHONE_MSG_RET_SET_FEATUREDB_LANG_S).ask([&] { PHONE_SetTAPILanguage(language); });
-    console.write(u"result %1\n"_s.arg(result));
+    printValue(console, u"result %1"_s.arg(result), {{u"result"_s, result}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -116,7 +120,11 @@ Command prependCommand()
 {
     Command on{.name = u"on"_s, .summary = u"Switch it on"_s, .run = setPrepend<true>};
     Command off{.name = u"off"_s, .summary = u"Switch it off"_s, .run = setPrepend<false>};
-    Command show{.name = u"show"_s, .summary = u"Show whether it is on"_s, .run = showPrepend};
+    Command show{.name = u"show"_s,
+                 .summary = u"Show whether it is on"_s,
+                 .details = u"\nThe object of --json has the field on.\n"_s,
+                 .options = {jsonOption()},
+                 .run = showPrepend};
     return {.name = u"prepend"_s,
             .summary = u"The switch that has a prefix put in front of dialed numbers"_s,
             .verbs = {std::move(on), std::move(off), std::move(show)}};
@@ -124,11 +132,19 @@ Command prependCommand()
 
 Command radioCommand()
 {
-    Command on{.name = u"on"_s, .summary = u"Ask the phone server to switch it on"_s, .run = switchRadio<true>};
-    Command off{.name = u"off"_s, .summary = u"Ask the phone server to switch it off"_s, .run = switchRadio<false>};
+    const QString details = u"\nThe object of --json has the fields result and done.\n"_s + sendingDetails();
+    Command on{.name = u"on"_s,
+               .summary = u"Ask the phone server to switch it on"_s,
+               .details = details,
+               .options = {jsonOption()},
+               .run = switchRadio<true>};
+    Command off{.name = u"off"_s,
+                .summary = u"Ask the phone server to switch it off"_s,
+                .details = details,
+                .options = {jsonOption()},
+                .run = switchRadio<false>};
     return {.name = u"radio"_s,
             .summary = u"The radio, whose switch answers with a result; 0 is failure"_s,
-            .details = sendingDetails(),
             .verbs = {std::move(on), std::move(off)}};
 }
 
@@ -136,8 +152,9 @@ Command languageCommand()
 {
     return {.name = u"language"_s,
             .summary = u"Tell the phone server the current language, and show its result"_s,
-            .details = sendingDetails(),
+            .details = u"\nThe object of --json has the field result.\n"_s + sendingDetails(),
             .arguments = {{u"N"_s, u"the language, as the telephony platform counts them"_s}},
+            .options = {jsonOption()},
             .run = setLanguage};
 }
 

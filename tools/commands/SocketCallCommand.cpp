@@ -168,6 +168,8 @@ ExitCode follow(const Replies& replies, const TimeLimit& limit)
         throw noAnswerError(u"phone server"_s, serverPath());
     if (watch.isLost() && !replies.isOver())
         throw failure(u"the phone server closed the connection"_s);
+    if (signalsThatEnd.hasCome() && !replies.isOver())
+        return Interrupted;
     return replies.hasFailed() ? Failed : Done;
 }
 
@@ -223,7 +225,9 @@ QString details()
     for (const Word<int>& reply : kReplies)
         words += QLatin1String(reply.text);
     return u"\nThe server's replies are shown as they come: %1, any other as a number.\n"
-           "The verb ends with the call; a connection that ends first is a failure.\n"_s.arg(words.join(u", "_s));
+           "The verb ends with the call; a connection that ends first is a failure.\n"
+           "The exit code is %2 when a signal ends it before the call has ended.\n"_s.arg(words.join(u", "_s))
+               .arg(int{Interrupted});
 }
 
 } // namespace

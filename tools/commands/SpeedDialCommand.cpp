@@ -48,7 +48,7 @@ ExitCode showEntry(const Invocation& invocation, Console& console)
     const QString number = PHONE_SpeedDial().getTurboDialing(index);
     if (number.isEmpty())
         throw failure(u"entry %1 is free"_s.arg(index));
-    console.write(printable(number) + u'\n');
+    printValue(console, printable(number), {{u"index"_s, index}, {u"number"_s, number}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -60,12 +60,12 @@ ExitCode setEntry(const Invocation& invocation, Console& /*console*/)
     return Done;
 }
 
-ExitCode showFirstFree(const Invocation& /*invocation*/, Console& console)
+ExitCode showFirstFree(const Invocation& invocation, Console& console)
 {
     const int index = PHONE_SpeedDial().getFirstAvailableTurboDialingIndex();
     if (index < kFirstIndex)
         throw failure(u"no entry is free"_s);
-    console.write(u"%1\n"_s.arg(index));
+    printValue(console, QString::number(index), {{u"index"_s, index}}, invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -85,14 +85,19 @@ Command speedDialCommand()
                  .run = listEntries};
     Command get{.name = u"get"_s,
                 .summary = u"Show the number of an entry"_s,
+                .details = u"\nThe object of --json has the fields index and number.\n"_s,
                 .arguments = {indexArgument()},
+                .options = {jsonOption()},
                 .run = showEntry};
     Command set{.name = u"set"_s,
                 .summary = u"Set the number of an entry"_s,
                 .arguments = {indexArgument(), {u"NUMBER"_s, u"any text; '' frees the entry"_s}},
                 .run = setEntry};
-    Command firstFree{
-        .name = u"first-free"_s, .summary = u"Show the lowest index whose entry is free"_s, .run = showFirstFree};
+    Command firstFree{.name = u"first-free"_s,
+                      .summary = u"Show the lowest index whose entry is free"_s,
+                      .details = u"\nThe object of --json has the field index.\n"_s,
+                      .options = {jsonOption()},
+                      .run = showFirstFree};
     return {.name = u"speed-dial"_s,
             .summary = u"The nine numbers of speed dial"_s,
             .verbs = {std::move(list), std::move(get), std::move(set), std::move(firstFree)}};

@@ -147,7 +147,7 @@ private:
     int m_scrolled = 0; ///< the lines above the first one that is shown
 };
 
-ExitCode showOnce(const TimeLimit& timeLimit, Console& console)
+ExitCode showOnce(const TimeLimit& timeLimit, bool isJson, Console& console)
 {
     const Phone phone;
     if (timeLimit.isSet())
@@ -155,7 +155,10 @@ ExitCode showOnce(const TimeLimit& timeLimit, Console& console)
     else
         QTimer::singleShot(kAnswerTime, QCoreApplication::instance(), &QCoreApplication::quit);
     QCoreApplication::exec();
-    console.write(stateText(phone.state));
+    if (isJson)
+        console.write(QJsonDocument(stateObject(phone.state)));
+    else
+        console.write(stateText(phone.state));
     return Done;
 }
 
@@ -177,7 +180,12 @@ ExitCode showTop(const Invocation& invocation, Console& console)
 {
     const TimeLimit timeLimit(invocation);
     const handset::TerminationSignals signalsThatEnd;
-    return invocation.isSet(u"once"_s) ? showOnce(timeLimit, console) : showLive(timeLimit, console);
+    const bool isJson = invocation.isSet(u"json"_s);
+    if (invocation.isSet(u"once"_s))
+        return showOnce(timeLimit, isJson, console);
+    if (isJson)
+        throw usageError(u"--json is for --once"_s);
+    return showLive(timeLimit, console);
 }
 
 } // namespace
@@ -188,8 +196,10 @@ Command topCommand()
             .summary = u"Show the phone's state on the terminal as it changes, until q, SIGINT or SIGTERM"_s,
             .details = u"\nThe arrow keys, Page Up, Page Down, Home and End scroll where it does not fit.\n"
                        "What no message has told since it was started is shown as \u2013, numbers of the telephony\n"
-                       "platform as they come. It asks the phone server for the data counters once.\n"_s,
-            .options = {flagOption(u"once"_s, u"write the state once, as plain lines, after --for or half a second"_s),
+                       "platform as they come. It asks the phone server for the data counters once. The object of\n"
+                       "--json has an object for each section, with a text for each line, null if unknown.\n"_s,
+            .options = {jsonOption(),
+                        flagOption(u"once"_s, u"write the state once, as plain lines, after --for or half a second"_s),
                         TimeLimit::option()},
             .run = showTop};
 }

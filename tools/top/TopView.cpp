@@ -196,6 +196,23 @@ int layOut(const PhoneState& state, Canvas& canvas, int scrolled)
     return hidden.above;
 }
 
+QJsonObject stateObject(const PhoneState& state)
+{
+    QJsonObject object;
+    QString title;
+    for (const Line& line : allLines()) {
+        if (!line.label) {
+            title = QLatin1String(line.title);
+            continue;
+        }
+        QJsonObject section = object.value(title).toObject();
+        const QString& text = state.value(line.item).text;
+        section.insert(QLatin1String(line.label), text.isNull() ? QJsonValue() : text);
+        object.insert(title, section);
+    }
+    return object;
+}
+
 QString stateText(const PhoneState& state)
 {
     QString text;

@@ -37,6 +37,14 @@ void printTable(Console& console, const Table& table, bool json)
         console.write(table.text());
 }
 
+void printValue(Console& console, const QString& text, const QJsonObject& object, bool json)
+{
+    if (json)
+        console.write(QJsonDocument(object));
+    else
+        console.write(text + u'\n');
+}
+
 void printSheet(Console& console, const Table& table, bool json)
 {
     if (json)

@@ -76,6 +76,9 @@ void printTable(Console& console, const Table& table, bool json);
 /// Writes the first row of @p table as a sheet, or as JSON if @p json is set.
 void printSheet(Console& console, const Table& table, bool json);
 
+/// Writes @p text as a line, or @p object if @p json is set.
+void printValue(Console& console, const QString& text, const QJsonObject& object, bool json);
+
 /// The JSON field names of @p columns, for help texts.
 template<typename Columns>
 QString fieldNames(const Columns& columns)
