@@ -1,4 +1,4 @@
-// Where the settings of the phone applications are.
+// Where the settings of the phone applications are, and their names.
 #pragma once
 
 #include "platform/AM_Global.h"
@@ -6,6 +6,8 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QString>
+
+#include <string_view>
 
 namespace zyn {
 
@@ -30,4 +32,36 @@ inline QString switchFile(const char* suffix)
     return QString::fromLatin1(path);
 }
 
+/// A group or key of a settings file, from a literal, whose characters it shares.
+inline QString settingPart(std::u16string_view literal)
+{
+    return QString::fromRawData(reinterpret_cast<const QChar*>(literal.data()), static_cast<qsizetype>(literal.size()));
+}
+
+/// The name of a setting.
+struct SettingName
+{
+    std::u16string_view group;
+    std::u16string_view key;
+};
+
+namespace setting {
+
+/// @{ Of kPhoneSettings.
+inline constexpr SettingName kMaxAnswered{u"RECENTCALL_SET", u"maxAnsweredCall"};
+inline constexpr SettingName kMaxMissed{kMaxAnswered.group, u"maxMissedCall"};
+inline constexpr SettingName kMaxDialed{kMaxAnswered.group, u"maxDialedCall"};
+inline constexpr SettingName kMaxFrequent{kMaxAnswered.group, u"maxFrequentCall"};
+inline constexpr SettingName kIdleSendView{kMaxAnswered.group, u"viewFromIdleSend"};
+inline constexpr SettingName kTwoLineView{kMaxAnswered.group, u"twoLineView"};
+inline constexpr SettingName kPrepend{u"Setup", u"prepend"};
+inline constexpr std::u16string_view kSpeedDialGroup = u"Turbo Dialing"; ///< its keys are the indexes
+/// @}
+
+/// Of kFixedDialSwitch.
+inline constexpr SettingName kFixedDial{u"Fixed Dial", u"Feat_8998"};
+/// Of kTopPalsSwitch.
+inline constexpr SettingName kTopPalsItems{u"TopPals-UI", u"MaxItemsToLog"};
+
+} // namespace setting
 } // namespace zyn

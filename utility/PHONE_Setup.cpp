@@ -4,19 +4,8 @@
 #include "platform/SETUP_SET_Manager.h"
 #include "utility/PHONE_Settings_p.h"
 
-namespace {
-
-QString group()
-{
-    return QStringLiteral("Setup");
-}
-
-QString prependKey()
-{
-    return QStringLiteral("prepend");
-}
-
-} // namespace
+using zyn::settingPart;
+using zyn::setting::kPrepend;
 
 PHONE_Setup::PHONE_Setup() = default;
 
@@ -25,13 +14,13 @@ PHONE_Setup::~PHONE_Setup() = default;
 bool PHONE_Setup::setPrepend(bool prepend)
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, true);
-    return settings.setSettingInfo(group(), prependKey(), prepend);
+    return settings.setSettingInfo(settingPart(kPrepend.group), settingPart(kPrepend.key), prepend);
 }
 
 bool PHONE_Setup::isPrepend()
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     bool prepend = false;
-    settings.getSettingInfo(group(), prependKey(), prepend, false);
+    settings.getSettingInfo(settingPart(kPrepend.group), settingPart(kPrepend.key), prepend, false);
     return prepend;
 }

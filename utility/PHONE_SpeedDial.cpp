@@ -13,7 +13,7 @@ constexpr int kLastIndex = 9;
 
 QString group()
 {
-    return QStringLiteral("Turbo Dialing");
+    return zyn::settingPart(zyn::setting::kSpeedDialGroup);
 }
 
 QString read(SETUP_SET_Manager& settings, int index)

@@ -16,8 +16,7 @@ namespace {
 
 constexpr char kSource[] = "../recentcall/utility/RecentCall_Setup";
 
-const QLatin1String kGroup("RECENTCALL_SET");
-const QLatin1String kTwoLineView("twoLineView");
+using zyn::setting::kTwoLineView;
 
 constexpr int kDefaultLimit = 50;
 constexpr int kDefaultFrequent = 5;
@@ -27,16 +26,17 @@ constexpr TAPI_BOOL_STATUS_E kEnabled{1};
 
 std::unique_ptr<RecentCall_Setup> s_instance;
 
-int readInt(SETUP_SET_Manager& settings, const char* key, int defaultValue)
+template<typename Value>
+Value read(SETUP_SET_Manager& settings, const zyn::SettingName& name, Value defaultValue)
 {
-    int value = defaultValue;
-    settings.getSettingInfo(kGroup, QLatin1String(key), value, defaultValue);
+    Value value = defaultValue;
+    settings.getSettingInfo(zyn::settingPart(name.group), zyn::settingPart(name.key), value, defaultValue);
     return value;
 }
 
-int readLimit(SETUP_SET_Manager& settings, const char* key)
+int readLimit(SETUP_SET_Manager& settings, const zyn::SettingName& name)
 {
-    return std::clamp(readInt(settings, key, kDefaultLimit), 0, zyn::kRecordSlots);
+    return std::clamp(read(settings, name, kDefaultLimit), 0, zyn::kRecordSlots);
 }
 
 /// The setting has a numbering of its own.
@@ -73,11 +73,11 @@ void RecentCall_Setup::destroy()
 RecentCall_Setup::RecentCall_Setup()
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
-    m_maxAnswered = readLimit(settings, "maxAnsweredCall");
-    m_maxMissed = readLimit(settings, "maxMissedCall");
-    m_maxDialed = readLimit(settings, "maxDialedCall");
-    m_maxFrequent = readInt(settings, "maxFrequentCall", kDefaultFrequent);
-    m_idleSendView = toView(readInt(settings, "viewFromIdleSend", 0));
+    m_maxAnswered = readLimit(settings, zyn::setting::kMaxAnswered);
+    m_maxMissed = readLimit(settings, zyn::setting::kMaxMissed);
+    m_maxDialed = readLimit(settings, zyn::setting::kMaxDialed);
+    m_maxFrequent = read(settings, zyn::setting::kMaxFrequent, kDefaultFrequent);
+    m_idleSendView = toView(read(settings, zyn::setting::kIdleSendView, 0));
     PHONE_Log(kPhoneLogLevel, "RC settings: %d, %d,%d,%d,%d", m_maxAnswered, m_maxMissed, m_maxDialed, m_maxFrequent,
               m_idleSendView);
 }
@@ -102,7 +102,7 @@ bool RecentCall_Setup::setTwoLineView(bool on)
 {
     zyn::logEntry(kSilentLogLevel, kSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
-    if (settings.setSettingInfo(kGroup, kTwoLineView, on))
+    if (settings.setSettingInfo(zyn::settingPart(kTwoLineView.group), zyn::settingPart(kTwoLineView.key), on))
         return true;
     PHONE_Log(kPhoneLogLevel, "unable to set setupvalue");
     return false;
@@ -112,9 +112,7 @@ bool RecentCall_Setup::getTwoLineView()
 {
     zyn::logEntry(kSilentLogLevel, kSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
-    bool on = false;
-    settings.getSettingInfo(kGroup, kTwoLineView, on, false);
-    return on;
+    return read(settings, kTwoLineView, false);
 }
 
 bool RecentCall_Setup::isFixedDialFlexOn()
@@ -122,9 +120,7 @@ bool RecentCall_Setup::isFixedDialFlexOn()
     const QString path = zyn::switchFile(zyn::kFixedDialSwitch);
     std::printf("******** fixed dial flex: %s ********\n", path.toLatin1().constData());
     SETUP_SET_Manager settings(path, false);
-    bool on = true;
-    settings.getSettingInfo(QStringLiteral("Fixed Dial"), QStringLiteral("Feat_8998"), on, true);
-    return on;
+    return read(settings, zyn::setting::kFixedDial, true);
 }
 
 bool RecentCall_Setup::isFixedDialingAvailable()
@@ -158,7 +154,5 @@ bool RecentCall_Setup::isPttFlexOn()
 unsigned int RecentCall_Setup::getMaxTopPalsAvlItems()
 {
     SETUP_SET_Manager settings(zyn::switchFile(zyn::kTopPalsSwitch), false);
-    unsigned int items = 0;
-    settings.getSettingInfo(QStringLiteral("TopPals-UI"), QStringLiteral("MaxItemsToLog"), items, kDefaultTopPalsItems);
-    return items;
+    return read(settings, zyn::setting::kTopPalsItems, kDefaultTopPalsItems);
 }

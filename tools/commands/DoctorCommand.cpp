@@ -22,9 +22,10 @@ struct Check
 
 /// Ordered so that causes come before their effects.
 constexpr Check kChecks[] = {
-    {"environment", checkEnvironment}, {"channels", checkChannels}, {"processes", checkProcesses},
-    {"services", checkServices},       {"store", checkStore},       {"settings", checkSettings},
-    {"switches", checkSwitches},
+    {"environment", checkEnvironment}, {"channels", checkChannels},
+    {"processes", checkProcesses},     {"units", checkUnits},
+    {"services", checkServices},       {"store", checkStore},
+    {"settings", checkSettings},       {"switches", checkSwitches},
 };
 
 struct LevelWord
@@ -102,10 +103,11 @@ Command doctorCommand()
     return {.name = u"doctor"_s,
             .summary = u"Tell why nothing arrives, and what to do: exit code 0 when nothing is wrong, else 1"_s,
             .details = u"\nIt looks at the environment, the channels and who listens, your programs that use other\n"
-                       "channels or another library, the services, the store, the settings and the feature switches,\n"
-                       "and changes nothing. Other users' programs are not looked at.\n"
+                       "channels or other libraries, the units that start programs of another installation, the\n"
+                       "services, the store, the settings and the feature switches, and changes nothing. Other users' "
+                       "programs are not looked at.\n"
                        "The objects of --json have the fields %1;\nlevel is ok, note or wrong, and remedy null where "
-                       "nothing is wrong.\n"_s.arg(fieldNames(kColumns)),
+                       "there is nothing to do.\n"_s.arg(fieldNames(kColumns)),
             .options = {jsonOption()},
             .run = examine};
 }

@@ -65,6 +65,14 @@ QList<Assignment> assignmentsFrom(const QStringList& words)
     return assignments;
 }
 
+QString statesHelp()
+{
+    QString lines;
+    for (const State& state : handset::kStates)
+        lines += u"  %1: %2\n"_s.arg(QLatin1String(state.name), QLatin1String(state.meaning));
+    return lines;
+}
+
 ExitCode setStates(const Invocation& invocation, Console& /*console*/)
 {
     SETUP_SET_Manager settings(handset::stateFile(), false);
@@ -86,6 +94,7 @@ Command handsetCommand()
                  .run = showStates};
     Command set{.name = u"set"_s,
                 .summary = u"Set one or more states, for every process that asks from now on"_s,
+                .details = u"\nThe states:\n%1"_s.arg(statesHelp()),
                 .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
                               {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
                 .words = {{u"NAME"_s, stateNames()}},

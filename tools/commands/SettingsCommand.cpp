@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "recentcall/utility/RecentCall_Setup.h"
+#include "tools/doctor/KnownSettings.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/RecordText.h"
 
@@ -45,7 +46,9 @@ Command settingsCommand()
 {
     Command show{.name = u"show"_s,
                  .summary = u"Show what the library reads from the settings"_s,
-                 .details = u"\nThe object of --json has the fields %1.\n"_s.arg(fieldNames(kSettings)),
+                 .details =
+                     u"\nThe object of --json has the fields %1.\n\nThe values in the settings files may be:\n%2"_s.arg(
+                         fieldNames(kSettings), valuesHelp(phoneSettings())),
                  .options = {jsonOption()},
                  .run = showSettings};
     return {.name = u"settings"_s, .summary = u"The recent-call settings"_s, .verbs = {std::move(show)}};

@@ -9,8 +9,10 @@ namespace zyn::tool {
 Findings checkEnvironment();
 /// The directories of the channels, and their listeners.
 Findings checkChannels();
-/// This user's other programs: whether they use these channels and this library.
+/// This user's other programs: whether they use these channels and these libraries.
 Findings checkProcesses();
+/// The service manager's units: whether they start the programs beside this one.
+Findings checkUnits();
 /// The sockets of the handset's services, and who serves them.
 Findings checkServices();
 /// The store directory and the files in it.

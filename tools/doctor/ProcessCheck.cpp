@@ -1,9 +1,10 @@
-// The user's other processes with the platform library: where they listen, and which library they have.
+// The user's other processes with our libraries: where they listen, and which files of the libraries they have.
 #include "platform/qcop/ChannelDirectory_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
 #include "tools/zynphone/SocketProbe.h"
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -11,6 +12,7 @@
 #include <QtCore/QSet>
 
 #include <algorithm>
+#include <array>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,7 +22,8 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-constexpr char kLibrary[] = "/libzynplatform.so";
+/// Every program of the library has the first, since the others need it.
+constexpr std::array<const char*, 2> kLibraries{"/libzynplatform.so", "/libzynphone.so"};
 constexpr char kDeleted[] = " (deleted)";
 /// Above any list of mappings or sockets that a handset has.
 constexpr qint64 kSizeLimit = qint64{8} * 1024 * 1024;
@@ -56,18 +59,29 @@ struct Library
 {
     QByteArray path; ///< empty if the process has none
     QByteArray file; ///< its device and inode
+
+    bool operator==(const Library&) const = default;
 };
 
-Library libraryOf(pid_t process)
+/// As kLibraries.
+using Libraries = std::array<Library, kLibraries.size()>;
+
+Libraries librariesOf(pid_t process)
 {
+    Libraries libraries;
     for (const QByteArray& line : contents(fileOf(process, "maps")).split('\n')) {
         const QByteArray path = afterFields(line, kMapFields);
-        if (!path.mid(path.lastIndexOf('/')).startsWith(kLibrary))
+        const QByteArray name = path.mid(path.lastIndexOf('/'));
+        const auto known =
+            std::ranges::find_if(kLibraries, [&](const char* library) { return name.startsWith(library); });
+        if (known == kLibraries.end())
             continue;
+        Library& library = libraries.at(static_cast<size_t>(known - kLibraries.begin()));
         const QByteArray file = afterFields(line, kMapFields - 2);
-        return {path, file.first(file.size() - path.size()).trimmed()};
+        if (library.path.isEmpty())
+            library = {path, file.first(file.size() - path.size()).trimmed()};
     }
-    return {};
+    return libraries;
 }
 
 /// The place that the environment names with which @p process was started.
@@ -150,17 +164,33 @@ std::optional<Finding> placeFault(pid_t process, const QByteArray& place, const 
                  u"end it, and start it with ZYN_QCOP_PATH=%1"_s.arg(shellWord(root)));
 }
 
-std::optional<Finding> libraryFault(pid_t process, const Library& library, const Library& own)
+QString listOf(const QByteArrayList& paths)
 {
-    if (library.path.endsWith(kDeleted))
+    return QFile::decodeName(paths.join(", "));
+}
+
+std::optional<Finding> libraryFault(pid_t process, const Libraries& libraries, const Libraries& own)
+{
+    QByteArrayList replaced;
+    QByteArrayList others;
+    QByteArrayList ours;
+    for (size_t i = 0; i < libraries.size(); ++i) {
+        if (libraries.at(i).path.endsWith(kDeleted)) {
+            replaced += libraries.at(i).path;
+        } else if (!libraries.at(i).path.isEmpty() && !own.at(i).path.isEmpty()
+                   && libraries.at(i).file != own.at(i).file) {
+            others += libraries.at(i).path;
+            ours += own.at(i).path;
+        }
+    }
+    if (!replaced.isEmpty())
         return wrong(processText(process),
-                     u"its library was replaced since it began: %1"_s.arg(QFile::decodeName(library.path)),
+                     u"what it has loaded was replaced since it began: %1"_s.arg(listOf(replaced)),
                      u"end it, and start it again"_s);
-    if (own.path.isEmpty() || library.file == own.file)
+    if (others.isEmpty())
         return std::nullopt;
     return wrong(processText(process),
-                 u"it has another platform library than this tool: %1, not %2"_s.arg(QFile::decodeName(library.path),
-                                                                                     QFile::decodeName(own.path)),
+                 u"it has another library than this tool: %1, not %2"_s.arg(listOf(others), listOf(ours)),
                  u"use programs and tool of one installation; see LD_LIBRARY_PATH and PATH"_s);
 }
 
@@ -170,20 +200,24 @@ Findings checkProcesses()
 {
     Findings findings;
     const QByteArray root = ChannelEnvironment::current().root();
-    const Library own = libraryOf(static_cast<pid_t>(QCoreApplication::applicationPid()));
+    const Libraries own = librariesOf(static_cast<pid_t>(QCoreApplication::applicationPid()));
     const QSet<pid_t> here = root.isEmpty() ? QSet<pid_t>() : listenersIn(root);
     const QHash<pid_t, QByteArray> places = placesOfSockets();
     for (const pid_t process : processes()) {
-        const Library library = libraryOf(process);
-        if (library.path.isEmpty())
+        const Libraries libraries = librariesOf(process);
+        if (libraries.front().path.isEmpty())
             continue;
+        Findings ofProcess;
         if (!root.isEmpty() && !here.contains(process)) { // an empty one is reported by the check of the environment
             const auto place = places.constFind(process);
             if (const auto fault = placeFault(process, place == places.cend() ? startPlaceOf(process) : *place, root))
-                findings.push_back(*fault);
+                ofProcess.push_back(*fault);
         }
-        if (const auto fault = libraryFault(process, library, own))
-            findings.push_back(*fault);
+        if (const auto fault = libraryFault(process, libraries, own))
+            ofProcess.push_back(*fault);
+        // Of one that has ended meanwhile, what was read last is missing.
+        if (!ofProcess.empty() && librariesOf(process) == libraries)
+            findings.add(ofProcess);
     }
     return findings;
 }

@@ -1,4 +1,5 @@
 // The sockets of the handset's services, and who serves them.
+#include "handset/phone_server/PhoneControl.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
@@ -22,6 +23,10 @@ constexpr Service kServices[] = {
     {recentcall::kSocketPath, "the recent-call service", "zyn-recentcalld", "no call is logged or listed"},
     {voicecall::kSocketPath, "the phone server", "zyn-phoned", "no call is placed and no status comes"},
 };
+
+/// By it, somebody at a desk plays the network. A handset's own phone server has none.
+constexpr Service kControl{phonecontrol::kSocketPath, "the phone server", "zyn-phoned",
+                           "zynphone phone cannot play the network"};
 
 /// Why the directory of an unreachable socket keeps everybody out, if it does.
 std::optional<Finding> directoryFault(const Service& service, const SocketProbe& probe)
@@ -67,6 +72,21 @@ Finding checkService(const Service& service)
     }
 }
 
+/// Nothing where the phone server's other socket has the same fault, which is reported.
+std::optional<Finding> checkControl()
+{
+    const SocketProbe server = SocketProbe::at(voicecall::kSocketPath);
+    const SocketProbe control = SocketProbe::at(kControl.socket);
+    if (server.state != SocketProbe::Served
+        && (control.state == SocketProbe::Missing || (control.state == server.state && control.user == server.user)))
+        return std::nullopt;
+    if (control.state == SocketProbe::Missing)
+        return note(QLatin1String(kControl.socket),
+                    u"the phone server has no such socket: %1"_s.arg(QLatin1String(kControl.loss)),
+                    u"on a desk, let zyn-phoned be the phone server"_s);
+    return checkService(kControl);
+}
+
 } // namespace
 
 Findings checkServices()
@@ -74,6 +94,8 @@ Findings checkServices()
     Findings findings;
     for (const Service& service : kServices)
         findings.push_back(checkService(service));
+    if (const auto finding = checkControl())
+        findings.push_back(*finding);
     return findings;
 }
 

@@ -1,18 +1,15 @@
 // The settings files, the list of emergency numbers, and the enabled features.
 #include "platform/HandsetState_p.h"
-#include "platform/SETUP_SET_Manager.h"
 #include "platform/SettingsFile_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
-#include "recentcall/utility/store/RecordFile_p.h"
 #include "tools/doctor/Checks.h"
 #include "tools/doctor/Fault.h"
+#include "tools/doctor/KnownSettings.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_Settings_p.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
-
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -59,85 +56,15 @@ Finding checkFile(const SettingsPath& file)
     return checkLines(path);
 }
 
-/// What the value of a setting has to be.
-struct Kind
-{
-    QString text;
-    bool (*fits)(SETUP_SET_Manager&, const QString& group, const QString& key);
-};
-
-template<typename Value, Value Lowest, Value Highest>
-bool isWithin(SETUP_SET_Manager& settings, const QString& group, const QString& key)
-{
-    Value value{};
-    return settings.getSettingInfo(group, key, value, Value{}) && value >= Lowest && value <= Highest;
-}
-
-Kind switchKind()
-{
-    return {u"true or false"_s, isWithin<bool, false, true>};
-}
-
-Kind numberKind()
-{
-    using Limits = std::numeric_limits<int>;
-    return {u"a number"_s, isWithin<int, Limits::min(), Limits::max()>};
-}
-
-Kind slotsKind()
-{
-    return {u"a number from 0 to %1"_s.arg(kRecordSlots), isWithin<int, 0, kRecordSlots>};
-}
-
-Kind countKind()
-{
-    return {u"a number from 0 on"_s, isWithin<unsigned int, 0, std::numeric_limits<unsigned int>::max()>};
-}
-
-struct Setting
-{
-    QString (*path)();
-    const char* group;
-    const char* key;
-    Kind (*kind)();
-};
-
-constexpr auto kPhoneFile = [] { return settingsFile(kPhoneSettings); };
-
-constexpr Setting kSettings[] = {
-    {kPhoneFile, "RECENTCALL_SET", "maxAnsweredCall", slotsKind},
-    {kPhoneFile, "RECENTCALL_SET", "maxMissedCall", slotsKind},
-    {kPhoneFile, "RECENTCALL_SET", "maxDialedCall", slotsKind},
-    {kPhoneFile, "RECENTCALL_SET", "maxFrequentCall", numberKind},
-    {kPhoneFile, "RECENTCALL_SET", "viewFromIdleSend", numberKind},
-    {kPhoneFile, "RECENTCALL_SET", "twoLineView", switchKind},
-    {kPhoneFile, "Setup", "prepend", switchKind},
-    {[] { return switchFile(kFixedDialSwitch); }, "Fixed Dial", "Feat_8998", switchKind},
-    {[] { return switchFile(kTopPalsSwitch); }, "TopPals-UI", "MaxItemsToLog", countKind},
-};
-
-std::optional<Finding> valueFault(const Setting& setting)
-{
-    const QString group = QLatin1String(setting.group);
-    const QString key = QLatin1String(setting.key);
-    SETUP_SET_Manager settings(setting.path(), false);
-    QString text;
-    const Kind kind = setting.kind();
-    if (!settings.getSettingInfo(group, key, text, QString(), false) || kind.fits(settings, group, key))
-        return std::nullopt;
-    return wrong(setting.path(), u"%1 in [%2] is \"%3\", and should be %4"_s.arg(key, group, text, kind.text),
-                 u"correct it, or remove its line, so that it has its default"_s);
-}
-
-Findings checkValues()
+Findings checkValues(const std::vector<KnownSetting>& settings)
 {
     Findings findings;
-    std::vector<Setting> settings(std::begin(kSettings), std::end(kSettings));
-    for (const handset::State& state : handset::kStates)
-        settings.push_back({handset::stateFile, handset::kGroup, state.key, numberKind});
-    for (const Setting& setting : settings) {
-        if (const auto fault = valueFault(setting))
-            findings.push_back(*fault);
+    for (const KnownSetting& setting : settings) {
+        if (setting.isMistaken())
+            findings.push_back(wrong(setting.path,
+                                     u"%1 in [%2] is \"%3\", and should be %4"_s.arg(setting.key, setting.group,
+                                                                                     setting.text(), setting.values),
+                                     u"correct it, or remove its line, so that it has its default"_s));
     }
     return findings;
 }
@@ -154,7 +81,9 @@ Finding checkEmergencyList()
 {
     const QString path = QLatin1String(emergency::kListFile);
     if (!exists(emergency::kListFile))
-        return note(path, u"it does not exist: no number is an emergency number"_s);
+        return note(path,
+                    u"it does not exist: no number is an emergency number; the handset writes it when it starts"_s,
+                    u"on a desk, zynphone emergency write 112 911"_s);
     if (const auto fault = fileFault(emergency::kListFile, false))
         return *fault;
     return ok(path, u"%1 emergency numbers"_s.arg(emergency::readList().size()));
@@ -187,8 +116,8 @@ Findings checkSettings()
     Findings findings = checkDirectory();
     for (const SettingsPath& file : kFiles)
         findings.push_back(checkFile(file));
-    const Findings ofValues = checkValues();
-    findings.insert(findings.end(), ofValues.begin(), ofValues.end());
+    findings.add(checkValues(phoneSettings()));
+    findings.add(checkValues(handsetSettings()));
     findings.push_back(checkEmergencyList());
     return findings;
 }

@@ -41,9 +41,12 @@ inline Finding ok(QString subject, QString text)
     return {.severity = Severity::Ok, .subject = std::move(subject), .text = std::move(text)};
 }
 
-inline Finding note(QString subject, QString text)
+inline Finding note(QString subject, QString text, QString remedy = {})
 {
-    return {.severity = Severity::Note, .subject = std::move(subject), .text = std::move(text)};
+    return {.severity = Severity::Note,
+            .subject = std::move(subject),
+            .text = std::move(text),
+            .remedy = std::move(remedy)};
 }
 
 inline Finding wrong(QString subject, QString text, QString remedy)
