@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
+#include <iterator>
 #include <span>
 
 namespace zyn::fuzz {
@@ -78,7 +80,16 @@ std::span<const Target> fileTargets();
 std::span<const Target> messageTargets();
 std::span<const Target> socketTargets();
 std::span<const Target> textTargets();
+std::span<const Target> activityTargets();
+std::span<const Target> conversationTargets();
+std::span<const Target> storeTargets();
 /// @}
+
+/// A part of a seed.
+inline QByteArray seed(std::initializer_list<char> bytes)
+{
+    return QByteArray(bytes.begin(), std::ssize(bytes));
+}
 
 /// Ends the process, as a crash does, unless @p condition holds.
 void require(bool condition, const char* rule, const char* file = __builtin_FILE(), int line = __builtin_LINE());
