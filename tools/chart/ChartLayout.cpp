@@ -16,24 +16,26 @@ namespace {
 constexpr int kFirstHeads = 108;
 constexpr int kBelowHeads = 18;
 /// The distance after which the heads are repeated.
-constexpr int kHeadsEvery = 1100;
+constexpr int kHeadsEvery = 1400;
 constexpr int kAboveHeads = 10;
 
 constexpr int kEntryGap = 8;
 constexpr int kBelowEntries = 20;
 constexpr int kBelowText = 10;
 
-constexpr int kTimeColumn = 7; ///< width of a character of a time
+constexpr int kTimeColumn = 8; ///< width of a character of a time
 constexpr int kBesideTime = 14;
-constexpr int kArrowLength = 48; ///< from the axis to the first lane
-constexpr int kLaneGap = 26;     ///< from a lane's cards to the next lane
+constexpr int kArrowLength = 30; ///< from the axis to the first lane
+constexpr int kLaneGap = 22;     ///< from a lane's cards to the next lane
 constexpr int kLeastWidth = 560;
 constexpr int kCardsTogether = 1080; ///< the approximate greatest width of all cards together
 constexpr int kLeastCard = 100;
 constexpr int kWidestCard = 400; ///< with several lanes
+constexpr qsizetype kFewLanes = 3;
+constexpr int kFieldsOfMany = 184; ///< the width of fields with more lanes
 constexpr int kSpanWidth = 170;
-constexpr int kMonoColumn = 7; ///< approximate width of a column of the fields' font
-constexpr qsizetype kMostLines = 3;
+constexpr int kMonoColumn = 8; ///< greatest width of a column of the fields' font
+constexpr qsizetype kMostLines = 4;
 
 /// Longer pauses are drawn alike.
 constexpr qint64 kSilence = 2000;
@@ -46,9 +48,10 @@ int cardLimit(qsizetype lanes)
 }
 
 /// Fields wrap early, so that only long names widen a lane.
-qsizetype fieldColumns(int room)
+qsizetype fieldColumns(int room, qsizetype lanes)
 {
-    return room * 5 / 6 / kMonoColumn;
+    const int width = room * 5 / 6;
+    return (lanes > kFewLanes ? std::min(width, kFieldsOfMany) : width) / kMonoColumn;
 }
 
 /// The width that @p badge takes from the name.
@@ -61,6 +64,7 @@ int badgeRoom(const QString& badge)
 int contentWidth(const ChartEntry& entry)
 {
     int width = boldWidth(entry.name.prefix + entry.name.own, kNameSize) + badgeRoom(entry.badge);
+    width = std::max(width, boldWidth(entry.meaning, kNameSize));
     for (const QString& line : entry.fields)
         width = std::max(width, int(columnsOf(line)) * kMonoColumn);
     return std::max(width, entry.span.isEmpty() ? 0 : kSpanWidth);
@@ -68,7 +72,7 @@ int contentWidth(const ChartEntry& entry)
 
 int lineCount(const ChartEntry& entry)
 {
-    return int(entry.fields.size()) + (entry.span.isEmpty() ? 0 : 1);
+    return int(entry.fields.size()) + (entry.meaning.isEmpty() ? 0 : 1) + (entry.span.isEmpty() ? 0 : 1);
 }
 
 /// The last message of @p run before @p place; the first one is before it.
@@ -79,14 +83,19 @@ size_t lastBefore(size_t place, const ChartRun& run)
 
 } // namespace
 
-ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock)
+ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes,
+                         const std::vector<ChartRun>& runs, const ChartClock& clock)
     : m_outcomes(zyn::tool::outcomes(messages))
 {
-    for (const QString& lane : runs.lanes)
-        m_lanes.push_back({jsonEscaped(lane), roleOf(lane)});
-    for (const ChartRun& run : runs.runs) {
-        m_entries.push_back(entryOf(messages, run, clock));
-        findHearers(messages, runs, m_entries.back());
+    for (qsizetype lane = 0; lane < lanes.size(); ++lane)
+        m_lanes.push_back({jsonEscaped(lanes.name(lane)), roleOf(lanes.name(lane))});
+    const bool doOthersSpeak = std::ranges::find(runs, lanes.size() - 1, &ChartRun::lane) != runs.end();
+    if (!lanes.others().isEmpty() && !doOthersSpeak)
+        m_lanes.back().role = u"only listen"_s;
+    const std::vector<QString> meant = meanings(messages);
+    for (const ChartRun& run : runs) {
+        m_entries.push_back(entryOf(messages, run, run.isFold() ? QString() : meant[run.messages.front()], clock));
+        findHearers(messages, lanes, m_entries.back());
     }
     placeLanes();
     placeEntries(messages);
@@ -94,7 +103,7 @@ ChartLayout::ChartLayout(const std::vector<ReceivedMessage>& messages, const Cha
 }
 
 ChartEntry ChartLayout::entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,
-                                const ChartClock& clock) const
+                                const QString& meaning, const ChartClock& clock) const
 {
     const auto timeOf = [&](size_t place) { return clock.text(messages.front().time.msecsTo(messages[place].time)); };
     ChartEntry entry;
@@ -108,26 +117,28 @@ ChartEntry ChartLayout::entryOf(const std::vector<ReceivedMessage>& messages, co
     const int room = cardLimit(qsizetype(m_lanes.size())) - 2 * kCardPadding;
     const int prefix = boldWidth(entry.name.prefix, kNameSize);
     entry.name.own = elidedToWidth(entry.name.own, kNameSize, room - prefix - badgeRoom(entry.badge));
+    entry.meaning = meaning;
+    QStringList fields = chartFields(messages, run);
+    fields.removeIf([&](const QString& field) { return !field.contains(u'=') && meaning.contains(field); });
     entry.fields =
-        chartLines(chartFields(messages, run), fieldColumns(room), std::max(kMostLines, qsizetype(run.inTurn)));
+        chartLines(fields, fieldColumns(room, qsizetype(m_lanes.size())), std::max(kMostLines, qsizetype(run.inTurn)));
     entry.height = kNameBaseline + lineCount(entry) * kLineHeight + kBelowText;
     return entry;
 }
 
 /// Of a fold, those that heard any of it.
-void ChartLayout::findHearers(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, ChartEntry& entry)
+void ChartLayout::findHearers(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes, ChartEntry& entry)
 {
     entry.asks = asks(messages[entry.run->messages.front()]);
     entry.isUnheard = true;
-    std::set<qsizetype> lanes;
+    std::set<qsizetype> heard;
     for (const size_t place : entry.run->messages) {
         const auto& hearers = messages[place].hearers;
         entry.isUnheard = entry.isUnheard && hearers && hearers->isEmpty();
-        for (const Participant& hearer : hearers.value_or(QList<Participant>()))
-            lanes.insert(runs.lanes.indexOf(laneOf(hearer)));
+        const std::vector<qsizetype> ofMessage = lanes.hearersOf(messages[place]);
+        heard.insert(ofMessage.begin(), ofMessage.end());
     }
-    lanes.erase(entry.run->lane);
-    entry.hearers.assign(lanes.begin(), lanes.end());
+    entry.hearers.assign(heard.begin(), heard.end());
 }
 
 void ChartLayout::placeLanes()

@@ -16,13 +16,13 @@ inline constexpr int kTitleBaseline = 46;
 inline constexpr int kNoteBaseline = 68;
 inline constexpr int kLegendBaseline = 86;
 inline constexpr int kTitleSize = 20;
-inline constexpr int kNameSize = 12;
+inline constexpr int kNameSize = 13;
 inline constexpr int kHeadHeight = 42;
 inline constexpr int kCardOffset = 12; ///< from the lane's line
 inline constexpr int kCardPadding = 10;
-inline constexpr int kNameBaseline = 18; ///< below the card's top, like the following ones
+inline constexpr int kNameBaseline = 19; ///< below the card's top, like the following ones
 inline constexpr int kArrowLine = 14;
-inline constexpr int kLineHeight = 16;
+inline constexpr int kLineHeight = 17;
 inline constexpr int kOutcomeLine = 20;
 inline constexpr int kOutcomeGap = 14; ///< above and below the outcomes
 
@@ -46,6 +46,7 @@ struct ChartEntry
     const ChartRun* run = nullptr;
     ChartName name;
     QString badge;      ///< the number of messages; empty for one
+    QString meaning;    ///< for people; may be empty
     QStringList fields; ///< lines
     QString span;       ///< first and last time of a fold
     QString time;
@@ -69,7 +70,8 @@ class ChartLayout
 {
 public:
     /// Lays out @p messages; keeps a reference to their @p runs.
-    ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, const ChartClock& clock);
+    ChartLayout(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes,
+                const std::vector<ChartRun>& runs, const ChartClock& clock);
 
     const std::vector<ChartLane>& lanes() const { return m_lanes; }
     const std::vector<ChartEntry>& entries() const { return m_entries; }
@@ -86,9 +88,9 @@ public:
     const QStringList& outcomes() const { return m_outcomes; }
 
 private:
-    ChartEntry entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run,
+    ChartEntry entryOf(const std::vector<ReceivedMessage>& messages, const ChartRun& run, const QString& meaning,
                        const ChartClock& clock) const;
-    static void findHearers(const std::vector<ReceivedMessage>& messages, const ChartRuns& runs, ChartEntry& entry);
+    static void findHearers(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes, ChartEntry& entry);
     void placeLanes();
     void placeEntries(const std::vector<ReceivedMessage>& messages);
     void addHeads();

@@ -21,6 +21,9 @@ QString senderLane(const ReceivedMessage& message);
 /// Whether a message asks for something: a call, a page of the screens. Others tell.
 bool asks(const ReceivedMessage& message);
 
+/// What each of @p messages means to people, as "a call rings", where it or those around it tell; else empty.
+std::vector<QString> meanings(const std::vector<ReceivedMessage>& messages);
+
 /// What came of the calls of @p messages, a sentence each, as far as they tell.
 QStringList outcomes(const std::vector<ReceivedMessage>& messages);
 

@@ -194,28 +194,29 @@ constexpr std::array<LaneColor, 8> kLaneColors{{
 
 constexpr char kStyle[] = R"(
 text{font-family:system-ui,sans-serif;fill:#1c2126}
-.mono{font-family:ui-monospace,monospace;font-size:11px;white-space:pre}
+.mono{font-family:ui-monospace,monospace;font-size:12px;white-space:pre}
 .paper{fill:#ffffff}
 .title{font-size:20px;font-weight:600}
-.note,.unit,.span{font-size:12px;fill:#5b6570}
-.unit,.span{font-size:11px}
+.note,.unit,.span{font-size:13px;fill:#5b6570}
+.unit,.span{font-size:12px}
 .time{fill:#5b6570;text-anchor:end}
 .unit,.silence{text-anchor:end}
-.silence{font-size:11px;font-style:italic;fill:#5b6570}
+.silence{font-size:12px;font-style:italic;fill:#5b6570}
 .axis{fill:none;stroke:#b4bdc7;stroke-width:1.5}
 .dot{fill:#7b8692}
 .gap{stroke-dasharray:1 5;stroke-linecap:round}
-.name{font-size:12px;font-weight:600}
+.name{font-size:13px;font-weight:600}
+.meaning{font-size:13px}
 .prefix{font-weight:400;fill:#5b6570}
-.on{font-size:12px;font-weight:600;fill:#ffffff}
-.count{text-anchor:middle;font-size:11px}
+.on{font-size:13px;font-weight:600;fill:#ffffff}
+.count{text-anchor:middle;font-size:12px}
 .line{fill:none;stroke-width:1.5}
 .arrow{fill:none;stroke-width:1.5;stroke-dasharray:4 4}
 .asks{stroke-dasharray:none;stroke-width:2}
 .role{font-weight:400}
-.unheard{font-size:11px;font-style:italic;fill:#5b6570}
+.unheard{font-size:12px;font-style:italic;fill:#5b6570}
 .outcome{fill:#eef1f4}
-.sentence{font-size:13px}
+.sentence{font-size:14px}
 .card{fill-opacity:.09}
 .bar{fill-opacity:.4}
 )";
@@ -259,17 +260,19 @@ constexpr int kBarWidth = 7;
 constexpr int kCorner = 6;
 constexpr int kBadgeHeight = 17;
 constexpr int kZigzag = 5;
+constexpr qsizetype kNamedOthers = 40; ///< in a tooltip
 
 /// Draws a layout.
 class Drawing
 {
 public:
-    Drawing(const std::vector<ReceivedMessage>& messages, const QString& title)
+    Drawing(const std::vector<ReceivedMessage>& messages, const QString& title, qsizetype lanes)
         : m_messages(messages)
         , m_title(title)
-        , m_runs(foldedRuns(messages))
+        , m_lanes(messages, lanes)
+        , m_runs(foldedRuns(messages, m_lanes))
         , m_clock(messages.empty() ? 0 : messages.front().time.msecsTo(messages.back().time))
-        , m_layout(messages, m_runs, m_clock)
+        , m_layout(messages, m_lanes, m_runs, m_clock)
     {}
 
     QByteArray svg()
@@ -302,7 +305,8 @@ private:
 
     const std::vector<ReceivedMessage>& m_messages;
     const QString m_title;
-    const ChartRuns m_runs;
+    const ChartLanes m_lanes;
+    const std::vector<ChartRun> m_runs;
     const ChartClock m_clock;
     const ChartLayout m_layout;
     SvgWriter m_svg;
@@ -315,18 +319,22 @@ QString Drawing::summary() const
     const bool isKnown = std::ranges::any_of(m_messages, [](const auto& message) { return message.sender.isKnown(); });
     const QString text = isKnown ? u"%1 between %2 in %3, from %4 UTC on"_s
                                  : u"%1 on %2 in %3, from %4 UTC on; who sent them is not known"_s;
-    return text.arg(counted(qsizetype(m_messages.size()), "message"),
-                    counted(m_runs.lanes.size(), isKnown ? "program" : "channel"),
-                    durationText(m_messages.front().time.msecsTo(m_messages.back().time)),
-                    handset::timeText(m_messages.front().time));
+    return text.arg(
+        counted(qsizetype(m_messages.size()), "message"),
+        counted(m_lanes.size() + std::max(m_lanes.others().size() - 1, qsizetype{0}), isKnown ? "program" : "channel"),
+        durationText(m_messages.front().time.msecsTo(m_messages.back().time)),
+        handset::timeText(m_messages.front().time));
 }
 
 QString Drawing::description() const
 {
     QStringList parts{u"Message sequence chart: "_s + summary()};
-    for (const QString& lane : m_runs.lanes) {
-        if (const auto count = std::ranges::count(m_messages, lane, &senderLane))
-            parts += u"%1 from %2"_s.arg(counted(count, "message"), jsonEscaped(lane));
+    std::vector<qsizetype> counts(size_t(m_lanes.size()));
+    for (const ChartRun& run : m_runs)
+        counts[size_t(run.lane)] += qsizetype(run.messages.size());
+    for (qsizetype lane = 0; lane < m_lanes.size(); ++lane) {
+        if (counts[size_t(lane)] > 0)
+            parts += u"%1 from %2"_s.arg(counted(counts[size_t(lane)], "message"), jsonEscaped(m_lanes.name(lane)));
     }
     return (parts + m_layout.outcomes()).join(u"; "_s);
 }
@@ -334,7 +342,7 @@ QString Drawing::description() const
 void Drawing::drawFrame()
 {
     m_svg.begin(m_layout.width(), m_layout.height(), m_title, description());
-    m_svg.style(chartStyle(m_runs.lanes.size()));
+    m_svg.style(chartStyle(m_lanes.size()));
     m_svg.rectangle("paper", 0, 0, m_layout.width(), m_layout.height(), kCorner);
     m_svg.text("title", kMargin, kTitleBaseline, elidedToWidth(m_title, kTitleSize, m_layout.width() - 2 * kMargin));
     m_svg.text("note", kMargin, kNoteBaseline, summary());
@@ -349,7 +357,7 @@ void Drawing::drawFrame()
 void Drawing::drawLines()
 {
     drawLine("axis", m_layout.axis());
-    for (qsizetype lane = 0; lane < m_runs.lanes.size(); ++lane) {
+    for (qsizetype lane = 0; lane < m_lanes.size(); ++lane) {
         m_svg.beginGroup(laneClass(lane));
         drawLine("line", m_layout.lanes()[size_t(lane)].x);
         m_svg.endGroup();
@@ -378,9 +386,12 @@ void Drawing::drawHeads()
         const int baseline = top + kHeadHeight / 2 + kNameSize / 3;
         m_svg.rectangle("paper", m_layout.axis() - kZigzag, top, 2 * kZigzag, kHeadHeight, 0);
         m_svg.text("unit", m_layout.axis() + kZigzag, baseline, m_clock.unit());
-        for (qsizetype i = 0; i < m_runs.lanes.size(); ++i) {
+        for (qsizetype i = 0; i < m_lanes.size(); ++i) {
             const ChartLane& lane = m_layout.lanes()[size_t(i)];
             m_svg.beginGroup(laneClass(i));
+            if (i == m_lanes.size() - 1 && !m_lanes.others().isEmpty())
+                m_svg.tooltip(
+                    jsonEscaped(m_lanes.others().first(std::min(m_lanes.others().size(), kNamedOthers)).join(u", "_s)));
             m_svg.rectangle("fill", lane.x - kCardOffset, top, lane.cardWidth + 2 * kCardOffset, kHeadHeight, kCorner);
             const bool hasRole = !lane.role.isEmpty();
             m_svg.text("on", lane.x + kCardOffset, baseline - (hasRole ? kLineHeight / 2 : 0), lane.title);
@@ -453,6 +464,8 @@ void Drawing::drawCard(const ChartEntry& entry, const ChartLane& lane)
     m_svg.text("name", textLeft, baseline, "prefix", entry.name.prefix, entry.name.own);
     if (!entry.badge.isEmpty())
         drawBadge(entry.badge, left + lane.cardWidth - kCardPadding / 2, baseline);
+    if (!entry.meaning.isEmpty())
+        m_svg.text("meaning", textLeft, baseline += kLineHeight, entry.meaning);
     for (const QString& line : entry.fields)
         m_svg.text("mono", textLeft, baseline += kLineHeight, line);
     if (!entry.span.isEmpty())
@@ -482,9 +495,9 @@ void Drawing::drawBadge(const QString& badge, int right, int baseline)
 
 } // namespace
 
-QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title)
+QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title, qsizetype lanes)
 {
-    return Drawing(messages, title).svg();
+    return Drawing(messages, title, lanes).svg();
 }
 
 } // namespace zyn::tool

@@ -10,7 +10,7 @@
 
 namespace zyn::tool {
 
-/// The chart of @p messages in SVG, titled @p title. The output is reproducible.
-QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title);
+/// The chart of @p messages in SVG, titled @p title, with at most @p lanes lanes. The output is reproducible.
+QByteArray chartSvg(const std::vector<ReceivedMessage>& messages, const QString& title, qsizetype lanes);
 
 } // namespace zyn::tool

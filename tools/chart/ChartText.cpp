@@ -8,7 +8,9 @@
 #include "tools/zynphone/Text.h"
 
 #include <algorithm>
+#include <set>
 #include <span>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -175,30 +177,52 @@ QString twoDigits(qint64 number)
 
 } // namespace
 
-ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages)
+ChartLanes::ChartLanes(const std::vector<ReceivedMessage>& messages, qsizetype limit)
 {
-    ChartRuns result;
-    std::vector<std::vector<size_t>> places; // of each lane's messages
-    for (size_t i = 0; i < messages.size(); ++i) {
-        const QString sender = senderLane(messages[i]);
-        qsizetype lane = result.lanes.indexOf(sender);
-        if (lane < 0) {
-            lane = result.lanes.size();
-            result.lanes += sender;
-            places.emplace_back();
+    QStringList programs;
+    const auto add = [&](const QString& program) {
+        if (!m_indexes.contains(program)) {
+            m_indexes.insert(program, programs.size());
+            programs += program;
         }
-        places[size_t(lane)].push_back(i);
-    }
-    for (qsizetype lane = 0; lane < result.lanes.size(); ++lane)
-        addLane(messages, lane, places[size_t(lane)], result.runs);
-    std::ranges::sort(result.runs, {}, firstOf);
+    };
+    for (const ReceivedMessage& message : messages)
+        add(senderLane(message));
     for (const ReceivedMessage& message : messages) {
-        for (const Participant& hearer : message.hearers.value_or(QList<Participant>())) {
-            if (!result.lanes.contains(laneOf(hearer)))
-                result.lanes += laneOf(hearer);
-        }
+        for (const Participant& hearer : message.hearers.value_or(QList<Participant>()))
+            add(laneOf(hearer));
     }
-    return result;
+    const qsizetype last = limit - 1;
+    m_names = programs.size() > limit ? programs.first(last) : programs;
+    m_others = programs.sliced(m_names.size());
+    for (const QString& program : std::as_const(m_others))
+        m_indexes[program] = last;
+}
+
+std::vector<qsizetype> ChartLanes::hearersOf(const ReceivedMessage& message) const
+{
+    std::set<qsizetype> lanes;
+    for (const Participant& hearer : message.hearers.value_or(QList<Participant>()))
+        lanes.insert(indexOf(laneOf(hearer)));
+    lanes.erase(indexOf(senderLane(message)));
+    return {lanes.begin(), lanes.end()};
+}
+
+QString ChartLanes::name(qsizetype lane) const
+{
+    return lane < m_names.size() ? m_names.at(lane) : u"%1 others"_s.arg(m_others.size());
+}
+
+std::vector<ChartRun> foldedRuns(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes)
+{
+    std::vector<ChartRun> runs;
+    std::vector<std::vector<size_t>> places(static_cast<size_t>(lanes.size())); // of each lane's messages
+    for (size_t i = 0; i < messages.size(); ++i)
+        places[static_cast<size_t>(lanes.indexOf(senderLane(messages[i])))].push_back(i);
+    for (qsizetype lane = 0; lane < lanes.size(); ++lane)
+        addLane(messages, lane, places[static_cast<size_t>(lane)], runs);
+    std::ranges::sort(runs, {}, firstOf);
+    return runs;
 }
 
 ChartClock::ChartClock(qint64 longest)
@@ -233,8 +257,10 @@ QString durationText(qint64 milliseconds)
 
 ChartName chartName(const ReceivedMessage& message)
 {
-    // Where the sender is not known, the lane is the channel.
-    const QString channel = message.sender.isKnown() ? channelWord(message.channel) + u":\u00A0"_s : QString();
+    // The library's names are each of one channel; where the sender is not known, the lane is the channel.
+    const bool isPlain =
+        !message.sender.isKnown() || messageFields(message.channel, message.name, message.payload).isKnown;
+    const QString channel = isPlain ? QString() : channelWord(message.channel) + u":\u00A0"_s;
     return {channel, messageWord(message.channel, message.name)};
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/recording/MessageText.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -22,15 +23,33 @@ struct ChartRun
     size_t turns() const { return messages.size() / inTurn; }
 };
 
-struct ChartRuns
+/// The lanes of a chart: programs, those that send by their first messages, then those that only hear. Where there are
+/// more than fit, the last lane is that of all the others.
+class ChartLanes
 {
-    QStringList lanes;          ///< the programs: those that send by their first messages, then those that only hear
-    std::vector<ChartRun> runs; ///< by their first messages
+public:
+    /// At most @p limit lanes, which is two or more.
+    ChartLanes(const std::vector<ReceivedMessage>& messages, qsizetype limit);
+
+    qsizetype size() const { return m_names.size() + (m_others.isEmpty() ? 0 : 1); }
+    /// The lane of a program in the messages.
+    qsizetype indexOf(const QString& program) const { return m_indexes.value(program); }
+    /// Those of the programs that heard @p message, without the sender's; each once, ascending.
+    std::vector<qsizetype> hearersOf(const ReceivedMessage& message) const;
+    /// Who a lane belongs to: a program, or "3 others".
+    QString name(qsizetype lane) const;
+    /// The programs in the last lane; none if it is that of one.
+    const QStringList& others() const { return m_others; }
+
+private:
+    QStringList m_names;
+    QStringList m_others;
+    QHash<QString, qsizetype> m_indexes;
 };
 
 /// Folds @p messages: at least three of a kind, or three turns, without messages between them; at least twenty messages
-/// also across those of other senders. Shorter runs show the order of events.
-ChartRuns foldedRuns(const std::vector<ReceivedMessage>& messages);
+/// also across those of other senders. Shorter runs show the order of events. They are ordered by their first messages.
+std::vector<ChartRun> foldedRuns(const std::vector<ReceivedMessage>& messages, const ChartLanes& lanes);
 
 /// The format of times, chosen by the longest of them.
 class ChartClock
@@ -52,7 +71,7 @@ private:
 /// "1.5 s", "2 min 5 s", "3 h 20 min".
 QString durationText(qint64 milliseconds);
 
-/// A message's name in two parts: its channel, shortened, and its word or name.
+/// A message's name in two parts: its channel, shortened, unless the library knows the message; and its word or name.
 struct ChartName
 {
     QString prefix;

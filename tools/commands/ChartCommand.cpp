@@ -2,7 +2,6 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/chart/ChartSvg.h"
-#include "tools/chart/ChartText.h"
 #include "tools/recording/Recording.h"
 #include "tools/zynphone/Console.h"
 
@@ -14,7 +13,15 @@ namespace zyn::tool {
 namespace {
 
 constexpr char kStandardOutput[] = "-";
-constexpr qsizetype kMostLanes = 64;
+constexpr int kFewestLanes = 2;
+constexpr int kMostLanes = 64;
+
+qsizetype lanesFrom(const Invocation& invocation)
+{
+    return invocation.isSet(u"lanes"_s)
+               ? wholeNumber(invocation.value(u"lanes"_s), u"--lanes"_s, kFewestLanes, kMostLanes)
+               : kMostLanes;
+}
 
 ExitCode drawChart(const Invocation& invocation, Console& console)
 {
@@ -26,11 +33,8 @@ ExitCode drawChart(const Invocation& invocation, Console& console)
     if (isToFile && QFileInfo(output) == QFileInfo(input))
         throw usageError(u"the chart would replace the recording"_s);
     recording.keepOnly(invocation.values(u"channel"_s));
-    if (const qsizetype lanes = foldedRuns(recording.messages()).lanes.size(); lanes > kMostLanes)
-        throw failure(u"a chart has at most %1 programs, not %2; --channel chooses some messages"_s.arg(
-            QString::number(kMostLanes), QString::number(lanes)));
     const QString title = invocation.isSet(u"title"_s) ? invocation.value(u"title"_s) : QFileInfo(input).fileName();
-    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(title));
+    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(title), lanesFrom(invocation));
     if (isToFile)
         writeFile(output, svg);
     else
@@ -49,12 +53,15 @@ Command chartCommand()
                 "that listen: solid when it asks for something, dashed when it tells. Of recordings that do not\n"
                 "know the sender a lane is a channel. From three of a kind, or three turns of the same few, on,\n"
                 "messages that follow each other in a lane are one entry. Long pauses are shortened and say so.\n"
-                "All that a message holds is in its tooltip. The end says what came of the calls.\n"_s,
+                "A card says what its message means, as that a call rings or is missed, where that, or those\n"
+                "around it, tells. All that it holds is in its tooltip. The end says what came of the calls.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
             .options = {QCommandLineOption({u"output"_s, u"o"_s},
                                            u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
                                            u"FILE"_s),
                         valueOption(u"title"_s, u"TEXT"_s, u"the title; the file's name by default"_s),
+                        valueOption(u"lanes"_s, u"N"_s,
+                                    u"at most N lanes, 64 by default; the last is that of all other programs"_s),
                         valueOption(u"channel"_s, u"CHANNEL"_s,
                                     u"only the messages of that channel, and of each other one so given"_s)},
             .run = drawChart};
