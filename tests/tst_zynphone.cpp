@@ -26,8 +26,6 @@ private Q_SLOTS:
 
 void ZynphoneTest::fitsHelpOntoATerminal()
 {
-    static const QRegularExpression verbs(u"^Verbs:\\n(.*?)^$"_s, QRegularExpression::MultilineOption
-                                                                      | QRegularExpression::DotMatchesEverythingOption);
     static const QRegularExpression name(u"^  ([a-z-]+)  "_s, QRegularExpression::MultilineOption);
     QStringList paths{QString()};
     for (qsizetype i = 0; i < paths.size(); ++i) {
@@ -35,8 +33,13 @@ void ZynphoneTest::fitsHelpOntoATerminal()
         const QString help = run((path + u"--help"_s).toLatin1().constData());
         for (const QString& line : help.split(u'\n'))
             QVERIFY2(line.size() <= 80, qPrintable(path + u": "_s + line));
-        for (const QRegularExpressionMatch& verb : name.globalMatch(verbs.match(help).captured(1)))
-            paths += path + verb.captured(1) + u' ';
+        // The tool's own verbs stand in groups.
+        const QString heading = path.isEmpty() ? u"(?!Options)[A-Z][a-z ]+"_s : u"Verbs"_s;
+        const QRegularExpression section(u"^%1:\n((?:  .*\n)+)"_s.arg(heading), QRegularExpression::MultilineOption);
+        for (const QRegularExpressionMatch& verbs : section.globalMatch(help)) {
+            for (const QRegularExpressionMatch& verb : name.globalMatch(verbs.captured(1)))
+                paths += path + verb.captured(1) + u' ';
+        }
     }
     QCOMPARE_GE(paths.size(), 60);
 }

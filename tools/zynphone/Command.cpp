@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -99,12 +100,23 @@ QString section(const QString& title, const QList<QStringList>& rows)
     return rows.isEmpty() ? QString() : u'\n' + title + u":\n"_s + wrapped(alignedLines(rows));
 }
 
+/// The sections of @p verbs, one for each group.
+QString verbSections(const std::vector<Command>& verbs)
+{
+    QString sections;
+    QList<QStringList> rows;
+    for (auto verb = verbs.begin(); verb != verbs.end(); ++verb) {
+        rows += {u"  "_s + verb->name, verb->summary};
+        if (const auto next = std::next(verb);
+            next == verbs.end() || QLatin1String(next->group) != QLatin1String(verb->group))
+            sections += section(QLatin1String(verb->group), std::exchange(rows, {}));
+    }
+    return sections;
+}
+
 /// The help of @p command, whose full name is @p path.
 QString helpText(const Command& command, const QString& path)
 {
-    QList<QStringList> verbs;
-    for (const Command& verb : command.verbs)
-        verbs += {u"  "_s + verb.name, verb.summary};
     QList<QStringList> arguments;
     for (const Argument& argument : command.arguments)
         arguments += {u"  "_s + argument.name, argument.meaning};
@@ -112,7 +124,7 @@ QString helpText(const Command& command, const QString& path)
     for (const QCommandLineOption& option : command.options + commonOptions())
         options += optionRow(option);
     return usageLine(command, path) + u'\n' + wrapped(command.summary + u".\n"_s) + wrapped(command.details)
-           + section(u"Verbs"_s, verbs) + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
+           + verbSections(command.verbs) + section(u"Arguments"_s, arguments) + section(u"Options"_s, options);
 }
 
 /// Marks negative numbers, which the parser would read as options. Command lines do not contain this character.

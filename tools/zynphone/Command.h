@@ -69,6 +69,7 @@ struct Command
     QString summary;      ///< one sentence
     QString details = {}; ///< further lines of the help
     std::vector<Command> verbs = {};
+    const char* group = "Verbs"; ///< the heading of the help under which it stands, beside those of the same group
     std::vector<Argument> arguments = {};
     QList<QCommandLineOption> options = {};
     /// Fixed words for arguments and option values, by their names in the help.

@@ -5,22 +5,42 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <utility>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
 
+/// The verbs in their groups, those first that somebody tries who has a phone for the first time.
+std::vector<Command> groupedVerbs()
+{
+    std::pair<const char*, std::vector<Command>> groups[] = {
+        {"The phone", {phoneCommand(), statusCommand(), handsetCommand(), runInHandsetCommand(), topCommand()}},
+        {"Calls and requests",
+         {dialCommand(), hangupCommand(), emergencyCommand(), speedDialCommand(), prependCommand(), pttCommand(),
+          javaCommand(), stkCommand(), radioCommand(), languageCommand()}},
+        {"Recent calls and favourites",
+         {callsCommand(), missedCommand(), recentsCommand(), settingsCommand(), favouritesCommand()}},
+        {"Messages", {monitorCommand(), replayCommand(), chartCommand(), sendCommand()}},
+        {"Faults and the tool", {doctorCommand(), inspectCommand(), completionCommand()}},
+    };
+    std::vector<Command> verbs;
+    for (auto& [group, members] : groups) {
+        for (Command& verb : members) {
+            verb.group = group;
+            verbs.push_back(std::move(verb));
+        }
+    }
+    return verbs;
+}
+
 Command zynphoneCommand()
 {
     return {.name = u"zynphone"_s,
             .summary = u"Look at the phone library's data and services, and change them"_s,
-            .verbs = {dialCommand(),         hangupCommand(),  emergencyCommand(),  speedDialCommand(),
-                      prependCommand(),      pttCommand(),     javaCommand(),       stkCommand(),
-                      phoneCommand(),        radioCommand(),   languageCommand(),   callsCommand(),
-                      recentsCommand(),      missedCommand(),  favouritesCommand(), settingsCommand(),
-                      handsetCommand(),      inspectCommand(), monitorCommand(),    replayCommand(),
-                      chartCommand(),        statusCommand(),  sendCommand(),       doctorCommand(),
-                      runInHandsetCommand(), topCommand(),     completionCommand()}};
+            .verbs = groupedVerbs()};
 }
 
 ExitCode run(const QStringList& words)
