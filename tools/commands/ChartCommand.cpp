@@ -1,7 +1,9 @@
 // zynphone chart: a recording as a picture.
 #include "tools/commands/Commands.h"
 
+#include "tools/chart/ChartStory.h"
 #include "tools/chart/ChartSvg.h"
+#include "tools/chart/LiveChart.h"
 #include "tools/recording/Recording.h"
 #include "tools/zynphone/Console.h"
 
@@ -23,6 +25,21 @@ qsizetype lanesFrom(const Invocation& invocation)
                : kMostLanes;
 }
 
+/// The chart as text, for a terminal or a report.
+QByteArray chartText(const std::vector<ReceivedMessage>& messages, const QString& title, qsizetype lanes)
+{
+    LiveChart chart = LiveChart::forReport(lanes);
+    for (const ReceivedMessage& message : messages)
+        chart.addLanes(message);
+    QStringList lines{title};
+    const std::vector<QString> meant = meanings(messages);
+    for (size_t place = 0; place < messages.size(); ++place)
+        lines += chart.linesFor(messages[place], meant[place]);
+    for (const QString& sentence : outcomes(messages))
+        lines += jsonEscaped(sentence);
+    return (lines.join(u'\n') + u'\n').toUtf8();
+}
+
 ExitCode drawChart(const Invocation& invocation, Console& console)
 {
     const QString input = invocation.argument(0);
@@ -34,11 +51,12 @@ ExitCode drawChart(const Invocation& invocation, Console& console)
         throw usageError(u"the chart would replace the recording"_s);
     recording.keepOnly(invocation.values(u"channel"_s));
     const QString title = invocation.isSet(u"title"_s) ? invocation.value(u"title"_s) : QFileInfo(input).fileName();
-    const QByteArray svg = chartSvg(recording.messages(), jsonEscaped(title), lanesFrom(invocation));
+    const auto draw = invocation.isSet(u"text"_s) ? chartText : chartSvg;
+    const QByteArray chart = draw(recording.messages(), jsonEscaped(title), lanesFrom(invocation));
     if (isToFile)
-        writeFile(output, svg);
+        writeFile(output, chart);
     else
-        console.write(QString::fromUtf8(svg));
+        console.write(QString::fromUtf8(chart));
     return Done;
 }
 
@@ -56,7 +74,8 @@ Command chartCommand()
                 "A card says what its message means, as that a call rings or is missed, where that, or those\n"
                 "around it, tells. All that it holds is in its tooltip. The end says what came of the calls.\n"_s,
             .arguments = {{u"FILE"_s, u"as 'monitor --record' writes it"_s}},
-            .options = {QCommandLineOption({u"output"_s, u"o"_s},
+            .options = {flagOption(u"text"_s, u"draw it as text, a line a message, as 'monitor --chart' does"_s),
+                        QCommandLineOption({u"output"_s, u"o"_s},
                                            u"write the chart to FILE (also -o), else, and for -, to standard output"_s,
                                            u"FILE"_s),
                         valueOption(u"title"_s, u"TEXT"_s, u"the title; the file's name by default"_s),

@@ -89,7 +89,7 @@ public:
         , m_filter(invocation)
         , m_json(invocation.isSet(u"json"_s))
         , m_look{invocation.isSet(u"raw"_s), console.isColourful(), terminalWidth(console)}
-        , m_chart(invocation.isSet(u"chart"_s) ? std::optional(LiveChart(m_look.width)) : std::nullopt)
+        , m_chart(invocation.isSet(u"chart"_s) ? std::optional(LiveChart::forTerminal(m_look.width)) : std::nullopt)
         , m_left(limitFrom(invocation, u"count"_s))
         , m_order([this](const ReceivedMessage& message) { show(message); })
     {}
