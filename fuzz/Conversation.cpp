@@ -128,12 +128,17 @@ public:
     }
 
 private:
+    /// Few enough that a listener which reads nothing misses none, and large enough that some have to wait for it.
     void send(Input& input)
     {
+        constexpr int kMostMessages = 500;
+        constexpr int kSizeUnit = 64;
         const int sender = input.below(kSenders);
         const int channel = input.below(kChannels);
         const QByteArray name = QByteArray::number(sender);
-        const QByteArray data = QByteArray::number(++m_count) + QByteArray(input.byte() * 8, 'x');
+        const QByteArray data = QByteArray::number(m_count) + QByteArray(input.byte() * kSizeUnit, 'x');
+        if (m_count++ >= kMostMessages)
+            return;
         require(m_senders.at(size_t(sender))->send(channelName(channel), ChannelFrame(name, data)),
                 "a message can be sent");
         for (const auto& listener : m_listeners) {

@@ -19,7 +19,7 @@ namespace {
 
 using tool::CommandError;
 
-/// Records in @p format: what is read can be written, and comes back.
+/// Records in @p format: what is read can be written in each format, and comes back.
 void readRecords(const tool::RecordFormat& format, Input& input)
 {
     const tool::RecordSchema& schema = input.below(2) == 0 ? tool::callSchema() : tool::favouriteSchema();
@@ -32,9 +32,11 @@ void readRecords(const tool::RecordFormat& format, Input& input)
     }
     for (const QByteArray& record : read.records)
         require(record.size() == schema.blank.size(), "a record is whole");
-    const QByteArray text = format.write(schema.fields, read.records).toUtf8();
-    const tool::ReadRecords again = format.read(schema, text, QStringLiteral("output"));
-    require(again.problems.isEmpty() && again.records == read.records, "records come back");
+    for (const tool::RecordFormat* other : {&tool::kCsvFormat, &tool::kJsonFormat}) {
+        const QByteArray text = other->write(schema.fields, read.records).toUtf8();
+        const tool::ReadRecords again = other->read(schema, text, QStringLiteral("output"));
+        require(again.problems.isEmpty() && again.records == read.records, "records come back");
+    }
 }
 
 QList<QByteArray> recordSeeds(const tool::RecordFormat& format)
