@@ -51,4 +51,10 @@ Application::Application(int& argc, char** argv, const QString& name)
     setApplicationVersion(u"" ZYN_VERSION ""_s);
 }
 
+TerminalApplication::TerminalApplication(int& argc, char** argv, const QString& name)
+    : Application(argc, argv, name)
+{
+    output.whenLost([] { quit(); });
+}
+
 } // namespace zyn::handset

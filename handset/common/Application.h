@@ -31,11 +31,11 @@ private:
     const TerminationSignals m_terminationSignals;
 };
 
-/// An application that shows something in a terminal.
+/// An application that shows something in a terminal, and ends when nobody can see it any more.
 class TerminalApplication : public Application
 {
 public:
-    using Application::Application;
+    TerminalApplication(int& argc, char** argv, const QString& name);
 
     Output output;
 };

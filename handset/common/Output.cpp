@@ -3,11 +3,14 @@
 
 #include "handset/common/Log.h"
 
+#include <QtCore/QCoreApplication>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -53,7 +56,9 @@ void Output::showTrace()
 
 QString Output::errorString() const
 {
-    return descriptor() < 0 ? qt_error_string(EBADF) : m_output.errorString();
+    if (descriptor() < 0)
+        return qt_error_string(EBADF);
+    return m_output.error() == QFileDevice::NoError ? qt_error_string(EPIPE) : m_output.errorString();
 }
 
 int Output::exitCode() const
@@ -77,7 +82,28 @@ bool Output::isColourful() const
 void Output::write(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
-    m_valid = m_valid && m_output.write(bytes) == bytes.size();
+    if (m_valid && m_output.write(bytes) != bytes.size())
+        lose();
+}
+
+void Output::whenLost(std::function<void()> lost)
+{
+    m_lost = std::move(lost);
+    struct stat status = {};
+    const bool isPipe = ::fstat(descriptor(), &status) == 0 && S_ISFIFO(status.st_mode);
+    if (!isPipe || (::fcntl(descriptor(), F_GETFL) & O_ACCMODE) != O_WRONLY)
+        return;
+    m_reader = std::make_unique<QSocketNotifier>(descriptor(), QSocketNotifier::Read);
+    QObject::connect(m_reader.get(), &QSocketNotifier::activated, m_reader.get(), [this] { lose(); });
+}
+
+void Output::lose()
+{
+    m_valid = false;
+    if (m_reader)
+        m_reader->setEnabled(false);
+    if (m_lost)
+        QMetaObject::invokeMethod(QCoreApplication::instance(), std::exchange(m_lost, nullptr), Qt::QueuedConnection);
 }
 
 } // namespace zyn::handset

@@ -2,8 +2,11 @@
 #pragma once
 
 #include <QtCore/QFile>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QString>
 
+#include <functional>
+#include <memory>
 #include <utility>
 
 namespace zyn::handset {
@@ -35,7 +38,11 @@ public:
     /// Whether to use colours: on a terminal, unless NO_COLOR is set and not empty.
     bool isColourful() const;
 
-    /// Whether all writes have succeeded.
+    /// Calls @p lost in the event loop, at most once: when a write has failed, or the last reader of a pipe has gone,
+    /// so that the next one would. Made in a thread with an event loop.
+    void whenLost(std::function<void()> lost);
+
+    /// Whether all writes have succeeded, and further ones may.
     bool isValid() const { return m_valid; }
     /// Why a write failed.
     QString errorString() const;
@@ -47,7 +54,11 @@ protected:
     bool fetchTraced() { return std::exchange(m_traced, false); }
 
 private:
+    void lose();
+
     QFile m_output;
+    std::function<void()> m_lost;
+    std::unique_ptr<QSocketNotifier> m_reader; ///< becomes active when a pipe's last reader goes
     bool m_valid = false;
     bool m_traced = false;
 };
