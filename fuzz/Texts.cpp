@@ -142,6 +142,7 @@ QList<QByteArray> scriptSeeds()
     return {
         "# a day\nincoming 0301112222 Dora\n+100 answer\n+5 hangup\nincoming 0301112222 \"Dora D\"\nmissed\nsnapshot\n",
         "power-on-mode 1\n+0 battery-capacity 80\nsignal-quality 4\nservice-name \"Some network\"\nfail\n",
+        "+5\n",
         "all-status 0102\nnetwork-list-0 00\nimsi-id hex:00\n",
     };
 }
