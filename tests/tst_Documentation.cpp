@@ -386,6 +386,28 @@ private Q_SLOTS:
         QCOMPARE(difference(documented, actual), QString());
     }
 
+    /// An application that writes to standard output has to know of the library's lines there.
+    void tellsOfTheTrace()
+    {
+        static const QRegularExpression printing(
+            u"\\b(PHONE_Log|logEntry|std::printf|std::fputs)\\(|\\b(Trace|LogText) \\w"_s);
+        QStringList silent;
+        int printers = 0;
+        for (const char* folder : {"utility/", "recentcall/utility/"}) {
+            const QDir sources(kSource + QLatin1String(folder));
+            for (const QString& name : sources.entryList({u"*.cpp"_s})) {
+                const QString header = QString(name).replace(u".cpp"_s, u".h"_s);
+                if (!sources.exists(header) || !readText(sources.filePath(name)).contains(printing))
+                    continue;
+                ++printers;
+                if (!readText(sources.filePath(header)).contains("platform/QuietTrace.h"_L1))
+                    silent += header;
+            }
+        }
+        QCOMPARE(silent.join(u' '), QString());
+        QVERIFY(printers > 10);
+    }
+
     void namesWhatThereIs_data()
     {
         QTest::addColumn<QString>("document");

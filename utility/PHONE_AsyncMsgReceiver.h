@@ -17,7 +17,7 @@ using PHONE_SERVICE_PROVIDER_DATA_S = SERVICE_PROVIDER_DATA_S;
  * Passes on the phone status to any number of receivers, so that a process decodes each message once.
  *
  * Each signal is emitted when that of PHONE_MsgClient with the same name is, with the same arguments. To be used from
- * one thread, whose event loop it needs. Messages print debug lines: see QuietTrace.
+ * one thread, whose event loop it needs. Messages print debug lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT PHONE_AsyncMsgReceiver : public QObject
 {

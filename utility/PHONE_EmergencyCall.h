@@ -8,8 +8,8 @@
 /// @file
 /// The emergency numbers are in the file "/tmp/emergency_call", which every question reads anew, to its end. A missing
 /// file means no numbers; of a file that breaks off, the numbers before the break count. If it is not a regular file,
-/// at most 1,560 records are read. Texts are compared character by character. Questions print debug lines: see
-/// platform/QuietTrace.h.
+/// at most 1,560 records are read. Texts are compared character by character. Questions about an input print debug
+/// lines: see platform/QuietTrace.h.
 
 /// Whether @p number (Latin-1) is an emergency number; null is not.
 ZYN_EXPORT bool PHONE_IsEmergencyCall(char* number);

@@ -8,7 +8,8 @@
  * Names and sends the messages of the phone channel, "/ZYN/phone".
  *
  * Status messages come from the phone server; requests go to it, and it answers with status messages. Any object may
- * send any type. Each listens on the channel for as long as it lives, so that it receives what it sends.
+ * send any type. Each listens on the channel for as long as it lives, so that it receives what it sends. Sending prints
+ * debug lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT PHONE_Msg : public QCopChannel
 {

@@ -24,8 +24,8 @@ enum PHONE_UI_NETWORKLIST_TYPE_T : int {};
  * loop of the thread that made the client, one message after another. A receiver may destroy the client; what is left
  * of its message is then not emitted.
  *
- * Of a payload that ends early, the fields that are not there whole are 0 and null texts. Each message prints debug
- * lines: see QuietTrace.
+ * Of a payload that ends early, the fields that are not there whole are 0 and null texts. Each client, request and
+ * message prints debug lines: see platform/QuietTrace.h.
  *
  * Every signal may be connected by pointer to member or by name, directly or queued, but for the two that hand out a
  * pointer: signalnetworkListGotten and signalImsiId.

@@ -7,6 +7,9 @@
 
 #include <cstdint>
 
+/// @file
+/// Both requests print debug lines: see platform/QuietTrace.h.
+
 /// A push-to-talk call; the push-to-talk application gives the second list and the two values their meaning.
 struct PTT_CALL_INFO_T
 {

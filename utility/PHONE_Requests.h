@@ -3,6 +3,9 @@
 
 #include "platform/ZynExport.h"
 
+/// @file
+/// Each request prints debug lines: see platform/QuietTrace.h.
+
 /// Switches the radio on or off; answered by PHONE_MsgClient::signalSetRFModResult.
 ZYN_EXPORT void PHONE_SetRFMode(bool on);
 

@@ -20,8 +20,8 @@
  *
  * Not guarded: use it from one thread. Several processes may read the same files, but only one may change them.
  *
- * Every operation prints what it does to standard output: see QuietTrace. Where an int is returned it is 1 on success,
- * 0 on failure.
+ * Every operation prints what it does to standard output: see platform/QuietTrace.h. Where an int is returned it is 1
+ * on success, 0 on failure.
  */
 class ZYN_EXPORT ActivityLog_ENG_RecordStore
 {

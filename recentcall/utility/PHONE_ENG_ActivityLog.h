@@ -27,7 +27,7 @@
  * | 298    | 2    | padding, 0       |
  *
  * Every constructor clears what the table calls reserved and padding. Making one from another record writes a line to
- * standard output before and after: see QuietTrace.
+ * standard output before and after: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT PHONE_ENG_ActivityLog : public PHONE_ENG_RecentCall
 {

@@ -19,7 +19,7 @@ public:
     int rc_delete(const PHONE_ENG_RecentCall& record);
     /// Deletes all voice calls from the list of @p category, or from all three for RC_CALL_CATEGORY_ALL.
     int rc_deleteAll(CALL_CATEGORY_T category);
-    /// As RC_Interface::getLastDialedNumber().
+    /// As RC_Interface::getLastDialedNumber(), which prints debug lines: see platform/QuietTrace.h.
     bool getLastDialedNumber(QString& number);
 };
 
@@ -30,6 +30,6 @@ public:
     PHONE_RecentCallInterface();
     virtual ~PHONE_RecentCallInterface();
 
-    /// As RC_Interface::getLastDialedNumber().
+    /// As RC_Interface::getLastDialedNumber(), which prints debug lines: see platform/QuietTrace.h.
     bool getLastDialedNumber(QString& number);
 };

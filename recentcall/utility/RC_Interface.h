@@ -44,6 +44,7 @@ public:
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
     /// Sets @p number to the number dialed last, read from the file without the service. Without such a call it returns
-    /// false and leaves @p number as it is. Creates this process's RecentCall_ENG_RecordStore.
+    /// false and leaves @p number as it is. Creates this process's RecentCall_ENG_RecordStore, which prints debug lines:
+    /// see platform/QuietTrace.h.
     bool getLastDialedNumber(QString& number);
 };

@@ -55,7 +55,7 @@ extern ZYN_EXPORT RC_EngineStub* g_rcEngineStub;
  * Reports changes of the missed calls, and gives those that are unread.
  *
  * Use it in the thread of the event loop that receives the channel's messages. Every object of the process emits
- * dataUpdate() for every change. Messages print debug lines: see QuietTrace.
+ * dataUpdate() for every change. Messages print debug lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT RC_MissedCallInterface : public QObject
 {

@@ -15,7 +15,7 @@ class RecentCall_MsgClient;
  *
  * Connect to rcFinished(), then call requestShowUI(). Use it in the thread of the event loop that receives the
  * channel's messages; the first instance() also makes the RecentCall_MsgClient of the process. Requests and messages
- * print debug lines: see QuietTrace.
+ * print debug lines: see platform/QuietTrace.h.
  *
  * The order of the virtual operations is part of the interface: a caller that loads the library at run time gets the
  * object from RC_CreateMsgInterface() and calls them through it, without any other symbol.

@@ -27,7 +27,7 @@ struct TopPals_Missed_Details
 /**
  * Announces a changed favourite to the owner of the activity log, and counts what is unread.
  *
- * Not guarded: use it from one thread.
+ * Not guarded: use it from one thread. Both operations print debug lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT RC_TopPals_AL_Interface
 {

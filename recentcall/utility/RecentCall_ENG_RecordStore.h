@@ -14,7 +14,7 @@
  * The files lie in "/phone" under the directory that the environment variable ZYN_LOCAL_APP_WRITE_PATH names, or under
  * "/tmp", as "rc_a", "rc_m" and "rc_d"; the variable is read at every operation. An add, a change or a removal is one
  * open, one write of 228 bytes in place and one close. Every operation that uses a file writes the file's path, without
- * a line end, to standard output: see QuietTrace.
+ * a line end, to standard output: see platform/QuietTrace.h.
  *
  * What the store knows of the files - the slots in use and the largest uid - comes from readDataList() alone: a process
  * that adds records must read the three lists first, or it overwrites calls. Only one process at a time may add and

@@ -18,6 +18,7 @@ inline constexpr char RECENTCALL_MESSAGE_MSG[] = "/KQ/MMS/RECENTCALL";
  *
  * The operations are static and need no object; an object listens on the channel for as long as it lives. Sending does
  * not wait: true means that the message was handed on, not that the screens run. Without a listener it is lost.
+ * Requests print debug lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT RecentCall_Msg : public QCopChannel
 {

@@ -20,7 +20,7 @@ enum OTHER_COMPONENT_SHOW_UI : int {
  *
  * Signals are emitted from the event loop of the thread that made the client. It keeps nothing from one message to the
  * next. Of a payload that ends early, the fields that are not there whole are 0 and null texts. Messages print debug
- * lines: see QuietTrace.
+ * lines: see platform/QuietTrace.h.
  */
 class ZYN_EXPORT RecentCall_MsgClient : public RecentCall_Msg
 {

@@ -11,7 +11,8 @@
  *
  * The list limits, the frequent-calls limit and the idle-Send view are read from the phone settings (group
  * "RECENTCALL_SET") when the object is made, and kept; everything else is read at each call. To be used from one
- * thread.
+ * thread. Making the object, a set that fails and questions about fixed dialing print debug lines: see
+ * platform/QuietTrace.h.
  */
 class ZYN_EXPORT RecentCall_Setup
 {
@@ -37,7 +38,7 @@ public:
     bool getTwoLineView();
 
     /// The switch `Feat_8998` of group "Fixed Dial" in "/setup/zyn_fixeddial.cfg" under ZYN_APP_WRITE_PATH; true when
-    /// it is not set. Prints the name of the file: see QuietTrace.
+    /// it is not set.
     bool isFixedDialFlexOn();
     /// Whether the fixed-dialing switch is on and the telephony API reports that fixed dialing is enabled.
     bool isFixedDialingAvailable();
