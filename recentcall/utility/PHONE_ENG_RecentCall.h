@@ -25,7 +25,7 @@ public:
     char phoneNumber[42];             ///< Latin-1, at most 41 characters and a NUL
     char reserved42[2];               ///< not interpreted
     int32_t startTime;                ///< seconds since 1970 UTC
-    int32_t duration;                 ///< as the caller supplies it
+    int32_t duration;                 ///< as the caller supplies it, here seconds
     uint8_t readFlags;                ///< kRead, kStrictRead
     char reserved53[3];               ///< not interpreted
     int32_t uid;                      ///< given by the store when the record is added

@@ -14,6 +14,9 @@
  * it is sent and answered; a service that accepts or sends nothing for 5 seconds counts as gone. Nothing is retried.
  *
  * Where an int is returned it is 0 on success, 1 when the service has no such record, and 3 for every other outcome.
+ *
+ * No request marks a call as read. The recent-call screens do that with the calls that they show (RC_MsgInterface), and
+ * `zynphone calls read` with any.
  */
 class ZYN_EXPORT RC_Interface
 {
@@ -35,6 +38,9 @@ public:
     /**
      * Fetches the calls of one call type from one list, or from all three, in the service's order: newest first.
      *
+     * One request fetches one type: for calls of all types, ask once for each, and sort what comes by the uid, the
+     * greatest of which is the newest call. Names are in the record behind an item: see RC_RecordInterface.
+     *
      * @param list      set to delete its items as soon as the service is there. On success its items are deleted and
      *                  new RC_RecordInterfaceImpl take their place; on any other result its items stay.
      * @param category  a list, or RC_CALL_CATEGORY_ALL for all three
@@ -44,7 +50,7 @@ public:
     int getRecordList(QPtrList<RC_RecordInterface>& list, RC_CALL_CATEGORY_T category, RC_CALL_TYPE_T callType);
 
     /// Sets @p number to the number dialed last, read from the file without the service. Without such a call it returns
-    /// false and leaves @p number as it is. Creates this process's RecentCall_ENG_RecordStore, which prints debug lines:
-    /// see platform/QuietTrace.h.
+    /// false and leaves @p number as it is. Creates this process's RecentCall_ENG_RecordStore, which prints debug
+    /// lines: see platform/QuietTrace.h.
     bool getLastDialedNumber(QString& number);
 };

@@ -17,6 +17,11 @@
  *
  * The order of the virtual operations is part of the interface: applications are built against it. The meaning of each
  * is that of the field of the same name in PHONE_ENG_RecentCall.
+ *
+ * There is none for the caller's name: it takes a cast to reach it. Every item of RC_Interface::getRecordList() is an
+ * RC_RecordInterfaceImpl, so a static_cast is safe there; for a record from elsewhere a dynamic_cast tells.
+ *
+ *     static_cast<const RC_RecordInterfaceImpl*>(call)->getData()->getDisplayName()
  */
 class ZYN_EXPORT RC_RecordInterface
 {
@@ -33,7 +38,7 @@ public:
     virtual void setStartDateTime(const QDateTime& start) = 0;
     /// When the call began, in local time.
     virtual QDateTime getStartDateTime() const = 0;
-    /// Stores how long the call took; @p duration is not interpreted.
+    /// Stores how long the call took; @p duration is not interpreted. The programs of this tree store seconds.
     virtual void setDuration(int duration) = 0;
     /// How long the call took, as it was stored.
     virtual int getDuration() const = 0;
@@ -41,7 +46,7 @@ public:
     virtual void setCompletedStatus(bool completed) = 0;
     /// Whether the call was completed.
     virtual bool getCompletedStatus() const = 0;
-    /// Whether the user has seen the call.
+    /// Whether the user has seen the call. There is no call to set it: see RC_Interface.
     virtual bool isRead() const = 0;
     /// The number by which the log knows the call once it has stored it; from 0 on.
     virtual int getUID() const = 0;
