@@ -1,8 +1,10 @@
 // The command line of a handset program.
 #include "handset/common/CommandLine.h"
 
+#include "handset/common/Completion.h"
 #include "handset/common/Log.h"
 #include "handset/common/Output.h"
+#include "handset/common/Suggestion.h"
 #include "platform/posix/UnixSocket_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -88,6 +90,13 @@ CommandLine::CommandLine(const QString& description, Output* output)
                                               "somebody must then read: the service waits for it."_s));
 }
 
+void CommandLine::add(const QCommandLineOption& option, const QStringList& words)
+{
+    m_parser.addOption(option);
+    m_options += option;
+    m_words.insert(option.names().constFirst(), words);
+}
+
 void CommandLine::addTime(const QString& name, const QString& text, std::optional<int> defaultValue)
 {
     const QString value = defaultValue ? QString::number(*defaultValue) : QString();
@@ -100,8 +109,12 @@ bool CommandLine::parse()
     const QCommandLineOption help({u"h"_s, u"help"_s}, u"Show this help."_s);
     add(help);
     const QCommandLineOption version = m_parser.addVersionOption();
-    if (!m_parser.parse(QCoreApplication::arguments()))
-        return usageError(m_parser.errorText());
+    m_options += version;
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == kCompleteWord)
+        completeAndExit(arguments.mid(2));
+    if (!m_parser.parse(arguments))
+        return usageError(parseError());
     if (m_parser.isSet(help))
         showAndExit(m_parser.helpText());
     if (m_parser.isSet(version))
@@ -114,12 +127,35 @@ bool CommandLine::parse()
     return true;
 }
 
-void CommandLine::showAndExit(const QString& text)
+QString CommandLine::parseError() const
+{
+    const QStringList unknown = m_parser.unknownOptionNames();
+    if (unknown.isEmpty())
+        return m_parser.errorText();
+    QStringList known;
+    for (const Candidate& option : candidatesOf(m_options))
+        known += option.text;
+    const QString word = (unknown.first().size() == 1 ? u"-"_s : u"--"_s) + unknown.first();
+    return u"unknown option '%1'"_s.arg(word) + suggestion(word, known);
+}
+
+void CommandLine::completeAndExit(const QStringList& words)
+{
+    const TypedWords typed(words);
+    const QString last = typed.before().isEmpty() ? QString() : typed.before().constLast();
+    const QCommandLineOption* const option = optionTyped(m_options, last);
+    if (!option || option->valueName().isEmpty())
+        showAndExit(typed.answer(candidatesOf(m_options)));
+    showAndExit(typed.answer(candidatesOf(m_words.value(option->names().constFirst()))),
+                isFile(option->valueName()) ? FilesToo : OnlyCandidates);
+}
+
+void CommandLine::showAndExit(const QString& text, int code)
 {
     std::optional<Output> own;
     Output& output = m_output ? *m_output : own.emplace();
     output.write(text);
-    std::exit(output.exitCode());
+    std::exit(output.isValid() ? code : output.exitCode());
 }
 
 bool CommandLine::hasTimes() const

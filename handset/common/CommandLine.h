@@ -3,6 +3,9 @@
 
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QList>
+#include <QtCore/QMap>
+#include <QtCore/QStringList>
 
 #include <chrono>
 #include <optional>
@@ -21,12 +24,13 @@ public:
     /// @param output  of a program that shows something; redirects the library's trace text
     explicit CommandLine(const QString& description, Output* output = nullptr);
 
-    void add(const QCommandLineOption& option) { m_parser.addOption(option); }
+    /// @param words  the fixed values of the option, for completion
+    void add(const QCommandLineOption& option, const QStringList& words = {});
     /// Adds an option in milliseconds, 1 or more. "%1" in its text stands for the default, if there is one.
     void addTime(const QString& name, const QString& text, std::optional<int> defaultValue = std::nullopt);
 
-    /// Parses the application's arguments; false if they are invalid, which is logged. Exits after --help and
-    /// --version.
+    /// Parses the application's arguments; false if they are invalid, which is logged. Exits after --help, --version
+    /// and a shell's question.
     bool parse();
 
     bool isSet(const QString& name) const { return m_parser.isSet(name); }
@@ -38,13 +42,18 @@ public:
     void announce(const QString& path) const;
 
 private:
-    [[noreturn]] void showAndExit(const QString& text);
+    [[noreturn]] void showAndExit(const QString& text, int code = 0);
+    /// Answers a shell that asks what may follow @p words.
+    [[noreturn]] void completeAndExit(const QStringList& words);
+    QString parseError() const;
     bool hasTimes() const;
     bool readReadyFd();
     void directTraces();
 
     Output* const m_output;
     QCommandLineParser m_parser;
+    QList<QCommandLineOption> m_options;
+    QMap<QString, QStringList> m_words; ///< fixed values, by an option's first name
     QStringList m_times;
     int m_readyFd = -1; ///< -1 without --ready-fd
 };

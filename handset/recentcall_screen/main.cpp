@@ -53,8 +53,10 @@ int main(int argc, char** argv)
     handset::Output& output = application.output;
 
     handset::CommandLine commandLine(handset::description(), &output);
-    commandLine.add(QCommandLineOption(
-        handset::kPick, u"Answer the number picker with the number of this row, or with none."_s, u"row|none"_s));
+    commandLine.add(QCommandLineOption(handset::kPick,
+                                       u"Answer the number picker with the number of this row, or with none."_s,
+                                       u"row|none"_s),
+                    {handset::kPickNone});
     if (!commandLine.parse())
         return handset::kUsageError;
     const std::optional<QString> answer = handset::unattendedAnswer(commandLine);

@@ -5,6 +5,7 @@
 #include "recentcall/utility/RC_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
 #include "tools/zynphone/RecordText.h"
@@ -133,6 +134,7 @@ Command addRow()
             .arguments = callArguments(),
             .options = callOptions(),
             .words = callWords(),
+            .sources = {{u"NUMBER"_s, callNumbers}},
             .run = addCall};
 }
 
@@ -144,6 +146,7 @@ Command readRow()
         .arguments = {{u"UID"_s, u"as 'calls list' shows it; when one is unknown, none is marked"_s, Argument::Many}},
         .options = {listOption()},
         .words = selectionWords(),
+        .sources = {{u"UID"_s, callUids}},
         .run = markCallsRead};
 }
 
@@ -154,6 +157,7 @@ Command deleteRow()
             .arguments = {{u"UID"_s, u"as 'calls list' shows it"_s}},
             .options = {listOption()},
             .words = selectionWords(),
+            .sources = {{u"UID"_s, callUids}},
             .run = deleteCall};
 }
 

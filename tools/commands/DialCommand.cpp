@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_VoiceCall.h"
@@ -110,6 +111,7 @@ Command dialCommand()
                         flagOption(u"direct"_s, u"dial the number unchanged (dial mode 1)"_s),
                         flagOption(u"prepend"_s, u"put the prefix in front (dial mode 2)"_s),
                         valueOption(u"mode"_s, u"N"_s, u"any dial mode; 0 by default"_s)},
+            .sources = {{u"NUMBER"_s, callNumbers}},
             .run = dial};
 }
 

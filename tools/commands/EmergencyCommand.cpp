@@ -5,6 +5,7 @@
 #include "platform/UTIL_PhoneStatus.h"
 #include "platform/posix/File_p.h"
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
 #include "utility/PHONE_EmergencyCall.h"
@@ -180,6 +181,7 @@ Command emergencyCommand()
     Command write{.name = u"write"_s,
                   .summary = u"Replace the list of emergency numbers, as the handset does"_s,
                   .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Many}},
+                  .sources = {{u"NUMBER"_s, callNumbers}},
                   .run = writeNumbers};
     return {.name = u"emergency"_s,
             .summary = u"Show whether a number is an emergency number, or what a text being typed may become"_s,
@@ -190,6 +192,7 @@ Command emergencyCommand()
             .verbs = {std::move(list), std::move(write)},
             .arguments = {{u"NUMBER"_s, callNumberMeaning(), Argument::Optional}},
             .options = {valueOption(u"typing"_s, u"TEXT"_s, u"the text, typed key by key"_s), jsonOption()},
+            .sources = {{u"NUMBER"_s, callNumbers}},
             .run = answer};
 }
 

@@ -5,6 +5,7 @@
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/FavouritesEdit.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
@@ -130,6 +131,7 @@ Command showRow()
                 fieldNames(activityColumns())),
             .arguments = {favouriteArgument()},
             .options = {jsonOption()},
+            .sources = {{u"NUMBER"_s, favouriteNumbers}},
             .run = showEntries};
 }
 
@@ -140,6 +142,7 @@ Command unreadRow()
             .details = u"\nThe object of --json has the fields %1.\n"_s.arg(fieldNames(kUnreadColumns)),
             .arguments = {favouriteArgument()},
             .options = {jsonOption()},
+            .sources = {{u"NUMBER"_s, favouriteNumbers}},
             .run = countUnread};
 }
 
@@ -153,6 +156,7 @@ Command announceRow()
             .options = {valueOption(u"name"_s, u"NAME"_s, u"of the contact"_s),
                         valueOption(u"image"_s, u"PATH"_s, u"of the contact's picture"_s),
                         valueOption(u"contact-id"_s, u"N"_s, u"in the address book; 0 by default"_s)},
+            .sources = {{u"OLD"_s, favouriteNumbers}, {u"NEW"_s, callNumbers}},
             .run = announce};
 }
 

@@ -5,6 +5,7 @@
 #include "recentcall/utility/store/ActivityLogFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/RecordText.h"
 #include "tools/zynphone/Text.h"
@@ -140,6 +141,7 @@ Command replaceFavouriteCommand()
             .summary = u"Replace a favourite by another, whose log begins empty"_s,
             .arguments = {{u"OLD"_s, u"the number of a favourite; '' when none is to leave"_s},
                           {u"NEW"_s, u"the number of the new one; '' when none is to come"_s}},
+            .sources = {{u"OLD"_s, favouriteNumbers}, {u"NEW"_s, callNumbers}},
             .run = replaceFavourite};
 }
 
@@ -156,6 +158,7 @@ Command logFavouriteCommand()
             .arguments = {favouriteArgument()},
             .options = QList{jsonOption()} + options + callOptions(),
             .words = callWords(),
+            .sources = {{u"NUMBER"_s, favouriteNumbers}},
             .run = logEntry};
 }
 
@@ -165,6 +168,7 @@ Command removeFavouriteCommand()
             .summary = u"Remove a favourite with its log, or one entry of its log"_s,
             .arguments = {favouriteArgument(),
                           {u"PLACE"_s, u"of the entry alone, as 'favourites show' shows it"_s, Argument::Optional}},
+            .sources = {{u"NUMBER"_s, favouriteNumbers}, {u"PLACE"_s, entryPlaces}},
             .run = remove};
 }
 

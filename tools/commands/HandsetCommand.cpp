@@ -30,12 +30,24 @@ ExitCode showStates(const Invocation& invocation, Console& console)
     return Done;
 }
 
-QStringList stateNames()
+handset::Candidates stateNames(const QStringList& /*arguments*/)
 {
-    QStringList names;
+    handset::Candidates names;
     for (const State& state : handset::kStates)
-        names += QLatin1String(state.name);
+        names += {QLatin1String(state.name), QLatin1String(state.meaning)};
     return names;
+}
+
+/// Values and further names take turns. Of a value, the present one.
+handset::Candidates namesAndValues(const QStringList& arguments)
+{
+    if (arguments.size() % 2 == 0)
+        return stateNames(arguments);
+    const auto state = std::ranges::find(handset::kStates, arguments.last(),
+                                         [](const State& each) { return QLatin1String(each.name); });
+    if (state == handset::kStates.end())
+        return {};
+    return {{QString::number(readState(*state)), QLatin1String(state->meaning)}};
 }
 
 struct Assignment
@@ -97,7 +109,7 @@ Command handsetCommand()
                 .details = u"\nThe states:\n%1"_s.arg(statesHelp()),
                 .arguments = {{u"NAME"_s, u"a state that 'zynphone handset show' lists"_s},
                               {u"VALUE"_s, u"a whole number; further names and values may follow"_s, Argument::Many}},
-                .words = {{u"NAME"_s, stateNames()}},
+                .sources = {{u"NAME"_s, stateNames}, {u"VALUE"_s, namesAndValues}},
                 .run = setStates};
     return {.name = u"handset"_s,
             .summary = u"The states of the stand-in handset"_s,

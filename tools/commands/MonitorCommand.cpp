@@ -5,6 +5,7 @@
 #include "platform/QCopChannel.h"
 #include "platform/qcop/ChannelOrigin_p.h"
 #include "tools/chart/LiveChart.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/Channels.h"
 #include "tools/recording/MessageFilter.h"
 #include "tools/recording/MessageOrder.h"
@@ -223,6 +224,7 @@ Command monitorCommand()
                                             flagOption(u"append"_s, u"add to the recording FILE, if there is one"_s),
                                             flagOption(u"force"_s, u"replace FILE, if there is one"_s)},
             .words = {{u"CHANNEL"_s, channelNames()}},
+            .sources = {{u"NAME"_s, messageWords}},
             .run = monitorChannels};
 }
 

@@ -6,6 +6,7 @@
 #include "platform/CommandFrame_p.h"
 #include "platform/Socket_Command.h"
 #include "platform/posix/UnixSocket_p.h"
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
@@ -177,16 +178,23 @@ ExitCode showCalls(const Invocation& invocation, Console& console)
     return Done;
 }
 
-QStringList eventWords()
+handset::Candidates events(const QStringList& /*arguments*/)
 {
-    QStringList words;
+    handset::Candidates found;
     for (const phonecontrol::LineEvent& event : phonecontrol::kLineEvents)
-        words += QLatin1String(event.name);
+        found += {QLatin1String(event.name), QLatin1String(event.meaning)};
     for (const PhoneMessage& message : phoneMessages()) {
-        if (message.isStatus() && !words.contains(QLatin1String(message.word)))
-            words += QLatin1String(message.word);
+        if (message.isStatus())
+            found += {QLatin1String(message.word), u"status message"_s};
     }
-    return words;
+    return found;
+}
+
+/// Who may call.
+handset::Candidates callers(const QStringList& arguments)
+{
+    const bool isNumber = arguments == QStringList{QLatin1String(phonecontrol::kIncoming.name)};
+    return isNumber ? callNumbers(arguments) : handset::Candidates();
 }
 
 QString eventDetails()
@@ -217,7 +225,7 @@ Command phoneCommand()
             .details = eventDetails(),
             .verbs = {std::move(calls)},
             .arguments = {{u"EVENT"_s, u"what happens"_s}, {u"VALUE"_s, u"the event's values"_s, Argument::Any}},
-            .words = {{u"EVENT"_s, eventWords()}},
+            .sources = {{u"EVENT"_s, events}, {u"VALUE"_s, callers}},
             .run = sayToPhone};
 }
 

@@ -2,6 +2,7 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Console.h"
 #include "utility/PHONE_Ptt.h"
@@ -59,6 +60,7 @@ Command pttCommand()
                        Argument::Many}},
         .options = {valueOption(u"value1"_s, u"N"_s, u"the request's first value; 0 by default"_s),
                     valueOption(u"value2"_s, u"N"_s, u"the request's second value; 0 by default"_s)},
+        .sources = {{u"NUMBER[=TEXT]"_s, callNumbers}},
         .run = startCall};
     Command drop{.name = u"drop"_s,
                  .summary = u"Ask the push-to-talk application to end the call"_s,

@@ -6,6 +6,7 @@
 #include "recentcall/utility/RC_MsgInterface.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/MessageSending.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
@@ -151,6 +152,7 @@ Command detailRow()
             .details = sendOnlyDetails(),
             .arguments = {kListArgument, {u"INDEX"_s, u"of the call in the list, newest first, from 0"_s}},
             .words = listWords(),
+            .sources = {{u"INDEX"_s, callIndices}},
             .run = showDetail};
 }
 

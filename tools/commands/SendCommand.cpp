@@ -6,6 +6,7 @@
 #include "handset/common/FieldWords.h"
 #include "platform/QCopChannel.h"
 #include "platform/qcop/ChannelDirectory_p.h"
+#include "tools/commands/Candidates.h"
 #include "tools/commands/Channels.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Console.h"
@@ -136,6 +137,7 @@ Command sendCommand()
                           {u"MESSAGE"_s, u"such as PHONE_MSG_13"_s},
                           {u"TYPE:VALUE"_s, u"a field of the payload"_s, Argument::Any}},
             .words = {{u"CHANNEL"_s, channelNames()}},
+            .sources = {{u"MESSAGE"_s, messageNames}},
             .run = send};
 }
 

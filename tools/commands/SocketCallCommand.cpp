@@ -4,6 +4,7 @@
 #include "handset/common/TerminationSignals.h"
 #include "platform/CommandFrame_p.h"
 #include "tools/commands/CallOptions.h"
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
@@ -240,6 +241,7 @@ Command javaCommand()
                  .arguments = {{u"NUMBER"_s, callNumberMeaning()}},
                  .options = {valueOption(u"value"_s, u"N"_s, u"the number in front of the call's; 0 by default"_s),
                              TimeLimit::option()},
+                 .sources = {{u"NUMBER"_s, callNumbers}},
                  .run = callFromJava};
     return {.name = u"java"_s, .summary = u"Calls of the Java runtime"_s, .verbs = {std::move(call)}};
 }

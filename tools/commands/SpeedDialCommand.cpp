@@ -1,6 +1,7 @@
 // zynphone speed-dial: the nine numbers of speed dial.
 #include "tools/commands/Commands.h"
 
+#include "tools/commands/Candidates.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/Table.h"
 #include "utility/PHONE_SpeedDial.h"
@@ -69,6 +70,16 @@ ExitCode showFirstFree(const Invocation& invocation, Console& console)
     return Done;
 }
 
+handset::Candidates indices(const QStringList& /*arguments*/)
+{
+    QStringList numbers;
+    PHONE_SpeedDial().getTurboDialingList(numbers);
+    handset::Candidates found;
+    for (const QString& number : numbers)
+        found += {QString::number(kFirstIndex + found.size()), number.isEmpty() ? u"free"_s : number};
+    return found;
+}
+
 Argument indexArgument()
 {
     return {u"INDEX"_s, u"%1 to %2"_s.arg(kFirstIndex).arg(kLastIndex)};
@@ -88,10 +99,12 @@ Command speedDialCommand()
                 .details = u"\nThe object of --json has the fields index and number.\n"_s,
                 .arguments = {indexArgument()},
                 .options = {jsonOption()},
+                .sources = {{u"INDEX"_s, indices}},
                 .run = showEntry};
     Command set{.name = u"set"_s,
                 .summary = u"Set the number of an entry"_s,
                 .arguments = {indexArgument(), {u"NUMBER"_s, u"any text; '' frees the entry"_s}},
+                .sources = {{u"INDEX"_s, indices}, {u"NUMBER"_s, callNumbers}},
                 .run = setEntry};
     Command firstFree{.name = u"first-free"_s,
                       .summary = u"Show the lowest index whose entry is free"_s,

@@ -3,13 +3,12 @@
 
 #include "handset/common/Text.h"
 #include "handset/recent_calls/RecentCalls.h"
-#include "platform/posix/File_p.h"
 #include "recentcall/utility/ActivityLog_ENG_RecordStore.h"
 #include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "recentcall/utility/store/RecordFile_p.h"
 #include "recentcall/utility/store/StoreFile_p.h"
+#include "tools/store/StoredCalls.h"
 #include "tools/zynphone/BlockText.h"
 #include "tools/zynphone/RecordText.h"
 #include "tools/zynphone/Text.h"
@@ -69,21 +68,6 @@ QString nameOf(const QCString& message)
 }
 
 using Call = PHONE_ENG_RecentCall;
-
-/// The calls in the file of @p list, none if it is missing; nothing if it is damaged or cannot be read.
-std::optional<std::vector<Call>> callsIn(RC_CALL_CATEGORY_T list)
-{
-    const QByteArray path = storeDirectoryPath() + recordFileName(list);
-    const auto image = posix::readWhole(path, RecordFile::size());
-    if (!image && !posix::fileId(path))
-        return std::vector<Call>();
-    if (!image || !RecordFile::isValid(*image))
-        return std::nullopt;
-    std::vector<Call> calls;
-    for (const int slot : RecordFile::usedSlots(*image))
-        calls.push_back(RecordFile::at(*image, slot));
-    return calls;
-}
 
 QString partyText(const QString& number, const QString& name)
 {
@@ -259,7 +243,7 @@ void CallSource::refresh()
     bool isWhole = true;
     for (const RC_CALL_CATEGORY_T list :
          {RC_CALL_CATEGORY_MISSED, RC_CALL_CATEGORY_ANSWERED, RC_CALL_CATEGORY_DIALED}) {
-        std::optional<std::vector<Call>> calls = callsIn(list);
+        std::optional<std::vector<Call>> calls = storedCalls(list);
         if (list == RC_CALL_CATEGORY_MISSED)
             showMissed(calls);
         isWhole = isWhole && calls;

@@ -1,6 +1,7 @@
 // The verbs of the tool: the rows of the verb table, and how they are found and run.
 #pragma once
 
+#include "handset/common/Completion.h"
 #include "tools/zynphone/ExitCode.h"
 
 #include <QtCore/QCommandLineOption>
@@ -61,6 +62,10 @@ private:
     QCommandLineParser m_parser;
 };
 
+/// Tells what an argument or an option's value may be at this moment, behind the @p arguments of the verb: quickly, in
+/// silence, and without a change of anything.
+using CandidateSource = handset::Candidates (*)(const QStringList& arguments);
+
 /// A verb: a group of verbs, a command that runs, or both, in which case the first word may name a verb of the group.
 /// All levels of help are made from these rows.
 struct Command
@@ -74,6 +79,8 @@ struct Command
     QList<QCommandLineOption> options = {};
     /// Fixed words for arguments and option values, by their names in the help.
     QMap<QString, QStringList> words = {};
+    /// The same for words that are known only when somebody asks.
+    QMap<QString, CandidateSource> sources = {};
     ExitCode (*run)(const Invocation&, Console&) = nullptr; ///< null for a mere group
 };
 

@@ -5,10 +5,10 @@
 
 #include <algorithm>
 
-using namespace Qt::StringLiterals;
-
 namespace zyn::tool {
 namespace {
+
+using handset::Candidates;
 
 /// Follows the words before the one to complete.
 class Cursor
@@ -22,91 +22,79 @@ public:
     {
         if (!m_valueName.isEmpty())
             m_valueName.clear();
-        else if (isOption(word))
-            m_valueName = word.contains(u'=') ? QString() : valueName(word);
+        else if (handset::looksLikeOption(word))
+            passOption(word);
         else
             passArgument(word);
     }
 
-    QStringList candidates(const QString& beginning) const
+    /// The name of what is next, as the help shows it; null if nothing is.
+    QString nextName() const
     {
         if (!m_valueName.isEmpty())
-            return m_command->words.value(m_valueName);
-        return isOption(beginning) ? options() : argumentWords();
+            return m_valueName;
+        const std::vector<Argument>& arguments = m_command->arguments;
+        if (m_arguments.size() < std::ssize(arguments))
+            return arguments[static_cast<size_t>(m_arguments.size())].name;
+        return !arguments.empty() && arguments.back().isRepeatable() ? arguments.back().name : QString();
+    }
+
+    bool isAtOption(const QString& beginning) const
+    {
+        return m_valueName.isEmpty() && handset::looksLikeOption(beginning);
+    }
+
+    Candidates candidates(const QString& beginning) const
+    {
+        if (isAtOption(beginning))
+            return handset::candidatesOf(allOptions());
+        Candidates found;
+        if (m_valueName.isEmpty() && m_arguments.isEmpty()) {
+            for (const Command& verb : m_command->verbs)
+                found += {verb.name, verb.summary};
+        }
+        const QString name = nextName();
+        found += handset::candidatesOf(m_command->words.value(name));
+        if (const CandidateSource source = m_command->sources.value(name))
+            found += source(m_arguments);
+        return found;
     }
 
 private:
-    static bool isOption(const QString& word) { return word.startsWith(u'-'); }
     QList<QCommandLineOption> allOptions() const { return m_command->options + commonOptions(); }
 
-    /// The name of the value of the option @p word; null if it takes none.
-    QString valueName(const QString& word) const
+    void passOption(const QString& word)
     {
-        const QString name = word.mid(word.startsWith("--"_L1) ? 2 : 1);
-        for (const QCommandLineOption& option : allOptions()) {
-            if (option.names().contains(name))
-                return option.valueName();
-        }
-        return {};
+        const QList<QCommandLineOption> options = allOptions();
+        const QCommandLineOption* const option = handset::optionTyped(options, word);
+        m_valueName = option ? option->valueName() : QString();
     }
 
     void passArgument(const QString& word)
     {
         const auto verb = std::ranges::find(m_command->verbs, word, &Command::name);
-        if (m_arguments == 0 && verb != m_command->verbs.end())
+        if (m_arguments.isEmpty() && verb != m_command->verbs.end())
             m_command = &*verb;
         else
-            ++m_arguments;
-    }
-
-    QStringList options() const
-    {
-        QStringList names;
-        for (const QCommandLineOption& option : allOptions())
-            names += u"--"_s + option.names().constFirst();
-        return names;
-    }
-
-    /// Verbs, and the fixed words of the next argument.
-    QStringList argumentWords() const
-    {
-        QStringList words;
-        for (const Command& verb : m_command->verbs) {
-            if (m_arguments == 0)
-                words += verb.name;
-        }
-        const std::vector<Argument>& arguments = m_command->arguments;
-        if (m_arguments < arguments.size())
-            words += m_command->words.value(arguments[m_arguments].name);
-        else if (!arguments.empty() && arguments.back().isRepeatable())
-            words += m_command->words.value(arguments.back().name);
-        return words;
+            m_arguments += word;
     }
 
     const Command* m_command;
-    size_t m_arguments = 0;
+    QStringList m_arguments;
     QString m_valueName; ///< set if the next word is an option's value
 };
 
 } // namespace
 
-QString completions(const Command& tool, const QStringList& words)
+Completion completions(const Command& tool, const QStringList& words)
 {
-    // The shell splits "--option=value" at the sign.
-    QStringList before = words;
-    QString beginning = before.isEmpty() ? QString() : before.takeLast();
-    before.removeAll(u"="_s);
-    if (beginning == "="_L1)
-        beginning.clear();
+    const handset::TypedWords typed(words);
     Cursor cursor(tool);
-    for (const QString& word : before)
+    for (const QString& word : typed.before())
         cursor.pass(word);
-    QString lines;
-    for (const QString& candidate : cursor.candidates(beginning)) {
-        if (candidate.startsWith(beginning))
-            lines += candidate + u'\n';
-    }
-    return lines;
+    const bool takesFiles = !cursor.isAtOption(typed.beginning()) && handset::isFile(cursor.nextName());
+    return {typed.answer(cursor.candidates(typed.beginning())),
+            takesFiles ? handset::FilesToo : handset::OnlyCandidates};
 }
 
 } // namespace zyn::tool

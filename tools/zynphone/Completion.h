@@ -1,6 +1,8 @@
 // Shell completion.
 #pragma once
 
+#include "handset/common/Completion.h"
+
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -8,11 +10,15 @@ namespace zyn::tool {
 
 struct Command;
 
-/// The hidden verb that the shell calls with the words of a command line.
-inline constexpr QLatin1String kCompleteVerb("__complete");
+/// What a shell is told.
+struct Completion
+{
+    QString text;
+    handset::CompletionCode code;
+};
 
-/// The completions of the last of @p words, which follow the name of @p tool, one per line: verbs, options and fixed
-/// words.
-QString completions(const Command& tool, const QStringList& words);
+/// The completions of the last of @p words, which follow the name of @p tool, one per line: verbs, options, fixed words
+/// and what is known at this moment.
+Completion completions(const Command& tool, const QStringList& words);
 
 } // namespace zyn::tool

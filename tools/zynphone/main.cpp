@@ -47,11 +47,12 @@ ExitCode run(const QStringList& words)
 {
     Console console;
     const Command tool = zynphoneCommand();
-    ExitCode code = Done;
-    if (words.value(0) == kCompleteVerb)
-        console.write(completions(tool, words.mid(1)));
-    else
-        code = runCommand(tool, tool.name, words, console);
+    if (words.value(0) == handset::kCompleteWord) {
+        const Completion completion = completions(tool, words.mid(1));
+        console.write(completion.text);
+        return completion.code == handset::FilesToo ? Failed : Done;
+    }
+    const ExitCode code = runCommand(tool, tool.name, words, console);
     if (console.isValid())
         return code;
     console.writeError(u"zynphone: cannot write to standard output: "_s + console.errorString());
