@@ -2,6 +2,7 @@
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
 #include "platform/posix/UnixSocket_p.h"
+#include "tests/support/OtherUser.h"
 #include "tests/support/Process.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/support/Timeout.h"
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void cleanup();
     void isMadeAgainUnlessItIsAnothers_data();
     void isMadeAgainUnlessItIsAnothers();
+    void replacesWhatAnotherUserPuts();
 
 private:
     QString lock() const { return m_socket + u".lock"_s; }
@@ -118,6 +120,25 @@ void tst_ServiceSocket::isMadeAgainUnlessItIsAnothers()
     const QByteArray made = ": " + m_socket.toLatin1() + " or its lock was removed: recreated\n";
     QVERIFY(m_service->log().contains(made));
     QVERIFY(!QFile::exists(m_socket) && !QFile::exists(lock()));
+}
+
+void tst_ServiceSocket::replacesWhatAnotherUserPuts()
+{
+    m_socket = QString::fromLatin1(kServices[0].socket);
+    m_service.emplace();
+    // In the place of its directory, and twice what cannot be removed, but only be put aside.
+    QVERIFY(QFile(directory()).open(QIODevice::WriteOnly));
+    if (!otheruser::give(directory()))
+        QSKIP("only root can act as another user");
+    QVERIFY(m_service->start(kServices[0].program));
+    for (int i = 0; i < 2; ++i) {
+        m_service->tell(SIGSTOP);
+        QVERIFY(remove(u"socket and lock"_s));
+        for (const QString& name : {m_socket, lock()})
+            QVERIFY(QDir().mkpath(name + u"/full"_s) && otheruser::give(name));
+        m_service->tell(SIGCONT);
+        QTRY_VERIFY(isServed() && isLocked());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_ServiceSocket)

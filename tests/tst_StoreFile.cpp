@@ -2,6 +2,7 @@
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
 #include "platform/posix/FileLock_p.h"
+#include "platform/posix/PathAt_p.h"
 #include "platform/posix/StagedFile_p.h"
 #include "support/ActivityLogFixture.h"
 #include "support/OtherUser.h"
@@ -255,6 +256,49 @@ private Q_SLOTS:
             QCOMPARE(m_fixture->read(u"precious"_s), "precious");
             QCOMPARE(m_fixture->files(), u"555 precious"_s);
         }
+    }
+
+    void keepsToItsUserWhatItMakes()
+    {
+        const mode_t mask = ::umask(0);
+        QVERIFY(QDir(m_fixture->file(u""_s)).removeRecursively());
+        zyn::makeStoreDirectory();
+        writeSetting(*m_fixture, m_fixture->file(u"../setup/some.cfg"_s), true);
+        ::umask(mask);
+        for (const QString& directory : {u""_s, u"../setup"_s})
+            QCOMPARE(otheruser::ownership(m_fixture->file(directory)).section(u' ', 2), u"40700"_s);
+        // The name of an open directory may be a link to any file of ours.
+        m_fixture->write(u"precious"_s, "precious");
+        const QString before = otheruser::ownership(m_fixture->file(u"precious"_s));
+        QVERIFY(!zyn::posix::setDirectoryMode(QFile::encodeName(m_fixture->file(u"precious"_s)), 0777));
+        QCOMPARE(otheruser::ownership(m_fixture->file(u"precious"_s)), before);
+    }
+
+    void writesNothingInADirectoryThatAnotherUserPlanted()
+    {
+        const QByteArray planted = freshList();
+        m_fixture->write(kAnswered, planted);
+        const QString numbers = m_fixture->file(u"../numbers"_s);
+        m_fixture->write(u"../numbers"_s, "");
+        for (const QString& what : {list(), m_fixture->file(u""_s), numbers}) {
+            if (!otheruser::give(what))
+                QSKIP("only root can act as another user");
+        }
+        const QByteArray parent = QFile::encodeName(m_fixture->path());
+        const QByteArray directory = QFile::encodeName(m_fixture->file(u""_s)).chopped(1);
+        QVERIFY(!zyn::posix::isTakenByOthers(directory)); // root has put it there for that user
+        ::chmod(parent.constData(), 01777);
+        QVERIFY(inAnotherProcess([&] {
+            ActivityLogLock lock;
+            return zyn::isStoreOthers() && !createList(m_fixture->file(RC_CALL_CATEGORY_MISSED))
+                   && !zyn::openStoreFile(QFile::encodeName(list())).isValid() && !lock.lock()
+                   && lock.problem().endsWith(u": another user has made its directory"_s);
+        }));
+        QCOMPARE(m_fixture->read(kAnswered), planted);
+        // What is written there does not become his.
+        QVERIFY(writeNumbers(*m_fixture, numbers, true));
+        QCOMPARE(otheruser::ownership(numbers).section(u' ', 0, 0), QString::number(::geteuid()));
+        ::chmod(parent.constData(), 0755);
     }
 
     void isNotFooledByWhoSwapsLinks()

@@ -15,7 +15,7 @@ QString socketDirectory(const char* directory)
 {
     constexpr mode_t kOpenToAll = 0777;
     posix::makeDirectory(directory, kOpenToAll);
-    posix::setMode(directory, kOpenToAll);
+    posix::setDirectoryMode(directory, kOpenToAll);
     return QLatin1String(directory) + QLatin1Char('/');
 }
 

@@ -42,7 +42,7 @@ void makeDirectoryOf(const QString& path)
 {
     const QByteArray directory = QFile::encodeName(QFileInfo(path).path());
     if (posix::makeDirectory(directory, kOpenToAll))
-        posix::setMode(directory, kOpenToAll);
+        posix::setDirectoryMode(directory, kOpenToAll);
 }
 
 QString userText(uid_t user)
@@ -56,6 +56,16 @@ void replaceForeign(const QByteArray& path)
     const std::optional<uid_t> owner = posix::ownerOf(path);
     if (owner && posix::clearOfOthers(path))
         log(u"%1 was user %2's: replaced"_s.arg(QDir::cleanPath(QFile::decodeName(path)), userText(*owner)));
+}
+
+/// Removes what another user has put in the place of the directory of @p path. His directory is as good as any.
+void clearDirectoryOf(const QString& path)
+{
+    const QString directory = QFileInfo(QDir::cleanPath(path)).path();
+    if (!QFileInfo(directory).isSymLink() && QFileInfo(directory).isDir())
+        return;
+    replaceForeign(QFile::encodeName(directory));
+    makeDirectoryOf(path);
 }
 
 /// Why the socket at @p path is not available.
@@ -134,6 +144,7 @@ bool ServiceSocket::lock()
 /// Makes this process the only one that may listen.
 bool ServiceSocket::claim()
 {
+    clearDirectoryOf(m_path);
     if (!lock())
         return false;
     const QByteArray path = QFile::encodeName(m_path);

@@ -69,6 +69,8 @@ ActivityLogLock::ActivityLogLock(const QString& directory)
 
 bool ActivityLogLock::lock()
 {
+    if (isStoreOthers())
+        return false;
     const bool isLocked = m_lock.lock(QFile::encodeName(m_path));
     m_isOwned = !isLocked && errno == EWOULDBLOCK;
     if (isLocked)
@@ -78,6 +80,8 @@ bool ActivityLogLock::lock()
 
 QString ActivityLogLock::problem() const
 {
+    if (isStoreOthers())
+        return u"cannot make %1: another user has made its directory"_s.arg(m_path);
     if (!m_isOwned)
         return u"cannot make %1"_s.arg(m_path);
     const std::optional<posix::LockHolder> holder = posix::readLockHolder(QFile::encodeName(m_path));

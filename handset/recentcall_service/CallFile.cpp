@@ -39,7 +39,7 @@ CallFile::Found CallFile::open()
 {
     const QByteArray last = m_image;
     State state = readComplete();
-    const bool isReplaceable = state != State::Valid && state != State::Unreadable;
+    const bool isReplaceable = state != State::Valid && state != State::Unreadable && state != State::Others;
     if (isReplaceable) {
         makeStoreDirectory();
         RecordFile::create(path());
@@ -121,6 +121,8 @@ QByteArray CallFile::path() const
 CallFile::State CallFile::read()
 {
     close();
+    if (isStoreOthers())
+        return State::Others;
     m_fd = posix::openTrusted(path(), posix::Access::Change);
     if (!m_fd.isValid() && errno == ENOENT)
         return State::Missing;
@@ -161,6 +163,7 @@ void CallFile::report(State state)
     if (std::exchange(m_isGivenUp, true))
         return;
     const QString why = state == State::Missing      ? u"it is missing and cannot be made"_s
+                        : state == State::Others     ? u"another user has made its directory"_s
                         : state == State::Unreadable ? u"it cannot be read, or is not a file"_s
                                                      : u"it is damaged and cannot be replaced"_s;
     log(u"list %1 is skipped because of its file %2: %3"_s.arg(m_list).arg(QFile::decodeName(path()), why));

@@ -51,7 +51,7 @@ public:
     bool holds(const PHONE_ENG_RecentCall& call) const;
 
 private:
-    enum class State { Valid, Missing, Short, Damaged, Unreadable };
+    enum class State { Valid, Missing, Short, Damaged, Unreadable, Others };
 
     QByteArray path() const;
     State read();

@@ -21,7 +21,6 @@ namespace {
 constexpr mode_t kOwnerOnly = 0700;
 constexpr mode_t kEverybodyElse = 0077;
 constexpr mode_t kPermissions = 07777;
-constexpr mode_t kNewDirectoryMode = 0777; // less the process's umask
 
 struct CloseDirectory
 {
@@ -41,13 +40,6 @@ mode_t formatOf(EntryType type)
     return 0;
 }
 
-/// The directory in which @p path is.
-QByteArray parentOf(const QByteArray& path)
-{
-    const qsizetype end = path.lastIndexOf('/');
-    return end < 0 ? QByteArray(".") : path.first(std::max<qsizetype>(end, 1));
-}
-
 bool isOfFormat(int directory, const dirent& entry, mode_t format)
 {
     // Most file systems give the type with the name, which spares a system call for each of thousands.
@@ -58,6 +50,12 @@ bool isOfFormat(int directory, const dirent& entry, mode_t format)
 }
 
 } // namespace
+
+QByteArray parentOf(const QByteArray& path)
+{
+    const qsizetype end = path.lastIndexOf('/');
+    return end < 0 ? QByteArray(".") : path.first(std::max<qsizetype>(end, 1));
+}
 
 UniqueFd openPrivateDirectory(const QByteArray& path)
 {
@@ -96,7 +94,7 @@ bool makeDirectories(const QByteArray& path)
     if (isDirectory(path))
         return true;
     const QByteArray parent = parentOf(path);
-    return parent != path && makeDirectories(parent) && (makeDirectory(path, kNewDirectoryMode) || isDirectory(path))
+    return parent != path && makeDirectories(parent) && (makeDirectory(path, kOwnerOnly) || isDirectory(path))
            && sync(openForReading(parent).get());
 }
 

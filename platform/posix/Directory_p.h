@@ -24,7 +24,10 @@ UniqueFd makePrivateDirectory(const QByteArray& path);
 UniqueFd makePrivateDirectory(int parent, const QByteArray& name);
 /// @}
 
-/// Makes the directory @p path, and those above it, on disk; true also when it is there.
+/// The directory in which @p path is.
+QByteArray parentOf(const QByteArray& path);
+
+/// Makes the directory @p path, and those above it, on disk, for this user alone; true also when it is there.
 bool makeDirectories(const QByteArray& path);
 
 enum class EntryType { Directory, File, Socket };

@@ -1,6 +1,10 @@
 // Paths that only this user and root can lead elsewhere.
 #include "platform/posix/PathAt_p.h"
 
+#include "platform/posix/Directory_p.h"
+
+#include <QtCore/QRandomGenerator>
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -110,7 +114,8 @@ bool clearOfOthers(const QByteArray& path)
     };
     if (!isOfOthers(path))
         return false;
-    const QByteArray aside = path + ".away." + QByteArray::number(::getpid());
+    // A name that nobody can have taken before, not even with what was put aside earlier.
+    const QByteArray aside = path + ".away." + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
     if (::renameat2(AT_FDCWD, path.constData(), AT_FDCWD, aside.constData(), RENAME_NOREPLACE) != 0)
         return false;
     // Another process may have put its own there in between.
@@ -121,6 +126,15 @@ bool clearOfOthers(const QByteArray& path)
     if (::unlink(aside.constData()) != 0)
         ::rmdir(aside.constData());
     return true;
+}
+
+bool isTakenByOthers(const QByteArray& path)
+{
+    const std::optional<uid_t> owner = ownerOf(path);
+    if (!owner || isTrustedUser(*owner))
+        return false;
+    struct stat status = {};
+    return ::stat(parentOf(path).constData(), &status) == 0 && (status.st_mode & S_IWOTH) != 0;
 }
 
 std::optional<PathAt> resolve(const QByteArray& path, LastLink last)
@@ -185,9 +199,11 @@ bool isDirectory(const QByteArray& path)
     return openTrustedWith(path, O_PATH | O_DIRECTORY).isValid();
 }
 
-bool setMode(const QByteArray& path, mode_t mode)
+bool setDirectoryMode(const QByteArray& path, mode_t mode)
 {
-    return ::fchmodat(AT_FDCWD, path.constData(), mode, AT_SYMLINK_NOFOLLOW) == 0;
+    // In a directory that is open to all, the name may be a second one of any file of ours.
+    const UniqueFd directory(::open(path.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    return directory.isValid() && ::chmod(pathThrough(directory.get()).constData(), mode) == 0;
 }
 
 bool removeFile(const QByteArray& path)

@@ -27,6 +27,10 @@ std::optional<uid_t> ownerOf(const QByteArray& path);
 /// instead. Whether the name was cleared.
 bool clearOfOthers(const QByteArray& path);
 
+/// Whether somebody else, neither this user nor root, has made @p path in a directory where everybody may make files,
+/// such as /tmp: perhaps because we would look there. The name itself counts, not where a link leads.
+bool isTakenByOthers(const QByteArray& path);
+
 /// Where a file is or would be: its directory, open, and its name there. What happens to the path later changes
 /// nothing.
 struct PathAt
@@ -64,8 +68,8 @@ bool isDirectory(const QByteArray& path);
 /// Makes the directory @p path in one that exists; false when it cannot be made, also as something has its name.
 bool makeDirectory(const QByteArray& path, mode_t mode);
 
-/// Gives the file @p path, but not what a link leads to, the permissions @p mode.
-bool setMode(const QByteArray& path, mode_t mode);
+/// Gives the directory @p path, but nothing else of that name, the permissions @p mode.
+bool setDirectoryMode(const QByteArray& path, mode_t mode);
 
 /// Removes the file or the link @p path.
 bool removeFile(const QByteArray& path);

@@ -153,7 +153,7 @@ bool replaceFile(const PathAt& path, const QByteArray& contents)
     StagedFile staged(path);
     if (!staged.isValid())
         return false;
-    if (isThere)
+    if (isThere && !isTakenByOthers(pathThrough(parent, path.name)))
         staged.copyOwnership(old.get());
     return writeWhole(staged.fd(), contents) && staged.moveOver() && (!directory.isValid() || sync(directory.get()));
 }

@@ -51,6 +51,12 @@ QByteArray cleanPath(const QByteArray& path)
     return QFile::encodeName(QDir::cleanPath(QFile::decodeName(path)));
 }
 
+/// The root of a user who has no directory for such things: a name that anybody may take first.
+QByteArray sharedRoot()
+{
+    return "/tmp/zynqcop-" + QByteArray::number(posix::currentUser());
+}
+
 } // namespace
 
 ChannelEnvironment ChannelEnvironment::current()
@@ -68,7 +74,7 @@ QByteArray ChannelEnvironment::root() const
         const bool isUsable = path.startsWith('/') && posix::openPrivateDirectory(path).isValid();
         return isUsable ? path + "/zynqcop" : QByteArray();
     }
-    return "/tmp/zynqcop-" + QByteArray::number(posix::currentUser());
+    return sharedRoot();
 }
 
 ChannelDirectory::ChannelDirectory(posix::UniqueFd root, QByteArray name)
@@ -106,7 +112,11 @@ std::optional<ChannelDirectory> ChannelDirectory::make(const QByteArray& root, c
 
 posix::UniqueFd ChannelDirectory::makeRoot(const QByteArray& root)
 {
-    return posix::makePrivateDirectory(root);
+    posix::UniqueFd fd = posix::makePrivateDirectory(root);
+    // Only root can clear it.
+    if (!fd.isValid() && root == sharedRoot() && posix::clearOfOthers(root))
+        fd = posix::makePrivateDirectory(root);
+    return fd;
 }
 
 QList<QByteArray> ChannelDirectory::channels(const QByteArray& root)

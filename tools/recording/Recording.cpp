@@ -330,7 +330,10 @@ RecordingWriter::RecordingWriter(const QString& path, Existing existing)
     const QIODevice::OpenMode mode = !isNew                          ? QIODevice::Append
                                      : existing == Existing::Replace ? QIODevice::Truncate
                                                                      : QIODevice::NewOnly;
-    const bool isOpen = m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode) || fail();
+    // It has numbers and names of calls: a new one is the user's alone.
+    const bool isOpen = m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode,
+                                    QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+                        || fail();
     if (!isOpen)
         throw failure(m_error);
     if ((isNew || isOlder) && !writeLine(recordingHeader() + '\n')) {

@@ -136,8 +136,23 @@ QString storePath(const QString& name)
 
 void makeStoreDirectory()
 {
-    constexpr mode_t kDirectoryMode = 0777; // less the process's umask
-    posix::makeDirectory(storeDirectoryPath(), kDirectoryMode);
+    constexpr mode_t kOwnerOnly = 0700;
+    posix::makeDirectory(storeDirectoryPath(), kOwnerOnly);
+}
+
+bool isStoreOthers()
+{
+    // Nobody else can take a directory of ours from its place in /tmp: one look is enough, and spares each operation a
+    // system call. The hash, and no text, so that it outlives static objects.
+    thread_local size_t ownPath = 0;
+    const QByteArray path = storeDirectoryPath();
+    const size_t hash = qHash(path) | 1;
+    if (ownPath == hash)
+        return false;
+    const bool isOthers = posix::isTakenByOthers(path);
+    if (!isOthers && posix::ownerOf(path))
+        ownPath = hash;
+    return isOthers;
 }
 
 bool isStoreFile(const QByteArray& path, qint64 size)
@@ -148,6 +163,8 @@ bool isStoreFile(const QByteArray& path, qint64 size)
 
 posix::UniqueFd openStoreFile(const QByteArray& path, posix::Access access)
 {
+    if (access == posix::Access::Change && isStoreOthers())
+        return {};
     posix::UniqueFd fd = posix::openTrusted(path, access);
     if (!fd.isValid())
         makeStoreDirectory();
@@ -171,7 +188,7 @@ std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size)
 
 CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
-    const std::optional<posix::PathAt> place = posix::resolve(path);
+    const std::optional<posix::PathAt> place = isStoreOthers() ? std::nullopt : posix::resolve(path);
     if (!place)
         return CreateResult::CannotOpen;
     posix::StagedFile staged(*place);

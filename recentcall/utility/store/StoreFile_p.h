@@ -66,8 +66,12 @@ QByteArray storeFilePath(QByteArrayView name);
 /// The path of the file @p name in the store directory.
 QString storePath(const QString& name);
 
-/// Creates the store directory (one level) unless it exists.
+/// Creates the store directory (one level), for this user alone, unless it exists.
 void makeStoreDirectory();
+
+/// Whether another user has made the store directory where everybody may make files. Nothing is written there: its
+/// owner could read it, and change what we believe.
+bool isStoreOthers();
 
 // A store file may be a link of this user's or of root's to a file elsewhere. Other links are not followed.
 
