@@ -88,6 +88,8 @@ void readWhatIsPointedTo(PHONE_MsgClient& client)
 /// The clients of the channels, which live as long as the process.
 struct Clients
 {
+    Clients(const Clients&) = delete;
+    Clients& operator=(const Clients&) = delete;
     Clients()
         : phone(new PHONE_MsgClient)
         , calls(new PHONE_VoiceCallReceiver)
