@@ -175,7 +175,7 @@ public:
         m_process.setWorkingDirectory(u"/"_s);
         m_process.setChildProcessModifier([owner = place.owner] {
             become(owner);
-            ::umask(022);
+            ::umask(077); // as their units have it
         });
         m_process.start(program, arguments);
     }

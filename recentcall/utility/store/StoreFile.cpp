@@ -136,8 +136,8 @@ QString storePath(const QString& name)
 
 void makeStoreDirectory()
 {
-    constexpr mode_t kOwnerOnly = 0700;
-    posix::makeDirectory(storeDirectoryPath(), kOwnerOnly);
+    constexpr mode_t kDirectoryMode = 0777; // less the process's umask
+    posix::makeDirectory(storeDirectoryPath(), kDirectoryMode);
 }
 
 bool isStoreOthers()

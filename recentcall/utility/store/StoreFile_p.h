@@ -66,7 +66,7 @@ QByteArray storeFilePath(QByteArrayView name);
 /// The path of the file @p name in the store directory.
 QString storePath(const QString& name);
 
-/// Creates the store directory (one level), for this user alone, unless it exists.
+/// Creates the store directory (one level) unless it exists, for those whom the umask lets in.
 void makeStoreDirectory();
 
 /// Whether another user has made the store directory where everybody may make files. Nothing is written there: its
