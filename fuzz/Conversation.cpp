@@ -132,7 +132,7 @@ private:
     void send(Input& input)
     {
         constexpr int kMostMessages = 500;
-        constexpr int kSizeUnit = 64;
+        constexpr qsizetype kSizeUnit = 64;
         const int sender = input.below(kSenders);
         const int channel = input.below(kChannels);
         const QByteArray name = QByteArray::number(sender);

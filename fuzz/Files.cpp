@@ -220,7 +220,7 @@ QList<QByteArray> emergencySeeds()
                 + QByteArray(42, '1'),
             "\x03"
             "112"
-                + QByteArray(200 * 42, '\0') + records};
+                + QByteArray(qsizetype{200} * 42, '\0') + records};
 }
 
 /// A settings file, read and changed.

@@ -92,9 +92,7 @@ std::vector<Command> answersTo(QByteArrayView bytes, Make make)
     bool isOver = false;
     QObject::connect(connection.get(), &handset::CommandConnection::finished, [&] { isOver = true; });
     QByteArray answers;
-    int turns = 0;
-    while (!isOver) {
-        require(++turns < kMostTurns, "a connection ends when its client has closed");
+    for (int turn = 0; turn < kMostTurns && !isOver; ++turn) {
         const ssize_t sent = ::send(client.get(), bytes.data(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
         if (sent > 0)
             bytes = bytes.sliced(sent);
@@ -104,9 +102,10 @@ std::vector<Command> answersTo(QByteArrayView bytes, Make make)
         receiveInto(answers, client.get());
         QCoreApplication::processEvents();
     }
+    require(isOver, "a connection ends when its client has closed");
     receiveInto(answers, client.get());
     QByteArrayView rest;
-    const std::vector<Command> commands = commandsIn(answers, &rest);
+    std::vector<Command> commands = commandsIn(answers, &rest);
     require(rest.isEmpty(), "answers are whole");
     return commands;
 }
