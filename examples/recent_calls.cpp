@@ -18,7 +18,7 @@ int main()
     }
     QTextStream out(stdout);
     for (const RC_RecordInterface* call : calls) {
-        out << call->getStartDateTime().toString(Qt::ISODate) << "  " << call->getPhoneNumber()
+        out << call->getStartDateTime().toString("yyyy-MM-dd HH:mm:ss") << "  " << call->getPhoneNumber()
             << (call->getCategory() == RC_CALL_CATEGORY_MISSED ? "  missed\n" : "\n");
     }
     out.flush();

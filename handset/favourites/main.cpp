@@ -151,7 +151,7 @@ void FavouritesOwner::receive(const QCString& message, const QByteArray& data)
     const QString& oldNumber = values[0].text;
     const QString& newNumber = values[1].text;
     if (!values.isComplete() || values.end < data.size())
-        log(u"an announcement of %1 bytes is invalid: ignored"_s.arg(data.size()));
+        log(u"an announcement of %1 is invalid: ignored"_s.arg(counted(data.size(), "byte")));
     else if (!isNumber(oldNumber) || !isNumber(newNumber))
         log(u"an announcement with a number that no call can have: ignored"_s);
     else if (oldNumber.isEmpty() && newNumber.isEmpty())

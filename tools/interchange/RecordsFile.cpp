@@ -181,7 +181,8 @@ QByteArray recordOfRow(const RecordSchema& schema, const std::vector<const Store
     if (!row.problem.isEmpty())
         throw failure(row.problem);
     if (row.cells.size() != width)
-        throw failure(u"the line has %1 fields, not %2"_s.arg(row.cells.size()).arg(width));
+        throw failure(
+            u"the line has %1, not %2"_s.arg(handset::counted(row.cells.size(), "field"), QString::number(width)));
     std::vector<NamedText> texts;
     for (qsizetype place = 0; place < width; ++place)
         texts.emplace_back(columns[static_cast<size_t>(place)], row.cells[place]);

@@ -36,7 +36,7 @@ QString requestedAction(const QCString& channel, const QCString& name)
     if (row != std::end(kRows))
         return QLatin1String(row->action);
     const PhoneMessage* const message = channel == kPhoneChannel ? phoneMessage(name) : nullptr;
-    return message && message->word && !message->isStatus() ? u"do '%1'"_s.arg(QLatin1String(message->word))
+    return message && message->word && message->isRequest() ? u"do '%1'"_s.arg(QLatin1String(message->word))
                                                             : QString();
 }
 

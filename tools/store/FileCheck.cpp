@@ -5,6 +5,7 @@
 #include "recentcall/utility/store/RecordFile_p.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/RecordText.h"
+#include "tools/zynphone/Text.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QHash>
@@ -176,7 +177,7 @@ QStringList sizeProblems(const QByteArray& image, qint64 expected)
 {
     if (image.size() == expected)
         return {};
-    return {u"the size is %1 bytes, not %2"_s.arg(image.size()).arg(expected)};
+    return {u"the size is %1, not %2"_s.arg(counted(image.size(), "byte")).arg(expected)};
 }
 
 QStringList flagProblems(const PHONE_ENG_RecentCall& call)

@@ -5,6 +5,7 @@
 #include "recentcall/utility/store/StoreFile_p.h"
 #include "tools/store/FileCheck.h"
 #include "tools/zynphone/RecordText.h"
+#include "tools/zynphone/Text.h"
 #include "utility/FixedText_p.h"
 
 #include <QtCore/QSet>
@@ -158,7 +159,7 @@ void SlotRepair::reportSize(const QByteArray& image, const QByteArray& result)
         m_log.add(m_name, u"given a new header"_s);
     const qsizetype behind = std::max<qsizetype>(image.size() - kHeaderSize, 0) % m_blank.size();
     if (behind != 0)
-        m_log.add(m_name, u"%1 bytes at the end, no whole record, were left in the copy"_s.arg(behind));
+        m_log.add(m_name, u"left the last %1, no whole record, in the copy"_s.arg(counted(behind, "byte")));
     if (image.size() < result.size())
         m_log.add(m_name, u"completed with blank slots to %1 bytes"_s.arg(result.size()));
     if (image.size() > result.size())

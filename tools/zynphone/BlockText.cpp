@@ -59,7 +59,7 @@ QByteArray blockFrom(const QString& text, const QString& what, qsizetype size)
         return latin1Field(text, what, size).toLatin1().leftJustified(size, '\0');
     QByteArray block = bytesFromHex(text.sliced(kHexPrefix.size()));
     if (block.size() != size)
-        throw usageError(u"the %1 has %2 bytes, not %3"_s.arg(what).arg(block.size()).arg(size));
+        throw usageError(u"the %1 has %2, not %3"_s.arg(what, counted(block.size(), "byte"), QString::number(size)));
     return block;
 }
 

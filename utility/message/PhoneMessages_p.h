@@ -45,7 +45,9 @@ struct PhoneMessage : Message
     /// Null when there are none. A record comes as its payload alone, any other message as its values.
     void (*emitSignals)(const Emitter& emitter, FieldValues& values, const QByteArray& payload);
 
+    /// Whether clients are told of something, rather than the phone server asked.
     constexpr bool isStatus() const { return emitSignals || log.size() > 0; }
+    constexpr bool isRequest() const { return !isStatus(); }
 };
 
 /// All types; the index is the type.
