@@ -260,11 +260,11 @@ private Q_SLOTS:
 
     void keepsToItsUserWhatItMakes()
     {
-        const mode_t mask = ::umask(0);
         QVERIFY(QDir(m_fixture->file(u""_s)).removeRecursively());
-        writeSetting(*m_fixture, m_fixture->file(u"../setup/some.cfg"_s), true);
-        ::umask(027);
+        const mode_t mask = ::umask(027);
         zyn::makeStoreDirectory();
+        ::umask(0);
+        writeSetting(*m_fixture, m_fixture->file(u"../setup/some.cfg"_s), true);
         ::umask(mask);
         QCOMPARE(otheruser::ownership(m_fixture->file(u"../setup"_s)).section(u' ', 2), u"40700"_s);
         QCOMPARE(otheruser::ownership(m_fixture->file(u""_s)).section(u' ', 2), u"40750"_s); // others may be let in
