@@ -165,7 +165,8 @@ bool ServiceSocket::open()
     if (!listener.isValid())
         return false;
     m_listener = std::move(listener);
-    m_socketId = posix::fileId(path);
+    // Nothing if somebody has taken the name in between: then the socket is not in place, and is made again.
+    m_socketId = posix::ownSocketId(path);
     return true;
 }
 

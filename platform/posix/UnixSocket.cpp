@@ -152,6 +152,14 @@ UniqueFd listenUnix(const QByteArray& path, mode_t mode)
     return fd;
 }
 
+std::optional<FileId> ownSocketId(const QByteArray& path)
+{
+    struct stat status = {};
+    const bool isOwn =
+        ::lstat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_uid == currentUser();
+    return isOwn ? std::optional(FileId{status.st_dev, status.st_ino}) : std::nullopt;
+}
+
 UniqueFd acceptConnection(int listener)
 {
     return UniqueFd(retry([&] { return ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC); }));

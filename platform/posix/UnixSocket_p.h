@@ -1,6 +1,7 @@
 // Unix-domain stream sockets: connecting, and moving whole blocks with a limit on the time.
 #pragma once
 
+#include "platform/posix/File_p.h"
 #include "platform/posix/UniqueFd_p.h"
 
 #include <QtCore/QByteArray>
@@ -70,6 +71,9 @@ bool isBound(const QByteArray& path);
 /// Listens at @p path, which must not exist, with the permissions @p mode and the longest backlog there is. Accepting
 /// from it never waits.
 UniqueFd listenUnix(const QByteArray& path, mode_t mode);
+
+/// The file of the socket at @p path; nothing if another user has put something in its place.
+std::optional<FileId> ownSocketId(const QByteArray& path);
 
 /// The next connection that waits at @p listener, non-blocking; none when none waits or errno names a shortage.
 UniqueFd acceptConnection(int listener);
