@@ -59,7 +59,7 @@ QString XmlNode::attribute(const QString& key) const
 
 const XmlNode& XmlNode::child(const QString& key) const
 {
-    static const XmlNode nothing;
+    static const XmlNode nothing{};
     const std::vector<const XmlNode*> found = all(key);
     return found.empty() ? nothing : *found.front();
 }

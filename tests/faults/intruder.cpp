@@ -598,7 +598,7 @@ void attackSegments(int out, const QList<int>& segments)
     for (const int id : segments) {
         const QByteArray name = "/proc/sysvipc/shm:" + QByteArray::number(id);
         shmid_ds status = {};
-        const auto failed = reinterpret_cast<void*>(intptr_t{-1});
+        const void* const failed = reinterpret_cast<void*>(intptr_t{-1});
         say(out, "read\t" + name + '\t' + (::shmat(id, nullptr, SHM_RDONLY) != failed ? '1' : '0'));
         say(out, "write\t" + name + '\t' + (::shmat(id, nullptr, 0) != failed ? '1' : '0'));
         say(out, "inspect\t" + name + '\t' + (::shmctl(id, IPC_STAT, &status) == 0 ? '1' : '0'));
@@ -629,7 +629,7 @@ void noteLines(const QList<QByteArray>& lines)
     }
 }
 
-void attackDoors(const Place& place, Handset& handset)
+void attackDoors(const Place& place, const Handset& handset)
 {
     QList<pid_t> processes;
     for (const auto& [name, program] : handset.all())
