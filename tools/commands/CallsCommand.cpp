@@ -72,6 +72,7 @@ std::vector<Call> namedCalls(const Invocation& invocation)
     const RC_CALL_CATEGORY_T list = listFrom(invocation);
     const std::vector<Call> calls = fetchCalls(list);
     std::vector<Call> named;
+    named.reserve(uids.size());
     for (const int uid : uids)
         named.push_back(callWith(uid, calls, list));
     return named;
