@@ -18,7 +18,8 @@ int main()
     }
     QTextStream out(stdout);
     for (const RC_RecordInterface* call : calls) {
-        out << call->getStartDateTime().toString("yyyy-MM-dd HH:mm:ss") << "  " << call->getPhoneNumber()
+        const QString start = call->getStartDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        out << start << "  " << call->getPhoneNumber()
             << (call->getCategory() == RC_CALL_CATEGORY_MISSED ? "  missed\n" : "\n");
     }
     out.flush();

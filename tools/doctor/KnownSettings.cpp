@@ -108,6 +108,7 @@ std::vector<KnownSetting> phoneSettings()
 std::vector<KnownSetting> handsetSettings()
 {
     std::vector<KnownSetting> settings;
+    settings.reserve(handset::kStates.size());
     const Kind kind = numberKind();
     for (const handset::State& state : handset::kStates)
         settings.push_back(

@@ -80,7 +80,7 @@ QByteArray expanded(const QByteArray& word)
 /// The absolute path of the program of @p command; empty if it cannot be known.
 QByteArray programOf(const QByteArray& command)
 {
-    const QByteArray program = expanded(firstWord(command));
+    QByteArray program = expanded(firstWord(command));
     if (program.isEmpty() || program.startsWith('/'))
         return program;
     return QFile::encodeName(QStandardPaths::findExecutable(
