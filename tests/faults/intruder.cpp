@@ -598,9 +598,11 @@ void attackSegments(int out, const QList<int>& segments)
     for (const int id : segments) {
         const QByteArray name = "/proc/sysvipc/shm:" + QByteArray::number(id);
         shmid_ds status = {};
-        const void* const failed = reinterpret_cast<void*>(intptr_t{-1});
-        say(out, "read\t" + name + '\t' + (::shmat(id, nullptr, SHM_RDONLY) != failed ? '1' : '0'));
-        say(out, "write\t" + name + '\t' + (::shmat(id, nullptr, 0) != failed ? '1' : '0'));
+        const auto isAttached = [id](int flags) {
+            return reinterpret_cast<intptr_t>(::shmat(id, nullptr, flags)) != -1;
+        };
+        say(out, "read\t" + name + '\t' + (isAttached(SHM_RDONLY) ? '1' : '0'));
+        say(out, "write\t" + name + '\t' + (isAttached(0) ? '1' : '0'));
         say(out, "inspect\t" + name + '\t' + (::shmctl(id, IPC_STAT, &status) == 0 ? '1' : '0'));
         say(out, "take over\t" + name + '\t' + (::shmctl(id, IPC_SET, &status) == 0 ? '1' : '0'));
         say(out, "remove\t" + name + '\t' + (::shmctl(id, IPC_RMID, nullptr) == 0 ? '1' : '0'));
@@ -1037,7 +1039,7 @@ void harass(int out, int stop, quint32 seed)
         ::unlink(name.constData());
         kPlants[random.bounded(int(std::size(kPlants)))].make(name, kept);
         isOpened("/tmp/zynphonecom/flood" + QByteArray::number(random.bounded(5000)), O_WRONLY | O_CREAT);
-        zyn::posix::connectUnixAtOnce(names[2 * random.bounded(3)]);
+        zyn::posix::connectUnixAtOnce(names[ptrdiff_t{2} * random.bounded(3)]);
         ++done;
         ::usleep(200);
     }
