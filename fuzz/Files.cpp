@@ -81,7 +81,8 @@ void readRecordFile(Input& input)
     require(found.size() <= size_t{kRecordSlots}, "no list holds more than its slots");
     file.correctSlots();
     if (!found.empty()) {
-        require(file.holds(found.front()), "the file holds what was read");
+        // What was read says of which list it is, whatever the file said.
+        require(file.write(found.front()) && file.holds(found.front()), "the file holds what was written");
         require(file.erase(found.front().slot), "a call can be erased");
     }
     require(RecordFile::isAt(QFile::encodeName(folder.store(name))), "the service leaves a valid list");
