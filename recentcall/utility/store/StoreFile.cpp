@@ -107,6 +107,28 @@ bool replaceInvalidFile(posix::UniqueFd invalid, const QByteArray& contents, pos
     return applyChanges(theirs.get(), contents, posix::readWhole(staged.fd(), contents.size()).value_or(contents));
 }
 
+/// Whether another user has made @p directory where everybody may make files.
+bool isOthersDirectory(QByteArrayView directory)
+{
+    // Nobody else can take a directory of ours from its place in /tmp: one look is enough, and spares each operation a
+    // system call. The hash, and no text, so that it outlives static objects.
+    thread_local size_t ownDirectory = 0;
+    const size_t hash = qHash(directory) | 1;
+    if (ownDirectory == hash)
+        return false;
+    const QByteArray path = directory.toByteArray();
+    const bool isOthers = posix::isTakenByOthers(path);
+    if (!isOthers && posix::ownerOf(path))
+        ownDirectory = hash;
+    return isOthers;
+}
+
+/// The directory of the store file @p path.
+QByteArrayView directoryOf(const QByteArray& path)
+{
+    return QByteArrayView(path).first(std::max<qsizetype>(path.lastIndexOf('/'), 0));
+}
+
 } // namespace
 
 QByteArray storeDirectoryPath()
@@ -142,17 +164,7 @@ void makeStoreDirectory()
 
 bool isStoreOthers()
 {
-    // Nobody else can take a directory of ours from its place in /tmp: one look is enough, and spares each operation a
-    // system call. The hash, and no text, so that it outlives static objects.
-    thread_local size_t ownPath = 0;
-    const QByteArray path = storeDirectoryPath();
-    const size_t hash = qHash(path) | 1;
-    if (ownPath == hash)
-        return false;
-    const bool isOthers = posix::isTakenByOthers(path);
-    if (!isOthers && posix::ownerOf(path))
-        ownPath = hash;
-    return isOthers;
+    return isOthersDirectory(storeDirectoryPath());
 }
 
 bool isStoreFile(const QByteArray& path, qint64 size)
@@ -163,7 +175,7 @@ bool isStoreFile(const QByteArray& path, qint64 size)
 
 posix::UniqueFd openStoreFile(const QByteArray& path, posix::Access access)
 {
-    if (access == posix::Access::Change && isStoreOthers())
+    if (access == posix::Access::Change && isOthersDirectory(directoryOf(path)))
         return {};
     posix::UniqueFd fd = posix::openTrusted(path, access);
     if (!fd.isValid())
@@ -188,7 +200,8 @@ std::optional<QByteArray> readStoreFile(const QByteArray& path, qint64 size)
 
 CreateResult createStoreFile(const QByteArray& path, const QByteArray& contents)
 {
-    const std::optional<posix::PathAt> place = isStoreOthers() ? std::nullopt : posix::resolve(path);
+    const std::optional<posix::PathAt> place =
+        isOthersDirectory(directoryOf(path)) ? std::nullopt : posix::resolve(path);
     if (!place)
         return CreateResult::CannotOpen;
     posix::StagedFile staged(*place);
