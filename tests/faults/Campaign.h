@@ -59,4 +59,6 @@ private:
 
 // The campaigns, each in a source of its own; main.cpp has their table.
 
+void kills(Campaign& campaign);
+
 } // namespace faults

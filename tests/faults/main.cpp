@@ -26,7 +26,9 @@ struct Row
     void (*run)(faults::Campaign& campaign);
 };
 
-constexpr std::array<Row, 0> kCampaigns = {};
+constexpr std::array kCampaigns{
+    Row{"kills", "programs are killed at any moment of their work", faults::kills},
+};
 
 QString table()
 {
