@@ -10,6 +10,7 @@
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "tests/faults/CallClient.h"
 #include "tests/faults/CallLedger.h"
 #include "tests/faults/Service.h"
 #include "utility/PHONE_CommandSocket_p.h"
@@ -78,23 +79,6 @@ QByteArray storeFaults(Campaign& campaign)
 }
 
 // The recent-call service.
-
-std::optional<std::vector<Call>> listCalls()
-{
-    const rc::Selection all{RC_CALL_CATEGORY_ALL, RC_CALL_TYPE_VOICE};
-    const auto answer = rc::request(rc::connectToService(), rc::ListRecords, std::as_bytes(std::span(&all, 1)));
-    if (!answer || answer->commandId != rc::Success)
-        return std::nullopt;
-    const auto bytes = std::span<const std::byte>(zyn::commandData(*answer));
-    if (bytes.size() < sizeof(rc::ListHeader))
-        return std::nullopt;
-    std::vector<Call> calls;
-    for (size_t at = sizeof(rc::ListHeader); at + sizeof(Call) <= bytes.size(); at += sizeof(Call))
-        calls.push_back(zyn::toPlain<Call>(bytes.subspan(at)));
-    if (size_t(zyn::toPlain<rc::ListHeader>(bytes).count) != calls.size())
-        return std::nullopt;
-    return calls;
-}
 
 bool clearCalls()
 {

@@ -27,6 +27,7 @@ struct Row
 };
 
 constexpr std::array kCampaigns{
+    Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},
 };
 
