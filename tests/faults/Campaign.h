@@ -59,4 +59,7 @@ private:
 
 // The campaigns, each in a source of its own; main.cpp has their table.
 
+void files(Campaign& campaign);
+void kills(Campaign& campaign);
+
 } // namespace faults

@@ -26,7 +26,10 @@ struct Row
     void (*run)(faults::Campaign& campaign);
 };
 
-constexpr std::array<Row, 0> kCampaigns = {};
+constexpr std::array kCampaigns{
+    Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
+    Row{"kills", "programs are killed at any moment of their work", faults::kills},
+};
 
 QString table()
 {
