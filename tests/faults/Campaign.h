@@ -58,6 +58,7 @@ private:
 };
 
 // The campaigns, each in a source of its own; main.cpp has their table.
+void calls(Campaign& campaign);
 
 void files(Campaign& campaign);
 void kills(Campaign& campaign);

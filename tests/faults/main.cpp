@@ -27,6 +27,9 @@ struct Row
 };
 
 constexpr std::array kCampaigns{
+#ifdef ZYN_HAS_SHIM
+    Row{"calls", "every system call of the library fails in turn, in every operation", faults::calls},
+#endif
     Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},
 };
