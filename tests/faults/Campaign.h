@@ -58,9 +58,10 @@ private:
 };
 
 // The campaigns, each in a source of its own; main.cpp has their table.
-void calls(Campaign& campaign);
 
+void calls(Campaign& campaign);
 void files(Campaign& campaign);
 void kills(Campaign& campaign);
+void messages(Campaign& campaign);
 
 } // namespace faults

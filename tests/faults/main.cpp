@@ -1,5 +1,7 @@
 // zyn-faults: runs real processes of the handset, breaks them, and counts what is lost.
 #include "tests/faults/Campaign.h"
+#include "tests/faults/MessageBoard.h"
+#include "tests/support/Process.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -32,6 +34,19 @@ constexpr std::array kCampaigns{
 #endif
     Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},
+    Row{"messages", "200 channels, whose listeners stop, die, come and leave", faults::messages},
+};
+
+/// What this program is when a campaign starts it again.
+struct RoleRow
+{
+    const char* name;
+    int (*run)(const QStringList& arguments);
+};
+
+constexpr std::array kRoles{
+    RoleRow{"messages-listen", faults::channels::listenRole},
+    RoleRow{"messages-send", faults::channels::sendRole},
 };
 
 QString table()
@@ -47,6 +62,11 @@ QString table()
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String(role::kSwitch)) {
+        const auto* row = std::ranges::find(kRoles, arguments.value(2), [](auto& r) { return QLatin1String(r.name); });
+        return row == kRoles.end() ? kUsage : row->run(arguments.mid(3));
+    }
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Runs real processes of the handset, breaks them, and counts what is lost, in a private /tmp.\n"
