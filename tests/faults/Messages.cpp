@@ -66,13 +66,22 @@ bool waitWhileMoving(const Condition& condition, const Moves& moves)
     return true;
 }
 
+/// Waits until the process says that it is ready; on a busy machine 200 listeners take their time.
+bool waitReady(QProcess& process)
+{
+    QByteArray output;
+    while (!output.contains("ready") && process.waitForReadyRead(int(std::chrono::milliseconds(kStandstill).count())))
+        output += process.readAllStandardOutput();
+    return output.contains("ready");
+}
+
 /// A process of the campaign: a sender or a listener.
 class Peer
 {
 public:
     Peer(const QString& role, const QStringList& arguments)
         : m_process(role::start(role, arguments))
-        , m_isReady(role::waitReady(*m_process))
+        , m_isReady(waitReady(*m_process))
         , m_memory(memoryOf(id(), "VmHWM"))
         , m_descriptors(descriptorsOf(id()))
     {}
