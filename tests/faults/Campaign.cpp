@@ -45,6 +45,12 @@ bool Campaign::check(bool holds, const QString& what)
     return false;
 }
 
+void Campaign::skip(const QString& why)
+{
+    m_skipped = why;
+    std::fprintf(stderr, "%s: %s: skipped\n", qPrintable(m_name), qPrintable(why));
+}
+
 void Campaign::progress(qint64 done, qint64 of)
 {
     const qint64 time = now();
@@ -64,12 +70,15 @@ QJsonObject Campaign::result() const
             {u"faults"_s, m_faults},
             {u"checks"_s, m_checks},
             {u"losses"_s, m_losses},
+            {u"skipped"_s, m_skipped},
             {u"firstLosses"_s, QJsonArray::fromStringList(m_firstLosses)},
             {u"figures"_s, m_figures}};
 }
 
 QString Campaign::line() const
 {
+    if (isSkipped())
+        return u"%1: skipped: %2"_s.arg(m_name, m_skipped);
     QString line = u"%1: seed %2, %3 s: %4 operations, %5 faults, %6 checks, %7 losses"_s.arg(m_name)
                        .arg(m_options.seed)
                        .arg(double(now() - m_start) / 1000, 0, 'f', 1)

@@ -34,6 +34,9 @@ public:
     void breakThings(qint64 count = 1) { m_faults += count; }
     /// Counts a check, and a loss, which is told at once, when it does not hold; gives @p holds back.
     bool check(bool holds, const QString& what);
+    /// Says why the campaign cannot be run here.
+    void skip(const QString& why);
+    bool isSkipped() const { return !m_skipped.isEmpty(); }
     /// Keeps a figure that the campaign measured, such as the most memory; a later one of the same name replaces it.
     void measure(const QString& name, qint64 value) { m_figures[name] = value; }
     /// Tells, at most once a second, how far the campaign is.
@@ -52,16 +55,19 @@ private:
     qint64 m_checks = 0;
     qint64 m_losses = 0;
     QStringList m_firstLosses;
+    QString m_skipped; ///< why
     QJsonObject m_figures;
     qint64 m_start;
     qint64 m_lastProgress;
 };
 
-// The campaigns, each in a source of its own; main.cpp has their table.
+// The campaigns; main.cpp has their table.
 
 void calls(Campaign& campaign);
 void files(Campaign& campaign);
 void kills(Campaign& campaign);
 void messages(Campaign& campaign);
+void playWeek(Campaign& campaign);
+void setClocks(Campaign& campaign);
 
 } // namespace faults

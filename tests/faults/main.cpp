@@ -32,9 +32,11 @@ constexpr std::array kCampaigns{
 #ifdef ZYN_HAS_SHIM
     Row{"calls", "every system call of the library fails in turn, in every operation", faults::calls},
 #endif
+    Row{"clock", "the clock and the time zone are set while calls are made", faults::setClocks},
     Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},
     Row{"messages", "200 channels, whose listeners stop, die, come and leave", faults::messages},
+    Row{"week", "seven days of calls: no program grows", faults::playWeek},
 };
 
 /// What this program is when a campaign starts it again.
@@ -70,7 +72,7 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Runs real processes of the handset, breaks them, and counts what is lost, in a private /tmp.\n"
-        "The exit code is 0 when nothing was lost, 1 when something was, 77 where /tmp is not private.\n\n"
+        "The exit code is 0 when nothing was lost, 1 when something was, 77 where it cannot be tried.\n\n"
         "Campaigns:\n"_s
         + table());
     parser.addHelpOption();
@@ -108,6 +110,7 @@ int main(int argc, char** argv)
 
     QJsonArray results;
     bool isLost = false;
+    bool isRun = false;
     for (const Row& row : kCampaigns) {
         const QString name = QString::fromLatin1(row.name);
         if (!names.isEmpty() && !names.contains(name))
@@ -116,6 +119,7 @@ int main(int argc, char** argv)
         faults::Campaign campaign(name, options);
         row.run(campaign);
         isLost = isLost || campaign.isLost();
+        isRun = isRun || !campaign.isSkipped();
         results.append(campaign.result());
         if (!parser.isSet(json)) {
             std::puts(qPrintable(campaign.line()));
@@ -124,5 +128,7 @@ int main(int argc, char** argv)
     }
     if (parser.isSet(json))
         std::puts(QJsonDocument(results).toJson().constData());
+    if (!isRun)
+        return kSkipped;
     return isLost ? EXIT_FAILURE : EXIT_SUCCESS;
 }
