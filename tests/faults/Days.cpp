@@ -15,6 +15,7 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -56,23 +57,26 @@ public:
 
     const std::map<QByteArray, std::unique_ptr<Process>>& programs() const { return m_programs; }
 
-    /// What the tool prints; a null array when it fails.
-    QByteArray ask(const QStringList& words)
+    /// What the tool prints; none when it fails.
+    std::optional<QByteArray> ask(const QStringList& words)
     {
         QProcess tool;
         tool.start(m_campaign.program("zynphone"), words);
         if (!tool.waitForFinished(int(std::chrono::milliseconds(kPatience).count())) || tool.exitCode() != EXIT_SUCCESS)
-            return {};
-        return tool.readAllStandardOutput() + QByteArray("");
+            return std::nullopt;
+        return tool.readAllStandardOutput();
     }
     void tell(const QString& words)
     {
         m_campaign.operate();
-        m_campaign.check(!ask(words.split(u' ')).isNull(), u"zynphone %1 fails"_s.arg(words));
+        m_campaign.check(ask(words.split(u' ')).has_value(), u"zynphone %1 fails"_s.arg(words));
     }
 
     /// The calls of the log, as the tool has them.
-    QJsonArray calls() { return QJsonDocument::fromJson(ask({u"calls"_s, u"list"_s, u"--json"_s})).array(); }
+    QJsonArray calls()
+    {
+        return QJsonDocument::fromJson(ask({u"calls"_s, u"list"_s, u"--json"_s}).value_or(QByteArray())).array();
+    }
 
     /// Waits until the log has exactly the calls that were made, and checks each of them.
     void checkCalls(const QList<Call>& made)
@@ -131,7 +135,10 @@ Call missed(Handset& handset, const QString& number = nextNumber())
 /// How many entries the favourite has.
 qsizetype entries(Handset& handset)
 {
-    return QJsonDocument::fromJson(handset.ask({u"favourites"_s, u"show"_s, kFavourite, u"--json"_s})).array().size();
+    return QJsonDocument::fromJson(
+               handset.ask({u"favourites"_s, u"show"_s, kFavourite, u"--json"_s}).value_or(QByteArray()))
+        .array()
+        .size();
 }
 
 // The clock.
@@ -154,7 +161,7 @@ void setClock(const QString& time)
 {
     const QString next = kClock + u".next"_s;
     QFile file(next);
-    if (file.open(QIODevice::WriteOnly) && file.write(('@' + time + '\n').toUtf8()) > 0 && file.flush())
+    if (file.open(QIODevice::WriteOnly) && file.write('@' + time.toUtf8() + '\n') > 0 && file.flush())
         ::rename(qPrintable(next), qPrintable(kClock));
 }
 
@@ -197,9 +204,12 @@ void setClocks(Campaign& campaign)
     const OtherClock clock(library, kZones[1]);
     Handset handset(campaign);
     handset.tell(u"favourites announce  %1 --name Dora"_s.arg(kFavourite));
+    const auto anyOf = [&](const auto& choices) {
+        return choices[size_t(campaign.random().bounded(int(choices.size())))];
+    };
     const auto setAtRandom = [&] {
-        setClock(QString::fromLatin1(kTimes[campaign.random().bounded(kTimes.size())]));
-        qputenv("TZ", kZones[campaign.random().bounded(kZones.size())]);
+        setClock(QString::fromLatin1(anyOf(kTimes)));
+        qputenv("TZ", anyOf(kZones));
         campaign.breakThings();
     };
     const qint64 rounds = campaign.length(200, 2);
