@@ -75,6 +75,17 @@ bool anyOf(std::span<const Record> records, ssize_t length, bool isLast, IsWante
                                [&](const Record& record) { return record.front() != '\0' && isWanted(record); });
 }
 
+/// Reads into @p buffer from @p offset on, where the file @p file has @p expected bytes left: with one system call, and
+/// with more only if that gave less than there is.
+inline ssize_t readExpected(int file, std::span<std::byte> buffer, off_t offset, off_t expected)
+{
+    const ssize_t length = posix::readOnceAt(file, buffer, offset);
+    if (length <= 0 || off_t{length} >= std::min(expected, static_cast<off_t>(buffer.size())))
+        return length;
+    const ssize_t rest = posix::readAt(file, buffer.subspan(static_cast<size_t>(length)), offset + length);
+    return length + std::max<ssize_t>(rest, 0);
+}
+
 /// Whether @p isWanted holds for one of the numbers in the open file @p file, however long it is.
 template<typename IsWanted>
 bool anyOfLongList(int file, IsWanted isWanted)
@@ -84,7 +95,7 @@ bool anyOfLongList(int file, IsWanted isWanted)
     std::vector<Record> records(
         static_cast<size_t>(std::clamp<off_t>(size / kRecordSize + 1, kRecordLimit, kRecordsAtATime)));
     for (off_t offset = 0;;) {
-        const ssize_t length = posix::readOnceAt(file, std::as_writable_bytes(std::span(records)), offset);
+        const ssize_t length = readExpected(file, std::as_writable_bytes(std::span(records)), offset, size - offset);
         if (length <= 0)
             return false;
         const bool isLast = offset + length >= size;
@@ -106,7 +117,7 @@ bool anyNumber(IsWanted isWanted, const char* path = kListFile)
     const posix::UniqueFd file = posix::openForReading(QByteArray::fromRawData(path, qsizetype(qstrlen(path))));
     std::array<Record, kShortList> few; // NOLINT: only what is read is used
     if (const off_t end = posix::endOf(file.get()); end >= 0 && end < off_t{sizeof few}) {
-        const ssize_t length = posix::readOnceAt(file.get(), std::as_writable_bytes(std::span(few)), 0);
+        const ssize_t length = readExpected(file.get(), std::as_writable_bytes(std::span(few)), 0, end);
         if (length < ssize_t{sizeof few})
             return length > 0 && anyOf(few, length, true, isWanted);
     }
