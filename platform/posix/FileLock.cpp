@@ -45,8 +45,13 @@ UniqueFd lockFile(const QByteArray& path)
         if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
             return {};
         // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
-        if (isNamed(fd.get(), path))
+        const std::optional<FileId> locked = fileId(fd.get());
+        const std::optional<FileId> named = locked ? fileId(path) : std::nullopt;
+        if (locked && locked == named)
             return fd;
+        // A file that cannot be inspected is no reason to try for ever.
+        if (!locked || (!named && errno != ENOENT))
+            return {};
     }
 }
 
