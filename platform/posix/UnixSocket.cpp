@@ -49,6 +49,13 @@ bool waitFor(int fd, short events, Clock::time_point deadline)
     return false;
 }
 
+/// The same after a transfer that moved nothing. The kernel may call a socket ready, and have no memory for it each
+/// time.
+bool waitAgainFor(int fd, short events, Clock::time_point deadline)
+{
+    return Clock::now() < deadline && waitFor(fd, events, deadline);
+}
+
 } // namespace
 
 iovec toIovec(std::span<const std::byte> bytes)
@@ -240,7 +247,7 @@ bool sendAll(int fd, std::span<const std::byte> first, std::span<const std::byte
     while (!first.empty() || !second.empty()) {
         std::array<iovec, 2> blocks{toIovec(first), toIovec(second)};
         const ssize_t n = sendSome(fd, blocks);
-        if (n < 0 || (n == 0 && !waitUntilWritable(fd, deadline)))
+        if (n < 0 || (n == 0 && !waitAgainFor(fd, POLLOUT, deadline)))
             return false;
         const size_t fromFirst = std::min(first.size(), static_cast<size_t>(n));
         first = first.subspan(fromFirst);
@@ -276,7 +283,7 @@ bool receiveAll(int fd, std::span<std::byte> buffer, Clock::time_point deadline)
 {
     while (!buffer.empty()) {
         const ssize_t n = receiveSome(fd, buffer);
-        if (n == 0 || (n < 0 && !waitUntilReadable(fd, deadline)))
+        if (n == 0 || (n < 0 && !waitAgainFor(fd, POLLIN, deadline)))
             return false;
         buffer = buffer.subspan(static_cast<size_t>(std::max<ssize_t>(n, 0)));
     }
