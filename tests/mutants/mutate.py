@@ -29,6 +29,7 @@ GOAL = 90
 
 # The source that gets the switch.
 SWITCH_HOME = "platform/aplog.cpp"
+SWITCH_MAP = "abi/libzynplatform.map" # which exports it
 SWITCH = r"""
 #include <atomic>
 #include <cerrno>
@@ -85,8 +86,10 @@ def write_tree(mutants):
     by_file = collections.defaultdict(list)
     for mutant in mutants:
         by_file[mutant.file].append(mutant)
-    for file in listed("CMakeLists.txt", "cmake", "platform", "utility", "recentcall", "tests/CMakeLists.txt"):
+    for file in listed("CMakeLists.txt", "abi/*.map", "cmake", "platform", "utility", "recentcall"):
         text = (ROOT / file).read_bytes()
+        if file == SWITCH_MAP:
+            text = text.replace(b"global:", b"global: zynMutant;", 1)
         if file.endswith(".cpp") and by_file[file]:
             text = found.mutated(text, file, by_file[file]).encode()
         if file == SWITCH_HOME:
