@@ -169,6 +169,9 @@ class Finder:
                     self.mutants.pop()
 
     def look_at_arguments(self, cursor, function):
+        # The two sides of an operator are looked at above; those of a comparison may be swapped.
+        if cursor.spelling.startswith("operator"):
+            return
         arguments = [argument for argument in cursor.get_arguments() if argument and self.is_plain(argument)]
         for one, other in zip(arguments, arguments[1:]):
             texts = self.source(one), self.source(other)
