@@ -117,7 +117,7 @@ QString nextNumber()
 Call answered(
     Handset& handset, const std::function<void()>& talk = [] {})
 {
-    const Call call{nextNumber(), u"answered"_s, true};
+    Call call{nextNumber(), u"answered"_s, true};
     handset.tell(u"phone incoming %1 Anna"_s.arg(call.number));
     handset.tell(u"phone answer"_s);
     talk();

@@ -69,7 +69,7 @@ public:
     {
         m_campaign.breakThings();
         const QByteArray now = contentsOf(m_path);
-        const QByteArray expected = put(damage, contents, now);
+        QByteArray expected = put(damage, contents, now);
         if (damage != Damage::Older)
             m_older = contents;
         return expected;

@@ -9,11 +9,13 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <iterator>
 #include <vector>
 
 #include <fcntl.h>
@@ -88,12 +90,10 @@ public:
         if (::pipe2(ready, O_CLOEXEC) != 0)
             return false;
         std::vector<QByteArray> words{QFile::encodeName(program), "--ready-fd", "3"};
-        for (const QString& argument : arguments)
-            words.push_back(QFile::encodeName(argument));
-        std::vector<char*> pointers;
-        for (QByteArray& word : words)
-            pointers.push_back(word.data());
-        pointers.push_back(nullptr);
+        std::ranges::transform(arguments, std::back_inserter(words),
+                               [](const QString& argument) { return QFile::encodeName(argument); });
+        std::vector<char*> pointers(words.size() + 1);
+        std::ranges::transform(words, pointers.begin(), [](QByteArray& word) { return word.data(); });
         m_id = ::fork();
         if (m_id == 0) {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
