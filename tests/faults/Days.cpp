@@ -53,7 +53,8 @@ public:
         for (const auto& [name, program] : m_programs)
             m_campaign.check(program->stop(), QString::fromLatin1(name) + u" does not end"_s);
     }
-    Q_DISABLE_COPY_MOVE(Handset)
+    Handset(const Handset&) = delete;
+    Handset& operator=(const Handset&) = delete;
 
     const std::map<QByteArray, std::unique_ptr<Process>>& programs() const { return m_programs; }
 
@@ -186,7 +187,8 @@ public:
                                  "FAKETIME_DONT_FAKE_MONOTONIC", "DONT_FAKE_MONOTONIC", "NO_FAKE_STAT", "TZ"})
             qunsetenv(name);
     }
-    Q_DISABLE_COPY_MOVE(OtherClock)
+    OtherClock(const OtherClock&) = delete;
+    OtherClock& operator=(const OtherClock&) = delete;
 };
 
 constexpr std::array kZones = {"UTC", "Europe/Berlin", "America/St_Johns", "Pacific/Kiritimati", "Asia/Kathmandu"};

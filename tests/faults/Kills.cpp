@@ -61,7 +61,7 @@ private:
 };
 
 /// What the tool finds wrong with the store.
-QByteArray storeFaults(Campaign& campaign)
+QByteArray storeFaults(const Campaign& campaign)
 {
     Process tool;
     const QString result = u"/tmp/store-check"_s;

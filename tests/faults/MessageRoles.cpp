@@ -202,9 +202,9 @@ int listenRole(const QStringList& arguments)
             board->isKilled[sender] ? void() : action(journal->heard[sender][channel], board->sent[sender][channel]);
     };
     for (const quint32 channel : channels) {
-        forAll(channel, [](auto& heard, auto& sent) { heard.sentBefore = sent.done; });
+        forAll(channel, [](auto& heard, const auto& sent) { heard.sentBefore = sent.done; });
         listeners.push_back(std::make_unique<Listener>(traffic, channel, journal.get()));
-        forAll(channel, [](auto& heard, auto& sent) { heard.begunBefore = sent.begun; });
+        forAll(channel, [](auto& heard, const auto& sent) { heard.begunBefore = sent.begun; });
     }
     role::sayReady();
 
@@ -213,13 +213,13 @@ int listenRole(const QStringList& arguments)
     leaving.callOnTimeout([&] {
         bool hasAll = true;
         for (const quint32 channel : channels)
-            forAll(channel, [&](auto& heard, auto&) { hasAll = hasAll && heard.next >= heard.leftAt; });
+            forAll(channel, [&](const auto& heard, const auto&) { hasAll = hasAll && heard.next >= heard.leftAt; });
         if (hasAll || deadline.hasExpired())
             QCoreApplication::exit();
     });
     const auto leave = [&] {
         for (const quint32 channel : channels)
-            forAll(channel, [](auto& heard, auto& sent) {
+            forAll(channel, [](auto& heard, const auto& sent) {
                 const quint32 done = sent.done;
                 heard.leftAt = done > heard.begunBefore ? done : 0;
             });

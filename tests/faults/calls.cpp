@@ -28,7 +28,7 @@ namespace {
 /// A round that takes longer hangs: what is longest waits for a service, or for a lock.
 constexpr unsigned kRoundTime = 60;
 /// What the memory in use may grow by over all rounds of an operation.
-constexpr size_t kMemoryBound = 128 * 1024;
+constexpr size_t kMemoryBound = size_t{128} * 1024;
 /// How often an operation is run before what it keeps, such as a cache, counts.
 constexpr int kWarmUps = 3;
 /// How many losses of one operation are told in words.

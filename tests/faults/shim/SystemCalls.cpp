@@ -141,6 +141,9 @@ const char* name(int call)
 
 } // namespace faults::shim
 
+/// What shmat() gives when it fails.
+static void* const kNoMemory = reinterpret_cast<void*>(intptr_t{-1}); // NOLINT(performance-no-int-to-ptr)
+
 using faults::shim::fate;
 using faults::shim::Fate;
 using faults::shim::nextOf;
@@ -207,8 +210,7 @@ ZYN_CALL(renameat2, (int from, const char* old, int to, const char* path, unsign
 ZYN_CALL(rmdir, (const char* path), (path))
 ZYN_CALL(setsockopt, (int fd, int level, int option, const void* value, socklen_t length),
          (fd, level, option, value, length))
-ZYN_CALL_WITH(void*, reinterpret_cast<void*>(intptr_t{-1}), shmat, (int id, const void* address, int flags),
-              (id, address, flags))
+ZYN_CALL_WITH(void*, kNoMemory, shmat, (int id, const void* address, int flags), (id, address, flags))
 ZYN_CALL(shmget, (key_t key, size_t size, int flags), (key, size, flags))
 ZYN_CALL(shutdown, (int fd, int how), (fd, how))
 ZYN_CALL(socket, (int domain, int type, int protocol), (domain, type, protocol))
