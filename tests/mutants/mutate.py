@@ -23,6 +23,7 @@ ROOT = Path(__file__).resolve().parents[2]
 DEV = ROOT / "build/dev"
 PLACE = ROOT / "build/mutate"
 TREE = PLACE / "tree"
+SEPARATOR = " ## "
 EQUAL = Path(__file__).with_name("equal.txt")
 LIBRARIES = ("utility/*.cpp", "recentcall/*.cpp", "platform/*.cpp")
 GOAL = 90
@@ -182,7 +183,7 @@ def equal_changes():
     """The changes that alter no behaviour, with the reasons."""
     if not EQUAL.exists():
         return {}
-    rows = (line.split("\t") for line in EQUAL.read_text().splitlines() if line and not line.startswith("#"))
+    rows = (line.split(SEPARATOR) for line in EQUAL.read_text().splitlines() if line and not line.startswith("#"))
     return {tuple(row[:4]): row[4] for row in rows}
 
 
