@@ -155,7 +155,7 @@ void answerInPart(Campaign& campaign)
 {
     for (const Request& request : kRequests) {
         const QByteArray answer = request.isList ? listAnswer(2) : frame(zyn::recentcall::Success);
-        const qsizetype step = request.isList ? campaign.length(1, 41) : 1;
+        const qsizetype step = request.isList ? qsizetype(campaign.length(1, 41)) : 1;
         for (qsizetype size = 0; size < answer.size(); size += step) {
             const ScriptedService service(kRecentCalls, answer.first(size));
             expect(campaign, request, request.failure, u"a server that closes after %1 bytes"_s.arg(size));

@@ -31,7 +31,7 @@ inline constexpr std::chrono::seconds kPatience{30};
 
 inline void pauseFor(std::chrono::microseconds time)
 {
-    const timespec pause{time.count() / 1'000'000, long(time.count() % 1'000'000) * 1000};
+    const timespec pause{time_t(time.count() / 1'000'000), long(time.count() % 1'000'000) * 1000};
     ::nanosleep(&pause, nullptr);
 }
 
