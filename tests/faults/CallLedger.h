@@ -10,6 +10,8 @@
 #include <QtCore/QSet>
 
 #include <atomic>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include <sys/mman.h>
@@ -113,19 +115,27 @@ public:
                 set(id, Gone);
         }
     }
-    /// All that is kept is being removed, or has been.
-    void leaveAll(Fate fate)
+    /// All that is kept is being removed by @p remove, which tells whether it has been: then none of it may come back.
+    bool removeAll(const std::function<bool()>& remove)
     {
         learn();
-        for (const int id : std::as_const(m_kept))
-            set(id, fate);
-        m_kept.clear();
-        if (fate == Gone) {
-            // What is on its way may still come, and is kept once it was seen.
-            m_open.clear();
-            m_learned = count();
-            m_read.clear();
+        const QSet<int> removed = std::exchange(m_kept, {});
+        for (const int id : removed)
+            set(id, Maybe);
+        const bool isRemoved = remove();
+        for (const int id : removed) {
+            if (isRemoved)
+                set(id, Gone);
         }
+        return isRemoved;
+    }
+    /// The files are gone, and nothing is on its way.
+    void removeFiles()
+    {
+        forgetUnderWay();
+        removeAll([] { return true; });
+        m_open.clear();
+        m_read.clear();
     }
 
     /// Checks what was found in the log, from where @p where tells; whatever was seen once must stay.

@@ -137,13 +137,8 @@ public:
     }
     bool clear()
     {
-        m_ledger.leaveAll(CallLedger::Maybe);
-        if (!clearCalls())
+        if (!m_ledger.removeAll(clearCalls))
             return false;
-        const auto calls = listCalls();
-        if (!calls)
-            return false;
-        // Nothing but what came since can be left.
         m_allowance.left = kCallsAtATime;
         m_last.clear();
         return true;
@@ -442,8 +437,7 @@ void killPhoneServer(Campaign& campaign, Course& course)
     const qint64 kills = campaign.length(500, 7);
     for (qint64 i = 0; i < kills; ++i) {
         if (begun >= kCallsAtATime) {
-            ledger.leaveAll(CallLedger::Maybe);
-            campaign.check(clearCalls(), u"the calls are cleared"_s);
+            campaign.check(ledger.removeAll(clearCalls), u"the calls are cleared"_s);
             begun = 0;
         }
         Network network;
@@ -597,7 +591,7 @@ void killStoreWriter(Campaign& campaign, Course& course)
     const qint64 kills = campaign.length(4000, 7);
     for (qint64 i = 0; i < kills; ++i) {
         if (campaign.random().bounded(8) == 0) { // the next one makes the files
-            ledger.leaveAll(CallLedger::Gone);
+            ledger.removeFiles();
             QDir(kStore).removeRecursively();
         }
         writer.fork([&, seed = campaign.random().generate()] { addToStoreForEver(ledger, seed); });
