@@ -64,7 +64,8 @@ UniqueFd openPrivateDirectory(const QByteArray& path)
 
 UniqueFd openPrivateDirectory(int parent, const QByteArray& name)
 {
-    UniqueFd fd(::openat(parent, name.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    UniqueFd fd(
+        retry([&] { return ::openat(parent, name.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
     struct stat status = {};
     if (!fd.isValid() || ::fstat(fd.get(), &status) != 0)
         return {};
@@ -101,7 +102,7 @@ bool makeDirectories(const QByteArray& path)
 std::optional<QList<QByteArray>> entries(int directory, EntryType type)
 {
     const mode_t format = formatOf(type);
-    UniqueFd fd(::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    UniqueFd fd(retry([&] { return ::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     const std::unique_ptr<DIR, CloseDirectory> stream(::fdopendir(fd.get()));
     if (!stream)
         return std::nullopt;

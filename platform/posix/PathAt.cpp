@@ -202,7 +202,8 @@ bool isDirectory(const QByteArray& path)
 bool setDirectoryMode(const QByteArray& path, mode_t mode)
 {
     // In a directory that is open to all, the name may be a second one of any file of ours.
-    const UniqueFd directory(::open(path.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    const UniqueFd directory(
+        retry([&] { return ::open(path.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
     return directory.isValid() && ::chmod(pathThrough(directory.get()).constData(), mode) == 0;
 }
 

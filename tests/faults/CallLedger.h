@@ -1,6 +1,7 @@
 // What a campaign knows of the calls that it has made: what must be in the log, what may be, and what may not.
 #pragma once
 
+#include "handset/recent_calls/RecentCalls.h"
 #include "recentcall/utility/PHONE_ENG_RecentCall.h"
 #include "recentcall/utility/store/RecordFile_p.h"
 #include "tests/faults/Campaign.h"
@@ -9,8 +10,10 @@
 #include <QtCore/QHash>
 #include <QtCore/QSet>
 
+#include <array>
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -193,6 +196,13 @@ private:
     QSet<int> m_read;
     int m_learned = 0;
 };
+
+/// All voice calls of the log; nothing when the service does not answer.
+inline std::optional<std::vector<Call>> listCalls()
+{
+    static constexpr std::array kVoice{RC_CALL_TYPE_VOICE};
+    return zyn::handset::fetchCalls(RC_CALL_CATEGORY_ALL, kVoice);
+}
 
 /// The calls on disk in the store @p directory; no slot may be torn, and each file must be valid or missing.
 inline std::vector<Call> callsOnDisk(Campaign& campaign, const QString& directory, bool mayMiss = false)

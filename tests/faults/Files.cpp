@@ -4,7 +4,6 @@
 #include "recentcall/utility/PHONE_RecentCall.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "tests/faults/CallClient.h"
 #include "tests/faults/CallLedger.h"
 #include "tests/faults/ProcessStatus.h"
 #include "tests/faults/Service.h"
@@ -431,35 +430,11 @@ void workForEver()
     }
 }
 
-/// Keeps the library's trace out of the results for as long as it lives.
-class Quiet
-{
-public:
-    Quiet()
-        : m_output(::dup(STDOUT_FILENO))
-    {
-        std::fflush(stdout);
-        const zyn::posix::UniqueFd nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-        ::dup2(nowhere.get(), STDOUT_FILENO);
-    }
-    Quiet(const Quiet&) = delete;
-    Quiet& operator=(const Quiet&) = delete;
-    ~Quiet()
-    {
-        std::fflush(stdout);
-        ::dup2(m_output.get(), STDOUT_FILENO);
-    }
-
-private:
-    zyn::posix::UniqueFd m_output;
-};
-
 } // namespace
 
 void files(Campaign& campaign)
 {
     constexpr unsigned int kHang = 120; // seconds in which a round ends, or else this process does
-    const Quiet quiet;
     std::array<Process, 3> services;
     constexpr std::array kNames{"zyn-recentcalld", "zyn-favourites", "zyn-phoned"};
     for (size_t i = 0; i < services.size(); ++i)

@@ -10,7 +10,6 @@
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
 #include "recentcall/utility/RecentCall_Messages_p.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
-#include "tests/faults/CallClient.h"
 #include "tests/faults/CallLedger.h"
 #include "tests/faults/Service.h"
 #include "utility/PHONE_CommandSocket_p.h"

@@ -365,8 +365,11 @@ public:
     {}
 
     void step(int number);
-    /// Has everybody go on, and those leave that do not stay.
+    /// Has everybody go on, and asks those to leave that do not stay. What waits for one in a sender without a loop
+    /// comes with its next message.
     void calm();
+    /// Waits for those who leave, and checks what they have heard.
+    void seeOff();
 
 private:
     using Listeners = std::vector<std::unique_ptr<ListenerPeer>>;
@@ -488,11 +491,15 @@ void Turmoil::calm()
         kill(*listener);
     while (any(End::Leaves))
         leaveAny();
-    for (const auto& listener : all()) {
-        if (listener->isLeaving)
-            m_conversation.finish(*listener);
-    }
-    std::erase_if(all(), [](const auto& listener) { return listener->isLeaving; });
+}
+
+void Turmoil::seeOff()
+{
+    const auto leaving = [&] {
+        return std::ranges::count_if(all(), [](const auto& one) { return one->isLeaving && !one->process.hasEnded(); });
+    };
+    m_campaign.check(waitWhileMoving([&] { return leaving() == 0; }, leaving), u"those who leave have gone"_s);
+    collect();
 }
 
 /// When all is calm again, nobody has more than he needs for who is there.
@@ -549,6 +556,7 @@ void breakListeners(Campaign& campaign, const QString& folder)
     }
     turmoil.calm();
     conversation.sendUpTo(total, total);
+    turmoil.seeOff();
     const QByteArray memory = sharedMemory(qEnvironmentVariable("ZYN_QCOP_PATH"));
     for (const auto& listener : conversation.listeners()) {
         campaign.check(conversation.waitUntilHeard(*listener),

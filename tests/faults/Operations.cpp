@@ -8,6 +8,7 @@
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
+#include "tests/faults/Service.h"
 #include "tests/faults/shim/SystemCalls.h"
 #include "tests/support/ActivityLogFixture.h"
 #include "utility/PHONE_EmergencyCall.h"
@@ -35,12 +36,6 @@ namespace {
 QString place(const char* name)
 {
     return QLatin1String(kPlace) + u'/' + QLatin1String(name);
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void writeFile(const QString& path, const QByteArray& bytes)
@@ -77,7 +72,7 @@ State files()
         for (const QString& name : directory.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
             if (folder == QByteArray("/tmp") && !name.startsWith(u"emergency_call"_s))
                 continue;
-            const QByteArray contents = readFile(directory.filePath(name));
+            const QByteArray contents = contentsOf(directory.filePath(name));
             const bool isContact = name == QLatin1String(kFavourite) || name == QLatin1String(kNewcomer);
             state[QFile::encodeName(name)] = isContact ? withoutIndex(contents) : contents;
         }

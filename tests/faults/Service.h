@@ -68,7 +68,7 @@ public:
     Process& operator=(const Process&) = delete;
     ~Process() { kill(); }
 
-    /// Does @p work in a copy of this process, whose trace is discarded.
+    /// Does @p work in a copy of this process.
     void fork(const std::function<void()>& work)
     {
         kill();
@@ -76,8 +76,6 @@ public:
         if (m_id != 0)
             return;
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-        ::dup2(nowhere, STDOUT_FILENO);
         work();
         ::_exit(EXIT_SUCCESS);
     }

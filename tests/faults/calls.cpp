@@ -16,7 +16,6 @@
 #include <set>
 #include <vector>
 
-#include <fcntl.h>
 #include <malloc.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -423,10 +422,7 @@ struct Run
 
 [[noreturn]] void runChild(const Operation& operation, const Run& run)
 {
-    // The trace, and what a listener says that could not be set up.
-    const int nowhere = ::open("/dev/null", O_WRONLY);
-    ::dup2(nowhere, STDOUT_FILENO);
-    ::close(nowhere);
+    // What a listener says that could not be set up.
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type == QtFatalMsg)
             s_told->say(QByteArray(s_told->now) + ": " + text.toUtf8());

@@ -8,6 +8,7 @@
 #include "platform/posix/UnixSocket_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
+#include "tests/faults/ProcessStatus.h"
 #include "utility/PHONE_EmergencyList_p.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 
@@ -211,15 +212,8 @@ public:
     QByteArray log() { return m_log += m_process.readAllStandardError(); }
     pid_t id() const { return pid_t(m_process.processId()); }
     bool isRunning() { return m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(0); }
-    /// The most memory that it has had, in KiB.
-    int memory() const
-    {
-        QFile status(u"/proc/%1/status"_s.arg(id()));
-        if (!status.open(QIODevice::ReadOnly))
-            return 0;
-        const auto match = QRegularExpression(u"VmHWM:\\s*(\\d+)"_s).match(QString::fromLatin1(status.readAll()));
-        return match.captured(1).toInt();
-    }
+    /// The most memory that it has had, in KiB; 0 when it is gone.
+    int memory() const { return int(std::max<qint64>(faults::memoryOf(id(), "VmHWM"), 0)); }
 
 private:
     QProcess m_process;

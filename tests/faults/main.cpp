@@ -1,5 +1,7 @@
 // zyn-faults: runs real processes of the handset, breaks them, and counts what is lost.
 #include "tests/faults/Campaign.h"
+
+#include "platform/QuietTrace.h"
 #include "tests/faults/MessageBoard.h"
 #include "tests/support/Process.h"
 
@@ -109,6 +111,7 @@ int main(int argc, char** argv)
     // A process that was killed is found by the write that fails.
     std::signal(SIGPIPE, SIG_IGN);
 
+    const QuietTrace trace;
     QJsonArray results;
     bool isLost = false;
     bool isRun = false;
@@ -123,12 +126,11 @@ int main(int argc, char** argv)
         isRun = isRun || !campaign.isSkipped();
         results.append(campaign.result());
         if (!parser.isSet(json)) {
-            std::puts(qPrintable(campaign.line()));
-            std::fflush(stdout);
+            std::fprintf(trace.output(), "%s\n", qPrintable(campaign.line()));
         }
     }
     if (parser.isSet(json))
-        std::puts(QJsonDocument(results).toJson().constData());
+        std::fputs(QJsonDocument(results).toJson().constData(), trace.output());
     if (!isRun)
         return kSkipped;
     return isLost ? EXIT_FAILURE : EXIT_SUCCESS;
