@@ -37,7 +37,7 @@ constexpr const char* kClients[] = {"none",
                                     "PHONE_AsyncMsgReceiver",
                                     "PHONE_VoiceCallReceiver",
                                     "RecentCall_MsgClient"};
-constexpr int kStarts = 21;
+constexpr int kMeasuredStarts = 21;
 /// In seconds: by then no program does anything any more that it does after its start.
 constexpr unsigned kSettling = 4;
 
@@ -79,7 +79,7 @@ struct Idle
 double medianStart(const Child::Words& words)
 {
     std::vector<double> taken;
-    for (int i = 0; i < kStarts; ++i) {
+    for (int i = 0; i < kMeasuredStarts; ++i) {
         const int64_t start = now();
         Child child(words);
         require(child.finish(), "a program that starts");
@@ -91,7 +91,7 @@ double medianStart(const Child::Words& words)
 double medianReady(const char* name)
 {
     std::vector<double> taken;
-    for (int i = 0; i < kStarts; ++i) {
+    for (int i = 0; i < kMeasuredStarts; ++i) {
         const QTemporaryDir directory;
         taken.push_back(Service(name, directory.path().toLocal8Bit()).readyAfter());
     }

@@ -26,8 +26,8 @@ struct Series
 
 Prepare messageTo(int listeners)
 {
-    constexpr int kTurns = 100;
-    return exchange(ourTransports().front(), {.listeners = listeners, .isInLoop = true, .turns = kTurns});
+    constexpr int kScaleTurns = 100;
+    return exchange(ourTransports().front(), {.listeners = listeners, .isInLoop = true, .turns = kScaleTurns});
 }
 
 std::vector<Series> allSeries()

@@ -26,12 +26,12 @@ namespace {
 using Call = PHONE_ENG_RecentCall;
 using Add = std::function<void(const Call& call)>;
 
-constexpr auto kList = RC_CALL_CATEGORY_ANSWERED;
+constexpr auto kServedList = RC_CALL_CATEGORY_ANSWERED;
 constexpr int kAdds = 50;
 
 std::string filePath(const QByteArray& directory)
 {
-    return directory.toStdString() + "/phone" + zyn::recordFileName(kList);
+    return directory.toStdString() + "/phone" + zyn::recordFileName(kServedList);
 }
 
 /// The list's file as it is now, whoever writes it.
@@ -74,7 +74,7 @@ double sampleAdds(const Add& add, const SeenFile& file, bool untilStored)
     std::vector<double> taken;
     for (int i = 0; i < kAdds; ++i) {
         Call call;
-        call.category = kList;
+        call.category = kServedList;
         call.inUse = 1;
         call.startTime = ++start;
         const int64_t begin = now();

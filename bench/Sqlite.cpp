@@ -9,7 +9,7 @@ namespace bench::sqlite {
 namespace {
 
 constexpr char kInsert[] = "insert into records(start, body) values(?1, ?2)";
-constexpr char kList[] = "select id, body from records order by start desc";
+constexpr char kListQuery[] = "select id, body from records order by start desc";
 
 struct Close
 {
@@ -68,7 +68,7 @@ Prepare add(int often, size_t size)
 Prepare list(int count, size_t size)
 {
     return [count, body = QByteArray(static_cast<qsizetype>(size), 'x')](const QByteArray& directory) -> Job {
-        const auto table = std::make_shared<Table>(directory, kList);
+        const auto table = std::make_shared<Table>(directory, kListQuery);
         const auto insertion = table->prepare(kInsert);
         table->execute("begin");
         for (int i = 0; i < count; ++i)

@@ -18,14 +18,14 @@
 namespace bench {
 namespace {
 
-constexpr char kChannel[] = "/ZYN/bench";
+constexpr char kTransportChannel[] = "/ZYN/bench";
 constexpr char kMessage[] = "message";
 
 constexpr size_t kGatheredFrames = 65'536 / kFrameSize;
 
 void listenOnChannel(Ear& ear)
 {
-    const QCopChannel channel(kChannel);
+    const QCopChannel channel(kTransportChannel);
     QObject::connect(&channel, &QCopChannel::received, &channel, [&ear] { ear.hear(); });
     answer("ready");
     QCoreApplication::exec();
@@ -34,7 +34,7 @@ void listenOnChannel(Ear& ear)
 class ChannelTransport : public Transport
 {
 public:
-    void send() override { require(QCopChannel::send(kChannel, kMessage, m_payload), "send()"); }
+    void send() override { require(QCopChannel::send(kTransportChannel, kMessage, m_payload), "send()"); }
 
 private:
     QByteArray m_payload{kPayload};

@@ -19,7 +19,10 @@ target_compile_options(zyn_options INTERFACE
     $<$<BOOL:${ZYN_WARNINGS_AS_ERRORS}>:-Werror>)
 if(ZYN_SANITIZE)
     target_compile_options(zyn_options INTERFACE
-        -fsanitize=${ZYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${ZYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # Undefined behaviour is a trap: the text that would tell of it grows programs tenfold, and gcc guards each piece
+        # against overflows, so that they start three times as slowly.
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fsanitize-undefined-trap-on-error>)
     target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
 endif()
 

@@ -196,7 +196,7 @@ QList<QByteArray> logSeeds()
     };
 }
 
-constexpr std::array kTargets{
+constexpr std::array kActivityTargets{
     Target{"activity_sequence", "the favourites and their activity log, against a model", operateLog, logSeeds},
 };
 
@@ -204,7 +204,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> activityTargets()
 {
-    return kTargets;
+    return kActivityTargets;
 }
 
 } // namespace zyn::fuzz

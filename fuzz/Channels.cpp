@@ -74,7 +74,7 @@ QList<QByteArray> frameSeeds()
     };
 }
 
-constexpr std::array kTargets{
+constexpr std::array kChannelTargets{
     Target{"channel_frames", "the frames and the introduction on a channel's connection", readFrames, frameSeeds},
 };
 
@@ -82,7 +82,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> channelTargets()
 {
-    return kTargets;
+    return kChannelTargets;
 }
 
 } // namespace zyn::fuzz

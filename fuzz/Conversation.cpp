@@ -173,7 +173,7 @@ QList<QByteArray> conversationSeeds()
     };
 }
 
-constexpr std::array kTargets{
+constexpr std::array kConversationTargets{
     Target{"channel_sequence", "messages of several senders to listeners that come, go and stop reading", converse,
            conversationSeeds},
 };
@@ -182,7 +182,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> conversationTargets()
 {
-    return kTargets;
+    return kConversationTargets;
 }
 
 } // namespace zyn::fuzz

@@ -29,7 +29,7 @@ QString numberText()
     return QLatin1String(kNumber);
 }
 
-PHONE_ENG_RecentCall call(RC_CALL_CATEGORY_T list, int slot)
+PHONE_ENG_RecentCall callIn(RC_CALL_CATEGORY_T list, int slot)
 {
     PHONE_ENG_RecentCall record(QStringLiteral("0301112222"), QDateTime::fromSecsSinceEpoch(1'700'000'000 + slot), 60);
     record.category = list;
@@ -92,7 +92,7 @@ QList<QByteArray> recordFileSeeds()
 {
     QByteArray image = RecordFile::blankImage();
     for (const int slot : {0, 1, 49})
-        RecordFile::put(image, slot, call(RC_CALL_CATEGORY_MISSED, slot));
+        RecordFile::put(image, slot, callIn(RC_CALL_CATEGORY_MISSED, slot));
     QList<QByteArray> seeds;
     for (const QByteArray& variation : variations(image))
         seeds += '\1' + variation;
@@ -131,7 +131,7 @@ QList<QByteArray> contactFileSeeds()
     constexpr int kSlots = 15;
     QByteArray image = ContactFile::blankImage(kSlots);
     for (const int slot : {0, 1, 14}) {
-        PHONE_ENG_ActivityLog entry(call(RC_CALL_CATEGORY_MISSED, slot));
+        PHONE_ENG_ActivityLog entry(callIn(RC_CALL_CATEGORY_MISSED, slot));
         entry.setPhoneNumber(numberText());
         entry.topPalsAvlIndex = slot;
         entry.topPalsAvlPos = slot;
@@ -173,7 +173,7 @@ void readSeenCalls(Input& input)
     const Folder folder;
     const QString path = folder.store(QLatin1String(kSeenCallsName));
     writeFile(path, input.rest());
-    const PHONE_ENG_RecentCall seen = call(RC_CALL_CATEGORY_MISSED, 0);
+    const PHONE_ENG_RecentCall seen = callIn(RC_CALL_CATEGORY_MISSED, 0);
     handset::SeenCalls calls(path);
     calls.contains(seen);
     require(calls.replaceBy(std::span(&seen, 1)) && handset::SeenCalls(path).contains(seen),
@@ -268,7 +268,7 @@ QList<QByteArray> settingsSeeds()
     };
 }
 
-constexpr std::array kTargets{
+constexpr std::array kFileTargets{
     Target{"file_calls", "a list of calls: store, service, check and repair", readRecordFile, recordFileSeeds},
     Target{"file_contact", "a favourite's entries: store, owner, check and repair", readContactFile, contactFileSeeds},
     Target{"file_favourites", "the favourites: store, owner, check and repair", readFavouritesFile,
@@ -282,7 +282,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> fileTargets()
 {
-    return kTargets;
+    return kFileTargets;
 }
 
 } // namespace zyn::fuzz

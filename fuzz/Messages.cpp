@@ -172,7 +172,7 @@ QList<QByteArray> shownSeeds()
     return seeds;
 }
 
-constexpr std::array kTargets{
+constexpr std::array kMessageTargets{
     Target{"message_receive", "the clients of all channels, any message name and payload", receive, messageSeeds},
     Target{"message_decode", "decode() and encode(), each message of the library", decodePayload, messageSeeds},
     Target{"message_show", "monitor's lines and JSON, lines of recordings", showMessage, shownSeeds},
@@ -182,7 +182,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> messageTargets()
 {
-    return kTargets;
+    return kMessageTargets;
 }
 
 } // namespace zyn::fuzz

@@ -310,7 +310,7 @@ QList<QByteArray> phoneServerSeeds()
             frame(CallFailed, "data"), frame(0) + frame(1) + frame(CallEnded).chopped(1)};
 }
 
-constexpr std::array kTargets{
+constexpr std::array kSocketTargets{
     Target{"socket_commands", "Socket_ReadCommand() and Socket_WriteCommand()", readCommands, commandSeeds},
     Target{"recentcall_service", "zyn-recentcalld's commands", serveRecentCalls, recentCallSeeds},
     Target{"recentcall_client", "answers of the recent-call service", askForRecentCalls, recentCallAnswerSeeds},
@@ -323,7 +323,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> socketTargets()
 {
-    return kTargets;
+    return kSocketTargets;
 }
 
 } // namespace zyn::fuzz

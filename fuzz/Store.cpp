@@ -327,7 +327,7 @@ QList<QByteArray> storeSeeds()
     };
 }
 
-constexpr std::array kTargets{
+constexpr std::array kStoreTargets{
     Target{"store_sequence", "the store of recent calls, against a model", operateStores, storeSeeds},
 };
 
@@ -335,7 +335,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> storeTargets()
 {
-    return kTargets;
+    return kStoreTargets;
 }
 
 } // namespace zyn::fuzz

@@ -192,7 +192,7 @@ QList<QByteArray> wordSeeds()
     return seeds;
 }
 
-constexpr std::array kTargets{
+constexpr std::array kTextTargets{
     Target{"text_csv", "import of CSV, of calls and of favourites", readCsv, csvSeeds},
     Target{"text_json", "import of JSON, of calls and of favourites", readJson, jsonSeeds},
     Target{"text_recording", "recordings, both versions, read and continued", readRecording, recordingSeeds},
@@ -204,7 +204,7 @@ constexpr std::array kTargets{
 
 std::span<const Target> textTargets()
 {
-    return kTargets;
+    return kTextTargets;
 }
 
 } // namespace zyn::fuzz

@@ -98,33 +98,33 @@ struct Cache
 };
 
 /// No destructor: settings may be asked for by objects that are destroyed after the thread's cache.
-struct Thread
+struct ThreadCache
 {
     Cache* cache;
     bool isEnding;
 };
-thread_local Thread t_thread = {};
+thread_local ThreadCache t_cache = {};
 
-struct ThreadEnd
+struct CacheEnd
 {
-    ThreadEnd() = default;
-    ThreadEnd(const ThreadEnd&) = delete;
-    ThreadEnd& operator=(const ThreadEnd&) = delete;
-    ~ThreadEnd()
+    CacheEnd() = default;
+    CacheEnd(const CacheEnd&) = delete;
+    CacheEnd& operator=(const CacheEnd&) = delete;
+    ~CacheEnd()
     {
-        delete std::exchange(t_thread.cache, nullptr);
-        t_thread.isEnding = true;
+        delete std::exchange(t_cache.cache, nullptr);
+        t_cache.isEnding = true;
     }
 };
 
 /// The cache of the calling thread; null when there is none any more.
 Cache* threadCache()
 {
-    if (!t_thread.cache && !t_thread.isEnding) {
-        static thread_local const ThreadEnd t_end;
-        t_thread.cache = new Cache;
+    if (!t_cache.cache && !t_cache.isEnding) {
+        static thread_local const CacheEnd t_end;
+        t_cache.cache = new Cache;
     }
-    return t_thread.cache;
+    return t_cache.cache;
 }
 
 } // namespace

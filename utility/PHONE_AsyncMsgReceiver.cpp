@@ -7,71 +7,71 @@
 
 namespace {
 
-using Client = PHONE_MsgClient;
+using PhoneClient = PHONE_MsgClient;
 using Relay = PHONE_AsyncMsgReceiver;
 
 /// Not ended with the process: by then the channels may be gone.
-PHONE_AsyncMsgReceiver* s_instance = nullptr;
+PHONE_AsyncMsgReceiver* s_receiver = nullptr;
 
 template<auto From, auto To>
-void connectSignals(const Client* client, const Relay* relay)
+void connectSignals(const PhoneClient* client, const Relay* relay)
 {
     QObject::connect(client, From, relay, To);
 }
 
-using Route = void (*)(const Client* client, const Relay* relay);
+using Route = void (*)(const PhoneClient* client, const Relay* relay);
 
 constexpr Route kRoutes[] = {
-    &connectSignals<&Client::signalSimCardStatus, &Relay::signalSimCardStatus>,
-    &connectSignals<&Client::signalPinStatus, &Relay::signalPinStatus>,
-    &connectSignals<&Client::signalChargeStatus, &Relay::signalChargeStatus>,
-    &connectSignals<&Client::signalBatteryStatus, &Relay::signalBatteryStatus>,
-    &connectSignals<&Client::signalBatteryCapacity, &Relay::signalBatteryCapacity>,
-    &connectSignals<&Client::signalSetRFModResult, &Relay::signalSetRFModResult>,
-    &connectSignals<&Client::signalSignalQuality, &Relay::signalSignalQuality>,
-    &connectSignals<&Client::signalServiceAvailability, &Relay::signalServiceAvailability>,
-    &connectSignals<&Client::signalRoamingState, &Relay::signalRoamingState>,
-    &connectSignals<&Client::signalNetworkStatus, &Relay::signalNetworkStatus>,
-    &connectSignals<&Client::signalRegisted, &Relay::signalRegisted>,
-    &connectSignals<&Client::signalServiceName, &Relay::signalServiceName>,
-    &connectSignals<&Client::signalSpnNameExtend, &Relay::signalSpnNameExtend>,
-    &connectSignals<&Client::signalGprsActivated, &Relay::signalGprsActivated>,
-    &connectSignals<&Client::signalGprsAttached, &Relay::signalGprsAttached>,
-    &connectSignals<&Client::signalGprsService, &Relay::signalGprsService>,
-    &connectSignals<&Client::signalEgprsService, &Relay::signalEgprsService>,
-    &connectSignals<&Client::signalEgprsTrans, &Relay::signalEgprsTrans>,
-    &connectSignals<&Client::signalOpenGprsResult, &Relay::signalOpenGprsResult>,
-    &connectSignals<&Client::signalCloseGprsResult, &Relay::signalCloseGprsResult>,
-    &connectSignals<&Client::signalLowBattery, &Relay::signalLowBattery>,
-    &connectSignals<&Client::signalOperatorLogo, &Relay::signalOperatorLogo>,
-    &connectSignals<&Client::signalCSDCallStatChanged, &Relay::signalCSDCallStatChanged>,
-    &connectSignals<&Client::signalCallForwardStatChanged, &Relay::signalCallForwardStatChanged>,
-    &connectSignals<&Client::signalLineNumberStatChanged, &Relay::signalLineNumberStatChanged>,
-    &connectSignals<&Client::signalVoiceCallStatChanged, &Relay::signalVoiceCallStatChanged>,
-    &connectSignals<&Client::signalChargeComleted, &Relay::signalChargeComleted>,
-    &connectSignals<&Client::signalLowBatteryStatusChanged, &Relay::signalLowBatteryStatusChanged>,
-    &connectSignals<&Client::signalCallbarringStatusChanged, &Relay::signalCallbarringStatusChanged>,
-    &connectSignals<&Client::signalWifiCampStatus, &Relay::signalWifiCampStatus>,
-    &connectSignals<&Client::signalWifiSignalBar, &Relay::signalWifiSignalBar>,
-    &connectSignals<&Client::signalWifiConnectionInProgress, &Relay::signalWifiConnectionInProgress>,
-    &connectSignals<&Client::signalWifiProfileName, &Relay::signalWifiProfileName>,
-    &connectSignals<&Client::signalSimCardChanged, &Relay::signalSimCardChanged>,
-    &connectSignals<&Client::signalHomeZoneName, &Relay::signalHomeZoneName>,
-    &connectSignals<&Client::signalDisplayUMAIcon, &Relay::signalDisplayUMAIcon>,
+    &connectSignals<&PhoneClient::signalSimCardStatus, &Relay::signalSimCardStatus>,
+    &connectSignals<&PhoneClient::signalPinStatus, &Relay::signalPinStatus>,
+    &connectSignals<&PhoneClient::signalChargeStatus, &Relay::signalChargeStatus>,
+    &connectSignals<&PhoneClient::signalBatteryStatus, &Relay::signalBatteryStatus>,
+    &connectSignals<&PhoneClient::signalBatteryCapacity, &Relay::signalBatteryCapacity>,
+    &connectSignals<&PhoneClient::signalSetRFModResult, &Relay::signalSetRFModResult>,
+    &connectSignals<&PhoneClient::signalSignalQuality, &Relay::signalSignalQuality>,
+    &connectSignals<&PhoneClient::signalServiceAvailability, &Relay::signalServiceAvailability>,
+    &connectSignals<&PhoneClient::signalRoamingState, &Relay::signalRoamingState>,
+    &connectSignals<&PhoneClient::signalNetworkStatus, &Relay::signalNetworkStatus>,
+    &connectSignals<&PhoneClient::signalRegisted, &Relay::signalRegisted>,
+    &connectSignals<&PhoneClient::signalServiceName, &Relay::signalServiceName>,
+    &connectSignals<&PhoneClient::signalSpnNameExtend, &Relay::signalSpnNameExtend>,
+    &connectSignals<&PhoneClient::signalGprsActivated, &Relay::signalGprsActivated>,
+    &connectSignals<&PhoneClient::signalGprsAttached, &Relay::signalGprsAttached>,
+    &connectSignals<&PhoneClient::signalGprsService, &Relay::signalGprsService>,
+    &connectSignals<&PhoneClient::signalEgprsService, &Relay::signalEgprsService>,
+    &connectSignals<&PhoneClient::signalEgprsTrans, &Relay::signalEgprsTrans>,
+    &connectSignals<&PhoneClient::signalOpenGprsResult, &Relay::signalOpenGprsResult>,
+    &connectSignals<&PhoneClient::signalCloseGprsResult, &Relay::signalCloseGprsResult>,
+    &connectSignals<&PhoneClient::signalLowBattery, &Relay::signalLowBattery>,
+    &connectSignals<&PhoneClient::signalOperatorLogo, &Relay::signalOperatorLogo>,
+    &connectSignals<&PhoneClient::signalCSDCallStatChanged, &Relay::signalCSDCallStatChanged>,
+    &connectSignals<&PhoneClient::signalCallForwardStatChanged, &Relay::signalCallForwardStatChanged>,
+    &connectSignals<&PhoneClient::signalLineNumberStatChanged, &Relay::signalLineNumberStatChanged>,
+    &connectSignals<&PhoneClient::signalVoiceCallStatChanged, &Relay::signalVoiceCallStatChanged>,
+    &connectSignals<&PhoneClient::signalChargeComleted, &Relay::signalChargeComleted>,
+    &connectSignals<&PhoneClient::signalLowBatteryStatusChanged, &Relay::signalLowBatteryStatusChanged>,
+    &connectSignals<&PhoneClient::signalCallbarringStatusChanged, &Relay::signalCallbarringStatusChanged>,
+    &connectSignals<&PhoneClient::signalWifiCampStatus, &Relay::signalWifiCampStatus>,
+    &connectSignals<&PhoneClient::signalWifiSignalBar, &Relay::signalWifiSignalBar>,
+    &connectSignals<&PhoneClient::signalWifiConnectionInProgress, &Relay::signalWifiConnectionInProgress>,
+    &connectSignals<&PhoneClient::signalWifiProfileName, &Relay::signalWifiProfileName>,
+    &connectSignals<&PhoneClient::signalSimCardChanged, &Relay::signalSimCardChanged>,
+    &connectSignals<&PhoneClient::signalHomeZoneName, &Relay::signalHomeZoneName>,
+    &connectSignals<&PhoneClient::signalDisplayUMAIcon, &Relay::signalDisplayUMAIcon>,
 };
 
 } // namespace
 
 PHONE_AsyncMsgReceiver* PHONE_AsyncMsgReceiver::instance()
 {
-    if (!s_instance)
-        s_instance = new PHONE_AsyncMsgReceiver;
-    return s_instance;
+    if (!s_receiver)
+        s_receiver = new PHONE_AsyncMsgReceiver;
+    return s_receiver;
 }
 
 void PHONE_AsyncMsgReceiver::destruction()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_receiver, nullptr);
 }
 
 PHONE_AsyncMsgReceiver::PHONE_AsyncMsgReceiver()

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr char kSource[] = "utility/PHONE_Msg";
+constexpr char kMsgSource[] = "utility/PHONE_Msg";
 
 } // namespace
 
@@ -25,14 +25,14 @@ QCString PHONE_Msg::getMsg(PHONE_MSG_TYPE_T type)
 
 bool PHONE_Msg::send(PHONE_MSG_TYPE_T type)
 {
-    zyn::logEntry(kPhoneLogLevel, kSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, kMsgSource, __func__);
     const QCString name = getMsg(type);
     return !name.isEmpty() && QCopChannel::send(zyn::kPhoneChannel, name);
 }
 
 bool PHONE_Msg::send(PHONE_MSG_TYPE_T type, const QByteArray& data)
 {
-    zyn::logEntry(kPhoneLogLevel, kSource, __func__);
+    zyn::logEntry(kPhoneLogLevel, kMsgSource, __func__);
     const QCString name = getMsg(type);
     if (name.isEmpty()) {
         PHONE_Log(kPhoneLogLevel, "Error in getting message");

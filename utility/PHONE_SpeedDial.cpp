@@ -16,14 +16,14 @@ QString group()
     return zyn::settingPart(zyn::setting::kSpeedDialGroup);
 }
 
-QString read(SETUP_SET_Manager& settings, int index)
+QString readNumber(SETUP_SET_Manager& settings, int index)
 {
     QString number;
     settings.getSettingInfo(group(), QString::number(index), number, QLatin1String(""), false);
     return number;
 }
 
-bool write(SETUP_SET_Manager& settings, int index, const QString& number)
+bool writeNumber(SETUP_SET_Manager& settings, int index, const QString& number)
 {
     return settings.setSettingInfo(group(), QString::number(index), number, false);
 }
@@ -37,20 +37,20 @@ PHONE_SpeedDial::~PHONE_SpeedDial() = default;
 QString PHONE_SpeedDial::getTurboDialing(int index)
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
-    return read(settings, index);
+    return readNumber(settings, index);
 }
 
 bool PHONE_SpeedDial::setTurboDialing(int index, QString const& number)
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, true);
-    return write(settings, index, number);
+    return writeNumber(settings, index, number);
 }
 
 int PHONE_SpeedDial::getFirstAvailableTurboDialingIndex()
 {
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     for (int index = kFirstIndex; index <= kLastIndex; ++index) {
-        if (read(settings, index).isEmpty())
+        if (readNumber(settings, index).isEmpty())
             return index;
     }
     return -1;
@@ -61,7 +61,7 @@ bool PHONE_SpeedDial::setTurboDialing(QStringList const& numbers)
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     int index = kFirstIndex;
     for (const QString& number : numbers.first(std::min<qsizetype>(numbers.size(), kLastIndex)))
-        write(settings, index++, number);
+        writeNumber(settings, index++, number);
     return settings.flush();
 }
 
@@ -70,7 +70,7 @@ void PHONE_SpeedDial::getTurboDialingList(QStringList& numbers)
     numbers.clear();
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     for (int index = kFirstIndex; index <= kLastIndex; ++index)
-        numbers += read(settings, index);
+        numbers += readNumber(settings, index);
 }
 
 QString Phone_GetTurboDialingByIndex(int index)

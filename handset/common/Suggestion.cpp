@@ -17,7 +17,7 @@ struct Edits
     qsizetype ofBeginning; ///< to a beginning of the second word
     qsizetype ofWhole;
 
-    auto operator<=>(const Edits&) const = default; // NOLINT(modernize-use-nullptr): what it says of the generated code
+    auto operator<=>(const Edits&) const = default; // NOLINT(*-zero-as-null-pointer-constant): generated
 };
 
 Edits edits(const QString& from, const QString& to)

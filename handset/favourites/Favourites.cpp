@@ -18,11 +18,6 @@ using Store = ActivityLog_ENG_RecordStore;
 namespace zyn::handset {
 namespace {
 
-Store& store()
-{
-    return *Store::instance();
-}
-
 QString madeStoreDirectory()
 {
     makeStoreDirectory();
@@ -43,9 +38,9 @@ FavouriteChange obstacle(const QString& oldKey, const QString& newKey)
         return NoFavourite;
     if (isFavourite(newKey))
         return oldKey == newKey ? Same : AlreadyFavourite;
-    if (oldKey.isEmpty() && store().getValidIndexForTopPalFiles() < 0)
+    if (oldKey.isEmpty() && Store::instance()->getValidIndexForTopPalFiles() < 0)
         return NoPlace;
-    if (!newKey.isEmpty() && store().getStoreFileName(newKey).isNull())
+    if (!newKey.isEmpty() && Store::instance()->getStoreFileName(newKey).isNull())
         return Refused;
     return Done;
 }
@@ -54,7 +49,7 @@ FavouriteChange obstacle(const QString& oldKey, const QString& newKey)
 void removeLeftover(const QString& key)
 {
     if (hasValidLog(key))
-        posix::removeFile(QFile::encodeName(store().getStoreFileName(key)));
+        posix::removeFile(QFile::encodeName(Store::instance()->getStoreFileName(key)));
 }
 
 } // namespace
@@ -94,7 +89,7 @@ QString ActivityLogLock::problem() const
 QStringList favouriteKeys()
 {
     std::array<QString, Store::kFavourites> names;
-    store().getCurrentTopPalsFileNames(names.data());
+    Store::instance()->getCurrentTopPalsFileNames(names.data());
     return QStringList(names.begin(), names.end());
 }
 
@@ -113,7 +108,7 @@ bool reloadFavourites()
 
 bool isFavourite(const QString& key)
 {
-    return !key.isEmpty() && store().getTopPalFileItem(key) >= 0;
+    return !key.isEmpty() && Store::instance()->getTopPalFileItem(key) >= 0;
 }
 
 FavouriteChange replaceFavourite(const QString& oldNumber, const QString& newNumber)
@@ -127,7 +122,7 @@ FavouriteChange replaceFavourite(const QString& oldNumber, const QString& newNum
         return problem;
     if (!newKey.isEmpty())
         removeLeftover(newKey);
-    store().revampTopPalsAvlStorage(oldKey, newKey);
+    Store::instance()->revampTopPalsAvlStorage(oldKey, newKey);
     Store::destroy();
     if (newKey.isEmpty())
         return isFavourite(oldKey) ? Refused : Done;

@@ -8,7 +8,7 @@
 namespace zyn::posix {
 namespace {
 
-constexpr std::chrono::milliseconds kPause{100};
+constexpr std::chrono::milliseconds kAcceptPause{100};
 
 /// Whether no other connection can follow: the socket was shut down, or this is a forked child, which has no socket.
 bool isFinal(int error)
@@ -25,7 +25,7 @@ Acceptor::Acceptor(int listener, std::function<bool()> accept, QObject* parent)
     , m_pause(this)
 {
     m_pause.setSingleShot(true);
-    m_pause.setInterval(kPause);
+    m_pause.setInterval(kAcceptPause);
     m_pause.callOnTimeout(this, [this] { setEnabled(true); });
     connect(&m_notifier, &QSocketNotifier::activated, this, &Acceptor::acceptNext);
 }

@@ -20,7 +20,7 @@ namespace {
 
 constexpr mode_t kOwnerOnly = 0700;
 constexpr mode_t kEverybodyElse = 0077;
-constexpr mode_t kPermissions = 07777;
+constexpr mode_t kAllModeBits = 07777;
 
 struct CloseDirectory
 {
@@ -126,7 +126,7 @@ std::optional<EntryStatus> entryStatus(int directory, const QByteArray& name)
         return std::nullopt;
     return EntryStatus{
         {status.st_dev, status.st_ino},
-        status.st_mode & kPermissions,
+        status.st_mode & kAllModeBits,
         std::chrono::seconds(qint64{::time(nullptr)} - qint64{status.st_ctime}),
     };
 }

@@ -20,10 +20,10 @@
 namespace zyn::posix {
 namespace {
 
-constexpr mode_t kMode = 0600;
+constexpr mode_t kLockMode = 0600;
 constexpr qint64 kSizeLimit = 4096;
 /// How often a lock that another process holds is tried.
-constexpr std::chrono::milliseconds kPause{2};
+constexpr std::chrono::milliseconds kRetryPause{2};
 
 QByteArray hostName()
 {
@@ -41,7 +41,7 @@ UniqueFd lockFile(const QByteArray& path)
             errno = EEXIST;
             return {};
         }
-        UniqueFd fd = openAt(AT_FDCWD, path, O_RDWR | O_CREAT, kMode);
+        UniqueFd fd = openAt(AT_FDCWD, path, O_RDWR | O_CREAT, kLockMode);
         if (!fd.isValid() || retry([&] { return ::flock(fd.get(), LOCK_EX | LOCK_NB); }) != 0)
             return {};
         // The holder of the lock may have removed the file after it was opened here: then this lock keeps nobody out.
@@ -63,7 +63,7 @@ bool FileLock::lock(const QByteArray& path, LockOwner owner, std::chrono::millis
     while (!lockOnce(path, owner)) {
         if (errno != EWOULDBLOCK || deadline.hasExpired())
             return false;
-        QThread::msleep(static_cast<unsigned long>(kPause.count()));
+        QThread::msleep(static_cast<unsigned long>(kRetryPause.count()));
     }
     return true;
 }

@@ -44,7 +44,7 @@ struct FileVersion
         time_t seconds;
         long nanoseconds;
 
-        auto operator<=>(const Moment&) const = default; // NOLINT(modernize-use-nullptr): generated
+        auto operator<=>(const Moment&) const = default; // NOLINT(*-zero-as-null-pointer-constant): generated
     };
 
     FileId id;

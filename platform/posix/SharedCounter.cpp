@@ -18,11 +18,11 @@
 namespace zyn::posix {
 namespace {
 
-constexpr int kMode = 0600;
-constexpr mode_t kPermissions = 0777;
+constexpr int kSegmentMode = 0600;
+constexpr mode_t kSegmentPermissions = 0777;
 constexpr char kSeparator = '-';
 constexpr int kHex = 16;
-constexpr timespec kPause = {0, 500'000};
+constexpr timespec kAttachPause = {0, 500'000};
 
 QByteArray nameOf(int id, uint64_t cookie)
 {
@@ -40,7 +40,7 @@ bool isPrivate(int id, size_t size)
 {
     shmid_ds status = {};
     return ::shmctl(id, IPC_STAT, &status) == 0 && status.shm_segsz == size && status.shm_perm.uid == ::geteuid()
-           && status.shm_perm.cuid == ::geteuid() && (status.shm_perm.mode & kPermissions) == kMode;
+           && status.shm_perm.cuid == ::geteuid() && (status.shm_perm.mode & kSegmentPermissions) == kSegmentMode;
 }
 
 } // namespace
@@ -74,7 +74,7 @@ SharedCounter::Segment* SharedCounter::attachSegment(int id, int flags)
 
 std::optional<SharedCounter> SharedCounter::make()
 {
-    const int id = ::shmget(IPC_PRIVATE, sizeof(Segment), IPC_CREAT | kMode);
+    const int id = ::shmget(IPC_PRIVATE, sizeof(Segment), IPC_CREAT | kSegmentMode);
     Segment* const segment = id < 0 ? nullptr : attachSegment(id, 0);
     if (id >= 0)
         ::shmctl(id, IPC_RMID, nullptr);
@@ -137,7 +137,7 @@ std::chrono::nanoseconds tickTime()
 void waitForTick()
 {
     for (const auto start = tickTime(); tickTime() == start;)
-        ::nanosleep(&kPause, nullptr);
+        ::nanosleep(&kAttachPause, nullptr);
 }
 
 } // namespace zyn::posix

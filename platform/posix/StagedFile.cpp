@@ -21,7 +21,7 @@ namespace zyn::posix {
 namespace {
 
 constexpr mode_t kNewFileMode = 0666; // less the process's umask
-constexpr mode_t kPermissions = 0777;
+constexpr mode_t kKeptPermissions = 0777;
 
 bool canLock(int fd)
 {
@@ -90,7 +90,7 @@ void StagedFile::copyOwnership(int other) const
     if (::fstat(other, &status) != 0)
         return;
     [[maybe_unused]] const int result = ::fchown(m_fd.get(), status.st_uid, status.st_gid);
-    ::fchmod(m_fd.get(), status.st_mode & kPermissions);
+    ::fchmod(m_fd.get(), status.st_mode & kKeptPermissions);
 }
 
 bool StagedFile::moveIn()

@@ -15,7 +15,7 @@ constexpr char kLink[] = ".zyn-changes";
 /// The prefix of the target that a listener sets if it cannot make a number.
 constexpr char kNoNumber[] = "none-";
 /// How often a listener tries to count: others may name another number at the same time.
-constexpr int kAttempts = 4;
+constexpr int kReadAttempts = 4;
 /// For how long senders assume that nothing has changed apart from what is counted.
 constexpr std::chrono::milliseconds kTrustTime{50};
 
@@ -29,7 +29,7 @@ QByteArray anyName()
 std::optional<posix::SharedCounter> ChannelChanges::announce(int root)
 {
     std::optional<posix::SharedCounter> made; // until it is attached to by its name
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
         auto number = posix::SharedCounter::attach(posix::linkTarget(root, kLink), posix::Access::Change);
         if (number) {
             number->increase();

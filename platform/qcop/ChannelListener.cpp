@@ -21,7 +21,7 @@ namespace zyn {
 namespace {
 
 /// How often a listener tries at once to register: others remove the channel's directory while it is empty.
-constexpr int kAttempts = 8;
+constexpr int kNameAttempts = 8;
 /// How soon a listener that could not register tries again, and how seldom in the end.
 constexpr std::chrono::milliseconds kFirstPause{10};
 constexpr std::chrono::milliseconds kLastPause{1000};
@@ -289,7 +289,7 @@ std::unique_ptr<ChannelListener::Entrance> ChannelListener::makeEntrance()
 posix::UniqueFd ChannelListener::openSocket()
 {
     const QByteArray root = m_environment.root();
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
         const auto directory = ChannelDirectory::make(root, m_channel);
         posix::UniqueFd socket = directory ? directory->listenAs(m_name) : posix::UniqueFd();
         if (!socket.isValid())

@@ -22,43 +22,43 @@ constexpr std::chrono::seconds kDrainTime{2};
  * and in the thread that ends the process the static ones, may still send, and no message may overtake those sent
  * before.
  */
-struct Thread
+struct SenderOfThread
 {
     ChannelSender* sender;
     unsigned generation; ///< of the process that made the sender
     bool isEnding;
     Clock::duration waited;
 };
-thread_local Thread t_thread = {};
+thread_local SenderOfThread t_sender = {};
 
 /// Waits for the listeners of the calling thread, for as long as it has not yet waited.
 void drainThisThread()
 {
-    if (!t_thread.sender || t_thread.generation != posix::forkGeneration())
+    if (!t_sender.sender || t_sender.generation != posix::forkGeneration())
         return;
     const auto start = Clock::now();
-    t_thread.sender->drain(kDrainTime - t_thread.waited);
-    t_thread.waited += Clock::now() - start;
+    t_sender.sender->drain(kDrainTime - t_sender.waited);
+    t_sender.waited += Clock::now() - start;
 }
 
 /// Ends what needs the thread's event loop.
 void endLoop()
 {
     drainThisThread();
-    if (t_thread.sender)
-        t_thread.sender->leaveLoop();
+    if (t_sender.sender)
+        t_sender.sender->leaveLoop();
 }
 
 /// Is destroyed with the thread's other objects, or when the process ends.
-struct ThreadEnd
+struct ThreadSenderEnd
 {
-    ThreadEnd() = default;
-    ThreadEnd(const ThreadEnd&) = delete;
-    ThreadEnd& operator=(const ThreadEnd&) = delete;
-    ~ThreadEnd()
+    ThreadSenderEnd() = default;
+    ThreadSenderEnd(const ThreadSenderEnd&) = delete;
+    ThreadSenderEnd& operator=(const ThreadSenderEnd&) = delete;
+    ~ThreadSenderEnd()
     {
         endLoop();
-        t_thread.isEnding = true;
+        t_sender.isEnding = true;
     }
 };
 
@@ -76,7 +76,7 @@ public:
     ~SenderEnd()
     {
         drainThisThread();
-        t_thread.isEnding = true;
+        t_sender.isEnding = true;
     }
 
     void follow(ChannelSender* sender) const { ::pthread_setspecific(m_key, sender); }
@@ -85,7 +85,7 @@ private:
     static void end(ChannelSender* sender)
     {
         drainThisThread();
-        t_thread.sender = nullptr;
+        t_sender.sender = nullptr;
         delete sender;
     }
 
@@ -96,22 +96,22 @@ const SenderEnd theSenderEnd;
 ChannelSender& threadSender()
 {
     // What a forked child finds gathered is its parent's to write.
-    if (t_thread.sender && t_thread.generation != posix::forkGeneration())
-        delete std::exchange(t_thread.sender, nullptr);
-    if (t_thread.sender)
-        return *t_thread.sender;
-    t_thread.sender = new ChannelSender;
-    t_thread.generation = posix::forkGeneration();
-    theSenderEnd.follow(t_thread.sender);
-    if (t_thread.isEnding) {
-        t_thread.sender->leaveLoop();
-        return *t_thread.sender;
+    if (t_sender.sender && t_sender.generation != posix::forkGeneration())
+        delete std::exchange(t_sender.sender, nullptr);
+    if (t_sender.sender)
+        return *t_sender.sender;
+    t_sender.sender = new ChannelSender;
+    t_sender.generation = posix::forkGeneration();
+    theSenderEnd.follow(t_sender.sender);
+    if (t_sender.isEnding) {
+        t_sender.sender->leaveLoop();
+        return *t_sender.sender;
     }
-    static thread_local const ThreadEnd t_end;
+    static thread_local const ThreadSenderEnd t_end;
     // Who waits for a QThread does not wait for its thread_local objects.
-    QObject::connect(QThread::currentThread(), &QThread::finished, t_thread.sender->loop(), &endLoop,
+    QObject::connect(QThread::currentThread(), &QThread::finished, t_sender.sender->loop(), &endLoop,
                      Qt::DirectConnection);
-    return *t_thread.sender;
+    return *t_sender.sender;
 }
 
 } // namespace
@@ -119,7 +119,7 @@ ChannelSender& threadSender()
 bool ChannelSender::sendFromThisThread(const QByteArray& channel, const ChannelFrame& frame)
 {
     const bool isAccepted = threadSender().send(channel, frame);
-    if (t_thread.isEnding)
+    if (t_sender.isEnding)
         drainThisThread(); // nobody may come to do so later
     return isAccepted;
 }

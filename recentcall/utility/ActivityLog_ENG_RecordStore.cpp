@@ -33,9 +33,9 @@ int32_t gTopPalsAvlIndex = 0;
 
 zyn::TopPalsSlots topPalsAvlFlags;
 
-ActivityLog_ENG_RecordStore* s_instance = nullptr;
+ActivityLog_ENG_RecordStore* s_activityLog = nullptr;
 
-int32_t successor(int32_t index)
+int32_t nextIndex(int32_t index)
 {
     return index == std::numeric_limits<int32_t>::max() ? index : index + 1;
 }
@@ -103,7 +103,7 @@ std::optional<QByteArray> readSlots(int fd, int first, int slots, QByteArray ima
 }
 
 /// Appends the records in use of @p image.
-void appendRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_ENG_ActivityLog>& list,
+void appendEntries(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_ENG_ActivityLog>& list,
                    const QByteArray& image, int slots)
 {
     const int count = ContactFile::count(image);
@@ -115,7 +115,7 @@ void appendRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHONE_
         if (record->getTopPalsAvlIndex() > gTopPalsAvlIndex) {
             trace << "TP5_AVL:ActivityLog_ENG_RecordStore::readTopPalsAvlContactRecordList:"
                      "callData->getTopPalsAvlIndex() > gTopPalsAvlIndex\n";
-            gTopPalsAvlIndex = successor(record->getTopPalsAvlIndex());
+            gTopPalsAvlIndex = nextIndex(record->getTopPalsAvlIndex());
         }
         topPalsAvlFlags.setTopPalsAvlFlag(trace, placeOf(numbers, zyn::fieldText(record->phoneNumber)),
                                           record->topPalsAvlPos, slots);
@@ -131,7 +131,7 @@ bool appendAllRecords(zyn::Trace& trace, const Numbers& numbers, QSortedList<PHO
     int present = 0;
     while (true) {
         const int count = ContactFile::count(image);
-        appendRecords(trace, numbers, list, image, slots);
+        appendEntries(trace, numbers, list, image, slots);
         present += count;
         if (count < kSlotsAtATime || present == slots)
             break;
@@ -187,7 +187,7 @@ private:
         int32_t time;
         uint32_t record; ///< its place in the list as it was
 
-        auto operator<=>(const Turn&) const = default; // NOLINT(modernize-use-nullptr): generated
+        auto operator<=>(const Turn&) const = default; // NOLINT(*-zero-as-null-pointer-constant): generated
     };
 
     void orderTies(size_t i)
@@ -285,14 +285,14 @@ bool checkTopPalsFileData(zyn::TopPalsDetails& places, const QString& number, in
 
 ActivityLog_ENG_RecordStore* ActivityLog_ENG_RecordStore::instance()
 {
-    if (!s_instance)
-        s_instance = new ActivityLog_ENG_RecordStore;
-    return s_instance;
+    if (!s_activityLog)
+        s_activityLog = new ActivityLog_ENG_RecordStore;
+    return s_activityLog;
 }
 
 void ActivityLog_ENG_RecordStore::destroy()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_activityLog, nullptr);
 }
 
 ActivityLog_ENG_RecordStore::ActivityLog_ENG_RecordStore()
@@ -314,7 +314,7 @@ int ActivityLog_ENG_RecordStore::addTopPalsAvlItem(PHONE_ENG_ActivityLog& rec)
           << std::string_view(number.data(), static_cast<size_t>(number.size())) << "\n";
     trace.flush();
     rec.topPalsAvlIndex = gTopPalsAvlIndex;
-    gTopPalsAvlIndex = successor(gTopPalsAvlIndex);
+    gTopPalsAvlIndex = nextIndex(gTopPalsAvlIndex);
     const int slots = zyn::contactSlots();
     const int favourite = placeOf(numbersOf(topPalNumberDetails), number);
     const int pos = topPalsAvlFlags.getAvailableTopPalsAvlPos(trace, favourite, slots);

@@ -13,7 +13,7 @@ RC_EngineStub* g_rcEngineStub = nullptr;
 namespace {
 
 /// Not ended with the process: by then the channels may be gone.
-RC_MissedCallInterface* s_instance = nullptr;
+RC_MissedCallInterface* s_missedCalls = nullptr;
 
 } // namespace
 
@@ -33,15 +33,15 @@ struct RC_MissedCallInterface::Holder
 
 RC_MissedCallInterface* RC_MissedCallInterface::instance()
 {
-    if (!s_instance)
-        s_instance = new RC_MissedCallInterface;
-    s_instance->m_holder->followClient(s_instance);
-    return s_instance;
+    if (!s_missedCalls)
+        s_missedCalls = new RC_MissedCallInterface;
+    s_missedCalls->m_holder->followClient(s_missedCalls);
+    return s_missedCalls;
 }
 
 void RC_MissedCallInterface::destruction()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_missedCalls, nullptr);
 }
 
 RC_MissedCallInterface::RC_MissedCallInterface()

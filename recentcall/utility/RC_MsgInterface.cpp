@@ -11,7 +11,7 @@
 namespace {
 
 /// Not ended with the process: by then the channels may be gone.
-RC_MsgInterface* s_instance = nullptr;
+RC_MsgInterface* s_msgInterface = nullptr;
 
 QPointer<RecentCall_MsgClient> s_client;
 
@@ -34,15 +34,15 @@ bool askForPage(RC_MsgInterface* asking, void (RC_MsgInterface::*pickerExit)(boo
 
 RC_MsgInterface* RC_MsgInterface::instance()
 {
-    if (!s_instance)
-        s_instance = new RC_MsgInterface;
+    if (!s_msgInterface)
+        s_msgInterface = new RC_MsgInterface;
     client();
-    return s_instance;
+    return s_msgInterface;
 }
 
 void RC_MsgInterface::destruction()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_msgInterface, nullptr);
 }
 
 RC_MsgInterface::RC_MsgInterface() = default;

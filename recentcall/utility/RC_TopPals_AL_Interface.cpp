@@ -11,7 +11,7 @@
 
 namespace {
 
-RC_TopPals_AL_Interface* s_instance = nullptr;
+RC_TopPals_AL_Interface* s_topPals = nullptr;
 
 void printText(const char* name, const QString& text)
 {
@@ -31,14 +31,14 @@ void count(TopPals_Missed_Details& details, const PHONE_ENG_ActivityLog& record)
 
 RC_TopPals_AL_Interface* RC_TopPals_AL_Interface::instance()
 {
-    if (!s_instance)
-        s_instance = new RC_TopPals_AL_Interface;
-    return s_instance;
+    if (!s_topPals)
+        s_topPals = new RC_TopPals_AL_Interface;
+    return s_topPals;
 }
 
 void RC_TopPals_AL_Interface::destruction()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_topPals, nullptr);
 }
 
 bool RC_TopPals_AL_Interface::modifyTopPalsContactDetails(QString oldNumber, TopPals_Details_T details)

@@ -28,7 +28,7 @@ constexpr int kBitsPerWord = 32;
 /// The uid of the next call that this process adds; it outlives the store.
 int32_t s_nextUid = 0;
 
-std::unique_ptr<RecentCall_ENG_RecordStore> s_instance;
+std::unique_ptr<RecentCall_ENG_RecordStore> s_callStore;
 
 /// The slots of one list, as its limit is now.
 struct ListSlots
@@ -79,7 +79,7 @@ int findSlot(const SlotBitmap& bitmap, const ListSlots& slots, bool inUse, int s
     return std::min(slot, slots.count);
 }
 
-int32_t successor(int32_t uid)
+int32_t nextUid(int32_t uid)
 {
     return uid == std::numeric_limits<int32_t>::max() ? uid : uid + 1;
 }
@@ -100,7 +100,7 @@ constexpr size_t longestFile(RC_CALL_CATEGORY_T category)
         RecordFile::size(category == RC_CALL_CATEGORY_ALL ? kLists * zyn::kRecordSlots : zyn::kRecordSlots));
 }
 
-bool write(const PHONE_ENG_RecentCall& record, const ListSlots& slots)
+bool writeRecord(const PHONE_ENG_RecentCall& record, const ListSlots& slots)
 {
     if (!slots.has(record.slot))
         return false;
@@ -112,14 +112,14 @@ bool write(const PHONE_ENG_RecentCall& record, const ListSlots& slots)
 
 RecentCall_ENG_RecordStore* RecentCall_ENG_RecordStore::instance()
 {
-    if (!s_instance)
-        s_instance = std::make_unique<RecentCall_ENG_RecordStore>();
-    return s_instance.get();
+    if (!s_callStore)
+        s_callStore = std::make_unique<RecentCall_ENG_RecordStore>();
+    return s_callStore.get();
 }
 
 void RecentCall_ENG_RecordStore::destroy()
 {
-    s_instance.reset();
+    s_callStore.reset();
 }
 
 RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
@@ -136,12 +136,12 @@ RecentCall_ENG_RecordStore::RecentCall_ENG_RecordStore()
 bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
 {
     record.uid = s_nextUid;
-    s_nextUid = successor(s_nextUid);
+    s_nextUid = nextUid(s_nextUid);
     const ListSlots slots(record.category);
     const int slot = findSlot(m_slotBitmap, slots, false);
     record.slot = slot < slots.count ? slot : -1;
     record.print();
-    if (!write(record, slots))
+    if (!writeRecord(record, slots))
         return false;
     mark(m_slotBitmap, slots, slot, true);
     return true;
@@ -149,7 +149,7 @@ bool RecentCall_ENG_RecordStore::addItem(PHONE_ENG_RecentCall& record)
 
 bool RecentCall_ENG_RecordStore::modifyItem(const PHONE_ENG_RecentCall& record)
 {
-    return write(record, ListSlots(record.category));
+    return writeRecord(record, ListSlots(record.category));
 }
 
 bool RecentCall_ENG_RecordStore::removeItem(const PHONE_ENG_RecentCall& record)
@@ -215,7 +215,7 @@ void RecentCall_ENG_RecordStore::readDataList(QSortedList<PHONE_ENG_RecentCall>&
             continue;
         auto record = std::make_unique<PHONE_ENG_RecentCall>(RecordFile::at(image, slot));
         if (record->uid >= s_nextUid)
-            s_nextUid = successor(record->uid);
+            s_nextUid = nextUid(record->uid);
         mark(m_slotBitmap, slots, record->slot, true);
         list.append(record.release());
     }

@@ -17,7 +17,7 @@ using enum FieldKind;
         RecentCall_Msg::type == (number) ? #type : throw "not the type's number"
 
 // Braces alone: what a list of fields refers to lives as long as the table only when no temporary is in between.
-constexpr Message kMessages[] = {
+constexpr Message kScreenMessages[] = {
     kMakeCall,
     kDropCall,
     kMakePttCall,
@@ -43,28 +43,28 @@ constexpr size_t kFirstRecentCall = 4;
 constexpr size_t kRecentCalls = 10;
 
 /// Whether each type is as far from the first as it says.
-constexpr bool isIndexedByType()
+constexpr bool isOrderedByType()
 {
     for (size_t type = 0; type + 2 < kRecentCalls; ++type) {
-        if (!std::string_view(kMessages[kFirstRecentCall + type].name).ends_with(static_cast<char>('0' + type)))
+        if (!std::string_view(kScreenMessages[kFirstRecentCall + type].name).ends_with(static_cast<char>('0' + type)))
             return false;
     }
     return true;
 }
 
-static_assert(std::size(kMessages) == kFirstRecentCall + kRecentCalls + 1);
-static_assert(isIndexedByType());
+static_assert(std::size(kScreenMessages) == kFirstRecentCall + kRecentCalls + 1);
+static_assert(isOrderedByType());
 
 } // namespace
 
 std::span<const Message> recentCallMessages()
 {
-    return std::span(kMessages).subspan(kFirstRecentCall, kRecentCalls);
+    return std::span(kScreenMessages).subspan(kFirstRecentCall, kRecentCalls);
 }
 
 std::span<const Message> channelMessages()
 {
-    return kMessages;
+    return kScreenMessages;
 }
 
 const Message* findMessage(const QCString& channel, const QCString& name)
@@ -74,8 +74,8 @@ const Message* findMessage(const QCString& channel, const QCString& name)
         return message && message->enumerator ? message : nullptr;
     }
     const auto found = std::ranges::find_if(
-        kMessages, [&](const Message& message) { return channel == message.channel && name == message.name; });
-    return found == std::end(kMessages) ? nullptr : &*found;
+        kScreenMessages, [&](const Message& message) { return channel == message.channel && name == message.name; });
+    return found == std::end(kScreenMessages) ? nullptr : &*found;
 }
 
 } // namespace zyn

@@ -14,7 +14,7 @@ namespace {
 using Client = RecentCall_MsgClient;
 
 /// Not ended with the process: by then the channels may be gone.
-RecentCall_MsgClient* s_instance = nullptr;
+RecentCall_MsgClient* s_msgClient = nullptr;
 
 // A signal's receiver may destroy the client: each of these ends with its signal.
 
@@ -93,14 +93,14 @@ constexpr void (*kReactions[])(Client& client, const zyn::FieldValues& values) =
 
 RecentCall_MsgClient* RecentCall_MsgClient::instance()
 {
-    if (!s_instance)
-        s_instance = new RecentCall_MsgClient(nullptr, nullptr);
-    return s_instance;
+    if (!s_msgClient)
+        s_msgClient = new RecentCall_MsgClient(nullptr, nullptr);
+    return s_msgClient;
 }
 
 void RecentCall_MsgClient::destruction()
 {
-    delete std::exchange(s_instance, nullptr);
+    delete std::exchange(s_msgClient, nullptr);
 }
 
 RecentCall_MsgClient::RecentCall_MsgClient(QObject* parent, const char* name)

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr char kSource[] = "../recentcall/utility/RecentCall_Setup";
+constexpr char kSetupSource[] = "../recentcall/utility/RecentCall_Setup";
 
 using zyn::setting::kTwoLineView;
 
@@ -24,10 +24,10 @@ constexpr unsigned int kDefaultTopPalsItems = 15;
 constexpr int kFirstSimCard = 1;
 constexpr TAPI_BOOL_STATUS_E kEnabled{1};
 
-std::unique_ptr<RecentCall_Setup> s_instance;
+std::unique_ptr<RecentCall_Setup> s_setup;
 
 template<typename Value>
-Value read(SETUP_SET_Manager& settings, const zyn::SettingName& name, Value defaultValue)
+Value readSetting(SETUP_SET_Manager& settings, const zyn::SettingName& name, Value defaultValue)
 {
     Value value = defaultValue;
     settings.getSettingInfo(zyn::settingPart(name.group), zyn::settingPart(name.key), value, defaultValue);
@@ -36,7 +36,7 @@ Value read(SETUP_SET_Manager& settings, const zyn::SettingName& name, Value defa
 
 int readLimit(SETUP_SET_Manager& settings, const zyn::SettingName& name)
 {
-    return std::clamp(read(settings, name, kDefaultLimit), 0, zyn::kRecordSlots);
+    return std::clamp(readSetting(settings, name, kDefaultLimit), 0, zyn::kRecordSlots);
 }
 
 /// The setting has a numbering of its own.
@@ -60,14 +60,14 @@ RC_CALL_CATEGORY_T toView(int setting)
 
 RecentCall_Setup* RecentCall_Setup::instance()
 {
-    if (!s_instance)
-        s_instance = std::make_unique<RecentCall_Setup>();
-    return s_instance.get();
+    if (!s_setup)
+        s_setup = std::make_unique<RecentCall_Setup>();
+    return s_setup.get();
 }
 
 void RecentCall_Setup::destroy()
 {
-    s_instance.reset();
+    s_setup.reset();
 }
 
 RecentCall_Setup::RecentCall_Setup()
@@ -76,8 +76,8 @@ RecentCall_Setup::RecentCall_Setup()
     m_maxAnswered = readLimit(settings, zyn::setting::kMaxAnswered);
     m_maxMissed = readLimit(settings, zyn::setting::kMaxMissed);
     m_maxDialed = readLimit(settings, zyn::setting::kMaxDialed);
-    m_maxFrequent = read(settings, zyn::setting::kMaxFrequent, kDefaultFrequent);
-    m_idleSendView = toView(read(settings, zyn::setting::kIdleSendView, 0));
+    m_maxFrequent = readSetting(settings, zyn::setting::kMaxFrequent, kDefaultFrequent);
+    m_idleSendView = toView(readSetting(settings, zyn::setting::kIdleSendView, 0));
     PHONE_Log(kPhoneLogLevel, "RC settings: %d, %d,%d,%d,%d", m_maxAnswered, m_maxMissed, m_maxDialed, m_maxFrequent,
               m_idleSendView);
 }
@@ -100,7 +100,7 @@ int RecentCall_Setup::getMaxRecordSize(RC_CALL_CATEGORY_T category) const
 
 bool RecentCall_Setup::setTwoLineView(bool on)
 {
-    zyn::logEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSetupSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
     if (settings.setSettingInfo(zyn::settingPart(kTwoLineView.group), zyn::settingPart(kTwoLineView.key), on))
         return true;
@@ -110,9 +110,9 @@ bool RecentCall_Setup::setTwoLineView(bool on)
 
 bool RecentCall_Setup::getTwoLineView()
 {
-    zyn::logEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSetupSource, __func__);
     SETUP_SET_Manager settings(zyn::kPhoneSettings, false);
-    return read(settings, kTwoLineView, false);
+    return readSetting(settings, kTwoLineView, false);
 }
 
 bool RecentCall_Setup::isFixedDialFlexOn()
@@ -120,12 +120,12 @@ bool RecentCall_Setup::isFixedDialFlexOn()
     const QString path = zyn::switchFile(zyn::kFixedDialSwitch);
     std::printf("******** fixed dial flex: %s ********\n", path.toLatin1().constData());
     SETUP_SET_Manager settings(path, false);
-    return read(settings, zyn::setting::kFixedDial, true);
+    return readSetting(settings, zyn::setting::kFixedDial, true);
 }
 
 bool RecentCall_Setup::isFixedDialingAvailable()
 {
-    zyn::logEntry(kSilentLogLevel, kSource, __func__);
+    zyn::logEntry(kSilentLogLevel, kSetupSource, __func__);
     if (!isFixedDialFlexOn()) {
         std::printf("FDN flex is off");
         return false;
@@ -154,5 +154,5 @@ bool RecentCall_Setup::isPttFlexOn()
 unsigned int RecentCall_Setup::getMaxTopPalsAvlItems()
 {
     SETUP_SET_Manager settings(zyn::switchFile(zyn::kTopPalsSwitch), false);
-    return read(settings, zyn::setting::kTopPalsItems, kDefaultTopPalsItems);
+    return readSetting(settings, zyn::setting::kTopPalsItems, kDefaultTopPalsItems);
 }

@@ -28,7 +28,7 @@ constexpr const char* kPrograms[] = {"zyn-recentcalld", "zyn-phoned", "zyn-favou
 /// The number of the favourite who calls now and then.
 const QString kFavourite = u"+49301112222"_s;
 
-struct Call
+struct DayCall
 {
     QString number;
     QString list;
@@ -80,13 +80,13 @@ public:
     }
 
     /// Waits until the log has exactly the calls that were made, and checks each of them.
-    void checkCalls(const QList<Call>& made)
+    void checkCalls(const QList<DayCall>& made)
     {
         QJsonArray logged;
         comesTrue([&] { return (logged = calls()).size() >= made.size(); });
         m_campaign.check(logged.size() == made.size(),
                          u"%1 calls are in the log, and %2 were made"_s.arg(logged.size()).arg(made.size()));
-        for (const Call& call : made) {
+        for (const DayCall& call : made) {
             QList<QJsonObject> found;
             for (const auto value : logged) {
                 if (value[u"number"_s].toString() == call.number)
@@ -115,10 +115,10 @@ QString nextNumber()
 }
 
 /// Somebody calls; what is done between answering and the end is up to @p talk.
-Call answered(
+DayCall answered(
     Handset& handset, const std::function<void()>& talk = [] {})
 {
-    Call call{nextNumber(), u"answered"_s, true};
+    DayCall call{nextNumber(), u"answered"_s, true};
     handset.tell(u"phone incoming %1 Anna"_s.arg(call.number));
     handset.tell(u"phone answer"_s);
     talk();
@@ -126,7 +126,7 @@ Call answered(
     return call;
 }
 
-Call missed(Handset& handset, const QString& number = nextNumber())
+DayCall missed(Handset& handset, const QString& number = nextNumber())
 {
     handset.tell(u"phone incoming %1 Bert"_s.arg(number));
     handset.tell(u"phone missed"_s);
@@ -216,7 +216,7 @@ void setClocks(Campaign& campaign)
     };
     const qint64 rounds = campaign.length(200, 2);
     for (qint64 round = 0; round < rounds; ++round) {
-        QList<Call> made;
+        QList<DayCall> made;
         for (int i = 0; i < 3; ++i) {
             setAtRandom();
             made += answered(handset, setAtRandom);
@@ -276,7 +276,7 @@ void checkFavourite(Campaign& campaign, Handset& handset, qsizetype days)
 void playDay(Campaign& campaign, Handset& handset, qint64 calls, int day)
 {
     handset.tell(u"phone network 5 26201"_s);
-    QList<Call> made;
+    QList<DayCall> made;
     for (qint64 i = 0; i < calls; ++i) {
         handset.tell(u"phone signal-quality %1"_s.arg(i % 6));
         handset.tell(u"phone battery-capacity %1"_s.arg(100 - i));

@@ -29,7 +29,7 @@ namespace rc = zyn::recentcall;
 namespace faults {
 namespace {
 
-const QString kStore = u"/tmp/phone"_s;
+const QString kStorePath = u"/tmp/phone"_s;
 /// A list holds 50 calls: before one overflows, all are emptied.
 constexpr int kCallsAtATime = 40;
 
@@ -69,7 +69,7 @@ QByteArray storeFaults(const Campaign& campaign)
         ::dup2(file, STDOUT_FILENO);
         ::dup2(file, STDERR_FILENO);
         const QByteArray program = QFile::encodeName(campaign.program("zynphone"));
-        ::execl(program.constData(), "zynphone", "inspect", "--verify", qPrintable(kStore), nullptr);
+        ::execl(program.constData(), "zynphone", "inspect", "--verify", qPrintable(kStorePath), nullptr);
     });
     const bool isGood = tool.finish();
     const QByteArray found = contentsOf(result);
@@ -204,11 +204,11 @@ void killRecentCallService(Campaign& campaign, Course& course)
             isAnswered = client.step();
         interrupted += isAnswered ? 0 : 1;
         course.noteKill(service.waitKilled(), u"the recent-call service"_s);
-        ledger.check(campaign, callsOnDisk(campaign, kStore), u"file"_s);
+        ledger.check(campaign, callsOnDisk(campaign, kStorePath), u"file"_s);
         campaign.check(service.start(campaign.program("zyn-recentcalld")), u"the recent-call service starts"_s);
         campaign.check(client.list(), u"the recent-call service answers"_s);
-        campaign.check(namesIn(kStore) == QStringList({u"rc_a"_s, u"rc_d"_s, u"rc_m"_s}),
-                       u"in the store: "_s + namesIn(kStore).join(u' '));
+        campaign.check(namesIn(kStorePath) == QStringList({u"rc_a"_s, u"rc_d"_s, u"rc_m"_s}),
+                       u"in the store: "_s + namesIn(kStorePath).join(u' '));
         const QString sockets = QLatin1String(rc::kSocketDirectory);
         campaign.check(namesIn(sockets) == QStringList({u"recentcall_interface"_s, u"recentcall_interface.lock"_s}),
                        u"beside the socket: "_s + namesIn(sockets).join(u' '));
@@ -251,7 +251,7 @@ public:
     /// Checks the files: no entry twice or torn, and what was seen stays, unless newer ones have taken its place.
     void check()
     {
-        const QByteArray details = contentsOf(kStore + u'/' + QLatin1String(zyn::kTopPalsDetailsName));
+        const QByteArray details = contentsOf(kStorePath + u'/' + QLatin1String(zyn::kTopPalsDetailsName));
         m_campaign.check(zyn::DetailsFile::isValid(details), u"the file of the favourites is not valid"_s);
         for (int number = 0; number < kFavourites - 1; ++number)
             checkOne(number);
@@ -269,7 +269,7 @@ private:
     static int idOf(const Call& call) { return CallLedger().idOf(call); }
     static QSet<int> entriesOf(int number, const std::function<void(const PHONE_ENG_ActivityLog&, int)>& look = {})
     {
-        const QByteArray image = contentsOf(kStore + u'/' + zyn::favouriteKey(favourite(number)));
+        const QByteArray image = contentsOf(kStorePath + u'/' + zyn::favouriteKey(favourite(number)));
         QSet<int> ids;
         PHONE_ENG_ActivityLog entry;
         for (const int slot : zyn::ContactFile::usedSlots(image, zyn::ContactFile::count(image))) {
@@ -284,7 +284,7 @@ private:
     {
         constexpr int kSlots = 15;
         const QString key = zyn::favouriteKey(favourite(number));
-        m_campaign.check(zyn::ContactFile::isValid(contentsOf(kStore + u'/' + key), kSlots),
+        m_campaign.check(zyn::ContactFile::isValid(contentsOf(kStorePath + u'/' + key), kSlots),
                          u"the file of %1 is not valid"_s.arg(key));
         QSet<int> ids;
         entriesOf(number, [&](const PHONE_ENG_ActivityLog& entry, int slot) {
@@ -316,13 +316,13 @@ bool announceFavourite(const QString& old, const QString& number)
 
 bool isFavourite(const QString& number)
 {
-    const QByteArray image = contentsOf(kStore + u'/' + QLatin1String(zyn::kTopPalsDetailsName));
+    const QByteArray image = contentsOf(kStorePath + u'/' + QLatin1String(zyn::kTopPalsDetailsName));
     return image.contains(zyn::favouriteKey(number).toLatin1());
 }
 
 bool hasOnly(const QSet<QString>& known)
 {
-    return std::ranges::all_of(namesIn(kStore), [&](const QString& name) { return known.contains(name); });
+    return std::ranges::all_of(namesIn(kStorePath), [&](const QString& name) { return known.contains(name); });
 }
 
 void killFavouritesOwner(Campaign& campaign, Course& course)
@@ -384,13 +384,14 @@ void killFavouritesOwner(Campaign& campaign, Course& course)
         if (campaign.check(calls.has_value(), u"the recent-call service answers"_s)) {
             campaign.check(comesTrue([&] { return watch.hasAll(*calls); }), u"a listed call of a favourite is lost"_s);
             // The last step of what it does at its start.
-            campaign.check(comesTrue([&] { return hasOnly(known); }), u"in the store: "_s + namesIn(kStore).join(u' '));
+            campaign.check(comesTrue([&] { return hasOnly(known); }),
+                           u"in the store: "_s + namesIn(kStorePath).join(u' '));
         }
         watch.check();
     }
     campaign.check(owner.stop(), u"the owner of the favourites ends"_s);
     campaign.check(service.stop(), u"the recent-call service ends"_s);
-    QDir(kStore).removeRecursively();
+    QDir(kStorePath).removeRecursively();
 }
 
 // The phone server.
@@ -474,7 +475,7 @@ void killPhoneServer(Campaign& campaign, Course& course)
     campaign.check(phone.stop(), u"the phone server ends"_s);
     campaign.check(service.stop(), u"the recent-call service ends"_s);
     campaign.measure(u"phoned kills in a call"_s, interrupted);
-    QDir(kStore).removeRecursively();
+    QDir(kStorePath).removeRecursively();
 }
 
 // Applications that write.
@@ -591,26 +592,26 @@ void killStoreWriter(Campaign& campaign, Course& course)
     for (qint64 i = 0; i < kills; ++i) {
         if (campaign.random().bounded(8) == 0) { // the next one makes the files
             ledger.removeFiles();
-            QDir(kStore).removeRecursively();
+            QDir(kStorePath).removeRecursively();
         }
         writer.fork([&, seed = campaign.random().generate()] { addToStoreForEver(ledger, seed); });
         pauseFor(course.delay(3000));
         course.noteKill(writer.kill(), u"a writer of calls"_s);
-        ledger.check(campaign, callsOnDisk(campaign, kStore, true), u"file"_s);
+        ledger.check(campaign, callsOnDisk(campaign, kStorePath, true), u"file"_s);
         ledger.forgetUnderWay();
-        const QStringList left = namesIn(kStore).filter(QLatin1String(zyn::posix::kStagedInfix));
+        const QStringList left = namesIn(kStorePath).filter(QLatin1String(zyn::posix::kStagedInfix));
         campaign.check(left.size() <= 1, u"in the store: "_s + left.join(u' '));
     }
     // The next user of the store finds it, and leaves nothing else.
     writer.fork([] { RecentCall_ENG_RecordStore::instance(); });
     campaign.check(writer.finish(), u"the store is opened"_s);
-    ledger.check(campaign, callsOnDisk(campaign, kStore), u"file"_s);
-    campaign.check(namesIn(kStore) == QStringList({u"rc_a"_s, u"rc_d"_s, u"rc_m"_s}),
-                   u"in the store: "_s + namesIn(kStore).join(u' '));
+    ledger.check(campaign, callsOnDisk(campaign, kStorePath), u"file"_s);
+    campaign.check(namesIn(kStorePath) == QStringList({u"rc_a"_s, u"rc_d"_s, u"rc_m"_s}),
+                   u"in the store: "_s + namesIn(kStorePath).join(u' '));
     const QByteArray faults = storeFaults(campaign);
     campaign.check(faults.isEmpty(), QString::fromLocal8Bit(faults));
     campaign.operate(ledger.count());
-    QDir(kStore).removeRecursively();
+    QDir(kStorePath).removeRecursively();
 }
 
 } // namespace
@@ -619,7 +620,7 @@ void kills(Campaign& campaign)
 {
     Course course(campaign);
     killRecentCallService(campaign, course);
-    QDir(kStore).removeRecursively();
+    QDir(kStorePath).removeRecursively();
     killFavouritesOwner(campaign, course);
     killPhoneServer(campaign, course);
     killSettingsWriter(campaign, course);

@@ -16,6 +16,8 @@ namespace faults::channels {
 inline constexpr int kSenders = 8;
 inline constexpr int kMostChannels = 200;
 inline constexpr int kMostNotes = 1 << 18;
+/// How often each sender sends on each channel in turn at its end.
+inline constexpr quint32 kLastRounds = 2;
 
 using Number = std::atomic<quint32>;
 static_assert(Number::is_always_lock_free && sizeof(Number) == 4);
@@ -121,7 +123,7 @@ struct Traffic
     QByteArray payload(quint32 sender, quint32 channel, quint32 number) const;
 };
 
-/// A sender: sends as many messages as it is told, on random channels, and the last of them on each channel once. Ends
+/// A sender: sends as many messages as it is told, on random channels, and the last of them on each in turn. Ends
 /// when its standard input does.
 int sendRole(const QStringList& arguments);
 

@@ -71,7 +71,8 @@ public:
     {
         const quint32 left = m_total - m_count;
         const auto channels = quint32(m_traffic.channels);
-        const quint32 channel = left > channels ? m_random.bounded(channels) : channels - left;
+        const quint32 rounds = kLastRounds * channels;
+        const quint32 channel = left > rounds ? m_random.bounded(channels) : (rounds - left) % channels;
         Board::Sent& sent = m_board->sent[m_number][channel];
         const quint32 number = sent.begun++;
         if (!QCopChannel::send(m_traffic.channel(channel), "m", m_traffic.payload(m_number, channel, number)))

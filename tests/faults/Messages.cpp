@@ -542,7 +542,7 @@ void breakListeners(Campaign& campaign, const QString& folder)
         conversation.addSender(total, i % 2 ? u"loop"_s : u"plain"_s, i < 2 ? kFewDescriptors : 0);
 
     Turmoil turmoil(campaign, conversation, channels);
-    const quint32 mixed = total - quint32(channels); // the last are for each channel once
+    const quint32 mixed = total - channels::kLastRounds * quint32(channels);
     for (quint32 step = 1; step <= steps; ++step) {
         const auto upTo = [&](quint32 s) { return quint32(quint64(mixed) * s / steps); };
         if (!conversation.sendUpTo(upTo(step), upTo(std::max(step, 2U) - 2)))
@@ -554,9 +554,11 @@ void breakListeners(Campaign& campaign, const QString& folder)
         turmoil.step(int(step));
         campaign.progress(step, steps);
     }
+    // The first of the last rounds brings those who leave what waits for them, the next one finds that they have left.
     turmoil.calm();
-    conversation.sendUpTo(total, total);
+    conversation.sendUpTo(total - quint32(channels), total - quint32(channels));
     turmoil.seeOff();
+    conversation.sendUpTo(total, total);
     const QByteArray memory = sharedMemory(qEnvironmentVariable("ZYN_QCOP_PATH"));
     for (const auto& listener : conversation.listeners()) {
         campaign.check(conversation.waitUntilHeard(*listener),

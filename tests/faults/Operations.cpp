@@ -38,7 +38,7 @@ QString place(const char* name)
     return QLatin1String(kPlace) + u'/' + QLatin1String(name);
 }
 
-void writeFile(const QString& path, const QByteArray& bytes)
+void writeWhole(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
@@ -61,10 +61,10 @@ QByteArray withoutIndex(QByteArray contact)
     return contact;
 }
 
-constexpr char kFavourite[] = "1112222";
+constexpr char kFavouriteNumber[] = "1112222";
 constexpr char kNewcomer[] = "3334444";
 
-State files()
+State filesOnDisk()
 {
     State state;
     for (const char* folder : {"/tmp/calls/phone", "/tmp/calls/setup", "/tmp"}) {
@@ -73,7 +73,7 @@ State files()
             if (folder == QByteArray("/tmp") && !name.startsWith(u"emergency_call"_s))
                 continue;
             const QByteArray contents = contentsOf(directory.filePath(name));
-            const bool isContact = name == QLatin1String(kFavourite) || name == QLatin1String(kNewcomer);
+            const bool isContact = name == QLatin1String(kFavouriteNumber) || name == QLatin1String(kNewcomer);
             state[QFile::encodeName(name)] = isContact ? withoutIndex(contents) : contents;
         }
     }
@@ -98,9 +98,9 @@ void writeLists()
     QByteArray missed = zyn::RecordFile::blankImage();
     for (int slot = 0; slot < 3; ++slot)
         zyn::RecordFile::put(missed, slot, madeCall("0301112222", slot));
-    writeFile(place("phone/rc_a"), zyn::RecordFile::blankImage());
-    writeFile(place("phone/rc_d"), missed);
-    writeFile(place("phone/rc_m"), missed);
+    writeWhole(place("phone/rc_a"), zyn::RecordFile::blankImage());
+    writeWhole(place("phone/rc_d"), missed);
+    writeWhole(place("phone/rc_m"), missed);
 }
 
 /// Three calls in two of the lists, and a store that knows of them, as that of a service that has just started.
@@ -162,7 +162,7 @@ QByteArray removeCalls()
     return text(StoreFixture::store().removeItems(RC_CALL_CATEGORY_MISSED));
 }
 
-QByteArray clearCalls()
+QByteArray clearAllCalls()
 {
     StoreFixture::store().clearAllData();
     return "done";
@@ -190,11 +190,11 @@ void prepareFavourites()
     ActivityLog_ENG_RecordStore::destroy();
     QDir().mkpath(place("phone"));
     QFile::remove(place("phone/topPalsDetails"));
-    QFile::remove(place("phone/") + QLatin1String(kFavourite));
+    QFile::remove(place("phone/") + QLatin1String(kFavouriteNumber));
     QFile::remove(place("phone/") + QLatin1String(kNewcomer));
-    activity::revamp({}, QLatin1String(kFavourite));
-    activity::add(QLatin1String(kFavourite), 5);
-    activity::add(QLatin1String(kFavourite), 7);
+    activity::revamp({}, QLatin1String(kFavouriteNumber));
+    activity::add(QLatin1String(kFavouriteNumber), 5);
+    activity::add(QLatin1String(kFavouriteNumber), 7);
 }
 
 void prepareFavouritesStart()
@@ -222,40 +222,40 @@ QByteArray addFavourite()
 
 QByteArray replaceFavourite()
 {
-    return QByteArray::number(activity::revamp(QLatin1String(kFavourite), QLatin1String(kNewcomer)));
+    return QByteArray::number(activity::revamp(QLatin1String(kFavouriteNumber), QLatin1String(kNewcomer)));
 }
 
 QByteArray removeFavourite()
 {
-    return QByteArray::number(activity::revamp(QLatin1String(kFavourite), {}));
+    return QByteArray::number(activity::revamp(QLatin1String(kFavouriteNumber), {}));
 }
 
 QByteArray addEntry()
 {
-    return text(activity::add(QLatin1String(kFavourite), 9) >= 0);
+    return text(activity::add(QLatin1String(kFavouriteNumber), 9) >= 0);
 }
 
 QByteArray changeEntry()
 {
-    return text(activity::log().modifyTopPalsAvlItem(activity::entry(QLatin1String(kFavourite), 11, 1)) == 1);
+    return text(activity::log().modifyTopPalsAvlItem(activity::entry(QLatin1String(kFavouriteNumber), 11, 1)) == 1);
 }
 
 QByteArray removeEntry()
 {
-    PHONE_ENG_ActivityLog record = activity::entry(QLatin1String(kFavourite), 5, 0);
+    PHONE_ENG_ActivityLog record = activity::entry(QLatin1String(kFavouriteNumber), 5, 0);
     return text(activity::log().removeTopPalsAvlItem(record) == 1);
 }
 
 QByteArray listEntries()
 {
-    const QByteArray result = activity::read(QLatin1String(kFavourite)).toLatin1();
+    const QByteArray result = activity::read(QLatin1String(kFavouriteNumber)).toLatin1();
     return result.startsWith('1') ? result : result.first(1);
 }
 
 QByteArray countUnread()
 {
     TopPals_Missed_Details details;
-    details.number = QLatin1String(kFavourite);
+    details.number = QLatin1String(kFavouriteNumber);
     const int result = RC_TopPals_AL_Interface::instance()->getUnreadCount(details);
     return QByteArray::number(result) + ' ' + QByteArray::number(details.missedCallCount) + ' '
            + QByteArray::number(details.unreadMsgCount);
@@ -268,10 +268,10 @@ constexpr char kStoredSettings[] = "[RECENTCALL_SET]\nmaxMissedCall=40\n\n[Turbo
 void prepareSettings()
 {
     QDir().mkpath(place("setup"));
-    writeFile(place("setup/test.cfg"), "[Group]\nkey=old\nother=7\n");
-    writeFile(place("setup/zyn_app4.cfg"), kStoredSettings);
-    writeFile(place("setup/zyn_handset.cfg"), "[Handset]\nSimCardStatus=3\n");
-    writeFile(place("setup/zyn_toppals.cfg"), "[TopPals-UI]\nMaxItemsToLog=20\n");
+    writeWhole(place("setup/test.cfg"), "[Group]\nkey=old\nother=7\n");
+    writeWhole(place("setup/zyn_app4.cfg"), kStoredSettings);
+    writeWhole(place("setup/zyn_handset.cfg"), "[Handset]\nSimCardStatus=3\n");
+    writeWhole(place("setup/zyn_toppals.cfg"), "[TopPals-UI]\nMaxItemsToLog=20\n");
 }
 
 void prepareNoSettings()
@@ -669,45 +669,46 @@ constexpr bool kSilent = true;
 constexpr bool kWrites = true;
 
 constexpr Operation kOperations[] = {
-    {"store: start", prepareStart, startStore, "made", Left::Nothing, files, kSilent},
-    {"store: start without files", prepareStartWithoutFiles, startStore, "made", Left::EachFile, files, kSilent,
+    {"store: start", prepareStart, startStore, "made", Left::Nothing, filesOnDisk, kSilent},
+    {"store: start without files", prepareStartWithoutFiles, startStore, "made", Left::EachFile, filesOnDisk, kSilent,
      kWrites},
-    {"store: start with damage", prepareStartWithDamage, startStore, "made", Left::EachFile, files, kSilent, kWrites},
-    {"store: add", prepareStore, addCall, "0", Left::Slots, files, false, kWrites},
-    {"store: change", prepareStore, changeCall, "0", Left::Slots, files, false, kWrites},
-    {"store: remove", prepareStore, removeCall, "0", Left::Slots, files, false, kWrites},
-    {"store: remove a list", prepareStore, removeCalls, "0", Left::Slots, files, kSilent, kWrites},
-    {"store: clear", prepareStore, clearCalls, "done", Left::Slots, files, kSilent, kWrites},
-    {"store: list", prepareStore, listCalls, "", Left::Nothing, files},
-    {"last dialed number", prepareStore, lastDialed, "0", Left::Nothing, files},
-    {"favourites: start", prepareFavouritesStart, startFavourites, "made", Left::Nothing, files, kSilent},
+    {"store: start with damage", prepareStartWithDamage, startStore, "made", Left::EachFile, filesOnDisk, kSilent,
+     kWrites},
+    {"store: add", prepareStore, addCall, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"store: change", prepareStore, changeCall, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"store: remove", prepareStore, removeCall, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"store: remove a list", prepareStore, removeCalls, "0", Left::Slots, filesOnDisk, kSilent, kWrites},
+    {"store: clear", prepareStore, clearAllCalls, "done", Left::Slots, filesOnDisk, kSilent, kWrites},
+    {"store: list", prepareStore, listCalls, "", Left::Nothing, filesOnDisk},
+    {"last dialed number", prepareStore, lastDialed, "0", Left::Nothing, filesOnDisk},
+    {"favourites: start", prepareFavouritesStart, startFavourites, "made", Left::Nothing, filesOnDisk, kSilent},
     {"favourites: start without file", prepareFavouritesStartWithoutFile, startFavourites, "made", Left::EachFile,
-     files, kSilent, kWrites},
-    {"favourites: add", prepareFavourites, addFavourite, "0", Left::Slots, files, kSilent, kWrites},
-    {"favourites: replace", prepareFavourites, replaceFavourite, "0", Left::Slots, files, kSilent, kWrites},
-    {"favourites: remove", prepareFavourites, removeFavourite, "0", Left::Slots, files, false, kWrites},
-    {"entry: add", prepareFavourites, addEntry, "0", Left::Slots, files, false, kWrites},
-    {"entry: change", prepareFavourites, changeEntry, "0", Left::Slots, files, false, kWrites},
-    {"entry: remove", prepareFavourites, removeEntry, "0", Left::Slots, files, false, kWrites},
-    {"entry: list", prepareFavourites, listEntries, "0", Left::Nothing, files},
-    {"entry: count unread", prepareFavourites, countUnread, "0 0 0", Left::Nothing, files},
-    {"settings: set", prepareSettings, setSetting, "0", Left::Whole, files, false, kWrites},
-    {"settings: set the first", prepareNoSettings, setSetting, "0", Left::Whole, files, false, kWrites},
-    {"settings: get", prepareSettings, getSetting, "default", Left::Nothing, files},
-    {"speed dial: set", prepareSettings, setSpeedDial, "0", Left::Whole, files, false, kWrites},
-    {"speed dial: set four", prepareSettings, setAllSpeedDials, "0", Left::Lines, files, false, kWrites},
-    {"speed dial: get", prepareSettings, getSpeedDial, "", Left::Nothing, files},
-    {"prepend: set", prepareSettings, setPrepend, "0", Left::Whole, files, false, kWrites},
-    {"two-line view: set", prepareSettings, setTwoLines, "0", Left::Whole, files, false, kWrites},
-    {"kept entries", prepareSettings, keptEntries, "15", Left::Nothing, files},
-    {"SIM card status", prepareSettings, simCard, "0", Left::Nothing, files},
-    {"emergency: write", prepareEmergency, writeEmergency, "0", Left::Whole, files, false, kWrites},
-    {"emergency: write the first", prepareNoEmergency, writeEmergency, "0", Left::Whole, files, false, kWrites},
-    {"emergency: list", prepareEmergency, listEmergency, "", Left::Nothing, files},
-    {"emergency: is one", prepareEmergency, isEmergency, "0", Left::Nothing, files},
-    {"emergency: is the only one", prepareShortEmergency, isEmergency, "0", Left::Nothing, files},
-    {"emergency: is one of many", prepareLongEmergency, isEmergency, "0", Left::Nothing, files},
-    {"emergency: may become one", prepareEmergency, mayBecomeEmergency, "0", Left::Nothing, files},
+     filesOnDisk, kSilent, kWrites},
+    {"favourites: add", prepareFavourites, addFavourite, "0", Left::Slots, filesOnDisk, kSilent, kWrites},
+    {"favourites: replace", prepareFavourites, replaceFavourite, "0", Left::Slots, filesOnDisk, kSilent, kWrites},
+    {"favourites: remove", prepareFavourites, removeFavourite, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"entry: add", prepareFavourites, addEntry, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"entry: change", prepareFavourites, changeEntry, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"entry: remove", prepareFavourites, removeEntry, "0", Left::Slots, filesOnDisk, false, kWrites},
+    {"entry: list", prepareFavourites, listEntries, "0", Left::Nothing, filesOnDisk},
+    {"entry: count unread", prepareFavourites, countUnread, "0 0 0", Left::Nothing, filesOnDisk},
+    {"settings: set", prepareSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"settings: set the first", prepareNoSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"settings: get", prepareSettings, getSetting, "default", Left::Nothing, filesOnDisk},
+    {"speed dial: set", prepareSettings, setSpeedDial, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"speed dial: set four", prepareSettings, setAllSpeedDials, "0", Left::Lines, filesOnDisk, false, kWrites},
+    {"speed dial: get", prepareSettings, getSpeedDial, "", Left::Nothing, filesOnDisk},
+    {"prepend: set", prepareSettings, setPrepend, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"two-line view: set", prepareSettings, setTwoLines, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"kept entries", prepareSettings, keptEntries, "15", Left::Nothing, filesOnDisk},
+    {"SIM card status", prepareSettings, simCard, "0", Left::Nothing, filesOnDisk},
+    {"emergency: write", prepareEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"emergency: write the first", prepareNoEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},
+    {"emergency: list", prepareEmergency, listEmergency, "", Left::Nothing, filesOnDisk},
+    {"emergency: is one", prepareEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
+    {"emergency: is the only one", prepareShortEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
+    {"emergency: is one of many", prepareLongEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
+    {"emergency: may become one", prepareEmergency, mayBecomeEmergency, "0", Left::Nothing, filesOnDisk},
     {"channel: send", prepareSend, send, "0", Left::Whole, heardMessage, false, false, unheard},
     {"channel: send the first", prepareSend, sendFirst, "0", Left::Whole, heardMessage, false, false, unheard},
     {"channel: listen", prepareNoListener, listen, "0", Left::Nothing, listens, false, false, listening},

@@ -187,7 +187,7 @@ bool isOfLines(const QByteArray& now, const QByteArray& before, const QByteArray
     return std::ranges::all_of(now.split('\n'), [&](const QByteArray& line) { return known.contains(line); });
 }
 
-const QByteArray* contentsOf(const State& state, const QByteArray& name)
+const QByteArray* fileIn(const State& state, const QByteArray& name)
 {
     const auto found = state.find(name);
     return found == state.end() ? nullptr : &found->second;
@@ -206,9 +206,9 @@ QByteArray spoilt(const State& now, const State& before, const State& after, Lef
         for (const auto& [name, contents] : *state)
             names.insert(name);
     for (const QByteArray& name : names) {
-        const QByteArray* const found = contentsOf(now, name);
-        const QByteArray* const old = contentsOf(before, name);
-        const QByteArray* const changed = contentsOf(after, name);
+        const QByteArray* const found = fileIn(now, name);
+        const QByteArray* const old = fileIn(before, name);
+        const QByteArray* const changed = fileIn(after, name);
         if (isSame(found, old) || (left != Left::Nothing && isSame(found, changed)))
             continue;
         const bool isWhole = found && old && changed;
@@ -225,7 +225,7 @@ QByteArray spoilt(const State& now, const State& before, const State& after, Lef
 QByteArray stray(const State& now, const State& before, const State& after)
 {
     const auto found = std::ranges::find_if(
-        now, [&](const auto& entry) { return !contentsOf(before, entry.first) && !contentsOf(after, entry.first); });
+        now, [&](const auto& entry) { return !fileIn(before, entry.first) && !contentsOf(after, entry.first); });
     return found == now.end() ? QByteArray() : found->first;
 }
 

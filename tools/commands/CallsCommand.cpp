@@ -116,7 +116,7 @@ ExitCode showLastDialed(const Invocation& invocation, Console& console)
     return Done;
 }
 
-Command listRow()
+Command listCallsRow()
 {
     return {.name = u"list"_s,
             .summary = u"List calls, newest first"_s,
@@ -187,8 +187,8 @@ Command callsCommand()
 {
     return {.name = u"calls"_s,
             .summary = u"The log of recent calls"_s,
-            .verbs = {listRow(), addRow(), readRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(), exportRow(),
-                      importRow()}};
+            .verbs = {listCallsRow(), addRow(), readRow(), deleteRow(), clearRow(), lastDialedRow(), seedRow(),
+                      exportRow(), importRow()}};
 }
 
 } // namespace zyn::tool

@@ -15,13 +15,13 @@ namespace zyn::tool {
 namespace {
 
 constexpr char kStandardOutput[] = "-";
-constexpr int kFewestLanes = 2;
+constexpr int kFewestAllowedLanes = 2;
 constexpr int kMostLanes = 64;
 
 qsizetype lanesFrom(const Invocation& invocation)
 {
     return invocation.isSet(u"lanes"_s)
-               ? wholeNumber(invocation.value(u"lanes"_s), u"--lanes"_s, kFewestLanes, kMostLanes)
+               ? wholeNumber(invocation.value(u"lanes"_s), u"--lanes"_s, kFewestAllowedLanes, kMostLanes)
                : kMostLanes;
 }
 

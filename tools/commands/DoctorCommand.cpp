@@ -14,14 +14,14 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-struct Check
+struct DoctorCheck
 {
     const char* topic;
     Findings (*run)();
 };
 
 /// Ordered so that causes come before their effects.
-constexpr Check kChecks[] = {
+constexpr DoctorCheck kChecks[] = {
     {"environment", checkEnvironment}, {"channels", checkChannels},
     {"processes", checkProcesses},     {"units", checkUnits},
     {"services", checkServices},       {"store", checkStore},
@@ -39,29 +39,32 @@ constexpr std::array<LevelWord, 3> kLevels{{{"ok", Colour::Green}, {"note", Colo
 constexpr qsizetype kLevelWidth = 5;
 constexpr qsizetype kTopicWidth = 11;
 
-const LevelWord& wordOf(Severity severity)
+const LevelWord& levelWord(Severity severity)
 {
     return kLevels.at(static_cast<size_t>(severity));
 }
 
-struct Row
+struct FindingRow
 {
     const char* topic;
     Finding finding;
 };
 
-constexpr Column<Row> kColumns[] = {
-    {"level", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(wordOf(row.finding.severity).text)); }},
-    {"topic", nullptr, [](const Row& row) { return QJsonValue(QLatin1String(row.topic)); }},
-    {"subject", nullptr, [](const Row& row) { return QJsonValue(row.finding.subject); }},
-    {"text", nullptr, [](const Row& row) { return QJsonValue(row.finding.text); }},
+constexpr Column<FindingRow> kFindingColumns[] = {
+    {"level", nullptr,
+     [](const FindingRow& row) { return QJsonValue(QLatin1String(levelWord(row.finding.severity).text)); }},
+    {"topic", nullptr, [](const FindingRow& row) { return QJsonValue(QLatin1String(row.topic)); }},
+    {"subject", nullptr, [](const FindingRow& row) { return QJsonValue(row.finding.subject); }},
+    {"text", nullptr, [](const FindingRow& row) { return QJsonValue(row.finding.text); }},
     {"remedy", nullptr,
-     [](const Row& row) { return row.finding.remedy.isEmpty() ? QJsonValue() : QJsonValue(row.finding.remedy); }},
+     [](const FindingRow& row) {
+         return row.finding.remedy.isEmpty() ? QJsonValue() : QJsonValue(row.finding.remedy);
+     }},
 };
 
-QString lineOf(const Row& row, bool inColour)
+QString lineOf(const FindingRow& row, bool inColour)
 {
-    const LevelWord& level = wordOf(row.finding.severity);
+    const LevelWord& level = levelWord(row.finding.severity);
     const QString word = QString(QLatin1String(level.text)).leftJustified(kLevelWidth);
     QString line = u"%1  %2  %3: %4\n"_s.arg(inColour ? coloured(word, level.colour) : word,
                                              QString(QLatin1String(row.topic)).leftJustified(kTopicWidth),
@@ -71,26 +74,26 @@ QString lineOf(const Row& row, bool inColour)
     return line;
 }
 
-void printReport(const std::vector<Row>& rows, qsizetype faults, Console& console)
+void printReport(const std::vector<FindingRow>& rows, qsizetype faults, Console& console)
 {
     const bool inColour = console.isColourful();
     QString report;
-    for (const Row& row : rows)
+    for (const FindingRow& row : rows)
         report += lineOf(row, inColour);
     console.write(report + (faults == 0 ? u"Nothing is wrong.\n"_s : u"%1 to mend.\n"_s.arg(counted(faults, "thing"))));
 }
 
 ExitCode examine(const Invocation& invocation, Console& console)
 {
-    std::vector<Row> rows;
-    for (const Check& check : kChecks) {
+    std::vector<FindingRow> rows;
+    for (const DoctorCheck& check : kChecks) {
         for (Finding& finding : check.run())
             rows.push_back({check.topic, std::move(finding)});
     }
     const auto faults =
-        std::ranges::count_if(rows, [](const Row& row) { return row.finding.severity == Severity::Wrong; });
+        std::ranges::count_if(rows, [](const FindingRow& row) { return row.finding.severity == Severity::Wrong; });
     if (invocation.isSet(u"json"_s))
-        console.write(QJsonDocument(Table(kColumns, rows).json()));
+        console.write(QJsonDocument(Table(kFindingColumns, rows).json()));
     else
         printReport(rows, faults, console);
     return faults == 0 ? Done : Failed;
@@ -107,7 +110,7 @@ Command doctorCommand()
                        "services, the store, the settings and the feature switches, and changes nothing. Other users' "
                        "programs are not looked at.\n"
                        "The objects of --json have the fields %1;\nlevel is ok, note or wrong, and remedy null where "
-                       "there is nothing to do.\n"_s.arg(fieldNames(kColumns)),
+                       "there is nothing to do.\n"_s.arg(fieldNames(kFindingColumns)),
             .options = {jsonOption()},
             .run = examine};
 }

@@ -22,7 +22,7 @@ namespace {
 
 using Entry = PHONE_ENG_ActivityLog;
 
-struct Favourite
+struct ListedFavourite
 {
     int place;
     QString number;
@@ -31,12 +31,13 @@ struct Favourite
     QJsonValue unreadMessages = {};
 };
 
-constexpr Column<Favourite> kFavouriteColumns[] = {
-    {"place", "PLACE", [](const Favourite& favourite) { return QJsonValue(favourite.place); }},
-    {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
-    {"entries", "ENTRIES", [](const Favourite& favourite) { return favourite.entries; }},
-    {"unreadMissedCalls", "UNREAD MISSED CALLS", [](const Favourite& favourite) { return favourite.unreadCalls; }},
-    {"unreadMessages", "UNREAD MESSAGES", [](const Favourite& favourite) { return favourite.unreadMessages; }},
+constexpr Column<ListedFavourite> kFavouriteColumns[] = {
+    {"place", "PLACE", [](const ListedFavourite& favourite) { return QJsonValue(favourite.place); }},
+    {"number", "NUMBER", [](const ListedFavourite& favourite) { return QJsonValue(favourite.number); }},
+    {"entries", "ENTRIES", [](const ListedFavourite& favourite) { return favourite.entries; }},
+    {"unreadMissedCalls", "UNREAD MISSED CALLS",
+     [](const ListedFavourite& favourite) { return favourite.unreadCalls; }},
+    {"unreadMessages", "UNREAD MESSAGES", [](const ListedFavourite& favourite) { return favourite.unreadMessages; }},
 };
 
 constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
@@ -47,7 +48,7 @@ constexpr Column<TopPals_Missed_Details> kUnreadColumns[] = {
      [](const TopPals_Missed_Details& unread) { return QJsonValue(unread.unreadMsgCount); }},
 };
 
-void count(Favourite& favourite)
+void count(ListedFavourite& favourite)
 {
     handset::ActivityEntries entries;
     TopPals_Missed_Details unread{favourite.number};
@@ -61,13 +62,13 @@ void count(Favourite& favourite)
 
 ExitCode listFavourites(const Invocation& invocation, Console& console)
 {
-    std::vector<Favourite> found;
+    std::vector<ListedFavourite> found;
     QStringList unreadable;
     const QStringList keys = readKeys();
     for (int place = 0; place < keys.size(); ++place) {
         if (keys[place].isEmpty())
             continue;
-        Favourite& favourite = found.emplace_back(Favourite{place, keys[place]});
+        ListedFavourite& favourite = found.emplace_back(ListedFavourite{place, keys[place]});
         count(favourite);
         if (favourite.entries.isNull())
             unreadable += favourite.number;
@@ -111,7 +112,7 @@ ExitCode announce(const Invocation& invocation, Console& console)
     });
 }
 
-Command listRow()
+Command listFavouritesRow()
 {
     return {.name = u"list"_s,
             .summary = u"List the favourites with their entries, and what of these is unread"_s,
@@ -123,7 +124,7 @@ Command listRow()
             .run = listFavourites};
 }
 
-Command showRow()
+Command showFavouriteRow()
 {
     return {.name = u"show"_s,
             .summary = u"Show a favourite's calls and messages, newest first"_s,
@@ -174,8 +175,8 @@ Command favouritesCommand()
             "itself.\n"
             "They begin a new topPalsDetails where that is damaged; list, show, unread and export change nothing.\n"_s
                 .arg(kFavouriteKeyLength),
-        .verbs = {listRow(), replaceFavouriteCommand(), logFavouriteCommand(), showRow(), unreadRow(),
-                  removeFavouriteCommand(), announceRow(), favouritesExportRow(), favouritesImportRow()}};
+        .verbs = {listFavouritesRow(), replaceFavouriteCommand(), logFavouriteCommand(), showFavouriteRow(),
+                  unreadRow(), removeFavouriteCommand(), announceRow(), favouritesExportRow(), favouritesImportRow()}};
 }
 
 } // namespace zyn::tool

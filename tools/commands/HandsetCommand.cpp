@@ -18,7 +18,7 @@ using handset::State;
 
 const QLatin1String kGroup(handset::kGroup);
 
-constexpr Column<State> kColumns[] = {
+constexpr Column<State> kStateColumns[] = {
     {"name", "NAME", [](const State& state) { return QJsonValue(QLatin1String(state.name)); }},
     {"value", "VALUE", [](const State& state) { return QJsonValue(readState(state)); }},
     {"meaning", "MEANING", [](const State& state) { return QJsonValue(QLatin1String(state.meaning)); }},
@@ -26,7 +26,7 @@ constexpr Column<State> kColumns[] = {
 
 ExitCode showStates(const Invocation& invocation, Console& console)
 {
-    printTable(console, Table(kColumns, handset::kStates), invocation.isSet(u"json"_s));
+    printTable(console, Table(kStateColumns, handset::kStates), invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -101,7 +101,7 @@ Command handsetCommand()
 {
     Command show{.name = u"show"_s,
                  .summary = u"Show the states"_s,
-                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kColumns)),
+                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kStateColumns)),
                  .options = {jsonOption()},
                  .run = showStates};
     Command set{.name = u"set"_s,

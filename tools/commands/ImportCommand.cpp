@@ -15,7 +15,7 @@ namespace {
 
 using Call = PHONE_ENG_RecentCall;
 
-Call callOf(const QByteArray& record)
+Call importedCall(const QByteArray& record)
 {
     return toPlain<Call>(std::as_bytes(std::span(record.constData(), static_cast<size_t>(record.size()))));
 }
@@ -25,7 +25,7 @@ ExitCode importCalls(const Invocation& invocation, Console& console)
     const ReadRecords read = RecordsFile(invocation, callSchema(), invocation.argument(0)).read(console);
     std::vector<Call> calls;
     for (const QByteArray& record : read.records)
-        calls.push_back(callOf(record));
+        calls.push_back(importedCall(record));
     sendCalls(calls);
     const QString sent = counted(static_cast<qsizetype>(calls.size()), "call");
     const auto left = read.problems.size();

@@ -29,7 +29,7 @@ namespace {
 using handset::Debouncer;
 using handset::MissedCallEngine;
 
-constexpr Column<RC_MissedCallItem> kColumns[] = {
+constexpr Column<RC_MissedCallItem> kMissedColumns[] = {
     {"uid", "UID", [](const RC_MissedCallItem& item) { return QJsonValue(MissedCallEngine::uid(item)); }},
     {"number", "NUMBER", [](const RC_MissedCallItem& item) { return QJsonValue(item.first); }},
     {"name", "NAME", [](const RC_MissedCallItem& item) { return QJsonValue(item.second); }},
@@ -54,7 +54,7 @@ public:
 
     void show()
     {
-        const Table table(kColumns, m_engine.getUnreadMissedCallList());
+        const Table table(kMissedColumns, m_engine.getUnreadMissedCallList());
         if (!m_engine.isAnswered())
             throw recentCallServiceError();
         const QJsonObject object{{u"unread"_s, table.count()}, {u"calls"_s, table.json()}};
@@ -141,7 +141,7 @@ Command missedCommand()
     return {.name = u"missed"_s,
             .summary = u"Show how many missed calls are unread, and list them, newest first"_s,
             .details = u"\nThe object of --json has the fields unread and calls, an array of objects with the fields\n"
-                       u"%1; start is UTC. With --follow it is one object a line.\n"_s.arg(fieldNames(kColumns)),
+                       u"%1; start is UTC. With --follow it is one object a line.\n"_s.arg(fieldNames(kMissedColumns)),
             .options = {jsonOption(),
                         flagOption(u"follow"_s, u"show them again at each change, until SIGINT or SIGTERM"_s),
                         valueOption(u"count"_s, u"N"_s, u"with --follow: end after showing them N times"_s),

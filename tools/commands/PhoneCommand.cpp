@@ -106,7 +106,7 @@ QString sinceText(const QJsonObject& call)
     return handset::timeText(QDateTime::fromString(since, Qt::ISODateWithMs));
 }
 
-constexpr Column<QJsonObject> kColumns[] = {
+constexpr Column<QJsonObject> kOngoingColumns[] = {
     {"id", "ID", [](const QJsonObject& call) { return value(call, "id"); }},
     {"number", "NUMBER", [](const QJsonObject& call) { return value(call, "number"); }},
     {"name", "NAME", [](const QJsonObject& call) { return value(call, "name"); }},
@@ -117,7 +117,7 @@ constexpr Column<QJsonObject> kColumns[] = {
 };
 
 /// The calls in @p json, an array of them.
-QList<QJsonObject> callsIn(const QByteArray& json)
+QList<QJsonObject> ongoingCalls(const QByteArray& json)
 {
     QList<QJsonObject> calls;
     for (const QJsonValue call : QJsonDocument::fromJson(json).array())
@@ -141,7 +141,7 @@ void showCall(Console& console, const QJsonObject& call, bool json)
 ExitCode followCalls(PhoneControl& control, Console& console, bool json, const TimeLimit& limit)
 {
     const handset::TerminationSignals signalsThatEnd;
-    for (const QJsonObject& call : callsIn(control.ask(phonecontrol::FollowCalls, phonecontrol::Calls)))
+    for (const QJsonObject& call : ongoingCalls(control.ask(phonecontrol::FollowCalls, phonecontrol::Calls)))
         showCall(console, call, json);
     QSocketNotifier readable(control.descriptor(), QSocketNotifier::Read);
     QString error;
@@ -172,7 +172,7 @@ ExitCode showCalls(const Invocation& invocation, Console& console)
     PhoneControl control;
     if (follows)
         return followCalls(control, console, json, limit);
-    const Table table(kColumns, callsIn(control.ask(phonecontrol::ListCalls, phonecontrol::Calls)));
+    const Table table(kOngoingColumns, ongoingCalls(control.ask(phonecontrol::ListCalls, phonecontrol::Calls)));
     if (json || !table.isEmpty())
         printTable(console, table, json);
     return Done;
@@ -216,7 +216,7 @@ Command phoneCommand()
     Command calls{.name = u"calls"_s,
                   .summary = u"List the calls of the line: the number, and the state since when"_s,
                   .details = u"\nWith --follow each change is a line. The objects of --json, one for each line "
-                             "then, have\nthe fields %1.\n"_s.arg(fieldNames(kColumns)),
+                             "then, have\nthe fields %1.\n"_s.arg(fieldNames(kOngoingColumns)),
                   .options = {jsonOption(), flagOption(u"follow"_s, u"go on with each change, until a signal comes"_s),
                               TimeLimit::option(u"end --follow after that time"_s)},
                   .run = showCalls};

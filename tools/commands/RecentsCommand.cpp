@@ -125,7 +125,7 @@ QMap<QString, QStringList> listWords()
 
 const Argument kListArgument{u"LIST"_s, u"answered, missed, dialed, all, extra or none"_s};
 
-Command showRow()
+Command showScreenRow()
 {
     return {.name = u"show"_s,
             .summary = u"Ask for the calls of a list"_s,
@@ -176,7 +176,7 @@ Command recentsCommand()
     return {.name = u"recents"_s,
             .summary = u"The recent-call screens"_s,
             .verbs = {
-                showRow(),
+                showScreenRow(),
                 pageRow(),
                 detailRow(),
                 {.name = u"hide"_s, .summary = u"Ask the screens to hide"_s, .details = sendOnlyDetails(), .run = hide},

@@ -27,12 +27,12 @@ namespace zyn::tool {
 namespace {
 
 /// How long a command may take to end when this program is told to, in milliseconds.
-constexpr int kEndTime = 5000;
+constexpr int kCommandEndTime = 5000;
 /// What a shell adds to the number of the signal that has ended a command.
 constexpr int kSignalBase = 128;
 
 /// The path of @p command. Throws a CommandError if there is none that can be run.
-QString programOf(const QString& command)
+QString programNamed(const QString& command)
 {
     QString path = command.contains(u'/') ? command : QStandardPaths::findExecutable(command);
     const QFileInfo file(path);
@@ -60,14 +60,14 @@ int runToTheEnd(const QStringList& words, const Console& console)
     ChildProcess command([output = console.descriptor()] { ::dup2(output, STDOUT_FILENO); });
     command.setInputChannelMode(QProcess::ForwardedInputChannel);
     QObject::connect(&command, &QProcess::finished, QCoreApplication::instance(), &QCoreApplication::quit);
-    command.start(programOf(words.first()), words.mid(1));
+    command.start(programNamed(words.first()), words.mid(1));
     if (!command.waitForStarted())
         throw CommandError(NotExecutable, u"'%1' cannot be run: %2"_s.arg(words.first(), command.errorString()));
     if (command.state() != QProcess::NotRunning)
         QCoreApplication::exec();
     if (command.state() != QProcess::NotRunning) {
         command.terminate();
-        if (!command.waitForFinished(kEndTime))
+        if (!command.waitForFinished(kCommandEndTime))
             command.kill();
         command.waitForFinished();
     }

@@ -22,7 +22,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-constexpr handset::WordReader kWords{wholeNumber, nullptr, nullptr};
+constexpr handset::WordReader kSendWords{wholeNumber, nullptr, nullptr};
 
 /// A value type: its field kind, and its own parser if it needs one.
 struct Type
@@ -32,7 +32,7 @@ struct Type
     FieldValue (*read)(const QString& word) = nullptr;
 };
 
-constexpr std::array kTypes{
+constexpr std::array kSentTypes{
     Type{"int", FieldKind::Int},
     Type{"char", FieldKind::Char},
     Type{"byte", FieldKind::Byte},
@@ -43,19 +43,19 @@ constexpr std::array kTypes{
 };
 
 /// The bytes of @p typed, a type and a value.
-QByteArray bytesOf(const QString& typed)
+QByteArray typedBytes(const QString& typed)
 {
     const qsizetype colon = typed.indexOf(u':');
     const QString name = typed.left(colon);
     const QString word = typed.mid(colon + 1);
-    const Type type = wordNamed(kTypes, name, u"type"_s);
+    const Type type = wordNamed(kSentTypes, name, u"type"_s);
     const bool takesValue = QLatin1String(type.text) != "null"_L1;
     if (takesValue && colon < 0)
         throw usageError(u"missing value after '%1:'"_s.arg(name));
     if (!takesValue && colon >= 0)
         throw usageError(u"'%1' takes no value"_s.arg(name));
     const Field field{type.kind, type.text};
-    const FieldValue value = type.read ? type.read(word) : valueFrom(kWords, field, word, name);
+    const FieldValue value = type.read ? type.read(word) : valueFrom(kSendWords, field, word, name);
     return encode(std::span(&field, 1), std::span(&value, 1));
 }
 
@@ -67,7 +67,7 @@ ExitCode send(const Invocation& invocation, Console& console)
         throw usageError(u"the message's name is empty"_s);
     QByteArray payload;
     for (const QString& typed : invocation.arguments().mid(2))
-        payload += bytesOf(typed);
+        payload += typedBytes(typed);
     return sendMessage(invocation.argument(0), invocation.argument(1), payload, console);
 }
 

@@ -16,15 +16,15 @@ namespace {
 constexpr int kFirstIndex = 1;
 constexpr int kLastIndex = 9;
 
-struct Entry
+struct SpeedDialEntry
 {
     int index;
     QString number; ///< empty if the entry is free
 };
 
-constexpr Column<Entry> kColumns[] = {
-    {"index", "INDEX", [](const Entry& entry) { return QJsonValue(entry.index); }},
-    {"number", "NUMBER", [](const Entry& entry) { return QJsonValue(entry.number); }},
+constexpr Column<SpeedDialEntry> kSpeedDialColumns[] = {
+    {"index", "INDEX", [](const SpeedDialEntry& entry) { return QJsonValue(entry.index); }},
+    {"number", "NUMBER", [](const SpeedDialEntry& entry) { return QJsonValue(entry.number); }},
 };
 
 int indexFrom(const Invocation& invocation)
@@ -36,10 +36,10 @@ ExitCode listEntries(const Invocation& invocation, Console& console)
 {
     QStringList numbers;
     PHONE_SpeedDial().getTurboDialingList(numbers);
-    std::vector<Entry> entries;
+    std::vector<SpeedDialEntry> entries;
     for (const QString& number : numbers)
         entries.push_back({kFirstIndex + static_cast<int>(entries.size()), number});
-    printTable(console, Table(kColumns, entries), invocation.isSet(u"json"_s));
+    printTable(console, Table(kSpeedDialColumns, entries), invocation.isSet(u"json"_s));
     return Done;
 }
 
@@ -91,7 +91,7 @@ Command speedDialCommand()
 {
     Command list{.name = u"list"_s,
                  .summary = u"List the entries, the free ones with an empty number"_s,
-                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kColumns)),
+                 .details = u"\nThe objects of --json have the fields %1.\n"_s.arg(fieldNames(kSpeedDialColumns)),
                  .options = {jsonOption()},
                  .run = listEntries};
     Command get{.name = u"get"_s,

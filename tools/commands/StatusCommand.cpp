@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-constexpr handset::WordReader kWords{wholeNumber, blockFrom, latin1Field};
+constexpr handset::WordReader kStatusWords{wholeNumber, blockFrom, latin1Field};
 
 /// The messages that the phone server sends.
 std::vector<const PhoneMessage*> statusMessages()
@@ -93,7 +93,7 @@ std::vector<FieldValue> snapshotValues(const QStringList& words, const Invocatio
     for (const Field& field : snapshot().fields) {
         const QString name = QLatin1String(field.name);
         const bool isSet = invocation.isSet(name);
-        values.push_back(isSet ? valueFrom(kWords, field, invocation.value(name), u"--"_s + name) : FieldValue());
+        values.push_back(isSet ? valueFrom(kStatusWords, field, invocation.value(name), u"--"_s + name) : FieldValue());
     }
     return values;
 }
@@ -121,7 +121,7 @@ std::vector<FieldValue> plainValues(const PhoneMessage& message, const QStringLi
         const QString name = argumentName(field);
         if (std::ssize(values) == words.size())
             throw usageError(u"missing argument %1"_s.arg(name));
-        values.push_back(valueFrom(kWords, field, words[std::ssize(values)], name));
+        values.push_back(valueFrom(kStatusWords, field, words[std::ssize(values)], name));
     }
     if (std::ssize(values) < words.size())
         throw usageError(u"superfluous argument '%1'"_s.arg(words[std::ssize(values)]));

@@ -86,7 +86,7 @@ Finding deadSocket(const QString& path, pid_t owner, bool isHeard)
 }
 
 /// Whether @p listener, a processText, is the handset's or this tool, and not an application.
-bool isOfHandset(const QString& listener)
+bool isListenerOfHandset(const QString& listener)
 {
     return listener.contains(u" (zyn-"_s) || listener.endsWith(u" (zynphone)"_s);
 }
@@ -116,7 +116,7 @@ Findings checkListeners(const QByteArray& root, const QCString& channel, const C
         findings.push_back(ok(QString::fromUtf8(channel), u"heard by %1"_s.arg(listening.join(u", "_s))));
     else if (!isKept)
         findings.push_back(nobody(channel));
-    if (channel == kPhoneChannel && !listening.isEmpty() && std::ranges::all_of(listening, isOfHandset))
+    if (channel == kPhoneChannel && !listening.isEmpty() && std::ranges::all_of(listening, isListenerOfHandset))
         findings.push_back(note(QString::fromUtf8(channel), u"no application hears it, only the handset's programs"_s));
     return findings;
 }

@@ -57,19 +57,19 @@ Kind viewKind()
     return {u"1 (answered), 2 (missed), 3 (a view without a list), 4 (all), or another number (dialed)"_s, isInt};
 }
 
-struct Row
+struct SettingRow
 {
     const SettingName& name;
     Kind (*kind)();
 };
 
-constexpr Row kRows[] = {
+constexpr SettingRow kKnownSettings[] = {
     {setting::kMaxAnswered, slotsKind},  {setting::kMaxMissed, slotsKind},   {setting::kMaxDialed, slotsKind},
     {setting::kMaxFrequent, numberKind}, {setting::kIdleSendView, viewKind}, {setting::kTwoLineView, switchKind},
     {setting::kPrepend, switchKind},
 };
 
-KnownSetting known(const QString& path, const Row& row)
+KnownSetting known(const QString& path, const SettingRow& row)
 {
     const Kind kind = row.kind();
     return {path, settingPart(row.name.group), settingPart(row.name.key), kind.values, kind.fits};
@@ -98,7 +98,7 @@ QString KnownSetting::text() const
 std::vector<KnownSetting> phoneSettings()
 {
     std::vector<KnownSetting> settings;
-    for (const Row& row : kRows)
+    for (const SettingRow& row : kKnownSettings)
         settings.push_back(known(settingsFile(kPhoneSettings), row));
     settings.push_back(known(switchFile(kFixedDialSwitch), {setting::kFixedDial, switchKind}));
     settings.push_back(known(switchFile(kTopPalsSwitch), {setting::kTopPalsItems, countKind}));

@@ -26,7 +26,7 @@ namespace {
 constexpr std::array<const char*, 2> kLibraries{"/libzynplatform.so", "/libzynphone.so"};
 constexpr char kDeleted[] = " (deleted)";
 /// Above any list of mappings or sockets that a handset has.
-constexpr qint64 kSizeLimit = qint64{8} * 1024 * 1024;
+constexpr qint64 kProcLimit = qint64{8} * 1024 * 1024;
 constexpr qsizetype kMapFields = 5; ///< before the path: addresses, rights, offset, device and inode
 constexpr qsizetype kSocketFields = 7;
 
@@ -34,7 +34,7 @@ constexpr qsizetype kSocketFields = 7;
 QByteArray contents(const QString& path)
 {
     QFile file(path); // no regular file: its size is not known before
-    return file.open(QIODevice::ReadOnly) ? file.read(kSizeLimit) : QByteArray();
+    return file.open(QIODevice::ReadOnly) ? file.read(kProcLimit) : QByteArray();
 }
 
 QString fileOf(pid_t process, const char* name)
@@ -164,7 +164,7 @@ std::optional<Finding> placeFault(pid_t process, const QByteArray& place, const 
                  u"end it, and start it with ZYN_QCOP_PATH=%1"_s.arg(shellWord(root)));
 }
 
-QString listOf(const QByteArrayList& paths)
+QString joined(const QByteArrayList& paths)
 {
     return QFile::decodeName(paths.join(", "));
 }
@@ -185,12 +185,12 @@ std::optional<Finding> libraryFault(pid_t process, const Libraries& libraries, c
     }
     if (!replaced.isEmpty())
         return wrong(processText(process),
-                     u"what it has loaded was replaced since it began: %1"_s.arg(listOf(replaced)),
+                     u"what it has loaded was replaced since it began: %1"_s.arg(joined(replaced)),
                      u"end it, and start it again"_s);
     if (others.isEmpty())
         return std::nullopt;
     return wrong(processText(process),
-                 u"it has another library than this tool: %1, not %2"_s.arg(listOf(others), listOf(ours)),
+                 u"it has another library than this tool: %1, not %2"_s.arg(joined(others), joined(ours)),
                  u"use programs and tool of one installation; see LD_LIBRARY_PATH and PATH"_s);
 }
 

@@ -16,7 +16,7 @@ namespace zyn::tool {
 namespace {
 
 /// Far above the size of every store file.
-constexpr qsizetype kSizeLimit = qsizetype{1024} * 1024;
+constexpr qsizetype kStoreFileLimit = qsizetype{1024} * 1024;
 
 Finding damaged(const QByteArray& path, const QStringList& problems)
 {
@@ -29,7 +29,7 @@ Finding damaged(const QByteArray& path, const QStringList& problems)
 /// Checks a file with @p check.
 Finding checkContents(const QByteArray& path, FileReport (*check)(const QString&, const QByteArray&))
 {
-    const std::optional<QByteArray> image = posix::readWhole(path, kSizeLimit);
+    const std::optional<QByteArray> image = posix::readWhole(path, kStoreFileLimit);
     if (!image)
         return damaged(path, {u"it is too long"_s});
     const FileReport report = check(QFile::decodeName(path).section(u'/', -1), *image);
@@ -38,7 +38,7 @@ Finding checkContents(const QByteArray& path, FileReport (*check)(const QString&
     return ok(QFile::decodeName(path), u"%1, %2 in use"_s.arg(report.kind, QString::number(report.usedSlots.count())));
 }
 
-Finding checkFile(const QByteArray& path, const FileKind& kind)
+Finding checkStoreFile(const QByteArray& path, const FileKind& kind)
 {
     if (!exists(path))
         return note(QFile::decodeName(path), u"it does not exist yet; its owner makes it"_s);
@@ -57,11 +57,11 @@ Findings checkStore()
         return {*fault};
     Findings findings{ok(QFile::decodeName(directory), u"files can be made in it"_s)};
     for (const RC_CALL_CATEGORY_T list : kRecordLists)
-        findings.push_back(checkFile(directory + recordFileName(list), kRecordFileKind));
-    findings.push_back(checkFile(directory + '/' + kTopPalsDetailsName, kFavouritesFileKind));
+        findings.push_back(checkStoreFile(directory + recordFileName(list), kRecordFileKind));
+    findings.push_back(checkStoreFile(directory + '/' + kTopPalsDetailsName, kFavouritesFileKind));
     for (const QString& name : QDir(QFile::decodeName(directory)).entryList(QDir::Files)) {
         if (isContactFileName(name))
-            findings.push_back(checkFile(directory + '/' + QFile::encodeName(name), kContactFileKind));
+            findings.push_back(checkStoreFile(directory + '/' + QFile::encodeName(name), kContactFileKind));
     }
     return findings;
 }

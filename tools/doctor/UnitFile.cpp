@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-constexpr qint64 kSizeLimit = qint64{256} * 1024;
+constexpr qint64 kUnitLimit = qint64{256} * 1024;
 /// Far above the number of services on any machine.
 constexpr qsizetype kMostUnits = 4096;
 constexpr qsizetype kMostDropIns = 64;
@@ -88,16 +88,16 @@ QByteArray programOf(const QByteArray& command)
 }
 
 /// What is read of a file; empty of one that masks what it overrides, too.
-QByteArray textOf(const QByteArray& file)
+QByteArray unitText(const QByteArray& file)
 {
-    return posix::readWhole(file, kSizeLimit).value_or(QByteArray());
+    return posix::readWhole(file, kUnitLimit).value_or(QByteArray());
 }
 
 void addStarts(const QByteArray& file, std::vector<UnitStart>& starts)
 {
     constexpr QByteArrayView kKey = "ExecStart";
     bool isService = false;
-    for (const QByteArray& line : linesOf(textOf(file))) {
+    for (const QByteArray& line : linesOf(unitText(file))) {
         if (line.startsWith('['))
             isService = line == "[Service]";
         const qsizetype equals = line.indexOf('=');
@@ -155,7 +155,7 @@ std::vector<Unit> unitsIn(const QList<QByteArray>& directories)
     const QSet<QString> enabled = enabledUnits(directories);
     std::vector<Unit> units;
     for (const auto& [name, file] : files.asKeyValueRange()) {
-        if (textOf(file).isEmpty()) // masked, whatever its drop-ins say
+        if (unitText(file).isEmpty()) // masked, whatever its drop-ins say
             continue;
         Unit unit{QFile::encodeName(name), enabled.contains(name), {}};
         addStarts(file, unit.starts);

@@ -164,7 +164,7 @@ QString linePlace(const QString& name, int line)
     return u"%1:%2: "_s.arg(name, QString::number(line));
 }
 
-std::vector<const StoredField*> columnsOf(const RecordSchema& schema, const CsvRow& header)
+std::vector<const StoredField*> headerFields(const RecordSchema& schema, const CsvRow& header)
 {
     if (!header.problem.isEmpty())
         throw failure(header.problem);
@@ -197,7 +197,7 @@ ReadRecords readCsv(const RecordSchema& schema, const QByteArray& text, const QS
     const CsvRow header = reader.next();
     std::vector<const StoredField*> columns;
     try {
-        columns = columnsOf(schema, header);
+        columns = headerFields(schema, header);
     } catch (const CommandError& error) {
         throw failure(problem(linePlace(name, header.line), error));
     }
@@ -275,11 +275,11 @@ ReadRecords readJson(const RecordSchema& schema, const QByteArray& text, const Q
 }
 
 /// Many times the size of the largest lists.
-constexpr qint64 kSizeLimit = qint64{16} * 1024 * 1024;
+constexpr qint64 kInputLimit = qint64{16} * 1024 * 1024;
 
 constexpr qsizetype kHelpWidth = 90;
 
-QString nameOf(const StoredField& field)
+QString fieldName(const StoredField& field)
 {
     return QLatin1String(field.name);
 }
@@ -325,9 +325,9 @@ QString RecordsFile::fieldList(const RecordSchema& schema)
 {
     QStringList lines{QString()};
     for (const StoredField& field : schema.fields) {
-        if (lines.last().size() + nameOf(field).size() > kHelpWidth)
+        if (lines.last().size() + fieldName(field).size() > kHelpWidth)
             lines += QString();
-        lines.last() += u"  "_s + nameOf(field);
+        lines.last() += u"  "_s + fieldName(field);
     }
     return lines.join(u'\n') + u'\n';
 }
@@ -374,10 +374,10 @@ QByteArray RecordsFile::readWhole() const
     const bool isOpen = m_path.isNull() ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     QByteArray bytes;
     // A pipe may return fewer bytes than will follow.
-    for (QByteArray part = isOpen ? file.read(kSizeLimit) : bytes; !part.isEmpty(); part = file.read(kSizeLimit)) {
+    for (QByteArray part = isOpen ? file.read(kInputLimit) : bytes; !part.isEmpty(); part = file.read(kInputLimit)) {
         bytes += part;
-        if (bytes.size() > kSizeLimit)
-            throw failure(u"%1 is longer than %2 bytes"_s.arg(inputName(), QString::number(kSizeLimit)));
+        if (bytes.size() > kInputLimit)
+            throw failure(u"%1 is longer than %2 bytes"_s.arg(inputName(), QString::number(kInputLimit)));
     }
     if (file.error() != QFileDevice::NoError)
         throw failure(u"cannot read %1: %2"_s.arg(inputName(), file.errorString()));

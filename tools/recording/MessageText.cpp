@@ -19,8 +19,8 @@ namespace zyn::tool {
 namespace {
 
 constexpr qsizetype kSenderWidth = 15;
-constexpr qsizetype kChannelWidth = 11;
-constexpr qsizetype kNameWidth = 20;
+constexpr qsizetype kChannelWordWidth = 11;
+constexpr qsizetype kMessageWordWidth = 20;
 constexpr qsizetype kShownRest = 64;
 
 QString quoted(QString text)
@@ -67,7 +67,7 @@ QString restText(const QByteArray& rest)
 }
 
 /// The word for the value of @p field, empty when there is none.
-QString wordOf(const ReceivedMessage& message, const NamedValue& field)
+QString fieldWord(const ReceivedMessage& message, const NamedValue& field)
 {
     return field.value.isDouble() ? valueWord(message.channel, message.name, field.name, field.value.toInteger())
                                   : QString();
@@ -133,7 +133,7 @@ QStringList valueTexts(const ReceivedMessage& message, bool tellsUnknown)
     const MessageFields fields = messageFields(message.channel, message.name, message.payload);
     QStringList texts;
     for (const NamedValue& field : fields.values) {
-        const QString word = wordOf(message, field);
+        const QString word = fieldWord(message, field);
         const QString value = word.isEmpty() ? nestedText(field.value) : word;
         // A word that is all of a message needs no name.
         texts += word.isEmpty() || fields.values.size() > 1 ? field.name + u'=' + value : value;
@@ -149,14 +149,14 @@ QString messageText(const ReceivedMessage& message, const MessageLook& look, Par
 {
     const QString time = message.time.toLocalTime().toString(u"HH:mm:ss.zzz");
     const QString sender = names.nameOf(message.sender).leftJustified(kSenderWidth);
-    const QString word = messageWord(message.channel, message.name).leftJustified(kNameWidth);
+    const QString word = messageWord(message.channel, message.name).leftJustified(kMessageWordWidth);
     QStringList values = valueTexts(message);
     if (message.isLate)
         values.prepend(u"(late)"_s);
     if (look.isRaw)
         values += {nameText(message.name), u"payload="_s + hexText(message.payload)};
     QString rest =
-        channelWord(message.channel).leftJustified(kChannelWidth) + u"  "_s + word + u"  "_s + values.join(u' ');
+        channelWord(message.channel).leftJustified(kChannelWordWidth) + u"  "_s + word + u"  "_s + values.join(u' ');
     while (rest.endsWith(u' '))
         rest.chop(1);
     if (look.width > 0)
@@ -188,7 +188,7 @@ QJsonObject messageJson(const ReceivedMessage& message, bool raw)
                        {u"rest"_s, hexText(fields.rest)}};
     QJsonObject words;
     for (const NamedValue& field : fields.values) {
-        const QString word = wordOf(message, field);
+        const QString word = fieldWord(message, field);
         if (!word.isEmpty())
             words.insert(field.name, word);
     }

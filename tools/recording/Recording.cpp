@@ -32,8 +32,8 @@ constexpr char kProcessMark = '@';
 /// Graphic ASCII that percent-encoding would escape.
 constexpr char kPlain[] = "!\"$&'()*+,/:;<=>?@[\\]^`{|}";
 
-constexpr qsizetype kChannelWidth = 20;
-constexpr qsizetype kNameWidth = 16;
+constexpr qsizetype kChannelColumn = 20;
+constexpr qsizetype kNameColumn = 16;
 constexpr qsizetype kMostHearers = 4096;
 constexpr qsizetype kLongestComment = 200;
 constexpr qsizetype kShownWord = 40;
@@ -48,7 +48,8 @@ enum Column : qsizetype {
     ColumnCount,
     OldColumnCount = SenderColumn, ///< of a line without sender and hearers
 };
-constexpr std::array<const char*, ColumnCount> kColumns{"time", "channel", "message", "payload", "sender", "hearers"};
+constexpr std::array<const char*, ColumnCount> kRecordingColumns{"time",    "channel", "message",
+                                                                 "payload", "sender",  "hearers"};
 
 QString shown(const QByteArray& word)
 {
@@ -224,8 +225,8 @@ bool isRecordingComment(const QByteArray& line)
 QByteArray recordingLine(const ReceivedMessage& message)
 {
     const QByteArray payload = message.payload.isEmpty() ? kNothing : message.payload.toHex();
-    return timeText(message.time) + ' ' + escaped(message.channel).leftJustified(kChannelWidth) + ' '
-           + escaped(message.name).leftJustified(kNameWidth) + ' ' + payload + ' ' + participantText(message.sender)
+    return timeText(message.time) + ' ' + escaped(message.channel).leftJustified(kChannelColumn) + ' '
+           + escaped(message.name).leftJustified(kNameColumn) + ' ' + payload + ' ' + participantText(message.sender)
            + ' ' + hearersText(message.hearers) + comment(message) + '\n';
 }
 
@@ -233,11 +234,12 @@ ReceivedMessage messageFromLine(const QByteArray& line)
 {
     const QList<QByteArray> words = wordsOf(line);
     if (words.size() < ColumnCount && words.size() != OldColumnCount)
-        throw failure(u"missing %1"_s.arg(QLatin1String(kColumns[size_t(words.size())])));
+        throw failure(u"missing %1"_s.arg(QLatin1String(kRecordingColumns[size_t(words.size())])));
     if (words.size() > ColumnCount)
         throw failure(u"superfluous '%1'"_s.arg(shown(words[ColumnCount])));
-    ReceivedMessage message{timeFrom(words[TimeColumn]), nameFrom(words[ChannelColumn], kColumns[ChannelColumn]),
-                            nameFrom(words[NameColumn], kColumns[NameColumn]), payloadFrom(words[PayloadColumn])};
+    ReceivedMessage message{
+        timeFrom(words[TimeColumn]), nameFrom(words[ChannelColumn], kRecordingColumns[ChannelColumn]),
+        nameFrom(words[NameColumn], kRecordingColumns[NameColumn]), payloadFrom(words[PayloadColumn])};
     if (words.size() == ColumnCount) {
         message.sender = participantFrom(words[SenderColumn]);
         message.hearers = hearersFrom(words[HearersColumn]);

@@ -12,14 +12,14 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-struct Row
+struct RequestRow
 {
     const char* channel;
     const char* message;
     const char* action;
 };
 
-constexpr Row kRows[] = {
+constexpr RequestRow kRequests[] = {
     {kVoiceCallChannel, kMakeCall.name, "place a call"},
     {kVoiceCallChannel, kDropCall.name, "end the call"},
     {kPttChannel, kMakePttCall.name, "place a push-to-talk call"},
@@ -32,8 +32,8 @@ constexpr Row kRows[] = {
 QString requestedAction(const QCString& channel, const QCString& name)
 {
     const auto row = std::ranges::find_if(
-        kRows, [&](const Row& known) { return channel == known.channel && name == known.message; });
-    if (row != std::end(kRows))
+        kRequests, [&](const RequestRow& known) { return channel == known.channel && name == known.message; });
+    if (row != std::end(kRequests))
         return QLatin1String(row->action);
     const PhoneMessage* const message = channel == kPhoneChannel ? phoneMessage(name) : nullptr;
     return message && message->word && message->isRequest() ? u"do '%1'"_s.arg(QLatin1String(message->word))

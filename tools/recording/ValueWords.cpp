@@ -24,7 +24,7 @@ constexpr std::array<Word<int>, 1> kNetwork{{{"registered", kRegistered}}};
 constexpr std::array<Word<int>, 2> kYesOrNo{{{"no", 0}, {"yes", 1}}};
 
 template<const auto& Words>
-QString wordOf(int64_t number)
+QString knownWord(int64_t number)
 {
     for (const auto& word : Words) {
         if (number == int64_t{word.value})
@@ -45,7 +45,7 @@ QString percent(int64_t number)
 }
 
 /// A field whose values have words, in every message of the channel that has it, or in one.
-struct Row
+struct ValueRow
 {
     const char* channel;
     const char* message; ///< null for every one
@@ -53,33 +53,33 @@ struct Row
     QString (*word)(int64_t number);
 };
 
-const char* nameOf(PHONE_Msg::PHONE_MSG_TYPE_T type)
+const char* typeName(PHONE_Msg::PHONE_MSG_TYPE_T type)
 {
     return phoneMessage(type).name;
 }
 
-const std::array kRows{
-    Row{kPhoneChannel, nullptr, "battery-capacity", percent},
-    Row{kPhoneChannel, nameOf(PHONE_Msg::PHONE_MSG_BATTERY_VALUE_CHANGE_S), "value", percent},
-    Row{kPhoneChannel, nullptr, "network", wordOf<kNetwork>},
-    Row{kPhoneChannel, nameOf(PHONE_Msg::PHONE_MSG_NETWORK_STATUS_S), "status", wordOf<kNetwork>},
-    Row{kPhoneChannel, nullptr, "connected", wordOf<kYesOrNo>},
-    Row{kPhoneChannel, nullptr, "on", wordOf<kSwitch>},
-    Row{kVoiceCallChannel, nullptr, "dial-mode", wordOf<kDialModes>},
-    Row{kRecentCallChannel, nullptr, "category", wordOf<kCategories>},
-    Row{kRecentCallChannel, nullptr, "page", pageWord},
-    Row{kRecentCallChannel, nullptr, "selected", wordOf<kYesOrNo>},
+const std::array kValueRows{
+    ValueRow{kPhoneChannel, nullptr, "battery-capacity", percent},
+    ValueRow{kPhoneChannel, typeName(PHONE_Msg::PHONE_MSG_BATTERY_VALUE_CHANGE_S), "value", percent},
+    ValueRow{kPhoneChannel, nullptr, "network", knownWord<kNetwork>},
+    ValueRow{kPhoneChannel, typeName(PHONE_Msg::PHONE_MSG_NETWORK_STATUS_S), "status", knownWord<kNetwork>},
+    ValueRow{kPhoneChannel, nullptr, "connected", knownWord<kYesOrNo>},
+    ValueRow{kPhoneChannel, nullptr, "on", knownWord<kSwitch>},
+    ValueRow{kVoiceCallChannel, nullptr, "dial-mode", knownWord<kDialModes>},
+    ValueRow{kRecentCallChannel, nullptr, "category", knownWord<kCategories>},
+    ValueRow{kRecentCallChannel, nullptr, "page", pageWord},
+    ValueRow{kRecentCallChannel, nullptr, "selected", knownWord<kYesOrNo>},
 };
 
 } // namespace
 
 QString valueWord(const QCString& channel, const QCString& name, const QString& field, int64_t number)
 {
-    const auto row = std::ranges::find_if(kRows, [&](const Row& known) {
+    const auto row = std::ranges::find_if(kValueRows, [&](const ValueRow& known) {
         return channel == known.channel && (!known.message || name == known.message)
                && field == QLatin1String(known.field);
     });
-    return row == kRows.end() ? QString() : row->word(number);
+    return row == kValueRows.end() ? QString() : row->word(number);
 }
 
 } // namespace zyn::tool

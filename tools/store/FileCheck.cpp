@@ -129,15 +129,15 @@ private:
     std::deque<Entry> m_entries; ///< never moved, because each copy writes trace text
 };
 
-struct Favourite
+struct FavouriteLine
 {
     int place;
     QString number;
 };
 
-constexpr Column<Favourite> kColumns[] = {
-    {"place", "PLACE", [](const Favourite& favourite) { return QJsonValue(favourite.place); }},
-    {"number", "NUMBER", [](const Favourite& favourite) { return QJsonValue(favourite.number); }},
+constexpr Column<FavouriteLine> kRegisteredColumns[] = {
+    {"place", "PLACE", [](const FavouriteLine& favourite) { return QJsonValue(favourite.place); }},
+    {"number", "NUMBER", [](const FavouriteLine& favourite) { return QJsonValue(favourite.number); }},
 };
 
 /// The faults of @p detail in @p place by itself.
@@ -290,20 +290,20 @@ FileReport checkFavouritesFile(const QString& name, const QByteArray& image)
     Findings findings;
     findings.add(name, headerProblems(image) + sizeProblems(image, DetailsFile::size()));
     const int places = hasValidHeader(image) ? DetailsFile::count(image) : 0;
-    std::vector<Favourite> favourites;
+    std::vector<FavouriteLine> favourites;
     for (int place = 0; place < places; ++place) {
         const TopPalNumberDetail detail = DetailsFile::at(image, place);
         QStringList found = placeProblems(detail, place);
         if (detail.nthFileItem != TopPalNumberDetail::kFree) {
             const QString number = latin1Text(detail.phoneNumber);
-            const auto other = std::ranges::find(favourites, number, &Favourite::number);
+            const auto other = std::ranges::find(favourites, number, &FavouriteLine::number);
             if (other != favourites.end())
                 found += u"its number is that of place %1 too"_s.arg(other->place);
             favourites.push_back({place, number});
         }
         findings.add(name, {kPlaceWord, place}, found);
     }
-    return {u"favourites"_s, findings, Table(kColumns, favourites)};
+    return {u"favourites"_s, findings, Table(kRegisteredColumns, favourites)};
 }
 
 } // namespace zyn::tool

@@ -96,10 +96,10 @@ constexpr std::chrono::milliseconds kLeaveTime = 200ms;
 constexpr std::array<const char*, 4> kStyles{"\033[0m", "\033[0;1m", "\033[0;36m", "\033[0;1;31m"};
 
 /// Writes the cells that have changed, moving the cursor from one run of them to the next.
-class Drawing
+class FrameDrawing
 {
 public:
-    explicit Drawing(bool inColour)
+    explicit FrameDrawing(bool inColour)
         : m_inColour(inColour)
     {}
 
@@ -118,7 +118,7 @@ private:
     QString m_text;
 };
 
-void drawRow(Drawing& drawing, const Canvas& shown, const Canvas& canvas, int row)
+void drawRow(FrameDrawing& drawing, const Canvas& shown, const Canvas& canvas, int row)
 {
     bool inRun = false;
     for (int column = 0; column < canvas.columns(); ++column) {
@@ -236,7 +236,7 @@ bool Screen::show(const Canvas& canvas)
         text += kClear;
         m_shown.emplace(canvas.columns(), canvas.rows());
     }
-    Drawing drawing(m_inColour);
+    FrameDrawing drawing(m_inColour);
     for (int row = 0; row < canvas.rows(); ++row)
         drawRow(drawing, *m_shown, canvas, row);
     text += drawing.text();

@@ -28,7 +28,7 @@ using namespace Qt::StringLiterals;
 namespace zyn::tool {
 namespace {
 
-QString now()
+QString timeOfDay()
 {
     return QTime::currentTime().toString(u"HH:mm:ss"_s);
 }
@@ -38,10 +38,10 @@ QString yesNo(bool is)
     return is ? u"yes"_s : u"no"_s;
 }
 
-constexpr int kRegistered = 5; // of TAPI_NETWORK_STATUS_E
+constexpr int kNetworkRegistered = 5; // of TAPI_NETWORK_STATUS_E
 
 template<typename Argument>
-QString textOf(const Argument& argument)
+QString argumentText(const Argument& argument)
 {
     if constexpr (std::is_same_v<Argument, QString>)
         return argument;
@@ -61,7 +61,7 @@ QString bytesText(bool connected, UINT32 total, UINT32 sent, UINT32 received)
     return u"%1, %2 sent, %3 received%4"_s.arg(total).arg(sent).arg(received).arg(connected ? ", connected"_L1 : ""_L1);
 }
 
-QString nameOf(const QCString& message)
+QString messageName(const QCString& message)
 {
     const PhoneMessage* const known = phoneMessage(message);
     return known && known->enumerator ? QString::fromLatin1(known->enumerator) : QString::fromUtf8(message);
@@ -91,7 +91,7 @@ using Numbers = std::array<QString, Store::kFavourites>;
 static_assert(int{static_cast<uint8_t>(Item::Favourite4)} - int{static_cast<uint8_t>(Item::Favourite0)} + 1
               == Store::kFavourites);
 
-void show(PhoneState& state, Item item, const QString& number)
+void showItem(PhoneState& state, Item item, const QString& number)
 {
     TopPals_Missed_Details unread;
     unread.number = number;
@@ -143,26 +143,26 @@ StatusSource::StatusSource(PhoneState& state)
 
 void StatusSource::receive(const QCString& message, const QByteArray& data)
 {
-    m_state.set(Item::LastMessage, now() + u' ' + nameOf(message));
+    m_state.set(Item::LastMessage, timeOfDay() + u' ' + messageName(message));
     PHONE_MsgClient::receive(message, data);
 }
 
 template<typename Argument>
 void StatusSource::follow(void (PHONE_MsgClient::*signal)(Argument), Item item)
 {
-    connect(this, signal, this, [this, item](Argument argument) { m_state.set(item, textOf(argument)); });
+    connect(this, signal, this, [this, item](Argument argument) { m_state.set(item, argumentText(argument)); });
 }
 
 void StatusSource::followEvent(void (PHONE_MsgClient::*signal)(), Item item, const char* event, bool isAlert)
 {
     connect(this, signal, this,
-            [this, item, event, isAlert] { m_state.set(item, QLatin1String(event) + u' ' + now(), isAlert); });
+            [this, item, event, isAlert] { m_state.set(item, QLatin1String(event) + u' ' + timeOfDay(), isAlert); });
 }
 
 void StatusSource::followNames()
 {
     connect(this, &PHONE_MsgClient::signalNetworkStatus, this, [this](TAPI_NETWORK_STATUS_E status) {
-        const bool isRegistered = status == kRegistered;
+        const bool isRegistered = status == kNetworkRegistered;
         m_state.set(Item::Network, QString::number(status) + (isRegistered ? ", registered"_L1 : ", not registered"_L1),
                     !isRegistered);
     });
@@ -294,7 +294,7 @@ void readFavourites(PhoneState& state)
         Store::instance()->getCurrentTopPalsFileNames(numbers.data());
     }
     for (size_t place = 0; place < numbers.size(); ++place)
-        show(state, static_cast<Item>(static_cast<size_t>(Item::Favourite0) + place), numbers.at(place));
+        showItem(state, static_cast<Item>(static_cast<size_t>(Item::Favourite0) + place), numbers.at(place));
 }
 
 } // namespace zyn::tool

@@ -24,21 +24,21 @@ struct Line
     const char* title;
 };
 
-constexpr Line section(const char* title)
+constexpr Line sectionLine(const char* title)
 {
     return {nullptr, Item::Count, title};
 }
 
-constexpr Line kBlank = section("");
+constexpr Line kBlank = sectionLine("");
 
 constexpr Line kLeft[] = {
-    section("Power"),
+    sectionLine("Power"),
     {"battery", Item::Battery, nullptr},
     {"battery status", Item::BatteryStatus, nullptr},
     {"charger", Item::Charger, nullptr},
     {"last event", Item::PowerEvent, nullptr},
     kBlank,
-    section("SIM card and handset"),
+    sectionLine("SIM card and handset"),
     {"SIM card", Item::SimCard, nullptr},
     {"PIN", Item::Pin, nullptr},
     {"subsidy lock", Item::SubsidyLock, nullptr},
@@ -46,7 +46,7 @@ constexpr Line kLeft[] = {
     {"keypad lock", Item::KeypadLock, nullptr},
     {"phone system", Item::PhoneSystem, nullptr},
     kBlank,
-    section("Network"),
+    sectionLine("Network"),
     {"network", Item::Network, nullptr},
     {"network id", Item::NetworkId, nullptr},
     {"service name", Item::ServiceName, nullptr},
@@ -64,7 +64,7 @@ constexpr Item favourite(int place)
 }
 
 constexpr Line kRight[] = {
-    section("Calls"),
+    sectionLine("Calls"),
     {"call", Item::Call, nullptr},
     {"connected", Item::Connection, nullptr},
     {"in total", Item::ConnectionTotal, nullptr},
@@ -76,7 +76,7 @@ constexpr Line kRight[] = {
     {"favourite 4", favourite(3), nullptr},
     {"favourite 5", favourite(4), nullptr},
     kBlank,
-    section("Data"),
+    sectionLine("Data"),
     {"GPRS attached", Item::GprsAttached, nullptr},
     {"GPRS service", Item::GprsService, nullptr},
     {"GPRS active", Item::GprsActivated, nullptr},
@@ -85,7 +85,7 @@ constexpr Line kRight[] = {
     {"bytes", Item::TotalBytes, nullptr},
     {"session", Item::SessionBytes, nullptr},
     kBlank,
-    section("Wi-Fi"),
+    sectionLine("Wi-Fi"),
     {"profile", Item::WifiProfile, nullptr},
     {"last event", Item::WifiEvent, nullptr},
 };
@@ -114,7 +114,7 @@ Lines allLines()
     return lines;
 }
 
-QString textOf(const PhoneState::Value& value)
+QString valueText(const PhoneState::Value& value)
 {
     return value.text.isNull() ? u"\u2013"_s : value.text;
 }
@@ -133,7 +133,7 @@ void putLine(const PhoneState& state, Canvas& canvas, const Area& area, int row,
         return canvas.put(row, area.column, area.width, QLatin1String(line.title), Style::Title);
     const PhoneState::Value& value = state.value(line.item);
     canvas.put(row, area.column, kLabelWidth, QLatin1String(line.label), Style::Label);
-    canvas.put(row, area.column + kLabelWidth, area.width - kLabelWidth, textOf(value),
+    canvas.put(row, area.column + kLabelWidth, area.width - kLabelWidth, valueText(value),
                value.isAlert ? Style::Alert : Style::Plain);
 }
 
@@ -190,7 +190,7 @@ int layOut(const PhoneState& state, Canvas& canvas, int scrolled)
     }
     canvas.put(0, 0, canvas.columns(), kTitle, Style::Title);
     const int column = int{kTitle.size()} + 2;
-    canvas.put(0, column, canvas.columns() - column, textOf(state.value(Item::LastMessage)), Style::Label);
+    canvas.put(0, column, canvas.columns() - column, valueText(state.value(Item::LastMessage)), Style::Label);
     const Hidden hidden = putColumns(state, canvas, scrolled);
     canvas.put(canvas.rows() - 1, 0, canvas.columns(), footText(hidden), Style::Label);
     return hidden.above;
@@ -219,7 +219,7 @@ QString stateText(const PhoneState& state)
     for (const Line& line : allLines()) {
         if (line.label)
             text += QString(QLatin1String(line.label)).leftJustified(kLabelWidth)
-                    + jsonEscaped(textOf(state.value(line.item)));
+                    + jsonEscaped(valueText(state.value(line.item)));
         else
             text += QLatin1String(line.title);
         text += u'\n';

@@ -49,15 +49,15 @@ QStringList optionRow(const QCommandLineOption& option)
 }
 
 /// The columns of a terminal that everybody has.
-constexpr qsizetype kColumns = 80;
+constexpr qsizetype kUsageColumns = 80;
 
 /// @p line, with line ends in place of blanks where it would be longer than a terminal's; what follows them begins at
 /// the column @p indent. A word that is too long stays whole.
 QString folded(QString line, qsizetype indent)
 {
     QString lines;
-    while (line.size() > kColumns) {
-        const qsizetype end = line.lastIndexOf(u' ', kColumns);
+    while (line.size() > kUsageColumns) {
+        const qsizetype end = line.lastIndexOf(u' ', kUsageColumns);
         if (end <= indent)
             break;
         lines += line.first(line[end - 1] == u' ' ? end - 1 : end) + u'\n';
