@@ -20,8 +20,8 @@ target_compile_options(zyn_options INTERFACE
 if(ZYN_SANITIZE)
     target_compile_options(zyn_options INTERFACE
         -fsanitize=${ZYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-        # Undefined behaviour is a trap: the text that would tell of it grows programs tenfold, and gcc guards each piece
-        # against overflows, so that they start three times as slowly.
+        # Undefined behaviour is a trap: the texts that would tell of it make programs ten times as large, and gcc
+        # guards each against overflows, so that they start three times as slowly.
         $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fsanitize-undefined-trap-on-error>)
     target_link_options(zyn_options INTERFACE -fsanitize=${ZYN_SANITIZE})
 endif()

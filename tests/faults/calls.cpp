@@ -225,7 +225,7 @@ QByteArray spoilt(const State& now, const State& before, const State& after, Lef
 QByteArray stray(const State& now, const State& before, const State& after)
 {
     const auto found = std::ranges::find_if(
-        now, [&](const auto& entry) { return !fileIn(before, entry.first) && !contentsOf(after, entry.first); });
+        now, [&](const auto& entry) { return !fileIn(before, entry.first) && !fileIn(after, entry.first); });
     return found == now.end() ? QByteArray() : found->first;
 }
 
