@@ -48,7 +48,7 @@ public:
 
 private:
     void startAccepting();
-    bool acceptNext();
+    bool acceptWaiting();
     void noteChanges();
     void checkPlace();
     void restoreSocket();
