@@ -57,7 +57,7 @@ bool CommandServer::listen()
 
 void CommandServer::startAccepting()
 {
-    m_acceptor = std::make_unique<posix::Acceptor>(m_socket.descriptor(), [this] { return acceptWaiting(); });
+    m_acceptor = std::make_unique<posix::Acceptor>(m_socket.descriptor(), [this] { return acceptNext(); });
 }
 
 void CommandServer::noteChanges()
@@ -125,19 +125,11 @@ void CommandServer::close()
     m_socket.release();
 }
 
-/// Accepts all who wait, as far as there is room, so that many at once do not each wait until all others have been
-/// served again. False, with errno set, if there is none.
-bool CommandServer::acceptWaiting()
+/// False, with errno set, if there is none.
+bool CommandServer::acceptNext()
 {
-    const qsizetype before = m_connections.size();
-    for (auto client = m_socket.accept(); client.isValid(); client = m_socket.accept()) {
-        open(std::move(client));
-        if (m_connections.size() >= m_maxConnections) {
-            m_acceptor->setEnabled(false);
-            break;
-        }
-    }
-    if (m_connections.size() == before) {
+    posix::UniqueFd client = m_socket.accept();
+    if (!client.isValid()) {
         if (const int error = errno; error != EAGAIN) {
             log(u"cannot accept a client now: %1"_s.arg(QString::fromLocal8Bit(std::strerror(error))));
             errno = error;
@@ -145,10 +137,13 @@ bool CommandServer::acceptWaiting()
         return false;
     }
     serveOpenConnections();
+    open(std::move(client))->serve();
+    if (m_connections.size() >= m_maxConnections)
+        m_acceptor->setEnabled(false);
     return true;
 }
 
-/// Executes what has arrived, in the order in which the connections were opened.
+/// Executes what arrived on the open connections before a new one was accepted.
 void CommandServer::serveOpenConnections()
 {
     const auto connections = m_connections;

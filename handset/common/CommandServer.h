@@ -48,7 +48,7 @@ public:
 
 private:
     void startAccepting();
-    bool acceptWaiting();
+    bool acceptNext();
     void noteChanges();
     void checkPlace();
     void restoreSocket();
