@@ -1,7 +1,6 @@
 // zyn-faults: runs real processes of the handset, breaks them, and counts what is lost.
-#include "tests/faults/Campaign.h"
-
 #include "platform/QuietTrace.h"
+#include "tests/faults/Campaign.h"
 #include "tests/faults/MessageBoard.h"
 #include "tests/support/Process.h"
 
@@ -112,6 +111,10 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
 
     const QuietTrace trace;
+    if (!trace.output()) {
+        std::perror("zyn-faults: standard output");
+        return EXIT_FAILURE;
+    }
     QJsonArray results;
     bool isLost = false;
     bool isRun = false;
@@ -125,9 +128,8 @@ int main(int argc, char** argv)
         isLost = isLost || campaign.isLost();
         isRun = isRun || !campaign.isSkipped();
         results.append(campaign.result());
-        if (!parser.isSet(json)) {
+        if (!parser.isSet(json))
             std::fprintf(trace.output(), "%s\n", qPrintable(campaign.line()));
-        }
     }
     if (parser.isSet(json))
         std::fputs(QJsonDocument(results).toJson().constData(), trace.output());
