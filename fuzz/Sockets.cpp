@@ -3,6 +3,7 @@
 
 #include "handset/phone_server/ClientConnection.h"
 #include "handset/phone_server/ControlConnection.h"
+#include "handset/phone_server/DeskModem.h"
 #include "handset/phone_server/PhoneControl.h"
 #include "handset/recentcall_service/ServiceConnection.h"
 #include "platform/Socket_Command.h"
@@ -190,7 +191,8 @@ struct Line
 {
     Folder folder;
     handset::PhoneStatus status;
-    handset::PhoneLine line{{.step = std::chrono::milliseconds(0), .talk = std::chrono::milliseconds(0)}, status};
+    handset::DeskModem modem{{.step = std::chrono::milliseconds(0), .talk = std::chrono::milliseconds(0)}};
+    handset::PhoneLine line{modem, status};
 };
 
 /// The phone server's socket for applications.

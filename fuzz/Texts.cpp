@@ -3,6 +3,7 @@
 
 #include "handset/common/FieldWords.h"
 #include "handset/common/ScriptReader.h"
+#include "handset/phone_server/DeskModem.h"
 #include "handset/phone_server/PhoneLine.h"
 #include "handset/phone_server/Script.h"
 #include "recentcall/utility/store/StoreFile_p.h"
@@ -130,7 +131,8 @@ void readScript(Input& input)
     if (!script)
         return;
     handset::PhoneStatus status;
-    handset::PhoneLine line({.step = std::chrono::milliseconds(0), .talk = std::chrono::milliseconds(0)}, status);
+    handset::DeskModem modem{{.step = std::chrono::milliseconds(0), .talk = std::chrono::milliseconds(0)}};
+    handset::PhoneLine line(modem, status);
     for (const handset::ScriptStep& step : *script) {
         require(step.delay.count() >= 0, "no event comes before the one before it");
         handset::runScriptStep(step, line);

@@ -2,6 +2,7 @@
 #include "handset/phone_server/Call.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace zyn::handset {
@@ -22,21 +23,59 @@ constexpr Transition kTransitions[] = {
     {Alerting, CallEvent::Answer, Connected}, {Alerting, CallEvent::HangUp, Ended},
     {Alerting, CallEvent::Fail, Failed},      {Ringing, CallEvent::Answer, Connected},
     {Ringing, CallEvent::HangUp, Ended},      {Ringing, CallEvent::Miss, Missed},
-    {Connected, CallEvent::Proceed, Ended},   {Connected, CallEvent::HangUp, Ended},
+    {Waiting, CallEvent::Answer, Connected},  {Waiting, CallEvent::HangUp, Ended},
+    {Waiting, CallEvent::Miss, Missed},       {Connected, CallEvent::Proceed, Ended},
+    {Connected, CallEvent::HangUp, Ended},    {Held, CallEvent::HangUp, Ended},
 };
+
+const Transition* transitionFrom(CallState state, CallEvent event)
+{
+    const auto* const found = std::ranges::find_if(kTransitions, [&](const Transition& transition) {
+        return transition.from == state && transition.event == event;
+    });
+    return found == std::end(kTransitions) ? nullptr : found;
+}
+
+/// Which calls come to a state.
+enum class Direction : uint8_t { Placed, Incoming, Either };
+constexpr std::array kDirections{Direction::Placed,   Direction::Placed,   Direction::Incoming,
+                                 Direction::Incoming, Direction::Either,   Direction::Either,
+                                 Direction::Either,   Direction::Incoming, Direction::Placed};
+static_assert(kDirections.size() == static_cast<size_t>(Failed) + 1);
 
 } // namespace
 
+bool CallStateMachine::can(CallEvent event) const
+{
+    return transitionFrom(m_state, event);
+}
+
 bool CallStateMachine::apply(CallEvent event)
 {
-    const auto found = std::ranges::find_if(kTransitions, [&](const Transition& transition) {
-        return transition.from == m_state && transition.event == event;
-    });
-    if (found == std::end(kTransitions))
+    const Transition* const transition = transitionFrom(m_state, event);
+    return transition && reach(transition->to);
+}
+
+bool CallStateMachine::reach(CallState state)
+{
+    const Direction direction = kDirections.at(static_cast<size_t>(state));
+    const bool isOfSuch = direction == Direction::Either || (direction == Direction::Placed) == m_isPlaced;
+    // Who has talked neither rings again nor was missed.
+    const bool isLate = m_wasConnected && direction != Direction::Either;
+    if (isOver() || state == m_state || !isOfSuch || isLate)
         return false;
-    m_state = found->to;
-    m_wasConnected = m_wasConnected || m_state == Connected;
+    m_state = state;
+    m_wasConnected = m_wasConnected || state == Connected;
     return true;
+}
+
+CallState CallStateMachine::stateAfter(CallEnd end) const
+{
+    if (m_wasConnected || end == CallEnd::Here)
+        return Ended;
+    if (!m_isPlaced)
+        return Missed;
+    return end == CallEnd::Network ? Failed : Ended;
 }
 
 RC_CALL_CATEGORY_T CallStateMachine::category() const
@@ -48,7 +87,8 @@ RC_CALL_CATEGORY_T CallStateMachine::category() const
 
 const char* nameOf(CallState state)
 {
-    constexpr const char* kNames[] = {"dialing", "alerting", "ringing", "connected", "ended", "missed", "failed"};
+    constexpr const char* kNames[] = {"dialing", "alerting", "ringing", "waiting", "connected",
+                                      "held",    "ended",    "missed",  "failed"};
     static_assert(std::size(kNames) == static_cast<size_t>(Failed) + 1);
     return kNames[static_cast<size_t>(state)];
 }
@@ -71,20 +111,34 @@ Call::Call(CallStateMachine machine, Party party, RC_CALL_TYPE_T type)
 
 bool Call::apply(CallEvent event)
 {
-    if (!m_machine.apply(event))
-        return false;
+    return m_machine.apply(event) && noteState();
+}
+
+bool Call::reach(CallState state)
+{
+    return m_machine.reach(state) && noteState();
+}
+
+bool Call::noteState()
+{
     m_since = QDateTime::currentDateTime();
-    if (m_machine.state() == CallState::Connected)
+    if (m_machine.state() == CallState::Connected && !m_talk.isValid())
         m_talk.start();
-    else if (m_talk.isValid())
+    else if (m_machine.isOver() && m_talk.isValid())
         m_talked = m_talk.elapsed();
     return true;
 }
 
-int Call::duration() const
+int Call::talkedSeconds() const
 {
     constexpr qint64 kSecond = 1000;
-    return m_machine.wasConnected() ? std::max(1, static_cast<int>((m_talked + kSecond / 2) / kSecond)) : 0;
+    const qint64 talked = m_talk.isValid() && !m_machine.isOver() ? m_talk.elapsed() : m_talked;
+    return static_cast<int>((talked + kSecond / 2) / kSecond);
+}
+
+int Call::duration() const
+{
+    return m_machine.wasConnected() ? std::max(1, talkedSeconds()) : 0;
 }
 
 PHONE_ENG_RecentCall Call::record() const

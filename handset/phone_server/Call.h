@@ -15,7 +15,9 @@ enum class CallState : uint8_t {
     Dialing,   ///< placed; the network looks for the other party
     Alerting,  ///< the other party's telephone rings
     Ringing,   ///< somebody calls, and this telephone rings
+    Waiting,   ///< somebody calls while there is another call
     Connected, ///< the parties talk
+    Held,      ///< the other party waits, perhaps while there is another call
     Ended,     ///< over; either side has hung up
     Missed,    ///< over; nobody answered
     Failed,    ///< over; the network did not put it through
@@ -29,12 +31,19 @@ enum class CallEvent : uint8_t {
     Fail,   ///< the network gives up
 };
 
+/// Who ended a call.
+enum class CallEnd : uint8_t {
+    Here,    ///< the user of this telephone
+    There,   ///< the other party
+    Network, ///< the network, which did not put it through, or lost it
+};
+
 /// The state of a call, free of numbers, time and messages.
 class CallStateMachine
 {
 public:
     static CallStateMachine placed() { return CallStateMachine(CallState::Dialing); }
-    static CallStateMachine incoming() { return CallStateMachine(CallState::Ringing); }
+    static CallStateMachine incoming(CallState state = CallState::Ringing) { return CallStateMachine(state); }
 
     CallState state() const { return m_state; }
     bool isPlaced() const { return m_isPlaced; }
@@ -44,8 +53,14 @@ public:
     /// The list that a finished call belongs to; a rejected call counts as answered.
     RC_CALL_CATEGORY_T category() const;
 
+    /// Whether @p event applies in this state.
+    bool can(CallEvent event) const;
     /// Applies @p event; false, without a change, if it does not apply in this state.
     bool apply(CallEvent event);
+    /// Comes to @p state, perhaps past others; false, without a change, if no such call comes there from here.
+    bool reach(CallState state);
+    /// The state of a call that ends now.
+    CallState stateAfter(CallEnd end) const;
 
 private:
     explicit CallStateMachine(CallState state)
@@ -83,15 +98,23 @@ public:
     const QDateTime& since() const { return m_since; }
     bool isPtt() const { return m_type == RC_CALL_TYPE_PTT1; }
 
-    /// As CallStateMachine::apply().
+    /// @{ As those of CallStateMachine.
     bool apply(CallEvent event);
+    bool reach(CallState state);
+    /// @}
+    /// Ends it; false if it is over.
+    bool end(CallEnd end) { return reach(m_machine.stateAfter(end)); }
 
-    /// How long the parties talked, in whole seconds, at least 1; 0 if they never did.
+    /// How long the parties have talked until now, or until the end, in whole seconds.
+    int talkedSeconds() const;
+    /// The same of a call that is over, at least 1; 0 if they never did.
     int duration() const;
     /// The record of a finished call.
     PHONE_ENG_RecentCall record() const;
 
 private:
+    bool noteState();
+
     CallStateMachine m_machine;
     Party m_party;
     RC_CALL_TYPE_T m_type;

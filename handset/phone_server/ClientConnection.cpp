@@ -16,7 +16,8 @@ namespace zyn::handset {
 namespace {
 
 /// The reply for each state; 0 for states that no client's call reaches.
-constexpr std::array<int32_t, 7> kReplies = {CallDialing, CallAlerting, 0, CallConnected, CallEnded, 0, CallFailed};
+constexpr std::array<int32_t, 9> kReplies = {CallDialing, CallAlerting, 0, 0,         CallConnected,
+                                             0,           CallEnded,    0, CallFailed};
 static_assert(kReplies[static_cast<size_t>(CallState::Connected)] == CallConnected);
 static_assert(kReplies[static_cast<size_t>(CallState::Failed)] == CallFailed);
 
@@ -103,23 +104,26 @@ void ClientConnection::makeCall(ClientKind kind, std::span<const std::byte> numb
 
 void ClientConnection::endCall(std::span<const std::byte> /*data*/)
 {
-    if (hasCall())
-        m_line.hangUp();
+    m_line.apply(m_call, CallEvent::HangUp);
 }
 
 void ClientConnection::dialExtension(std::span<const std::byte> data)
 {
     const QString key(QLatin1Char(static_cast<char>(data[0])));
-    if (hasCall() && m_line.isConnected() && isDialable(key))
+    const Call* const call = m_line.call(m_call);
+    if (call && call->machine().state() == CallState::Connected && isDialable(key)) {
         log(u"call %1: extension %2"_s.arg(m_call).arg(key));
-    else
+        m_line.modem().sendTone(m_call, key.front());
+    } else {
         log(u"an extension without a connected call or a valid key: ignored"_s);
+    }
 }
 
 void ClientConnection::reply(int id, CallState state)
 {
-    if (id == m_call)
-        send(kReplies[static_cast<size_t>(state)]);
+    const int32_t code = kReplies.at(static_cast<size_t>(state));
+    if (id == m_call && code != 0)
+        send(code);
 }
 
 } // namespace zyn::handset

@@ -37,7 +37,6 @@ private:
 
     void makeCall(voicecall::ClientKind kind, std::span<const std::byte> number);
     void reply(int id, CallState state);
-    bool hasCall() const { return m_line.current() && m_line.currentId() == m_call; }
 
     PhoneLine& m_line;
     std::optional<int32_t> m_kind; ///< unset until it registers

@@ -38,6 +38,8 @@ QStringList wordsIn(std::span<const std::byte> data)
 /// Why something that can happen does not happen now.
 QString obstacle(const PhoneLine& line)
 {
+    if (!line.modem().isPlayed())
+        return u"the network does not do what is said here"_s;
     if (!line.hasRadio())
         return u"the radio is off"_s;
     if (const Call* call = line.current())
@@ -103,8 +105,10 @@ void ControlConnection::say(std::span<const std::byte> data)
 void ControlConnection::listCalls()
 {
     QJsonArray calls;
-    if (const Call* call = m_line.current())
-        calls += callJson(m_line.currentId(), *call);
+    for (const auto& [id, call] : m_line.calls()) {
+        if (!call.machine().isOver())
+            calls += callJson(id, call);
+    }
     send(Calls, QJsonDocument(calls).toJson(QJsonDocument::Compact));
 }
 
@@ -118,7 +122,7 @@ void ControlConnection::followCalls()
 void ControlConnection::tellChange(int id)
 {
     if (m_follows)
-        send(CallChanged, QJsonDocument(callJson(id, *m_line.latest())).toJson(QJsonDocument::Compact));
+        send(CallChanged, QJsonDocument(callJson(id, *m_line.call(id))).toJson(QJsonDocument::Compact));
 }
 
 } // namespace zyn::handset

@@ -1,72 +1,69 @@
-// The handset's line, with at most one call.
+// The handset's line and its calls.
 #pragma once
 
 #include "handset/phone_server/Call.h"
 #include "handset/phone_server/CallLogUploader.h"
+#include "handset/phone_server/Modem.h"
 #include "handset/phone_server/PhoneStatus.h"
 
 #include <QtCore/QObject>
-#include <QtCore/QTimer>
 
-#include <chrono>
-#include <optional>
+#include <map>
 
 namespace zyn::handset {
 
-/// The delays of the simulated network.
-struct CallPace
-{
-    std::chrono::milliseconds step; ///< from dialing to alerting, and from there to connected
-    std::chrono::milliseconds talk; ///< until the other party of a placed call hangs up
-};
-
 /**
- * Drives one call at a time through its state machine.
+ * Keeps the calls of a modem, from their first state to their last.
  *
- * Placed calls proceed by themselves; incoming calls wait for an answer and then for a hang-up. Each change is reported
- * with a status message. A finished call is sent to the recent-call service before its end is reported; the line is
- * then free, whether or not the service accepts the call.
+ * Each change is reported with a status message. A finished call is sent to the recent-call service before its end is
+ * reported; the line is then free, whether or not the service accepts the call.
  */
 class PhoneLine : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param status  tells the changes of its calls, and lives longer
-    PhoneLine(CallPace pace, PhoneStatus& status);
+    using Calls = std::map<int, Call>;
+
+    /// @param modem   carries the calls
+    /// @param status  tells their changes; both live longer
+    PhoneLine(Modem& modem, PhoneStatus& status);
 
     PhoneStatus& status() { return m_status; }
+    Modem& modem() const { return m_modem; }
 
-    /// Places a call and returns its id, above 0. Returns 0, which is logged, if the line is busy, the radio is off or
-    /// the number is invalid.
-    int place(const Party& party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE);
-    /// An incoming call; a busy line misses it. False if the radio is off.
+    /// Places a call and returns its id, above 0. Returns 0, which is logged, if the line is busy, the number is
+    /// invalid or the modem cannot.
+    int place(const Party& party, RC_CALL_TYPE_T type = RC_CALL_TYPE_VOICE, CallerId callerId = CallerId::AsSubscribed);
+    /// Plays a call that comes; a busy line misses it. False if there is no radio, or the network is not played.
     bool ring(const Party& caller);
 
-    /// @{ False if there is no call in a suitable state.
+    /// @{ False if there is no call in a suitable state, or the modem cannot. What comes of it is told later.
     bool answer() { return apply(CallEvent::Answer); }
     bool hangUp() { return apply(CallEvent::HangUp); }
     bool miss() { return apply(CallEvent::Miss); }
     bool fail() { return apply(CallEvent::Fail); }
+    /// Does it to the call @p id.
+    bool apply(int id, CallEvent event);
     /// @}
 
-    /// The call in progress, or null.
+    /// The call that is talked on; else the one that is placed, the one that rings, or one that is held; else null.
     const Call* current() const;
-    /// The same, or the call whose end is being reported.
-    const Call* latest() const { return m_call ? &*m_call : nullptr; }
-    bool hasRadio() const { return m_hasRadio; }
-    /// The id of the current call, or of the last one.
-    int currentId() const { return m_id; }
+    /// The id of that call, or 0.
+    int currentId() const;
+    /// The call @p id until its end has been reported; else null.
+    const Call* call(int id) const;
+    /// The calls that are not over, by their ids.
+    const Calls& calls() const { return m_calls; }
+    bool hasRadio() const { return m_modem.hasRadio(); }
 
-    bool isConnected() const { return current() && current()->machine().state() == CallState::Connected; }
+    /// Whether a call is talked on.
+    bool isConnected() const;
     /// The talk time of all calls since the last reset, in seconds.
     int totalSeconds() const { return m_totalSeconds; }
     void resetTotal() { m_totalSeconds = 0; }
 
-    /// Switches the radio; without it there are no calls.
-    void setRadio(bool isOn);
-
-    /// Ends the call and refuses further ones. Returns when all calls are uploaded, or after the uploader's timeout.
+    /// Ends the calls and refuses further ones. Returns when all calls are uploaded, or after the uploader's timeout.
     void close();
 
 Q_SIGNALS:
@@ -74,23 +71,23 @@ Q_SIGNALS:
     void callChanged(int id, CallState state);
 
 private:
-    const char* obstacle(const Party& party) const;
-    void begin(CallStateMachine course, const Party& party, RC_CALL_TYPE_T type);
+    QString obstacle(const Modem::Request& request) const;
+    void begin(int id, CallStateMachine course, const Party& party, RC_CALL_TYPE_T type);
     bool apply(CallEvent event);
-    void disconnectCall();
+    void noteCame(int id, const Party& caller, CallState state);
+    /// Makes @p change to the call @p id; what it leads to is reported.
+    template<typename Change>
+    void change(int id, const Change& make);
+    void disconnectCalls();
     void missWhileBusy(const Party& caller);
-    void scheduleNext();
-    void reportChange();
-    void reportEnd();
+    void report(int id, const Call& call);
+    void reportEnd(int id);
 
-    const CallPace m_pace;
+    Modem& m_modem;
     PhoneStatus& m_status;
-    std::optional<Call> m_call;
-    int m_id = 0;
+    Calls m_calls;
     int m_totalSeconds = 0;
-    bool m_hasRadio = true;
     bool m_isClosed = false;
-    QTimer m_next;
     CallLogUploader m_uploader;
 };
 

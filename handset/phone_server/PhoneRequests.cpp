@@ -41,7 +41,10 @@ const PhoneRequests::Request PhoneRequests::kRequests[] = {
 PhoneRequests::PhoneRequests(PhoneLine& line)
     : PHONE_Msg(nullptr, nullptr)
     , m_line(line)
-{}
+{
+    connect(&line.modem(), &Modem::radioSwitched, this,
+            [this](bool isDone) { m_line.status().report(PHONE_MSG_RET_SET_RFMOD_S, {isDone ? 1 : 0}); });
+}
 
 void PhoneRequests::receive(const QCString& message, const QByteArray& data)
 {
@@ -59,9 +62,7 @@ void PhoneRequests::receive(const QCString& message, const QByteArray& data)
 void PhoneRequests::setRadioMode(int32_t on)
 {
     log(on ? u"radio on"_s : u"radio off"_s);
-    m_line.setRadio(on != 0);
-    constexpr int32_t kDone = 1;
-    m_line.status().report(PHONE_MSG_RET_SET_RFMOD_S, {kDone});
+    m_line.modem().setRadio(on != 0);
 }
 
 void PhoneRequests::setLanguage(int32_t language)
@@ -111,7 +112,7 @@ void PttRequests::makeCall(const QByteArray& data)
 void PttRequests::dropCall()
 {
     if (m_line.current() && m_line.current()->isPtt())
-        m_line.hangUp();
+        m_line.apply(m_line.currentId(), CallEvent::HangUp);
 }
 
 } // namespace zyn::handset

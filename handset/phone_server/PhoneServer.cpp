@@ -16,8 +16,10 @@ constexpr int kControlClients = 16;
 
 } // namespace
 
-PhoneServer::PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections)
-    : m_line(pace, m_status)
+PhoneServer::PhoneServer(Modem& modem, PhoneStatus& status, const QString& prefix, std::chrono::milliseconds timeout,
+                         int maxConnections)
+    : m_status(status)
+    , m_line(modem, status)
     , m_prefix(prefix)
     , m_clients(
           voicecall::socketPath(), maxConnections,
@@ -46,24 +48,24 @@ void PhoneServer::listenToVoiceCallRequests()
     m_voiceCallRequests.emplace();
     PHONE_VoiceCallReceiver* requests = &*m_voiceCallRequests;
     QObject::connect(requests, &PHONE_VoiceCallReceiver::signalMakeCall, &m_line,
-                     [this](const QString& number, const QString& name, bool /*flag*/, int /*clir*/, int dialMode) {
-                         makeCall(number, name, dialMode);
+                     [this](const QString& number, const QString& name, bool /*flag*/, int clir, int dialMode) {
+                         makeCall(number, name, clir, dialMode);
                      });
     QObject::connect(requests, &PHONE_VoiceCallReceiver::sigDropCall, &m_line, [this] { dropCall(); });
 }
 
-void PhoneServer::makeCall(const QString& number, const QString& name, int dialMode)
+void PhoneServer::makeCall(const QString& number, const QString& name, int clir, int dialMode)
 {
     // A prefixed emergency number would reach nobody.
     const bool hasPrefix =
         dialMode == DialPrependly && !number.isEmpty() && !PHONE_IsEmergencyCall(number.toLatin1().data());
-    m_line.place({hasPrefix ? m_prefix + number : number, name});
+    m_line.place({hasPrefix ? m_prefix + number : number, name}, RC_CALL_TYPE_VOICE, callerIdFrom(clir));
 }
 
 void PhoneServer::dropCall()
 {
     if (m_line.current() && !m_line.current()->isPtt())
-        m_line.hangUp();
+        m_line.apply(m_line.currentId(), CallEvent::HangUp);
 }
 
 } // namespace zyn::handset

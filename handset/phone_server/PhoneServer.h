@@ -18,11 +18,14 @@ class PhoneServer
 {
 public:
     /**
+     * @param modem           carries the calls, and lives longer
+     * @param status          tells the states of the phone, and lives longer
      * @param prefix          put in front of numbers to be dialed with a prefix, except emergency numbers
      * @param timeout         how long the server waits for a client that has to make progress
      * @param maxConnections  the number of clients served at a time; further ones wait
      */
-    PhoneServer(CallPace pace, const QString& prefix, std::chrono::milliseconds timeout, int maxConnections);
+    PhoneServer(Modem& modem, PhoneStatus& status, const QString& prefix, std::chrono::milliseconds timeout,
+                int maxConnections);
 
     PhoneLine& line() { return m_line; }
 
@@ -35,10 +38,10 @@ public:
 
 private:
     void listenToVoiceCallRequests();
-    void makeCall(const QString& number, const QString& name, int dialMode);
+    void makeCall(const QString& number, const QString& name, int clir, int dialMode);
     void dropCall();
 
-    PhoneStatus m_status;
+    PhoneStatus& m_status;
     PhoneLine m_line;
     const QString m_prefix;
     std::optional<PHONE_VoiceCallReceiver> m_voiceCallRequests;

@@ -2,6 +2,7 @@
 #include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
+#include "handset/phone_server/DeskModem.h"
 #include "handset/phone_server/PhoneServer.h"
 #include "handset/phone_server/Script.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
@@ -86,7 +87,9 @@ int main(int argc, char** argv)
         return handset::kUsageError;
 
     const handset::CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
-    handset::PhoneServer server(pace, commandLine.value(kPrefix), commandLine.time(kTimeout),
+    handset::PhoneStatus status;
+    handset::DeskModem modem(pace);
+    handset::PhoneServer server(modem, status, commandLine.value(kPrefix), commandLine.time(kTimeout),
                                 handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;
