@@ -68,9 +68,11 @@ public:
     /// Ends all calls, when nobody will hear more of them.
     virtual void close() {}
 
-    /// The id of a new call, above 0. Each call of a modem has another one.
-    int newCall() { return ++m_lastCall; }
-    int lastCall() const { return m_lastCall; }
+    /// Goes to work, when somebody listens.
+    virtual void start() {}
+
+    /// The id of a new call, above 0. Each call of a process has another one.
+    static int newCall() { return ++s_lastCall; }
 
 Q_SIGNALS:
     /// Somebody calls: the new call @p id, Ringing or Waiting.
@@ -87,7 +89,7 @@ Q_SIGNALS:
     void radioChanged(bool isOn);
 
 private:
-    int m_lastCall = 0;
+    inline static int s_lastCall = 0;
 };
 
 } // namespace zyn::handset

@@ -62,7 +62,7 @@ int PhoneLine::place(const Party& party, RC_CALL_TYPE_T type, CallerId callerId)
         log(u"cannot place a call: %1"_s.arg(reason));
         return 0;
     }
-    const int id = m_modem.newCall();
+    const int id = Modem::newCall();
     begin(id, CallStateMachine::placed(), party, type);
     m_modem.dial(id, request);
     return id;
@@ -75,7 +75,7 @@ bool PhoneLine::ring(const Party& caller)
     if (m_calls.size() >= m_modem.callsAtOnce())
         missWhileBusy(caller);
     else
-        noteCame(m_modem.newCall(), caller, CallState::Ringing);
+        noteCame(Modem::newCall(), caller, CallState::Ringing);
     return true;
 }
 

@@ -4,6 +4,8 @@
 #include "handset/common/Log.h"
 #include "platform/QCopChannel.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
@@ -36,6 +38,16 @@ void PhoneStatus::report(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list
 {
     const PhoneMessage& message = phoneMessage(type);
     report(message, encode(message, values));
+}
+
+void PhoneStatus::tell(PHONE_Msg::PHONE_MSG_TYPE_T type, std::span<const FieldValue> values)
+{
+    const PhoneMessage& message = phoneMessage(type);
+    const QByteArray payload = encode(message, values);
+    const bool isTold = std::ranges::any_of(
+        m_told, [&](const Told& told) { return told.message == &message && told.payload == payload; });
+    if (!isTold)
+        report(message, payload);
 }
 
 bool PhoneStatus::tellAgain(Clock::time_point time) const

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <initializer_list>
+#include <span>
 #include <vector>
 
 namespace zyn::handset {
@@ -20,6 +21,9 @@ public:
     void report(const PhoneMessage& message, const QByteArray& payload);
     /// Sends the status message of @p type with @p values for its fields.
     void report(PHONE_Msg::PHONE_MSG_TYPE_T type, std::initializer_list<FieldValue> values = {});
+
+    /// Sends it unless it was the last one of its type, and told the same.
+    void tell(PHONE_Msg::PHONE_MSG_TYPE_T type, std::span<const FieldValue> values);
 
     using Clock = std::chrono::steady_clock;
 

@@ -1,13 +1,15 @@
-// zyn-phoned: plays the phone server and the phone application on a desk.
+// zyn-phoned: the phone server and the phone application, on a desk or on a real modem.
 #include "handset/common/Application.h"
 #include "handset/common/CommandLine.h"
 #include "handset/common/Log.h"
 #include "handset/phone_server/DeskModem.h"
+#include "handset/phone_server/ModemPlugin.h"
 #include "handset/phone_server/PhoneServer.h"
 #include "handset/phone_server/Script.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 
 #include <cstdlib>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +25,11 @@ const QString kTalk = u"talk"_s;
 const QString kPrefix = u"prefix"_s;
 const QString kTimeout = u"patience"_s;
 const QString kScript = u"script"_s;
+const QString kModem = u"modem"_s;
+const QString kDesk = u"desk"_s;
 const QString kStandardInput = u"-"_s;
+
+const QStringList kModems{kDesk, u"auto"_s, u"ofono"_s, u"modemmanager"_s};
 
 QString description()
 {
@@ -51,6 +57,12 @@ void addOptions(handset::CommandLine& commandLine)
                                        u"Put this in front of numbers to be dialed with a prefix, but of no "
                                        "emergency number (0)."_s,
                                        u"number"_s, u"0"_s));
+    commandLine.add(QCommandLineOption(kModem,
+                                       u"Who makes the calls: desk, where somebody plays the network; ofono or "
+                                       "modemmanager, the telephony of that service; or auto, whichever of them is "
+                                       "there (desk)."_s,
+                                       u"who"_s, kDesk),
+                    kModems);
     commandLine.add(QCommandLineOption(kScript,
                                        u"Make happen what this file says, as soon as clients are served; - for "
                                        "what standard input says, line by line as it comes."_s,
@@ -62,6 +74,25 @@ std::optional<handset::Script> scriptOf(const handset::CommandLine& commandLine)
 {
     const QString path = commandLine.value(kScript);
     return !commandLine.isSet(kScript) || path == kStandardInput ? handset::Script() : handset::readScript(path);
+}
+
+/// What the command line says makes the calls; null, which is logged, if there is no such thing.
+std::unique_ptr<handset::Modem> modemOf(const handset::CommandLine& commandLine, handset::PhoneStatus& status)
+{
+    const QString name = commandLine.value(kModem);
+    if (name != kDesk)
+        return handset::loadModem(name, status);
+    const auto step = commandLine.time(kStep);
+    return std::make_unique<handset::DeskModem>(
+        handset::CallPace{step, commandLine.isSet(kTalk) ? commandLine.time(kTalk) : step});
+}
+
+bool hasModem(const handset::CommandLine& commandLine)
+{
+    if (kModems.contains(commandLine.value(kModem)))
+        return true;
+    handset::log(u"--modem must be one of %1"_s.arg(kModems.join(u", "_s)));
+    return false;
 }
 
 bool hasPrefix(const handset::CommandLine& commandLine)
@@ -80,22 +111,24 @@ int main(int argc, char** argv)
 
     handset::CommandLine commandLine(description());
     addOptions(commandLine);
-    if (!commandLine.parse() || !hasPrefix(commandLine))
+    if (!commandLine.parse() || !hasPrefix(commandLine) || !hasModem(commandLine))
         return handset::kUsageError;
     const auto script = scriptOf(commandLine);
     if (!script)
         return handset::kUsageError;
 
-    const handset::CallPace pace{commandLine.time(kStep), commandLine.time(commandLine.isSet(kTalk) ? kTalk : kStep)};
     handset::PhoneStatus status;
-    handset::DeskModem modem(pace);
-    handset::PhoneServer server(modem, status, commandLine.value(kPrefix), commandLine.time(kTimeout),
+    const std::unique_ptr<handset::Modem> modem = modemOf(commandLine, status);
+    if (!modem)
+        return EXIT_FAILURE;
+    handset::PhoneServer server(*modem, status, commandLine.value(kPrefix), commandLine.time(kTimeout),
                                 handset::raiseClientLimit());
     if (!server.listen())
         return EXIT_FAILURE;
     handset::ScriptPlayer player(*script, server.line());
     handset::ScriptInput input(server.line());
     commandLine.announce(zyn::voicecall::socketPath());
+    modem->start();
     player.start();
     if (commandLine.value(kScript) == kStandardInput)
         input.start();

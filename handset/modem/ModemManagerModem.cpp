@@ -1,0 +1,465 @@
+// Telephony by ModemManager.
+#include "handset/modem/ModemManagerModem.h"
+
+#include "handset/common/Log.h"
+
+#include <QtDBus/QDBusArgument>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::handset {
+namespace {
+
+const QString kManagerService = u"org.freedesktop.ModemManager1"_s;
+const QString kManagerPath = u"/org/freedesktop/ModemManager1"_s;
+const QString kObjectManager = u"org.freedesktop.DBus.ObjectManager"_s;
+const QString kObjectProperties = u"org.freedesktop.DBus.Properties"_s;
+const QString kMmModem = kManagerService + u".Modem"_s;
+const QString kMm3gpp = kManagerService + u".Modem.Modem3gpp"_s;
+const QString kMmVoice = kManagerService + u".Modem.Voice"_s;
+const QString kMmSim = kManagerService + u".Sim"_s;
+const QString kMmCall = kManagerService + u".Call"_s;
+
+/// Between two attempts to enable a modem that cannot be.
+constexpr std::chrono::seconds kBetweenAttempts{10};
+
+/// @{ Numbers of ModemManager's interfaces.
+constexpr qint64 kStateFailed = -1;
+constexpr qint64 kStateDisabled = 3;
+constexpr qint64 kStateEnabled = 6;
+constexpr qint64 kFailedNoSim = 2;
+constexpr qint64 kPowerOn = 3;
+constexpr qint64 kCallRingingIn = 3;
+constexpr qint64 kCallTerminated = 7;
+constexpr qint64 kCallIncoming = 1;
+/// @}
+
+template<typename Value>
+struct MmNumber
+{
+    qint64 number;
+    Value value;
+};
+
+template<typename Value, size_t Count>
+Value mmMeaning(const std::array<MmNumber<Value>, Count>& numbers, std::optional<qint64> number, Value other)
+{
+    const auto found = std::ranges::find_if(numbers, [&](const auto& known) { return number == known.number; });
+    return found == numbers.end() ? other : found->value;
+}
+
+/// MMModemLock; what is above is the lock of a network, a provider or a phone.
+constexpr std::array<MmNumber<Pin>, 6> kLocks{
+    {{0, Pin::Unknown}, {1, Pin::NotRequired}, {2, Pin::Pin1}, {3, Pin::Pin2}, {4, Pin::Puk1}, {5, Pin::Puk2}}};
+
+/// MMModem3gppRegistrationState; the last are those of networks that take only text messages, or emergency calls, or
+/// calls by another way.
+constexpr std::array<MmNumber<Registration>, 11> kMmRegistrations{{{0, Registration::None},
+                                                                   {1, Registration::Registered},
+                                                                   {2, Registration::Searching},
+                                                                   {3, Registration::Denied},
+                                                                   {4, Registration::Unknown},
+                                                                   {5, Registration::Registered},
+                                                                   {6, Registration::None},
+                                                                   {7, Registration::None},
+                                                                   {8, Registration::None},
+                                                                   {9, Registration::Registered},
+                                                                   {10, Registration::Registered}}};
+constexpr std::array<qint64, 2> kRoamingStates{5, 10};
+
+/// MMCallState but for the end.
+constexpr std::array<MmNumber<CallState>, 6> kMmCallStates{{{1, CallState::Dialing},
+                                                            {2, CallState::Alerting},
+                                                            {3, CallState::Ringing},
+                                                            {4, CallState::Connected},
+                                                            {5, CallState::Held},
+                                                            {6, CallState::Waiting}}};
+
+/// MMCallStateReason of a call that is over: what the other party does has none.
+constexpr std::array<MmNumber<CallEnd>, 5> kMmReasons{
+    {{0, CallEnd::There}, {4, CallEnd::Here}, {5, CallEnd::Network}, {6, CallEnd::Network}, {7, CallEnd::Network}}};
+
+void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
+{
+    const std::optional<qint64> state = busNumber(modem.value(u"State"_s));
+    const bool hasFailed = state == kStateFailed;
+    const bool lacksSim = hasFailed && busNumber(modem.value(u"StateFailedReason"_s)) == kFailedNoSim;
+    facts.isPowered = busNumber(modem.value(u"PowerState"_s)) == kPowerOn;
+    facts.isOnline = state.value_or(kStateFailed) >= kStateEnabled;
+    facts.pin = lacksSim ? Pin::Unknown : mmMeaning(kLocks, busNumber(modem.value(u"UnlockRequired"_s)), Pin::Other);
+    facts.sim = lacksSim ? SimCard::None : simCardWith(facts.pin);
+    facts.subsidyLock = subsidyLockWith(facts.pin);
+    const auto strength = modem.value(u"SignalQuality"_s).value<QDBusArgument>();
+    facts.strength = std::nullopt;
+    if (facts.isOnline && strength.currentSignature() == u"(ub)"_s) {
+        uint percent = 0;
+        bool isRecent = false;
+        strength.beginStructure();
+        strength >> percent >> isRecent;
+        strength.endStructure();
+        facts.strength = static_cast<int>(std::min(percent, 100U));
+    }
+}
+
+void noteMm3gpp(PhoneFacts& facts, const QVariantMap& network)
+{
+    const std::optional<qint64> state = busNumber(network.value(u"RegistrationState"_s));
+    constexpr qint64 kAttached = 1;
+    facts.registration = mmMeaning(kMmRegistrations, state, Registration::Unknown);
+    facts.isRoaming = state && std::ranges::find(kRoamingStates, *state) != kRoamingStates.end();
+    facts.operatorName = busText(network.value(u"OperatorName"_s));
+    facts.networkId = busText(network.value(u"OperatorCode"_s));
+    const std::optional<qint64> data = busNumber(network.value(u"PacketServiceState"_s));
+    facts.isDataAttached = data ? std::optional(*data == kAttached) : std::nullopt;
+}
+
+void noteMmSim(PhoneFacts& facts, const QVariantMap& sim)
+{
+    facts.imsi = busText(sim.value(u"Imsi"_s));
+    facts.providerName = busText(sim.value(u"OperatorName"_s));
+    facts.emergencyNumbers = busTexts(sim.value(u"EmergencyNumbers"_s));
+}
+
+/// How the properties of an interface become what is known. Without any, nothing is.
+struct InterfaceRow
+{
+    const QString& interface;
+    void (*note)(PhoneFacts& facts, const QVariantMap& properties);
+};
+
+const InterfaceRow kInterfaces[] = {
+    {kMmModem, noteMmModem},
+    {kMm3gpp, noteMm3gpp},
+    {kMmSim, noteMmSim},
+    {kMmVoice, [](PhoneFacts& facts, const QVariantMap& voice) { facts.hasVoice = !voice.isEmpty(); }},
+};
+
+/// The interfaces in @p value, a{sa{sv}}; none when it is something else.
+QMap<QString, QVariantMap> interfacesIn(const QVariant& value)
+{
+    const auto argument = value.value<QDBusArgument>();
+    return argument.currentSignature() == u"a{sa{sv}}"_s ? qdbus_cast<QMap<QString, QVariantMap>>(argument)
+                                                         : QMap<QString, QVariantMap>();
+}
+
+} // namespace
+
+ModemManagerModem::ModemManagerModem(Bus& bus, PhoneStatus& status)
+    : StackModem(bus, status, kManagerService, u"ModemManager"_s)
+{
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(kBetweenAttempts);
+    connect(&m_retry, &QTimer::timeout, this, &ModemManagerModem::enable);
+}
+
+void ModemManagerModem::start()
+{
+    const BusAddress manager{service(), kManagerPath, kObjectManager};
+    bus().listen(manager, u"InterfacesAdded"_s, this, SLOT(noteAdded(QDBusMessage)));
+    bus().listen(manager, u"InterfacesRemoved"_s, this, SLOT(noteRemoved(QDBusMessage)));
+    bus().listen({service(), {}, kObjectProperties}, u"PropertiesChanged"_s, this, SLOT(noteChange(QDBusMessage)));
+    bus().listen({service(), {}, kMmVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
+    bus().listen({service(), {}, kMmCall}, u"StateChanged"_s, this, SLOT(noteCallState(QDBusMessage)));
+    askForModems();
+}
+
+void ModemManagerModem::setRadio(bool isOn)
+{
+    m_isRadioWanted = isOn;
+    if (m_modem.isEmpty()) {
+        Q_EMIT radioSwitched(false);
+        return;
+    }
+    bus().call(at(kMmModem), u"Enable"_s, {isOn}, this, [this](const QDBusMessage& reply) {
+        const bool isFailure = !failureOf(reply).isEmpty();
+        if (isFailure)
+            logFailure(u"switching the radio"_s, reply);
+        Q_EMIT radioSwitched(!isFailure);
+    });
+}
+
+void ModemManagerModem::askForCall(int id, const Request& request)
+{
+    // The interface has no choice of its own: these are the codes of 3GPP TS 22.030.
+    constexpr std::array kCodes{"", "#31#", "*31#"};
+    const QString number = QLatin1String(kCodes.at(static_cast<size_t>(request.callerId))) + request.number;
+    bus().call(at(kMmVoice), u"CreateCall"_s, {QVariantMap{{u"number"_s, number}}}, this,
+               [this, id](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "o")) {
+                       startCall(id, busPath(reply.arguments().constFirst()));
+                       return;
+                   }
+                   logFailure(u"the call"_s, reply);
+                   noteOver(id, CallEnd::Network);
+               });
+}
+
+/// Has the call begin that was made, unless it was hung up meanwhile.
+void ModemManagerModem::startCall(int id, const QString& path)
+{
+    const Line* const wanted = call(id);
+    if (!wanted || wanted->isUnwanted) {
+        deleteCall(path);
+        noteOver(id, CallEnd::Here);
+        return;
+    }
+    noteObject(id, path);
+    bus().call(callAt(path), u"Start"_s, {}, this, [this, id, path](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty())
+            return;
+        logFailure(u"the call"_s, reply);
+        noteOver(id, CallEnd::Network);
+        deleteCall(path);
+    });
+}
+
+void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)
+{
+    const QString path = call.path;
+    const auto noteAnswer = [this, path](const QDBusMessage& reply) {
+        // A call that ends before its states are polled was talked on all the same.
+        if (failureOf(reply).isEmpty())
+            StackModem::noteState(path, CallState::Connected);
+        else
+            logFailure(u"answering"_s, reply);
+    };
+    if (call.state == CallState::Waiting)
+        bus().call(at(kMmVoice), u"HoldAndAccept"_s, {}, this, noteAnswer);
+    else
+        bus().call(callAt(path), u"Accept"_s, {}, this, noteAnswer);
+}
+
+void ModemManagerModem::askToHangUp(int /*id*/, const Line& call)
+{
+    bus().call(callAt(call.path), u"Hangup"_s, {}, this, failsWith(u"hanging up"_s));
+}
+
+void ModemManagerModem::askForTone(const Line& call, QChar key)
+{
+    bus().call(callAt(call.path), u"SendDtmf"_s, {QString(key)}, this, failsWith(u"the tone"_s));
+}
+
+Bus::Reply ModemManagerModem::failsWith(const QString& what)
+{
+    return [this, what](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(what, reply);
+    };
+}
+
+BusAddress ModemManagerModem::at(const QString& interface) const
+{
+    return {service(), m_modem, interface};
+}
+
+BusAddress ModemManagerModem::callAt(const QString& path) const
+{
+    return {service(), path, kMmCall};
+}
+
+void ModemManagerModem::askForModems()
+{
+    bus().call(
+        {service(), kManagerPath, kObjectManager}, u"GetManagedObjects"_s, {}, this, [this](const QDBusMessage& reply) {
+            if (!failureOf(reply).isEmpty())
+                logFailure(u"asking for the modems"_s, reply);
+            if (!hasSignature(reply, "a{oa{sa{sv}}}"))
+                return;
+            const auto objects =
+                qdbus_cast<QMap<QDBusObjectPath, Interfaces>>(reply.arguments().constFirst().value<QDBusArgument>());
+            for (auto object = objects.cbegin(); object != objects.cend(); ++object)
+                take(object.key().path(), object.value());
+            if (m_modem.isEmpty())
+                log(u"ModemManager has no modem yet: waiting for one"_s);
+        });
+}
+
+/// Follows the modem @p path, unless another one is followed; learns of @p interfaces when it is the one.
+void ModemManagerModem::take(const QString& path, const Interfaces& interfaces)
+{
+    const bool isModem = interfaces.contains(kMmModem);
+    if (m_modem.isEmpty() && isModem) {
+        m_modem = path;
+        log(u"ModemManager has the modem %1"_s.arg(path));
+        learn([](PhoneFacts& facts) { facts.hasModem = true; });
+    } else if (m_modem != path) {
+        if (isModem)
+            log(u"ModemManager has another modem, %1, which is not used"_s.arg(path));
+        return;
+    }
+    for (auto interface = interfaces.cbegin(); interface != interfaces.cend(); ++interface)
+        note(interface.key(), interface.value());
+    if (interfaces.contains(kMmVoice))
+        askForCalls();
+}
+
+void ModemManagerModem::leave()
+{
+    log(u"ModemManager has lost the modem %1"_s.arg(m_modem));
+    m_modem.clear();
+    m_sim.clear();
+    m_known.clear();
+    m_retry.stop();
+    noteAllOver();
+    learn([](PhoneFacts& facts) { facts = {}; });
+    askForModems();
+}
+
+void ModemManagerModem::noteAdded(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "oa{sa{sv}}"))
+        take(busPath(signal.arguments().at(0)), interfacesIn(signal.arguments().at(1)));
+}
+
+void ModemManagerModem::noteRemoved(const QDBusMessage& signal)
+{
+    if (m_modem.isEmpty() || !hasSignature(signal, "oas") || busPath(signal.arguments().at(0)) != m_modem)
+        return;
+    const QStringList gone = busTexts(signal.arguments().at(1));
+    if (gone.contains(kMmModem))
+        return leave();
+    for (const QString& interface : gone)
+        dropInterface(interface);
+}
+
+/// What has gone is not known any more; with the interface for calls, its calls are over.
+void ModemManagerModem::dropInterface(const QString& interface)
+{
+    if (!m_known.contains(interface))
+        return;
+    m_known.remove(interface);
+    note(interface, {});
+    if (interface == kMmVoice)
+        noteAllOver();
+}
+
+void ModemManagerModem::noteChange(const QDBusMessage& signal)
+{
+    if (!hasSignature(signal, "sa{sv}as") || m_modem.isEmpty())
+        return;
+    const QString interface = busText(signal.arguments().at(0));
+    const bool isOfSim = interface == kMmSim && signal.path() == m_sim;
+    const bool isOfModem = interface != kMmSim && signal.path() == m_modem;
+    if (isOfSim || isOfModem)
+        note(interface, busMap(signal.arguments().at(1)));
+}
+
+void ModemManagerModem::note(const QString& interface, const QVariantMap& properties)
+{
+    const auto* const row =
+        std::ranges::find_if(kInterfaces, [&](const InterfaceRow& known) { return interface == known.interface; });
+    if (row == std::end(kInterfaces))
+        return;
+    QVariantMap& all = m_known[interface];
+    all.insert(properties);
+    learn([&](PhoneFacts& facts) { row->note(facts, all); });
+    if (interface != kMmModem)
+        return;
+    readSim(busPath(all.value(u"Sim"_s)));
+    if (busNumber(all.value(u"State"_s)) == kStateDisabled && properties.contains(u"State"_s))
+        enable();
+}
+
+void ModemManagerModem::readSim(const QString& path)
+{
+    if (path == m_sim)
+        return;
+    m_sim = path;
+    m_known.remove(kMmSim);
+    note(kMmSim, {});
+    if (path.isEmpty())
+        return;
+    bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmSim}, this,
+               [this, path](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "a{sv}") && path == m_sim)
+                       note(kMmSim, busMap(reply.arguments().constFirst()));
+               });
+}
+
+void ModemManagerModem::enable()
+{
+    if (m_modem.isEmpty() || facts().isOnline || !m_isRadioWanted)
+        return;
+    bus().call(at(kMmModem), u"Enable"_s, {true}, this, [this](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty())
+            return;
+        logFailure(u"enabling the modem"_s, reply);
+        m_retry.start();
+    });
+}
+
+void ModemManagerModem::askForCalls()
+{
+    bus().call(at(kMmVoice), u"ListCalls"_s, {}, this, [this](const QDBusMessage& reply) {
+        if (!hasSignature(reply, "ao"))
+            return;
+        const auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().constFirst().value<QDBusArgument>());
+        for (const QDBusObjectPath& path : paths)
+            askForCallProperties(path.path());
+    });
+}
+
+void ModemManagerModem::noteCallAdded(const QDBusMessage& signal)
+{
+    if (signal.path() == m_modem && !m_modem.isEmpty() && hasSignature(signal, "o"))
+        askForCallProperties(busPath(signal.arguments().constFirst()));
+}
+
+void ModemManagerModem::askForCallProperties(const QString& path)
+{
+    if (path.isEmpty())
+        return;
+    bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmCall}, this,
+               [this, path](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "a{sv}"))
+                       addCall(path, busMap(reply.arguments().constFirst()));
+               });
+}
+
+/// A call that has come, perhaps one that is over by now. Those that were asked for have their objects already.
+void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties)
+{
+    if (busNumber(properties.value(u"Direction"_s)) != kCallIncoming || hasCall(path))
+        return;
+    const qint64 state = busNumber(properties.value(u"State"_s)).value_or(kCallRingingIn);
+    const CallState first = mmMeaning(kMmCallStates, state, CallState::Ringing);
+    noteIncoming(path, busText(properties.value(u"Number"_s)), {},
+                 first == CallState::Waiting ? CallState::Waiting : CallState::Ringing);
+    noteState(path, state, busNumber(properties.value(u"StateReason"_s)).value_or(0));
+}
+
+void ModemManagerModem::noteCallState(const QDBusMessage& signal)
+{
+    if (!hasSignature(signal, "iiu"))
+        return;
+    noteState(signal.path(), busNumber(signal.arguments().at(1)).value_or(0),
+              busNumber(signal.arguments().at(2)).value_or(0));
+}
+
+void ModemManagerModem::noteState(const QString& path, qint64 state, qint64 reason)
+{
+    if (!hasCall(path))
+        return;
+    if (state != kCallTerminated) {
+        const CallState reached = mmMeaning(kMmCallStates, state, CallState::Ended);
+        if (reached != CallState::Ended)
+            StackModem::noteState(path, reached);
+        return;
+    }
+    noteOver(path, mmMeaning(kMmReasons, reason, CallEnd::There));
+    deleteCall(path);
+}
+
+/// A finished call stays until it is deleted.
+void ModemManagerModem::deleteCall(const QString& path)
+{
+    const auto isGone = [](const QDBusMessage& /*reply*/) {};
+    if (!path.isEmpty() && !m_modem.isEmpty())
+        bus().call(at(kMmVoice), u"DeleteCall"_s, {QVariant::fromValue(QDBusObjectPath(path))}, this, isGone);
+}
+
+} // namespace zyn::handset

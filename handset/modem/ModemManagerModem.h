@@ -1,0 +1,63 @@
+// Telephony by ModemManager.
+#pragma once
+
+#include "handset/modem/StackModem.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QVariantMap>
+
+namespace zyn::handset {
+
+/// Has its calls made by ModemManager: follows the first modem that it has, and enables it.
+class ModemManagerModem : public StackModem
+{
+    Q_OBJECT
+
+public:
+    ModemManagerModem(Bus& bus, PhoneStatus& status);
+
+    void start() override;
+    void setRadio(bool isOn) override;
+
+protected:
+    void askForCall(int id, const Request& request) override;
+    void askToAnswer(int id, const Line& call) override;
+    void askToHangUp(int id, const Line& call) override;
+    void askForTone(const Line& call, QChar key) override;
+
+private Q_SLOTS:
+    void noteAdded(const QDBusMessage& signal);
+    void noteRemoved(const QDBusMessage& signal);
+    void noteChange(const QDBusMessage& signal);
+    void noteCallAdded(const QDBusMessage& signal);
+    void noteCallState(const QDBusMessage& signal);
+
+private:
+    using Interfaces = QMap<QString, QVariantMap>;
+
+    BusAddress at(const QString& interface) const;
+    BusAddress callAt(const QString& path) const;
+
+    void askForModems();
+    void take(const QString& path, const Interfaces& interfaces);
+    void leave();
+    void note(const QString& interface, const QVariantMap& properties);
+    void dropInterface(const QString& interface);
+    void readSim(const QString& path);
+    void enable();
+    void askForCalls();
+    void askForCallProperties(const QString& path);
+    void addCall(const QString& path, const QVariantMap& properties);
+    void noteState(const QString& path, qint64 state, qint64 reason);
+    void startCall(int id, const QString& path);
+    void deleteCall(const QString& path);
+    Bus::Reply failsWith(const QString& what);
+
+    QString m_modem; ///< the path of the modem that is followed; empty without one
+    QString m_sim;   ///< the path of its SIM card; empty without one
+    Interfaces m_known;
+    bool m_isRadioWanted = true;
+    QTimer m_retry; ///< runs while the modem could not be enabled
+};
+
+} // namespace zyn::handset

@@ -1,0 +1,481 @@
+// Telephony by oFono.
+#include "handset/modem/OfonoModem.h"
+
+#include "handset/common/Log.h"
+
+#include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusVariant>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::handset {
+namespace {
+
+const QString kOfono = u"org.ofono"_s;
+const QString kManager = u"org.ofono.Manager"_s;
+const QString kModem = u"org.ofono.Modem"_s;
+const QString kSim = u"org.ofono.SimManager"_s;
+const QString kNetwork = u"org.ofono.NetworkRegistration"_s;
+const QString kVoice = u"org.ofono.VoiceCallManager"_s;
+const QString kVoiceCall = u"org.ofono.VoiceCall"_s;
+const QString kData = u"org.ofono.ConnectionManager"_s;
+const QString kChanged = u"PropertyChanged"_s;
+
+/// A word of oFono's, and what it stands for here.
+template<typename Value>
+struct OfonoWord
+{
+    QLatin1String word;
+    Value value;
+};
+
+template<typename Value, size_t Count>
+Value meaning(const std::array<OfonoWord<Value>, Count>& words, const QString& word, Value other)
+{
+    const auto found = std::ranges::find_if(words, [&](const auto& known) { return word == known.word; });
+    return found == words.end() ? other : found->value;
+}
+
+constexpr std::array<OfonoWord<Pin>, 5> kPins{{{QLatin1String("none"), Pin::NotRequired},
+                                               {QLatin1String("pin"), Pin::Pin1},
+                                               {QLatin1String("puk"), Pin::Puk1},
+                                               {QLatin1String("pin2"), Pin::Pin2},
+                                               {QLatin1String("puk2"), Pin::Puk2}}};
+
+constexpr std::array<OfonoWord<Registration>, 6> kRegistrations{
+    {{QLatin1String("unregistered"), Registration::None},
+     {QLatin1String("registered"), Registration::Registered},
+     {QLatin1String("roaming"), Registration::Registered},
+     {QLatin1String("searching"), Registration::Searching},
+     {QLatin1String("denied"), Registration::Denied},
+     {QLatin1String("unknown"), Registration::Unknown}}};
+
+constexpr std::array<OfonoWord<CallState>, 6> kCallStates{{{QLatin1String("dialing"), CallState::Dialing},
+                                                           {QLatin1String("alerting"), CallState::Alerting},
+                                                           {QLatin1String("incoming"), CallState::Ringing},
+                                                           {QLatin1String("waiting"), CallState::Waiting},
+                                                           {QLatin1String("active"), CallState::Connected},
+                                                           {QLatin1String("held"), CallState::Held}}};
+/// Between two attempts to switch on a modem that cannot be.
+constexpr std::chrono::seconds kBetweenSwitches{10};
+
+const QString kDisconnected = u"disconnected"_s;
+
+constexpr std::array<OfonoWord<CallEnd>, 3> kReasons{{{QLatin1String("local"), CallEnd::Here},
+                                                      {QLatin1String("remote"), CallEnd::There},
+                                                      {QLatin1String("network"), CallEnd::Network}}};
+
+/// The states of the SIM card and its locks are told by two properties together.
+void noteSim(PhoneFacts& facts, const QVariantMap& sim)
+{
+    const std::optional<bool> isPresent = busBool(sim.value(u"Present"_s));
+    const QString required = busText(sim.value(u"PinRequired"_s));
+    const bool tellsPin = isPresent.value_or(false) && !required.isEmpty();
+    facts.pin = tellsPin ? meaning(kPins, required, Pin::Other) : Pin::Unknown;
+    facts.sim = isPresent == false ? SimCard::None : simCardWith(facts.pin);
+    facts.subsidyLock = subsidyLockWith(facts.pin);
+}
+
+/// How a property becomes what is known: from it, and from the others of its interface. A property that is not there
+/// has no value.
+struct PropertyRow
+{
+    const QString& interface;
+    const char* property;
+    void (*note)(PhoneFacts& facts, const QVariant& value, const QVariantMap& all);
+};
+
+const PropertyRow kOfonoProperties[] = {
+    {kSim, "Present", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
+    {kSim, "PinRequired", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
+    {kSim, "SubscriberIdentity",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.imsi = busText(value); }},
+    {kSim, "ServiceProviderName",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.providerName = busText(value); }},
+    {kSim, "FixedDialing",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.hasFixedDialing = busBool(value); }},
+    {kNetwork, "Status",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) {
+         facts.registration = meaning(kRegistrations, busText(value), Registration::Unknown);
+         facts.isRoaming = busText(value) == u"roaming"_s;
+     }},
+    {kNetwork, "Name",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.operatorName = busText(value); }},
+    {kNetwork, "MobileCountryCode",
+     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) {
+         facts.networkId = busText(all.value(u"MobileCountryCode"_s)) + busText(all.value(u"MobileNetworkCode"_s));
+     }},
+    {kNetwork, "MobileNetworkCode",
+     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) {
+         facts.networkId = busText(all.value(u"MobileCountryCode"_s)) + busText(all.value(u"MobileNetworkCode"_s));
+     }},
+    {kNetwork, "Strength",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) {
+         const std::optional<qint64> percent = busNumber(value);
+         facts.strength = percent ? std::optional(static_cast<int>(*percent)) : std::nullopt;
+     }},
+    {kVoice, "EmergencyNumbers",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.emergencyNumbers = busTexts(value); }},
+    {kData, "Attached",
+     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.isDataAttached = busBool(value); }},
+};
+
+/// What is no more when the registration is lost, and no signal tells so.
+constexpr std::array kGoneUnregistered{"Strength", "MobileCountryCode", "MobileNetworkCode"};
+
+/// The interfaces whose properties are read.
+const std::array<const QString*, 4> kRead{&kSim, &kNetwork, &kVoice, &kData};
+
+QString hides(CallerId callerId)
+{
+    constexpr std::array kWords{"default", "enabled", "disabled"};
+    return QLatin1String(kWords.at(static_cast<size_t>(callerId)));
+}
+
+/// An object and its properties, as oFono lists them.
+struct OfonoObject
+{
+    QString path;
+    QVariantMap properties;
+};
+
+/// The objects in a list of them; none when it is something else.
+QList<OfonoObject> objectsIn(const QDBusMessage& reply)
+{
+    QList<OfonoObject> objects;
+    if (!hasSignature(reply, "a(oa{sv})"))
+        return objects;
+    const auto list = reply.arguments().constFirst().value<QDBusArgument>();
+    list.beginArray();
+    while (!list.atEnd()) {
+        QDBusObjectPath path;
+        QVariantMap properties;
+        list.beginStructure();
+        list >> path >> properties;
+        list.endStructure();
+        objects.append({path.path(), properties});
+    }
+    list.endArray();
+    return objects;
+}
+
+} // namespace
+
+OfonoModem::OfonoModem(Bus& bus, PhoneStatus& status)
+    : StackModem(bus, status, kOfono, u"oFono"_s)
+{
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(kBetweenSwitches);
+    connect(&m_retry, &QTimer::timeout, this, &OfonoModem::switchOn);
+}
+
+void OfonoModem::setRadio(bool isOn)
+{
+    m_isRadioWanted = isOn;
+    if (m_modem.isEmpty()) {
+        Q_EMIT radioSwitched(false);
+        return;
+    }
+    bus().call(at(kModem), u"SetProperty"_s, {u"Online"_s, QVariant::fromValue(QDBusVariant(isOn))}, this,
+               [this](const QDBusMessage& reply) {
+                   const bool isFailure = !failureOf(reply).isEmpty();
+                   if (isFailure)
+                       logFailure(u"switching the radio"_s, reply);
+                   Q_EMIT radioSwitched(!isFailure);
+               });
+}
+
+void OfonoModem::start()
+{
+    subscribe();
+    askForModems();
+}
+
+void OfonoModem::askForCall(int id, const Request& request)
+{
+    bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
+               [this, id](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "o")) {
+                       noteObject(id, busPath(reply.arguments().constFirst()));
+                       return;
+                   }
+                   logFailure(u"the call"_s, reply);
+                   noteOver(id, CallEnd::Network);
+               });
+}
+
+void OfonoModem::askToAnswer(int /*id*/, const Line& call)
+{
+    const QString path = call.path;
+    const auto noteAnswer = [this, path](const QDBusMessage& reply) {
+        // A call that ends before its states are polled was talked on all the same.
+        if (failureOf(reply).isEmpty())
+            noteState(path, CallState::Connected);
+        else
+            logFailure(u"answering"_s, reply);
+    };
+    if (call.state == CallState::Waiting)
+        bus().call(at(kVoice), u"HoldAndAnswer"_s, {}, this, noteAnswer);
+    else
+        bus().call(callAt(path), u"Answer"_s, {}, this, noteAnswer);
+}
+
+void OfonoModem::askToHangUp(int /*id*/, const Line& call)
+{
+    bus().call(callAt(call.path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(u"hanging up"_s, reply);
+    });
+}
+
+void OfonoModem::askForTone(const Line& /*call*/, QChar key)
+{
+    bus().call(at(kVoice), u"SendTones"_s, {QString(key)}, this, [this](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(u"the tone"_s, reply);
+    });
+}
+
+void OfonoModem::forget()
+{
+    m_modem.clear();
+    m_interfaces.clear();
+    m_known.clear();
+    m_retry.stop();
+}
+
+BusAddress OfonoModem::at(const QString& interface) const
+{
+    return {service(), interface == kManager ? u"/"_s : m_modem, interface};
+}
+
+BusAddress OfonoModem::callAt(const QString& path) const
+{
+    return {service(), path, kVoiceCall};
+}
+
+/// Listens to all objects: which of them there are is not known yet, and what is not followed is left out later.
+void OfonoModem::subscribe()
+{
+    const BusAddress manager{service(), u"/"_s, kManager};
+    bus().listen(manager, u"ModemAdded"_s, this, SLOT(noteModemAdded(QDBusMessage)));
+    bus().listen(manager, u"ModemRemoved"_s, this, SLOT(noteModemRemoved(QDBusMessage)));
+    bus().listen({service(), {}, kModem}, kChanged, this, SLOT(noteChange(QDBusMessage)));
+    for (const QString* interface : kRead)
+        bus().listen({service(), {}, *interface}, kChanged, this, SLOT(noteChange(QDBusMessage)));
+    bus().listen({service(), {}, kVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
+    bus().listen({service(), {}, kVoice}, u"CallRemoved"_s, this, SLOT(noteCallRemoved(QDBusMessage)));
+    bus().listen({service(), {}, kVoiceCall}, kChanged, this, SLOT(noteCallChange(QDBusMessage)));
+    bus().listen({service(), {}, kVoiceCall}, u"DisconnectReason"_s, this, SLOT(noteCallReason(QDBusMessage)));
+}
+
+void OfonoModem::askForModems()
+{
+    bus().call(at(kManager), u"GetModems"_s, {}, this, [this](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(u"asking for the modems"_s, reply);
+        for (const OfonoObject& modem : objectsIn(reply))
+            take(modem.path, modem.properties);
+        if (m_modem.isEmpty())
+            log(u"oFono has no modem yet: waiting for one"_s);
+    });
+}
+
+/// Follows the modem @p path, unless another one is followed.
+void OfonoModem::take(const QString& path, const QVariantMap& properties)
+{
+    if (path == m_modem)
+        return;
+    if (!m_modem.isEmpty()) {
+        log(u"oFono has another modem, %1, which is not used"_s.arg(path));
+        return;
+    }
+    m_modem = path;
+    log(u"oFono has the modem %1"_s.arg(path));
+    learn([](PhoneFacts& facts) { facts.hasModem = true; });
+    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+        noteModem(property.key(), property.value());
+}
+
+void OfonoModem::leave()
+{
+    log(u"oFono has lost the modem %1"_s.arg(m_modem));
+    forget();
+    noteAllOver();
+    learn([](PhoneFacts& facts) { facts = {}; });
+    askForModems();
+}
+
+void OfonoModem::noteModemAdded(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "oa{sv}"))
+        take(busPath(signal.arguments().at(0)), busMap(signal.arguments().at(1)));
+}
+
+void OfonoModem::noteModemRemoved(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "o") && busPath(signal.arguments().constFirst()) == m_modem && !m_modem.isEmpty())
+        leave();
+}
+
+void OfonoModem::noteChange(const QDBusMessage& signal)
+{
+    if (m_modem.isEmpty() || signal.path() != m_modem || !hasSignature(signal, "sv"))
+        return;
+    const QString property = busText(signal.arguments().at(0));
+    if (signal.interface() == kModem)
+        noteModem(property, signal.arguments().at(1));
+    else
+        note(signal.interface(), property, signal.arguments().at(1));
+}
+
+/// Switches on what is off: the modem's power, and then its radio.
+void OfonoModem::switchOn()
+{
+    if (m_modem.isEmpty() || (facts().isPowered && (facts().isOnline || !m_isRadioWanted)))
+        return;
+    const QString property = facts().isPowered ? u"Online"_s : u"Powered"_s;
+    bus().call(at(kModem), u"SetProperty"_s, {property, QVariant::fromValue(QDBusVariant(true))}, this,
+               [this, property](const QDBusMessage& reply) {
+                   if (failureOf(reply).isEmpty())
+                       return;
+                   logFailure(u"switching on the modem (%1)"_s.arg(property), reply);
+                   m_retry.start();
+               });
+}
+
+void OfonoModem::noteModem(const QString& property, const QVariant& value)
+{
+    if (property == u"Interfaces"_s) {
+        noteInterfaces(busTexts(value));
+    } else if (property == u"Powered"_s) {
+        const bool isPowered = busBool(value).value_or(false);
+        learn([&](PhoneFacts& facts) { facts.isPowered = isPowered; });
+        switchOn();
+    } else if (property == u"Online"_s) {
+        const bool isOnline = busBool(value).value_or(false);
+        learn([&](PhoneFacts& facts) { facts.isOnline = isOnline; });
+    }
+}
+
+/// Reads what has come, and takes what has gone for unknown.
+void OfonoModem::noteInterfaces(const QStringList& interfaces)
+{
+    const QStringList before = std::exchange(m_interfaces, interfaces);
+    for (const QString* interface : kRead) {
+        const bool had = before.contains(*interface);
+        const bool has = interfaces.contains(*interface);
+        if (has && !had)
+            askForProperties(*interface);
+        if (had && !has) {
+            const QVariantMap known = m_known.take(*interface);
+            for (auto property = known.cbegin(); property != known.cend(); ++property)
+                note(*interface, property.key(), {});
+            m_known.remove(*interface);
+        }
+    }
+    const bool hasVoice = interfaces.contains(kVoice);
+    const bool hadVoice = before.contains(kVoice);
+    learn([&](PhoneFacts& facts) { facts.hasVoice = hasVoice; });
+    if (hasVoice && !hadVoice)
+        askForCalls();
+    // A modem that goes in a call tells of no call that is over.
+    if (hadVoice && !hasVoice)
+        noteAllOver();
+}
+
+void OfonoModem::askForProperties(const QString& interface)
+{
+    const QString modem = m_modem;
+    bus().call(at(interface), u"GetProperties"_s, {}, this, [this, modem, interface](const QDBusMessage& reply) {
+        if (!hasSignature(reply, "a{sv}") || modem != m_modem)
+            return;
+        const QVariantMap properties = busMap(reply.arguments().constFirst());
+        for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+            note(interface, property.key(), property.value());
+    });
+}
+
+void OfonoModem::note(const QString& interface, const QString& property, const QVariant& value)
+{
+    if (std::ranges::none_of(kRead, [&](const QString* read) { return interface == *read; }))
+        return;
+    QVariantMap& all = m_known[interface];
+    all[property] = value;
+    if (interface == kNetwork && property == u"Status"_s
+        && meaning(kRegistrations, busText(value), Registration::Unknown) != Registration::Registered) {
+        for (const char* vanishing : kGoneUnregistered)
+            note(kNetwork, QLatin1String(vanishing), {});
+    }
+    const auto row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
+        return interface == known.interface && property == QLatin1String(known.property);
+    });
+    if (row != std::end(kOfonoProperties))
+        learn([&](PhoneFacts& facts) { row->note(facts, value, m_known[interface]); });
+}
+
+void OfonoModem::askForCalls()
+{
+    bus().call(at(kVoice), u"GetCalls"_s, {}, this, [this](const QDBusMessage& reply) {
+        for (const OfonoObject& object : objectsIn(reply))
+            addCall(object.path, object.properties);
+    });
+}
+
+void OfonoModem::noteCallAdded(const QDBusMessage& signal)
+{
+    if (signal.path() == m_modem && hasSignature(signal, "oa{sv}"))
+        addCall(busPath(signal.arguments().at(0)), busMap(signal.arguments().at(1)));
+}
+
+/// A call that has come, or the object of one that was asked for: its signal comes before the reply.
+void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
+{
+    if (path.isEmpty() || hasCall(path))
+        return;
+    const QString word = busText(properties.value(u"State"_s));
+    const CallState state = meaning(kCallStates, word, CallState::Ended);
+    if (state == CallState::Ringing || state == CallState::Waiting) {
+        noteIncoming(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
+                     state);
+        return;
+    }
+    if (const int id = unboundCall()) {
+        noteObject(id, path);
+        noteCallState(path, word);
+    } else {
+        log(u"oFono has a call that was not asked for here, %1: left alone"_s.arg(path));
+    }
+}
+
+void OfonoModem::noteCallChange(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "sv") && busText(signal.arguments().at(0)) == u"State"_s)
+        noteCallState(signal.path(), busText(signal.arguments().at(1)));
+}
+
+void OfonoModem::noteCallState(const QString& path, const QString& state)
+{
+    if (state == kDisconnected)
+        noteOver(path, CallEnd::Network);
+    else if (const CallState reached = meaning(kCallStates, state, CallState::Ended); reached != CallState::Ended)
+        noteState(path, reached);
+}
+
+void OfonoModem::noteCallReason(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "s"))
+        noteEnd(signal.path(), meaning(kReasons, busText(signal.arguments().constFirst()), CallEnd::Network));
+}
+
+void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
+{
+    if (hasSignature(signal, "o"))
+        noteOver(busPath(signal.arguments().constFirst()), CallEnd::Network);
+}
+
+} // namespace zyn::handset

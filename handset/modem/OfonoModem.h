@@ -1,0 +1,59 @@
+// Telephony by oFono.
+#pragma once
+
+#include "handset/modem/StackModem.h"
+
+namespace zyn::handset {
+
+/// Has its calls made by ofonod: follows the first modem that it has, powers it, and has its radio on.
+class OfonoModem : public StackModem
+{
+    Q_OBJECT
+
+public:
+    OfonoModem(Bus& bus, PhoneStatus& status);
+
+    void start() override;
+    void setRadio(bool isOn) override;
+
+protected:
+    void askForCall(int id, const Request& request) override;
+    void askToAnswer(int id, const Line& call) override;
+    void askToHangUp(int id, const Line& call) override;
+    void askForTone(const Line& call, QChar key) override;
+
+private Q_SLOTS:
+    void noteModemAdded(const QDBusMessage& signal);
+    void noteModemRemoved(const QDBusMessage& signal);
+    void noteChange(const QDBusMessage& signal);
+    void noteCallAdded(const QDBusMessage& signal);
+    void noteCallChange(const QDBusMessage& signal);
+    void noteCallReason(const QDBusMessage& signal);
+    void noteCallRemoved(const QDBusMessage& signal);
+
+private:
+    BusAddress at(const QString& interface) const;
+    BusAddress callAt(const QString& path) const;
+
+    void subscribe();
+    void askForModems();
+    void take(const QString& path, const QVariantMap& properties);
+    void leave();
+    void forget();
+    void noteModem(const QString& property, const QVariant& value);
+    void noteInterfaces(const QStringList& interfaces);
+    void askForProperties(const QString& interface);
+    void note(const QString& interface, const QString& property, const QVariant& value);
+    void askForCalls();
+    void addCall(const QString& path, const QVariantMap& properties);
+    void switchOn();
+    void noteCallState(const QString& path, const QString& state);
+
+    QString m_modem; ///< the path of the modem that is followed; empty without one
+    QStringList m_interfaces;
+    QMap<QString, QVariantMap> m_known; ///< by interface: what depends on several properties is found again
+    bool m_isRadioWanted = true;
+    QTimer m_retry; ///< runs while the modem could not be switched on
+};
+
+} // namespace zyn::handset

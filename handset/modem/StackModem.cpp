@@ -1,0 +1,203 @@
+// What the telephony stacks have in common: calls that are objects of a service, and what keeps a call from being
+// placed.
+#include "handset/modem/StackModem.h"
+
+#include "handset/common/Log.h"
+#include "handset/phone_server/PhoneStatus.h"
+#include "utility/PHONE_EmergencyCall.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace zyn::handset {
+namespace {
+
+/// What keeps a call from being placed, but for one to an emergency number.
+struct Obstacle
+{
+    bool (*isThere)(const PhoneFacts& facts);
+    const char* text;
+};
+
+constexpr Obstacle kObstacles[] = {
+    {[](const PhoneFacts& facts) { return !facts.isOnline; }, "the radio is off"},
+    {[](const PhoneFacts& facts) { return facts.sim == SimCard::None; }, "there is no SIM card"},
+    {[](const PhoneFacts& facts) { return facts.sim == SimCard::Locked; },
+     "the SIM card asks for a PIN: see 'zynphone phone unlock'"},
+    {[](const PhoneFacts& facts) { return facts.registration != Registration::Registered; }, "there is no service"},
+    {[](const PhoneFacts& facts) { return !facts.hasVoice; }, "the modem takes no calls"},
+};
+
+} // namespace
+
+StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, const QString& stack)
+    : m_bus(bus)
+    , m_status(status)
+    , m_service(service)
+    , m_stack(stack)
+{
+    m_store.setSingleShot(true);
+    connect(&m_store, &QTimer::timeout, this, [this] { storeFacts(m_facts); });
+}
+
+void StackModem::lose()
+{
+    noteAllOver();
+    learn([](PhoneFacts& facts) { facts = {}; });
+    m_store.stop();
+    storeFacts(m_facts);
+}
+
+QString StackModem::obstacle(const Request& request) const
+{
+    if (request.type != RC_CALL_TYPE_VOICE)
+        return u"%1 makes no push-to-talk calls"_s.arg(m_stack);
+    if (!m_facts.hasModem)
+        return u"%1 has no modem"_s.arg(m_stack);
+    // A network takes these without a card, without its PIN, and for strangers.
+    if (PHONE_IsEmergencyCall(request.number.toLatin1().data()))
+        return {};
+    const auto* const found =
+        std::ranges::find_if(kObstacles, [&](const Obstacle& obstacle) { return obstacle.isThere(m_facts); });
+    return found == std::end(kObstacles) ? QString() : QString(QLatin1String(found->text));
+}
+
+void StackModem::dial(int id, const Request& request)
+{
+    m_calls[id] = {.path = {}, .isPlaced = true};
+    askForCall(id, request);
+}
+
+bool StackModem::carryOut(int id, CallEvent event)
+{
+    const auto found = m_calls.find(id);
+    if (found == m_calls.end())
+        return false;
+    Line& call = found->second;
+    if (event == CallEvent::HangUp) {
+        call.isUnwanted = true;
+        if (!call.path.isEmpty())
+            askToHangUp(id, call);
+        return true;
+    }
+    if (event != CallEvent::Answer || call.isPlaced)
+        return false;
+    askToAnswer(id, call);
+    return true;
+}
+
+void StackModem::sendTone(int id, QChar key)
+{
+    const Line* const line = call(id);
+    if (line && !line->path.isEmpty())
+        askForTone(*line, key);
+}
+
+void StackModem::close()
+{
+    for (const auto& [id, call] : std::map(m_calls)) {
+        if (!call.path.isEmpty())
+            askToHangUp(id, call);
+    }
+    m_store.stop();
+    m_calls.clear();
+}
+
+void StackModem::noteObject(int id, const QString& path)
+{
+    const auto found = m_calls.find(id);
+    if (found == m_calls.end() || !found->second.path.isEmpty())
+        return;
+    found->second.path = path;
+    if (found->second.isUnwanted)
+        askToHangUp(id, found->second);
+}
+
+void StackModem::noteIncoming(const QString& path, const QString& number, const QString& name, CallState state)
+{
+    if (hasCall(path))
+        return;
+    const int id = newCall();
+    m_calls[id] = {.path = path, .isPlaced = false, .isUnwanted = false, .state = state};
+    Q_EMIT came(id, {isDialable(number) ? number : QString(), name}, state);
+}
+
+void StackModem::noteState(const QString& path, CallState state)
+{
+    const int id = idOf(path);
+    if (id == 0)
+        return;
+    m_calls.at(id).state = state;
+    Q_EMIT reached(id, state);
+}
+
+void StackModem::noteEnd(const QString& path, CallEnd end)
+{
+    const auto found = m_calls.find(idOf(path));
+    if (found != m_calls.end())
+        found->second.end = end;
+}
+
+void StackModem::noteOver(const QString& path, CallEnd end)
+{
+    noteOver(idOf(path), end);
+}
+
+void StackModem::noteOver(int id, CallEnd end)
+{
+    const auto found = m_calls.find(id);
+    if (found == m_calls.end())
+        return;
+    const CallEnd by = found->second.end.value_or(found->second.isUnwanted ? CallEnd::Here : end);
+    m_calls.erase(found);
+    Q_EMIT ended(id, by);
+}
+
+void StackModem::noteAllOver()
+{
+    for (const auto& [id, call] : std::map(m_calls))
+        noteOver(id, CallEnd::Network);
+}
+
+int StackModem::idOf(const QString& path) const
+{
+    const auto found = std::ranges::find_if(m_calls, [&](const auto& entry) { return entry.second.path == path; });
+    return path.isEmpty() || found == m_calls.end() ? 0 : found->first;
+}
+
+const StackModem::Line* StackModem::call(int id) const
+{
+    const auto found = m_calls.find(id);
+    return found == m_calls.end() ? nullptr : &found->second;
+}
+
+int StackModem::unboundCall() const
+{
+    const auto found = std::ranges::find_if(
+        m_calls, [](const auto& entry) { return entry.second.isPlaced && entry.second.path.isEmpty(); });
+    return found == m_calls.end() ? 0 : found->first;
+}
+
+void StackModem::logFailure(const QString& what, const QDBusMessage& reply) const
+{
+    const QString error = reply.errorName();
+    const bool isForbidden =
+        error == u"org.freedesktop.DBus.Error.AccessDenied"_s || error.endsWith(u".Unauthorized"_s);
+    log(u"%1: %2 failed: %3%4"_s.arg(m_stack, what, failureOf(reply),
+                                     isForbidden ? u"; allow this user to talk to it, see docs/modems.md"_s
+                                                 : QString()));
+}
+
+void StackModem::noteFacts()
+{
+    tellFacts(m_facts, m_status);
+    m_store.start(0);
+    if (std::exchange(m_wasOnline, m_facts.isOnline) != m_facts.isOnline)
+        Q_EMIT radioChanged(m_facts.isOnline);
+}
+
+} // namespace zyn::handset

@@ -1,0 +1,114 @@
+// What the telephony stacks have in common: calls that are objects of a service, and what keeps a call from being
+// placed.
+#pragma once
+
+#include "handset/modem/Bus.h"
+#include "handset/modem/PhoneFacts.h"
+#include "handset/phone_server/Modem.h"
+
+#include <QtCore/QTimer>
+
+#include <map>
+#include <optional>
+
+namespace zyn::handset {
+
+class PhoneStatus;
+
+/**
+ * The modem of a service that is on the system bus, from when it is there to when it goes.
+ *
+ * It tells the status messages, and sees to it that each call is told to be over once, also when the service does not.
+ */
+class StackModem : public Modem
+{
+    Q_OBJECT
+
+public:
+    /// @param service  the name of the service on the bus
+    /// @param stack    its name for people
+    StackModem(Bus& bus, PhoneStatus& status, const QString& service, const QString& stack);
+
+    /// Asks the service for its modems, and follows what it tells.
+    void start() override = 0;
+    /// The service has gone: the calls are over, and nothing is known any more.
+    void lose();
+
+    const QString& service() const { return m_service; }
+    const PhoneFacts& facts() const { return m_facts; }
+
+    QString obstacle(const Request& request) const override;
+    /// One that is talked on, and one that is held.
+    size_t callsAtOnce() const override { return 2; }
+    void dial(int id, const Request& request) override;
+    bool carryOut(int id, CallEvent event) override;
+    void sendTone(int id, QChar key) override;
+    bool hasRadio() const override { return m_facts.isOnline; }
+    void close() override;
+
+protected:
+    /// A call that is not over.
+    struct Line
+    {
+        QString path; ///< its object; empty until the service has one for it
+        bool isPlaced = false;
+        bool isUnwanted = false; ///< it is to be hung up once it has an object
+        CallState state = CallState::Dialing;
+        std::optional<CallEnd> end = {}; ///< who ended it, when that is told before it is over
+    };
+
+    /// @{ What a stack does in its own way.
+    /// Asks the service to place the call @p id.
+    virtual void askForCall(int id, const Request& request) = 0;
+    virtual void askToAnswer(int id, const Line& call) = 0;
+    virtual void askToHangUp(int id, const Line& call) = 0;
+    virtual void askForTone(const Line& call, QChar key) = 0;
+    /// @}
+
+    Bus& bus() { return m_bus; }
+
+    /// Changes what is known; what comes of it is told.
+    template<typename Change>
+    void learn(const Change& change)
+    {
+        change(m_facts);
+        noteFacts();
+    }
+
+    /// @{ What the service tells of calls. A path that has no call is ignored.
+    /// A call that was asked for has the object @p path. Hangs it up when that was asked for meanwhile.
+    void noteObject(int id, const QString& path);
+    /// There is a call that nobody here has asked for.
+    void noteIncoming(const QString& path, const QString& number, const QString& name, CallState state);
+    void noteState(const QString& path, CallState state);
+    void noteEnd(const QString& path, CallEnd end);
+    /// It is over; ended by @p end unless noteEnd() has said so.
+    void noteOver(const QString& path, CallEnd end);
+    void noteOver(int id, CallEnd end);
+    /// The modem that had the calls has gone.
+    void noteAllOver();
+    /// @}
+
+    bool hasCall(const QString& path) const { return idOf(path) != 0; }
+    int idOf(const QString& path) const;
+    const Line* call(int id) const;
+    /// A placed call that has no object yet, or 0.
+    int unboundCall() const;
+
+    /// Logs @p what has failed, and why.
+    void logFailure(const QString& what, const QDBusMessage& reply) const;
+
+private:
+    void noteFacts();
+
+    Bus& m_bus;
+    PhoneStatus& m_status;
+    const QString m_service;
+    const QString m_stack;
+    PhoneFacts m_facts;
+    std::map<int, Line> m_calls;
+    QTimer m_store; ///< what changes at once is stored once
+    bool m_wasOnline = false;
+};
+
+} // namespace zyn::handset
