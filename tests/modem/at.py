@@ -51,6 +51,12 @@ class Terminal:
         self._ringing = None
         modem.listeners.append(self._on_event)
 
+    @property
+    def percent_shown(self):
+        """Of the network's strength, by the daemon; None when it is unknown."""
+        network = self.modem.network
+        return network.bars * 20 if self.tells_indicators else network.percent
+
     def execute(self, line):
         """The lines of the answer to what follows AT; the last is the final result."""
         answer = []

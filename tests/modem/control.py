@@ -145,7 +145,8 @@ class Control:
         else:
             network.set_percent(number_in(percent, 0, 100))
         self.modem.tell("strength")
-        return [percent if network.percent is None else str(network.percent)]
+        shown = self.exchange.terminal.percent_shown
+        return ["unknown" if shown is None else str(shown)]
 
     def _operator(self, code, name):
         self.modem.set_operator(matching(r"\d{5,6}", code, "code of a network"),

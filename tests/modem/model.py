@@ -155,7 +155,7 @@ class Network:
 
     @property
     def percent(self):
-        """The strength as both stacks count it."""
+        """The strength as daemons count it that ask for it."""
         return None if self.strength is None else self.strength * 100 // self.BEST_STRENGTH
 
     def set_percent(self, percent):
@@ -290,8 +290,10 @@ class Modem:
         self._move(self.those(INCOMING), ACTIVE)
 
     def hang_up(self):
-        self.note("hangup")
-        self._drop(self.those(*ON_THE_LINE, INCOMING))
+        ended = self.those(*ON_THE_LINE, INCOMING)
+        if ended: # daemons also do it to be sure
+            self.note("hangup")
+        self._drop(ended)
 
     def send_tone(self, tone):
         self.note(f"tone {tone}")

@@ -6,9 +6,11 @@ when it ends, however it ends.
 
 import argparse
 import asyncio
+import contextlib
 import ctypes
 import fcntl
 import os
+import re
 import signal
 import socket
 import struct
@@ -44,8 +46,8 @@ BUS_CONFIGURATION = f"""<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bu
 """
 
 
-class RigError(Exception):
-    pass
+class RigError(ControlError):
+    """Something of the stack does not do what it should."""
 
 
 # The place.
@@ -190,7 +192,75 @@ class Ofono:
         return "'Status': <'registered'>" in properties or "'Status': <'roaming'>" in properties
 
 
-STACKS = {"ofono": Ofono}
+class ModemManager:
+    NAME = "org.freedesktop.ModemManager1"
+    ROOT = "/org/freedesktop/ModemManager1"
+    FAILED, LOCKED, DISABLED, REGISTERED = -1, 2, 3, 8 # states of a modem
+
+    def __init__(self, modem, logs):
+        self.modem = modem
+        self._port = str(PLACE / "modem")
+        self.addresses = [("unix", self._port)]
+        self.daemon = Daemon(self.NAME, ["ModemManager", "--test-enable", "--test-no-udev", "--test-no-suspend-resume",
+                                         "--test-no-qrtr", "--debug"], logs)
+        self._police = Daemon("org.freedesktop.PolicyKit1", [PYTHON, "-m", "dbusmock", "--template", "polkitd"], logs)
+        self._path = None
+
+    async def prepare(self):
+        """ModemManager asks whether callers may do what they ask for."""
+        await self._police.start()
+        await call(self._police.bus_name, "/org/freedesktop/PolicyKit1/Authority",
+                   "org.freedesktop.DBus.Mock.AllowUnknown", "true")
+
+    async def bring_up(self):
+        """Gives it the modem, in the place of the one that it had."""
+        earlier = await self._modems()
+        await self._set_ports([self._port])
+        await until(lambda: self._find(earlier), "it does not take the modem")
+        await until(self._is_probed, "it does not know the modem")
+        if await self._state() >= self.DISABLED:
+            await until(self._enable, "it cannot be enabled")
+            if self.modem.registered:
+                await until(self._is_registered, "it does not register")
+
+    async def unplug(self):
+        """Takes the modem away as udev does. It is refused to have none, and gone nevertheless."""
+        with contextlib.suppress(RigError):
+            await self._set_ports([])
+        await until(self._is_gone, "it does not let the modem go")
+
+    async def _set_ports(self, ports):
+        await call(self.NAME, self.ROOT, "org.freedesktop.ModemManager1.Test.SetProfile", "zyn", "generic",
+                   f"@as {ports}")
+
+    async def _modems(self):
+        objects = await call(self.NAME, self.ROOT, "org.freedesktop.DBus.ObjectManager.GetManagedObjects")
+        return re.findall(rf"'({self.ROOT}/Modem/\d+)'", objects)
+
+    async def _find(self, earlier):
+        self._path = next((path for path in await self._modems() if path not in earlier), None)
+        return self._path
+
+    async def _is_gone(self):
+        return not await self._modems()
+
+    async def _state(self):
+        state = await call(self.NAME, self._path, "org.freedesktop.DBus.Properties.Get",
+                           "org.freedesktop.ModemManager1.Modem", "State")
+        return int(re.search(r"-?\d+", state)[0])
+
+    async def _is_probed(self):
+        return await self._state() in (self.FAILED, self.LOCKED) or await self._state() >= self.DISABLED
+
+    async def _enable(self):
+        await call(self.NAME, self._path, "org.freedesktop.ModemManager1.Modem.Enable", "true")
+        return True
+
+    async def _is_registered(self):
+        return await self._state() == self.REGISTERED
+
+
+STACKS = {"ofono": Ofono, "modemmanager": ModemManager}
 
 
 class Battery:
@@ -242,25 +312,26 @@ class Rig:
                              f"{what.daemon.name}: starts it until it is ready; only makes it ready, as after "
                              "come-back; sends it a signal; tells whether it runs",
                              lambda verb, what=what: self._manage(what, verb))
+        if hasattr(self.stack, "unplug"):
+            self.control.add("unplug", "", "the modem vanishes, and the daemon notices; back by come-back, daemon ready",
+                             self._unplug)
         self.control.add("battery", "PERCENT|absent [charging|discharging|full|empty] [none|low|critical|action]",
                          "what UPower says: discharging, no warning", self._set_battery)
 
     async def _set_battery(self, *words):
-        try:
-            await self.battery.set(*words)
-        except RigError as error:
-            raise ControlError(str(error)) from None
+        await self.battery.set(*words)
+
+    async def _unplug(self):
+        await self.control.obey("vanish")
+        await self.stack.unplug()
 
     async def _manage(self, what, verb):
         verbs = {"start": lambda: self._start(what), "ready": what.bring_up, "state": what.daemon.state,
                  "kill": lambda: what.daemon.end(signal.SIGKILL), "stop": lambda: what.daemon.end(signal.SIGTERM),
                  "freeze": lambda: what.daemon.signal(signal.SIGSTOP),
                  "thaw": lambda: what.daemon.signal(signal.SIGCONT)}
-        try:
-            answer = verbs[one_of(verb, list(verbs))]()
-            return await answer if asyncio.iscoroutine(answer) else answer
-        except RigError as error:
-            raise ControlError(str(error)) from None
+        answer = verbs[one_of(verb, list(verbs))]()
+        return await answer if asyncio.iscoroutine(answer) else answer
 
     async def _start(self, what):
         await what.daemon.start()
@@ -321,7 +392,7 @@ async def inside(options):
     try:
         rig = Rig(options)
         await rig.start()
-    except (RigError, ControlError, OSError) as error:
+    except (ControlError, OSError) as error:
         print(f"with-modem: {error}", file=sys.stderr)
         if rig:
             rig.tell_logs()
