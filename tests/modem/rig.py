@@ -234,8 +234,9 @@ class ModemManager:
                    f"@as {ports}")
 
     async def _modems(self):
+        """Of those that went, objects without an interface stay."""
         objects = await call(self.NAME, self.ROOT, "org.freedesktop.DBus.ObjectManager.GetManagedObjects")
-        return re.findall(rf"'({self.ROOT}/Modem/\d+)'", objects)
+        return re.findall(rf"'({self.ROOT}/Modem/\d+)': {{'", objects)
 
     async def _find(self, earlier):
         self._path = next((path for path in await self._modems() if path not in earlier), None)
