@@ -83,6 +83,18 @@ constexpr std::array<MmNumber<CallState>, 6> kMmCallStates{{{1, CallState::Diali
 constexpr std::array<MmNumber<CallEnd>, 5> kMmReasons{
     {{0, CallEnd::There}, {4, CallEnd::Here}, {5, CallEnd::Network}, {6, CallEnd::Network}, {7, CallEnd::Network}}};
 
+/// How often the code that is asked for may still be wrong: `UnlockRetries` is a{uu}, by the numbers of the locks.
+std::optional<int> triesOf(const QVariantMap& modem)
+{
+    const auto argument = modem.value(u"UnlockRetries"_s).value<QDBusArgument>();
+    const std::optional<qint64> lock = busNumber(modem.value(u"UnlockRequired"_s));
+    if (argument.currentSignature() != u"a{uu}"_s || !lock)
+        return std::nullopt;
+    const auto tries = qdbus_cast<QMap<uint, uint>>(argument);
+    const auto found = tries.find(static_cast<uint>(*lock));
+    return found == tries.end() ? std::nullopt : std::optional(static_cast<int>(std::min(*found, 255U)));
+}
+
 void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
 {
     const std::optional<qint64> state = busNumber(modem.value(u"State"_s));
@@ -93,6 +105,7 @@ void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
     facts.pin = lacksSim ? Pin::Unknown : mmMeaning(kLocks, busNumber(modem.value(u"UnlockRequired"_s)), Pin::Other);
     facts.sim = lacksSim ? SimCard::None : simCardWith(facts.pin);
     facts.subsidyLock = subsidyLockWith(facts.pin);
+    facts.triesLeft = triesOf(modem);
     const auto strength = modem.value(u"SignalQuality"_s).value<QDBusArgument>();
     facts.strength = std::nullopt;
     if (facts.isOnline && strength.currentSignature() == u"(ub)"_s) {
@@ -241,6 +254,25 @@ void ModemManagerModem::askToHangUp(int /*id*/, const Line& call)
 void ModemManagerModem::askForTone(const Line& call, QChar key)
 {
     bus().call(callAt(call.path), u"SendDtmf"_s, {QString(key)}, this, failsWith(u"the tone"_s));
+}
+
+void ModemManagerModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
+{
+    const BusAddress sim{service(), m_sim, kMmSim};
+    if (codes.puk.isEmpty())
+        bus().call(sim, u"SendPin"_s, {codes.pin}, this, then);
+    else
+        bus().call(sim, u"SendPuk"_s, {codes.puk, codes.pin}, this, then);
+}
+
+void ModemManagerModem::askForTries(const std::function<void()>& then)
+{
+    bus().call({service(), m_modem, kObjectProperties}, u"GetAll"_s, {kMmModem}, this,
+               [this, then](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "a{sv}") && !m_modem.isEmpty())
+                       note(kMmModem, busMap(reply.arguments().constFirst()));
+                   then();
+               });
 }
 
 Bus::Reply ModemManagerModem::failsWith(const QString& what)

@@ -24,6 +24,8 @@ protected:
     void askToAnswer(int id, const Line& call) override;
     void askToHangUp(int id, const Line& call) override;
     void askForTone(const Line& call, QChar key) override;
+    void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
+    void askForTries(const std::function<void()>& then) override;
 
 private Q_SLOTS:
     void noteAdded(const QDBusMessage& signal);

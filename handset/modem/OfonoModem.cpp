@@ -80,6 +80,17 @@ void noteSim(PhoneFacts& facts, const QVariantMap& sim)
     facts.subsidyLock = subsidyLockWith(facts.pin);
 }
 
+/// How often the code that is asked for may still be wrong: `Retries` is a{sy}, by the codes' names.
+std::optional<int> triesIn(const QVariantMap& sim)
+{
+    const auto argument = sim.value(u"Retries"_s).value<QDBusArgument>();
+    if (argument.currentSignature() != u"a{sy}"_s)
+        return std::nullopt;
+    const auto tries = qdbus_cast<QMap<QString, uchar>>(argument);
+    const auto found = tries.find(busText(sim.value(u"PinRequired"_s)));
+    return found == tries.end() ? std::nullopt : std::optional(int{*found});
+}
+
 /// How a property becomes what is known: from it, and from the others of its interface. A property that is not there
 /// has no value.
 struct PropertyRow
@@ -92,6 +103,8 @@ struct PropertyRow
 const PropertyRow kOfonoProperties[] = {
     {kSim, "Present", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
     {kSim, "PinRequired", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
+    {kSim, "Retries",
+     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { facts.triesLeft = triesIn(all); }},
     {kSim, "SubscriberIdentity",
      [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.imsi = busText(value); }},
     {kSim, "ServiceProviderName",
@@ -240,6 +253,19 @@ void OfonoModem::askForTone(const Line& /*call*/, QChar key)
     });
 }
 
+void OfonoModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
+{
+    if (codes.puk.isEmpty())
+        bus().call(at(kSim), u"EnterPin"_s, {u"pin"_s, codes.pin}, this, then);
+    else
+        bus().call(at(kSim), u"ResetPin"_s, {u"puk"_s, codes.puk, codes.pin}, this, then);
+}
+
+void OfonoModem::askForTries(const std::function<void()>& then)
+{
+    askForProperties(kSim, then);
+}
+
 void OfonoModem::forget()
 {
     m_modem.clear();
@@ -330,7 +356,7 @@ void OfonoModem::noteChange(const QDBusMessage& signal)
     if (signal.interface() == kModem)
         noteModem(property, signal.arguments().at(1));
     else
-        note(signal.interface(), property, signal.arguments().at(1));
+        note(signal.interface(), property, busValue(signal.arguments().at(1)));
 }
 
 /// Switches on what is off: the modem's power, and then its radio.
@@ -388,15 +414,17 @@ void OfonoModem::noteInterfaces(const QStringList& interfaces)
         noteAllOver();
 }
 
-void OfonoModem::askForProperties(const QString& interface)
+void OfonoModem::askForProperties(const QString& interface, const std::function<void()>& then)
 {
     const QString modem = m_modem;
-    bus().call(at(interface), u"GetProperties"_s, {}, this, [this, modem, interface](const QDBusMessage& reply) {
-        if (!hasSignature(reply, "a{sv}") || modem != m_modem)
-            return;
-        const QVariantMap properties = busMap(reply.arguments().constFirst());
-        for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-            note(interface, property.key(), property.value());
+    bus().call(at(interface), u"GetProperties"_s, {}, this, [=, this](const QDBusMessage& reply) {
+        if (hasSignature(reply, "a{sv}") && modem == m_modem) {
+            const QVariantMap properties = busMap(reply.arguments().constFirst());
+            for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+                note(interface, property.key(), property.value());
+        }
+        if (then)
+            then();
     });
 }
 

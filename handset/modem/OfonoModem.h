@@ -21,6 +21,8 @@ protected:
     void askToAnswer(int id, const Line& call) override;
     void askToHangUp(int id, const Line& call) override;
     void askForTone(const Line& call, QChar key) override;
+    void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
+    void askForTries(const std::function<void()>& then) override;
 
 private Q_SLOTS:
     void noteModemAdded(const QDBusMessage& signal);
@@ -42,7 +44,7 @@ private:
     void forget();
     void noteModem(const QString& property, const QVariant& value);
     void noteInterfaces(const QStringList& interfaces);
-    void askForProperties(const QString& interface);
+    void askForProperties(const QString& interface, const std::function<void()>& then = {});
     void note(const QString& interface, const QString& property, const QVariant& value);
     void askForCalls();
     void addCall(const QString& path, const QVariantMap& properties);

@@ -105,6 +105,22 @@ void PhoneStacks::setRadio(bool isOn)
         Q_EMIT radioSwitched(false);
 }
 
+void PhoneStacks::unlock(const Codes& codes, const Result& then)
+{
+    if (m_modem)
+        m_modem->unlock(codes, then);
+    else
+        then(obstacle({}));
+}
+
+QJsonObject PhoneStacks::describe() const
+{
+    if (m_modem)
+        return m_modem->describe();
+    return {
+        {u"modem"_s, names()}, {u"present"_s, false}, {u"bus"_s, m_bus.isConnected()}, {u"obstacle"_s, obstacle({})}};
+}
+
 void PhoneStacks::close()
 {
     if (m_modem)

@@ -48,6 +48,8 @@ public:
     void sendTone(int id, QChar key) override;
     void setRadio(bool isOn) override;
     bool hasRadio() const override { return m_modem && m_modem->hasRadio(); }
+    void unlock(const Codes& codes, const Result& then) override;
+    QJsonObject describe() const override;
     void close() override;
 
 private:

@@ -40,16 +40,15 @@ StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, co
     , m_service(service)
     , m_stack(stack)
 {
-    m_store.setSingleShot(true);
-    connect(&m_store, &QTimer::timeout, this, [this] { storeFacts(m_facts); });
+    m_tell.setSingleShot(true);
+    connect(&m_tell, &QTimer::timeout, this, &StackModem::tell);
 }
 
 void StackModem::lose()
 {
     noteAllOver();
     learn([](PhoneFacts& facts) { facts = {}; });
-    m_store.stop();
-    storeFacts(m_facts);
+    tell();
 }
 
 QString StackModem::obstacle(const Request& request) const
@@ -97,13 +96,41 @@ void StackModem::sendTone(int id, QChar key)
         askForTone(*line, key);
 }
 
+void StackModem::unlock(const Codes& codes, const Result& then)
+{
+    const bool needsPuk = m_facts.pin == Pin::Puk1;
+    if (m_facts.pin != Pin::Pin1 && !needsPuk)
+        return then(u"no PIN is asked for"_s);
+    if (needsPuk == codes.puk.isEmpty())
+        return then(needsPuk ? u"the card asks for its PUK: give it, and a new PIN"_s : u"no PUK is asked for"_s);
+    askToUnlock(codes, [this, then](const QDBusMessage& reply) {
+        const QString failure = failureOf(reply);
+        if (failure.isEmpty())
+            return then({});
+        logFailure(u"unlocking the card"_s, reply);
+        askForTries([this, then, failure] {
+            const QString why = u"the card did not take it (%1)"_s.arg(failure);
+            then(m_facts.triesLeft ? why + u"; tries left: %1"_s.arg(*m_facts.triesLeft) : why);
+        });
+    });
+}
+
+QJsonObject StackModem::describe() const
+{
+    QJsonObject object = describeFacts(m_facts);
+    object[u"modem"_s] = m_stack;
+    object[u"obstacle"_s] = obstacle({});
+    object[u"failure"_s] = m_failure;
+    return object;
+}
+
 void StackModem::close()
 {
     for (const auto& [id, call] : std::map(m_calls)) {
         if (!call.path.isEmpty())
             askToHangUp(id, call);
     }
-    m_store.stop();
+    m_tell.stop();
     m_calls.clear();
 }
 
@@ -182,20 +209,27 @@ int StackModem::unboundCall() const
     return found == m_calls.end() ? 0 : found->first;
 }
 
-void StackModem::logFailure(const QString& what, const QDBusMessage& reply) const
+void StackModem::logFailure(const QString& what, const QDBusMessage& reply)
 {
     const QString error = reply.errorName();
     const bool isForbidden =
         error == u"org.freedesktop.DBus.Error.AccessDenied"_s || error.endsWith(u".Unauthorized"_s);
-    log(u"%1: %2 failed: %3%4"_s.arg(m_stack, what, failureOf(reply),
-                                     isForbidden ? u"; allow this user to talk to it, see docs/modems.md"_s
-                                                 : QString()));
+    m_failure = u"%1 failed: %2"_s.arg(what, failureOf(reply));
+    if (isForbidden)
+        m_failure += u"; allow this user to talk to it, see docs/modems.md"_s;
+    log(u"%1: %2"_s.arg(m_stack, m_failure));
+}
+
+void StackModem::tell()
+{
+    m_tell.stop();
+    tellFacts(m_facts, m_status);
+    storeFacts(m_facts);
 }
 
 void StackModem::noteFacts()
 {
-    tellFacts(m_facts, m_status);
-    m_store.start(0);
+    m_tell.start(0);
     if (std::exchange(m_wasOnline, m_facts.isOnline) != m_facts.isOnline)
         Q_EMIT radioChanged(m_facts.isOnline);
 }

@@ -44,6 +44,8 @@ public:
     bool carryOut(int id, CallEvent event) override;
     void sendTone(int id, QChar key) override;
     bool hasRadio() const override { return m_facts.isOnline; }
+    void unlock(const Codes& codes, const Result& then) override;
+    QJsonObject describe() const override;
     void close() override;
 
 protected:
@@ -63,6 +65,10 @@ protected:
     virtual void askToAnswer(int id, const Line& call) = 0;
     virtual void askToHangUp(int id, const Line& call) = 0;
     virtual void askForTone(const Line& call, QChar key) = 0;
+    /// Gives the modem @p codes, and calls @p then with the reply.
+    virtual void askToUnlock(const Codes& codes, const Bus::Reply& then) = 0;
+    /// Asks how many tries are left, and calls @p then when that is known.
+    virtual void askForTries(const std::function<void()>& then) = 0;
     /// @}
 
     Bus& bus() { return m_bus; }
@@ -96,10 +102,11 @@ protected:
     int unboundCall() const;
 
     /// Logs @p what has failed, and why.
-    void logFailure(const QString& what, const QDBusMessage& reply) const;
+    void logFailure(const QString& what, const QDBusMessage& reply);
 
 private:
     void noteFacts();
+    void tell();
 
     Bus& m_bus;
     PhoneStatus& m_status;
@@ -107,7 +114,8 @@ private:
     const QString m_stack;
     PhoneFacts m_facts;
     std::map<int, Line> m_calls;
-    QTimer m_store; ///< what changes at once is stored once
+    QString m_failure; ///< the last one
+    QTimer m_tell;     ///< what changes at once is told once
     bool m_wasOnline = false;
 };
 

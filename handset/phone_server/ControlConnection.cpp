@@ -8,6 +8,9 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QPointer>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace zyn::phonecontrol;
@@ -33,6 +36,12 @@ QStringList wordsIn(std::span<const std::byte> data)
     if (!text.endsWith('\0'))
         return {};
     return QString::fromUtf8(text.chopped(1)).split(QChar(u'\0'));
+}
+
+bool isSecretCode(const QString& code)
+{
+    return code.size() >= kShortestCode && code.size() <= kLongestCode
+           && std::ranges::all_of(code, [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
 }
 
 /// Why something that can happen does not happen now.
@@ -73,8 +82,10 @@ ControlConnection::ControlConnection(posix::UniqueFd socket, PhoneLine& line, st
 
 bool ControlConnection::admits(const CommandFrameHeader& header)
 {
-    const bool isSaying = header.code == Say && header.dataLength <= static_cast<int32_t>(kLongestSaying);
-    if (isSaying || ((header.code == ListCalls || header.code == FollowCalls) && header.dataLength == 0))
+    const bool isSaying =
+        (header.code == Say || header.code == Unlock) && header.dataLength <= static_cast<int32_t>(kLongestSaying);
+    const bool isAsking = header.code == ListCalls || header.code == FollowCalls || header.code == AskModem;
+    if (isSaying || (isAsking && header.dataLength == 0))
         return true;
     refuse(u"sent an invalid command"_s);
     return false;
@@ -87,6 +98,10 @@ void ControlConnection::execute(const CommandFrameHeader& header, std::span<cons
         return say(data);
     case FollowCalls:
         return followCalls();
+    case AskModem:
+        return send(ModemIs, QJsonDocument(m_line.modem().describe()).toJson(QJsonDocument::Compact));
+    case Unlock:
+        return unlock(data);
     default:
         return listCalls();
     }
@@ -100,6 +115,20 @@ void ControlConnection::say(std::span<const std::byte> data)
     } catch (const ScriptError& error) {
         send(Refused, error.text.toUtf8());
     }
+}
+
+void ControlConnection::unlock(std::span<const std::byte> data)
+{
+    const QStringList codes = wordsIn(data);
+    if (codes.isEmpty() || codes.size() > 2 || !std::ranges::all_of(codes, isSecretCode))
+        return send(Refused, "a PIN has 4 to 8 digits, and a PUK 8");
+    // The modem takes its time.
+    allowIdle();
+    m_line.modem().unlock({codes.last(), codes.size() == 2 ? codes.first() : QString()},
+                          [self = QPointer(this)](const QString& failure) {
+                              if (self)
+                                  self->send(failure.isEmpty() ? Done : Refused, failure.toUtf8());
+                          });
 }
 
 void ControlConnection::listCalls()

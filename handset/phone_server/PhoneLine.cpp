@@ -85,6 +85,14 @@ bool PhoneLine::apply(int id, CallEvent event)
     return known && known->machine().can(event) && m_modem.carryOut(id, event);
 }
 
+bool PhoneLine::hangUpAll()
+{
+    bool isAny = false;
+    for (const int id : foremostFirst(m_calls))
+        isAny = apply(id, CallEvent::HangUp) || isAny;
+    return isAny;
+}
+
 const Call* PhoneLine::current() const
 {
     return call(currentId());
