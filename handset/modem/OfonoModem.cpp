@@ -202,12 +202,6 @@ void OfonoModem::setRadio(bool isOn)
                });
 }
 
-void OfonoModem::start()
-{
-    subscribe();
-    askForModems();
-}
-
 void OfonoModem::askForCall(int id, const Request& request)
 {
     bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
@@ -237,12 +231,9 @@ void OfonoModem::askToAnswer(int /*id*/, const Line& call)
         bus().call(callAt(path), u"Answer"_s, {}, this, noteAnswer);
 }
 
-void OfonoModem::askToHangUp(int /*id*/, const Line& call)
+void OfonoModem::askToHangUp(const Line& call, const Bus::Reply& then)
 {
-    bus().call(callAt(call.path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
-        if (!failureOf(reply).isEmpty())
-            logFailure(u"hanging up"_s, reply);
-    });
+    bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
 }
 
 void OfonoModem::askForTone(const Line& /*call*/, QChar key)
@@ -354,9 +345,11 @@ void OfonoModem::noteChange(const QDBusMessage& signal)
         return;
     const QString property = busText(signal.arguments().at(0));
     if (signal.interface() == kModem)
-        noteModem(property, signal.arguments().at(1));
-    else
-        note(signal.interface(), property, busValue(signal.arguments().at(1)));
+        return noteModem(property, signal.arguments().at(1));
+    note(signal.interface(), property, busValue(signal.arguments().at(1)));
+    // No signal tells that a PIN is asked for no more.
+    if (signal.interface() == kSim && (property == u"Present"_s || property == u"SubscriberIdentity"_s))
+        askForProperties(kSim);
 }
 
 /// Switches on what is off: the modem's power, and then its radio.
@@ -451,6 +444,7 @@ void OfonoModem::askForCalls()
     bus().call(at(kVoice), u"GetCalls"_s, {}, this, [this](const QDBusMessage& reply) {
         for (const OfonoObject& object : objectsIn(reply))
             addCall(object.path, object.properties);
+        noteAllFound();
     });
 }
 
@@ -467,16 +461,14 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
         return;
     const QString word = busText(properties.value(u"State"_s));
     const CallState state = meaning(kCallStates, word, CallState::Ended);
-    if (state == CallState::Ringing || state == CallState::Waiting) {
-        noteIncoming(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
-                     state);
-        return;
-    }
-    if (const int id = unboundCall()) {
-        noteObject(id, path);
+    const bool isPlaced = state == CallState::Dialing || state == CallState::Alerting;
+    const int asked = isPlaced ? unboundCall() : 0;
+    if (asked != 0) {
+        noteObject(asked, path);
         noteCallState(path, word);
-    } else {
-        log(u"oFono has a call that was not asked for here, %1: left alone"_s.arg(path));
+    } else if (state != CallState::Ended) {
+        noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
+                  state);
     }
 }
 

@@ -63,7 +63,8 @@ private:
     Bus m_bus;
     Battery m_battery;
     QDBusServiceWatcher m_watcher;
-    std::unique_ptr<StackModem> m_modem; ///< null while no stack is there
+    std::unique_ptr<StackModem> m_modem; ///< of the stack that is used, or was used last; null before the first one
+    bool m_isThere = false;              ///< that stack is on the bus
 };
 
 } // namespace zyn::handset

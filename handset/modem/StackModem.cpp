@@ -7,6 +7,7 @@
 #include "utility/PHONE_EmergencyCall.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -15,6 +16,16 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 namespace {
+
+/// How long calls wait for a service that has gone: one that was restarted is back by then.
+constexpr std::chrono::seconds kPatience{10};
+
+/// How long a service takes at most to find calls that it has not made.
+constexpr std::chrono::seconds kUntilPolled{3};
+
+/// How often a call is hung up that the service does not hang up, and how long after the last time.
+constexpr int kTries = 10;
+constexpr std::chrono::milliseconds kBetweenHangUps{500};
 
 /// What keeps a call from being placed, but for one to an emergency number.
 struct Obstacle
@@ -42,13 +53,37 @@ StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, co
 {
     m_tell.setSingleShot(true);
     connect(&m_tell, &QTimer::timeout, this, &StackModem::tell);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &StackModem::giveUp);
+}
+
+void StackModem::start()
+{
+    if (!std::exchange(m_isSubscribed, true))
+        subscribe();
+    askForModems();
 }
 
 void StackModem::lose()
 {
-    noteAllOver();
+    m_isSubscribed = m_isSubscribed && m_bus.isConnected();
+    for (auto& [id, call] : m_calls) {
+        call.isSuspended = !call.path.isEmpty();
+        call.path.clear();
+    }
+    m_patience.start(kPatience);
+    forget();
     learn([](PhoneFacts& facts) { facts = {}; });
     tell();
+}
+
+void StackModem::giveUp()
+{
+    m_patience.stop();
+    for (const auto& [id, call] : std::map(m_calls)) {
+        if (call.isSuspended)
+            noteOver(id, CallEnd::Network);
+    }
 }
 
 QString StackModem::obstacle(const Request& request) const
@@ -67,7 +102,7 @@ QString StackModem::obstacle(const Request& request) const
 
 void StackModem::dial(int id, const Request& request)
 {
-    m_calls[id] = {.path = {}, .isPlaced = true};
+    m_calls[id] = {.path = {}, .number = request.number, .isPlaced = true};
     askForCall(id, request);
 }
 
@@ -79,8 +114,7 @@ bool StackModem::carryOut(int id, CallEvent event)
     Line& call = found->second;
     if (event == CallEvent::HangUp) {
         call.isUnwanted = true;
-        if (!call.path.isEmpty())
-            askToHangUp(id, call);
+        hangUp(id, kTries);
         return true;
     }
     if (event != CallEvent::Answer || call.isPlaced)
@@ -128,9 +162,10 @@ void StackModem::close()
 {
     for (const auto& [id, call] : std::map(m_calls)) {
         if (!call.path.isEmpty())
-            askToHangUp(id, call);
+            askToHangUp(call, [](const QDBusMessage& /*reply*/) {});
     }
     m_tell.stop();
+    m_patience.stop();
     m_calls.clear();
 }
 
@@ -141,16 +176,29 @@ void StackModem::noteObject(int id, const QString& path)
         return;
     found->second.path = path;
     if (found->second.isUnwanted)
-        askToHangUp(id, found->second);
+        hangUp(id, kTries);
 }
 
-void StackModem::noteIncoming(const QString& path, const QString& number, const QString& name, CallState state)
+void StackModem::noteFound(const QString& path, const QString& number, const QString& name, CallState state)
 {
     if (hasCall(path))
         return;
+    if (const int known = suspendedCall(number)) {
+        m_calls.at(known).isSuspended = false;
+        noteObject(known, path);
+        noteState(path, state);
+        return;
+    }
     const int id = newCall();
-    m_calls[id] = {.path = path, .isPlaced = false, .isUnwanted = false, .state = state};
-    Q_EMIT came(id, {isDialable(number) ? number : QString(), name}, state);
+    const QString caller = isDialable(number) ? number : QString();
+    m_calls[id] = {.path = path, .number = caller, .isPlaced = false, .state = state};
+    Q_EMIT came(id, {caller, name}, state);
+}
+
+void StackModem::noteAllFound()
+{
+    if (m_patience.isActive())
+        m_patience.start(kUntilPolled);
 }
 
 void StackModem::noteState(const QString& path, CallState state)
@@ -196,6 +244,34 @@ int StackModem::idOf(const QString& path) const
     return path.isEmpty() || found == m_calls.end() ? 0 : found->first;
 }
 
+/// The call with @p number that waits for its service, or 0. A single one may have been written in another way.
+int StackModem::suspendedCall(const QString& number) const
+{
+    std::vector<int> waiting;
+    for (const auto& [id, call] : m_calls) {
+        if (call.isSuspended && call.number == number)
+            return id;
+        if (call.isSuspended)
+            waiting.push_back(id);
+    }
+    return waiting.size() == 1 ? waiting.front() : 0;
+}
+
+/// Hangs up the call @p id, again and again while the service is busy with another one.
+void StackModem::hangUp(int id, int tries)
+{
+    const Line* const line = call(id);
+    if (!line || line->path.isEmpty() || tries == 0)
+        return;
+    askToHangUp(*line, [this, id, tries](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty())
+            return;
+        if (tries == kTries || tries == 1)
+            logFailure(u"hanging up"_s, reply);
+        QTimer::singleShot(kBetweenHangUps, this, [this, id, tries] { hangUp(id, tries - 1); });
+    });
+}
+
 const StackModem::Line* StackModem::call(int id) const
 {
     const auto found = m_calls.find(id);
@@ -204,8 +280,10 @@ const StackModem::Line* StackModem::call(int id) const
 
 int StackModem::unboundCall() const
 {
-    const auto found = std::ranges::find_if(
-        m_calls, [](const auto& entry) { return entry.second.isPlaced && entry.second.path.isEmpty(); });
+    const auto found = std::ranges::find_if(m_calls, [](const auto& entry) {
+        const Line& call = entry.second;
+        return call.isPlaced && call.path.isEmpty() && !call.isSuspended;
+    });
     return found == m_calls.end() ? 0 : found->first;
 }
 
@@ -229,6 +307,8 @@ void StackModem::tell()
 
 void StackModem::noteFacts()
 {
+    if (m_facts.registration == Registration::Registered)
+        m_failure.clear();
     m_tell.start(0);
     if (std::exchange(m_wasOnline, m_facts.isOnline) != m_facts.isOnline)
         Q_EMIT radioChanged(m_facts.isOnline);

@@ -95,7 +95,8 @@ public:
     static int newCall() { return ++s_lastCall; }
 
 Q_SIGNALS:
-    /// Somebody calls: the new call @p id, Ringing or Waiting.
+    /// Somebody calls: the new call @p id, Ringing or Waiting. Or there is a call that was made before this program
+    /// began, in whatever state it is.
     void came(int id, const Party& caller, CallState state);
     /// @p event has happened to the call @p id.
     void happened(int id, CallEvent event);
