@@ -119,9 +119,9 @@ class Terminal:
         self.say(f"+USIMSTATE: {int(self.modem.sim.present)}")
 
     def _say_unlocked(self):
-        # oFono looks at a card again only when it comes. It is told after the answer to the command.
-        for line in ("+USIMSTATE: 0", "+USIMSTATE: 1"):
-            asyncio.get_running_loop().call_soon(self.say, line)
+        # oFono looks at a card again only when it comes.
+        self.say("+USIMSTATE: 0")
+        self.say("+USIMSTATE: 1")
 
     # What is asked.
 

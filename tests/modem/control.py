@@ -84,7 +84,7 @@ class Control:
                 ("fault", "[once] COMMAND KIND [ARGUMENT]", "answers AT commands that begin so wrongly; any: *",
                  self._fault),
                 ("no-faults", "", "answers as it should", self.exchange.faults.clear),
-                ("say", "LINE", "the modem says a line by itself", self.exchange._say),
+                ("say", "LINE", "the modem says a line by itself", self.exchange.say),
                 ("log", "", "lists what network and card saw: dial NUMBER [hide|show] [emergency], answer, hangup, "
                  "chld OPERATION, tone TONE, pin CODE right|wrong, puk ...", lambda: self.modem.log),
                 ("await", "TEXT [MS]", "waits until the log has a further line that begins so", self._await),
