@@ -8,6 +8,7 @@ import contextlib
 import inspect
 import re
 import shlex
+import textwrap
 from dataclasses import dataclass
 
 from link import FAULT_KINDS, Fault
@@ -113,9 +114,11 @@ class Control:
             return [f"error {error}"]
 
     def _help(self):
-        width = max(len(f"{name} {word.usage}") for name, word in self.words.items())
-        yield from (f"{name + ' ' + word.usage:{width}}  {word.help}" for name, word in self.words.items())
-        yield from (f"{'  fault COMMAND ' + name:{width}}  {kind.help}" for name, kind in FAULT_KINDS.items())
+        rows = [(f"{name} {word.usage}", word.help) for name, word in self.words.items()]
+        rows += [(f"fault COMMAND {name}", kind.help) for name, kind in FAULT_KINDS.items()]
+        for usage, text in rows:
+            yield usage.rstrip()
+            yield from textwrap.wrap(text, 100, initial_indent="    ", subsequent_indent="    ")
 
     # Calls.
 
