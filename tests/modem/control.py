@@ -12,7 +12,7 @@ import textwrap
 from dataclasses import dataclass
 
 from link import FAULT_KINDS, Fault
-from model import ALERTING, ACTIVE, DIALING, INCOMING, WAITING, CallState, Refused, Registration
+from model import ACTIVE, ALERTING, DIALING, CallState, Refused, Registration
 
 PATIENCE = 5000 # milliseconds, of await
 
