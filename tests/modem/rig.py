@@ -1,7 +1,7 @@
 """Runs a command beside a telephony stack of its own, as scripts/with-modem starts it.
 
-Everything is in new mount, network and process namespaces, whose first process this is: the kernel ends whatever is left
-when it ends, however it ends.
+Everything is in new mount, network and process namespaces, whose first process this is: the kernel ends whatever is
+left when it ends, however it ends.
 """
 
 import argparse
@@ -28,10 +28,9 @@ START_LIMIT = 20 # seconds
 GRACE = 5 # seconds for a command that is asked to end
 POLL = 0.02 # seconds
 PYTHON = "/usr/bin/python3" # the one with Debian's modules
+ENDING = (signal.SIGTERM, signal.SIGHUP)
 
-BUS_CONFIGURATION = f"""<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
+BUS_CONFIGURATION = f"""<busconfig>
   <type>system</type>
   <listen>unix:path={PLACE}/bus</listen>
   <auth>EXTERNAL</auth>
@@ -314,8 +313,8 @@ class Rig:
                              "come-back; sends it a signal; tells whether it runs",
                              lambda verb, what=what: self._manage(what, verb))
         if hasattr(self.stack, "unplug"):
-            self.control.add("unplug", "", "the modem vanishes, and the daemon notices; back by come-back, daemon ready",
-                             self._unplug)
+            self.control.add("unplug", "", "the modem vanishes, and the daemon notices; it is back by come-back and "
+                             "daemon ready", self._unplug)
         self.control.add("battery", "PERCENT|absent [charging|discharging|full|empty] [none|low|critical|action]",
                          "what UPower says: discharging, no warning", self._set_battery)
 
@@ -372,9 +371,8 @@ class Rig:
         except OSError as error:
             print(f"with-modem: {self.options.command[0]}: {error.strerror}", file=sys.stderr)
             return 127 if isinstance(error, FileNotFoundError) else 126
-        loop = asyncio.get_running_loop()
-        for number in (signal.SIGTERM, signal.SIGHUP):
-            loop.add_signal_handler(number, self._end_command, command, number)
+        for number in ENDING:
+            asyncio.get_running_loop().add_signal_handler(number, self._end_command, command, number)
         status = await command.wait()
         return status if status >= 0 else 128 - status
 
@@ -390,6 +388,10 @@ class Rig:
 
 async def inside(options):
     rig = None
+    starting = asyncio.current_task()
+    for number in ENDING:
+        asyncio.get_running_loop().add_signal_handler(number, starting.cancel)
+    signal.pthread_sigmask(signal.SIG_UNBLOCK, ENDING)
     try:
         rig = Rig(options)
         await rig.start()
@@ -398,6 +400,8 @@ async def inside(options):
         if rig:
             rig.tell_logs()
         return FAILED
+    except asyncio.CancelledError:
+        return 128 + signal.SIGTERM
     return await rig.run_command()
 
 
@@ -423,11 +427,13 @@ def main(options):
         print(f"with-modem: the kernel allows no namespaces here ({error.strerror}): skipped", file=sys.stderr)
         return SKIPPED
     signal.signal(signal.SIGINT, let_command_decide)
+    signal.pthread_sigmask(signal.SIG_BLOCK, ENDING) # until somebody handles them: a first process ignores them
     child = os.fork()
     if child == 0:
         return first_process(options)
-    for number in (signal.SIGTERM, signal.SIGHUP):
+    for number in ENDING:
         signal.signal(number, lambda number, _: os.kill(child, number))
+    signal.pthread_sigmask(signal.SIG_UNBLOCK, ENDING)
     return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
 
 
