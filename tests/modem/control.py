@@ -117,7 +117,7 @@ class Control:
             return [*(answer or ()), "ok"]
         except Refused as refusal:
             return [f"error the modem cannot do that now ({refusal})"]
-        except (ControlError, ValueError) as error:
+        except (ControlError, OSError, ValueError) as error:
             return [f"error {error}"]
 
     def _help(self):

@@ -1,5 +1,5 @@
-"""A place of its own for a process: new mount, network and process namespaces. The kernel ends whatever
-is left there when their first process ends."""
+"""A place of its own for a process: new mount, network and process namespaces. The kernel ends whatever is left there
+when their first process ends."""
 
 import ctypes
 import fcntl
@@ -34,6 +34,7 @@ def cover():
     mount(b"proc", "/proc")
     for path in COVERED:
         mount(b"tmpfs", path if os.path.isdir(path) else os.path.dirname(path))
+        os.makedirs(path, exist_ok=True)
 
 
 def raise_loopback():
