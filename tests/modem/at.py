@@ -42,14 +42,17 @@ class Terminal:
     def __init__(self, modem, say):
         self.modem = modem
         self.say = say
+        self.unknown = []
+        self._ringing = None
+        self.reset()
+        modem.listeners.append(self._on_event)
+
+    def reset(self):
         self.echo = False
         self.modes = {"+CREG": 0, "+CGREG": 0, "+CRC": 0}
         self.operator_format = 0
         self.attached = True
         self.tells_indicators = False
-        self.unknown = []
-        self._ringing = None
-        modem.listeners.append(self._on_event)
 
     @property
     def percent_shown(self):
