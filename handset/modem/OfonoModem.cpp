@@ -204,15 +204,22 @@ void OfonoModem::setRadio(bool isOn)
 
 void OfonoModem::askForCall(int id, const Request& request)
 {
-    bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
-               [this, id](const QDBusMessage& reply) {
-                   if (hasSignature(reply, "o")) {
-                       noteObject(id, busPath(reply.arguments().constFirst()));
-                       return;
-                   }
-                   logFailure(u"the call"_s, reply);
-                   noteOver(id, CallEnd::Network);
-               });
+    bus().call(
+        at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
+        [this, id](const QDBusMessage& reply) {
+            const bool isCancelled = takeCancelled(id);
+            if (hasSignature(reply, "o")) {
+                const QString path = busPath(reply.arguments().constFirst());
+                if (isCancelled)
+                    bus().call(callAt(path), u"Hangup"_s, {}, this, [](const QDBusMessage& /*reply*/) {});
+                else
+                    noteObject(id, path);
+                return;
+            }
+            logFailure(u"the call"_s, reply);
+            noteOver(id, CallEnd::Network);
+        },
+        kDialPatience);
 }
 
 void OfonoModem::askToAnswer(int /*id*/, const Line& call)
@@ -466,6 +473,8 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
     if (asked != 0) {
         noteObject(asked, path);
         noteCallState(path, word);
+    } else if (isPlaced && hasCancelled()) {
+        return;
     } else if (state != CallState::Ended) {
         noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
                   state);

@@ -75,6 +75,7 @@ void StackModem::lose()
         call.path.clear();
     }
     m_patience.start(kPatience);
+    m_cancelled.clear();
     forget();
     learn([](PhoneFacts& facts) { facts = {}; });
     tell();
@@ -117,7 +118,13 @@ bool StackModem::carryOut(int id, CallEvent event)
     Line& call = found->second;
     if (event == CallEvent::HangUp) {
         call.isUnwanted = true;
-        hangUp(id, kTries);
+        const bool hasObject = !call.path.isEmpty();
+        if (hasObject || call.isSuspended) {
+            hangUp(id, kTries);
+        } else {
+            m_cancelled.insert(id);
+            noteOver(id, CallEnd::Here);
+        }
         return true;
     }
     if (event != CallEvent::Answer || call.isPlaced)
@@ -312,6 +319,11 @@ void StackModem::tell()
 {
     m_tell.stop();
     tellFacts(m_facts, m_status);
+    if (m_facts.imsi.isEmpty())
+        return storeFacts(m_facts);
+    const QString before = std::exchange(m_lastImsi, m_facts.imsi);
+    if (!before.isEmpty() && before != m_facts.imsi)
+        m_status.report(PHONE_Msg::PHONE_MSG_SIM_CARD_CHANGED_S);
     storeFacts(m_facts);
 }
 
