@@ -211,7 +211,7 @@ void OfonoModem::askForCall(int id, const Request& request)
             if (hasSignature(reply, "o")) {
                 const QString path = busPath(reply.arguments().constFirst());
                 if (isCancelled)
-                    bus().call(callAt(path), u"Hangup"_s, {}, this, [](const QDBusMessage& /*reply*/) {});
+                    hangUpUnknown(path);
                 else
                     noteObject(id, path);
                 return;
@@ -269,6 +269,7 @@ void OfonoModem::forget()
     m_modem.clear();
     m_interfaces.clear();
     m_known.clear();
+    m_unknown.clear();
     m_retry.stop();
 }
 
@@ -473,9 +474,7 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
     if (asked != 0) {
         noteObject(asked, path);
         noteCallState(path, word);
-    } else if (isPlaced && hasCancelled()) {
-        return;
-    } else if (state != CallState::Ended) {
+    } else if (state != CallState::Ended && !m_unknown.contains(path) && !(isPlaced && hasCancelled())) {
         noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
                   state);
     }
@@ -503,8 +502,21 @@ void OfonoModem::noteCallReason(const QDBusMessage& signal)
 
 void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
 {
-    if (hasSignature(signal, "o"))
-        noteOver(busPath(signal.arguments().constFirst()), CallEnd::Network);
+    if (!hasSignature(signal, "o"))
+        return;
+    const QString path = busPath(signal.arguments().constFirst());
+    m_unknown.remove(path);
+    noteOver(path, CallEnd::Network);
+}
+
+/// Ends a call that was hung up before it had an object.
+void OfonoModem::hangUpUnknown(const QString& path)
+{
+    m_unknown.insert(path);
+    bus().call(callAt(path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(u"hanging up"_s, reply);
+    });
 }
 
 } // namespace zyn::handset
