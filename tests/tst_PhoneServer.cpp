@@ -27,7 +27,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace zyn::voicecall;
+using zyn::handset::CallEnd;
 using zyn::handset::CallEvent;
+using zyn::handset::CallState;
 using zyn::handset::CallStateMachine;
 using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
@@ -79,6 +81,24 @@ QString courseOf(CallStateMachine machine, const QString& events)
         text += machine.apply(names.at(event)) ? QLatin1String(nameOf(machine.state())) + u' ' : u"- "_s;
     const QString end = machine.isOver() ? machine.wasConnected() ? u" talked"_s : u" none"_s : u" goes on"_s;
     return text + QString::number(machine.category()) + end;
+}
+
+/// What becomes of a call that a modem tells of, first in a state, then in others, and how it is ended: by a letter
+/// each.
+QString courseTold(const QString& letters)
+{
+    using enum CallState;
+    const std::map<QChar, CallState> states = {{u'D', Dialing}, {u'A', Alerting},  {u'R', Ringing},
+                                               {u'W', Waiting}, {u'C', Connected}, {u'H', Held}};
+    const std::map<QChar, CallEnd> ends = {{u'h', CallEnd::Here}, {u't', CallEnd::There}, {u'n', CallEnd::Network}};
+    auto machine = CallStateMachine::foundIn(states.at(letters[0]));
+    QString text;
+    for (const QChar letter : letters.mid(1)) {
+        const bool isEnd = ends.contains(letter);
+        const bool isTaken = machine.reach(isEnd ? machine.stateAfter(ends.at(letter)) : states.at(letter));
+        text += isTaken ? QLatin1String(nameOf(machine.state())) + u' ' : u"- "_s;
+    }
+    return text + QString::number(machine.category()) + (machine.wasConnected() ? u" talked"_s : u" none"_s);
 }
 
 /// The calls that the recent-call service has, oldest first, voice calls last.
@@ -345,6 +365,7 @@ scenario::Verbs tst_PhoneServer::verbs()
         {u"as"_s, [] {}},
         {u"placed"_s, [](Words w) { return courseOf(CallStateMachine::placed(), w[0]); }},
         {u"incoming"_s, [](Words w) { return courseOf(CallStateMachine::incoming(), w[0]); }},
+        {u"told"_s, [](Words w) { return courseTold(w[0]); }},
         // The server, and the recent-call service.
         {u"start"_s, [this](Words w) { return m_server.start(ZYN_PHONED, w.join(u' ')); }},
         {u"restart"_s, [=, this](Words w) { return restart(text(w)); }},
