@@ -78,3 +78,21 @@ configure_preset() {
     mkdir -p build
     cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" >&2; return 1; }
 }
+
+# Sets `architecture`, Debian's name of it, to what follows --arch when the other arguments begin with that, and to $1
+# otherwise; `triplet` to what begins the names of its compilers, and `preset` to the one that builds for it. The rest of
+# the arguments goes to `arguments`.
+# shellcheck disable=SC2034 # the scripts use them
+take_architecture() {
+    architecture=$1 arguments=("${@:2}")
+    case "${2:-}" in
+    --help | -h) usage; exit ;;
+    --arch) architecture=${3:---} arguments=("${@:4}") ;;
+    esac
+    case "$architecture" in
+    '') ;;
+    armhf) triplet=arm-linux-gnueabihf preset=arm ;;
+    arm64) triplet=aarch64-linux-gnu preset=arm64 ;;
+    *) usage >&2; exit 2 ;;
+    esac
+}

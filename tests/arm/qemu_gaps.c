@@ -1,4 +1,4 @@
-// Preloaded into the ARM programs under qemu-arm: what Qt asks of the kernel and qemu-arm does not pass on as it
+// Preloaded into the ARM programs under qemu: what Qt asks of the kernel and qemu does not pass on as it
 // should.
 #define _GNU_SOURCE // NOLINT(bugprone-reserved-identifier): the C library's own switch for clone() and RTLD_NEXT
 #include <dlfcn.h>
@@ -17,7 +17,7 @@ typedef int Clone(int (*run)(void*), void* stack, int flags, void* argument, ...
 typedef int OpenAt(int folder, const char* path, int flags, ...);
 typedef ssize_t Readlink(const char* path, char* buffer, size_t size);
 
-// QProcess starts programs by CLONE_PIDFD, which qemu-arm refuses, while it knows pidfd_open().
+// QProcess starts programs by CLONE_PIDFD, which qemu refuses, while it knows pidfd_open().
 int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
 {
     va_list rest;
@@ -36,7 +36,7 @@ int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
     return process;
 }
 
-// To qemu-arm the folder of the libraries is the root too, since it is there: what is opened from it would be found
+// To qemu the folder of the libraries is the root too, since it is there: what is opened from it would be found
 // below that folder. It has no such link to the root.
 int openat64(int folder, const char* path, int flags, ...)
 {
@@ -59,14 +59,14 @@ static long process_of(const char* path)
     return process > 0 && strcmp(rest, "/exe") == 0 ? process : 0;
 }
 
-// QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu-arm. The
-// program is the first argument that the kernel gives qemu-arm.
+// QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu. The
+// program is the first argument that the kernel gives qemu.
 ssize_t readlink(const char* path, char* buffer, size_t size)
 {
     Readlink* const next = (Readlink*)dlsym(RTLD_NEXT, "readlink");
     const ssize_t length = next(path, buffer, size);
     const long process = length > 0 ? process_of(path) : 0;
-    if (process == 0 || !memmem(buffer, (size_t)length, "/qemu-arm", 9))
+    if (process == 0 || !memmem(buffer, (size_t)length, "/qemu-a", 7))
         return length;
 
     char name[64];
