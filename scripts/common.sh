@@ -29,8 +29,21 @@ install_what_is_missing() {
     fi
     echo "Installing ${missing[*]}"
     "${as_root[@]}" apt-get update -qq || return
-    "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    "${as_root[@]}" sh -c "$install_without_services" install "${missing[@]}" >/dev/null
 }
+
+# Installs its arguments and starts none of their services: the tests start their own, and a machine may have a modem.
+# Debian asks policy-rc.d whether a service may start.
+# shellcheck disable=SC2016 # the shell that runs it expands it
+install_without_services='
+    policy=/usr/sbin/policy-rc.d
+    if [ ! -e "$policy" ]; then
+        trap "rm -f $policy" EXIT
+        trap "exit 1" INT TERM HUP
+        printf "#!/bin/sh\nexit 101\n" >"$policy"
+        chmod 755 "$policy"
+    fi
+    apt-get install -y -qq --no-install-recommends "$@"'
 
 # Runs a command as the step $1 of a script.
 timed() {
@@ -65,6 +78,11 @@ take_no_arguments() {
 # Adds what making the Debian packages takes.
 need_packaging() {
     zyn_packages+=(binutils doxygen dpkg-dev file)
+}
+
+# Adds the telephony stacks that tests run, and what they run beside.
+need_modem() {
+    zyn_packages+=(dbus libglib2.0-bin modemmanager ofono python3-dbusmock)
 }
 
 # Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.

@@ -65,16 +65,18 @@ Battery::Battery(Bus& bus, PhoneStatus& status)
 void Battery::follow()
 {
     m_watcher.setConnection(m_bus.connection());
-    m_bus.listen({kUPower, kDisplayDevice, kUPowerProperties}, u"PropertiesChanged"_s, this, SLOT(noteChange(QDBusMessage)));
+    m_bus.listen({kUPower, kDisplayDevice, kUPowerProperties}, u"PropertiesChanged"_s, this,
+                 SLOT(noteChange(QDBusMessage)));
     ask();
 }
 
 void Battery::ask()
 {
-    m_bus.call({kUPower, kDisplayDevice, kUPowerProperties}, u"GetAll"_s, {kDevice}, this, [this](const QDBusMessage& reply) {
-        if (hasSignature(reply, "a{sv}"))
-            note(busMap(reply.arguments().constFirst()));
-    });
+    m_bus.call({kUPower, kDisplayDevice, kUPowerProperties}, u"GetAll"_s, {kDevice}, this,
+               [this](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "a{sv}"))
+                       note(busMap(reply.arguments().constFirst()));
+               });
 }
 
 void Battery::forget()

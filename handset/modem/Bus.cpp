@@ -26,11 +26,6 @@ constexpr qsizetype kMostTexts = 256;
 /// What the bus itself says when it goes.
 const BusAddress kLocal{{}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s};
 
-QVariant unwrapped(const QVariant& value)
-{
-    return value.metaType() == QMetaType::fromType<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value;
-}
-
 QString printableText(QString text)
 {
     text.truncate(kLongestText);
@@ -118,15 +113,20 @@ bool hasSignature(const QDBusMessage& message, const char* signature)
     return message.type() != QDBusMessage::ErrorMessage && message.signature() == QLatin1String(signature);
 }
 
+QVariant busValue(const QVariant& value)
+{
+    return value.metaType() == QMetaType::fromType<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value;
+}
+
 QString busText(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     return plain.typeId() == QMetaType::QString ? printableText(plain.toString()) : QString();
 }
 
 QStringList busTexts(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     QStringList texts;
     if (plain.typeId() == QMetaType::QStringList) {
         for (const QString& text : plain.toStringList().first(std::min(kMostTexts, plain.toStringList().size())))
@@ -137,13 +137,13 @@ QStringList busTexts(const QVariant& value)
 
 std::optional<bool> busBool(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     return plain.typeId() == QMetaType::Bool ? std::optional(plain.toBool()) : std::nullopt;
 }
 
 std::optional<qint64> busNumber(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     switch (plain.typeId()) {
     case QMetaType::UChar:
     case QMetaType::Short:
@@ -159,13 +159,13 @@ std::optional<qint64> busNumber(const QVariant& value)
 
 std::optional<double> busReal(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     return plain.typeId() == QMetaType::Double ? std::optional(plain.toDouble()) : std::nullopt;
 }
 
 QString busPath(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     if (plain.metaType() != QMetaType::fromType<QDBusObjectPath>())
         return {};
     const QString path = plain.value<QDBusObjectPath>().path();
@@ -174,7 +174,7 @@ QString busPath(const QVariant& value)
 
 QVariantMap busMap(const QVariant& value)
 {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = busValue(value);
     if (plain.metaType() == QMetaType::fromType<QDBusArgument>()) {
         const auto argument = plain.value<QDBusArgument>();
         return argument.currentSignature() == u"a{sv}"_s ? qdbus_cast<QVariantMap>(argument) : QVariantMap();

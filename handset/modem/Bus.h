@@ -24,8 +24,7 @@ struct BusAddress
 /**
  * A connection to the system bus that is made again when it is lost.
  *
- * What comes over the bus is whatever its sender likes: who reads a value says of which type it must be, see
- * busValue().
+ * What comes over the bus is whatever its sender likes: who reads a value says of which type it must be, see below.
  */
 class Bus : public QObject
 {
@@ -75,6 +74,9 @@ QString failureOf(const QDBusMessage& reply);
 
 /// Whether @p message has arguments of the types @p signature, and no more.
 bool hasSignature(const QDBusMessage& message, const char* signature);
+
+/// What is in @p value, when that is a variant itself.
+QVariant busValue(const QVariant& value);
 
 /// @{ The value in @p value, however it is wrapped; that of no value when it is of another type. Texts are cut off at
 /// 128 characters, and have only printable ones.

@@ -27,6 +27,11 @@ const QString kMmCall = kManagerService + u".Call"_s;
 /// Between two attempts to enable a modem that cannot be.
 constexpr std::chrono::seconds kBetweenAttempts{10};
 
+/// Between two questions to a modem that has a call, or that was mute.
+constexpr std::chrono::seconds kBetweenProbes{10};
+/// The error of a modem that cannot be asked anything.
+const QString kCannotAsk = u"org.freedesktop.ModemManager1.Error.Core.Connected"_s;
+
 /// @{ Numbers of ModemManager's interfaces.
 constexpr qint64 kStateFailed = -1;
 constexpr qint64 kStateDisabled = 3;
@@ -83,6 +88,18 @@ constexpr std::array<MmNumber<CallState>, 6> kMmCallStates{{{1, CallState::Diali
 constexpr std::array<MmNumber<CallEnd>, 5> kMmReasons{
     {{0, CallEnd::There}, {4, CallEnd::Here}, {5, CallEnd::Network}, {6, CallEnd::Network}, {7, CallEnd::Network}}};
 
+/// How often the code that is asked for may still be wrong: `UnlockRetries` is a{uu}, by the numbers of the locks.
+std::optional<int> triesOf(const QVariantMap& modem)
+{
+    const auto argument = modem.value(u"UnlockRetries"_s).value<QDBusArgument>();
+    const std::optional<qint64> lock = busNumber(modem.value(u"UnlockRequired"_s));
+    if (argument.currentSignature() != u"a{uu}"_s || !lock)
+        return std::nullopt;
+    const auto tries = qdbus_cast<QMap<uint, uint>>(argument);
+    const auto found = tries.find(static_cast<uint>(*lock));
+    return found == tries.end() ? std::nullopt : std::optional(static_cast<int>(std::min(*found, 255U)));
+}
+
 void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
 {
     const std::optional<qint64> state = busNumber(modem.value(u"State"_s));
@@ -93,6 +110,7 @@ void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
     facts.pin = lacksSim ? Pin::Unknown : mmMeaning(kLocks, busNumber(modem.value(u"UnlockRequired"_s)), Pin::Other);
     facts.sim = lacksSim ? SimCard::None : simCardWith(facts.pin);
     facts.subsidyLock = subsidyLockWith(facts.pin);
+    facts.triesLeft = triesOf(modem);
     const auto strength = modem.value(u"SignalQuality"_s).value<QDBusArgument>();
     facts.strength = std::nullopt;
     if (facts.isOnline && strength.currentSignature() == u"(ub)"_s) {
@@ -154,9 +172,11 @@ ModemManagerModem::ModemManagerModem(Bus& bus, PhoneStatus& status)
     m_retry.setSingleShot(true);
     m_retry.setInterval(kBetweenAttempts);
     connect(&m_retry, &QTimer::timeout, this, &ModemManagerModem::enable);
+    m_probe.setInterval(kBetweenProbes);
+    connect(&m_probe, &QTimer::timeout, this, &ModemManagerModem::probe);
 }
 
-void ModemManagerModem::start()
+void ModemManagerModem::subscribe()
 {
     const BusAddress manager{service(), kManagerPath, kObjectManager};
     bus().listen(manager, u"InterfacesAdded"_s, this, SLOT(noteAdded(QDBusMessage)));
@@ -164,7 +184,6 @@ void ModemManagerModem::start()
     bus().listen({service(), {}, kObjectProperties}, u"PropertiesChanged"_s, this, SLOT(noteChange(QDBusMessage)));
     bus().listen({service(), {}, kMmVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
     bus().listen({service(), {}, kMmCall}, u"StateChanged"_s, this, SLOT(noteCallState(QDBusMessage)));
-    askForModems();
 }
 
 void ModemManagerModem::setRadio(bool isOn)
@@ -208,6 +227,7 @@ void ModemManagerModem::startCall(int id, const QString& path)
         return;
     }
     noteObject(id, path);
+    m_probe.start();
     bus().call(callAt(path), u"Start"_s, {}, this, [this, id, path](const QDBusMessage& reply) {
         if (failureOf(reply).isEmpty())
             return;
@@ -233,14 +253,33 @@ void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)
         bus().call(callAt(path), u"Accept"_s, {}, this, noteAnswer);
 }
 
-void ModemManagerModem::askToHangUp(int /*id*/, const Line& call)
+void ModemManagerModem::askToHangUp(const Line& call, const Bus::Reply& then)
 {
-    bus().call(callAt(call.path), u"Hangup"_s, {}, this, failsWith(u"hanging up"_s));
+    bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
 }
 
 void ModemManagerModem::askForTone(const Line& call, QChar key)
 {
     bus().call(callAt(call.path), u"SendDtmf"_s, {QString(key)}, this, failsWith(u"the tone"_s));
+}
+
+void ModemManagerModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
+{
+    const BusAddress sim{service(), m_sim, kMmSim};
+    if (codes.puk.isEmpty())
+        bus().call(sim, u"SendPin"_s, {codes.pin}, this, then);
+    else
+        bus().call(sim, u"SendPuk"_s, {codes.puk, codes.pin}, this, then);
+}
+
+void ModemManagerModem::askForTries(const std::function<void()>& then)
+{
+    bus().call({service(), m_modem, kObjectProperties}, u"GetAll"_s, {kMmModem}, this,
+               [this, then](const QDBusMessage& reply) {
+                   if (hasSignature(reply, "a{sv}") && !m_modem.isEmpty())
+                       note(kMmModem, busMap(reply.arguments().constFirst()));
+                   then();
+               });
 }
 
 Bus::Reply ModemManagerModem::failsWith(const QString& what)
@@ -297,13 +336,20 @@ void ModemManagerModem::take(const QString& path, const Interfaces& interfaces)
         askForCalls();
 }
 
-void ModemManagerModem::leave()
+void ModemManagerModem::forget()
 {
-    log(u"ModemManager has lost the modem %1"_s.arg(m_modem));
     m_modem.clear();
     m_sim.clear();
     m_known.clear();
     m_retry.stop();
+    m_probe.stop();
+    m_isMute = false;
+}
+
+void ModemManagerModem::leave()
+{
+    log(u"ModemManager has lost the modem %1"_s.arg(m_modem));
+    forget();
     noteAllOver();
     learn([](PhoneFacts& facts) { facts = {}; });
     askForModems();
@@ -350,13 +396,11 @@ void ModemManagerModem::noteChange(const QDBusMessage& signal)
 
 void ModemManagerModem::note(const QString& interface, const QVariantMap& properties)
 {
-    const auto* const row =
-        std::ranges::find_if(kInterfaces, [&](const InterfaceRow& known) { return interface == known.interface; });
-    if (row == std::end(kInterfaces))
+    if (std::ranges::none_of(kInterfaces, [&](const InterfaceRow& row) { return interface == row.interface; }))
         return;
     QVariantMap& all = m_known[interface];
     all.insert(properties);
-    learn([&](PhoneFacts& facts) { row->note(facts, all); });
+    noteModem();
     if (interface != kMmModem)
         return;
     readSim(busPath(all.value(u"Sim"_s)));
@@ -400,6 +444,8 @@ void ModemManagerModem::askForCalls()
         const auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().constFirst().value<QDBusArgument>());
         for (const QDBusObjectPath& path : paths)
             askForCallProperties(path.path());
+        // Replies come in the order of the requests: behind those on the calls.
+        bus().call(at(kMmVoice), u"ListCalls"_s, {}, this, [this](const QDBusMessage& /*reply*/) { noteAllFound(); });
     });
 }
 
@@ -420,16 +466,18 @@ void ModemManagerModem::askForCallProperties(const QString& path)
                });
 }
 
-/// A call that has come, perhaps one that is over by now. Those that were asked for have their objects already.
+/// A call that has come, perhaps one that is over by now, or one that was there before. Those that were asked for have
+/// their objects already.
 void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties)
 {
-    if (busNumber(properties.value(u"Direction"_s)) != kCallIncoming || hasCall(path))
+    const bool isIncoming = busNumber(properties.value(u"Direction"_s)) == kCallIncoming;
+    const qint64 state = busNumber(properties.value(u"State"_s)).value_or(0);
+    const CallState seen = mmMeaning(kMmCallStates, state, isIncoming ? CallState::Ringing : CallState::Ended);
+    if (hasCall(path) || seen == CallState::Ended)
         return;
-    const qint64 state = busNumber(properties.value(u"State"_s)).value_or(kCallRingingIn);
-    const CallState first = mmMeaning(kMmCallStates, state, CallState::Ringing);
-    noteIncoming(path, busText(properties.value(u"Number"_s)), {},
-                 first == CallState::Waiting ? CallState::Waiting : CallState::Ringing);
+    noteFound(path, busText(properties.value(u"Number"_s)), {}, seen);
     noteState(path, state, busNumber(properties.value(u"StateReason"_s)).value_or(0));
+    m_probe.start();
 }
 
 void ModemManagerModem::noteCallState(const QDBusMessage& signal)
@@ -452,6 +500,38 @@ void ModemManagerModem::noteState(const QString& path, qint64 state, qint64 reas
     }
     noteOver(path, mmMeaning(kMmReasons, reason, CallEnd::There));
     deleteCall(path);
+}
+
+/// No signal tells that a modem can no more be talked to, while the service has it: so it is asked, as long as it has a
+/// call, and then until it answers again.
+void ModemManagerModem::probe()
+{
+    if (!m_isMute && !hasCalls())
+        return m_probe.stop();
+    bus().call(at(kMmVoice), u"CallWaitingQuery"_s, {}, this, [this](const QDBusMessage& reply) {
+        const bool isMute = reply.errorName() == kCannotAsk;
+        if (m_modem.isEmpty() || isMute == m_isMute)
+            return;
+        m_isMute = isMute;
+        if (isMute) {
+            logFailure(u"asking the modem"_s, reply);
+            noteAllOver();
+        }
+        noteModem();
+    });
+}
+
+/// Learns what is known of the modem; nothing of one that is mute.
+void ModemManagerModem::noteModem()
+{
+    learn([this](PhoneFacts& facts) {
+        facts = {};
+        facts.hasModem = true;
+        for (const InterfaceRow& row : kInterfaces) {
+            if (!m_isMute)
+                row.note(facts, m_known.value(row.interface));
+        }
+    });
 }
 
 /// A finished call stays until it is deleted.

@@ -16,14 +16,18 @@ class ModemManagerModem : public StackModem
 public:
     ModemManagerModem(Bus& bus, PhoneStatus& status);
 
-    void start() override;
     void setRadio(bool isOn) override;
 
 protected:
+    void subscribe() override;
+    void askForModems() override;
+    void forget() override;
     void askForCall(int id, const Request& request) override;
     void askToAnswer(int id, const Line& call) override;
-    void askToHangUp(int id, const Line& call) override;
+    void askToHangUp(const Line& call, const Bus::Reply& then) override;
     void askForTone(const Line& call, QChar key) override;
+    void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
+    void askForTries(const std::function<void()>& then) override;
 
 private Q_SLOTS:
     void noteAdded(const QDBusMessage& signal);
@@ -38,11 +42,11 @@ private:
     BusAddress at(const QString& interface) const;
     BusAddress callAt(const QString& path) const;
 
-    void askForModems();
     void take(const QString& path, const Interfaces& interfaces);
     void leave();
     void note(const QString& interface, const QVariantMap& properties);
     void dropInterface(const QString& interface);
+    void noteModem();
     void readSim(const QString& path);
     void enable();
     void askForCalls();
@@ -51,6 +55,7 @@ private:
     void noteState(const QString& path, qint64 state, qint64 reason);
     void startCall(int id, const QString& path);
     void deleteCall(const QString& path);
+    void probe();
     Bus::Reply failsWith(const QString& what);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one
@@ -58,6 +63,8 @@ private:
     Interfaces m_known;
     bool m_isRadioWanted = true;
     QTimer m_retry; ///< runs while the modem could not be enabled
+    QTimer m_probe; ///< runs while there are calls, or the modem is mute
+    bool m_isMute = false;
 };
 
 } // namespace zyn::handset

@@ -80,6 +80,17 @@ void noteSim(PhoneFacts& facts, const QVariantMap& sim)
     facts.subsidyLock = subsidyLockWith(facts.pin);
 }
 
+/// How often the code that is asked for may still be wrong: `Retries` is a{sy}, by the codes' names.
+std::optional<int> triesIn(const QVariantMap& sim)
+{
+    const auto argument = sim.value(u"Retries"_s).value<QDBusArgument>();
+    if (argument.currentSignature() != u"a{sy}"_s)
+        return std::nullopt;
+    const auto tries = qdbus_cast<QMap<QString, uchar>>(argument);
+    const auto found = tries.find(busText(sim.value(u"PinRequired"_s)));
+    return found == tries.end() ? std::nullopt : std::optional(int{*found});
+}
+
 /// How a property becomes what is known: from it, and from the others of its interface. A property that is not there
 /// has no value.
 struct PropertyRow
@@ -92,6 +103,8 @@ struct PropertyRow
 const PropertyRow kOfonoProperties[] = {
     {kSim, "Present", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
     {kSim, "PinRequired", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
+    {kSim, "Retries",
+     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { facts.triesLeft = triesIn(all); }},
     {kSim, "SubscriberIdentity",
      [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.imsi = busText(value); }},
     {kSim, "ServiceProviderName",
@@ -189,12 +202,6 @@ void OfonoModem::setRadio(bool isOn)
                });
 }
 
-void OfonoModem::start()
-{
-    subscribe();
-    askForModems();
-}
-
 void OfonoModem::askForCall(int id, const Request& request)
 {
     bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
@@ -224,12 +231,9 @@ void OfonoModem::askToAnswer(int /*id*/, const Line& call)
         bus().call(callAt(path), u"Answer"_s, {}, this, noteAnswer);
 }
 
-void OfonoModem::askToHangUp(int /*id*/, const Line& call)
+void OfonoModem::askToHangUp(const Line& call, const Bus::Reply& then)
 {
-    bus().call(callAt(call.path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
-        if (!failureOf(reply).isEmpty())
-            logFailure(u"hanging up"_s, reply);
-    });
+    bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
 }
 
 void OfonoModem::askForTone(const Line& /*call*/, QChar key)
@@ -238,6 +242,19 @@ void OfonoModem::askForTone(const Line& /*call*/, QChar key)
         if (!failureOf(reply).isEmpty())
             logFailure(u"the tone"_s, reply);
     });
+}
+
+void OfonoModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
+{
+    if (codes.puk.isEmpty())
+        bus().call(at(kSim), u"EnterPin"_s, {u"pin"_s, codes.pin}, this, then);
+    else
+        bus().call(at(kSim), u"ResetPin"_s, {u"puk"_s, codes.puk, codes.pin}, this, then);
+}
+
+void OfonoModem::askForTries(const std::function<void()>& then)
+{
+    askForProperties(kSim, then);
 }
 
 void OfonoModem::forget()
@@ -328,9 +345,11 @@ void OfonoModem::noteChange(const QDBusMessage& signal)
         return;
     const QString property = busText(signal.arguments().at(0));
     if (signal.interface() == kModem)
-        noteModem(property, signal.arguments().at(1));
-    else
-        note(signal.interface(), property, signal.arguments().at(1));
+        return noteModem(property, signal.arguments().at(1));
+    note(signal.interface(), property, busValue(signal.arguments().at(1)));
+    // No signal tells that a PIN is asked for no more.
+    if (signal.interface() == kSim && (property == u"Present"_s || property == u"SubscriberIdentity"_s))
+        askForProperties(kSim);
 }
 
 /// Switches on what is off: the modem's power, and then its radio.
@@ -388,15 +407,17 @@ void OfonoModem::noteInterfaces(const QStringList& interfaces)
         noteAllOver();
 }
 
-void OfonoModem::askForProperties(const QString& interface)
+void OfonoModem::askForProperties(const QString& interface, const std::function<void()>& then)
 {
     const QString modem = m_modem;
-    bus().call(at(interface), u"GetProperties"_s, {}, this, [this, modem, interface](const QDBusMessage& reply) {
-        if (!hasSignature(reply, "a{sv}") || modem != m_modem)
-            return;
-        const QVariantMap properties = busMap(reply.arguments().constFirst());
-        for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-            note(interface, property.key(), property.value());
+    bus().call(at(interface), u"GetProperties"_s, {}, this, [=, this](const QDBusMessage& reply) {
+        if (hasSignature(reply, "a{sv}") && modem == m_modem) {
+            const QVariantMap properties = busMap(reply.arguments().constFirst());
+            for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+                note(interface, property.key(), property.value());
+        }
+        if (then)
+            then();
     });
 }
 
@@ -423,6 +444,7 @@ void OfonoModem::askForCalls()
     bus().call(at(kVoice), u"GetCalls"_s, {}, this, [this](const QDBusMessage& reply) {
         for (const OfonoObject& object : objectsIn(reply))
             addCall(object.path, object.properties);
+        noteAllFound();
     });
 }
 
@@ -439,16 +461,14 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
         return;
     const QString word = busText(properties.value(u"State"_s));
     const CallState state = meaning(kCallStates, word, CallState::Ended);
-    if (state == CallState::Ringing || state == CallState::Waiting) {
-        noteIncoming(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
-                     state);
-        return;
-    }
-    if (const int id = unboundCall()) {
-        noteObject(id, path);
+    const bool isPlaced = state == CallState::Dialing || state == CallState::Alerting;
+    const int asked = isPlaced ? unboundCall() : 0;
+    if (asked != 0) {
+        noteObject(asked, path);
         noteCallState(path, word);
-    } else {
-        log(u"oFono has a call that was not asked for here, %1: left alone"_s.arg(path));
+    } else if (state != CallState::Ended) {
+        noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
+                  state);
     }
 }
 

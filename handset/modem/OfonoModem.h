@@ -13,14 +13,18 @@ class OfonoModem : public StackModem
 public:
     OfonoModem(Bus& bus, PhoneStatus& status);
 
-    void start() override;
     void setRadio(bool isOn) override;
 
 protected:
+    void subscribe() override;
+    void askForModems() override;
+    void forget() override;
     void askForCall(int id, const Request& request) override;
     void askToAnswer(int id, const Line& call) override;
-    void askToHangUp(int id, const Line& call) override;
+    void askToHangUp(const Line& call, const Bus::Reply& then) override;
     void askForTone(const Line& call, QChar key) override;
+    void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
+    void askForTries(const std::function<void()>& then) override;
 
 private Q_SLOTS:
     void noteModemAdded(const QDBusMessage& signal);
@@ -35,14 +39,11 @@ private:
     BusAddress at(const QString& interface) const;
     BusAddress callAt(const QString& path) const;
 
-    void subscribe();
-    void askForModems();
     void take(const QString& path, const QVariantMap& properties);
     void leave();
-    void forget();
     void noteModem(const QString& property, const QVariant& value);
     void noteInterfaces(const QStringList& interfaces);
-    void askForProperties(const QString& interface);
+    void askForProperties(const QString& interface, const std::function<void()>& then = {});
     void note(const QString& interface, const QString& property, const QVariant& value);
     void askForCalls();
     void addCall(const QString& path, const QVariantMap& properties);

@@ -8,6 +8,7 @@
 #include "utility/PHONE_EmergencyList_p.h"
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +20,20 @@ using Type = PHONE_Msg::PHONE_MSG_TYPE_T;
 /// These reach help in every GSM and 3GPP network, with and without a card: 3GPP TS 22.101, 10.1.1.
 constexpr const char* kEmergencyNumbers[] = {"112", "911"};
 
+/// The names of values for people; each is at its value.
+constexpr std::array kSimCardNames{"ready", "none", "unknown", "locked"};
+static_assert(kSimCardNames.size() == static_cast<size_t>(SimCard::Locked) + 1);
+constexpr std::array kPinNames{"not asked for", "PIN", "PUK", "PIN2", "PUK2", "code of another lock", "unknown"};
+static_assert(kPinNames.size() == static_cast<size_t>(Pin::Unknown) + 1);
+constexpr std::array kRegistrationNames{"none", "searching", "denied", "unknown", "", "registered"};
+static_assert(kRegistrationNames.size() == static_cast<size_t>(Registration::Registered) + 1);
+
+template<size_t Count, typename Enum>
+const char* nameIn(const std::array<const char*, Count>& names, Enum value)
+{
+    return names.at(static_cast<size_t>(value));
+}
+
 template<typename Enum>
 FieldValue number(Enum value)
 {
@@ -28,6 +43,11 @@ FieldValue number(Enum value)
 bool isRegistered(const PhoneFacts& facts)
 {
     return facts.registration == Registration::Registered;
+}
+
+bool hasData(const PhoneFacts& facts)
+{
+    return isRegistered(facts) && facts.isDataAttached.value_or(false);
 }
 
 FieldValue imsiBlock(const PhoneFacts& facts)
@@ -66,10 +86,8 @@ const StatusRow kStatusRows[] = {
          const bool isShown = isRegistered(facts) && !facts.providerName.isEmpty();
          return Values{FieldValue(isShown ? facts.providerName : u""_s), FieldValue(isShown ? 1 : 0)};
      }},
-    {Type::PHONE_MSG_GPRS_ATTACHED_S,
-     [](const PhoneFacts& facts) { return Values{number(facts.isDataAttached.value_or(false))}; }},
-    {Type::PHONE_MSG_GPRS_SERVICE_S,
-     [](const PhoneFacts& facts) { return Values{number(facts.isDataAttached.value_or(false))}; }},
+    {Type::PHONE_MSG_GPRS_ATTACHED_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},
+    {Type::PHONE_MSG_GPRS_SERVICE_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},
 };
 
 /// The numbers of @p facts that a list can have, and those that reach help everywhere, each once.
@@ -119,6 +137,26 @@ int32_t barsOf(std::optional<int> percent)
 {
     constexpr int kPercentPerBar = 20;
     return (std::clamp(percent.value_or(0), 0, 100) + kPercentPerBar - 1) / kPercentPerBar;
+}
+
+QJsonObject describeFacts(const PhoneFacts& facts)
+{
+    const auto orNull = [](const auto& value) { return value ? QJsonValue(*value) : QJsonValue(); };
+    return {
+        {u"present"_s, facts.hasModem},
+        {u"powered"_s, facts.isPowered},
+        {u"radio"_s, facts.isOnline},
+        {u"voice"_s, facts.hasVoice},
+        {u"sim"_s, QLatin1String(nameIn(kSimCardNames, facts.sim))},
+        {u"pin"_s, QLatin1String(nameIn(kPinNames, facts.pin))},
+        {u"tries-left"_s, orNull(facts.triesLeft)},
+        {u"network"_s, QLatin1String(nameIn(kRegistrationNames, facts.registration))},
+        {u"roaming"_s, facts.isRoaming},
+        {u"network-id"_s, facts.networkId},
+        {u"operator"_s, facts.operatorName},
+        {u"provider"_s, facts.providerName},
+        {u"strength"_s, orNull(facts.strength)},
+    };
 }
 
 void tellFacts(const PhoneFacts& facts, PhoneStatus& status)

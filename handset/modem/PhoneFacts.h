@@ -1,6 +1,7 @@
 // What a telephony stack knows of the phone, in this tree's own words, and the status messages that tell it.
 #pragma once
 
+#include <QtCore/QJsonObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -63,6 +64,7 @@ struct PhoneFacts
     SimCard sim = SimCard::Unknown;
     Pin pin = Pin::Unknown;
     SubsidyLock subsidyLock = SubsidyLock::Unknown;
+    std::optional<int> triesLeft; ///< of the code that is asked for
     QString imsi;
     Registration registration = Registration::Unknown;
     bool isRoaming = false;
@@ -74,6 +76,9 @@ struct PhoneFacts
     std::optional<bool> hasFixedDialing;
     QStringList emergencyNumbers;
 };
+
+/// @p facts for people and for those who look for a fault, an object with a field for each.
+QJsonObject describeFacts(const PhoneFacts& facts);
 
 /// Tells the states in @p facts that were told otherwise before, or not at all.
 void tellFacts(const PhoneFacts& facts, PhoneStatus& status);

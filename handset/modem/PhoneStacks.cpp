@@ -47,7 +47,7 @@ PhoneStacks::PhoneStacks(std::vector<const Stack*> allowed, PhoneStatus& status)
             [this](const QString& service, const QString& before) {
                 if (m_modem && m_modem->service() == service && !before.isEmpty())
                     leave();
-                if (!m_modem)
+                if (!m_isThere)
                     look();
             });
     connect(&m_bus, &Bus::connected, this, [this] {
@@ -62,13 +62,13 @@ PhoneStacks::~PhoneStacks() = default;
 void PhoneStacks::start()
 {
     m_bus.start();
-    if (!m_modem)
+    if (!m_isThere)
         log(u"waiting for %1"_s.arg(names()));
 }
 
 QString PhoneStacks::obstacle(const Request& request) const
 {
-    if (m_modem)
+    if (m_isThere)
         return m_modem->obstacle(request);
     return (m_bus.isConnected() ? u"%1 does not run"_s : u"there is no system bus, and no %1"_s).arg(names());
 }
@@ -80,7 +80,7 @@ size_t PhoneStacks::callsAtOnce() const
 
 void PhoneStacks::dial(int id, const Request& request)
 {
-    if (m_modem)
+    if (m_isThere)
         m_modem->dial(id, request);
     else
         Q_EMIT ended(id, CallEnd::Network);
@@ -99,10 +99,26 @@ void PhoneStacks::sendTone(int id, QChar key)
 
 void PhoneStacks::setRadio(bool isOn)
 {
-    if (m_modem)
+    if (m_isThere)
         m_modem->setRadio(isOn);
     else
         Q_EMIT radioSwitched(false);
+}
+
+void PhoneStacks::unlock(const Codes& codes, const Result& then)
+{
+    if (m_isThere)
+        m_modem->unlock(codes, then);
+    else
+        then(obstacle({}));
+}
+
+QJsonObject PhoneStacks::describe() const
+{
+    if (m_isThere)
+        return m_modem->describe();
+    return {
+        {u"modem"_s, names()}, {u"present"_s, false}, {u"bus"_s, m_bus.isConnected()}, {u"obstacle"_s, obstacle({})}};
 }
 
 void PhoneStacks::close()
@@ -117,7 +133,7 @@ void PhoneStacks::look()
     for (const Stack* stack : m_allowed) {
         m_bus.call(kBusItself, u"NameHasOwner"_s, {QLatin1String(stack->service)}, this,
                    [this, stack](const QDBusMessage& reply) {
-                       if (!m_modem && hasSignature(reply, "b") && reply.arguments().constFirst().toBool())
+                       if (!m_isThere && hasSignature(reply, "b") && reply.arguments().constFirst().toBool())
                            use(*stack);
                    });
     }
@@ -126,6 +142,11 @@ void PhoneStacks::look()
 void PhoneStacks::use(const Stack& stack)
 {
     log(u"%1 is there, and is used"_s.arg(QLatin1String(stack.name)));
+    m_isThere = true;
+    if (m_modem && m_modem->service() == QLatin1String(stack.service))
+        return m_modem->start();
+    if (m_modem)
+        m_modem->giveUp();
     m_modem = stack.make(m_bus, m_status);
     connect(m_modem.get(), &Modem::came, this, &Modem::came);
     connect(m_modem.get(), &Modem::happened, this, &Modem::happened);
@@ -138,11 +159,9 @@ void PhoneStacks::use(const Stack& stack)
 
 void PhoneStacks::leave()
 {
-    if (!m_modem)
+    if (!std::exchange(m_isThere, false))
         return;
     m_modem->lose();
-    // It may be what is heard just now.
-    m_modem.release()->deleteLater();
     log(u"the telephony has gone: waiting for %1"_s.arg(names()));
 }
 

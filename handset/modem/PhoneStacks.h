@@ -48,6 +48,8 @@ public:
     void sendTone(int id, QChar key) override;
     void setRadio(bool isOn) override;
     bool hasRadio() const override { return m_modem && m_modem->hasRadio(); }
+    void unlock(const Codes& codes, const Result& then) override;
+    QJsonObject describe() const override;
     void close() override;
 
 private:
@@ -61,7 +63,8 @@ private:
     Bus m_bus;
     Battery m_battery;
     QDBusServiceWatcher m_watcher;
-    std::unique_ptr<StackModem> m_modem; ///< null while no stack is there
+    std::unique_ptr<StackModem> m_modem; ///< of the stack that is used, or was used last; null before the first one
+    bool m_isThere = false;              ///< that stack is on the bus
 };
 
 } // namespace zyn::handset

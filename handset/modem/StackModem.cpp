@@ -7,6 +7,7 @@
 #include "utility/PHONE_EmergencyCall.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -15,6 +16,19 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 namespace {
+
+/// How long calls wait for a service that has gone: one that was restarted is back by then.
+constexpr std::chrono::seconds kPatience{10};
+
+/// How long a service takes at most to find calls that it has not made.
+constexpr std::chrono::seconds kUntilPolled{3};
+
+/// How long a service takes to learn from the card how many tries are left.
+constexpr std::chrono::milliseconds kUntilCounted{300};
+
+/// How often a call is hung up that the service does not hang up, and how long after the last time.
+constexpr int kTries = 10;
+constexpr std::chrono::milliseconds kBetweenHangUps{500};
 
 /// What keeps a call from being placed, but for one to an emergency number.
 struct Obstacle
@@ -40,16 +54,39 @@ StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, co
     , m_service(service)
     , m_stack(stack)
 {
-    m_store.setSingleShot(true);
-    connect(&m_store, &QTimer::timeout, this, [this] { storeFacts(m_facts); });
+    m_tell.setSingleShot(true);
+    connect(&m_tell, &QTimer::timeout, this, &StackModem::tell);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &StackModem::giveUp);
+}
+
+void StackModem::start()
+{
+    if (!std::exchange(m_isSubscribed, true))
+        subscribe();
+    askForModems();
 }
 
 void StackModem::lose()
 {
-    noteAllOver();
+    m_isSubscribed = m_isSubscribed && m_bus.isConnected();
+    for (auto& [id, call] : m_calls) {
+        call.isSuspended = !call.path.isEmpty();
+        call.path.clear();
+    }
+    m_patience.start(kPatience);
+    forget();
     learn([](PhoneFacts& facts) { facts = {}; });
-    m_store.stop();
-    storeFacts(m_facts);
+    tell();
+}
+
+void StackModem::giveUp()
+{
+    m_patience.stop();
+    for (const auto& [id, call] : std::map(m_calls)) {
+        if (call.isSuspended)
+            noteOver(id, CallEnd::Network);
+    }
 }
 
 QString StackModem::obstacle(const Request& request) const
@@ -68,7 +105,7 @@ QString StackModem::obstacle(const Request& request) const
 
 void StackModem::dial(int id, const Request& request)
 {
-    m_calls[id] = {.path = {}, .isPlaced = true};
+    m_calls[id] = {.path = {}, .number = request.number, .isPlaced = true};
     askForCall(id, request);
 }
 
@@ -80,8 +117,7 @@ bool StackModem::carryOut(int id, CallEvent event)
     Line& call = found->second;
     if (event == CallEvent::HangUp) {
         call.isUnwanted = true;
-        if (!call.path.isEmpty())
-            askToHangUp(id, call);
+        hangUp(id, kTries);
         return true;
     }
     if (event != CallEvent::Answer || call.isPlaced)
@@ -97,13 +133,44 @@ void StackModem::sendTone(int id, QChar key)
         askForTone(*line, key);
 }
 
+void StackModem::unlock(const Codes& codes, const Result& then)
+{
+    const bool needsPuk = m_facts.pin == Pin::Puk1;
+    if (m_facts.pin != Pin::Pin1 && !needsPuk)
+        return then(u"no PIN is asked for"_s);
+    if (needsPuk == codes.puk.isEmpty())
+        return then(needsPuk ? u"the card asks for its PUK: give it, and a new PIN"_s : u"no PUK is asked for"_s);
+    askToUnlock(codes, [this, then](const QDBusMessage& reply) {
+        const QString failure = failureOf(reply);
+        if (failure.isEmpty())
+            return then({});
+        logFailure(u"unlocking the card"_s, reply);
+        QTimer::singleShot(kUntilCounted, this, [this, then, failure] {
+            askForTries([this, then, failure] {
+                const QString why = u"the card did not take it (%1)"_s.arg(failure);
+                then(m_facts.triesLeft ? why + u"; tries left: %1"_s.arg(*m_facts.triesLeft) : why);
+            });
+        });
+    });
+}
+
+QJsonObject StackModem::describe() const
+{
+    QJsonObject object = describeFacts(m_facts);
+    object[u"modem"_s] = m_stack;
+    object[u"obstacle"_s] = obstacle({});
+    object[u"failure"_s] = m_failure;
+    return object;
+}
+
 void StackModem::close()
 {
     for (const auto& [id, call] : std::map(m_calls)) {
         if (!call.path.isEmpty())
-            askToHangUp(id, call);
+            askToHangUp(call, [](const QDBusMessage& /*reply*/) {});
     }
-    m_store.stop();
+    m_tell.stop();
+    m_patience.stop();
     m_calls.clear();
 }
 
@@ -114,16 +181,29 @@ void StackModem::noteObject(int id, const QString& path)
         return;
     found->second.path = path;
     if (found->second.isUnwanted)
-        askToHangUp(id, found->second);
+        hangUp(id, kTries);
 }
 
-void StackModem::noteIncoming(const QString& path, const QString& number, const QString& name, CallState state)
+void StackModem::noteFound(const QString& path, const QString& number, const QString& name, CallState state)
 {
     if (hasCall(path))
         return;
+    if (const int known = suspendedCall(number)) {
+        m_calls.at(known).isSuspended = false;
+        noteObject(known, path);
+        noteState(path, state);
+        return;
+    }
     const int id = newCall();
-    m_calls[id] = {.path = path, .isPlaced = false, .isUnwanted = false, .state = state};
-    Q_EMIT came(id, {isDialable(number) ? number : QString(), name}, state);
+    const QString caller = isDialable(number) ? number : QString();
+    m_calls[id] = {.path = path, .number = caller, .isPlaced = false, .state = state};
+    Q_EMIT came(id, {caller, name}, state);
+}
+
+void StackModem::noteAllFound()
+{
+    if (m_patience.isActive())
+        m_patience.start(kUntilPolled);
 }
 
 void StackModem::noteState(const QString& path, CallState state)
@@ -169,6 +249,34 @@ int StackModem::idOf(const QString& path) const
     return path.isEmpty() || found == m_calls.end() ? 0 : found->first;
 }
 
+/// The call with @p number that waits for its service, or 0. A single one may have been written in another way.
+int StackModem::suspendedCall(const QString& number) const
+{
+    std::vector<int> waiting;
+    for (const auto& [id, call] : m_calls) {
+        if (call.isSuspended && call.number == number)
+            return id;
+        if (call.isSuspended)
+            waiting.push_back(id);
+    }
+    return waiting.size() == 1 ? waiting.front() : 0;
+}
+
+/// Hangs up the call @p id, again and again while the service is busy with another one.
+void StackModem::hangUp(int id, int tries)
+{
+    const Line* const line = call(id);
+    if (!line || line->path.isEmpty() || tries == 0)
+        return;
+    askToHangUp(*line, [this, id, tries](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty())
+            return;
+        if (tries == kTries || tries == 1)
+            logFailure(u"hanging up"_s, reply);
+        QTimer::singleShot(kBetweenHangUps, this, [this, id, tries] { hangUp(id, tries - 1); });
+    });
+}
+
 const StackModem::Line* StackModem::call(int id) const
 {
     const auto found = m_calls.find(id);
@@ -177,25 +285,36 @@ const StackModem::Line* StackModem::call(int id) const
 
 int StackModem::unboundCall() const
 {
-    const auto found = std::ranges::find_if(
-        m_calls, [](const auto& entry) { return entry.second.isPlaced && entry.second.path.isEmpty(); });
+    const auto found = std::ranges::find_if(m_calls, [](const auto& entry) {
+        const Line& call = entry.second;
+        return call.isPlaced && call.path.isEmpty() && !call.isSuspended;
+    });
     return found == m_calls.end() ? 0 : found->first;
 }
 
-void StackModem::logFailure(const QString& what, const QDBusMessage& reply) const
+void StackModem::logFailure(const QString& what, const QDBusMessage& reply)
 {
     const QString error = reply.errorName();
     const bool isForbidden =
         error == u"org.freedesktop.DBus.Error.AccessDenied"_s || error.endsWith(u".Unauthorized"_s);
-    log(u"%1: %2 failed: %3%4"_s.arg(m_stack, what, failureOf(reply),
-                                     isForbidden ? u"; allow this user to talk to it, see docs/modems.md"_s
-                                                 : QString()));
+    m_failure = u"%1 failed: %2"_s.arg(what, failureOf(reply));
+    if (isForbidden)
+        m_failure += u"; allow this user to talk to it, see docs/modems.md"_s;
+    log(u"%1: %2"_s.arg(m_stack, m_failure));
+}
+
+void StackModem::tell()
+{
+    m_tell.stop();
+    tellFacts(m_facts, m_status);
+    storeFacts(m_facts);
 }
 
 void StackModem::noteFacts()
 {
-    tellFacts(m_facts, m_status);
-    m_store.start(0);
+    if (m_facts.registration == Registration::Registered)
+        m_failure.clear();
+    m_tell.start(0);
     if (std::exchange(m_wasOnline, m_facts.isOnline) != m_facts.isOnline)
         Q_EMIT radioChanged(m_facts.isOnline);
 }

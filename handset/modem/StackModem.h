@@ -29,10 +29,13 @@ public:
     /// @param stack    its name for people
     StackModem(Bus& bus, PhoneStatus& status, const QString& service, const QString& stack);
 
-    /// Asks the service for its modems, and follows what it tells.
-    void start() override = 0;
-    /// The service has gone: the calls are over, and nothing is known any more.
+    /// The service is there: asks it for its modems, and follows what it tells.
+    void start() override;
+    /// The service has gone, and nothing is known any more. The modem may go on with its calls: they are over unless
+    /// the service comes back in time, and still has them.
     void lose();
+    /// The calls that wait for that are over.
+    void giveUp();
 
     const QString& service() const { return m_service; }
     const PhoneFacts& facts() const { return m_facts; }
@@ -44,6 +47,8 @@ public:
     bool carryOut(int id, CallEvent event) override;
     void sendTone(int id, QChar key) override;
     bool hasRadio() const override { return m_facts.isOnline; }
+    void unlock(const Codes& codes, const Result& then) override;
+    QJsonObject describe() const override;
     void close() override;
 
 protected:
@@ -51,18 +56,29 @@ protected:
     struct Line
     {
         QString path; ///< its object; empty until the service has one for it
+        QString number;
         bool isPlaced = false;
-        bool isUnwanted = false; ///< it is to be hung up once it has an object
+        bool isUnwanted = false;  ///< it is to be hung up, perhaps when it has an object
+        bool isSuspended = false; ///< the service that had it has gone
         CallState state = CallState::Dialing;
         std::optional<CallEnd> end = {}; ///< who ended it, when that is told before it is over
     };
 
     /// @{ What a stack does in its own way.
+    /// Listens to what the service tells of all its objects, on a new connection.
+    virtual void subscribe() = 0;
+    virtual void askForModems() = 0;
+    /// Keeps nothing of what the service told.
+    virtual void forget() = 0;
     /// Asks the service to place the call @p id.
     virtual void askForCall(int id, const Request& request) = 0;
     virtual void askToAnswer(int id, const Line& call) = 0;
-    virtual void askToHangUp(int id, const Line& call) = 0;
+    virtual void askToHangUp(const Line& call, const Bus::Reply& then) = 0;
     virtual void askForTone(const Line& call, QChar key) = 0;
+    /// Gives the modem @p codes, and calls @p then with the reply.
+    virtual void askToUnlock(const Codes& codes, const Bus::Reply& then) = 0;
+    /// Asks how many tries are left, and calls @p then when that is known.
+    virtual void askForTries(const std::function<void()>& then) = 0;
     /// @}
 
     Bus& bus() { return m_bus; }
@@ -78,8 +94,10 @@ protected:
     /// @{ What the service tells of calls. A path that has no call is ignored.
     /// A call that was asked for has the object @p path. Hangs it up when that was asked for meanwhile.
     void noteObject(int id, const QString& path);
-    /// There is a call that nobody here has asked for.
-    void noteIncoming(const QString& path, const QString& number, const QString& name, CallState state);
+    /// There is a call that nobody here has asked for: somebody calls, or the service has come back with it.
+    void noteFound(const QString& path, const QString& number, const QString& name, CallState state);
+    /// The service has told its calls after it came back; those that it finds by asking the modem follow soon.
+    void noteAllFound();
     void noteState(const QString& path, CallState state);
     void noteEnd(const QString& path, CallEnd end);
     /// It is over; ended by @p end unless noteEnd() has said so.
@@ -90,16 +108,20 @@ protected:
     /// @}
 
     bool hasCall(const QString& path) const { return idOf(path) != 0; }
+    bool hasCalls() const { return !m_calls.empty(); }
     int idOf(const QString& path) const;
     const Line* call(int id) const;
     /// A placed call that has no object yet, or 0.
     int unboundCall() const;
 
     /// Logs @p what has failed, and why.
-    void logFailure(const QString& what, const QDBusMessage& reply) const;
+    void logFailure(const QString& what, const QDBusMessage& reply);
 
 private:
+    void hangUp(int id, int tries);
+    int suspendedCall(const QString& number) const;
     void noteFacts();
+    void tell();
 
     Bus& m_bus;
     PhoneStatus& m_status;
@@ -107,7 +129,10 @@ private:
     const QString m_stack;
     PhoneFacts m_facts;
     std::map<int, Line> m_calls;
-    QTimer m_store; ///< what changes at once is stored once
+    QString m_failure; ///< the last one
+    QTimer m_tell;     ///< what changes at once is told once
+    QTimer m_patience; ///< runs while calls wait for their service
+    bool m_isSubscribed = false;
     bool m_wasOnline = false;
 };
 

@@ -107,7 +107,10 @@ Call::Call(CallStateMachine machine, Party party, RC_CALL_TYPE_T type)
     , m_type(type)
     , m_start(QDateTime::currentDateTime())
     , m_since(m_start)
-{}
+{
+    if (m_machine.wasConnected())
+        m_talk.start();
+}
 
 bool Call::apply(CallEvent event)
 {

@@ -43,7 +43,10 @@ class CallStateMachine
 {
 public:
     static CallStateMachine placed() { return CallStateMachine(CallState::Dialing); }
-    static CallStateMachine incoming(CallState state = CallState::Ringing) { return CallStateMachine(state); }
+    static CallStateMachine incoming() { return foundIn(CallState::Ringing); }
+    /// That of a call which is first seen in @p state. One that is talked on counts as incoming: who called is not
+    /// known.
+    static CallStateMachine foundIn(CallState state) { return CallStateMachine(state); }
 
     CallState state() const { return m_state; }
     bool isPlaced() const { return m_isPlaced; }
@@ -65,12 +68,13 @@ public:
 private:
     explicit CallStateMachine(CallState state)
         : m_state(state)
-        , m_isPlaced(state == CallState::Dialing)
+        , m_isPlaced(state == CallState::Dialing || state == CallState::Alerting)
+        , m_wasConnected(state == CallState::Connected || state == CallState::Held)
     {}
 
     CallState m_state;
     bool m_isPlaced;
-    bool m_wasConnected = false;
+    bool m_wasConnected;
 };
 
 /// The state's name in the log.

@@ -8,6 +8,9 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QPointer>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace zyn::phonecontrol;
@@ -35,11 +38,19 @@ QStringList wordsIn(std::span<const std::byte> data)
     return QString::fromUtf8(text.chopped(1)).split(QChar(u'\0'));
 }
 
-/// Why something that can happen does not happen now.
-QString obstacle(const PhoneLine& line)
+bool isSecretCode(const QString& code)
 {
-    if (!line.modem().isPlayed())
-        return u"the network does not do what is said here"_s;
+    return code.size() >= kShortestCode && code.size() <= kLongestCode
+           && std::ranges::all_of(code, [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
+}
+
+/// Why something that can happen does not happen now.
+QString obstacle(const PhoneLine& line, const QString& word)
+{
+    const bool isOfNetwork = std::ranges::any_of(
+        kLineEvents, [&](const LineEvent& event) { return event.isOfNetwork && word == QLatin1String(event.name); });
+    if (isOfNetwork && !line.modem().isPlayed())
+        return u"the network is not played here"_s;
     if (!line.hasRadio())
         return u"the radio is off"_s;
     if (const Call* call = line.current())
@@ -59,7 +70,7 @@ void makeHappen(const QStringList& words, PhoneLine& line)
         return;
     if (words.first() == QLatin1String(kSnapshot.name))
         throw ScriptError{u"no state has been told yet"_s};
-    throw ScriptError{u"'%1' does not apply: %2"_s.arg(words.first(), obstacle(line))};
+    throw ScriptError{u"'%1' does not apply: %2"_s.arg(words.first(), obstacle(line, words.first()))};
 }
 
 } // namespace
@@ -73,8 +84,10 @@ ControlConnection::ControlConnection(posix::UniqueFd socket, PhoneLine& line, st
 
 bool ControlConnection::admits(const CommandFrameHeader& header)
 {
-    const bool isSaying = header.code == Say && header.dataLength <= static_cast<int32_t>(kLongestSaying);
-    if (isSaying || ((header.code == ListCalls || header.code == FollowCalls) && header.dataLength == 0))
+    const bool isSaying =
+        (header.code == Say || header.code == Unlock) && header.dataLength <= static_cast<int32_t>(kLongestSaying);
+    const bool isAsking = header.code == ListCalls || header.code == FollowCalls || header.code == AskModem;
+    if (isSaying || (isAsking && header.dataLength == 0))
         return true;
     refuse(u"sent an invalid command"_s);
     return false;
@@ -87,6 +100,10 @@ void ControlConnection::execute(const CommandFrameHeader& header, std::span<cons
         return say(data);
     case FollowCalls:
         return followCalls();
+    case AskModem:
+        return send(ModemIs, QJsonDocument(m_line.modem().describe()).toJson(QJsonDocument::Compact));
+    case Unlock:
+        return unlock(data);
     default:
         return listCalls();
     }
@@ -100,6 +117,20 @@ void ControlConnection::say(std::span<const std::byte> data)
     } catch (const ScriptError& error) {
         send(Refused, error.text.toUtf8());
     }
+}
+
+void ControlConnection::unlock(std::span<const std::byte> data)
+{
+    const QStringList codes = wordsIn(data);
+    if (codes.isEmpty() || codes.size() > 2 || !std::ranges::all_of(codes, isSecretCode))
+        return send(Refused, "a PIN has 4 to 8 digits, and a PUK 8");
+    // The modem takes its time.
+    allowIdle();
+    m_line.modem().unlock({codes.last(), codes.size() == 2 ? codes.first() : QString()},
+                          [self = QPointer(this)](const QString& failure) {
+                              if (self)
+                                  self->send(failure.isEmpty() ? Done : Refused, failure.toUtf8());
+                          });
 }
 
 void ControlConnection::listCalls()

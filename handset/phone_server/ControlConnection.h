@@ -20,6 +20,7 @@ protected:
 
 private:
     void say(std::span<const std::byte> data);
+    void unlock(std::span<const std::byte> data);
     void listCalls();
     void followCalls();
     void tellChange(int id);

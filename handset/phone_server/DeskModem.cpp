@@ -40,6 +40,16 @@ void DeskModem::setRadio(bool isOn)
     Q_EMIT radioSwitched(true);
 }
 
+void DeskModem::unlock(const Codes& /*codes*/, const Result& then)
+{
+    then(u"the network is played: there is no card that asks for a PIN"_s);
+}
+
+QJsonObject DeskModem::describe() const
+{
+    return {{u"modem"_s, u"desk"_s}, {u"radio"_s, m_hasRadio}, {u"obstacle"_s, obstacle({})}};
+}
+
 /// Schedules what follows from the placed call's new state.
 void DeskModem::goOn(CallEvent event)
 {

@@ -32,6 +32,9 @@ public:
     void sendTone(int /*id*/, QChar /*key*/) override {}
     void setRadio(bool isOn) override;
     bool hasRadio() const override { return m_hasRadio; }
+    void unlock(const Codes& codes, const Result& then) override;
+    QJsonObject describe() const override;
+    bool takesLanguage() const override { return true; }
     bool isPlayed() const override { return true; }
 
 private:

@@ -3,11 +3,13 @@
 
 #include "handset/phone_server/Call.h"
 
+#include <QtCore/QJsonObject>
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace zyn::handset {
 
@@ -62,6 +64,24 @@ public:
     virtual void setRadio(bool isOn) = 0;
     virtual bool hasRadio() const = 0;
 
+    /// What the lock of the SIM card is opened with.
+    struct Codes
+    {
+        QString pin;
+        QString puk = {}; ///< where one is asked for: the PIN is then a new one
+    };
+    /// Called once; with why it has failed, for people, or with nothing.
+    using Result = std::function<void(const QString& failure)>;
+    /// Opens the lock of the SIM card with @p codes.
+    virtual void unlock(const Codes& codes, const Result& then) = 0;
+
+    /// What is known of it, for people and for those who look for a fault. Its field "modem" says whose it is, and
+    /// "obstacle" why no call can be placed now.
+    virtual QJsonObject describe() const = 0;
+
+    /// Whether it takes what the user's language is.
+    virtual bool takesLanguage() const { return false; }
+
     /// Whether somebody plays the network: who calls, and who does not answer.
     virtual bool isPlayed() const { return false; }
 
@@ -75,7 +95,8 @@ public:
     static int newCall() { return ++s_lastCall; }
 
 Q_SIGNALS:
-    /// Somebody calls: the new call @p id, Ringing or Waiting.
+    /// Somebody calls: the new call @p id, Ringing or Waiting. Or there is a call that was made before this program
+    /// began, in whatever state it is.
     void came(int id, const Party& caller, CallState state);
     /// @p event has happened to the call @p id.
     void happened(int id, CallEvent event);

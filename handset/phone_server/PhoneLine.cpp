@@ -49,7 +49,8 @@ PhoneLine::PhoneLine(Modem& modem, PhoneStatus& status)
     connect(&modem, &Modem::ended, this,
             [this](int id, CallEnd end) { change(id, [&](Call& call) { return call.end(end); }); });
     connect(&modem, &Modem::radioChanged, this, [this](bool isOn) {
-        if (!isOn)
+        // A real modem tells what becomes of its calls.
+        if (!isOn && m_modem.isPlayed())
             disconnectCalls();
     });
 }
@@ -83,6 +84,14 @@ bool PhoneLine::apply(int id, CallEvent event)
 {
     const Call* const known = call(id);
     return known && known->machine().can(event) && m_modem.carryOut(id, event);
+}
+
+bool PhoneLine::hangUpAll()
+{
+    bool isAny = false;
+    for (const int id : foremostFirst(m_calls))
+        isAny = apply(id, CallEvent::HangUp) || isAny;
+    return isAny;
 }
 
 const Call* PhoneLine::current() const
@@ -147,7 +156,7 @@ bool PhoneLine::apply(CallEvent event)
 
 void PhoneLine::noteCame(int id, const Party& caller, CallState state)
 {
-    begin(id, CallStateMachine::incoming(state), caller, RC_CALL_TYPE_VOICE);
+    begin(id, CallStateMachine::foundIn(state), caller, RC_CALL_TYPE_VOICE);
 }
 
 template<typename Change>

@@ -43,6 +43,7 @@ public:
     bool hangUp() { return apply(CallEvent::HangUp); }
     bool miss() { return apply(CallEvent::Miss); }
     bool fail() { return apply(CallEvent::Fail); }
+    bool hangUpAll();
     /// Does it to the call @p id.
     bool apply(int id, CallEvent event);
     /// @}

@@ -68,8 +68,7 @@ void PhoneRequests::setRadioMode(int32_t on)
 void PhoneRequests::setLanguage(int32_t language)
 {
     log(u"language %1"_s.arg(language));
-    constexpr int32_t kDone = 1;
-    m_line.status().report(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {kDone});
+    m_line.status().report(PHONE_MSG_RET_SET_FEATUREDB_LANG_S, {m_line.modem().takesLanguage() ? 1 : 0});
 }
 
 /// Kind 0 is the total counted here; kind 1 is always 0.

@@ -110,6 +110,27 @@ Run incoming(const QStringList& values)
     return [caller](PhoneLine& line) { return line.ring(caller); };
 }
 
+int callId(const QString& word)
+{
+    return scriptNumber(word, 1, std::numeric_limits<int>::max());
+}
+
+Run answer(const QStringList& values)
+{
+    if (values.isEmpty())
+        return &PhoneLine::answer;
+    return [id = callId(values[0])](PhoneLine& line) { return line.apply(id, CallEvent::Answer); };
+}
+
+Run hangUp(const QStringList& values)
+{
+    if (values.isEmpty())
+        return &PhoneLine::hangUp;
+    if (values[0] == u"all"_s)
+        return &PhoneLine::hangUpAll;
+    return [id = callId(values[0])](PhoneLine& line) { return line.apply(id, CallEvent::HangUp); };
+}
+
 /// What makes a line's event happen.
 struct Action
 {
@@ -119,8 +140,8 @@ struct Action
 
 constexpr Action kActions[] = {
     {kIncoming, incoming},
-    {kAnswer, [](const QStringList&) -> Run { return &PhoneLine::answer; }},
-    {kHangUp, [](const QStringList&) -> Run { return &PhoneLine::hangUp; }},
+    {kAnswer, answer},
+    {kHangUp, hangUp},
     {kMissed, [](const QStringList&) -> Run { return &PhoneLine::miss; }},
     {kFail, [](const QStringList&) -> Run { return &PhoneLine::fail; }},
     {kSnapshot, [](const QStringList&) -> Run { return [](PhoneLine& line) { return line.status().tellAgain(); }; }},

@@ -42,14 +42,17 @@ class Terminal:
     def __init__(self, modem, say):
         self.modem = modem
         self.say = say
+        self.unknown = []
+        self._ringing = None
+        self.reset()
+        modem.listeners.append(self._on_event)
+
+    def reset(self):
         self.echo = False
         self.modes = {"+CREG": 0, "+CGREG": 0, "+CRC": 0}
         self.operator_format = 0
         self.attached = True
         self.tells_indicators = False
-        self.unknown = []
-        self._ringing = None
-        modem.listeners.append(self._on_event)
 
     @property
     def percent_shown(self):
@@ -119,9 +122,9 @@ class Terminal:
         self.say(f"+USIMSTATE: {int(self.modem.sim.present)}")
 
     def _say_unlocked(self):
-        # oFono looks at a card again only when it comes. It is told after the answer to the command.
-        for line in ("+USIMSTATE: 0", "+USIMSTATE: 1"):
-            asyncio.get_running_loop().call_soon(self.say, line)
+        # oFono looks at a card again only when it comes.
+        self.say("+USIMSTATE: 0")
+        self.say("+USIMSTATE: 1")
 
     # What is asked.
 
@@ -233,7 +236,8 @@ class Terminal:
         if not self.modem.registered:
             return ["+COPS: 0"]
         network = self.modem.network
-        return [f'+COPS: 0,{self.operator_format},"{network.code if self.operator_format == 2 else network.operator}",7']
+        name = network.code if self.operator_format == 2 else network.operator
+        return [f'+COPS: 0,{self.operator_format},"{name}",7']
 
     def _operators(self, _):
         network = self.modem.network
@@ -251,7 +255,8 @@ class Terminal:
     def _indicators(self, _):
         modem = self.modem
         roaming = modem.registration == Registration.ROAMING
-        return [f"+CIND: 5,{modem.network.bars},{int(modem.registered)},{int(bool(modem.those(ACTIVE)))},{int(roaming)}"]
+        states = (5, modem.network.bars, modem.registered, bool(modem.those(ACTIVE)), roaming)
+        return [f"+CIND: {','.join(str(int(state)) for state in states)}"]
 
     def _set_indicators(self, argument):
         self.tells_indicators = not argument.startswith("0")

@@ -8,10 +8,11 @@ import contextlib
 import inspect
 import re
 import shlex
+import textwrap
 from dataclasses import dataclass
 
 from link import FAULT_KINDS, Fault
-from model import ALERTING, ACTIVE, DIALING, INCOMING, WAITING, CallState, Refused, Registration
+from model import ACTIVE, ALERTING, DIALING, CallState, Refused, Registration
 
 PATIENCE = 5000 # milliseconds, of await
 
@@ -57,6 +58,13 @@ class Control:
         modem.listeners.append(self._on_event)
         self._add_words()
 
+    def reset(self):
+        """The modem is as at the start. It must not be in use."""
+        self.modem.reset()
+        self.exchange.terminal.reset()
+        self.exchange.faults.clear()
+        self._seen = 0
+
     def add(self, name, usage, help_text, act):
         self.words[name] = Word(usage, help_text, act)
 
@@ -84,7 +92,7 @@ class Control:
                 ("fault", "[once] COMMAND KIND [ARGUMENT]", "answers AT commands that begin so wrongly; any: *",
                  self._fault),
                 ("no-faults", "", "answers as it should", self.exchange.faults.clear),
-                ("say", "LINE", "the modem says a line by itself", self.exchange._say),
+                ("say", "LINE", "the modem says a line by itself", self.exchange.say),
                 ("log", "", "lists what network and card saw: dial NUMBER [hide|show] [emergency], answer, hangup, "
                  "chld OPERATION, tone TONE, pin CODE right|wrong, puk ...", lambda: self.modem.log),
                 ("await", "TEXT [MS]", "waits until the log has a further line that begins so", self._await),
@@ -109,13 +117,15 @@ class Control:
             return [*(answer or ()), "ok"]
         except Refused as refusal:
             return [f"error the modem cannot do that now ({refusal})"]
-        except (ControlError, ValueError) as error:
+        except (ControlError, OSError, ValueError) as error:
             return [f"error {error}"]
 
     def _help(self):
-        width = max(len(f"{name} {word.usage}") for name, word in self.words.items())
-        yield from (f"{name + ' ' + word.usage:{width}}  {word.help}" for name, word in self.words.items())
-        yield from (f"{'  fault COMMAND ' + name:{width}}  {kind.help}" for name, kind in FAULT_KINDS.items())
+        rows = [(f"{name} {word.usage}", word.help) for name, word in self.words.items()]
+        rows += [(f"fault COMMAND {name}", kind.help) for name, kind in FAULT_KINDS.items()]
+        for usage, text in rows:
+            yield usage.rstrip()
+            yield from textwrap.wrap(text, 100, initial_indent="    ", subsequent_indent="    ")
 
     # Calls.
 

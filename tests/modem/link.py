@@ -36,7 +36,7 @@ class Exchange:
     """Gives a modem's answers to any number of connections, and says to all what it says by itself."""
 
     def __init__(self, modem, traffic=None):
-        self.terminal = Terminal(modem, self._say)
+        self.terminal = Terminal(modem, self.say)
         self.faults = []
         self.addresses = [] # ("tcp", port) or ("unix", path)
         self._servers = []
@@ -67,7 +67,11 @@ class Exchange:
         for writer in self._writers:
             writer.transport.abort()
 
-    def _say(self, line):
+    def say(self, line):
+        """What comes of a command comes after its answer."""
+        asyncio.get_running_loop().call_soon(self._write, line)
+
+    def _write(self, line):
         self.trace("<", line)
         for writer in self._writers:
             writer.write(lines_of([line]))

@@ -176,12 +176,16 @@ class Modem:
     EMERGENCY_WITHOUT_CARD = ("112", "911", "000", "08", "110", "118", "119", "999")
 
     def __init__(self):
+        self.listeners = []
+        self.reset()
+
+    def reset(self):
+        """As it was at the start, and tells nobody."""
         self.sim = Sim()
         self.network = Network()
         self.functionality = self.FULL
         self.calls = []
         self.log = []
-        self.listeners = []
 
     def tell(self, event, *details):
         for listener in list(self.listeners):
@@ -223,20 +227,20 @@ class Modem:
 
     def insert_sim(self):
         self.sim.present = True
-        self.restart_sim()
+        self.sim.restart()
+        self.tell("sim")
+        self.tell("registration")
 
     def remove_sim(self):
         self.sim.present = False
         self.tell("sim")
+        self.tell("registration")
 
     def restart_sim(self):
-        """Takes the card out and puts it in, as daemons notice it."""
-        present, self.sim.present = self.sim.present, False
-        self.tell("sim")
-        self.sim.present = present
-        self.sim.restart()
-        if present:
-            self.tell("sim")
+        """Takes a card that is there out, and puts it in."""
+        if self.sim.present:
+            self.remove_sim()
+            self.insert_sim()
 
     def unlock(self, what, *codes):
         """Enters the codes of a PIN or PUK, and notes how that went."""

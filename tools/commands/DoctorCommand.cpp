@@ -22,10 +22,15 @@ struct DoctorCheck
 
 /// Ordered so that causes come before their effects.
 constexpr DoctorCheck kChecks[] = {
-    {"environment", checkEnvironment}, {"channels", checkChannels},
-    {"processes", checkProcesses},     {"units", checkUnits},
-    {"services", checkServices},       {"store", checkStore},
-    {"settings", checkSettings},       {"switches", checkSwitches},
+    {"environment", checkEnvironment},
+    {"channels", checkChannels},
+    {"processes", checkProcesses},
+    {"units", checkUnits},
+    {"services", checkServices},
+    {"modem", checkModem},
+    {"store", checkStore},
+    {"settings", checkSettings},
+    {"switches", checkSwitches},
 };
 
 struct LevelWord

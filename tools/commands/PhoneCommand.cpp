@@ -3,13 +3,11 @@
 
 #include "handset/common/TerminationSignals.h"
 #include "handset/phone_server/PhoneControl.h"
-#include "platform/CommandFrame_p.h"
-#include "platform/Socket_Command.h"
-#include "platform/posix/UnixSocket_p.h"
 #include "tools/commands/Candidates.h"
 #include "tools/zynphone/Command.h"
 #include "tools/zynphone/Console.h"
 #include "tools/zynphone/ExitCode.h"
+#include "tools/zynphone/PhoneConnection.h"
 #include "tools/zynphone/Table.h"
 #include "tools/zynphone/Text.h"
 #include "utility/message/PhoneMessages_p.h"
@@ -19,68 +17,15 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QSocketNotifier>
+#include <QtCore/QTextStream>
 
-#include <cstring>
-#include <memory>
+#include <termios.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::tool {
 namespace {
-
-/// A connection to the phone server's control socket.
-class PhoneControl
-{
-public:
-    /// Throws a failure if there is no server.
-    PhoneControl();
-
-    /// Asks for @p command, and returns the data of the answer @p expected. Throws a failure with the server's reason
-    /// if it refuses, or if it does not answer.
-    QByteArray ask(phonecontrol::Command command, phonecontrol::Reply expected, const QByteArray& data = {});
-    /// The next answer, which must be @p expected.
-    QByteArray next(phonecontrol::Reply expected);
-    int descriptor() const { return m_socket.get(); }
-
-private:
-    const QString m_path = QLatin1String(phonecontrol::kSocketPath);
-    posix::UniqueFd m_socket;
-};
-
-PhoneControl::PhoneControl()
-    : m_socket(posix::connectUnix(QFile::encodeName(m_path), kCommandTimeout))
-{
-    if (!m_socket.isValid() || !posix::isPeerTrusted(m_socket.get()))
-        throw serviceError(u"phone server"_s, m_path);
-}
-
-QByteArray PhoneControl::ask(phonecontrol::Command command, phonecontrol::Reply expected, const QByteArray& data)
-{
-    UTIL_CommandBody body;
-    body.commandId = command;
-    body.dataLength = static_cast<int>(data.size());
-    body.AllocateDataBuffer();
-    std::memcpy(commandData(body).data(), data.constData(), commandData(body).size());
-    if (Socket_WriteCommand(m_socket.get(), &body) < 0)
-        throw serviceError(u"phone server"_s, m_path);
-    return next(expected);
-}
-
-QByteArray PhoneControl::next(phonecontrol::Reply expected)
-{
-    const std::unique_ptr<UTIL_CommandBody> reply(Socket_ReadCommand(m_socket.get()));
-    if (!reply && posix::waitUntilClosed(m_socket.get(), posix::Clock::now()))
-        throw failure(u"the phone server closed the connection"_s);
-    if (!reply)
-        throw noAnswerError(u"phone server"_s, m_path);
-    const std::span<std::byte> bytes = commandData(*reply);
-    QByteArray data(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
-    if (reply->commandId == phonecontrol::Refused)
-        throw failure(QString::fromUtf8(data));
-    if (reply->commandId != expected)
-        throw failure(u"the phone server at %1 gave an answer that no phone server gives"_s.arg(m_path));
-    return data;
-}
 
 ExitCode sayToPhone(const Invocation& invocation, Console& /*console*/)
 {
@@ -91,7 +36,7 @@ ExitCode sayToPhone(const Invocation& invocation, Console& /*console*/)
     }
     if (static_cast<size_t>(words.size()) > phonecontrol::kLongestSaying)
         throw usageError(u"that is more than the phone server takes at once"_s);
-    PhoneControl().ask(phonecontrol::Say, phonecontrol::Done, words);
+    PhoneConnection().ask(phonecontrol::Say, phonecontrol::Done, words);
     return Done;
 }
 
@@ -138,7 +83,7 @@ void showCall(Console& console, const QJsonObject& call, bool json)
 }
 
 /// Shows the calls, and each change, until the server ends or a signal comes.
-ExitCode followCalls(PhoneControl& control, Console& console, bool json, const TimeLimit& limit)
+ExitCode followCalls(PhoneConnection& control, Console& console, bool json, const TimeLimit& limit)
 {
     const handset::TerminationSignals signalsThatEnd;
     for (const QJsonObject& call : ongoingCalls(control.ask(phonecontrol::FollowCalls, phonecontrol::Calls)))
@@ -169,12 +114,63 @@ ExitCode showCalls(const Invocation& invocation, Console& console)
     const bool follows = invocation.isSet(u"follow"_s);
     if (limit.isSet() && !follows)
         throw usageError(u"--for is for --follow"_s);
-    PhoneControl control;
+    PhoneConnection control;
     if (follows)
         return followCalls(control, console, json, limit);
     const Table table(kOngoingColumns, ongoingCalls(control.ask(phonecontrol::ListCalls, phonecontrol::Calls)));
     if (json || !table.isEmpty())
         printTable(console, table, json);
+    return Done;
+}
+
+/// What is known of the modem, a line for each fact.
+ExitCode showModem(const Invocation& invocation, Console& console)
+{
+    const QJsonDocument answer =
+        QJsonDocument::fromJson(PhoneConnection().ask(phonecontrol::AskModem, phonecontrol::ModemIs));
+    if (invocation.isSet(u"json"_s)) {
+        console.write(answer);
+        return Done;
+    }
+    const QJsonObject modem = answer.object();
+    QList<QStringList> rows;
+    for (auto fact = modem.begin(); fact != modem.end(); ++fact) {
+        const QString text = fact->isBool() ? (fact->toBool() ? u"yes"_s : u"no"_s) : fact->toVariant().toString();
+        if (!text.isEmpty())
+            rows += {fact.key(), printable(text)};
+    }
+    console.write(alignedLines(rows));
+    return Done;
+}
+
+/// The next line of standard input, of which a terminal shows nothing.
+QString secretLine(Console& console, const QString& prompt)
+{
+    termios shown{};
+    const bool isTerminal = ::tcgetattr(STDIN_FILENO, &shown) == 0;
+    if (isTerminal) {
+        termios hidden = shown;
+        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        console.write(prompt);
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+    }
+    const QString line = QTextStream(stdin).readLine(phonecontrol::kLongestCode + 1);
+    if (isTerminal) {
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+        console.write(u"\n"_s);
+    }
+    return line.trimmed();
+}
+
+ExitCode unlock(const Invocation& invocation, Console& console)
+{
+    PhoneConnection phone;
+    const QStringList codes =
+        invocation.arguments().isEmpty() ? QStringList(secretLine(console, u"PIN: "_s)) : invocation.arguments();
+    QByteArray data;
+    for (const QString& code : codes)
+        data += code.toUtf8() + '\0';
+    phone.ask(phonecontrol::Unlock, phonecontrol::Done, data);
     return Done;
 }
 
@@ -220,10 +216,20 @@ Command phoneCommand()
                   .options = {jsonOption(), flagOption(u"follow"_s, u"go on with each change, until a signal comes"_s),
                               TimeLimit::option(u"end --follow after that time"_s)},
                   .run = showCalls};
+    Command modem{.name = u"modem"_s,
+                  .summary = u"Show what is known of the modem: service, SIM card, PIN, network"_s,
+                  .options = {jsonOption()},
+                  .run = showModem};
+    Command unlocking{.name = u"unlock"_s,
+                      .summary = u"Give the SIM card the PIN, or the PUK and a new PIN, that it asks for"_s,
+                      .details = u"\nWithout a code, the PIN is read from standard input, where nobody sees it.\n"_s,
+                      .arguments = {{u"PIN|PUK"_s, u"the PIN, or the PUK"_s, Argument::Optional},
+                                    {u"NEW-PIN"_s, u"behind the PUK, what is to be the PIN"_s, Argument::Optional}},
+                      .run = unlock};
     return {.name = u"phone"_s,
             .summary = u"Play the network and the other parties to a running phone server"_s,
             .details = eventDetails(),
-            .verbs = {std::move(calls)},
+            .verbs = {std::move(calls), std::move(modem), std::move(unlocking)},
             .arguments = {{u"EVENT"_s, u"what happens"_s}, {u"VALUE"_s, u"the event's values"_s, Argument::Any}},
             .sources = {{u"EVENT"_s, events}, {u"VALUE"_s, callers}},
             .run = sayToPhone};

@@ -15,6 +15,8 @@ Findings checkProcesses();
 Findings checkUnits();
 /// The sockets of the handset's services, and who serves them.
 Findings checkServices();
+/// The telephony under the phone server, unless the network is played.
+Findings checkModem();
 /// The store directory and the files in it.
 Findings checkStore();
 /// The settings files and the list of emergency numbers.
