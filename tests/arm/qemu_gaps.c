@@ -17,6 +17,12 @@ typedef int Clone(int (*run)(void*), void* stack, int flags, void* argument, ...
 typedef int OpenAt(int folder, const char* path, int flags, ...);
 typedef ssize_t Readlink(const char* path, char* buffer, size_t size);
 
+// An ARM program may start programs of this machine, which can load none of this.
+__attribute__((constructor)) static void hide(void)
+{
+    unsetenv("LD_PRELOAD");
+}
+
 // QProcess starts programs by CLONE_PIDFD, which qemu refuses, while it knows pidfd_open().
 int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
 {
@@ -38,14 +44,29 @@ int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
 
 // To qemu the folder of the libraries is the root too, since it is there: what is opened from it would be found
 // below that folder. It has no such link to the root.
+static int open_below(const char* function, int folder, const char* path, int flags, mode_t mode)
+{
+    OpenAt* const next = (OpenAt*)dlsym(RTLD_NEXT, function);
+    return next(folder, strcmp(path, "/") == 0 ? "/proc/self/root" : path, flags, mode);
+}
+
+// The name is one or the other, depending on whether file offsets have 64 bits anyway.
+int openat(int folder, const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = va_arg(rest, mode_t);
+    va_end(rest);
+    return open_below("openat", folder, path, flags, mode);
+}
+
 int openat64(int folder, const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
     const mode_t mode = va_arg(rest, mode_t);
     va_end(rest);
-    OpenAt* const next = (OpenAt*)dlsym(RTLD_NEXT, "openat64");
-    return next(folder, strcmp(path, "/") == 0 ? "/proc/self/root" : path, flags, mode);
+    return open_below("openat64", folder, path, flags, mode);
 }
 
 // The process whose program the link is, such as /proc/12/exe; 0 when it is another link.
