@@ -82,7 +82,7 @@ need_packaging() {
 
 # Adds the telephony stacks that tests run, and what they run beside.
 need_modem() {
-    zyn_packages+=(dbus libglib2.0-bin modemmanager ofono python3-dbusmock)
+    zyn_packages+=(dbus libglib2.0-bin modemmanager ofono polkitd python3-dbusmock)
 }
 
 # Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.
