@@ -277,6 +277,11 @@ void StackModem::hangUp(int id, int tries)
     });
 }
 
+bool StackModem::hasCallIn(CallState state) const
+{
+    return std::ranges::any_of(m_calls, [&](const auto& entry) { return entry.second.state == state; });
+}
+
 const StackModem::Line* StackModem::call(int id) const
 {
     const auto found = m_calls.find(id);
