@@ -14,10 +14,15 @@ set(CPACK_PACKAGE_NAME zynphone)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_CONTACT "ZynPhone developers <developers@zynphone.invalid>")
 set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev libzynphone-doc zynphone-tools)
+if(TARGET zynmodem)
+    list(APPEND CPACK_COMPONENTS_ALL zynphone-modem)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SOURCE zynphone)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE ${ZYN_ARCHITECTURE}) # empty is this machine's
+set(CPACK_ZYN_STRIP ${CMAKE_STRIP})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # Packages depend on what their files link to. Our own libraries are in no installed package, so they are named here.
@@ -32,12 +37,13 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # Describes one package; REPLACES names packages, with versions, that had files of its own. CPack has no variable for
 # Multi-Arch: that field follows the section's on a line of its own.
 function(zyn_package component)
-    cmake_parse_arguments(ARG "" "SECTION;MULTIARCH;ARCHITECTURE" "DEPENDS;SUGGESTS;REPLACES;CONTROL_EXTRA" ${ARGN})
+    cmake_parse_arguments(ARG ""
+        "SECTION;MULTIARCH;ARCHITECTURE" "DEPENDS;RECOMMENDS;SUGGESTS;REPLACES;CONTROL_EXTRA" ${ARGN})
     string(TOUPPER ${component} COMPONENT)
     if(ARG_MULTIARCH)
         string(APPEND ARG_SECTION "\nMulti-Arch: ${ARG_MULTIARCH}")
     endif()
-    foreach(field IN ITEMS DEPENDS SUGGESTS REPLACES)
+    foreach(field IN ITEMS DEPENDS RECOMMENDS SUGGESTS REPLACES)
         list(JOIN ARG_${field} ", " ARG_${field})
         set(CPACK_DEBIAN_${COMPONENT}_PACKAGE_${field} "${ARG_${field}}" PARENT_SCOPE)
     endforeach()
@@ -62,6 +68,10 @@ zyn_package(libzynphone-dev SECTION libdevel DEPENDS "libzynphone1 (= ${version}
 zyn_package(libzynphone-doc SECTION doc MULTIARCH foreign ARCHITECTURE all
     SUGGESTS libzynphone-dev REPLACES "libzynphone-dev (<< 1.0.0-2)")
 zyn_package(zynphone-tools SECTION devel DEPENDS "libzynphone1 (= ${version})")
+if(TARGET zynmodem)
+    zyn_package(zynphone-modem SECTION comm DEPENDS "libzynphone1 (= ${version})" "zynphone-tools (= ${version})"
+        RECOMMENDS "ofono | modemmanager" upower)
+endif()
 
 # Packs what an installation into the system puts there, below another root.
 set(CPACK_SET_DESTDIR ON)

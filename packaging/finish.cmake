@@ -1,7 +1,6 @@
 # Run by cpack once each component is in its folder: adds the files that only packages have, and brings the rest into
 # the form that packages need.
 find_program(gzip gzip REQUIRED)
-find_program(strip strip REQUIRED)
 
 foreach(package IN LISTS CPACK_COMPONENTS_ALL)
     set(usr ${CPACK_TEMPORARY_DIRECTORY}/${package}/usr)
@@ -41,9 +40,9 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
     endforeach()
     execute_process(COMMAND ${gzip} -9 -n ${doc}/changelog.Debian ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
 
-    file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.*)
+    file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.* ${usr}/lib/*/zynphone/*.so)
     if(binaries)
-        execute_process(COMMAND ${strip} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
+        execute_process(COMMAND ${CPACK_ZYN_STRIP} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
             COMMAND_ERROR_IS_FATAL ANY)
     endif()
     execute_process(COMMAND find ${usr} -type d -exec chmod 755 {} + COMMAND_ERROR_IS_FATAL ANY)

@@ -82,7 +82,7 @@ need_packaging() {
 
 # Adds the telephony stacks that tests run, and what they run beside.
 need_modem() {
-    zyn_packages+=(dbus libglib2.0-bin modemmanager ofono python3-dbusmock)
+    zyn_packages+=(dbus libglib2.0-bin modemmanager ofono polkitd python3-dbusmock)
 }
 
 # Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.
@@ -95,4 +95,22 @@ build_preset() {
 configure_preset() {
     mkdir -p build
     cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" >&2; return 1; }
+}
+
+# Sets `architecture`, Debian's name of it, to what follows --arch when the other arguments begin with that, and to $1
+# otherwise; `triplet` to what begins the names of its compilers, and `preset` to the one that builds for it. The rest of
+# the arguments goes to `arguments`.
+# shellcheck disable=SC2034 # the scripts use them
+take_architecture() {
+    architecture=$1 arguments=("${@:2}")
+    case "${2:-}" in
+    --help | -h) usage; exit ;;
+    --arch) architecture=${3:---} arguments=("${@:4}") ;;
+    esac
+    case "$architecture" in
+    '') ;;
+    armhf) triplet=arm-linux-gnueabihf preset=arm ;;
+    arm64) triplet=aarch64-linux-gnu preset=arm64 ;;
+    *) usage >&2; exit 2 ;;
+    esac
 }

@@ -1,4 +1,4 @@
-// Preloaded into the ARM programs under qemu-arm: what Qt asks of the kernel and qemu-arm does not pass on as it
+// Preloaded into the ARM programs under qemu: what Qt asks of the kernel and qemu does not pass on as it
 // should.
 #define _GNU_SOURCE // NOLINT(bugprone-reserved-identifier): the C library's own switch for clone() and RTLD_NEXT
 #include <dlfcn.h>
@@ -17,7 +17,13 @@ typedef int Clone(int (*run)(void*), void* stack, int flags, void* argument, ...
 typedef int OpenAt(int folder, const char* path, int flags, ...);
 typedef ssize_t Readlink(const char* path, char* buffer, size_t size);
 
-// QProcess starts programs by CLONE_PIDFD, which qemu-arm refuses, while it knows pidfd_open().
+// An ARM program may start programs of this machine, which can load none of this.
+__attribute__((constructor)) static void hide(void)
+{
+    unsetenv("LD_PRELOAD");
+}
+
+// QProcess starts programs by CLONE_PIDFD, which qemu refuses, while it knows pidfd_open().
 int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
 {
     va_list rest;
@@ -36,16 +42,31 @@ int clone(int (*run)(void*), void* stack, int flags, void* argument, ...)
     return process;
 }
 
-// To qemu-arm the folder of the libraries is the root too, since it is there: what is opened from it would be found
+// To qemu the folder of the libraries is the root too, since it is there: what is opened from it would be found
 // below that folder. It has no such link to the root.
+static int open_below(const char* function, int folder, const char* path, int flags, mode_t mode)
+{
+    OpenAt* const next = (OpenAt*)dlsym(RTLD_NEXT, function);
+    return next(folder, strcmp(path, "/") == 0 ? "/proc/self/root" : path, flags, mode);
+}
+
+// The name is one or the other, depending on whether file offsets have 64 bits anyway.
+int openat(int folder, const char* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = va_arg(rest, mode_t);
+    va_end(rest);
+    return open_below("openat", folder, path, flags, mode);
+}
+
 int openat64(int folder, const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
     const mode_t mode = va_arg(rest, mode_t);
     va_end(rest);
-    OpenAt* const next = (OpenAt*)dlsym(RTLD_NEXT, "openat64");
-    return next(folder, strcmp(path, "/") == 0 ? "/proc/self/root" : path, flags, mode);
+    return open_below("openat64", folder, path, flags, mode);
 }
 
 // The process whose program the link is, such as /proc/12/exe; 0 when it is another link.
@@ -59,14 +80,14 @@ static long process_of(const char* path)
     return process > 0 && strcmp(rest, "/exe") == 0 ? process : 0;
 }
 
-// QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu-arm. The
-// program is the first argument that the kernel gives qemu-arm.
+// QLockFile takes a lock for abandoned when its holder is another program by now: to others, each is qemu. The
+// program is the first argument that the kernel gives qemu.
 ssize_t readlink(const char* path, char* buffer, size_t size)
 {
     Readlink* const next = (Readlink*)dlsym(RTLD_NEXT, "readlink");
     const ssize_t length = next(path, buffer, size);
     const long process = length > 0 ? process_of(path) : 0;
-    if (process == 0 || !memmem(buffer, (size_t)length, "/qemu-arm", 9))
+    if (process == 0 || !memmem(buffer, (size_t)length, "/qemu-a", 7))
         return length;
 
     char name[64];
