@@ -313,6 +313,41 @@ private Q_SLOTS:
                                     "17:00000001 17:00000001");
     }
 
+    void takesTurnsWithClientsThatFlood_data()
+    {
+        QTest::addColumn<bool>("isOpen");
+        QTest::newRow("beside a client that is connected") << true;
+        QTest::newRow("beside one that comes meanwhile") << false;
+    }
+    void takesTurnsWithClientsThatFlood()
+    {
+        QFETCH(bool, isOpen);
+        constexpr int kFlood = 200; // so many answers wait in a socket
+        const QByteArray list = frame(zyn::phonecontrol::ListCalls);
+        const auto connectedClient = [&] {
+            UniqueFd fd = connectAndSend(zyn::phonecontrol::socketPath(), list);
+            return answers(fd, 1) == u"3[]" ? std::move(fd) : UniqueFd();
+        };
+        std::vector<UniqueFd> flooders(20);
+        std::ranges::generate(flooders, connectedClient);
+        UniqueFd honest = isOpen ? connectedClient() : UniqueFd();
+
+        m_server.tell(SIGSTOP);
+        for (const UniqueFd& flooder : flooders)
+            QVERIFY(send(flooder, list.repeated(kFlood)));
+        if (!isOpen)
+            honest = connectAndSend(zyn::phonecontrol::socketPath(), {});
+        QVERIFY(send(honest, frame(zyn::phonecontrol::Say, QByteArray("incoming\0000301", 14))));
+        m_server.tell(SIGCONT);
+
+        QCOMPARE(answers(honest, 1), u"1");
+        for (const UniqueFd& flooder : flooders) {
+            // Its commands that were executed before the call came in list no call.
+            const auto before = answers(flooder, kFlood).count(u"[]");
+            QVERIFY2(before < kFlood / 10, qPrintable(QString::number(before)));
+        }
+    }
+
     void tellsOfEachCallThatNobodyTakes_data()
     {
         QTest::addColumn<int>("signal");
