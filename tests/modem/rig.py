@@ -203,6 +203,7 @@ class ModemManager:
         self.daemon = Daemon(self.NAME, ["ModemManager", "--test-enable", "--test-no-udev", "--test-no-suspend-resume",
                                          "--test-no-qrtr", "--debug"], logs)
         self._police = Daemon("org.freedesktop.PolicyKit1", [PYTHON, "-m", "dbusmock", "--template", "polkitd"], logs)
+        self.others = [self._police]
         self._path = None
 
     async def prepare(self):
@@ -315,6 +316,7 @@ class Rig:
         if hasattr(self.stack, "unplug"):
             self.control.add("unplug", "", "the modem vanishes, and the daemon notices; it is back by come-back and "
                              "daemon ready", self._unplug)
+        self.control.add("bus", "kill|start", "the system bus: ends it; starts it, and the daemons anew", self._manage_bus)
         self.control.add("battery", "PERCENT|absent [charging|discharging|full|empty] [none|low|critical|action]",
                          "what UPower says: discharging, no warning", self._set_battery)
 
@@ -333,6 +335,17 @@ class Rig:
         answer = verbs[one_of(verb, list(verbs))]()
         return await answer if asyncio.iscoroutine(answer) else answer
 
+    async def _manage_bus(self, verb):
+        if one_of(verb, ["kill", "start"]) == "kill":
+            self._bus.kill()
+            await self._bus.wait()
+            return
+        for daemon in (self.stack.daemon, *self.stack.others, self.battery.daemon):
+            if daemon.runs: # some end with the bus
+                await daemon.end(signal.SIGKILL)
+        await self._start_bus()
+        await self._start_all()
+
     async def _start(self, what):
         await what.daemon.start()
         await what.bring_up()
@@ -344,9 +357,13 @@ class Rig:
                 raise RigError(f"{line}: {result.removeprefix('error ')}")
         await self._start_bus()
         await self.exchange.open()
+        os.environ["ZYN_MODEM_STACK"] = self.options.stack
         os.environ["ZYN_MODEM_CONTROL"] = str(PLACE / "control")
         os.environ["PATH"] = f"{Path(__file__).parent}:{os.environ['PATH']}"
         self._server = await self.control.listen(PLACE / "control")
+        await self._start_all()
+
+    async def _start_all(self):
         await asyncio.gather(self._start(self.battery), self._start_stack())
 
     async def _start_stack(self):
@@ -357,10 +374,10 @@ class Rig:
         configuration = PLACE / "bus.conf"
         configuration.write_text(BUS_CONFIGURATION, encoding="ascii")
         with open(self.logs / "dbus-daemon.log", "ab") as log:
-            bus = await asyncio.create_subprocess_exec(
+            self._bus = await asyncio.create_subprocess_exec(
                 "dbus-daemon", f"--config-file={configuration}", "--nofork", "--nopidfile", "--print-address",
                 stdin=asyncio.subprocess.DEVNULL, stdout=asyncio.subprocess.PIPE, stderr=log, start_new_session=True)
-        if not await bus.stdout.readline():
+        if not await self._bus.stdout.readline():
             raise RigError("dbus-daemon does not start")
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={PLACE}/bus"
 
