@@ -255,7 +255,12 @@ void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)
 
 void ModemManagerModem::askToHangUp(const Line& call, const Bus::Reply& then)
 {
-    bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
+    // Of two calls the service may forget the one that is held, while the network goes on with it: so that one is
+    // taken back first.
+    if (call.state == CallState::Connected && hasCallIn(CallState::Held))
+        bus().call(at(kMmVoice), u"HangupAndAccept"_s, {}, this, then);
+    else
+        bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
 }
 
 void ModemManagerModem::askForTone(const Line& call, QChar key)

@@ -45,6 +45,11 @@ bool isRegistered(const PhoneFacts& facts)
     return facts.registration == Registration::Registered;
 }
 
+bool hasData(const PhoneFacts& facts)
+{
+    return isRegistered(facts) && facts.isDataAttached.value_or(false);
+}
+
 FieldValue imsiBlock(const PhoneFacts& facts)
 {
     return FieldValue(facts.imsi.toLatin1().left(TAPI_IMSI_LENGTH).leftJustified(TAPI_IMSI_LENGTH + 1, '\0'));
@@ -81,10 +86,8 @@ const StatusRow kStatusRows[] = {
          const bool isShown = isRegistered(facts) && !facts.providerName.isEmpty();
          return Values{FieldValue(isShown ? facts.providerName : u""_s), FieldValue(isShown ? 1 : 0)};
      }},
-    {Type::PHONE_MSG_GPRS_ATTACHED_S,
-     [](const PhoneFacts& facts) { return Values{number(facts.isDataAttached.value_or(false))}; }},
-    {Type::PHONE_MSG_GPRS_SERVICE_S,
-     [](const PhoneFacts& facts) { return Values{number(facts.isDataAttached.value_or(false))}; }},
+    {Type::PHONE_MSG_GPRS_ATTACHED_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},
+    {Type::PHONE_MSG_GPRS_SERVICE_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},
 };
 
 /// The numbers of @p facts that a list can have, and those that reach help everywhere, each once.

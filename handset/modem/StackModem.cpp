@@ -23,6 +23,9 @@ constexpr std::chrono::seconds kPatience{10};
 /// How long a service takes at most to find calls that it has not made.
 constexpr std::chrono::seconds kUntilPolled{3};
 
+/// How long a service takes to learn from the card how many tries are left.
+constexpr std::chrono::milliseconds kUntilCounted{300};
+
 /// How often a call is hung up that the service does not hang up, and how long after the last time.
 constexpr int kTries = 10;
 constexpr std::chrono::milliseconds kBetweenHangUps{500};
@@ -142,9 +145,11 @@ void StackModem::unlock(const Codes& codes, const Result& then)
         if (failure.isEmpty())
             return then({});
         logFailure(u"unlocking the card"_s, reply);
-        askForTries([this, then, failure] {
-            const QString why = u"the card did not take it (%1)"_s.arg(failure);
-            then(m_facts.triesLeft ? why + u"; tries left: %1"_s.arg(*m_facts.triesLeft) : why);
+        QTimer::singleShot(kUntilCounted, this, [this, then, failure] {
+            askForTries([this, then, failure] {
+                const QString why = u"the card did not take it (%1)"_s.arg(failure);
+                then(m_facts.triesLeft ? why + u"; tries left: %1"_s.arg(*m_facts.triesLeft) : why);
+            });
         });
     });
 }
@@ -270,6 +275,11 @@ void StackModem::hangUp(int id, int tries)
             logFailure(u"hanging up"_s, reply);
         QTimer::singleShot(kBetweenHangUps, this, [this, id, tries] { hangUp(id, tries - 1); });
     });
+}
+
+bool StackModem::hasCallIn(CallState state) const
+{
+    return std::ranges::any_of(m_calls, [&](const auto& entry) { return entry.second.state == state; });
 }
 
 const StackModem::Line* StackModem::call(int id) const

@@ -109,6 +109,7 @@ protected:
 
     bool hasCall(const QString& path) const { return idOf(path) != 0; }
     bool hasCalls() const { return !m_calls.empty(); }
+    bool hasCallIn(CallState state) const;
     int idOf(const QString& path) const;
     const Line* call(int id) const;
     /// A placed call that has no object yet, or 0.

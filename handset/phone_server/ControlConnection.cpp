@@ -45,10 +45,12 @@ bool isSecretCode(const QString& code)
 }
 
 /// Why something that can happen does not happen now.
-QString obstacle(const PhoneLine& line)
+QString obstacle(const PhoneLine& line, const QString& word)
 {
-    if (!line.modem().isPlayed())
-        return u"the network does not do what is said here"_s;
+    const bool isOfNetwork = std::ranges::any_of(
+        kLineEvents, [&](const LineEvent& event) { return event.isOfNetwork && word == QLatin1String(event.name); });
+    if (isOfNetwork && !line.modem().isPlayed())
+        return u"the network is not played here"_s;
     if (!line.hasRadio())
         return u"the radio is off"_s;
     if (const Call* call = line.current())
@@ -68,7 +70,7 @@ void makeHappen(const QStringList& words, PhoneLine& line)
         return;
     if (words.first() == QLatin1String(kSnapshot.name))
         throw ScriptError{u"no state has been told yet"_s};
-    throw ScriptError{u"'%1' does not apply: %2"_s.arg(words.first(), obstacle(line))};
+    throw ScriptError{u"'%1' does not apply: %2"_s.arg(words.first(), obstacle(line, words.first()))};
 }
 
 } // namespace

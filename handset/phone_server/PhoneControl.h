@@ -53,13 +53,14 @@ struct LineEvent
     qsizetype fewestValues;
     qsizetype mostValues;
     const char* meaning;
+    bool isOfNetwork = false; ///< only the network of a desk does what somebody says
 };
 
-inline constexpr LineEvent kIncoming{"incoming", "number [name]", 1, 2, "somebody calls"};
+inline constexpr LineEvent kIncoming{"incoming", "number [name]", 1, 2, "somebody calls", true};
 inline constexpr LineEvent kAnswer{"answer", "[id]", 0, 1, "the call that rings, here or there, is answered"};
 inline constexpr LineEvent kHangUp{"hangup", "[id|all]", 0, 1, "the call ends"};
-inline constexpr LineEvent kMissed{"missed", "", 0, 0, "the caller gives up before anybody answers"};
-inline constexpr LineEvent kFail{"fail", "", 0, 0, "the network does not put the placed call through"};
+inline constexpr LineEvent kMissed{"missed", "", 0, 0, "the caller gives up before anybody answers", true};
+inline constexpr LineEvent kFail{"fail", "", 0, 0, "the network does not put the placed call through", true};
 inline constexpr LineEvent kSnapshot{"snapshot", "", 0, 0, "all states that are known are told again"};
 
 inline constexpr LineEvent kLineEvents[] = {kIncoming, kAnswer, kHangUp, kMissed, kFail, kSnapshot};

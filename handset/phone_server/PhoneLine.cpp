@@ -88,10 +88,8 @@ bool PhoneLine::apply(int id, CallEvent event)
 
 bool PhoneLine::hangUpAll()
 {
-    bool isAny = false;
-    for (const int id : foremostFirst(m_calls))
-        isAny = apply(id, CallEvent::HangUp) || isAny;
-    return isAny;
+    const std::vector<int> ids = foremostFirst(m_calls);
+    return std::ranges::count_if(ids, [&](int id) { return apply(id, CallEvent::HangUp); }) > 0;
 }
 
 const Call* PhoneLine::current() const

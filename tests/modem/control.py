@@ -58,6 +58,13 @@ class Control:
         modem.listeners.append(self._on_event)
         self._add_words()
 
+    def reset(self):
+        """The modem is as at the start. It must not be in use."""
+        self.modem.reset()
+        self.exchange.terminal.reset()
+        self.exchange.faults.clear()
+        self._seen = 0
+
     def add(self, name, usage, help_text, act):
         self.words[name] = Word(usage, help_text, act)
 
@@ -111,7 +118,7 @@ class Control:
             return [*(answer or ()), "ok"]
         except Refused as refusal:
             return [f"error the modem cannot do that now ({refusal})"]
-        except (ControlError, ValueError) as error:
+        except (ControlError, OSError, ValueError) as error:
             return [f"error {error}"]
 
     def _help(self):

@@ -176,12 +176,16 @@ class Modem:
     EMERGENCY_WITHOUT_CARD = ("112", "911", "000", "08", "110", "118", "119", "999")
 
     def __init__(self):
+        self.listeners = []
+        self.reset()
+
+    def reset(self):
+        """As it was at the start, and tells nobody."""
         self.sim = Sim()
         self.network = Network()
         self.functionality = self.FULL
         self.calls = []
         self.log = []
-        self.listeners = []
 
     def tell(self, event, *details):
         for listener in list(self.listeners):
