@@ -173,16 +173,16 @@ QString modemIs(const QString& field)
 /// What the library is told of the platform: sim-card, phone-system, fixed-dialing.
 QString stateOf(const QString& name)
 {
-    const auto* const state =
-        std::ranges::find_if(zyn::handset::kStates, [&](const auto& known) { return name == QLatin1String(known.name); });
+    const auto* const state = std::ranges::find_if(
+        zyn::handset::kStates, [&](const auto& known) { return name == QLatin1String(known.name); });
     return QString::number(zyn::handset::readState(*state));
 }
 
 /// What ends what a scenario has begun, where no daemon needs to be started anew.
 constexpr const char* kCalm[] = {"no-faults", "remote-hangup", "register home", "strength 64", "battery 80", "forget"};
 /// The first words of lines after which they are.
-const QStringList kBreaking{u"bus"_s,  u"card"_s,    u"daemon"_s, u"fault"_s, u"operator"_s, u"pin"_s, u"puk"_s,
-                            u"sim"_s,  u"unplug"_s, u"vanish"_s};
+const QStringList kBreaking{u"bus"_s, u"card"_s, u"daemon"_s, u"fault"_s,  u"operator"_s,
+                            u"pin"_s, u"puk"_s,  u"sim"_s,    u"unplug"_s, u"vanish"_s};
 
 } // namespace
 
@@ -269,8 +269,7 @@ scenario::Verbs tst_Modem::verbs()
         {u"sees"_s, [=, this](Words w) { return m_modem->say(u"await '%1' 20000"_s.arg(text(w))).join(u'|'); }},
         {u"notice"_s, [this] { return notice(); }},
         // The phone server.
-        {u"restart"_s,
-         [this](Words w) { return m_server.stop() == 0 && startServer(w.value(0, m_stack)); }},
+        {u"restart"_s, [this](Words w) { return m_server.stop() == 0 && startServer(w.value(0, m_stack)); }},
         {u"stop"_s, [this] { return m_server.stop(); }},
         {u"logged"_s, [=, this](Words w) { return m_server.logged().count(scenario::bytes(text(w))); }},
         {u"line"_s, [] { return line(); }},
