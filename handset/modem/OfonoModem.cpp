@@ -137,8 +137,10 @@ const PropertyRow kOfonoProperties[] = {
      [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.isDataAttached = busBool(value); }},
 };
 
-/// What is no more when the registration is lost, and no signal tells so.
+/// @{ What is no more when the registration is lost, or the card is taken out, and no signal tells so.
 constexpr std::array kGoneUnregistered{"Strength", "MobileCountryCode", "MobileNetworkCode"};
+constexpr std::array kGoneWithCard{"SubscriberIdentity", "ServiceProviderName", "Retries"};
+/// @}
 
 /// The interfaces whose properties are read.
 const std::array<const QString*, 4> kRead{&kSim, &kNetwork, &kVoice, &kData};
@@ -439,6 +441,10 @@ void OfonoModem::note(const QString& interface, const QString& property, const Q
         && meaning(kRegistrations, busText(value), Registration::Unknown) != Registration::Registered) {
         for (const char* vanishing : kGoneUnregistered)
             note(kNetwork, QLatin1String(vanishing), {});
+    }
+    if (interface == kSim && property == u"Present"_s && busBool(value) == false) {
+        for (const char* vanishing : kGoneWithCard)
+            note(kSim, QLatin1String(vanishing), {});
     }
     const auto row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
         return interface == known.interface && property == QLatin1String(known.property);

@@ -37,11 +37,12 @@ struct Obstacle
     const char* text;
 };
 
+/// Some modems are off as long as there is no card, or it is locked: that is told first.
 constexpr Obstacle kObstacles[] = {
-    {[](const PhoneFacts& facts) { return !facts.isOnline; }, "the radio is off"},
     {[](const PhoneFacts& facts) { return facts.sim == SimCard::None; }, "there is no SIM card"},
     {[](const PhoneFacts& facts) { return facts.sim == SimCard::Locked; },
      "the SIM card asks for a PIN: see 'zynphone phone unlock'"},
+    {[](const PhoneFacts& facts) { return !facts.isOnline; }, "the radio is off"},
     {[](const PhoneFacts& facts) { return facts.registration != Registration::Registered; }, "there is no service"},
     {[](const PhoneFacts& facts) { return !facts.hasVoice; }, "the modem takes no calls"},
 };
