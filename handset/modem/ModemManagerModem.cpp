@@ -153,8 +153,23 @@ const InterfaceRow kInterfaces[] = {
     {kMmModem, noteMmModem},
     {kMm3gpp, noteMm3gpp},
     {kMmSim, noteMmSim},
-    {kMmVoice, [](PhoneFacts& facts, const QVariantMap& voice) { facts.hasVoice = !voice.isEmpty(); }},
+    {kMmVoice, [](PhoneFacts& facts, const QVariantMap& /*voice*/) { facts.hasVoice = true; }},
 };
+
+/// The properties that these read: no others are kept.
+constexpr std::array kKept{"State",
+                           "StateFailedReason",
+                           "PowerState",
+                           "UnlockRequired",
+                           "UnlockRetries",
+                           "SignalQuality",
+                           "Sim",
+                           "RegistrationState",
+                           "OperatorName",
+                           "OperatorCode",
+                           "PacketServiceState",
+                           "Imsi",
+                           "EmergencyNumbers"};
 
 /// The interfaces in @p value, a{sa{sv}}; none when it is something else.
 QMap<QString, QVariantMap> interfacesIn(const QVariant& value)
@@ -386,7 +401,7 @@ void ModemManagerModem::dropInterface(const QString& interface)
     if (!m_known.contains(interface))
         return;
     m_known.remove(interface);
-    note(interface, {});
+    noteModem();
     if (interface == kMmVoice)
         noteAllOver();
 }
@@ -407,7 +422,10 @@ void ModemManagerModem::note(const QString& interface, const QVariantMap& proper
     if (std::ranges::none_of(kInterfaces, [&](const InterfaceRow& row) { return interface == row.interface; }))
         return;
     QVariantMap& all = m_known[interface];
-    all.insert(properties);
+    for (const char* name : kKept) {
+        if (const auto property = properties.find(QLatin1String(name)); property != properties.end())
+            all.insert(property.key(), property.value());
+    }
     noteModem();
     if (interface != kMmModem)
         return;
@@ -422,7 +440,7 @@ void ModemManagerModem::readSim(const QString& path)
         return;
     m_sim = path;
     m_known.remove(kMmSim);
-    note(kMmSim, {});
+    noteModem();
     if (path.isEmpty())
         return;
     bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmSim}, this,
@@ -536,7 +554,7 @@ void ModemManagerModem::noteModem()
         facts = {};
         facts.hasModem = true;
         for (const InterfaceRow& row : kInterfaces) {
-            if (!m_isMute)
+            if (!m_isMute && m_known.contains(row.interface))
                 row.note(facts, m_known.value(row.interface));
         }
     });

@@ -60,6 +60,9 @@ constexpr std::array<OfonoWord<CallState>, 6> kCallStates{{{QLatin1String("diali
                                                            {QLatin1String("waiting"), CallState::Waiting},
                                                            {QLatin1String("active"), CallState::Connected},
                                                            {QLatin1String("held"), CallState::Held}}};
+/// How many calls that are over here may go on there.
+constexpr qsizetype kMostUnknown = 16;
+
 /// Between two attempts to switch on a modem that cannot be.
 constexpr std::chrono::seconds kBetweenSwitches{10};
 
@@ -433,10 +436,12 @@ void OfonoModem::askForProperties(const QString& interface, const std::function<
 
 void OfonoModem::note(const QString& interface, const QString& property, const QVariant& value)
 {
-    if (std::ranges::none_of(kRead, [&](const QString* read) { return interface == *read; }))
+    const auto* const row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
+        return interface == known.interface && property == QLatin1String(known.property);
+    });
+    if (row == std::end(kOfonoProperties))
         return;
-    QVariantMap& all = m_known[interface];
-    all[property] = value;
+    m_known[interface][property] = value;
     if (interface == kNetwork && property == u"Status"_s
         && meaning(kRegistrations, busText(value), Registration::Unknown) != Registration::Registered) {
         for (const char* vanishing : kGoneUnregistered)
@@ -446,11 +451,7 @@ void OfonoModem::note(const QString& interface, const QString& property, const Q
         for (const char* vanishing : kGoneWithCard)
             note(kSim, QLatin1String(vanishing), {});
     }
-    const auto row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
-        return interface == known.interface && property == QLatin1String(known.property);
-    });
-    if (row != std::end(kOfonoProperties))
-        learn([&](PhoneFacts& facts) { row->note(facts, value, m_known[interface]); });
+    learn([&](PhoneFacts& facts) { row->note(facts, value, m_known[interface]); });
 }
 
 void OfonoModem::askForCalls()
@@ -518,7 +519,8 @@ void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
 /// Ends a call that was hung up before it had an object.
 void OfonoModem::hangUpUnknown(const QString& path)
 {
-    m_unknown.insert(path);
+    if (m_unknown.size() < kMostUnknown)
+        m_unknown.insert(path);
     bus().call(callAt(path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
         if (!failureOf(reply).isEmpty())
             logFailure(u"hanging up"_s, reply);
