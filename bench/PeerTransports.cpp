@@ -22,7 +22,6 @@ namespace bench {
 namespace {
 
 constexpr char kZmq[] = "ZeroMQ";
-constexpr char kDbus[] = "libdbus";
 constexpr char kQtDbus[] = "Qt's D-Bus";
 
 #if defined ZYN_BENCH_DBUS || defined ZYN_BENCH_QTDBUS

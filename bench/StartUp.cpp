@@ -26,9 +26,10 @@ double sampleStarts(const std::string& name)
     return taken[taken.size() / 2];
 }
 
-/// Has a fresh process of @p name send one message to a listener of @p kind.
-Prepare sendOnce(const std::string& kind, const std::string& name, bool untilHeard)
+/// Has a fresh process of @p command, a program's name and its arguments, send one message to a listener of @p kind.
+Prepare sendOnce(const std::string& kind, Child::Words command, bool untilHeard)
 {
+    command.front() = program(command.front());
     return [=](const QByteArray& directory) -> Job {
         const auto listener = std::make_shared<Audience>(directory, kind);
         const auto sample = [=] {
@@ -37,7 +38,7 @@ Prepare sendOnce(const std::string& kind, const std::string& name, bool untilHea
                 listener->expect(1);
                 qputenv("ZYN_QCOP_PATH", directory);
                 const int64_t start = now();
-                Child child({program(name)});
+                Child child(command);
                 require(child.finish(), "a program that sends");
                 const int64_t end = now();
                 taken.push_back(static_cast<double>((untilHeard ? listener->heard() : end) - start));
@@ -56,18 +57,31 @@ Prepare start(const std::string& name)
     };
 }
 
+Column firstMessageOfDbus([[maybe_unused]] bool untilHeard)
+{
+#ifdef ZYN_BENCH_DBUS
+    return {kDbus, sendOnce("dbus", {"zyn-start-dbus"}, untilHeard)};
+#else
+    return {kDbus, nullptr};
+#endif
+}
+
 Row firstMessage(const char* name, bool untilHeard)
 {
-    Prepare dbus = nullptr;
-#ifdef ZYN_BENCH_DBUS
-    dbus = sendOnce("dbus", "zyn-start-dbus", untilHeard);
-#endif
     return {.name = name,
             .goal = 1.2,
             .base = kByHand,
-            .columns = {{kOurs, sendOnce("channel", "zyn-start-channel", untilHeard)},
-                        {kByHand, sendOnce("socket", "zyn-start-socket", untilHeard)},
-                        {"libdbus", dbus}}};
+            .columns = {{kOurs, sendOnce("channel", {"zyn-start-channel"}, untilHeard)},
+                        {kByHand, sendOnce("socket", {"zyn-start-socket"}, untilHeard)},
+                        firstMessageOfDbus(untilHeard)}};
+}
+
+Row firstMessageFromC(const char* name, bool untilHeard)
+{
+    return {.name = name,
+            .goal = 1,
+            .base = kDbus,
+            .columns = {{kOurs, sendOnce("phone", {"zyn-start-c", "80"}, untilHeard)}, firstMessageOfDbus(untilHeard)}};
 }
 
 } // namespace
@@ -77,6 +91,8 @@ std::vector<Row> startUpRows()
     return {
         firstMessage("message of a fresh process, until heard", true),
         firstMessage("message of a fresh process, until it ended", false),
+        firstMessageFromC("message of a fresh process, from C without Qt, until heard", true),
+        firstMessageFromC("message of a fresh process, from C without Qt, until it ended", false),
         {"load the library", 1.15, kByHand, {{kOurs, start("zyn-start-library")}, {kByHand, start("zyn-start-qt")}}},
     };
 }

@@ -23,12 +23,22 @@ constexpr char kMessage[] = "message";
 
 constexpr size_t kGatheredFrames = 65'536 / kFrameSize;
 
-void listenOnChannel(Ear& ear)
+void listenOn(const char* name, Ear& ear)
 {
-    const QCopChannel channel(kTransportChannel);
+    const QCopChannel channel(name);
     QObject::connect(&channel, &QCopChannel::received, &channel, [&ear] { ear.hear(); });
     answer("ready");
     QCoreApplication::exec();
+}
+
+void listenOnChannel(Ear& ear)
+{
+    listenOn(kTransportChannel, ear);
+}
+
+void listenToPhone(Ear& ear)
+{
+    listenOn("/ZYN/phone", ear);
 }
 
 class ChannelTransport : public Transport
@@ -147,6 +157,7 @@ std::vector<Kind> ourTransports()
          .listen = listenOnChannel,
          .connect = [](int) -> std::unique_ptr<Transport> { return std::make_unique<ChannelTransport>(); },
          .shown = kOurs},
+        {.name = "phone", .listen = listenToPhone, .connect = nullptr}, // to hear programs that send only there
         {.name = "socket",
          .listen = listenOnSocket,
          .connect = [](int listeners) -> std::unique_ptr<Transport> {

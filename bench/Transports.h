@@ -16,6 +16,9 @@ inline constexpr char kPayload[] = "fifteen bytes..";
 /// What a frame of ours takes on the way, so that bare ones are as long.
 inline constexpr size_t kFrameSize = 39;
 
+/// The column of the peer that can do what one message from a fresh process does.
+inline constexpr char kDbus[] = "libdbus";
+
 /// What sender and listeners share: how many messages each listener is to hear, and when it heard the last of them.
 struct Board
 {

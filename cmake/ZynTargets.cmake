@@ -48,7 +48,7 @@ function(zyn_configure_target target)
     endif()
 endfunction()
 
-# Precompiles headers for the targets that reuse them. Sources still include what they use: scripts/check arm compiles
+# Precompiles headers for the targets that reuse them. Sources still include what they use: the preset package compiles
 # them without.
 function(zyn_add_precompiled_headers target)
     cmake_parse_arguments(ARG "" "" "HEADERS;LIBRARIES" ${ARGN})

@@ -4,9 +4,7 @@
 #include "platform/Socket_Command.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/File_p.h"
-#include "recentcall/utility/RC_Interface.h"
-#include "recentcall/utility/RC_RecordInterface.h"
-#include "recentcall/utility/RecentCall_Client_p.h"
+#include "tests/support/PhoneClients.h"
 #include "tests/support/Process.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/SocketClient.h"
@@ -16,7 +14,6 @@
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_VoiceCall.h"
-#include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QDir>
@@ -27,7 +24,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace zyn::voicecall;
+using zyn::handset::CallEnd;
 using zyn::handset::CallEvent;
+using zyn::handset::CallState;
 using zyn::handset::CallStateMachine;
 using zyn::posix::Clock;
 using zyn::posix::UniqueFd;
@@ -35,24 +34,6 @@ using zyn::posix::UniqueFd;
 namespace {
 
 constexpr uid_t kSomebody = 12345;
-
-/// The next @p count replies, by name.
-QString replies(const UniqueFd& fd, int count)
-{
-    static const QMap<int, QString> names = {{CallDialing, u"dialing"_s},
-                                             {CallAlerting, u"alerting"_s},
-                                             {CallConnected, u"connected"_s},
-                                             {CallEnded, u"ended"_s},
-                                             {CallFailed, u"failed"_s}};
-    QStringList texts;
-    while (texts.size() < count) {
-        zyn::CommandFrameHeader::Bytes bytes = {};
-        const auto deadline = Clock::now() + std::chrono::milliseconds(role::kTimeout);
-        const bool came = zyn::posix::receiveAll(fd.get(), bytes, deadline);
-        texts += came ? names.value(zyn::CommandFrameHeader::decode(bytes).value().code) : u"none"_s;
-    }
-    return texts.join(u' ');
-}
 
 /// The next @p count answers of the control socket: code, and data but for the time.
 QString answers(const UniqueFd& fd, int count)
@@ -81,26 +62,22 @@ QString courseOf(CallStateMachine machine, const QString& events)
     return text + QString::number(machine.category()) + end;
 }
 
-/// The calls that the recent-call service has, oldest first, voice calls last.
-QByteArrayList calls()
+/// What becomes of a call that a modem tells of, first in a state, then in others, and how it is ended: by a letter
+/// each.
+QString courseTold(const QString& letters)
 {
-    QByteArrayList texts;
-    for (const auto type : {RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1}) {
-        QPtrList<RC_RecordInterface> list;
-        if (RC_Interface().getRecordList(list, RC_CALL_CATEGORY_ALL, type) != 0)
-            return {"no answer"};
-        for (const RC_RecordInterface* call : list) {
-            const auto* data = static_cast<const RC_RecordInterfaceImpl*>(call)->getData();
-            texts.prepend(QByteArray::number(data->category) + ' ' + data->getPhoneNumber().toLatin1() + ' '
-                          + data->getDisplayName().toLatin1() + (call->getDuration() > 0 ? " talked" : " none"));
-        }
+    using enum CallState;
+    const std::map<QChar, CallState> states = {{u'D', Dialing}, {u'A', Alerting},  {u'R', Ringing},
+                                               {u'W', Waiting}, {u'C', Connected}, {u'H', Held}};
+    const std::map<QChar, CallEnd> ends = {{u'h', CallEnd::Here}, {u't', CallEnd::There}, {u'n', CallEnd::Network}};
+    auto machine = CallStateMachine::foundIn(states.at(letters[0]));
+    QString text;
+    for (const QChar letter : letters.mid(1)) {
+        const bool isEnd = ends.contains(letter);
+        const bool isTaken = machine.reach(isEnd ? machine.stateAfter(ends.at(letter)) : states.at(letter));
+        text += isTaken ? QLatin1String(nameOf(machine.state())) + u' ' : u"- "_s;
     }
-    return texts;
-}
-
-QByteArray simCall(const QByteArray& number)
-{
-    return number.leftJustified(108, '\0');
+    return text + QString::number(machine.category()) + (machine.wasConnected() ? u" talked"_s : u" none"_s);
 }
 
 void callGroup(const QString& number, const QString& name)
@@ -171,7 +148,7 @@ private:
     std::optional<Statuses> m_statuses;
     ServiceProcess m_recentCalls;
     ServiceProcess m_server;
-    std::map<QString, UniqueFd> m_clients;
+    PhoneClients m_clients;
     std::unique_ptr<FullService> m_full;
     UniqueFd m_foreign; ///< what another user holds
     zyn::posix::FileLock m_foreignLock;
@@ -293,6 +270,41 @@ private Q_SLOTS:
                                     "17:00000001 17:00000001");
     }
 
+    void takesTurnsWithClientsThatFlood_data()
+    {
+        QTest::addColumn<bool>("isOpen");
+        QTest::newRow("beside a client that is connected") << true;
+        QTest::newRow("beside one that comes meanwhile") << false;
+    }
+    void takesTurnsWithClientsThatFlood()
+    {
+        QFETCH(bool, isOpen);
+        constexpr int kFlood = 200; // so many answers wait in a socket
+        const QByteArray list = frame(zyn::phonecontrol::ListCalls);
+        const auto connectedClient = [&] {
+            UniqueFd fd = connectAndSend(zyn::phonecontrol::socketPath(), list);
+            return answers(fd, 1) == u"3[]" ? std::move(fd) : UniqueFd();
+        };
+        std::vector<UniqueFd> flooders(20);
+        std::ranges::generate(flooders, connectedClient);
+        UniqueFd honest = isOpen ? connectedClient() : UniqueFd();
+
+        m_server.tell(SIGSTOP);
+        for (const UniqueFd& flooder : flooders)
+            QVERIFY(send(flooder, list.repeated(kFlood)));
+        if (!isOpen)
+            honest = connectAndSend(zyn::phonecontrol::socketPath(), {});
+        QVERIFY(send(honest, frame(zyn::phonecontrol::Say, QByteArray("incoming\0000301", 14))));
+        m_server.tell(SIGCONT);
+
+        QCOMPARE(answers(honest, 1), u"1");
+        for (const UniqueFd& flooder : flooders) {
+            // Its commands that were executed before the call came in list no call.
+            const auto before = answers(flooder, kFlood).count(u"[]");
+            QVERIFY2(before < kFlood / 10, qPrintable(QString::number(before)));
+        }
+    }
+
     void tellsOfEachCallThatNobodyTakes_data()
     {
         QTest::addColumn<int>("signal");
@@ -337,14 +349,12 @@ private Q_SLOTS:
 scenario::Verbs tst_PhoneServer::verbs()
 {
     using Words = const QStringList&;
-    const auto put = [this](Words w, int32_t code, const QByteArray& data = {}) {
-        send(m_clients.at(w[0]), frame(code, data));
-    };
     const auto text = [](Words w) { return w.join(u' '); };
-    return {
+    scenario::Verbs all{
         {u"as"_s, [] {}},
         {u"placed"_s, [](Words w) { return courseOf(CallStateMachine::placed(), w[0]); }},
         {u"incoming"_s, [](Words w) { return courseOf(CallStateMachine::incoming(), w[0]); }},
+        {u"told"_s, [](Words w) { return courseTold(w[0]); }},
         // The server, and the recent-call service.
         {u"start"_s, [this](Words w) { return m_server.start(ZYN_PHONED, w.join(u' ')); }},
         {u"restart"_s, [=, this](Words w) { return restart(text(w)); }},
@@ -374,27 +384,19 @@ scenario::Verbs tst_PhoneServer::verbs()
         {u"changes"_s, [this] { return m_statuses->count("44"); }},
         {u"status"_s, [this](Words w) { return m_statuses->count(w[0].toLatin1()); }},
         {u"statuses"_s, [this] { return QString::fromLatin1(m_statuses->all()); }},
-        {u"calls"_s, [] { return QString::fromLatin1(calls().join(", ")); }},
         {u"emergency"_s, [](Words w) { return zyn::emergency::writeList(w); }},
         {u"sh"_s, [](Words w) { return scenario::shell(QLatin1String(zyn::voicecall::kSocketDirectory), w); }},
         {u"foreign-socket"_s, [this] { m_foreign = zyn::posix::listenUnix(zyn::voicecall::kSocketPath, 0666); }},
         {u"foreign-lock"_s, [this] { m_foreignLock.lock(QByteArray(zyn::voicecall::kSocketPath) + ".lock"); }},
         {u"replaces"_s, [this](Words w) { return replaces(w.value(0)); }},
         {u"clear"_s, [] { return clearDirectory(); }},
-        // Clients of its socket.
-        {u"connect"_s, [this](Words w) { m_clients[w[0]] = connectAndSend(socketPath(), {}); }},
+        // Clients of its sockets.
         {u"control"_s, [this](Words w) { m_clients[w[0]] = connectAndSend(zyn::phonecontrol::socketPath(), {}); }},
         {u"answers"_s, [this](Words w) { return answers(m_clients.at(w[0]), w[1].toInt()); }},
-        {u"sim"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_REGISTER, words({SimToolkit})); }},
-        {u"java"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_REGISTER, words({Java})); }},
-        {u"sim-call"_s, [=](Words w) { put(w, PHONE_VOICECALL_CMD_MAKE_CALL, simCall(w[1].toLatin1())); }},
-        {u"java-call"_s,
-         [=](Words w) { put(w, PHONE_VOICECALL_CMD_MAKE_CALL, words({7}) + w[1].toLatin1().leftJustified(44, '\0')); }},
-        {u"put"_s, [=](Words w) { put(w, w[1].toInt(), scenario::bytes(w.value(2))); }},
         {u"raw"_s, [this](Words w) { send(m_clients.at(w[0]), scenario::bytes(w[1])); }},
-        {u"replies"_s, [this](Words w) { return replies(m_clients.at(w[0]), w[1].toInt()); }},
-        {u"closed"_s, [this](Words w) { return isClosed(m_clients.at(w[0])); }},
     };
+    all.merge(clientVerbs(m_clients));
+    return all;
 }
 
 QTEST_GUILESS_MAIN(tst_PhoneServer)

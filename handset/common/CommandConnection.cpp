@@ -4,15 +4,15 @@
 #include "handset/common/Log.h"
 #include "platform/posix/UnixSocket_p.h"
 
-#include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 namespace {
 
-/// Room for a greeting and a command.
+/// The headers and the data of a greeting and of a command.
 constexpr int kReadsPerTurn = 4;
 
 } // namespace
@@ -21,7 +21,8 @@ CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData,
     : m_socket(std::move(socket))
     , m_readable(m_socket.get(), QSocketNotifier::Read)
     , m_writable(m_socket.get(), QSocketNotifier::Write)
-    , m_received(CommandFrameHeader::kSize + largestData)
+    , m_largestData(largestData)
+    , m_command(CommandFrameHeader::kSize)
 {
     m_writable.setEnabled(false);
     m_timeout.setSingleShot(true);
@@ -32,10 +33,11 @@ CommandConnection::CommandConnection(posix::UniqueFd socket, size_t largestData,
     connect(&m_timeout, &QTimer::timeout, this, &CommandConnection::closeUnlessProgressed);
 }
 
+/// Reads no further than the current command, so that what has arrived behind it waits in the socket for the next turn.
 void CommandConnection::serve()
 {
     for (int read = 0; read < kReadsPerTurn && isListening(); ++read) {
-        const ssize_t n = posix::receiveSome(m_socket.get(), std::span(m_received).subspan(m_receivedSize));
+        const ssize_t n = posix::receiveSome(m_socket.get(), std::span(m_command).subspan(m_receivedSize));
         if (n < 0)
             return;
         if (n == 0) {
@@ -45,7 +47,8 @@ void CommandConnection::serve()
             return;
         }
         m_receivedSize += static_cast<size_t>(n);
-        executeReceived();
+        if (m_receivedSize == m_command.size())
+            goOn();
         startTimeout();
     }
 }
@@ -55,44 +58,30 @@ void CommandConnection::finish()
     ::shutdown(m_socket.get(), SHUT_RD);
     while (m_socket.isValid()) {
         m_unsent.clear();
-        executeReceived();
         serve();
     }
 }
 
-void CommandConnection::executeReceived()
+/// Makes room for the data of the command whose header has come, or executes the command if it is whole.
+void CommandConnection::goOn()
 {
-    while (isListening() && executeNext())
-        restartTimeout();
-}
-
-/// Executes the first received command; false if it is incomplete or was refused.
-bool CommandConnection::executeNext()
-{
-    const auto received = std::span<const std::byte>(m_received).first(m_receivedSize);
-    if (received.size() < CommandFrameHeader::kSize)
-        return false;
-    const auto header = CommandFrameHeader::decode(received.first<CommandFrameHeader::kSize>());
-    if (!header) {
-        refuse(u"sent an invalid command"_s);
-        return false;
+    constexpr size_t kHeader = CommandFrameHeader::kSize;
+    const auto header = CommandFrameHeader::decode(std::span(std::as_const(m_command)).first<kHeader>());
+    if (m_receivedSize == kHeader) {
+        if (!header || static_cast<size_t>(header->dataLength) > m_largestData) {
+            refuse(u"sent an invalid command"_s);
+            return;
+        }
+        if (!admits(*header))
+            return;
+        m_command.resize(kHeader + static_cast<size_t>(header->dataLength));
     }
-    if (!admits(*header))
-        return false;
-    const auto data = received.subspan(CommandFrameHeader::kSize);
-    const auto length = static_cast<size_t>(header->dataLength);
-    if (data.size() < length)
-        return false;
-    execute(*header, data.first(length));
-    consume(CommandFrameHeader::kSize + length);
-    return m_socket.isValid();
-}
-
-void CommandConnection::consume(size_t bytes)
-{
-    const auto rest = std::span(m_received).first(m_receivedSize).subspan(bytes);
-    std::copy(rest.begin(), rest.end(), m_received.begin());
-    m_receivedSize = rest.size();
+    if (m_receivedSize < m_command.size())
+        return;
+    execute(*header, std::span(std::as_const(m_command)).subspan(kHeader));
+    m_command.resize(kHeader);
+    m_receivedSize = 0;
+    restartTimeout();
 }
 
 void CommandConnection::send(int32_t code, const QByteArray& data)
@@ -124,14 +113,12 @@ void CommandConnection::sendUnsent()
     m_writable.setEnabled(!m_unsent.isEmpty());
 }
 
-/// Sends what is left, then executes the commands received meanwhile.
+/// Sends what is left.
 void CommandConnection::resume()
 {
     sendUnsent();
-    if (!isListening())
-        return;
-    restartTimeout();
-    executeReceived();
+    if (isListening())
+        restartTimeout();
 }
 
 void CommandConnection::allowIdle()

@@ -60,9 +60,7 @@ protected:
 private:
     bool isListening() const { return m_socket.isValid() && m_unsent.isEmpty(); }
     bool mustProgress() const { return !m_mayIdle || m_receivedSize > 0 || !m_unsent.isEmpty(); }
-    void executeReceived();
-    bool executeNext();
-    void consume(size_t bytes);
+    void goOn();
     void sendUnsent();
     void resume();
     void startTimeout();
@@ -74,8 +72,9 @@ private:
     QSocketNotifier m_writable;
     /// Runs while the client has to make progress.
     QTimer m_timeout;
-    std::vector<std::byte> m_received;
-    size_t m_receivedSize = 0;
+    const size_t m_largestData;
+    std::vector<std::byte> m_command; ///< the current one: its header, and its data once that has come
+    size_t m_receivedSize = 0;        ///< of m_command
     QByteArray m_unsent;
     bool m_mayIdle = false;
     bool m_hasProgressed = false; ///< the client has made progress since this was last cleared

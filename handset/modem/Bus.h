@@ -48,8 +48,8 @@ public:
     /// Calls @p slot, a SLOT() of @p receiver with a QDBusMessage, for each @p signal of @p from.
     void listen(const BusAddress& from, const QString& signal, QObject* receiver, const char* slot);
 
-    /// How long a reply may take: polls of a modem take seconds, and dialing takes longer.
-    static constexpr std::chrono::milliseconds kPatience{20'000};
+    /// How long a reply may take: a modem takes seconds.
+    static constexpr std::chrono::seconds kPatience{20};
 
 Q_SIGNALS:
     /// A connection has been made. Nothing of a former one is left, subscriptions neither.

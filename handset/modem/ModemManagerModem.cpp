@@ -221,20 +221,23 @@ void ModemManagerModem::askForCall(int id, const Request& request)
 void ModemManagerModem::startCall(int id, const QString& path)
 {
     const Line* const wanted = call(id);
-    if (!wanted || wanted->isUnwanted) {
+    if (!wanted) {
+        takeCancelled(id);
         deleteCall(path);
-        noteOver(id, CallEnd::Here);
         return;
     }
     noteObject(id, path);
     m_probe.start();
-    bus().call(callAt(path), u"Start"_s, {}, this, [this, id, path](const QDBusMessage& reply) {
-        if (failureOf(reply).isEmpty())
-            return;
-        logFailure(u"the call"_s, reply);
-        noteOver(id, CallEnd::Network);
-        deleteCall(path);
-    });
+    bus().call(
+        callAt(path), u"Start"_s, {}, this,
+        [this, id, path](const QDBusMessage& reply) {
+            if (failureOf(reply).isEmpty())
+                return;
+            logFailure(u"the call"_s, reply);
+            noteOver(id, CallEnd::Network);
+            deleteCall(path);
+        },
+        kDialPatience);
 }
 
 void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)

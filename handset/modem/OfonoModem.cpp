@@ -137,8 +137,10 @@ const PropertyRow kOfonoProperties[] = {
      [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.isDataAttached = busBool(value); }},
 };
 
-/// What is no more when the registration is lost, and no signal tells so.
+/// @{ What is no more when the registration is lost, or the card is taken out, and no signal tells so.
 constexpr std::array kGoneUnregistered{"Strength", "MobileCountryCode", "MobileNetworkCode"};
+constexpr std::array kGoneWithCard{"SubscriberIdentity", "ServiceProviderName", "Retries"};
+/// @}
 
 /// The interfaces whose properties are read.
 const std::array<const QString*, 4> kRead{&kSim, &kNetwork, &kVoice, &kData};
@@ -204,15 +206,22 @@ void OfonoModem::setRadio(bool isOn)
 
 void OfonoModem::askForCall(int id, const Request& request)
 {
-    bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
-               [this, id](const QDBusMessage& reply) {
-                   if (hasSignature(reply, "o")) {
-                       noteObject(id, busPath(reply.arguments().constFirst()));
-                       return;
-                   }
-                   logFailure(u"the call"_s, reply);
-                   noteOver(id, CallEnd::Network);
-               });
+    bus().call(
+        at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
+        [this, id](const QDBusMessage& reply) {
+            const bool isCancelled = takeCancelled(id);
+            if (hasSignature(reply, "o")) {
+                const QString path = busPath(reply.arguments().constFirst());
+                if (isCancelled)
+                    hangUpUnknown(path);
+                else
+                    noteObject(id, path);
+                return;
+            }
+            logFailure(u"the call"_s, reply);
+            noteOver(id, CallEnd::Network);
+        },
+        kDialPatience);
 }
 
 void OfonoModem::askToAnswer(int /*id*/, const Line& call)
@@ -262,6 +271,7 @@ void OfonoModem::forget()
     m_modem.clear();
     m_interfaces.clear();
     m_known.clear();
+    m_unknown.clear();
     m_retry.stop();
 }
 
@@ -432,6 +442,10 @@ void OfonoModem::note(const QString& interface, const QString& property, const Q
         for (const char* vanishing : kGoneUnregistered)
             note(kNetwork, QLatin1String(vanishing), {});
     }
+    if (interface == kSim && property == u"Present"_s && busBool(value) == false) {
+        for (const char* vanishing : kGoneWithCard)
+            note(kSim, QLatin1String(vanishing), {});
+    }
     const auto row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
         return interface == known.interface && property == QLatin1String(known.property);
     });
@@ -466,7 +480,7 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
     if (asked != 0) {
         noteObject(asked, path);
         noteCallState(path, word);
-    } else if (state != CallState::Ended) {
+    } else if (state != CallState::Ended && !m_unknown.contains(path) && !(isPlaced && hasCancelled())) {
         noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
                   state);
     }
@@ -494,8 +508,21 @@ void OfonoModem::noteCallReason(const QDBusMessage& signal)
 
 void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
 {
-    if (hasSignature(signal, "o"))
-        noteOver(busPath(signal.arguments().constFirst()), CallEnd::Network);
+    if (!hasSignature(signal, "o"))
+        return;
+    const QString path = busPath(signal.arguments().constFirst());
+    m_unknown.remove(path);
+    noteOver(path, CallEnd::Network);
+}
+
+/// Ends a call that was hung up before it had an object.
+void OfonoModem::hangUpUnknown(const QString& path)
+{
+    m_unknown.insert(path);
+    bus().call(callAt(path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
+        if (!failureOf(reply).isEmpty())
+            logFailure(u"hanging up"_s, reply);
+    });
 }
 
 } // namespace zyn::handset

@@ -3,6 +3,10 @@
 
 #include "handset/modem/StackModem.h"
 
+#include <QtCore/QMap>
+#include <QtCore/QSet>
+#include <QtCore/QVariantMap>
+
 namespace zyn::handset {
 
 /// Has its calls made by ofonod: follows the first modem that it has, powers it, and has its radio on.
@@ -49,10 +53,12 @@ private:
     void addCall(const QString& path, const QVariantMap& properties);
     void switchOn();
     void noteCallState(const QString& path, const QString& state);
+    void hangUpUnknown(const QString& path);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one
     QStringList m_interfaces;
     QMap<QString, QVariantMap> m_known; ///< by interface: what depends on several properties is found again
+    QSet<QString> m_unknown;            ///< the paths of calls that are over here, and not yet there
     bool m_isRadioWanted = true;
     QTimer m_retry; ///< runs while the modem could not be switched on
 };

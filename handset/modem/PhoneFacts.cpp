@@ -50,6 +50,12 @@ bool hasData(const PhoneFacts& facts)
     return isRegistered(facts) && facts.isDataAttached.value_or(false);
 }
 
+/// @p text while the phone is registered; a null one travels in another way than an empty one.
+FieldValue networkText(const PhoneFacts& facts, const QString& text)
+{
+    return FieldValue(isRegistered(facts) && !text.isEmpty() ? text : u""_s);
+}
+
 FieldValue imsiBlock(const PhoneFacts& facts)
 {
     return FieldValue(facts.imsi.toLatin1().left(TAPI_IMSI_LENGTH).leftJustified(TAPI_IMSI_LENGTH + 1, '\0'));
@@ -77,14 +83,14 @@ const StatusRow kStatusRows[] = {
      [](const PhoneFacts& facts) { return Values{number(facts.isRoaming ? Roaming::Abroad : Roaming::Home)}; }},
     {Type::PHONE_MSG_NETWORK_STATUS_S,
      [](const PhoneFacts& facts) {
-         return Values{number(facts.registration), FieldValue(isRegistered(facts) ? facts.networkId : QString(u""_s))};
+         return Values{number(facts.registration), networkText(facts, facts.networkId)};
      }},
     {Type::PHONE_MSG_SERVICE_NAME_S,
-     [](const PhoneFacts& facts) { return Values{FieldValue(isRegistered(facts) ? facts.operatorName : u""_s)}; }},
+     [](const PhoneFacts& facts) { return Values{networkText(facts, facts.operatorName)}; }},
     {Type::PHONE_MSG_SPN_NAME_S,
      [](const PhoneFacts& facts) {
          const bool isShown = isRegistered(facts) && !facts.providerName.isEmpty();
-         return Values{FieldValue(isShown ? facts.providerName : u""_s), FieldValue(isShown ? 1 : 0)};
+         return Values{networkText(facts, facts.providerName), FieldValue(isShown ? 1 : 0)};
      }},
     {Type::PHONE_MSG_GPRS_ATTACHED_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},
     {Type::PHONE_MSG_GPRS_SERVICE_S, [](const PhoneFacts& facts) { return Values{number(hasData(facts))}; }},

@@ -37,11 +37,12 @@ struct Obstacle
     const char* text;
 };
 
+/// Some modems are off as long as there is no card, or it is locked: that is told first.
 constexpr Obstacle kObstacles[] = {
-    {[](const PhoneFacts& facts) { return !facts.isOnline; }, "the radio is off"},
     {[](const PhoneFacts& facts) { return facts.sim == SimCard::None; }, "there is no SIM card"},
     {[](const PhoneFacts& facts) { return facts.sim == SimCard::Locked; },
      "the SIM card asks for a PIN: see 'zynphone phone unlock'"},
+    {[](const PhoneFacts& facts) { return !facts.isOnline; }, "the radio is off"},
     {[](const PhoneFacts& facts) { return facts.registration != Registration::Registered; }, "there is no service"},
     {[](const PhoneFacts& facts) { return !facts.hasVoice; }, "the modem takes no calls"},
 };
@@ -75,6 +76,7 @@ void StackModem::lose()
         call.path.clear();
     }
     m_patience.start(kPatience);
+    m_cancelled.clear();
     forget();
     learn([](PhoneFacts& facts) { facts = {}; });
     tell();
@@ -117,7 +119,13 @@ bool StackModem::carryOut(int id, CallEvent event)
     Line& call = found->second;
     if (event == CallEvent::HangUp) {
         call.isUnwanted = true;
-        hangUp(id, kTries);
+        const bool hasObject = !call.path.isEmpty();
+        if (hasObject || call.isSuspended) {
+            hangUp(id, kTries);
+        } else {
+            m_cancelled.insert(id);
+            noteOver(id, CallEnd::Here);
+        }
         return true;
     }
     if (event != CallEvent::Answer || call.isPlaced)
@@ -312,6 +320,11 @@ void StackModem::tell()
 {
     m_tell.stop();
     tellFacts(m_facts, m_status);
+    if (m_facts.imsi.isEmpty())
+        return storeFacts(m_facts);
+    const QString before = std::exchange(m_lastImsi, m_facts.imsi);
+    if (!before.isEmpty() && before != m_facts.imsi)
+        m_status.report(PHONE_Msg::PHONE_MSG_SIM_CARD_CHANGED_S);
     storeFacts(m_facts);
 }
 

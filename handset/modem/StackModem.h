@@ -10,6 +10,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 
 namespace zyn::handset {
 
@@ -58,7 +59,7 @@ protected:
         QString path; ///< its object; empty until the service has one for it
         QString number;
         bool isPlaced = false;
-        bool isUnwanted = false;  ///< it is to be hung up, perhaps when it has an object
+        bool isUnwanted = false;  ///< it is to be hung up
         bool isSuspended = false; ///< the service that had it has gone
         CallState state = CallState::Dialing;
         std::optional<CallEnd> end = {}; ///< who ended it, when that is told before it is over
@@ -114,6 +115,13 @@ protected:
     const Line* call(int id) const;
     /// A placed call that has no object yet, or 0.
     int unboundCall() const;
+    /// Whether the call @p id was hung up before it had an object; asked once, when it has one.
+    bool takeCancelled(int id) { return m_cancelled.erase(id) > 0; }
+    /// Whether there is such a call: a new object may be its.
+    bool hasCancelled() const { return !m_cancelled.empty(); }
+
+    /// How long the reply to a call that is placed may take. What begins after that is taken for somebody else's call.
+    static constexpr std::chrono::seconds kDialPatience{120};
 
     /// Logs @p what has failed, and why.
     void logFailure(const QString& what, const QDBusMessage& reply);
@@ -130,9 +138,11 @@ private:
     const QString m_stack;
     PhoneFacts m_facts;
     std::map<int, Line> m_calls;
-    QString m_failure; ///< the last one
-    QTimer m_tell;     ///< what changes at once is told once
-    QTimer m_patience; ///< runs while calls wait for their service
+    std::set<int> m_cancelled;
+    QString m_failure;  ///< the last one
+    QString m_lastImsi; ///< of the card that is there, or was there last
+    QTimer m_tell;      ///< what changes at once is told once
+    QTimer m_patience;  ///< runs while calls wait for their service
     bool m_isSubscribed = false;
     bool m_wasOnline = false;
 };

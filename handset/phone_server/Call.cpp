@@ -62,10 +62,11 @@ bool CallStateMachine::reach(CallState state)
     const bool isOfSuch = direction == Direction::Either || (direction == Direction::Placed) == m_isPlaced;
     // Who has talked neither rings again nor was missed.
     const bool isLate = m_wasConnected && direction != Direction::Either;
-    if (isOver() || state == m_state || !isOfSuch || isLate)
+    const bool isBack = m_state == Alerting && state == Dialing;
+    if (isOver() || state == m_state || !isOfSuch || isLate || isBack)
         return false;
     m_state = state;
-    m_wasConnected = m_wasConnected || state == Connected;
+    m_wasConnected = m_wasConnected || state == Connected || state == Held;
     return true;
 }
 
@@ -125,7 +126,7 @@ bool Call::reach(CallState state)
 bool Call::noteState()
 {
     m_since = QDateTime::currentDateTime();
-    if (m_machine.state() == CallState::Connected && !m_talk.isValid())
+    if (m_machine.wasConnected() && !m_talk.isValid())
         m_talk.start();
     else if (m_machine.isOver() && m_talk.isValid())
         m_talked = m_talk.elapsed();

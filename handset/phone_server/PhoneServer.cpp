@@ -8,11 +8,16 @@
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 #include "utility/message/Message_p.h"
 
+#include <algorithm>
+
 namespace zyn::handset {
 namespace {
 
-/// Few people play the network at once.
-constexpr int kControlClients = 16;
+/// The most clients of the control socket: a quarter of all, as few people play the network at once.
+int controlClients(int maxConnections)
+{
+    return std::max(1, maxConnections / 4);
+}
 
 } // namespace
 
@@ -22,9 +27,9 @@ PhoneServer::PhoneServer(Modem& modem, PhoneStatus& status, const QString& prefi
     , m_line(modem, status)
     , m_prefix(prefix)
     , m_clients(
-          voicecall::socketPath(), maxConnections,
+          voicecall::socketPath(), maxConnections - controlClients(maxConnections),
           [this, timeout](posix::UniqueFd socket) { return new ClientConnection(std::move(socket), m_line, timeout); })
-    , m_control(phonecontrol::socketPath(), kControlClients, [this, timeout](posix::UniqueFd socket) {
+    , m_control(phonecontrol::socketPath(), controlClients(maxConnections), [this, timeout](posix::UniqueFd socket) {
         return new ControlConnection(std::move(socket), m_line, timeout);
     })
 {}

@@ -11,6 +11,7 @@ OK, ERROR = "OK", "ERROR" # final results
 _EXTENDED = re.compile(r'(\+[A-Z]+(?:=\?|\?|=)?)((?:[^;"]|"[^"]*")*);?', re.IGNORECASE)
 _BASIC = re.compile(r"(&?[A-Z])(\d*(?:=\d+)?)", re.IGNORECASE)
 _DIAL = re.compile(r"(\+?[0-9*#ABCD]+)([Ii]?)[Gg]?;$")
+_CALLER_ID = {"#31#": "I", "*31#": "i"} # in front of a number: as these behind it
 _TONE = re.compile(r"[0-9A-D*#]$")
 
 
@@ -135,7 +136,11 @@ class Terminal:
         match = _DIAL.match(argument)
         if not match:
             raise ValueError(argument)
-        self.modem.dial(match[1], match[2])
+        number, hides = match[1], match[2]
+        for code, letter in _CALLER_ID.items():
+            if number.startswith(code):
+                number, hides = number.removeprefix(code), letter
+        self.modem.dial(number, hides)
 
     def _list_calls(self, _=None):
         return [f'+CLCC: {call.index},{int(not call.outgoing)},{int(call.state)},0,0,"{call.number}",'

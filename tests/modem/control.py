@@ -96,6 +96,7 @@ class Control:
                 ("log", "", "lists what network and card saw: dial NUMBER [hide|show] [emergency], answer, hangup, "
                  "chld OPERATION, tone TONE, pin CODE right|wrong, puk ...", lambda: self.modem.log),
                 ("await", "TEXT [MS]", "waits until the log has a further line that begins so", self._await),
+                ("forget", "", "the log begins anew", self._forget),
                 ("unknown", "", "lists AT commands that were not understood", lambda: self.exchange.terminal.unknown),
                 ("help", "", "lists the words", self._help)):
             self.add(name, usage, help_text, act)
@@ -237,6 +238,10 @@ class Control:
                 self._seen = position + 1
                 return True
         return False
+
+    def _forget(self):
+        self.modem.log.clear()
+        self._seen = 0
 
     async def _await(self, text, patience=str(PATIENCE)):
         limit = number_in(patience, 0, 600_000) / 1000

@@ -126,6 +126,7 @@ class Rig:
             if result != "ok":
                 raise RigError(f"{line}: {result.removeprefix('error ')}")
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={PLACE}/bus"
+        os.environ["ZYN_MODEM_STACK"] = self.options.stack
         os.environ["ZYN_MODEM_CONTROL"] = str(PLACE / "control")
         os.environ["PATH"] = f"{Path(__file__).parent}:{os.environ['PATH']}"
         await self.exchange.open()
