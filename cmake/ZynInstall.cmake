@@ -35,10 +35,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zynphone.pc DESTINATION ${CMAKE_INSTAL
     COMPONENT libzynphone-dev)
 
 # What is there to be read is one component, and lies as in the source tree, so that the links of the documents lead
-# somewhere: README, documents, the examples, and the day that they name.
+# somewhere: README, documents, the examples, and the days that they name.
 set(ZYN_INSTALL_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/libzynphone-dev)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc)
-install(FILES handset/day/desk.day DESTINATION ${ZYN_INSTALL_DOCUMENTS}/handset/day COMPONENT libzynphone-doc)
+install(FILES handset/day/desk.day handset/day/modem.day
+    DESTINATION ${ZYN_INSTALL_DOCUMENTS}/handset/day COMPONENT libzynphone-doc)
 install(DIRECTORY docs DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE PATTERN reference EXCLUDE)
 install(DIRECTORY examples DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc

@@ -13,7 +13,10 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zynphone)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_CONTACT "ZynPhone developers <developers@zynphone.invalid>")
-set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev libzynphone-doc zynphone-tools)
+set(CPACK_COMPONENTS_ALL libzynphone1 libzynphone-dev zynphone-tools)
+if(NOT CMAKE_CROSSCOMPILING) # it is the same for every machine
+    list(APPEND CPACK_COMPONENTS_ALL libzynphone-doc)
+endif()
 if(TARGET zynmodem)
     list(APPEND CPACK_COMPONENTS_ALL zynphone-modem)
 endif()
