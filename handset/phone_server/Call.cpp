@@ -65,7 +65,7 @@ bool CallStateMachine::reach(CallState state)
     if (isOver() || state == m_state || !isOfSuch || isLate)
         return false;
     m_state = state;
-    m_wasConnected = m_wasConnected || state == Connected;
+    m_wasConnected = m_wasConnected || state == Connected || state == Held;
     return true;
 }
 
@@ -125,7 +125,7 @@ bool Call::reach(CallState state)
 bool Call::noteState()
 {
     m_since = QDateTime::currentDateTime();
-    if (m_machine.state() == CallState::Connected && !m_talk.isValid())
+    if (m_machine.wasConnected() && !m_talk.isValid())
         m_talk.start();
     else if (m_machine.isOver() && m_talk.isValid())
         m_talked = m_talk.elapsed();
