@@ -2,6 +2,7 @@
 #include "handset/modem/OfonoModem.h"
 
 #include "handset/common/Log.h"
+#include "utility/PHONE_EmergencyCall.h"
 
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusVariant>
@@ -60,6 +61,11 @@ constexpr std::array<OfonoWord<CallState>, 6> kCallStates{{{QLatin1String("diali
                                                            {QLatin1String("waiting"), CallState::Waiting},
                                                            {QLatin1String("active"), CallState::Connected},
                                                            {QLatin1String("held"), CallState::Held}}};
+/// How often an emergency call is placed that a modem does not take which has just been switched on, and how long after
+/// the last time.
+constexpr int kEmergencyTries = 10;
+constexpr std::chrono::seconds kBetweenEmergencyTries{1};
+
 /// How many calls that are over here may go on there.
 constexpr qsizetype kMostUnknown = 16;
 
@@ -209,22 +215,47 @@ void OfonoModem::setRadio(bool isOn)
 
 void OfonoModem::askForCall(int id, const Request& request)
 {
-    bus().call(
-        at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
-        [this, id](const QDBusMessage& reply) {
-            const bool isCancelled = takeCancelled(id);
-            if (hasSignature(reply, "o")) {
-                const QString path = busPath(reply.arguments().constFirst());
-                if (isCancelled)
-                    hangUpUnknown(path);
-                else
-                    noteObject(id, path);
-                return;
-            }
-            logFailure(u"the call"_s, reply);
-            noteOver(id, CallEnd::Network);
-        },
-        kDialPatience);
+    if (facts().isOnline || !PHONE_IsEmergencyCall(request.number.toLatin1().data()))
+        return askForCall(id, request, 0);
+    // Help is called with the radio off, too; it stays on afterwards, as help may call back.
+    m_isRadioWanted = true;
+    bus().call(at(kModem), u"SetProperty"_s, {u"Online"_s, QVariant::fromValue(QDBusVariant(true))}, this,
+               [this, id, request](const QDBusMessage& reply) {
+                   if (!failureOf(reply).isEmpty())
+                       logFailure(u"switching the radio on for an emergency call"_s, reply);
+                   askForCall(id, request, kEmergencyTries);
+               });
+}
+
+/// Places the call, again while the modem is not ready and there are @p tries left.
+void OfonoModem::askForCall(int id, const Request& request, int tries)
+{
+    // It was hung up meanwhile.
+    if (!call(id)) {
+        takeCancelled(id);
+        return;
+    }
+    const auto noteReply = [this, id, request, tries](const QDBusMessage& reply) {
+        if (hasSignature(reply, "o"))
+            return noteDialed(id, busPath(reply.arguments().constFirst()));
+        if (tries > 0 && call(id)) {
+            QTimer::singleShot(kBetweenEmergencyTries, this,
+                               [this, id, request, tries] { askForCall(id, request, tries - 1); });
+            return;
+        }
+        takeCancelled(id);
+        logFailure(u"the call"_s, reply);
+        noteOver(id, CallEnd::Network);
+    };
+    bus().call(at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this, noteReply, kDialPatience);
+}
+
+void OfonoModem::noteDialed(int id, const QString& path)
+{
+    if (takeCancelled(id))
+        hangUpUnknown(path);
+    else
+        noteObject(id, path);
 }
 
 void OfonoModem::askToAnswer(int /*id*/, const Line& call)

@@ -53,6 +53,8 @@ private:
     void addCall(const QString& path, const QVariantMap& properties);
     void switchOn();
     void noteCallState(const QString& path, const QString& state);
+    void askForCall(int id, const Request& request, int tries);
+    void noteDialed(int id, const QString& path);
     void hangUpUnknown(const QString& path);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one

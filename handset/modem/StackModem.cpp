@@ -75,7 +75,7 @@ void StackModem::lose()
 {
     m_isSubscribed = m_isSubscribed && m_bus.isConnected();
     for (auto& [id, call] : m_calls) {
-        call.isSuspended = !call.path.isEmpty();
+        call.isSuspended = call.isSuspended || !call.path.isEmpty();
         call.path.clear();
     }
     m_patience.start(kPatience);
