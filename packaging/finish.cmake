@@ -42,7 +42,8 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
 
     file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.* ${usr}/lib/*/zynphone/*.so)
     if(binaries)
-        execute_process(COMMAND ${CPACK_ZYN_STRIP} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
+        execute_process(
+            COMMAND ${CPACK_ZYN_STRIP} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
             COMMAND_ERROR_IS_FATAL ANY)
     endif()
     execute_process(COMMAND find ${usr} -type d -exec chmod 755 {} + COMMAND_ERROR_IS_FATAL ANY)

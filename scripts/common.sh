@@ -98,8 +98,8 @@ configure_preset() {
 }
 
 # Sets `architecture`, Debian's name of it, to what follows --arch when the other arguments begin with that, and to $1
-# otherwise; `triplet` to what begins the names of its compilers, and `preset` to the one that builds for it. The rest of
-# the arguments goes to `arguments`.
+# otherwise; `triplet` to what begins the names of its compilers, and `preset` to the one that builds for it. The rest
+# of the arguments goes to `arguments`.
 # shellcheck disable=SC2034 # the scripts use them
 take_architecture() {
     architecture=$1 arguments=("${@:2}")
