@@ -14,6 +14,11 @@ class ModemManagerModem : public StackModem
     Q_OBJECT
 
 public:
+    /// @{ The service's name on the bus, and for people.
+    static constexpr char kServiceName[] = "org.freedesktop.ModemManager1";
+    static constexpr char kName[] = "ModemManager";
+    /// @}
+
     ModemManagerModem(Bus& bus, PhoneStatus& status);
 
     void setRadio(bool isOn) override;

@@ -15,6 +15,11 @@ class OfonoModem : public StackModem
     Q_OBJECT
 
 public:
+    /// @{ The service's name on the bus, and for people.
+    static constexpr char kServiceName[] = "org.ofono";
+    static constexpr char kName[] = "oFono";
+    /// @}
+
     OfonoModem(Bus& bus, PhoneStatus& status);
 
     void setRadio(bool isOn) override;
