@@ -342,7 +342,7 @@ void ModemManagerModem::askForCalls()
             return;
         const auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().constFirst().value<QDBusArgument>());
         for (const QDBusObjectPath& path : paths)
-            askForCallProperties(path.path());
+            askForCallProperties(path.path(), Found::Before);
         // Replies come in the order of the requests: behind those on the calls.
         bus().call(at(modemmanager::kVoice), u"ListCalls"_s, {}, this,
                    [this](const QDBusMessage& /*reply*/) { noteAllFound(); });
@@ -352,31 +352,39 @@ void ModemManagerModem::askForCalls()
 void ModemManagerModem::noteCallAdded(const QDBusMessage& signal)
 {
     if (signal.path() == m_modem && !m_modem.isEmpty() && hasSignature(signal, "o"))
-        askForCallProperties(busPath(signal.arguments().constFirst()));
+        askForCallProperties(busPath(signal.arguments().constFirst()), Found::New);
 }
 
-void ModemManagerModem::askForCallProperties(const QString& path)
+void ModemManagerModem::askForCallProperties(const QString& path, Found found)
 {
     if (path.isEmpty())
         return;
     bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmCall}, this,
-               [this, path](const QDBusMessage& reply) {
+               [this, path, found](const QDBusMessage& reply) {
                    if (hasSignature(reply, "a{sv}"))
-                       addCall(path, busMap(reply.arguments().constFirst()));
+                       addCall(path, busMap(reply.arguments().constFirst()), found);
                });
 }
 
 /// A call that has come, perhaps one that is over by now, or one that was there before. Those that were asked for have
 /// their objects already.
-void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties)
+void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties, Found found)
 {
     const bool isIncoming = busNumber(properties.value(u"Direction"_s)) == kCallIncoming;
     const qint64 state = busNumber(properties.value(u"State"_s)).value_or(0);
+    const QString number = busText(properties.value(u"Number"_s));
+    if (hasCall(path))
+        return;
+    // Who was here before has logged it.
+    if (found == Found::Before && state == kCallTerminated && !isAwaited(number)) {
+        deleteCall(path);
+        return;
+    }
     const CallState seen =
         modemmanager::meaning(kMmCallStates, state, isIncoming ? CallState::Ringing : CallState::Ended);
-    if (hasCall(path) || seen == CallState::Ended)
+    if (seen == CallState::Ended)
         return;
-    noteFound(path, busText(properties.value(u"Number"_s)), {}, seen);
+    noteFound(path, number, {}, seen);
     noteState(path, state, busNumber(properties.value(u"StateReason"_s)).value_or(0));
     m_probe.start();
 }

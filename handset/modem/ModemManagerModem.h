@@ -55,8 +55,10 @@ private:
     void readSim(const QString& path);
     void enable();
     void askForCalls();
-    void askForCallProperties(const QString& path);
-    void addCall(const QString& path, const QVariantMap& properties);
+    /// Whether a call has just come, or was there when the service was first asked.
+    enum class Found : uint8_t { New, Before };
+    void askForCallProperties(const QString& path, Found found);
+    void addCall(const QString& path, const QVariantMap& properties, Found found);
     void noteState(const QString& path, qint64 state, qint64 reason);
     void startCall(int id, const QString& path);
     void deleteCall(const QString& path);
