@@ -336,6 +336,31 @@ private Q_SLOTS:
         QCOMPARE(difference(states, actual), QString());
     }
 
+    void listsWhatModemsTell()
+    {
+        QStringList documented;
+        for (const MarkdownTable& table : tablesIn(u"modems.md"_s)) {
+            if (!table.has("Message"))
+                continue;
+            for (const QStringList& row : table.rows) {
+                const QStringList types = table.cell(row, "Message").split(u", "_s);
+                const QStringList words = capturesOf(table.cell(row, "Word"), kBackticked);
+                for (qsizetype i = 0; i < types.size(); ++i)
+                    documented += types[i] + " | "_L1 + words.value(i);
+            }
+        }
+        QString told = readText(kSource + "handset/phone_server/PhoneLine.cpp"_L1);
+        for (const QString& file : QDir(kSource + "handset/modem"_L1).entryList({u"*.cpp"_s}))
+            told += readText(kSource + "handset/modem/"_L1 + file);
+        const QString types = readText(kSource + "utility/PHONE_Msg.h"_L1);
+        QStringList actual;
+        for (const QString& type : sorted(capturesOf(told, u"\\b(PHONE_MSG_\\w+_S)\\b"_s))) {
+            const QString number = capturesOf(types, type + u" = (\\d+)"_s).value(0);
+            actual += number + " | "_L1 + QLatin1String(zyn::phoneMessages()[number.toUInt()].word);
+        }
+        QCOMPARE(difference(sorted(documented), sorted(actual)), QString());
+    }
+
     void listsMessages()
     {
         QMap<QString, Message> known;

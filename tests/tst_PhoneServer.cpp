@@ -49,7 +49,7 @@ QString answers(const UniqueFd& fd, int count)
     return texts.join(u' ');
 }
 
-/// What a call does at each of @p events: Proceed, Answer, Hang up, Miss, Fail.
+/// What a call does at each of @p events: Proceed, Answer, Hang up, Miss, Fail; h: it is held, as a modem says.
 QString courseOf(CallStateMachine machine, const QString& events)
 {
     using enum CallEvent;
@@ -57,7 +57,9 @@ QString courseOf(CallStateMachine machine, const QString& events)
         {u'P', Proceed}, {u'A', Answer}, {u'H', HangUp}, {u'M', Miss}, {u'F', Fail}};
     QString text;
     for (const QChar event : events)
-        text += machine.apply(names.at(event)) ? QLatin1String(nameOf(machine.state())) + u' ' : u"- "_s;
+        text += (event == u'h' ? machine.reach(CallState::Held) : machine.apply(names.at(event)))
+                    ? QLatin1String(nameOf(machine.state())) + u' '
+                    : u"- "_s;
     const QString end = machine.isOver() ? machine.wasConnected() ? u" talked"_s : u" none"_s : u" goes on"_s;
     return text + QString::number(machine.category()) + end;
 }

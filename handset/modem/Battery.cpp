@@ -93,7 +93,10 @@ void Battery::noteChange(const QDBusMessage& signal)
 
 void Battery::note(const QVariantMap& properties)
 {
-    m_known.insert(properties);
+    for (const char* name : {"IsPresent", "WarningLevel", "State", "Percentage"}) {
+        if (const auto property = properties.find(QLatin1String(name)); property != properties.end())
+            m_known.insert(property.key(), property.value());
+    }
     tell();
 }
 

@@ -2,6 +2,7 @@
 #include "handset/modem/ModemManagerModem.h"
 
 #include "handset/common/Log.h"
+#include "handset/modem/ModemManagerFacts.h"
 
 #include <QtDBus/QDBusArgument>
 
@@ -14,15 +15,10 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-const QString kManagerService = u"org.freedesktop.ModemManager1"_s;
 const QString kManagerPath = u"/org/freedesktop/ModemManager1"_s;
 const QString kObjectManager = u"org.freedesktop.DBus.ObjectManager"_s;
 const QString kObjectProperties = u"org.freedesktop.DBus.Properties"_s;
-const QString kMmModem = kManagerService + u".Modem"_s;
-const QString kMm3gpp = kManagerService + u".Modem.Modem3gpp"_s;
-const QString kMmVoice = kManagerService + u".Modem.Voice"_s;
-const QString kMmSim = kManagerService + u".Sim"_s;
-const QString kMmCall = kManagerService + u".Call"_s;
+const QString kMmCall = u"org.freedesktop.ModemManager1.Call"_s;
 
 /// Between two attempts to enable a modem that cannot be.
 constexpr std::chrono::seconds kBetweenAttempts{10};
@@ -33,128 +29,23 @@ constexpr std::chrono::seconds kBetweenProbes{10};
 const QString kCannotAsk = u"org.freedesktop.ModemManager1.Error.Core.Connected"_s;
 
 /// @{ Numbers of ModemManager's interfaces.
-constexpr qint64 kStateFailed = -1;
 constexpr qint64 kStateDisabled = 3;
-constexpr qint64 kStateEnabled = 6;
-constexpr qint64 kFailedNoSim = 2;
-constexpr qint64 kPowerOn = 3;
 constexpr qint64 kCallRingingIn = 3;
 constexpr qint64 kCallTerminated = 7;
 constexpr qint64 kCallIncoming = 1;
 /// @}
 
-template<typename Value>
-struct MmNumber
-{
-    qint64 number;
-    Value value;
-};
-
-template<typename Value, size_t Count>
-Value mmMeaning(const std::array<MmNumber<Value>, Count>& numbers, std::optional<qint64> number, Value other)
-{
-    const auto found = std::ranges::find_if(numbers, [&](const auto& known) { return number == known.number; });
-    return found == numbers.end() ? other : found->value;
-}
-
-/// MMModemLock; what is above is the lock of a network, a provider or a phone.
-constexpr std::array<MmNumber<Pin>, 6> kLocks{
-    {{0, Pin::Unknown}, {1, Pin::NotRequired}, {2, Pin::Pin1}, {3, Pin::Pin2}, {4, Pin::Puk1}, {5, Pin::Puk2}}};
-
-/// MMModem3gppRegistrationState; the last are those of networks that take only text messages, or emergency calls, or
-/// calls by another way.
-constexpr std::array<MmNumber<Registration>, 11> kMmRegistrations{{{0, Registration::None},
-                                                                   {1, Registration::Registered},
-                                                                   {2, Registration::Searching},
-                                                                   {3, Registration::Denied},
-                                                                   {4, Registration::Unknown},
-                                                                   {5, Registration::Registered},
-                                                                   {6, Registration::None},
-                                                                   {7, Registration::None},
-                                                                   {8, Registration::None},
-                                                                   {9, Registration::Registered},
-                                                                   {10, Registration::Registered}}};
-constexpr std::array<qint64, 2> kRoamingStates{5, 10};
-
 /// MMCallState but for the end.
-constexpr std::array<MmNumber<CallState>, 6> kMmCallStates{{{1, CallState::Dialing},
-                                                            {2, CallState::Alerting},
-                                                            {3, CallState::Ringing},
-                                                            {4, CallState::Connected},
-                                                            {5, CallState::Held},
-                                                            {6, CallState::Waiting}}};
+constexpr std::array<modemmanager::Number<CallState>, 6> kMmCallStates{{{1, CallState::Dialing},
+                                                                        {2, CallState::Alerting},
+                                                                        {3, CallState::Ringing},
+                                                                        {4, CallState::Connected},
+                                                                        {5, CallState::Held},
+                                                                        {6, CallState::Waiting}}};
 
 /// MMCallStateReason of a call that is over: what the other party does has none.
-constexpr std::array<MmNumber<CallEnd>, 5> kMmReasons{
+constexpr std::array<modemmanager::Number<CallEnd>, 5> kMmReasons{
     {{0, CallEnd::There}, {4, CallEnd::Here}, {5, CallEnd::Network}, {6, CallEnd::Network}, {7, CallEnd::Network}}};
-
-/// How often the code that is asked for may still be wrong: `UnlockRetries` is a{uu}, by the numbers of the locks.
-std::optional<int> triesOf(const QVariantMap& modem)
-{
-    const auto argument = modem.value(u"UnlockRetries"_s).value<QDBusArgument>();
-    const std::optional<qint64> lock = busNumber(modem.value(u"UnlockRequired"_s));
-    if (argument.currentSignature() != u"a{uu}"_s || !lock)
-        return std::nullopt;
-    const auto tries = qdbus_cast<QMap<uint, uint>>(argument);
-    const auto found = tries.find(static_cast<uint>(*lock));
-    return found == tries.end() ? std::nullopt : std::optional(static_cast<int>(std::min(*found, 255U)));
-}
-
-void noteMmModem(PhoneFacts& facts, const QVariantMap& modem)
-{
-    const std::optional<qint64> state = busNumber(modem.value(u"State"_s));
-    const bool hasFailed = state == kStateFailed;
-    const bool lacksSim = hasFailed && busNumber(modem.value(u"StateFailedReason"_s)) == kFailedNoSim;
-    facts.isPowered = busNumber(modem.value(u"PowerState"_s)) == kPowerOn;
-    facts.isOnline = state.value_or(kStateFailed) >= kStateEnabled;
-    facts.pin = lacksSim ? Pin::Unknown : mmMeaning(kLocks, busNumber(modem.value(u"UnlockRequired"_s)), Pin::Other);
-    facts.sim = lacksSim ? SimCard::None : simCardWith(facts.pin);
-    facts.subsidyLock = subsidyLockWith(facts.pin);
-    facts.triesLeft = triesOf(modem);
-    const auto strength = modem.value(u"SignalQuality"_s).value<QDBusArgument>();
-    facts.strength = std::nullopt;
-    if (facts.isOnline && strength.currentSignature() == u"(ub)"_s) {
-        uint percent = 0;
-        bool isRecent = false;
-        strength.beginStructure();
-        strength >> percent >> isRecent;
-        strength.endStructure();
-        facts.strength = static_cast<int>(std::min(percent, 100U));
-    }
-}
-
-void noteMm3gpp(PhoneFacts& facts, const QVariantMap& network)
-{
-    const std::optional<qint64> state = busNumber(network.value(u"RegistrationState"_s));
-    constexpr qint64 kAttached = 1;
-    facts.registration = mmMeaning(kMmRegistrations, state, Registration::Unknown);
-    facts.isRoaming = state && std::ranges::find(kRoamingStates, *state) != kRoamingStates.end();
-    facts.operatorName = busText(network.value(u"OperatorName"_s));
-    facts.networkId = busText(network.value(u"OperatorCode"_s));
-    const std::optional<qint64> data = busNumber(network.value(u"PacketServiceState"_s));
-    facts.isDataAttached = data ? std::optional(*data == kAttached) : std::nullopt;
-}
-
-void noteMmSim(PhoneFacts& facts, const QVariantMap& sim)
-{
-    facts.imsi = busText(sim.value(u"Imsi"_s));
-    facts.providerName = busText(sim.value(u"OperatorName"_s));
-    facts.emergencyNumbers = busTexts(sim.value(u"EmergencyNumbers"_s));
-}
-
-/// How the properties of an interface become what is known. Without any, nothing is.
-struct InterfaceRow
-{
-    const QString& interface;
-    void (*note)(PhoneFacts& facts, const QVariantMap& properties);
-};
-
-const InterfaceRow kInterfaces[] = {
-    {kMmModem, noteMmModem},
-    {kMm3gpp, noteMm3gpp},
-    {kMmSim, noteMmSim},
-    {kMmVoice, [](PhoneFacts& facts, const QVariantMap& voice) { facts.hasVoice = !voice.isEmpty(); }},
-};
 
 /// The interfaces in @p value, a{sa{sv}}; none when it is something else.
 QMap<QString, QVariantMap> interfacesIn(const QVariant& value)
@@ -167,7 +58,7 @@ QMap<QString, QVariantMap> interfacesIn(const QVariant& value)
 } // namespace
 
 ModemManagerModem::ModemManagerModem(Bus& bus, PhoneStatus& status)
-    : StackModem(bus, status, kManagerService, u"ModemManager"_s)
+    : StackModem(bus, status, QLatin1String(kServiceName), QLatin1String(kName))
 {
     m_retry.setSingleShot(true);
     m_retry.setInterval(kBetweenAttempts);
@@ -182,7 +73,7 @@ void ModemManagerModem::subscribe()
     bus().listen(manager, u"InterfacesAdded"_s, this, SLOT(noteAdded(QDBusMessage)));
     bus().listen(manager, u"InterfacesRemoved"_s, this, SLOT(noteRemoved(QDBusMessage)));
     bus().listen({service(), {}, kObjectProperties}, u"PropertiesChanged"_s, this, SLOT(noteChange(QDBusMessage)));
-    bus().listen({service(), {}, kMmVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
+    bus().listen({service(), {}, modemmanager::kVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
     bus().listen({service(), {}, kMmCall}, u"StateChanged"_s, this, SLOT(noteCallState(QDBusMessage)));
 }
 
@@ -193,7 +84,7 @@ void ModemManagerModem::setRadio(bool isOn)
         Q_EMIT radioSwitched(false);
         return;
     }
-    bus().call(at(kMmModem), u"Enable"_s, {isOn}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(modemmanager::kModem), u"Enable"_s, {isOn}, this, [this](const QDBusMessage& reply) {
         const bool isFailure = !failureOf(reply).isEmpty();
         if (isFailure)
             logFailure(u"switching the radio"_s, reply);
@@ -206,7 +97,7 @@ void ModemManagerModem::askForCall(int id, const Request& request)
     // The interface has no choice of its own: these are the codes of 3GPP TS 22.030.
     constexpr std::array kCodes{"", "#31#", "*31#"};
     const QString number = QLatin1String(kCodes.at(static_cast<size_t>(request.callerId))) + request.number;
-    bus().call(at(kMmVoice), u"CreateCall"_s, {QVariantMap{{u"number"_s, number}}}, this,
+    bus().call(at(modemmanager::kVoice), u"CreateCall"_s, {QVariantMap{{u"number"_s, number}}}, this,
                [this, id](const QDBusMessage& reply) {
                    if (hasSignature(reply, "o")) {
                        startCall(id, busPath(reply.arguments().constFirst()));
@@ -251,7 +142,7 @@ void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)
             logFailure(u"answering"_s, reply);
     };
     if (call.state == CallState::Waiting)
-        bus().call(at(kMmVoice), u"HoldAndAccept"_s, {}, this, noteAnswer);
+        bus().call(at(modemmanager::kVoice), u"HoldAndAccept"_s, {}, this, noteAnswer);
     else
         bus().call(callAt(path), u"Accept"_s, {}, this, noteAnswer);
 }
@@ -261,7 +152,7 @@ void ModemManagerModem::askToHangUp(const Line& call, const Bus::Reply& then)
     // Of two calls the service may forget the one that is held, while the network goes on with it: so that one is
     // taken back first.
     if (call.state == CallState::Connected && hasCallIn(CallState::Held))
-        bus().call(at(kMmVoice), u"HangupAndAccept"_s, {}, this, then);
+        bus().call(at(modemmanager::kVoice), u"HangupAndAccept"_s, {}, this, then);
     else
         bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
 }
@@ -273,7 +164,7 @@ void ModemManagerModem::askForTone(const Line& call, QChar key)
 
 void ModemManagerModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
 {
-    const BusAddress sim{service(), m_sim, kMmSim};
+    const BusAddress sim{service(), m_sim, modemmanager::kSim};
     if (codes.puk.isEmpty())
         bus().call(sim, u"SendPin"_s, {codes.pin}, this, then);
     else
@@ -282,10 +173,10 @@ void ModemManagerModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
 
 void ModemManagerModem::askForTries(const std::function<void()>& then)
 {
-    bus().call({service(), m_modem, kObjectProperties}, u"GetAll"_s, {kMmModem}, this,
+    bus().call({service(), m_modem, kObjectProperties}, u"GetAll"_s, {modemmanager::kModem}, this,
                [this, then](const QDBusMessage& reply) {
                    if (hasSignature(reply, "a{sv}") && !m_modem.isEmpty())
-                       note(kMmModem, busMap(reply.arguments().constFirst()));
+                       note(modemmanager::kModem, busMap(reply.arguments().constFirst()));
                    then();
                });
 }
@@ -328,7 +219,7 @@ void ModemManagerModem::askForModems()
 /// Follows the modem @p path, unless another one is followed; learns of @p interfaces when it is the one.
 void ModemManagerModem::take(const QString& path, const Interfaces& interfaces)
 {
-    const bool isModem = interfaces.contains(kMmModem);
+    const bool isModem = interfaces.contains(modemmanager::kModem);
     if (m_modem.isEmpty() && isModem) {
         m_modem = path;
         log(u"ModemManager has the modem %1"_s.arg(path));
@@ -340,7 +231,7 @@ void ModemManagerModem::take(const QString& path, const Interfaces& interfaces)
     }
     for (auto interface = interfaces.cbegin(); interface != interfaces.cend(); ++interface)
         note(interface.key(), interface.value());
-    if (interfaces.contains(kMmVoice))
+    if (interfaces.contains(modemmanager::kVoice))
         askForCalls();
 }
 
@@ -374,7 +265,7 @@ void ModemManagerModem::noteRemoved(const QDBusMessage& signal)
     if (m_modem.isEmpty() || !hasSignature(signal, "oas") || busPath(signal.arguments().at(0)) != m_modem)
         return;
     const QStringList gone = busTexts(signal.arguments().at(1));
-    if (gone.contains(kMmModem))
+    if (gone.contains(modemmanager::kModem))
         return leave();
     for (const QString& interface : gone)
         dropInterface(interface);
@@ -386,8 +277,8 @@ void ModemManagerModem::dropInterface(const QString& interface)
     if (!m_known.contains(interface))
         return;
     m_known.remove(interface);
-    note(interface, {});
-    if (interface == kMmVoice)
+    noteModem();
+    if (interface == modemmanager::kVoice)
         noteAllOver();
 }
 
@@ -396,20 +287,20 @@ void ModemManagerModem::noteChange(const QDBusMessage& signal)
     if (!hasSignature(signal, "sa{sv}as") || m_modem.isEmpty())
         return;
     const QString interface = busText(signal.arguments().at(0));
-    const bool isOfSim = interface == kMmSim && signal.path() == m_sim;
-    const bool isOfModem = interface != kMmSim && signal.path() == m_modem;
+    const bool isOfSim = interface == modemmanager::kSim && signal.path() == m_sim;
+    const bool isOfModem = interface != modemmanager::kSim && signal.path() == m_modem;
     if (isOfSim || isOfModem)
         note(interface, busMap(signal.arguments().at(1)));
 }
 
 void ModemManagerModem::note(const QString& interface, const QVariantMap& properties)
 {
-    if (std::ranges::none_of(kInterfaces, [&](const InterfaceRow& row) { return interface == row.interface; }))
+    if (!modemmanager::isRead(interface))
         return;
     QVariantMap& all = m_known[interface];
-    all.insert(properties);
+    all.insert(modemmanager::readOf(properties));
     noteModem();
-    if (interface != kMmModem)
+    if (interface != modemmanager::kModem)
         return;
     readSim(busPath(all.value(u"Sim"_s)));
     if (busNumber(all.value(u"State"_s)) == kStateDisabled && properties.contains(u"State"_s))
@@ -421,14 +312,14 @@ void ModemManagerModem::readSim(const QString& path)
     if (path == m_sim)
         return;
     m_sim = path;
-    m_known.remove(kMmSim);
-    note(kMmSim, {});
+    m_known.remove(modemmanager::kSim);
+    noteModem();
     if (path.isEmpty())
         return;
-    bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmSim}, this,
+    bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {modemmanager::kSim}, this,
                [this, path](const QDBusMessage& reply) {
                    if (hasSignature(reply, "a{sv}") && path == m_sim)
-                       note(kMmSim, busMap(reply.arguments().constFirst()));
+                       note(modemmanager::kSim, busMap(reply.arguments().constFirst()));
                });
 }
 
@@ -436,7 +327,7 @@ void ModemManagerModem::enable()
 {
     if (m_modem.isEmpty() || facts().isOnline || !m_isRadioWanted)
         return;
-    bus().call(at(kMmModem), u"Enable"_s, {true}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(modemmanager::kModem), u"Enable"_s, {true}, this, [this](const QDBusMessage& reply) {
         if (failureOf(reply).isEmpty())
             return;
         logFailure(u"enabling the modem"_s, reply);
@@ -446,44 +337,54 @@ void ModemManagerModem::enable()
 
 void ModemManagerModem::askForCalls()
 {
-    bus().call(at(kMmVoice), u"ListCalls"_s, {}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(modemmanager::kVoice), u"ListCalls"_s, {}, this, [this](const QDBusMessage& reply) {
         if (!hasSignature(reply, "ao"))
             return;
         const auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().constFirst().value<QDBusArgument>());
         for (const QDBusObjectPath& path : paths)
-            askForCallProperties(path.path());
+            askForCallProperties(path.path(), Found::Before);
         // Replies come in the order of the requests: behind those on the calls.
-        bus().call(at(kMmVoice), u"ListCalls"_s, {}, this, [this](const QDBusMessage& /*reply*/) { noteAllFound(); });
+        bus().call(at(modemmanager::kVoice), u"ListCalls"_s, {}, this,
+                   [this](const QDBusMessage& /*reply*/) { noteAllFound(); });
     });
 }
 
 void ModemManagerModem::noteCallAdded(const QDBusMessage& signal)
 {
     if (signal.path() == m_modem && !m_modem.isEmpty() && hasSignature(signal, "o"))
-        askForCallProperties(busPath(signal.arguments().constFirst()));
+        askForCallProperties(busPath(signal.arguments().constFirst()), Found::New);
 }
 
-void ModemManagerModem::askForCallProperties(const QString& path)
+void ModemManagerModem::askForCallProperties(const QString& path, Found found)
 {
     if (path.isEmpty())
         return;
     bus().call({service(), path, kObjectProperties}, u"GetAll"_s, {kMmCall}, this,
-               [this, path](const QDBusMessage& reply) {
+               [this, path, found](const QDBusMessage& reply) {
                    if (hasSignature(reply, "a{sv}"))
-                       addCall(path, busMap(reply.arguments().constFirst()));
+                       addCall(path, busMap(reply.arguments().constFirst()), found);
                });
 }
 
 /// A call that has come, perhaps one that is over by now, or one that was there before. Those that were asked for have
 /// their objects already.
-void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties)
+void ModemManagerModem::addCall(const QString& path, const QVariantMap& properties, Found found)
 {
     const bool isIncoming = busNumber(properties.value(u"Direction"_s)) == kCallIncoming;
     const qint64 state = busNumber(properties.value(u"State"_s)).value_or(0);
-    const CallState seen = mmMeaning(kMmCallStates, state, isIncoming ? CallState::Ringing : CallState::Ended);
-    if (hasCall(path) || seen == CallState::Ended)
+    const QString number = busText(properties.value(u"Number"_s));
+    if (hasCall(path))
         return;
-    noteFound(path, busText(properties.value(u"Number"_s)), {}, seen);
+    // Who was here before has logged it.
+    if (found == Found::Before && state == kCallTerminated && !isAwaited(number)) {
+        deleteCall(path);
+        return;
+    }
+    const CallState seen =
+        modemmanager::meaning(kMmCallStates, state, isIncoming ? CallState::Ringing : CallState::Ended);
+    if (seen == CallState::Ended)
+        return;
+    noteFound(path, number, {}, seen);
     noteState(path, state, busNumber(properties.value(u"StateReason"_s)).value_or(0));
     m_probe.start();
 }
@@ -501,12 +402,12 @@ void ModemManagerModem::noteState(const QString& path, qint64 state, qint64 reas
     if (!hasCall(path))
         return;
     if (state != kCallTerminated) {
-        const CallState reached = mmMeaning(kMmCallStates, state, CallState::Ended);
+        const CallState reached = modemmanager::meaning(kMmCallStates, state, CallState::Ended);
         if (reached != CallState::Ended)
             StackModem::noteState(path, reached);
         return;
     }
-    noteOver(path, mmMeaning(kMmReasons, reason, CallEnd::There));
+    noteOver(path, modemmanager::meaning(kMmReasons, reason, CallEnd::There));
     deleteCall(path);
 }
 
@@ -516,7 +417,7 @@ void ModemManagerModem::probe()
 {
     if (!m_isMute && !hasCalls())
         return m_probe.stop();
-    bus().call(at(kMmVoice), u"CallWaitingQuery"_s, {}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(modemmanager::kVoice), u"CallWaitingQuery"_s, {}, this, [this](const QDBusMessage& reply) {
         const bool isMute = reply.errorName() == kCannotAsk;
         if (m_modem.isEmpty() || isMute == m_isMute)
             return;
@@ -535,10 +436,10 @@ void ModemManagerModem::noteModem()
     learn([this](PhoneFacts& facts) {
         facts = {};
         facts.hasModem = true;
-        for (const InterfaceRow& row : kInterfaces) {
-            if (!m_isMute)
-                row.note(facts, m_known.value(row.interface));
-        }
+        if (m_isMute)
+            return;
+        for (auto known = m_known.cbegin(); known != m_known.cend(); ++known)
+            modemmanager::noteInterface(facts, known.key(), known.value());
     });
 }
 
@@ -547,7 +448,8 @@ void ModemManagerModem::deleteCall(const QString& path)
 {
     const auto isGone = [](const QDBusMessage& /*reply*/) {};
     if (!path.isEmpty() && !m_modem.isEmpty())
-        bus().call(at(kMmVoice), u"DeleteCall"_s, {QVariant::fromValue(QDBusObjectPath(path))}, this, isGone);
+        bus().call(at(modemmanager::kVoice), u"DeleteCall"_s, {QVariant::fromValue(QDBusObjectPath(path))}, this,
+                   isGone);
 }
 
 } // namespace zyn::handset

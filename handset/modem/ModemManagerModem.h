@@ -14,6 +14,11 @@ class ModemManagerModem : public StackModem
     Q_OBJECT
 
 public:
+    /// @{ The service's name on the bus, and for people.
+    static constexpr char kServiceName[] = "org.freedesktop.ModemManager1";
+    static constexpr char kName[] = "ModemManager";
+    /// @}
+
     ModemManagerModem(Bus& bus, PhoneStatus& status);
 
     void setRadio(bool isOn) override;
@@ -50,8 +55,10 @@ private:
     void readSim(const QString& path);
     void enable();
     void askForCalls();
-    void askForCallProperties(const QString& path);
-    void addCall(const QString& path, const QVariantMap& properties);
+    /// Whether a call has just come, or was there when the service was first asked.
+    enum class Found : uint8_t { New, Before };
+    void askForCallProperties(const QString& path, Found found);
+    void addCall(const QString& path, const QVariantMap& properties, Found found);
     void noteState(const QString& path, qint64 state, qint64 reason);
     void startCall(int id, const QString& path);
     void deleteCall(const QString& path);

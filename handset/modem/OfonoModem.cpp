@@ -2,6 +2,8 @@
 #include "handset/modem/OfonoModem.h"
 
 #include "handset/common/Log.h"
+#include "handset/modem/OfonoFacts.h"
+#include "utility/PHONE_EmergencyCall.h"
 
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusVariant>
@@ -15,135 +17,33 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
-const QString kOfono = u"org.ofono"_s;
 const QString kManager = u"org.ofono.Manager"_s;
 const QString kModem = u"org.ofono.Modem"_s;
-const QString kSim = u"org.ofono.SimManager"_s;
-const QString kNetwork = u"org.ofono.NetworkRegistration"_s;
-const QString kVoice = u"org.ofono.VoiceCallManager"_s;
 const QString kVoiceCall = u"org.ofono.VoiceCall"_s;
-const QString kData = u"org.ofono.ConnectionManager"_s;
 const QString kChanged = u"PropertyChanged"_s;
 
-/// A word of oFono's, and what it stands for here.
-template<typename Value>
-struct OfonoWord
-{
-    QLatin1String word;
-    Value value;
-};
+constexpr std::array<ofono::Word<CallState>, 6> kCallStates{{{QLatin1String("dialing"), CallState::Dialing},
+                                                             {QLatin1String("alerting"), CallState::Alerting},
+                                                             {QLatin1String("incoming"), CallState::Ringing},
+                                                             {QLatin1String("waiting"), CallState::Waiting},
+                                                             {QLatin1String("active"), CallState::Connected},
+                                                             {QLatin1String("held"), CallState::Held}}};
+/// How often an emergency call is placed that a modem does not take which has just been switched on, and how long after
+/// the last time.
+constexpr int kEmergencyTries = 10;
+constexpr std::chrono::seconds kBetweenEmergencyTries{1};
 
-template<typename Value, size_t Count>
-Value meaning(const std::array<OfonoWord<Value>, Count>& words, const QString& word, Value other)
-{
-    const auto found = std::ranges::find_if(words, [&](const auto& known) { return word == known.word; });
-    return found == words.end() ? other : found->value;
-}
+/// How many calls that are over here may go on there.
+constexpr qsizetype kMostUnknown = 16;
 
-constexpr std::array<OfonoWord<Pin>, 5> kPins{{{QLatin1String("none"), Pin::NotRequired},
-                                               {QLatin1String("pin"), Pin::Pin1},
-                                               {QLatin1String("puk"), Pin::Puk1},
-                                               {QLatin1String("pin2"), Pin::Pin2},
-                                               {QLatin1String("puk2"), Pin::Puk2}}};
-
-constexpr std::array<OfonoWord<Registration>, 6> kRegistrations{
-    {{QLatin1String("unregistered"), Registration::None},
-     {QLatin1String("registered"), Registration::Registered},
-     {QLatin1String("roaming"), Registration::Registered},
-     {QLatin1String("searching"), Registration::Searching},
-     {QLatin1String("denied"), Registration::Denied},
-     {QLatin1String("unknown"), Registration::Unknown}}};
-
-constexpr std::array<OfonoWord<CallState>, 6> kCallStates{{{QLatin1String("dialing"), CallState::Dialing},
-                                                           {QLatin1String("alerting"), CallState::Alerting},
-                                                           {QLatin1String("incoming"), CallState::Ringing},
-                                                           {QLatin1String("waiting"), CallState::Waiting},
-                                                           {QLatin1String("active"), CallState::Connected},
-                                                           {QLatin1String("held"), CallState::Held}}};
 /// Between two attempts to switch on a modem that cannot be.
 constexpr std::chrono::seconds kBetweenSwitches{10};
 
 const QString kDisconnected = u"disconnected"_s;
 
-constexpr std::array<OfonoWord<CallEnd>, 3> kReasons{{{QLatin1String("local"), CallEnd::Here},
-                                                      {QLatin1String("remote"), CallEnd::There},
-                                                      {QLatin1String("network"), CallEnd::Network}}};
-
-/// The states of the SIM card and its locks are told by two properties together.
-void noteSim(PhoneFacts& facts, const QVariantMap& sim)
-{
-    const std::optional<bool> isPresent = busBool(sim.value(u"Present"_s));
-    const QString required = busText(sim.value(u"PinRequired"_s));
-    const bool tellsPin = isPresent.value_or(false) && !required.isEmpty();
-    facts.pin = tellsPin ? meaning(kPins, required, Pin::Other) : Pin::Unknown;
-    facts.sim = isPresent == false ? SimCard::None : simCardWith(facts.pin);
-    facts.subsidyLock = subsidyLockWith(facts.pin);
-}
-
-/// How often the code that is asked for may still be wrong: `Retries` is a{sy}, by the codes' names.
-std::optional<int> triesIn(const QVariantMap& sim)
-{
-    const auto argument = sim.value(u"Retries"_s).value<QDBusArgument>();
-    if (argument.currentSignature() != u"a{sy}"_s)
-        return std::nullopt;
-    const auto tries = qdbus_cast<QMap<QString, uchar>>(argument);
-    const auto found = tries.find(busText(sim.value(u"PinRequired"_s)));
-    return found == tries.end() ? std::nullopt : std::optional(int{*found});
-}
-
-/// How a property becomes what is known: from it, and from the others of its interface. A property that is not there
-/// has no value.
-struct PropertyRow
-{
-    const QString& interface;
-    const char* property;
-    void (*note)(PhoneFacts& facts, const QVariant& value, const QVariantMap& all);
-};
-
-const PropertyRow kOfonoProperties[] = {
-    {kSim, "Present", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
-    {kSim, "PinRequired", [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { noteSim(facts, all); }},
-    {kSim, "Retries",
-     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) { facts.triesLeft = triesIn(all); }},
-    {kSim, "SubscriberIdentity",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.imsi = busText(value); }},
-    {kSim, "ServiceProviderName",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.providerName = busText(value); }},
-    {kSim, "FixedDialing",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.hasFixedDialing = busBool(value); }},
-    {kNetwork, "Status",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) {
-         facts.registration = meaning(kRegistrations, busText(value), Registration::Unknown);
-         facts.isRoaming = busText(value) == u"roaming"_s;
-     }},
-    {kNetwork, "Name",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.operatorName = busText(value); }},
-    {kNetwork, "MobileCountryCode",
-     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) {
-         facts.networkId = busText(all.value(u"MobileCountryCode"_s)) + busText(all.value(u"MobileNetworkCode"_s));
-     }},
-    {kNetwork, "MobileNetworkCode",
-     [](PhoneFacts& facts, const QVariant&, const QVariantMap& all) {
-         facts.networkId = busText(all.value(u"MobileCountryCode"_s)) + busText(all.value(u"MobileNetworkCode"_s));
-     }},
-    {kNetwork, "Strength",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) {
-         const std::optional<qint64> percent = busNumber(value);
-         facts.strength = percent ? std::optional(static_cast<int>(*percent)) : std::nullopt;
-     }},
-    {kVoice, "EmergencyNumbers",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.emergencyNumbers = busTexts(value); }},
-    {kData, "Attached",
-     [](PhoneFacts& facts, const QVariant& value, const QVariantMap&) { facts.isDataAttached = busBool(value); }},
-};
-
-/// @{ What is no more when the registration is lost, or the card is taken out, and no signal tells so.
-constexpr std::array kGoneUnregistered{"Strength", "MobileCountryCode", "MobileNetworkCode"};
-constexpr std::array kGoneWithCard{"SubscriberIdentity", "ServiceProviderName", "Retries"};
-/// @}
-
-/// The interfaces whose properties are read.
-const std::array<const QString*, 4> kRead{&kSim, &kNetwork, &kVoice, &kData};
+constexpr std::array<ofono::Word<CallEnd>, 3> kReasons{{{QLatin1String("local"), CallEnd::Here},
+                                                        {QLatin1String("remote"), CallEnd::There},
+                                                        {QLatin1String("network"), CallEnd::Network}}};
 
 QString hides(CallerId callerId)
 {
@@ -181,7 +81,7 @@ QList<OfonoObject> objectsIn(const QDBusMessage& reply)
 } // namespace
 
 OfonoModem::OfonoModem(Bus& bus, PhoneStatus& status)
-    : StackModem(bus, status, kOfono, u"oFono"_s)
+    : StackModem(bus, status, QLatin1String(kServiceName), QLatin1String(kName))
 {
     m_retry.setSingleShot(true);
     m_retry.setInterval(kBetweenSwitches);
@@ -206,22 +106,47 @@ void OfonoModem::setRadio(bool isOn)
 
 void OfonoModem::askForCall(int id, const Request& request)
 {
-    bus().call(
-        at(kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this,
-        [this, id](const QDBusMessage& reply) {
-            const bool isCancelled = takeCancelled(id);
-            if (hasSignature(reply, "o")) {
-                const QString path = busPath(reply.arguments().constFirst());
-                if (isCancelled)
-                    hangUpUnknown(path);
-                else
-                    noteObject(id, path);
-                return;
-            }
-            logFailure(u"the call"_s, reply);
-            noteOver(id, CallEnd::Network);
-        },
-        kDialPatience);
+    if (facts().isOnline || !PHONE_IsEmergencyCall(request.number.toLatin1().data()))
+        return askForCall(id, request, 0);
+    // Help is called with the radio off, too; it stays on afterwards, as help may call back.
+    m_isRadioWanted = true;
+    bus().call(at(kModem), u"SetProperty"_s, {u"Online"_s, QVariant::fromValue(QDBusVariant(true))}, this,
+               [this, id, request](const QDBusMessage& reply) {
+                   if (!failureOf(reply).isEmpty())
+                       logFailure(u"switching the radio on for an emergency call"_s, reply);
+                   askForCall(id, request, kEmergencyTries);
+               });
+}
+
+/// Places the call, again while the modem is not ready and there are @p tries left.
+void OfonoModem::askForCall(int id, const Request& request, int tries)
+{
+    // It was hung up meanwhile.
+    if (!call(id)) {
+        takeCancelled(id);
+        return;
+    }
+    const auto noteReply = [this, id, request, tries](const QDBusMessage& reply) {
+        if (hasSignature(reply, "o"))
+            return noteDialed(id, busPath(reply.arguments().constFirst()));
+        if (tries > 0 && call(id)) {
+            QTimer::singleShot(kBetweenEmergencyTries, this,
+                               [this, id, request, tries] { askForCall(id, request, tries - 1); });
+            return;
+        }
+        takeCancelled(id);
+        logFailure(u"the call"_s, reply);
+        noteOver(id, CallEnd::Network);
+    };
+    bus().call(at(ofono::kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this, noteReply, kDialPatience);
+}
+
+void OfonoModem::noteDialed(int id, const QString& path)
+{
+    if (takeCancelled(id))
+        hangUpUnknown(path);
+    else
+        noteObject(id, path);
 }
 
 void OfonoModem::askToAnswer(int /*id*/, const Line& call)
@@ -235,7 +160,7 @@ void OfonoModem::askToAnswer(int /*id*/, const Line& call)
             logFailure(u"answering"_s, reply);
     };
     if (call.state == CallState::Waiting)
-        bus().call(at(kVoice), u"HoldAndAnswer"_s, {}, this, noteAnswer);
+        bus().call(at(ofono::kVoice), u"HoldAndAnswer"_s, {}, this, noteAnswer);
     else
         bus().call(callAt(path), u"Answer"_s, {}, this, noteAnswer);
 }
@@ -247,7 +172,7 @@ void OfonoModem::askToHangUp(const Line& call, const Bus::Reply& then)
 
 void OfonoModem::askForTone(const Line& /*call*/, QChar key)
 {
-    bus().call(at(kVoice), u"SendTones"_s, {QString(key)}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(ofono::kVoice), u"SendTones"_s, {QString(key)}, this, [this](const QDBusMessage& reply) {
         if (!failureOf(reply).isEmpty())
             logFailure(u"the tone"_s, reply);
     });
@@ -256,14 +181,14 @@ void OfonoModem::askForTone(const Line& /*call*/, QChar key)
 void OfonoModem::askToUnlock(const Codes& codes, const Bus::Reply& then)
 {
     if (codes.puk.isEmpty())
-        bus().call(at(kSim), u"EnterPin"_s, {u"pin"_s, codes.pin}, this, then);
+        bus().call(at(ofono::kSim), u"EnterPin"_s, {u"pin"_s, codes.pin}, this, then);
     else
-        bus().call(at(kSim), u"ResetPin"_s, {u"puk"_s, codes.puk, codes.pin}, this, then);
+        bus().call(at(ofono::kSim), u"ResetPin"_s, {u"puk"_s, codes.puk, codes.pin}, this, then);
 }
 
 void OfonoModem::askForTries(const std::function<void()>& then)
 {
-    askForProperties(kSim, then);
+    askForProperties(ofono::kSim, then);
 }
 
 void OfonoModem::forget()
@@ -292,10 +217,10 @@ void OfonoModem::subscribe()
     bus().listen(manager, u"ModemAdded"_s, this, SLOT(noteModemAdded(QDBusMessage)));
     bus().listen(manager, u"ModemRemoved"_s, this, SLOT(noteModemRemoved(QDBusMessage)));
     bus().listen({service(), {}, kModem}, kChanged, this, SLOT(noteChange(QDBusMessage)));
-    for (const QString* interface : kRead)
+    for (const QString* interface : ofono::kRead)
         bus().listen({service(), {}, *interface}, kChanged, this, SLOT(noteChange(QDBusMessage)));
-    bus().listen({service(), {}, kVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
-    bus().listen({service(), {}, kVoice}, u"CallRemoved"_s, this, SLOT(noteCallRemoved(QDBusMessage)));
+    bus().listen({service(), {}, ofono::kVoice}, u"CallAdded"_s, this, SLOT(noteCallAdded(QDBusMessage)));
+    bus().listen({service(), {}, ofono::kVoice}, u"CallRemoved"_s, this, SLOT(noteCallRemoved(QDBusMessage)));
     bus().listen({service(), {}, kVoiceCall}, kChanged, this, SLOT(noteCallChange(QDBusMessage)));
     bus().listen({service(), {}, kVoiceCall}, u"DisconnectReason"_s, this, SLOT(noteCallReason(QDBusMessage)));
 }
@@ -358,8 +283,8 @@ void OfonoModem::noteChange(const QDBusMessage& signal)
         return noteModem(property, signal.arguments().at(1));
     note(signal.interface(), property, busValue(signal.arguments().at(1)));
     // No signal tells that a PIN is asked for no more.
-    if (signal.interface() == kSim && (property == u"Present"_s || property == u"SubscriberIdentity"_s))
-        askForProperties(kSim);
+    if (signal.interface() == ofono::kSim && (property == u"Present"_s || property == u"SubscriberIdentity"_s))
+        askForProperties(ofono::kSim);
 }
 
 /// Switches on what is off: the modem's power, and then its radio.
@@ -395,7 +320,7 @@ void OfonoModem::noteModem(const QString& property, const QVariant& value)
 void OfonoModem::noteInterfaces(const QStringList& interfaces)
 {
     const QStringList before = std::exchange(m_interfaces, interfaces);
-    for (const QString* interface : kRead) {
+    for (const QString* interface : ofono::kRead) {
         const bool had = before.contains(*interface);
         const bool has = interfaces.contains(*interface);
         if (has && !had)
@@ -407,8 +332,8 @@ void OfonoModem::noteInterfaces(const QStringList& interfaces)
             m_known.remove(*interface);
         }
     }
-    const bool hasVoice = interfaces.contains(kVoice);
-    const bool hadVoice = before.contains(kVoice);
+    const bool hasVoice = interfaces.contains(ofono::kVoice);
+    const bool hadVoice = before.contains(ofono::kVoice);
     learn([&](PhoneFacts& facts) { facts.hasVoice = hasVoice; });
     if (hasVoice && !hadVoice)
         askForCalls();
@@ -433,29 +358,17 @@ void OfonoModem::askForProperties(const QString& interface, const std::function<
 
 void OfonoModem::note(const QString& interface, const QString& property, const QVariant& value)
 {
-    if (std::ranges::none_of(kRead, [&](const QString* read) { return interface == *read; }))
+    if (!ofono::isRead(interface, property))
         return;
-    QVariantMap& all = m_known[interface];
-    all[property] = value;
-    if (interface == kNetwork && property == u"Status"_s
-        && meaning(kRegistrations, busText(value), Registration::Unknown) != Registration::Registered) {
-        for (const char* vanishing : kGoneUnregistered)
-            note(kNetwork, QLatin1String(vanishing), {});
-    }
-    if (interface == kSim && property == u"Present"_s && busBool(value) == false) {
-        for (const char* vanishing : kGoneWithCard)
-            note(kSim, QLatin1String(vanishing), {});
-    }
-    const auto row = std::ranges::find_if(kOfonoProperties, [&](const PropertyRow& known) {
-        return interface == known.interface && property == QLatin1String(known.property);
-    });
-    if (row != std::end(kOfonoProperties))
-        learn([&](PhoneFacts& facts) { row->note(facts, value, m_known[interface]); });
+    m_known[interface][property] = value;
+    for (const QString& gone : ofono::goneWith(interface, property, value))
+        note(interface, gone, {});
+    learn([&](PhoneFacts& facts) { ofono::noteProperty(facts, interface, property, m_known[interface]); });
 }
 
 void OfonoModem::askForCalls()
 {
-    bus().call(at(kVoice), u"GetCalls"_s, {}, this, [this](const QDBusMessage& reply) {
+    bus().call(at(ofono::kVoice), u"GetCalls"_s, {}, this, [this](const QDBusMessage& reply) {
         for (const OfonoObject& object : objectsIn(reply))
             addCall(object.path, object.properties);
         noteAllFound();
@@ -474,7 +387,7 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
     if (path.isEmpty() || hasCall(path))
         return;
     const QString word = busText(properties.value(u"State"_s));
-    const CallState state = meaning(kCallStates, word, CallState::Ended);
+    const CallState state = ofono::meaning(kCallStates, word, CallState::Ended);
     const bool isPlaced = state == CallState::Dialing || state == CallState::Alerting;
     const int asked = isPlaced ? unboundCall() : 0;
     if (asked != 0) {
@@ -496,14 +409,15 @@ void OfonoModem::noteCallState(const QString& path, const QString& state)
 {
     if (state == kDisconnected)
         noteOver(path, CallEnd::Network);
-    else if (const CallState reached = meaning(kCallStates, state, CallState::Ended); reached != CallState::Ended)
+    else if (const CallState reached = ofono::meaning(kCallStates, state, CallState::Ended);
+             reached != CallState::Ended)
         noteState(path, reached);
 }
 
 void OfonoModem::noteCallReason(const QDBusMessage& signal)
 {
     if (hasSignature(signal, "s"))
-        noteEnd(signal.path(), meaning(kReasons, busText(signal.arguments().constFirst()), CallEnd::Network));
+        noteEnd(signal.path(), ofono::meaning(kReasons, busText(signal.arguments().constFirst()), CallEnd::Network));
 }
 
 void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
@@ -518,7 +432,8 @@ void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
 /// Ends a call that was hung up before it had an object.
 void OfonoModem::hangUpUnknown(const QString& path)
 {
-    m_unknown.insert(path);
+    if (m_unknown.size() < kMostUnknown)
+        m_unknown.insert(path);
     bus().call(callAt(path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
         if (!failureOf(reply).isEmpty())
             logFailure(u"hanging up"_s, reply);

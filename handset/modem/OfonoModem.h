@@ -15,6 +15,11 @@ class OfonoModem : public StackModem
     Q_OBJECT
 
 public:
+    /// @{ The service's name on the bus, and for people.
+    static constexpr char kServiceName[] = "org.ofono";
+    static constexpr char kName[] = "oFono";
+    /// @}
+
     OfonoModem(Bus& bus, PhoneStatus& status);
 
     void setRadio(bool isOn) override;
@@ -53,6 +58,8 @@ private:
     void addCall(const QString& path, const QVariantMap& properties);
     void switchOn();
     void noteCallState(const QString& path, const QString& state);
+    void askForCall(int id, const Request& request, int tries);
+    void noteDialed(int id, const QString& path);
     void hangUpUnknown(const QString& path);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one

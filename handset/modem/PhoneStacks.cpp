@@ -24,8 +24,8 @@ std::unique_ptr<StackModem> makeOf(Bus& bus, PhoneStatus& status)
 }
 
 constexpr Stack kStacks[] = {
-    {"ofono", "oFono", "org.ofono", makeOf<OfonoModem>},
-    {"modemmanager", "ModemManager", "org.freedesktop.ModemManager1", makeOf<ModemManagerModem>},
+    {"ofono", OfonoModem::kName, OfonoModem::kServiceName, makeOf<OfonoModem>},
+    {"modemmanager", ModemManagerModem::kName, ModemManagerModem::kServiceName, makeOf<ModemManagerModem>},
 };
 
 } // namespace

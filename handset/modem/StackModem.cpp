@@ -17,6 +17,9 @@ using namespace Qt::StringLiterals;
 namespace zyn::handset {
 namespace {
 
+/// More calls than a network lets anybody have: 3GPP TS 22.030 has seven.
+constexpr size_t kMostCalls = 16;
+
 /// How long calls wait for a service that has gone: one that was restarted is back by then.
 constexpr std::chrono::seconds kPatience{10};
 
@@ -72,7 +75,7 @@ void StackModem::lose()
 {
     m_isSubscribed = m_isSubscribed && m_bus.isConnected();
     for (auto& [id, call] : m_calls) {
-        call.isSuspended = !call.path.isEmpty();
+        call.isSuspended = call.isSuspended || !call.path.isEmpty();
         call.path.clear();
     }
     m_patience.start(kPatience);
@@ -202,6 +205,8 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
         noteState(path, state);
         return;
     }
+    if (m_calls.size() >= kMostCalls)
+        return;
     const int id = newCall();
     const QString caller = isDialable(number) ? number : QString();
     m_calls[id] = {.path = path, .number = caller, .isPlaced = false, .state = state};

@@ -97,6 +97,8 @@ protected:
     void noteObject(int id, const QString& path);
     /// There is a call that nobody here has asked for: somebody calls, or the service has come back with it.
     void noteFound(const QString& path, const QString& number, const QString& name, CallState state);
+    /// Whether a call with @p number waits for its service.
+    bool isAwaited(const QString& number) const { return suspendedCall(number) != 0; }
     /// The service has told its calls after it came back; those that it finds by asking the modem follow soon.
     void noteAllFound();
     void noteState(const QString& path, CallState state);

@@ -43,8 +43,9 @@ constexpr qint64 kUsualGrowth = qint64{48} * 1024;
 /// What waits for one listener at most, in KiB, and what the kernel holds beside that.
 constexpr qint64 kQueueLimit = qint64{16} * 1024;
 constexpr qint64 kSocketBuffers = 1024;
-/// The most that a sender takes for that, in KiB: a buffer that grows is there twice for a moment.
-constexpr qint64 kFullGrowth = 2 * kQueueLimit + qint64{8} * 1024;
+/// The most that a sender takes for that, in KiB: a buffer that grows is there twice for a moment, and on a busy
+/// machine some waits for the listener that reads.
+constexpr qint64 kFullGrowth = 3 * kQueueLimit;
 /// Descriptors of a process that are not connections and may come after its start: a watch, an event loop's.
 constexpr qint64 kOwnDescriptors = 6;
 
