@@ -104,7 +104,7 @@ QString failureOf(const QDBusMessage& reply)
 {
     if (reply.type() != QDBusMessage::ErrorMessage)
         return {};
-    if (reply.errorName() == u"org.freedesktop.DBus.Error.NoReply"_s)
+    if (reply.errorName() == kNoReply)
         return u"no answer"_s;
     const QString text = printableText(reply.errorMessage());
     return printableText(reply.errorName()) + (text.isEmpty() ? QString() : u": "_s + text);

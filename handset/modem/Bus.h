@@ -69,6 +69,9 @@ private:
     QTimer m_retry;
 };
 
+/// The error of a request that was not answered in time, or whose service went before it answered.
+inline const QString kNoReply = QStringLiteral("org.freedesktop.DBus.Error.NoReply");
+
 /// Why @p reply is a failure, for people, in one line; empty when it is none.
 QString failureOf(const QDBusMessage& reply);
 

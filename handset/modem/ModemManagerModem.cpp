@@ -103,8 +103,7 @@ void ModemManagerModem::askForCall(int id, const Request& request)
                        startCall(id, busPath(reply.arguments().constFirst()));
                        return;
                    }
-                   logFailure(u"the call"_s, reply);
-                   noteOver(id, CallEnd::Network);
+                   noteNotPlaced(id, reply);
                });
 }
 
@@ -124,8 +123,7 @@ void ModemManagerModem::startCall(int id, const QString& path)
         [this, id, path](const QDBusMessage& reply) {
             if (failureOf(reply).isEmpty())
                 return;
-            logFailure(u"the call"_s, reply);
-            noteOver(id, CallEnd::Network);
+            noteNotPlaced(id, reply);
             deleteCall(path);
         },
         kDialPatience);
@@ -179,6 +177,11 @@ void ModemManagerModem::askForTries(const std::function<void()>& then)
                        note(modemmanager::kModem, busMap(reply.arguments().constFirst()));
                    then();
                });
+}
+
+void ModemManagerModem::endUnknown(const QString& path)
+{
+    bus().call(callAt(path), u"Hangup"_s, {}, this, failsWith(u"hanging up"_s));
 }
 
 Bus::Reply ModemManagerModem::failsWith(const QString& what)

@@ -33,6 +33,7 @@ protected:
     void askForTone(const Line& call, QChar key) override;
     void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
     void askForTries(const std::function<void()>& then) override;
+    void endUnknown(const QString& path) override;
 
 private Q_SLOTS:
     void noteAdded(const QDBusMessage& signal);

@@ -135,8 +135,7 @@ void OfonoModem::askForCall(int id, const Request& request, int tries)
             return;
         }
         takeCancelled(id);
-        logFailure(u"the call"_s, reply);
-        noteOver(id, CallEnd::Network);
+        noteNotPlaced(id, reply);
     };
     bus().call(at(ofono::kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this, noteReply, kDialPatience);
 }
@@ -144,7 +143,7 @@ void OfonoModem::askForCall(int id, const Request& request, int tries)
 void OfonoModem::noteDialed(int id, const QString& path)
 {
     if (takeCancelled(id))
-        hangUpUnknown(path);
+        endUnknown(path);
     else
         noteObject(id, path);
 }
@@ -429,8 +428,7 @@ void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
     noteOver(path, CallEnd::Network);
 }
 
-/// Ends a call that was hung up before it had an object.
-void OfonoModem::hangUpUnknown(const QString& path)
+void OfonoModem::endUnknown(const QString& path)
 {
     if (m_unknown.size() < kMostUnknown)
         m_unknown.insert(path);

@@ -34,6 +34,7 @@ protected:
     void askForTone(const Line& call, QChar key) override;
     void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
     void askForTries(const std::function<void()>& then) override;
+    void endUnknown(const QString& path) override;
 
 private Q_SLOTS:
     void noteModemAdded(const QDBusMessage& signal);
@@ -60,7 +61,6 @@ private:
     void noteCallState(const QString& path, const QString& state);
     void askForCall(int id, const Request& request, int tries);
     void noteDialed(int id, const QString& path);
-    void hangUpUnknown(const QString& path);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one
     QStringList m_interfaces;

@@ -75,10 +75,12 @@ void StackModem::lose()
 {
     m_isSubscribed = m_isSubscribed && m_bus.isConnected();
     for (auto& [id, call] : m_calls) {
-        call.isSuspended = call.isSuspended || !call.path.isEmpty();
+        call.isSuspended = true;
         call.path.clear();
     }
     m_patience.start(kPatience);
+    for (const auto& [id, number] : m_cancelled)
+        abandon(number);
     m_cancelled.clear();
     forget();
     learn([](PhoneFacts& facts) { facts = {}; });
@@ -88,10 +90,26 @@ void StackModem::lose()
 void StackModem::giveUp()
 {
     m_patience.stop();
+    const bool isAnySuspended =
+        std::ranges::any_of(m_calls, [](const auto& entry) { return entry.second.isSuspended; });
     for (const auto& [id, call] : std::map(m_calls)) {
-        if (call.isSuspended)
-            noteOver(id, CallEnd::Network);
+        if (!call.isSuspended)
+            continue;
+        abandon(call.number);
+        noteOver(id, CallEnd::Network);
     }
+    // Whoever calls later is somebody else.
+    if (m_facts.hasModem && isAnySuspended)
+        m_patience.start(kPatience);
+    else if (m_facts.hasModem)
+        m_abandoned.clear();
+}
+
+/// Remembers a call that is over here: should the service still have it, it is not another one.
+void StackModem::abandon(const QString& number)
+{
+    if (m_abandoned.size() < qsizetype{kMostCalls})
+        m_abandoned += number;
 }
 
 QString StackModem::obstacle(const Request& request) const
@@ -126,7 +144,7 @@ bool StackModem::carryOut(int id, CallEvent event)
         if (hasObject || call.isSuspended) {
             hangUp(id, kTries);
         } else {
-            m_cancelled.insert(id);
+            m_cancelled[id] = call.number;
             noteOver(id, CallEnd::Here);
         }
         return true;
@@ -195,6 +213,21 @@ void StackModem::noteObject(int id, const QString& path)
         hangUp(id, kTries);
 }
 
+void StackModem::noteNotPlaced(int id, const QDBusMessage& reply)
+{
+    const auto found = m_calls.find(id);
+    if (found == m_calls.end())
+        return;
+    if (reply.errorName() == kNoReply) {
+        found->second.isSuspended = true;
+        if (!m_patience.isActive())
+            m_patience.start(kPatience);
+        return;
+    }
+    logFailure(u"the call"_s, reply);
+    noteOver(id, CallEnd::Network);
+}
+
 void StackModem::noteFound(const QString& path, const QString& number, const QString& name, CallState state)
 {
     if (hasCall(path))
@@ -205,6 +238,9 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
         noteState(path, state);
         return;
     }
+    // Who was told that a call is over must not go on talking; but nobody is cut off from help.
+    if (m_abandoned.removeOne(number) && !PHONE_IsEmergencyCall(number.toLatin1().data()))
+        return endUnknown(path);
     if (m_calls.size() >= kMostCalls)
         return;
     const int id = newCall();
@@ -215,7 +251,7 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
 
 void StackModem::noteAllFound()
 {
-    if (m_patience.isActive())
+    if (m_patience.isActive() || !m_abandoned.isEmpty())
         m_patience.start(kUntilPolled);
 }
 

@@ -6,11 +6,11 @@
 #include "handset/modem/PhoneFacts.h"
 #include "handset/phone_server/Modem.h"
 
+#include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
 #include <map>
 #include <optional>
-#include <set>
 
 namespace zyn::handset {
 
@@ -80,6 +80,8 @@ protected:
     virtual void askToUnlock(const Codes& codes, const Bus::Reply& then) = 0;
     /// Asks how many tries are left, and calls @p then when that is known.
     virtual void askForTries(const std::function<void()>& then) = 0;
+    /// Ends the call @p path, which is over here.
+    virtual void endUnknown(const QString& path) = 0;
     /// @}
 
     Bus& bus() { return m_bus; }
@@ -95,6 +97,8 @@ protected:
     /// @{ What the service tells of calls. A path that has no call is ignored.
     /// A call that was asked for has the object @p path. Hangs it up when that was asked for meanwhile.
     void noteObject(int id, const QString& path);
+    /// The service has not placed the call @p id, and says why; or it has gone meanwhile, and may have placed it.
+    void noteNotPlaced(int id, const QDBusMessage& reply);
     /// There is a call that nobody here has asked for: somebody calls, or the service has come back with it.
     void noteFound(const QString& path, const QString& number, const QString& name, CallState state);
     /// Whether a call with @p number waits for its service.
@@ -130,6 +134,7 @@ protected:
 
 private:
     void hangUp(int id, int tries);
+    void abandon(const QString& number);
     int suspendedCall(const QString& number) const;
     void noteFacts();
     void tell();
@@ -140,11 +145,12 @@ private:
     const QString m_stack;
     PhoneFacts m_facts;
     std::map<int, Line> m_calls;
-    std::set<int> m_cancelled;
-    QString m_failure;  ///< the last one
-    QString m_lastImsi; ///< of the card that is there, or was there last
-    QTimer m_tell;      ///< what changes at once is told once
-    QTimer m_patience;  ///< runs while calls wait for their service
+    std::map<int, QString> m_cancelled; ///< the numbers of those that were hung up before they had an object
+    QStringList m_abandoned;            ///< the numbers of calls that are over here, and may not be for the service
+    QString m_failure;                  ///< the last one
+    QString m_lastImsi;                 ///< of the card that is there, or was there last
+    QTimer m_tell;                      ///< what changes at once is told once
+    QTimer m_patience;                  ///< runs while calls wait for their service
     bool m_isSubscribed = false;
     bool m_wasOnline = false;
 };
