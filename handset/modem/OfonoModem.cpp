@@ -256,7 +256,7 @@ void OfonoModem::leave()
 {
     log(u"oFono has lost the modem %1"_s.arg(m_modem));
     forget();
-    noteAllOver();
+    noteModemGone();
     learn([](PhoneFacts& facts) { facts = {}; });
     askForModems();
 }
@@ -338,7 +338,7 @@ void OfonoModem::noteInterfaces(const QStringList& interfaces)
         askForCalls();
     // A modem that goes in a call tells of no call that is over.
     if (hadVoice && !hasVoice)
-        noteAllOver();
+        noteModemGone();
 }
 
 void OfonoModem::askForProperties(const QString& interface, const std::function<void()>& then)

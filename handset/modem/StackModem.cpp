@@ -74,17 +74,27 @@ void StackModem::start()
 void StackModem::lose()
 {
     m_isSubscribed = m_isSubscribed && m_bus.isConnected();
-    for (auto& [id, call] : m_calls) {
-        call.isSuspended = true;
-        call.path.clear();
-    }
-    m_patience.start(kPatience);
+    suspendCalls(kPatience);
     for (const auto& [id, number] : m_cancelled)
         abandon(number);
     m_cancelled.clear();
     forget();
     learn([](PhoneFacts& facts) { facts = {}; });
     tell();
+}
+
+void StackModem::suspendCalls(std::chrono::seconds patience)
+{
+    for (auto& [id, call] : m_calls) {
+        call.isSuspended = true;
+        call.path.clear();
+    }
+    m_patience.start(patience);
+}
+
+void StackModem::noteModemGone()
+{
+    suspendCalls(kUntilPolled);
 }
 
 void StackModem::giveUp()

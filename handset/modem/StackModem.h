@@ -110,8 +110,11 @@ protected:
     /// It is over; ended by @p end unless noteEnd() has said so.
     void noteOver(const QString& path, CallEnd end);
     void noteOver(int id, CallEnd end);
-    /// The modem that had the calls has gone.
+    /// The modem that had the calls has gone for good: they are over.
     void noteAllOver();
+    /// The modem that had the calls has gone, perhaps because the service goes: they are over unless that is so, and it
+    /// comes back with them.
+    void noteModemGone();
     /// @}
 
     bool hasCall(const QString& path) const { return idOf(path) != 0; }
@@ -135,6 +138,7 @@ protected:
 private:
     void hangUp(int id, int tries);
     void abandon(const QString& number);
+    void suspendCalls(std::chrono::seconds patience);
     int suspendedCall(const QString& number) const;
     void noteFacts();
     void tell();
