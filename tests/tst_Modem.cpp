@@ -15,6 +15,8 @@
 #include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 
 #include <algorithm>
 #include <array>

@@ -130,7 +130,7 @@ QString PhoneLine::obstacle(const Modem::Request& request) const
         return u"the number is invalid"_s;
     if (m_isClosed)
         return u"the phone is shutting down"_s;
-    const QString reason = m_modem.obstacle(request);
+    QString reason = m_modem.obstacle(request);
     if (!reason.isEmpty())
         return reason;
     const bool isBusy = m_calls.size() >= m_modem.callsAtOnce() || !std::ranges::all_of(m_calls, [](const auto& entry) {
