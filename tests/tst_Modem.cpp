@@ -158,7 +158,7 @@ QString refusal(zyn::phonecontrol::Command command, const QStringList& words)
 QString line()
 {
     QStringList texts;
-    for (const QJsonValue& call : QJsonDocument::fromJson(ask(zyn::phonecontrol::ListCalls).data).array())
+    for (const QJsonValue call : QJsonDocument::fromJson(ask(zyn::phonecontrol::ListCalls).data).array())
         texts += QStringList{call[u"direction"].toString(), call[u"state"].toString(), call[u"number"].toString()}
                      .join(u' ')
                      .trimmed();
