@@ -290,10 +290,13 @@ void ModemManagerModem::noteChange(const QDBusMessage& signal)
     if (!hasSignature(signal, "sa{sv}as") || m_modem.isEmpty())
         return;
     const QString interface = busText(signal.arguments().at(0));
+    const QVariantMap properties = busMap(signal.arguments().at(1));
+    if (interface == kMmCall)
+        return noteCaller(signal.path(), busText(properties.value(u"Number"_s)), {});
     const bool isOfSim = interface == modemmanager::kSim && signal.path() == m_sim;
     const bool isOfModem = interface != modemmanager::kSim && signal.path() == m_modem;
     if (isOfSim || isOfModem)
-        note(interface, busMap(signal.arguments().at(1)));
+        note(interface, properties);
 }
 
 void ModemManagerModem::note(const QString& interface, const QVariantMap& properties)

@@ -400,8 +400,16 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
 
 void OfonoModem::noteCallChange(const QDBusMessage& signal)
 {
-    if (hasSignature(signal, "sv") && busText(signal.arguments().at(0)) == u"State"_s)
-        noteCallState(signal.path(), busText(signal.arguments().at(1)));
+    if (!hasSignature(signal, "sv"))
+        return;
+    const QString property = busText(signal.arguments().at(0));
+    const QString value = busText(signal.arguments().at(1));
+    if (property == u"State"_s)
+        noteCallState(signal.path(), value);
+    else if (property == u"LineIdentification"_s)
+        noteCaller(signal.path(), value, {});
+    else if (property == u"Name"_s)
+        noteCaller(signal.path(), {}, value);
 }
 
 void OfonoModem::noteCallState(const QString& path, const QString& state)

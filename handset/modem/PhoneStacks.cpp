@@ -149,6 +149,7 @@ void PhoneStacks::use(const Stack& stack)
         m_modem->giveUp();
     m_modem = stack.make(m_bus, m_status);
     connect(m_modem.get(), &Modem::came, this, &Modem::came);
+    connect(m_modem.get(), &Modem::identified, this, &Modem::identified);
     connect(m_modem.get(), &Modem::happened, this, &Modem::happened);
     connect(m_modem.get(), &Modem::reached, this, &Modem::reached);
     connect(m_modem.get(), &Modem::ended, this, &Modem::ended);

@@ -265,6 +265,17 @@ void StackModem::noteAllFound()
         m_patience.start(kUntilPolled);
 }
 
+void StackModem::noteCaller(const QString& path, const QString& number, const QString& name)
+{
+    const auto found = m_calls.find(idOf(path));
+    if (found == m_calls.end() || found->second.isPlaced)
+        return;
+    const QString caller = isDialable(number) ? number : QString();
+    if (!caller.isEmpty())
+        found->second.number = caller;
+    Q_EMIT identified(found->first, {caller, name});
+}
+
 void StackModem::noteState(const QString& path, CallState state)
 {
     const int id = idOf(path);

@@ -105,6 +105,8 @@ protected:
     bool isAwaited(const QString& number) const { return suspendedCall(number) != 0; }
     /// The service has told its calls after it came back; those that it finds by asking the modem follow soon.
     void noteAllFound();
+    /// Who calls is often known only after the call: the number, the name, or both.
+    void noteCaller(const QString& path, const QString& number, const QString& name);
     void noteState(const QString& path, CallState state);
     void noteEnd(const QString& path, CallEnd end);
     /// It is over; ended by @p end unless noteEnd() has said so.

@@ -113,6 +113,16 @@ Call::Call(CallStateMachine machine, Party party, RC_CALL_TYPE_T type)
         m_talk.start();
 }
 
+bool Call::identify(const Party& party)
+{
+    const Party before = m_party;
+    if (!party.number.isEmpty())
+        m_party.number = party.number;
+    if (!party.name.isEmpty())
+        m_party.name = party.name;
+    return m_party.number != before.number || m_party.name != before.name;
+}
+
 bool Call::apply(CallEvent event)
 {
     return m_machine.apply(event) && noteState();

@@ -98,6 +98,8 @@ public:
 
     const CallStateMachine& machine() const { return m_machine; }
     const Party& party() const { return m_party; }
+    /// Takes over what is not empty of @p party; false if nothing is new.
+    bool identify(const Party& party);
     /// When it came to its state.
     const QDateTime& since() const { return m_since; }
     bool isPtt() const { return m_type == RC_CALL_TYPE_PTT1; }

@@ -98,6 +98,8 @@ Q_SIGNALS:
     /// Somebody calls: the new call @p id, Ringing or Waiting. Or there is a call that was made before this program
     /// began, in whatever state it is.
     void came(int id, const Party& caller, CallState state);
+    /// It is known now who is at the other end of the call @p id; what is empty of @p party is not.
+    void identified(int id, const Party& party);
     /// @p event has happened to the call @p id.
     void happened(int id, CallEvent event);
     /// The call @p id is in @p state, which is none of a call that is over. States between may have gone by unseen.

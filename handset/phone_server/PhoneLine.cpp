@@ -42,6 +42,8 @@ PhoneLine::PhoneLine(Modem& modem, PhoneStatus& status)
     , m_status(status)
 {
     connect(&modem, &Modem::came, this, &PhoneLine::noteCame);
+    connect(&modem, &Modem::identified, this,
+            [this](int id, const Party& party) { change(id, [&](Call& call) { return call.identify(party); }); });
     connect(&modem, &Modem::happened, this,
             [this](int id, CallEvent event) { change(id, [&](Call& call) { return call.apply(event); }); });
     connect(&modem, &Modem::reached, this,
