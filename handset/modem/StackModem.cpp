@@ -50,6 +50,11 @@ constexpr Obstacle kObstacles[] = {
     {[](const PhoneFacts& facts) { return !facts.hasVoice; }, "the modem takes no calls"},
 };
 
+bool rings(CallState state)
+{
+    return state == CallState::Ringing || state == CallState::Waiting;
+}
+
 } // namespace
 
 StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, const QString& stack)
@@ -118,7 +123,7 @@ void StackModem::giveUp()
 /// Remembers a call that is over here: should the service still have it, it is not another one.
 void StackModem::abandon(const QString& number)
 {
-    if (m_abandoned.size() < qsizetype{kMostCalls})
+    if (!number.isEmpty() && m_abandoned.size() < qsizetype{kMostCalls})
         m_abandoned += number;
 }
 
@@ -242,7 +247,7 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
 {
     if (hasCall(path))
         return;
-    if (const int known = suspendedCall(number)) {
+    if (const int known = suspendedCall(number, state)) {
         m_calls.at(known).isSuspended = false;
         noteObject(known, path);
         noteState(path, state);
@@ -319,17 +324,25 @@ int StackModem::idOf(const QString& path) const
     return path.isEmpty() || found == m_calls.end() ? 0 : found->first;
 }
 
-/// The call with @p number that waits for its service, or 0. A single one may have been written in another way.
-int StackModem::suspendedCall(const QString& number) const
+/// The call with @p number that waits for its service, and is found in @p state, or 0. A single one may have been
+/// written in another way. What rings now is none that was talked on.
+int StackModem::suspendedCall(const QString& number, CallState state) const
 {
     std::vector<int> waiting;
     for (const auto& [id, call] : m_calls) {
-        if (call.isSuspended && call.number == number)
+        if (!call.isSuspended || rings(call.state) != rings(state))
+            continue;
+        if (call.number == number)
             return id;
-        if (call.isSuspended)
-            waiting.push_back(id);
+        waiting.push_back(id);
     }
     return waiting.size() == 1 ? waiting.front() : 0;
+}
+
+bool StackModem::isAwaited(const QString& number) const
+{
+    return std::ranges::any_of(
+        m_calls, [&](const auto& entry) { return entry.second.isSuspended && entry.second.number == number; });
 }
 
 /// Hangs up the call @p id, again and again while the service is busy with another one.

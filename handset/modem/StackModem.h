@@ -102,7 +102,7 @@ protected:
     /// There is a call that nobody here has asked for: somebody calls, or the service has come back with it.
     void noteFound(const QString& path, const QString& number, const QString& name, CallState state);
     /// Whether a call with @p number waits for its service.
-    bool isAwaited(const QString& number) const { return suspendedCall(number) != 0; }
+    bool isAwaited(const QString& number) const;
     /// The service has told its calls after it came back; those that it finds by asking the modem follow soon.
     void noteAllFound();
     /// Who calls is often known only after the call: the number, the name, or both.
@@ -141,7 +141,7 @@ private:
     void hangUp(int id, int tries);
     void abandon(const QString& number);
     void suspendCalls(std::chrono::seconds patience);
-    int suspendedCall(const QString& number) const;
+    int suspendedCall(const QString& number, CallState state) const;
     void noteFacts();
     void tell();
 
