@@ -230,7 +230,7 @@ void serveControl(Input& input)
         return std::make_unique<handset::ControlConnection>(std::move(socket), phone.line, kTimeout);
     });
     for (const Command& answer : answers)
-        require(answer.code >= phonecontrol::Done && answer.code <= phonecontrol::CallChanged, "an answer is known");
+        require(answer.code >= phonecontrol::Done && answer.code <= phonecontrol::ModemIs, "an answer is known");
 }
 
 QList<QByteArray> controlSeeds()
@@ -243,6 +243,7 @@ QList<QByteArray> controlSeeds()
         frame(FollowCalls) + rings + say({"missed"}),
         say({"battery-capacity", "80"}) + say({"snapshot"}),
         say({"fail"}) + say({"+5", "answer"}) + frame(Say),
+        frame(AskModem) + frame(Unlock, QByteArray("1234", 5)) + frame(Unlock, QByteArray("12345678\0004321", 14)),
     };
 }
 
