@@ -33,6 +33,10 @@ constexpr std::array<ofono::Word<CallState>, 6> kCallStates{{{QLatin1String("dia
 constexpr int kEmergencyTries = 10;
 constexpr std::chrono::seconds kBetweenEmergencyTries{1};
 
+/// How often properties are read that are not told, and how long after the last time.
+constexpr int kReadTries = 5;
+constexpr std::chrono::seconds kBetweenReads{1};
+
 /// How many calls that are over here may go on there.
 constexpr qsizetype kMostUnknown = 16;
 
@@ -343,9 +347,21 @@ void OfonoModem::noteInterfaces(const QStringList& interfaces)
 
 void OfonoModem::askForProperties(const QString& interface, const std::function<void()>& then)
 {
+    readProperties(interface, then, kReadTries);
+}
+
+/// Reads the properties of @p interface, again while it is there, does not tell them, and there are @p tries left: one
+/// that comes and goes may be asked in between.
+void OfonoModem::readProperties(const QString& interface, const std::function<void()>& then, int tries)
+{
     const QString modem = m_modem;
     bus().call(at(interface), u"GetProperties"_s, {}, this, [=, this](const QDBusMessage& reply) {
-        if (hasSignature(reply, "a{sv}") && modem == m_modem) {
+        const bool isTold = hasSignature(reply, "a{sv}") && modem == m_modem;
+        if (!isTold && tries > 1 && modem == m_modem && m_interfaces.contains(interface)) {
+            QTimer::singleShot(kBetweenReads, this, [=, this] { readProperties(interface, then, tries - 1); });
+            return;
+        }
+        if (isTold) {
             const QVariantMap properties = busMap(reply.arguments().constFirst());
             for (auto property = properties.cbegin(); property != properties.cend(); ++property)
                 note(interface, property.key(), property.value());

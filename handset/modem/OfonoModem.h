@@ -54,6 +54,7 @@ private:
     void noteModem(const QString& property, const QVariant& value);
     void noteInterfaces(const QStringList& interfaces);
     void askForProperties(const QString& interface, const std::function<void()>& then = {});
+    void readProperties(const QString& interface, const std::function<void()>& then, int tries);
     void note(const QString& interface, const QString& property, const QVariant& value);
     void askForCalls();
     void addCall(const QString& path, const QVariantMap& properties);
