@@ -11,6 +11,7 @@
 #include "utility/PHONE_AsyncMsgReceiver.h"
 #include "utility/PHONE_MsgClient.h"
 #include "utility/PHONE_VoiceCallReceiver.h"
+#include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -101,6 +102,8 @@ double medianReady(const char* name)
 QString startUps()
 {
     const double bare = medianStart({program("zyn-start-qt")});
+    // Who is heard by nobody fails.
+    const QCopChannel listener(zyn::kPhoneChannel);
     const double tool = medianStart({program("zynphone"), "status", "battery-capacity", "80"});
     QString text = u"\n| Start | Time | Beyond an application of Qt Core |\n|---|---|---|\n"_s;
     text += u"| an application of Qt Core, until it ended | %1 | |\n"_s.arg(duration(bare));
