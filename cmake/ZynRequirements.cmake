@@ -53,3 +53,13 @@ macro(zyn_require_qt)
         zyn_refuse("needs Qt 6.4 or newer with ${ARGN} (Debian: qt6-base-dev), found ${zyn_found}")
     endif()
 endmacro()
+
+# Finds what the QML module and the handset on the screen need beyond the library, and sets ZYN_HAS_QT_QUICK. Without it
+# all else is built. A macro, as above.
+macro(zyn_find_qt_quick)
+    find_package(Qt6 6.4 QUIET OPTIONAL_COMPONENTS Quick)
+    set(ZYN_HAS_QT_QUICK ${Qt6Quick_FOUND})
+    if(NOT ZYN_HAS_QT_QUICK)
+        message(STATUS "ZynPhone: no QML module, as there is no Qt Quick (Debian: qt6-declarative-dev)")
+    endif()
+endmacro()
