@@ -3,6 +3,7 @@
 #include "tests/support/Tool.h"
 
 #include <QtCore/QTemporaryDir>
+#include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
 
@@ -60,6 +61,17 @@ public:
         record.setPttIDType(RC_PTT_ID_T{idType});
         record.getData()->readFlags = PHONE_ENG_RecentCall::kStrictRead;
         return RC_Interface().addRecord(record) == 0;
+    }
+
+    /// Makes the object of @p source in an engine of its own, and ends that when the object's `done` is true.
+    Q_INVOKABLE bool runElsewhere(const QString& source)
+    {
+        QQmlEngine engine;
+        engine.addImportPath(QStringLiteral(ZYN_QML));
+        QQmlComponent component(&engine);
+        component.setData(source.toUtf8(), {});
+        const std::unique_ptr<QObject> object(component.create());
+        return object && QTest::qWaitFor([&object] { return object->property("done").toBool(); }, role::kTimeout);
     }
 
 private:

@@ -324,6 +324,27 @@ TestCase {
         verify(row.numbers.includes("1") || !seen.join().includes("1"), seen.join())
     }
 
+    /// What an engine that is gone has asked for comes to nobody, and what it has changed is told to the others.
+    function test_outlivesEngines() {
+        compare(TestHandset.tools(["calls add dialed 1", "calls add dialed 2"]), "")
+        calls.reload()
+        numbersAre(rows, "2 1")
+        TestHandset.pause("zyn-recentcalld")
+        verify(TestHandset.runElsewhere(`
+            import QtQml
+            import ZynPhone
+            QtObject {
+                property list<QtObject> models: [
+                    RecentCallsModel { category: RecentCallsModel.Dialed },
+                    RecentCallsModel {}
+                ]
+                property bool done: models[0].busy && models[1].busy && MissedCalls.error === ""
+                Component.onCompleted: { models[0].clear(); RecentScreens.pickNumber() }
+            }`))
+        TestHandset.resume("zyn-recentcalld")
+        numbersAre(rows, "")
+    }
+
     /// A service that hangs for longer than a request waits announces nothing when it goes on.
     function test_hangsForLong() {
         compare(TestHandset.tools(["calls add answered 1"]), "")
