@@ -2,6 +2,9 @@
 #include "recentcall/utility/RC_Interface.h"
 #include "tests/support/Tool.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
@@ -10,6 +13,9 @@
 #include <sys/stat.h>
 
 namespace {
+
+/// The environment variable that names the folder of the handset's files.
+constexpr char kFolder[] = "ZYN_APP_WRITE_PATH";
 
 /// The handset of the tests: its services, and the tool. QML knows it as TestHandset, of ZynPhone.Testing.
 class TestHandset : public QObject
@@ -74,7 +80,28 @@ public:
         return object && QTest::qWaitFor([&object] { return object->property("done").toBool(); }, role::kTimeout);
     }
 
+    /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Folders are made as needed.
+    Q_INVOKABLE bool write(const QString& name, const QString& latin1)
+    {
+        QFile file(path(name));
+        QDir().mkpath(QFileInfo(file).path());
+        return file.open(QIODevice::WriteOnly) && file.write(latin1.toLatin1()) == latin1.size();
+    }
+    /// Makes a folder where a file is expected.
+    Q_INVOKABLE bool block(const QString& name) { return remove(name) && QDir().mkpath(path(name)); }
+    /// Removes a file, or a folder with all that is in it.
+    Q_INVOKABLE bool remove(const QString& name)
+    {
+        return QFileInfo(path(name)).isDir() ? QDir(path(name)).removeRecursively()
+                                             : !exists(name) || QFile::remove(path(name));
+    }
+    Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
+    Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
+    /// @}
+
 private:
+    static QString path(const QString& name) { return qEnvironmentVariable(kFolder) + QLatin1Char('/') + name; }
+
     /// A service that is ended with this object.
     struct Service : ServiceProcess
     {
@@ -109,7 +136,7 @@ int main(int argc, char** argv)
 {
     ::umask(S_IRWXG | S_IRWXO);
     const QTemporaryDir folder;
-    qputenv("ZYN_APP_WRITE_PATH", folder.path().toLocal8Bit());
+    qputenv(kFolder, folder.path().toLocal8Bit());
     qputenv("ZYN_LOCAL_APP_WRITE_PATH", folder.path().toLocal8Bit());
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "Europe/Berlin");

@@ -1,0 +1,94 @@
+// The favourites, as a list.
+#pragma once
+
+#include "qml/module/FetchedListModel.h"
+#include "qml/module/FileWatch.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtQml/qqmlregistration.h>
+
+#include <vector>
+
+namespace zyn::qml {
+
+/// One of the five places.
+struct FavouriteRow
+{
+    int place;          ///< 0 to 4
+    QString number;     ///< empty when the place is free
+    int missedCalls;    ///< -1 when it is not known
+    int unreadMessages; ///< likewise
+
+    int key() const { return place; }
+    bool operator==(const FavouriteRow&) const = default;
+};
+
+/**
+ * The favourites: five rows, once they are loaded, of which any may be free.
+ *
+ *     ListView {
+ *         model: FavouritesModel { id: favourites; onFailed: reason => problem.text = reason }
+ *         delegate: Label {
+ *             required property string number
+ *             required property bool taken
+ *             required property int missedCalls
+ *             text: taken ? number + (missedCalls > 0 ? " (" + missedCalls + " missed)" : "") : "free"
+ *         }
+ *     }
+ *     Button { onClicked: favourites.add("0301234567", "Ann") }
+ *
+ * Roles: `place` (0 to 4), `number` (text), `taken` (bool), `missedCalls` and `unreadMessages` (what is unread of it; 0
+ * in a free place, -1 when its file cannot be read).
+ *
+ * `number` is what the handset keeps: the last seven characters of the number with which somebody became a favourite,
+ * or the whole of a shorter one. It names the favourite, with and without a prefix, also for ActivityLogModel. To dial,
+ * take the whole number from where it is: from the address book, or from the newest call of RecentCallsModel that ends
+ * in it. Only where nothing has it, dial what is here: within an area it is enough.
+ *
+ * The favourites belong to one process, zyn-favourites here. add(), replace() and remove() announce to it what is to
+ * become true, and are done when it has become true: `busy` tells of it. When it has not after some seconds, failed()
+ * says so. The files of the favourites are only read, and followed; a damaged one stays as it is.
+ */
+class FavouritesModel : public FetchedRows<FavouriteRow>
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    explicit FavouritesModel(QObject* parent = nullptr);
+
+    /// @{ Announce a new favourite, another one in the place of that in @p row, and that the one in @p row is none any
+    /// more. The numbers are those to dial, in whole; the owner may use the name.
+    Q_INVOKABLE void add(const QString& number, const QString& name = {});
+    Q_INVOKABLE void replace(int row, const QString& number, const QString& name = {});
+    Q_INVOKABLE void remove(int row);
+    /// @}
+
+protected:
+    void fetch() override;
+
+private:
+    /// What has been announced, and is not true yet.
+    struct Change
+    {
+        int id;
+        QString oldKey; ///< no favourite any more; empty when it is nobody's place
+        QString newKey; ///< a favourite then; empty when nobody comes
+        bool isLate;    ///< it had time enough
+    };
+
+    bool has(const QString& key) const;
+    QString numberAt(int row);
+    QString obstacle(const QString& oldNumber, const QString& number) const;
+    void announce(const QString& oldNumber, const QString& number, const QString& name);
+    void send(const QString& oldNumber, const QString& number, const QString& name);
+    void setLate(int id);
+    void endChanges();
+
+    FileWatch m_watch;
+    std::vector<Change> m_changes;
+    int m_nextChange = 0;
+};
+
+} // namespace zyn::qml
