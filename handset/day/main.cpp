@@ -8,6 +8,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -26,22 +27,36 @@ void setEnvironment(const QString& directory)
     qputenv("PATH", QCoreApplication::applicationDirPath().toLocal8Bit() + ':' + qgetenv("PATH"));
 }
 
+/// What somebody at the desk does to @p whom of the cast.
+Step stepOfDesk(Verb verb, const QString& verbText, const QString& whom, const QString& chapter = {})
+{
+    Step step;
+    step.chapter = chapter;
+    step.who = u"desk"_s;
+    step.verb = verb;
+    step.verbText = verbText;
+    step.whom = whom;
+    return step;
+}
+
 /// Adds a recorder of all messages to @p day; it replaces @p file.
 void record(Day& day, const QString& file)
 {
     const QString recorder = u"recorder"_s;
     day.cast += {recorder, u"channels"_s, u"file"_s, false, u"zynphone monitor --force --record \"%1\""_s.arg(file)};
-    const auto step = [&](const QString& chapter, Verb verb, const QString& verbText) {
-        Step result;
-        result.chapter = chapter;
-        result.who = u"desk"_s;
-        result.verb = verb;
-        result.verbText = verbText;
-        result.whom = recorder;
-        return result;
-    };
-    day.steps.prepend(step(u"All messages are recorded from now on"_s, Verb::Starts, u"starts"_s));
-    day.steps.append(step(u"The recording ends"_s, Verb::Ends, u"ends"_s));
+    day.steps.prepend(stepOfDesk(Verb::Starts, u"starts"_s, recorder, u"All messages are recorded from now on"_s));
+    day.steps.append(stepOfDesk(Verb::Ends, u"ends"_s, recorder, u"The recording ends"_s));
+}
+
+/// Adds the handset on the screen to @p day, once the programs of the day are there.
+void showWindow(Day& day)
+{
+    const QString window = u"window"_s;
+    day.cast += {window, window, u"user"_s, false, u"zyn-handset --no-services"_s};
+    const auto begins =
+        std::find_if(day.steps.cbegin(), day.steps.cend(), [](const Step& step) { return step.verb != Verb::Starts; });
+    day.steps.insert(begins - day.steps.cbegin(), stepOfDesk(Verb::Starts, u"starts"_s, window));
+    day.steps.append(stepOfDesk(Verb::Ends, u"ends"_s, window, u"The window closes"_s));
 }
 
 } // namespace
@@ -61,8 +76,10 @@ int main(int argc, char** argv)
         "1. Colour comes on a terminal, unless NO_COLOR is set."_s);
     parser.addHelpOption();
     const QString recordOption = u"record"_s;
+    const QString windowOption = u"window"_s;
     parser.addOption({u"slow"_s, u"Play it at a person's pace."_s});
     parser.addOption({recordOption, u"Record all messages in this file, for zynphone replay and chart."_s, u"file"_s});
+    parser.addOption({windowOption, u"Show the day in the window of zyn-handset, too."_s});
     parser.addPositionalArgument(u"script"_s, u"What happens, and what must be seen."_s);
     parser.process(application);
     if (parser.positionalArguments().size() != 1) {
@@ -80,6 +97,9 @@ int main(int argc, char** argv)
     }
     if (parser.isSet(recordOption))
         zyn::handset::record(*day, recording);
+
+    if (parser.isSet(windowOption))
+        zyn::handset::showWindow(*day);
 
     const QTemporaryDir directory;
     if (!directory.isValid()) {
