@@ -6,6 +6,8 @@ ApplicationWindow {
     id: window
 
     property string theme
+    /// The screen to begin with.
+    property string page: "idle"
     readonly property bool wide: width >= Theme.base * 56
     readonly property bool mirrored: Qt.application.layoutDirection === Qt.RightToLeft
 
@@ -29,7 +31,10 @@ ApplicationWindow {
         toolTipBase: Theme.surface
         toolTipText: Theme.text
     }
-    Component.onCompleted: Theme.choice = theme
+    Component.onCompleted: {
+        Theme.choice = theme
+        Navigation.go(page)
+    }
 
     Shortcut {
         sequences: ["Alt+A"]

@@ -23,11 +23,18 @@ ColumnLayout {
         property string title
 
         Layout.fillWidth: true
+        topPadding: Theme.base * 2.2
         Accessible.role: Accessible.Slider
         Accessible.name: title
         palette.dark: Theme.accent
         palette.midlight: Theme.raised
 
+        PhoneText {
+            anchors.left: parent.left
+            anchors.top: parent.top
+            text: slider.title
+            Accessible.ignored: true
+        }
         handle: Rectangle {
             x: slider.leftPadding + slider.visualPosition * (slider.availableWidth - width)
             y: slider.topPadding + (slider.availableHeight - height) / 2
@@ -45,7 +52,7 @@ ColumnLayout {
 
         Level {
             objectName: "panelSignal"
-            title: qsTr("Signal")
+            title: qsTr("Signal: %1 of 5").arg(value)
             from: 0
             to: 5
             stepSize: 1
@@ -88,7 +95,7 @@ ColumnLayout {
 
         Level {
             objectName: "panelBattery"
-            title: qsTr("Battery")
+            title: qsTr("Charge: %1 %").arg(Math.round(value))
             from: 0
             to: 100
             stepSize: 1

@@ -107,7 +107,8 @@ FocusScope {
 
         RowLayout {
             Layout.fillWidth: true
-            Layout.preferredHeight: Theme.base * 2.6
+            Layout.preferredHeight: Theme.base * 2.8
+            Layout.fillHeight: false
             spacing: 0
 
             StatusBar {
@@ -116,7 +117,7 @@ FocusScope {
             }
             PhoneButton {
                 objectName: "panelButton"
-                Layout.fillHeight: true
+                Layout.preferredHeight: Theme.base * 2.2
                 Layout.rightMargin: Theme.gap
                 visible: phone.hasFoldedPanel
                 bare: true
