@@ -3,6 +3,7 @@
 
 #include "bench/Bench.h"
 #include "bench/Child.h"
+#include "bench/Processes.h"
 #include "bench/Report.h"
 #include "bench/Sampler.h"
 #include "bench/Service.h"
@@ -14,9 +15,6 @@
 #include "utility/message/Message_p.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
 #include <list>
@@ -41,33 +39,6 @@ constexpr const char* kClients[] = {"none",
 constexpr int kMeasuredStarts = 21;
 /// In seconds: by then no program does anything any more that it does after its start.
 constexpr unsigned kSettling = 4;
-
-/// The sum of what stands behind the names that @p form matches, in a file of the process.
-qint64 sum(const QString& path, const QString& form)
-{
-    QFile file(path);
-    require(file.open(QIODevice::ReadOnly), "a process's file");
-    const QString text = QString::fromLatin1(file.readAll());
-    qint64 all = 0;
-    for (auto match = QRegularExpression(form + u":\\s*(\\d+)"_s).globalMatch(text); match.hasNext();)
-        all += match.next().captured(1).toLongLong();
-    return all;
-}
-
-/// How often the threads of a process have been woken up.
-qint64 wakeUps(pid_t process)
-{
-    const QString tasks = u"/proc/%1/task/"_s.arg(process);
-    qint64 all = 0;
-    for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-        all += sum(tasks + task + u"/status"_s, u"voluntary_ctxt_switches"_s);
-    return all;
-}
-
-qint64 privateMemory(pid_t process)
-{
-    return sum(u"/proc/%1/smaps_rollup"_s.arg(process), u"Private_(?:Clean|Dirty)"_s);
-}
 
 /// An idle process, and how often it had been woken up when it was first looked at.
 struct Idle

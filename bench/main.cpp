@@ -5,6 +5,7 @@
 #include "bench/Report.h"
 #include "bench/Sampler.h"
 #include "bench/Scale.h"
+#include "bench/Window.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -96,7 +97,9 @@ int run(const QCommandLineParser& options, int output)
         publish(options, output, u"scale"_s, measureScale(isQuick ? kQuick : kFull));
     if (options.isSet(u"power"_s))
         publish(options, output, u"power"_s, measurePower(isQuick ? kQuickWatch : kWatch));
-    if (options.isSet(u"scale"_s) || options.isSet(u"power"_s))
+    if (options.isSet(u"window"_s))
+        publish(options, output, u"window"_s, measureWindow(isQuick ? kQuickWatch : kWatch));
+    if (options.isSet(u"scale"_s) || options.isSet(u"power"_s) || options.isSet(u"window"_s))
         return EXIT_SUCCESS;
     const std::vector<Row> rows = chosenRows(options.value(u"filter"_s));
     if (rows.empty()) {
@@ -133,6 +136,7 @@ int main(int argc, char** argv)
                         {u"list"_s, u"lists the rows"_s},
                         {u"scale"_s, u"measures how cost grows"_s},
                         {u"power"_s, u"measures what idle processes cost"_s},
+                        {u"window"_s, u"measures the handset on the screen"_s},
                         {u"filter"_s, u"only rows like that"_s, u"regex"_s, u"."_s},
                         {u"json"_s, u"writes a file"_s, u"file"_s},
                         {u"plot"_s, u"writes a picture"_s, u"file"_s},
