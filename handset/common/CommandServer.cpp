@@ -16,6 +16,7 @@
 #include <chrono>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -24,6 +25,9 @@ namespace zyn::handset {
 namespace {
 
 constexpr auto kPlaceCheckInterval = 5s;
+
+/// How many clients that wait are accepted at once, so that the open connections are looked at once for all of them.
+constexpr size_t kAcceptedAtOnce = 16;
 
 } // namespace
 
@@ -136,14 +140,35 @@ bool CommandServer::acceptNext()
         }
         return false;
     }
-    serveOpenConnections();
-    open(std::move(client))->serve();
+    std::vector<posix::UniqueFd> clients;
+    const auto mayAccept = [&] {
+        return clients.size() < kAcceptedAtOnce && m_connections.size() + qsizetype(clients.size()) < m_maxConnections;
+    };
+    do {
+        clients.push_back(std::move(client));
+        client = mayAccept() ? m_socket.accept() : posix::UniqueFd();
+    } while (client.isValid());
+    openAll(clients);
     if (m_connections.size() >= m_maxConnections)
         m_acceptor->setEnabled(false);
     return true;
 }
 
-/// Executes what arrived on the open connections before a new one was accepted.
+/// Opens the connections of clients that came one after the other.
+void CommandServer::openAll(std::vector<posix::UniqueFd>& clients)
+{
+    serveOpenConnections();
+    // A connection that closes is deleted later.
+    std::vector<CommandConnection*> opened;
+    for (posix::UniqueFd& client : clients) {
+        for (CommandConnection* earlier : opened)
+            earlier->serve();
+        opened.push_back(open(std::move(client)));
+        opened.back()->serve();
+    }
+}
+
+/// Executes what arrived on the open connections before new ones were accepted.
 void CommandServer::serveOpenConnections()
 {
     const auto connections = m_connections;

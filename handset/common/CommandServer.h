@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace zyn::handset {
 
@@ -53,6 +54,7 @@ private:
     void checkPlace();
     void restoreSocket();
     bool watchPlace();
+    void openAll(std::vector<posix::UniqueFd>& clients);
     void serveOpenConnections();
     CommandConnection* open(posix::UniqueFd socket);
     void remove(CommandConnection* connection);

@@ -61,7 +61,7 @@ protected:
     void finish(const QString& error = {});
     /// The list is known from now on.
     void setLoaded();
-    /// Forgets that the list was known, as when it is to be another.
+    /// Nothing is known of the list any more.
     void setUnloaded();
 
 private:
@@ -118,28 +118,63 @@ protected:
     const Row* find(int index) const { return index >= 0 && index < rowCount({}) ? &rowAt(index) : nullptr; }
 
     /// The list is @p rows now. Rows that were there already stay where the views have them.
-    void setRows(std::vector<Row> rows)
+    void setRows(std::vector<Row> rows) { become(std::move(rows), true); }
+    /// The list is another one from now on, of which nothing is known yet.
+    void forgetRows() { become({}, false); }
+
+private:
+    /// What the list is to be.
+    struct Target
+    {
+        std::vector<Row> rows;
+        bool isKnown;
+    };
+
+    const Row& rowAt(int index) const { return m_rows[static_cast<size_t>(index)]; }
+
+    /// Makes the list one of @p rows. What is told of a row may make somebody ask for another list: that comes next.
+    void become(std::vector<Row> rows, bool isKnown)
+    {
+        m_next = Target{std::move(rows), isKnown};
+        if (m_isChanging)
+            return;
+        m_isChanging = true;
+        while (m_next) {
+            Target target = *std::exchange(m_next, std::nullopt);
+            merge(std::move(target.rows));
+            if (target.isKnown)
+                setLoaded();
+            else
+                setUnloaded();
+        }
+        m_isChanging = false;
+    }
+
+    void merge(std::vector<Row> rows)
     {
         const int before = rowCount({});
         const auto isGone = [&rows](const Row& row) {
             return std::none_of(rows.begin(), rows.end(), [&](const Row& other) { return other.key() == row.key(); });
         };
         for (int index = before - 1; index >= 0; --index) {
-            if (!isGone(rowAt(index)))
-                continue;
-            beginRemoveRows({}, index, index);
-            m_rows.erase(m_rows.begin() + index);
-            endRemoveRows();
+            if (isGone(rowAt(index)))
+                drop(index);
         }
         for (int index = 0; index < std::ssize(rows); ++index)
             place(index, std::move(rows[static_cast<size_t>(index)]));
-        setLoaded();
+        // A file that was tampered with may hold a key twice, and has lost one of its rows.
+        while (m_rows.size() > rows.size())
+            drop(rowCount({}) - 1);
         if (rowCount({}) != before)
             Q_EMIT countChanged();
     }
 
-private:
-    const Row& rowAt(int index) const { return m_rows[static_cast<size_t>(index)]; }
+    void drop(int index)
+    {
+        beginRemoveRows({}, index, index);
+        m_rows.erase(m_rows.begin() + index);
+        endRemoveRows();
+    }
 
     /// Makes @p row the one at @p index; those above it are in their places.
     void place(int index, Row row)
@@ -168,6 +203,8 @@ private:
 
     const std::span<const ListRole<Row>> m_roles;
     std::vector<Row> m_rows;
+    std::optional<Target> m_next;
+    bool m_isChanging = false;
 };
 
 } // namespace zyn::qml

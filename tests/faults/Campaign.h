@@ -64,6 +64,7 @@ private:
 // The campaigns; main.cpp has their table.
 
 void calls(Campaign& campaign);
+void clients(Campaign& campaign);
 void files(Campaign& campaign);
 void kills(Campaign& campaign);
 void messages(Campaign& campaign);

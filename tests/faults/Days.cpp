@@ -63,14 +63,16 @@ public:
     {
         QProcess tool;
         tool.start(m_campaign.program("zynphone"), words);
-        if (!tool.waitForFinished(int(std::chrono::milliseconds(kPatience).count())) || tool.exitCode() != EXIT_SUCCESS)
-            return std::nullopt;
-        return tool.readAllStandardOutput();
+        const bool isDone =
+            tool.waitForFinished(int(std::chrono::milliseconds(kPatience).count())) && tool.exitCode() == EXIT_SUCCESS;
+        m_failure = isDone ? QByteArray() : tool.errorString().toUtf8() + ": " + tool.readAllStandardError();
+        return isDone ? std::optional(tool.readAllStandardOutput()) : std::nullopt;
     }
     void tell(const QString& words)
     {
         m_campaign.operate();
-        m_campaign.check(ask(words.split(u' ')).has_value(), u"zynphone %1 fails"_s.arg(words));
+        const bool isDone = ask(words.split(u' ')).has_value();
+        m_campaign.check(isDone, u"zynphone %1 fails: %2"_s.arg(words, QString::fromUtf8(m_failure)));
     }
 
     /// The calls of the log, as the tool has them.
@@ -105,6 +107,7 @@ public:
 private:
     Campaign& m_campaign;
     std::map<QByteArray, std::unique_ptr<Process>> m_programs;
+    QByteArray m_failure; ///< of the tool, in its words
 };
 
 /// A caller's number that was never used.
@@ -279,7 +282,7 @@ void playDay(Campaign& campaign, Handset& handset, qint64 calls, int day)
     QList<DayCall> made;
     for (qint64 i = 0; i < calls; ++i) {
         handset.tell(u"phone signal-quality %1"_s.arg(i % 6));
-        handset.tell(u"phone battery-capacity %1"_s.arg(100 - i));
+        handset.tell(u"phone battery-capacity %1"_s.arg(100 - i % 101));
         made += i % 3 == 2 ? missed(handset) : answered(handset);
         // The log holds fifty of each list; a favourite's log is full early on, and goes on with its newest entries.
         if (made.size() == 40) {

@@ -13,7 +13,6 @@
 #include "tests/support/ActivityLogFixture.h"
 #include "utility/PHONE_EmergencyCall.h"
 #include "utility/PHONE_EmergencyList_p.h"
-#include "utility/PHONE_Setup.h"
 #include "utility/PHONE_SpeedDial.h"
 #include "utility/PHONE_VoiceCallSender.h"
 #include "utility/PHONE_VoiceJava.h"
@@ -271,7 +270,6 @@ void prepareSettings()
     writeWhole(place("setup/test.cfg"), "[Group]\nkey=old\nother=7\n");
     writeWhole(place("setup/zyn_app4.cfg"), kStoredSettings);
     writeWhole(place("setup/zyn_handset.cfg"), "[Handset]\nSimCardStatus=3\n");
-    writeWhole(place("setup/zyn_toppals.cfg"), "[TopPals-UI]\nMaxItemsToLog=20\n");
 }
 
 void prepareNoSettings()
@@ -293,34 +291,9 @@ QByteArray getSetting()
     return value.toLatin1();
 }
 
-QByteArray setSpeedDial()
-{
-    return text(PHONE_SpeedDial().setTurboDialing(2, u"0305550199"_s));
-}
-
 QByteArray setAllSpeedDials()
 {
     return text(PHONE_SpeedDial().setTurboDialing({u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
-}
-
-QByteArray getSpeedDial()
-{
-    return PHONE_SpeedDial().getTurboDialing(2).toLatin1();
-}
-
-QByteArray setPrepend()
-{
-    return text(PHONE_Setup().setPrepend(true));
-}
-
-QByteArray setTwoLines()
-{
-    return text(RecentCall_Setup::instance()->setTwoLineView(true));
-}
-
-QByteArray keptEntries()
-{
-    return QByteArray::number(RecentCall_Setup::instance()->getMaxTopPalsAvlItems());
 }
 
 QByteArray simCard()
@@ -695,12 +668,7 @@ constexpr Operation kOperations[] = {
     {"settings: set", prepareSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"settings: set the first", prepareNoSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"settings: get", prepareSettings, getSetting, "default", Left::Nothing, filesOnDisk},
-    {"speed dial: set", prepareSettings, setSpeedDial, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"speed dial: set four", prepareSettings, setAllSpeedDials, "0", Left::Lines, filesOnDisk, false, kWrites},
-    {"speed dial: get", prepareSettings, getSpeedDial, "", Left::Nothing, filesOnDisk},
-    {"prepend: set", prepareSettings, setPrepend, "0", Left::Whole, filesOnDisk, false, kWrites},
-    {"two-line view: set", prepareSettings, setTwoLines, "0", Left::Whole, filesOnDisk, false, kWrites},
-    {"kept entries", prepareSettings, keptEntries, "15", Left::Nothing, filesOnDisk},
     {"SIM card status", prepareSettings, simCard, "0", Left::Nothing, filesOnDisk},
     {"emergency: write", prepareEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"emergency: write the first", prepareNoEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},

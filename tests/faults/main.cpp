@@ -33,6 +33,7 @@ constexpr std::array kCampaigns{
 #ifdef ZYN_HAS_SHIM
     Row{"calls", "every system call of the library fails in turn, in every operation", faults::calls},
 #endif
+    Row{"clients", "a thousand clients at once on each socket, many of them hostile", faults::clients},
     Row{"clock", "the clock and the time zone are set while calls are made", faults::setClocks},
     Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},

@@ -1,10 +1,12 @@
 // Runs the tests of the QML module and of the window, which are written in QML, with a handset that they may break.
+#include "recentcall/utility/RC_Interface.h"
 #include "tests/support/Tool.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
+#include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
 
@@ -52,6 +54,30 @@ public:
                 return line + QStringLiteral(": ") + output;
         }
         return {};
+    }
+
+    /// Adds a push-to-talk call of a group with what no command of the tool sets, and the mark for strict read.
+    Q_INVOKABLE bool addPttCall(int list, const QString& number, const QDateTime& start, int partyType, int idType)
+    {
+        RC_RecordInterfaceImpl record(number, start, 0);
+        record.setCallType(RC_CALL_TYPE_PTT2);
+        record.setCategory(RC_CALL_CATEGORY_T{list});
+        record.setCompletedStatus(true);
+        record.setPttPartyType(RC_PTT_PARTY_TYPE_T{partyType});
+        record.setPttIDType(RC_PTT_ID_T{idType});
+        record.getData()->readFlags = PHONE_ENG_RecentCall::kStrictRead;
+        return RC_Interface().addRecord(record) == 0;
+    }
+
+    /// Makes the object of @p source in an engine of its own, and ends that when the object's `done` is true.
+    Q_INVOKABLE bool runElsewhere(const QString& source)
+    {
+        QQmlEngine engine;
+        engine.addImportPath(QStringLiteral(ZYN_QML));
+        QQmlComponent component(&engine);
+        component.setData(source.toUtf8(), {});
+        const std::unique_ptr<QObject> object(component.create());
+        return object && QTest::qWaitFor([&object] { return object->property("done").toBool(); }, role::kTimeout);
     }
 
     /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Folders are made as needed.

@@ -1,0 +1,111 @@
+// The window: the phone, and the panel that plays its network beside it where there is room, else in a drawer.
+import QtQuick
+import QtQuick.Controls.Basic
+
+ApplicationWindow {
+    id: window
+
+    property string theme
+    /// The screen to begin with.
+    property string page: "idle"
+    readonly property bool wide: width >= Theme.base * 56
+    readonly property bool mirrored: Qt.application.layoutDirection === Qt.RightToLeft
+
+    width: Math.round(Theme.base * 30)
+    height: Math.round(Theme.base * 60)
+    minimumWidth: Math.round(Theme.base * 20)
+    minimumHeight: Math.round(Theme.base * 36)
+    visible: true
+    title: qsTr("Phone")
+    color: Theme.background
+    font.pixelSize: Theme.body
+    palette {
+        window: Theme.background
+        windowText: Theme.text
+        base: Theme.surface
+        text: Theme.text
+        button: Theme.raised
+        buttonText: Theme.text
+        highlight: Theme.accent
+        highlightedText: Theme.onTone
+        toolTipBase: Theme.surface
+        toolTipText: Theme.text
+    }
+    Component.onCompleted: {
+        Theme.choice = theme
+        Navigation.go(page)
+    }
+
+    Shortcut {
+        sequences: ["Alt+A"]
+        onActivated: phone.answer()
+    }
+    Shortcut {
+        sequences: ["Alt+H"]
+        onActivated: phone.hangUp()
+    }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: Qt.quit()
+    }
+    Shortcut {
+        sequences: ["Alt+N"]
+        onActivated: drawer.visible ? drawer.close() : window.openPanel()
+    }
+
+    function openPanel() {
+        if (!wide)
+            drawer.open()
+    }
+
+    Item {
+        anchors.fill: parent
+        LayoutMirroring.enabled: window.mirrored
+        LayoutMirroring.childrenInherit: true
+
+        Phone {
+            id: phone
+
+            objectName: "phone"
+            anchors.left: parent.left
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            width: window.wide ? Math.min(Math.round(parent.height * 0.62), parent.width - Theme.base * 28)
+                : parent.width
+            focus: true
+            hasFoldedPanel: !window.wide
+            onPanelRequested: window.openPanel()
+        }
+        Loader {
+            anchors.left: phone.right
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            active: window.wide
+            sourceComponent: NetworkPanel {}
+        }
+    }
+    Drawer {
+        id: drawer
+
+        edge: window.mirrored ? Qt.LeftEdge : Qt.RightEdge
+        width: Math.min(window.width, Theme.base * 30)
+        height: window.height
+        interactive: !window.wide
+        padding: 0
+        onAboutToShow: panel.active = true
+
+        contentItem: Loader {
+            id: panel
+
+            active: false
+            LayoutMirroring.enabled: window.mirrored
+            LayoutMirroring.childrenInherit: true
+            sourceComponent: NetworkPanel {
+                closable: true
+                onClosed: drawer.close()
+            }
+        }
+    }
+    onWideChanged: if (wide) drawer.close()
+}

@@ -1,0 +1,197 @@
+// The phone itself: its screens between status bar and tabs, and over them what comes before all: calls and the lock.
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import ZynPhone
+
+FocusScope {
+    id: phone
+
+    readonly property var screens: ({
+        "activity": "ActivityScreen.qml",
+        "dialer": "DialerScreen.qml",
+        "favourites": "FavouritesScreen.qml",
+        "idle": "IdleScreen.qml",
+        "pushToTalk": "PushToTalkScreen.qml",
+        "recents": "RecentsScreen.qml",
+        "settings": "SettingsScreen.qml"
+    })
+    /// Whether the panel that plays the network is folded away, and has to be asked for.
+    property bool hasFoldedPanel: false
+    signal panelRequested
+
+    readonly property bool locked: DeskNetwork.keypadLocked
+    readonly property bool showsCalls: line.busy && (line.rings || locked || !Navigation.callsAside)
+
+    function urlOf(name) {
+        return Qt.resolvedUrl(screens[name])
+    }
+
+    function answer() {
+        if (line.rings || line.first?.state === PhoneCalls.Waiting)
+            PhoneCalls.answer(line.first.callId)
+    }
+
+    function hangUp() {
+        if (line.busy)
+            PhoneCalls.end(line.first.callId)
+    }
+
+    Component.onCompleted: stack.push(urlOf(Navigation.tab), StackView.Immediate)
+    Keys.onCallPressed: answer()
+    Keys.onHangupPressed: hangUp()
+    Keys.onEscapePressed: {
+        if (showsCalls)
+            Navigation.callsAside = !line.rings
+        else if (stack.depth > 1)
+            Navigation.back()
+        else
+            Navigation.go("idle")
+    }
+    // Whoever types a number wants to dial it, wherever he is.
+    Keys.onPressed: event => {
+        if (!showsCalls && !locked && event.modifiers === Qt.NoModifier && /^[0-9*#+]$/.test(event.text)) {
+            Navigation.go("dialer", {"number": event.text})
+            event.accepted = true
+        }
+    }
+
+    LineCalls {
+        id: line
+
+        onBusyChanged: Navigation.callsAside = false
+        onEndedBadly: text => Navigation.say(text)
+    }
+    Connections {
+        target: Navigation
+
+        function onTabRequested(name, properties) {
+            stack.replace(null, phone.urlOf(name), properties, StackView.Immediate)
+        }
+        function onOpenRequested(name, properties) {
+            stack.push(phone.urlOf(name), properties)
+        }
+        function onBackRequested() {
+            stack.pop()
+        }
+        function onMessageRequested(text) {
+            messages.show(text)
+        }
+    }
+    Connections {
+        target: PhoneCalls
+
+        function onFailed(reason) {
+            messages.show(reason)
+        }
+    }
+    Connections {
+        target: RecentScreens
+
+        function onPageRequested(page) {
+            const picking = page === RecentScreens.PickerPage
+            Navigation.go("recents", {"picking": picking, "category": picking ? RecentCallsModel.All : page})
+        }
+        function onDetailsRequested(index, category) {
+            Navigation.go("recents", {"category": category, "openRow": index})
+        }
+        function onHideRequested() {
+            if (Navigation.tab === "recents")
+                Navigation.go("idle")
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.preferredHeight: Theme.base * 2.8
+            Layout.fillHeight: false
+            spacing: 0
+
+            StatusBar {
+                objectName: "statusBar"
+                Layout.fillWidth: true
+            }
+            PhoneButton {
+                objectName: "panelButton"
+                Layout.preferredHeight: Theme.base * 2.2
+                Layout.rightMargin: Theme.gap
+                visible: phone.hasFoldedPanel
+                bare: true
+                padding: 0
+                implicitWidth: Theme.touch
+                tone: PhoneButton.Soft
+                symbol: "network"
+                symbolSize: Theme.base * 1.5
+                text: qsTr("Play the network")
+                onClicked: phone.panelRequested()
+            }
+        }
+        ServiceBar {
+            Layout.fillWidth: true
+        }
+        PhoneButton {
+            objectName: "returnButton"
+            Layout.fillWidth: true
+            visible: line.busy && !phone.showsCalls
+            radius: 0
+            tone: PhoneButton.Good
+            symbol: "call"
+            font.pixelSize: Theme.small
+            text: qsTr("Back to the call with %1").arg(Phrases.party(line.first?.name, line.first?.number))
+            onClicked: Navigation.callsAside = false
+        }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            ColumnLayout {
+                anchors.fill: parent
+                spacing: 0
+                visible: !phone.locked && !phone.showsCalls
+
+                StackView {
+                    id: stack
+
+                    objectName: "screens"
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    clip: true
+                    focus: true
+                    onCurrentItemChanged: currentItem?.forceActiveFocus()
+                }
+                NavigationBar {
+                    objectName: "tabs"
+                    Layout.fillWidth: true
+                }
+            }
+            LockScreen {
+                anchors.fill: parent
+                visible: phone.locked && !phone.showsCalls
+            }
+            CallScreen {
+                anchors.fill: parent
+                visible: phone.showsCalls
+                line: line
+            }
+            MessageBar {
+                id: messages
+
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
+                anchors.margins: Theme.gap
+            }
+        }
+    }
+    onShowsCallsChanged: Qt.callLater(restoreFocus)
+    onLockedChanged: Qt.callLater(restoreFocus)
+
+    function restoreFocus() {
+        if (!showsCalls && !locked)
+            stack.currentItem?.forceActiveFocus()
+    }
+}

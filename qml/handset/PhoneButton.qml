@@ -1,0 +1,81 @@
+// A button with an icon, a text or both. Its text is its accessible name, even where only the icon is shown.
+import QtQuick
+import QtQuick.Controls.Basic
+
+AbstractButton {
+    id: button
+
+    enum Tone { Plain, Soft, Accent, Good, Bad }
+
+    property string symbol
+    property int tone: PhoneButton.Plain
+    property real symbolSize: Theme.icon
+    property real radius: height / 2
+    /// Shows the icon alone.
+    property bool bare: false
+
+    readonly property color ground: [Qt.alpha(Theme.text, 0), Theme.raised, Theme.accent, Theme.good,
+        Theme.bad][button.tone]
+    readonly property color ink: tone === PhoneButton.Plain ? Theme.accent
+        : tone === PhoneButton.Soft ? Theme.text : Theme.onTone
+
+    padding: Theme.gap
+    leftPadding: bare ? padding : Theme.margin
+    rightPadding: leftPadding
+    implicitHeight: Math.max(Theme.touch, implicitContentHeight + topPadding + bottomPadding)
+    implicitWidth: Math.max(Theme.touch, implicitContentWidth + leftPadding + rightPadding)
+    font.pixelSize: Theme.body
+    opacity: enabled ? 1 : 0.4
+    focusPolicy: Qt.StrongFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.onPressAction: button.clicked()
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
+
+    contentItem: Item {
+        // Not the row's: its text is as wide as there is room.
+        implicitWidth: (button.bare ? 0 : label.implicitWidth)
+            + (button.symbol === "" ? 0 : button.symbolSize + (button.bare || !label.visible ? 0 : row.spacing))
+        implicitHeight: row.implicitHeight
+
+        Row {
+            id: row
+
+            anchors.centerIn: parent
+            spacing: Theme.gap
+
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: button.symbol !== ""
+                name: button.symbol
+                size: button.symbolSize
+                color: button.ink
+            }
+            Text {
+                id: label
+
+                anchors.verticalCenter: parent.verticalCenter
+                visible: !button.bare && text !== ""
+                width: Math.min(implicitWidth, button.availableWidth
+                    - (button.symbol === "" ? 0 : button.symbolSize + row.spacing))
+                elide: Text.ElideRight
+                text: button.text
+                color: button.ink
+                font: button.font
+                Accessible.ignored: true
+            }
+        }
+    }
+    background: Rectangle {
+        radius: button.radius
+        color: button.down || (button.hovered && button.tone === PhoneButton.Plain)
+            ? Qt.tint(button.ground, Qt.alpha(Theme.text, 0.14)) : button.ground
+        border.width: button.visualFocus ? 2 : 0
+        border.color: button.tone < PhoneButton.Accent ? Theme.accent : Theme.text
+    }
+
+    ToolTip.visible: bare && hovered && text !== ""
+    ToolTip.delay: 800
+    ToolTip.text: text
+}

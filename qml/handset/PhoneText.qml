@@ -1,0 +1,11 @@
+// A text of the handset, in its font and colour.
+import QtQuick
+
+Text {
+    color: Theme.text
+    font.pixelSize: Theme.body
+    elide: Text.ElideRight
+    textFormat: Text.PlainText
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+}
