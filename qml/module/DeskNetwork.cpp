@@ -52,11 +52,8 @@ DeskNetwork::DeskNetwork(QObject* parent)
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);
     connect(&m_next, &QTimer::timeout, this, &DeskNetwork::playNext);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, [this] {
-        watchStates();
-        refreshStates();
-    });
-    watchStates();
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &DeskNetwork::refreshStates);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &DeskNetwork::refreshStates);
     refreshStates();
 }
 
@@ -208,18 +205,21 @@ void DeskNetwork::setRunning(bool isRunning)
         Q_EMIT scriptRunningChanged();
 }
 
-/// Watches the folder of the state file, which is written anew with each change; until it is there, the one above it.
+/// Watches the state file, and its folder, where it is written anew; until that is there, the one above it.
 void DeskNetwork::watchStates()
 {
     QFileInfo folder(settingsDirectory());
     while (!folder.exists() && !folder.isRoot())
         folder.setFile(folder.path());
-    const QString path = folder.filePath();
-    QStringList others = m_watcher.directories();
-    if (others.removeAll(path) == 0)
-        m_watcher.addPath(path);
-    if (!others.isEmpty())
-        m_watcher.removePaths(others);
+    QStringList wanted{folder.filePath()};
+    if (const QString file = handset::stateFile(); QFileInfo::exists(file))
+        wanted += file;
+    for (const QString& path : m_watcher.directories() + m_watcher.files()) {
+        if (wanted.removeAll(path) == 0)
+            m_watcher.removePath(path);
+    }
+    if (!wanted.isEmpty())
+        m_watcher.addPaths(wanted);
 }
 
 DeskNetwork::States DeskNetwork::readStates()
@@ -229,6 +229,7 @@ DeskNetwork::States DeskNetwork::readStates()
 
 void DeskNetwork::refreshStates()
 {
+    watchStates();
     runBeside(Lane::Files, this, readStates, [this](const States& states) { noteStates(states); });
 }
 

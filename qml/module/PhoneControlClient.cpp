@@ -216,7 +216,9 @@ PhoneControlClient::PhoneControlClient()
         if (m_connection)
             return;
         m_nextRetry = kFirstRetry;
-        m_retry.start(m_nextRetry);
+        // Whoever keeps changing the directory does not put it off.
+        if (!m_retry.isActive() || m_retry.remainingTimeAsDuration() > kFirstRetry)
+            m_retry.start(kFirstRetry);
     });
     // Later, so that those who have just asked for the client hear of it.
     m_retry.start(std::chrono::milliseconds(0));

@@ -156,6 +156,9 @@ TestCase {
         compare(TestHandset.tools(["handset set keypad-lock 0 sim-card 1"]), "")
         tryCompare(DeskNetwork, "keypadLocked", false)
         tryCompare(DeskNetwork, "simCardState", 1)
+        TestHandset.write("setup/zyn_handset.cfg", "[Handset]\nSimCardStatus=7\nKeypadLockStatus=2\n")
+        tryCompare(DeskNetwork, "simCardState", 7)
+        tryCompare(DeskNetwork, "keypadLocked", true)
         compare(refusals.count, 0)
     }
 }
