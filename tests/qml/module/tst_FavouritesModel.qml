@@ -188,9 +188,9 @@ TestCase {
 
     function test_damaged_data() {
         return [
-            { tag: "empty", damage: () => TestHandset.write(details, "") },
-            { tag: "another header", damage: () => TestHandset.write(details, "x".repeat(128)) },
-            { tag: "longer", damage: () => TestHandset.write(details, header.repeat(17)) },
+            { tag: "empty", damage: () => TestHandset.writeBytes(details, "") },
+            { tag: "another header", damage: () => TestHandset.writeBytes(details, "x".repeat(128)) },
+            { tag: "longer", damage: () => TestHandset.writeBytes(details, header.repeat(17)) },
             { tag: "folder", damage: () => TestHandset.block(details) }
         ]
     }
@@ -211,7 +211,7 @@ TestCase {
     function test_damagedLog_data() {
         return [
             { tag: "gone", damage: () => TestHandset.remove("phone/1234567") },
-            { tag: "another header", damage: () => TestHandset.write("phone/1234567", "x".repeat(4508)) }
+            { tag: "another header", damage: () => TestHandset.writeBytes("phone/1234567", "x".repeat(4508)) }
         ]
     }
 

@@ -50,7 +50,7 @@ TestCase {
     }
 
     function test_follows(row) {
-        verify(TestHandset.write(row.file, row.text))
+        verify(TestHandset.writeBytes(row.file, row.text))
         const expected = defaults.map((value, index) => index in row.expected ? row.expected[index] : value)
         tryVerify(() => values().join() === expected.join(), 5000, values() + " instead of " + expected)
         TestHandset.remove(row.file)
