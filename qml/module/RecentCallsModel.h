@@ -49,7 +49,7 @@ struct CallRow
  * | `pttIdType`    | int: of a push-to-talk call, as it was stored; 0 for others               |
  * | `pttSession`   | text: the session of a push-to-talk call; empty for others                |
  */
-class RecentCallsModel : public FetchedRows<CallRow>
+class RecentCallsModel : public ZYN_LIST_OF(CallRow)
 {
     Q_OBJECT
     QML_ELEMENT

@@ -1,4 +1,8 @@
 // Runs the tests of the QML module and of the window, which are written in QML, with a handset that they may break.
+
+#include "handset/phone_server/PhoneControl.h"
+#include "platform/CommandFrame_p.h"
+#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "tests/support/Tool.h"
 
@@ -14,10 +18,13 @@
 #include "tests/support/Tool.h"
 
 #include <QtCore/QFile>
+
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
 #include <QtCore/QVariant>
+
+#include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
 
@@ -133,8 +140,9 @@ public:
         return object && QTest::qWaitFor([&object] { return object->property("done").toBool(); }, role::kTimeout);
     }
 
-    /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Folders are made as needed.
-    Q_INVOKABLE bool write(const QString& name, const QString& latin1)
+    /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Its folder is made as
+    /// needed.
+    Q_INVOKABLE bool writeBytes(const QString& name, const QString& latin1)
     {
         QFile file(path(name));
         QDir().mkpath(QFileInfo(file).path());
@@ -151,6 +159,7 @@ public:
     Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}
+
 
 
     /// Plays a phone server that sends @p frames to each client. A frame has a `code` and `data`, and a `length` if
@@ -173,7 +182,7 @@ public:
     /// Writes the file @p name of the tests, and gives its URL.
     Q_INVOKABLE QUrl write(const QString& name, const QString& text)
     {
-        QFile file(qEnvironmentVariable("ZYN_APP_WRITE_PATH") + QLatin1Char('/') + name);
+        QFile file(path(name));
         const QByteArray bytes = text.toUtf8();
         return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
                    ? QUrl::fromLocalFile(file.fileName())
