@@ -224,7 +224,8 @@ void DeskNetwork::watchStates()
 
 DeskNetwork::States DeskNetwork::readStates()
 {
-    return {.keypadLock = handset::readState(handset::kKeypadLock), .simCard = handset::readState(handset::kSimCard)};
+    return {.isKeypadLocked = handset::readState(handset::kKeypadLock) != 0,
+            .simCard = handset::readState(handset::kSimCard)};
 }
 
 void DeskNetwork::refreshStates()
@@ -235,12 +236,10 @@ void DeskNetwork::refreshStates()
 
 void DeskNetwork::noteStates(const States& states)
 {
-    const bool wasLocked = isKeypadLocked();
-    const int simCard = simCardState();
-    m_states = states;
-    if (isKeypadLocked() != wasLocked)
+    const States old = std::exchange(m_states, states);
+    if (states.isKeypadLocked != old.isKeypadLocked)
         Q_EMIT keypadLockedChanged();
-    if (simCardState() != simCard)
+    if (states.simCard != old.simCard)
         Q_EMIT simCardStateChanged();
 }
 

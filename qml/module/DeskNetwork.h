@@ -13,7 +13,6 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace zyn::qml {
@@ -50,9 +49,9 @@ public:
 
     bool isAvailable() const;
     bool isScriptRunning() const { return m_isRunning; }
-    bool isKeypadLocked() const { return m_states && m_states->keypadLock != 0; }
+    bool isKeypadLocked() const { return m_states.isKeypadLocked; }
     void setKeypadLocked(bool isLocked);
-    int simCardState() const { return m_states ? m_states->simCard : -1; }
+    int simCardState() const { return m_states.simCard; }
     void setSimCardState(int state);
 
     /// Somebody calls.
@@ -107,8 +106,8 @@ private:
     /// What the platform of the desk tells.
     struct States
     {
-        int keypadLock;
-        int simCard;
+        bool isKeypadLocked = false;
+        int simCard = -1;
     };
 
     static Script read(const QString& path);
@@ -130,7 +129,7 @@ private:
     bool m_isRunning = false;
     QTimer m_next;
     QFileSystemWatcher m_watcher;
-    std::optional<States> m_states;
+    States m_states;
 };
 
 } // namespace zyn::qml

@@ -59,6 +59,8 @@ protected:
     void begin();
     /// A request has ended, successfully if @p error is empty.
     void finish(const QString& error = {});
+    /// A request has ended as the one before did: there is nothing to tell.
+    void finishAsBefore();
     /// The list is known from now on.
     void setLoaded();
     /// Nothing is known of the list any more.

@@ -30,7 +30,8 @@ struct CallRow
  *
  * The list follows the log: what this process does to it, what is announced of missed calls, and calls that have ended.
  * When another process deletes answered or dialed calls, nobody is told: see reload(). While the service does not
- * answer, the rows stay, `error` says what is wrong, and the list is read again when the service is back.
+ * answer, the rows stay, `error` says what is wrong, and the list is read again when the service is back. A change that
+ * the service does not make is a failure each time; that the list cannot be read is one when it begins.
  *
  * | Role           | Content                                                                   |
  * |----------------|---------------------------------------------------------------------------|

@@ -111,7 +111,8 @@ TestCase {
 
     function test_invalidScripts_data() {
         return [
-            { tag: "unclosed quote", text: "signal-quality 2\nincoming \"0301\n", reason: "desk.script:2: unclosed quote" },
+            { tag: "unclosed quote", text: "signal-quality 2\nincoming \"0301\n",
+              reason: "desk.script:2: unclosed quote" },
             { tag: "no delay", text: "+soon answer\n", reason: "desk.script:1: 'soon'" },
             { tag: "a delay alone", text: "\n+10\n", reason: "desk.script:2: a delay without an event" },
             { tag: "no file", text: null, reason: "not a readable file" }
