@@ -1,4 +1,6 @@
 // The favourites with what is unread of each, and a field for another one.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone
