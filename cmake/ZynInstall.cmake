@@ -1,4 +1,5 @@
-# Libraries, headers and the CMake package: find_package(ZynPhone) gives ZynPhone::zynphone and ZynPhone::zynplatform.
+# Libraries, headers and the CMake package: find_package(ZynPhone) gives ZynPhone::zynphone and ZynPhone::zynplatform;
+# with COMPONENTS Qml it also tells where the QML module is.
 # Each component is one of the packages in cmake/ZynPackages.cmake.
 include(CMakePackageConfigHelpers)
 
@@ -18,7 +19,7 @@ install(EXPORT ZynPhoneTargets NAMESPACE ZynPhone:: DESTINATION ${ZYN_INSTALL_CM
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZynPhoneConfig.cmake.in
     ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake INSTALL_DESTINATION ${ZYN_INSTALL_CMAKEDIR}
-    PATH_VARS CMAKE_INSTALL_BINDIR)
+    PATH_VARS CMAKE_INSTALL_BINDIR ZYN_INSTALL_QMLDIR)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZynPhoneConfigVersion.cmake
@@ -43,4 +44,4 @@ install(FILES handset/day/desk.day handset/day/modem.day
 install(DIRECTORY docs DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE PATTERN reference EXCLUDE)
 install(DIRECTORY examples DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.sh")
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.qml" PATTERN "*.sh")

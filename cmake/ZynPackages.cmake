@@ -20,6 +20,12 @@ endif()
 if(TARGET zynmodem)
     list(APPEND CPACK_COMPONENTS_ALL zynphone-modem)
 endif()
+if(TARGET zynphoneqml)
+    list(APPEND CPACK_COMPONENTS_ALL qml6-module-zynphone)
+endif()
+if(TARGET zyn-handset)
+    list(APPEND CPACK_COMPONENTS_ALL zynphone-handset)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
@@ -74,6 +80,19 @@ zyn_package(zynphone-tools SECTION devel DEPENDS "libzynphone1 (= ${version})")
 if(TARGET zynmodem)
     zyn_package(zynphone-modem SECTION comm DEPENDS "libzynphone1 (= ${version})" "zynphone-tools (= ${version})"
         RECOMMENDS "ofono | modemmanager" upower)
+endif()
+# A QML file can do without Qt Quick, not without Qt's own types.
+if(TARGET zynphoneqml)
+    zyn_package(qml6-module-zynphone SECTION libs MULTIARCH same
+        DEPENDS "libzynphone1 (= ${version})" qml6-module-qtqml RECOMMENDS qml6-module-qtquick)
+endif()
+# Dependencies on libraries are found, those on QML modules are not: what its files import, and what that imports.
+if(TARGET zyn-handset)
+    zyn_package(zynphone-handset SECTION comm
+        DEPENDS "qml6-module-zynphone (= ${version})" "zynphone-tools (= ${version})"
+            qml6-module-qtqml qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
+            qml6-module-qtquick-templates qml6-module-qtquick-window
+        RECOMMENDS "fonts-dejavu-core | fonts-noto-core")
 endif()
 
 # Packs what an installation into the system puts there, below another root.

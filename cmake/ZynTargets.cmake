@@ -5,6 +5,9 @@ file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_
 set(ZYN_LIBRARY_RPATH "$ORIGIN")
 set(ZYN_PROGRAM_RPATH "$ORIGIN/${libraries_from_programs}")
 
+# Where Qt looks for QML modules, below the folder of the libraries.
+set(ZYN_INSTALL_QMLDIR ${CMAKE_INSTALL_LIBDIR}/qt6/qml)
+
 add_library(zyn_options INTERFACE)
 target_compile_features(zyn_options INTERFACE cxx_std_20)
 target_compile_definitions(zyn_options INTERFACE

@@ -40,7 +40,8 @@ foreach(package IN LISTS CPACK_COMPONENTS_ALL)
     endforeach()
     execute_process(COMMAND ${gzip} -9 -n ${doc}/changelog.Debian ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
 
-    file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.* ${usr}/lib/*/zynphone/*.so)
+    file(GLOB binaries ${usr}/bin/* ${usr}/lib/*/lib*.so.*.* ${usr}/lib/*/zynphone/*.so
+        ${usr}/lib/*/qt6/qml/ZynPhone/*.so)
     if(binaries)
         execute_process(
             COMMAND ${CPACK_ZYN_STRIP} --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}

@@ -85,6 +85,14 @@ need_modem() {
     zyn_packages+=(dbus libglib2.0-bin modemmanager ofono polkitd python3-dbusmock)
 }
 
+# Adds what the QML module and the handset on the screen take: to build them, to run what they import, a font, and the
+# tools of translators. Debian 12's QML modules do not name each other.
+need_quick() {
+    zyn_packages+=(qt6-declarative-dev qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
+        qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-templates
+        qml6-module-qtquick-window qml6-module-qttest qt6-tools-dev qt6-l10n-tools fonts-dejavu-core)
+}
+
 # Configures and builds the tree with the preset $1. Shows CMake's output only when it fails.
 build_preset() {
     configure_preset "$1" || return

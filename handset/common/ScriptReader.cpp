@@ -8,12 +8,12 @@
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace zyn::handset {
 namespace {
-
-constexpr qsizetype kLargestScript = qsizetype{1024} * 1024;
 
 QString trimmedAtEnd(QString line)
 {
@@ -29,19 +29,36 @@ bool isComment(const QString& line)
     return trimmed.isEmpty() || trimmed.startsWith(u'#');
 }
 
+/// Passes @p line to @p reader, unless it is a comment. An error tells its number.
+void passLine(const QString& line, int lineNumber, const ScriptLineReader& reader)
+{
+    if (isComment(line))
+        return;
+    try {
+        reader(trimmedAtEnd(line), lineNumber);
+    } catch (const ScriptError& error) {
+        throw ScriptError{u"%1: %2"_s.arg(QString::number(lineNumber), error.text)};
+    }
+}
+
 } // namespace
 
 bool readScriptLine(const QString& source, int lineNumber, const QString& line, const ScriptLineReader& reader)
 {
-    if (isComment(line))
-        return true;
     try {
-        reader(trimmedAtEnd(line), lineNumber);
+        passLine(line, lineNumber, reader);
         return true;
     } catch (const ScriptError& error) {
-        log(u"%1:%2: %3"_s.arg(source, QString::number(lineNumber), error.text));
+        log(u"%1:%2"_s.arg(source, error.text));
         return false;
     }
+}
+
+void readScriptText(const QByteArray& text, const ScriptLineReader& reader)
+{
+    const QStringList lines = QString::fromUtf8(text).split(u'\n');
+    for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber)
+        passLine(lines[lineNumber - 1], lineNumber, reader);
 }
 
 bool readScriptFile(const QString& path, const ScriptLineReader& reader)
@@ -51,12 +68,13 @@ bool readScriptFile(const QString& path, const ScriptLineReader& reader)
         log(u"%1 is not a readable file of at most 1 MiB"_s.arg(path));
         return false;
     }
-    const QStringList lines = QString::fromUtf8(*text).split(u'\n');
-    for (int lineNumber = 1; lineNumber <= lines.size(); ++lineNumber) {
-        if (!readScriptLine(path, lineNumber, lines[lineNumber - 1], reader))
-            return false;
+    try {
+        readScriptText(*text, reader);
+        return true;
+    } catch (const ScriptError& error) {
+        log(u"%1:%2"_s.arg(path, error.text));
+        return false;
     }
-    return true;
 }
 
 QStringList scriptWords(const QString& line)
@@ -81,6 +99,16 @@ QStringList scriptWords(const QString& line)
     if (!word.isNull())
         words += word;
     return words;
+}
+
+std::chrono::milliseconds takeScriptDelay(QStringList& words)
+{
+    if (!words.constFirst().startsWith(u'+'))
+        return std::chrono::milliseconds(0);
+    const QString delay = words.takeFirst().mid(1);
+    if (words.isEmpty())
+        throw ScriptError{u"a delay without an event"_s};
+    return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
 }
 
 QStringList scriptColumns(const QString& line, qsizetype count)

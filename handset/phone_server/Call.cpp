@@ -1,6 +1,8 @@
 // One call: its state machine, its other party, and its duration.
 #include "handset/phone_server/Call.h"
 
+#include "handset/phone_server/PhoneControl.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -88,10 +90,8 @@ RC_CALL_CATEGORY_T CallStateMachine::category() const
 
 const char* nameOf(CallState state)
 {
-    constexpr const char* kNames[] = {"dialing", "alerting", "ringing", "waiting", "connected",
-                                      "held",    "ended",    "missed",  "failed"};
-    static_assert(std::size(kNames) == static_cast<size_t>(Failed) + 1);
-    return kNames[static_cast<size_t>(state)];
+    static_assert(std::size(phonecontrol::kCallStates) == static_cast<size_t>(Failed) + 1);
+    return phonecontrol::kCallStates[static_cast<size_t>(state)];
 }
 
 bool isDialable(const QString& number)

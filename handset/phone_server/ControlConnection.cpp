@@ -23,8 +23,8 @@ QJsonObject callJson(int id, const Call& call)
     return {{u"id"_s, id},
             {u"number"_s, call.party().number},
             {u"name"_s, call.party().name},
-            {u"type"_s, call.isPtt() ? u"ptt"_s : u"voice"_s},
-            {u"direction"_s, call.machine().isPlaced() ? u"placed"_s : u"incoming"_s},
+            {u"type"_s, QLatin1String(call.isPtt() ? kPttCall : kVoiceCall)},
+            {u"direction"_s, QLatin1String(call.machine().isPlaced() ? kPlacedCall : kIncomingCall)},
             {u"state"_s, QLatin1String(nameOf(call.machine().state()))},
             {u"since"_s, call.since().toString(Qt::ISODateWithMs)}};
 }

@@ -29,6 +29,15 @@ enum Command : int32_t {
     Unlock = 5,      ///< opens the lock of the SIM card; data: the PIN, or the PUK and a new PIN, a NUL behind each
 };
 
+/// @{ What the members type, direction and state of a call say; the states are in the order of handset::CallState.
+inline constexpr char kVoiceCall[] = "voice";
+inline constexpr char kPttCall[] = "ptt";
+inline constexpr char kPlacedCall[] = "placed";
+inline constexpr char kIncomingCall[] = "incoming";
+inline constexpr const char* kCallStates[] = {"dialing", "alerting", "ringing", "waiting", "connected",
+                                              "held",    "ended",    "missed",  "failed"};
+/// @}
+
 /// What the server answers. A call is a JSON object: id, number, name, type, direction, state and since.
 enum Reply : int32_t {
     Done = 1,        ///< it has happened; no data

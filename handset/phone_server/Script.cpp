@@ -170,17 +170,6 @@ Run runOf(const QString& name, const QStringList& values)
     };
 }
 
-/// Removes the delay at the beginning of @p words, and returns it; 0 if there is none.
-std::chrono::milliseconds readDelay(QStringList& words)
-{
-    if (!words.constFirst().startsWith(u'+'))
-        return std::chrono::milliseconds(0);
-    const QString delay = words.takeFirst().mid(1);
-    if (words.isEmpty())
-        throw ScriptError{u"a delay without an event"_s};
-    return std::chrono::milliseconds(scriptNumber(delay, 0, std::numeric_limits<int>::max()));
-}
-
 } // namespace
 
 ScriptStep scriptStep(const QString& line, int lineNumber)
@@ -190,7 +179,7 @@ ScriptStep scriptStep(const QString& line, int lineNumber)
 
 ScriptStep scriptStep(QStringList words, int lineNumber)
 {
-    const auto delay = readDelay(words);
+    const auto delay = takeScriptDelay(words);
     const QString name = words.takeFirst();
     return {lineNumber, delay, runOf(name, words)};
 }

@@ -101,8 +101,7 @@ void ActivityLogModel::setNumber(const QString& number)
     QStringList files = QStringList{favouritesFile()} + favouriteFiles(number) + favouriteFiles(favouriteKey(number));
     files.removeDuplicates();
     m_watch.setFiles(files);
-    setRows({});
-    setUnloaded();
+    forgetRows();
     Q_EMIT numberChanged();
     reload();
 }

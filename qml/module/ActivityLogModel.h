@@ -55,7 +55,7 @@ struct ActivityRow
  * The list is empty for a number that is no favourite's. What the owner of the favourites writes is followed. When a
  * file is damaged, `error` says so, and the entries that can be read are shown. Never more than the newest 1000.
  */
-class ActivityLogModel : public FetchedRows<ActivityRow>
+class ActivityLogModel : public ZYN_LIST_OF(ActivityRow)
 {
     Q_OBJECT
     QML_ELEMENT

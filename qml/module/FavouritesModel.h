@@ -50,7 +50,7 @@ struct FavouriteRow
  * become true, and are done when it has become true: `busy` tells of it. When it has not after some seconds, failed()
  * says so. The files of the favourites are only read, and followed; a damaged one stays as it is.
  */
-class FavouritesModel : public FetchedRows<FavouriteRow>
+class FavouritesModel : public ZYN_LIST_OF(FavouriteRow)
 {
     Q_OBJECT
     QML_ELEMENT

@@ -28,12 +28,17 @@ void FetchedListModel::begin()
 
 void FetchedListModel::finish(const QString& error)
 {
-    if (--m_pending == 0)
-        Q_EMIT busyChanged();
+    finishAsBefore();
     if (std::exchange(m_error, error) != error)
         Q_EMIT errorChanged();
     if (!error.isEmpty())
         Q_EMIT failed(error);
+}
+
+void FetchedListModel::finishAsBefore()
+{
+    if (--m_pending == 0)
+        Q_EMIT busyChanged();
 }
 
 void FetchedListModel::setLoaded()

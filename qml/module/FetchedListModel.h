@@ -59,6 +59,8 @@ protected:
     void begin();
     /// A request has ended, successfully if @p error is empty.
     void finish(const QString& error = {});
+    /// A request has ended as the one before did: there is nothing to tell.
+    void finishAsBefore();
     /// The list is known from now on.
     void setLoaded();
     /// Nothing is known of the list any more.
@@ -206,5 +208,14 @@ private:
     std::optional<Target> m_next;
     bool m_isChanging = false;
 };
+
+/// @def ZYN_LIST_OF
+/// The base of a list of @p Row. Qt's tools know no templates: they are told the base that QML knows, so that the types
+/// of the lists have what that has.
+#ifdef Q_MOC_RUN
+#    define ZYN_LIST_OF(Row) FetchedListModel
+#else
+#    define ZYN_LIST_OF(Row) FetchedRows<Row>
+#endif
 
 } // namespace zyn::qml

@@ -49,7 +49,7 @@ public:
         static QPointer<Watcher> watcher;
         if (!watcher && QCoreApplication::instance())
             watcher = new Watcher(QCoreApplication::instance());
-        return watcher;
+        return watcher.data();
     }
 
     void add(FileWatch* watch) { m_watches += watch; }

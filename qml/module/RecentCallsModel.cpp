@@ -163,7 +163,11 @@ void RecentCallsModel::take(const CallSelection& selection, const CallLogReader:
             rows.push_back({call});
         setRows(std::move(rows));
     }
-    finish(calls ? QString() : CallLogReader::noAnswerText());
+    // While the service does not answer, the list is read again and again; that is told once.
+    if (!calls && !error().isEmpty())
+        finishAsBefore();
+    else
+        finish(calls ? QString() : CallLogReader::noAnswerText());
 }
 
 /// Sends a request that changes the log, whose result is one of RC_Interface.

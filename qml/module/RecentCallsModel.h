@@ -30,7 +30,8 @@ struct CallRow
  *
  * The list follows the log: what this process does to it, what is announced of missed calls, and calls that have ended.
  * When another process deletes answered or dialed calls, nobody is told: see reload(). While the service does not
- * answer, the rows stay, `error` says what is wrong, and the list is read again when the service is back.
+ * answer, the rows stay, `error` says what is wrong, and the list is read again when the service is back. A change that
+ * the service does not make is a failure each time; that the list cannot be read is one when it begins.
  *
  * | Role           | Content                                                                   |
  * |----------------|---------------------------------------------------------------------------|
@@ -48,7 +49,7 @@ struct CallRow
  * | `pttIdType`    | int: of a push-to-talk call, as it was stored; 0 for others               |
  * | `pttSession`   | text: the session of a push-to-talk call; empty for others                |
  */
-class RecentCallsModel : public FetchedRows<CallRow>
+class RecentCallsModel : public ZYN_LIST_OF(CallRow)
 {
     Q_OBJECT
     QML_ELEMENT

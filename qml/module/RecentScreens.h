@@ -26,7 +26,8 @@ namespace zyn::qml {
  *         function onHideRequested() { RecentScreens.reportDismissed(); stack.clear() }
  *     }
  *
- * Requests are messages: when no screens run, nothing follows.
+ * Requests are messages: when no screens run, nothing follows, and a picker that was asked for of screens that end
+ * without a word closes with the next one.
  */
 class RecentScreens : public QObject
 {

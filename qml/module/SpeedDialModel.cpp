@@ -7,7 +7,6 @@
 
 #include <QtCore/QStringList>
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -80,11 +79,13 @@ QString SpeedDialModel::numberFor(int key) const
 void SpeedDialModel::show(const QStringList& numbers)
 {
     std::vector<SpeedDialRow> fresh;
-    for (const QString& number : numbers)
+    int firstFree = -1;
+    for (const QString& number : numbers) {
         fresh.push_back({kFirstKey + static_cast<int>(fresh.size()), number});
+        if (firstFree < 0 && number.isEmpty())
+            firstFree = fresh.back().digit;
+    }
     setRows(std::move(fresh));
-    const auto free = std::ranges::find_if(rows(), [](const SpeedDialRow& row) { return row.number.isEmpty(); });
-    const int firstFree = free == rows().end() ? -1 : free->digit;
     if (std::exchange(m_firstFree, firstFree) != firstFree)
         Q_EMIT firstFreeChanged();
 }

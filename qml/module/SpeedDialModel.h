@@ -31,7 +31,7 @@ struct SpeedDialRow
  * Roles: `key` (1 to 9), `number` (text, empty when the key is free). Changes by other processes are followed. The
  * settings are read and written beside the user interface; a write may wait up to 5 seconds for another writer.
  */
-class SpeedDialModel : public FetchedRows<SpeedDialRow>
+class SpeedDialModel : public ZYN_LIST_OF(SpeedDialRow)
 {
     Q_OBJECT
     QML_ELEMENT

@@ -1,4 +1,8 @@
 // Runs the tests of the QML module and of the window, which are written in QML, with a handset that they may break.
+
+#include "handset/phone_server/PhoneControl.h"
+#include "platform/CommandFrame_p.h"
+#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/RC_Interface.h"
 #include "tests/support/Tool.h"
 
@@ -7,8 +11,28 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtQml/QQmlComponent>
+
+#include "handset/phone_server/PhoneControl.h"
+#include "platform/CommandFrame_p.h"
+#include "platform/posix/UnixSocket_p.h"
+#include "tests/support/Tool.h"
+
+#include <QtCore/QFile>
+
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QUrl>
+#include <QtCore/QVariant>
+
+#include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
+
+#include <chrono>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -16,6 +40,42 @@ namespace {
 
 /// The environment variable that names the folder of the handset's files.
 constexpr char kFolder[] = "ZYN_APP_WRITE_PATH";
+
+/// Plays a phone server that sends what no phone server sends: to each client the same, as soon as it comes.
+class PlayedPhoneServer
+{
+public:
+    /// @param sent      what a client gets
+    /// @param hangsUp   whether its connection is closed behind that
+    PlayedPhoneServer(QByteArray sent, bool hangsUp)
+        : m_sent(std::move(sent))
+        , m_hangsUp(hangsUp)
+        , m_listener(zyn::posix::listenUnix(QFile::encodeName(zyn::phonecontrol::socketPath()), S_IRUSR | S_IWUSR))
+        , m_readable(m_listener.get(), QSocketNotifier::Read)
+    {
+        QObject::connect(&m_readable, &QSocketNotifier::activated, &m_readable, [this] { serve(); });
+    }
+    ~PlayedPhoneServer() { QFile::remove(QLatin1String(zyn::phonecontrol::kSocketPath)); }
+
+    bool isListening() const { return m_listener.isValid(); }
+
+private:
+    void serve()
+    {
+        using namespace zyn::posix;
+        UniqueFd client = acceptConnection(m_listener.get());
+        const std::span sent(m_sent.constData(), static_cast<size_t>(m_sent.size()));
+        sendAll(client.get(), std::as_bytes(sent), {}, Clock::now() + std::chrono::milliseconds(role::kTimeout));
+        if (!m_hangsUp)
+            m_clients.push_back(std::move(client));
+    }
+
+    const QByteArray m_sent;
+    const bool m_hangsUp;
+    const zyn::posix::UniqueFd m_listener;
+    QSocketNotifier m_readable;
+    std::vector<zyn::posix::UniqueFd> m_clients;
+};
 
 /// The handset of the tests: its services, and the tool. QML knows it as TestHandset, of ZynPhone.Testing.
 class TestHandset : public QObject
@@ -80,8 +140,9 @@ public:
         return object && QTest::qWaitFor([&object] { return object->property("done").toBool(); }, role::kTimeout);
     }
 
-    /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Folders are made as needed.
-    Q_INVOKABLE bool write(const QString& name, const QString& latin1)
+    /// @{ A file below the folder of the handset's files, for example "setup/zyn_app4.cfg". Its folder is made as
+    /// needed.
+    Q_INVOKABLE bool writeBytes(const QString& name, const QString& latin1)
     {
         QFile file(path(name));
         QDir().mkpath(QFileInfo(file).path());
@@ -99,6 +160,35 @@ public:
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}
 
+
+
+    /// Plays a phone server that sends @p frames to each client. A frame has a `code` and `data`, and a `length` if
+    /// that is to lie.
+    Q_INVOKABLE bool playPhone(const QVariantList& frames, bool hangsUp)
+    {
+        QByteArray sent;
+        for (const QVariant& frame : frames) {
+            const QVariantMap parts = frame.toMap();
+            const QByteArray data = parts.value(QStringLiteral("data")).toString().toUtf8();
+            const int length = parts.value(QStringLiteral("length"), int(data.size())).toInt();
+            const auto header = zyn::CommandFrameHeader{parts.value(QStringLiteral("code")).toInt(), length}.encode();
+            sent += QByteArray(reinterpret_cast<const char*>(header.data()), header.size()) + data;
+        }
+        m_played = std::make_unique<PlayedPhoneServer>(sent, hangsUp);
+        return m_played->isListening();
+    }
+    Q_INVOKABLE void stopPlaying() { m_played.reset(); }
+
+    /// Writes the file @p name of the tests, and gives its URL.
+    Q_INVOKABLE QUrl write(const QString& name, const QString& text)
+    {
+        QFile file(path(name));
+        const QByteArray bytes = text.toUtf8();
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
+                   ? QUrl::fromLocalFile(file.fileName())
+                   : QUrl();
+    }
+
 private:
     static QString path(const QString& name) { return qEnvironmentVariable(kFolder) + QLatin1Char('/') + name; }
 
@@ -113,6 +203,7 @@ private:
     };
 
     std::map<QString, Service> m_services;
+    std::unique_ptr<PlayedPhoneServer> m_played;
 };
 
 /// What each file of tests gets.

@@ -142,9 +142,9 @@ TestCase {
         load("1234567")
         compare(model.count, 2)
         if (row.settings)
-            verify(TestHandset.write("setup/zyn_toppals.cfg", row.settings))
+            verify(TestHandset.writeBytes("setup/zyn_toppals.cfg", row.settings))
         else
-            verify(TestHandset.write(row.file, row.contents))
+            verify(TestHandset.writeBytes(row.file, row.contents))
         model.reload()
         tryVerify(() => model.error !== "")
         compare(model.count, row.count)

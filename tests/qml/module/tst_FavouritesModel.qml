@@ -1,4 +1,4 @@
-// The favourites: what their owner makes of announcements, what others write, and that nothing happens without an owner.
+// The favourites: what the owner makes of announcements, what others write, and that nothing happens without an owner.
 import QtQuick
 import QtTest
 import ZynPhone
@@ -10,6 +10,7 @@ TestCase {
     when: windowShown
 
     readonly property string details: "phone/topPalsDetails"
+    readonly property string header: "\u00d0\u00c0\u00b0\u00a0\u0005\0\0\0"
 
     Component { id: models; FavouritesModel {} }
     Component { id: fences; SpeedDialModel {} }
@@ -187,9 +188,9 @@ TestCase {
 
     function test_damaged_data() {
         return [
-            { tag: "empty", damage: () => TestHandset.write(details, "") },
-            { tag: "another header", damage: () => TestHandset.write(details, "x".repeat(128)) },
-            { tag: "longer", damage: () => TestHandset.write(details, "\u00d0\u00c0\u00b0\u00a0\u0005\0\0\0".repeat(17)) },
+            { tag: "empty", damage: () => TestHandset.writeBytes(details, "") },
+            { tag: "another header", damage: () => TestHandset.writeBytes(details, "x".repeat(128)) },
+            { tag: "longer", damage: () => TestHandset.writeBytes(details, header.repeat(17)) },
             { tag: "folder", damage: () => TestHandset.block(details) }
         ]
     }
@@ -210,7 +211,7 @@ TestCase {
     function test_damagedLog_data() {
         return [
             { tag: "gone", damage: () => TestHandset.remove("phone/1234567") },
-            { tag: "another header", damage: () => TestHandset.write("phone/1234567", "x".repeat(4508)) }
+            { tag: "another header", damage: () => TestHandset.writeBytes("phone/1234567", "x".repeat(4508)) }
         ]
     }
 

@@ -39,7 +39,7 @@ TestCase {
             { tag: "limits", file: settings, text: names.replace("%", "10"), expected: { 0: 10, 1: 20, 3: 80, 4: 7 } },
             { tag: "no number", file: settings, text: names.replace("%", "many"), expected: { 1: 20, 3: 120, 4: 7 } },
             { tag: "view", file: settings, text: "[RECENTCALL_SET]\nviewFromIdleSend=2\n", expected: { 5: 2 } },
-            { tag: "frequent view", file: settings, text: "[RECENTCALL_SET]\nviewFromIdleSend=3\n", expected: { 5: 5 } },
+            { tag: "frequent", file: settings, text: "[RECENTCALL_SET]\nviewFromIdleSend=3\n", expected: { 5: 5 } },
             { tag: "two lines", file: settings, text: "[RECENTCALL_SET]\ntwoLineView=true\n", expected: { 8: true } },
             { tag: "prefix", file: settings, text: "[Setup]\nprepend=1\n", expected: { 9: true } },
             { tag: "activities", file: "setup/zyn_toppals.cfg", text: "[TopPals-UI]\nMaxItemsToLog=4294967295\n",
@@ -50,7 +50,7 @@ TestCase {
     }
 
     function test_follows(row) {
-        verify(TestHandset.write(row.file, row.text))
+        verify(TestHandset.writeBytes(row.file, row.text))
         const expected = defaults.map((value, index) => index in row.expected ? row.expected[index] : value)
         tryVerify(() => values().join() === expected.join(), 5000, values() + " instead of " + expected)
         TestHandset.remove(row.file)

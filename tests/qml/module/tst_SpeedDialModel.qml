@@ -69,7 +69,7 @@ TestCase {
             compare(TestHandset.tools(["speed-dial set 2 " + (number || "''")]), "")
             tryVerify(() => model.numberFor(2) === number)
         }
-        verify(TestHandset.write(settings, "[Turbo Dialing]\n2=0305\n"))
+        verify(TestHandset.writeBytes(settings, "[Turbo Dialing]\n2=0305\n"))
         tryVerify(() => model.numberFor(2) === "0305")
         TestHandset.remove("setup")
         tryVerify(() => model.numberFor(2) === "")
@@ -105,7 +105,7 @@ TestCase {
     function test_unreadableSettings_data() {
         return [
             { tag: "folder", damage: () => TestHandset.block(settings) },
-            { tag: "too large", damage: () => TestHandset.write(settings, "#".repeat(1024 * 1024 + 1)) }
+            { tag: "too large", damage: () => TestHandset.writeBytes(settings, "#".repeat(1024 * 1024 + 1)) }
         ]
     }
 

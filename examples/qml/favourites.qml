@@ -1,0 +1,29 @@
+// The favourites with what is unread of each, and a field for another one.
+import QtQuick
+import QtQuick.Controls.Basic
+import ZynPhone
+
+Column {
+    Repeater {
+        model: FavouritesModel {
+            id: favourites
+            onFailed: reason => problem.text = reason
+        }
+        delegate: Button {
+            required property int index
+            required property string number
+            required property bool taken
+            required property int missedCalls
+            text: taken ? "Remove " + number + (missedCalls > 0 ? ", " + missedCalls + " missed" : "") : "Free"
+            enabled: taken && !favourites.busy
+            onClicked: favourites.remove(index)
+        }
+    }
+    TextField {
+        placeholderText: "New favourite"
+        onAccepted: favourites.add(text)
+    }
+    Text {
+        id: problem
+    }
+}
