@@ -108,8 +108,8 @@ TestCase {
 
     function test_dialNumber() {
         verify(TestHandset.start("zyn-recentcalld"))
-        compare(TestHandset.tools(["calls add dialed 0301234567", "calls add missed +49301234567", "calls add missed 112",
-            "favourites replace '' 0301234567", "favourites replace '' 0307654321", "favourites replace '' 112"]), "")
+        compare(TestHandset.tools(["calls add dialed 0301234567", "calls add missed +49301234567",
+            "calls add missed 112", "favourites replace '' 0301234567", "favourites replace '' 0307654321", "favourites replace '' 112"]), "")
         load()
         const dialed = () => [0, 1, 2, 3].map(row => list.itemAt(row).dialNumber).join()
         tryVerify(() => dialed() === "+49301234567,7654321,112,", 20000, dialed())
