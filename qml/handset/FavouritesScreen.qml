@@ -60,6 +60,7 @@ PhoneScreen {
                 FavouriteRow {
                     Layout.fillWidth: true
                     onStored: (number, name) => {
+                        Parties.remember(number, name)
                         if (taken)
                             favourites.replace(index, number, name)
                         else

@@ -31,7 +31,10 @@ PhoneScreen {
         if (!picking)
             return
         picking = false
-        RecentScreens.reportPicked(number)
+        if (number !== "")
+            RecentScreens.reportPicked(number)
+        else
+            RecentScreens.reportDismissed()
     }
 
     actions: PhoneButton {
@@ -115,7 +118,7 @@ PhoneScreen {
                         list.currentIndex = index
                         screen.openRow = opened ? -1 : index
                     }
-                    onCalledBack: Navigation.call(number, name)
+                    onCalledBack: PhoneCalls.dial(number, name)
                     onDeleted: {
                         screen.openRow = -1
                         calls.remove(index)
