@@ -144,7 +144,7 @@ struct Kind
 };
 
 constexpr Kind kHostile[] = {
-    {"silent", 100, saysNothing, false, false},
+    {"that are silent", 100, saysNothing, false, false},
     {"with half a command", 100, saysHalf, false, false},
     {"that lie about lengths", 100, lies, false, false},
     {"that send noise", 50, saysNoise, false, false},
