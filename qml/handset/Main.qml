@@ -1,11 +1,13 @@
 // The window: the phone, and the panel that plays its network beside it where there is room, else in a drawer.
 import QtQuick
 import QtQuick.Controls.Basic
+import ZynPhone.Handset
 
 ApplicationWindow {
     id: window
 
     property string theme
+    property Services services: null
     /// The screen to begin with.
     property string page: "idle"
     readonly property bool wide: width >= Theme.base * 56
@@ -37,14 +39,6 @@ ApplicationWindow {
     }
 
     Shortcut {
-        sequences: ["Alt+A"]
-        onActivated: phone.answer()
-    }
-    Shortcut {
-        sequences: ["Alt+H"]
-        onActivated: phone.hangUp()
-    }
-    Shortcut {
         sequences: [StandardKey.Quit]
         onActivated: Qt.quit()
     }
@@ -73,6 +67,7 @@ ApplicationWindow {
             width: window.wide ? Math.min(Math.round(parent.height * 0.62), parent.width - Theme.base * 28)
                 : parent.width
             focus: true
+            services: window.services
             hasFoldedPanel: !window.wide
             onPanelRequested: window.openPanel()
         }
@@ -95,9 +90,10 @@ ApplicationWindow {
         padding: 0
         onAboutToShow: panel.active = true
 
-        contentItem: Loader {
+        Loader {
             id: panel
 
+            anchors.fill: parent
             active: false
             LayoutMirroring.enabled: window.mirrored
             LayoutMirroring.childrenInherit: true

@@ -8,11 +8,16 @@ Item {
     width: 360
     height: 720
 
+    Services {
+        id: services
+    }
     Phone {
         id: phone
 
+
         anchors.fill: parent
         focus: true
+        services: services
     }
 
     WindowCase {
@@ -79,7 +84,7 @@ Item {
             shown("favouriteLog")
             tap("tab_idle")
             // The handset keeps the end of the number; who was typed is known nevertheless.
-            tryVerify(() => find("favourite0").text === "Eve", patience)
+            tryVerify(() => find("favourite0")?.text === "Eve", patience)
             hold("favourite0")
             shown("activityScreen")
             keyClick(Qt.Key_Escape)
@@ -113,11 +118,11 @@ Item {
             tap("tab_recents")
             tryVerify(() => find("recentsPlaceholder")?.title === "The calls cannot be shown"
                 || find("recentsList").count > 0, patience)
-            Services.check()
-            verify(Services.fault.includes("recent-call"), Services.fault)
+            services.check()
+            verify(services.fault.includes("recent-call"), services.fault)
             shown("serviceBar")
             verify(TestHandset.start("zyn-recentcalld"))
-            Services.check()
+            services.check()
             isHidden("serviceBar")
         }
     }
