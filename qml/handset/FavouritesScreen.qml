@@ -1,4 +1,6 @@
 // The five favourites: each is called, looked into, replaced or removed here, and an empty place gets a number.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

@@ -1,4 +1,6 @@
 // The calls on the line as a list that can be asked, the most urgent first.
+pragma ComponentBehavior: Bound
+
 import QtQml
 import QtQuick
 import ZynPhone

@@ -1,4 +1,6 @@
 // Push-to-talk: one or several numbers are chosen, called together, and dropped.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

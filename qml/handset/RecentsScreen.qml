@@ -1,4 +1,6 @@
 // The recent calls: all, answered, missed or dialed ones. Missed calls count as read once they were shown for a while.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

@@ -1,4 +1,6 @@
 // The settings: how recent calls are shown, what the lists may hold, speed dial, and the look.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

@@ -1,5 +1,4 @@
 // Runs the tests of the QML module and of the window, which are written in QML, with a handset that they may break.
-
 #include "handset/phone_server/PhoneControl.h"
 #include "platform/CommandFrame_p.h"
 #include "platform/posix/UnixSocket_p.h"
@@ -9,21 +8,10 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
-#include <QtQml/QQmlComponent>
-
-#include "handset/phone_server/PhoneControl.h"
-#include "platform/CommandFrame_p.h"
-#include "platform/posix/UnixSocket_p.h"
-#include "tests/support/Tool.h"
-
-#include <QtCore/QFile>
-
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
 #include <QtCore/QVariant>
-
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
@@ -81,9 +69,25 @@ private:
 class TestHandset : public QObject
 {
     Q_OBJECT
+    /// The source tree.
+    Q_PROPERTY(QString source READ source CONSTANT)
+    /// The folder of the module ZynPhone.
+    Q_PROPERTY(QString module READ module CONSTANT)
 
 public:
     ~TestHandset() override { stopAll(); }
+
+    static QString source() { return QStringLiteral(ZYN_SOURCE_DIR); }
+    static QString module() { return QStringLiteral(ZYN_QML "/ZynPhone"); }
+
+    /// The names of the files in @p folder.
+    Q_INVOKABLE QStringList filesIn(const QString& folder) { return QDir(folder).entryList(QDir::Files); }
+    /// What the file @p path holds.
+    Q_INVOKABLE QString text(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
 
     /// Starts @p service, for example "zyn-phoned", with the words of @p options, and waits until it serves.
     Q_INVOKABLE bool start(const QString& service, const QString& options = {})
@@ -159,8 +163,6 @@ public:
     Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}
-
-
 
     /// Plays a phone server that sends @p frames to each client. A frame has a `code` and `data`, and a `length` if
     /// that is to lie.

@@ -62,7 +62,7 @@ TestCase {
         tryVerify(() => {
             const item = find(name)
             const before = place
-            place = item?.enabled ? item.mapToItem(phone, item.width, item.height) : null
+            place = item?.enabled && !find("screens")?.busy ? item.mapToItem(phone, item.width, item.height) : null
             wait(30)
             return place !== null && before !== null && place.x === before.x && place.y === before.y
         }, patience, name)

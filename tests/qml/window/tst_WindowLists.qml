@@ -33,6 +33,7 @@ Item {
         }
 
         function test_recents() {
+            compare(TestHandset.tools(["calls clear all"]), "")
             for (const [list, number] of [["answered", "0301"], ["missed", "0302"], ["dialed", "0303"],
                 ["dialed", "0304"]])
                 add(list, number)
