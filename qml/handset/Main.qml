@@ -13,7 +13,7 @@ ApplicationWindow {
     /// The screen to begin with.
     property string page: "idle"
     readonly property bool wide: width >= Theme.base * 56
-    readonly property bool mirrored: Qt.application.layoutDirection === Qt.RightToLeft
+    readonly property bool mirrored: Application.layoutDirection === Qt.RightToLeft
 
     width: Math.round(Theme.base * 30)
     height: Math.round(Theme.base * 60)
