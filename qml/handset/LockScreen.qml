@@ -120,14 +120,14 @@ FocusScope {
 
             objectName: "emergencyReason"
             Layout.fillWidth: true
-            visible: screen.dialing
+            visible: screen.dialing && text !== ""
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             color: Theme.bad
         }
         PhoneText {
             Layout.fillWidth: true
-            visible: screen.dialing
+            visible: screen.dialing && refusal.text === ""
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             color: Theme.soft
