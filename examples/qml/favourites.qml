@@ -1,4 +1,6 @@
 // The favourites with what is unread of each, and a field for another one.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone
@@ -11,10 +13,10 @@ Column {
         }
         delegate: Button {
             required property int index
-            required property string number
+            required property string dialNumber
             required property bool taken
             required property int missedCalls
-            text: taken ? "Remove " + number + (missedCalls > 0 ? ", " + missedCalls + " missed" : "") : "Free"
+            text: taken ? "Remove " + dialNumber + (missedCalls > 0 ? ", " + missedCalls + " missed" : "") : "Free"
             enabled: taken && !favourites.busy
             onClicked: favourites.remove(index)
         }

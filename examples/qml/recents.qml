@@ -1,4 +1,6 @@
 // The log of recent calls; a tap deletes a call.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import ZynPhone
 

@@ -1,4 +1,6 @@
 // The nine keys of speed dial: what is entered in one is stored.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone

@@ -10,15 +10,17 @@ PhoneScreen {
     property string number
 
     objectName: "activityScreen"
-    title: number
+    readonly property var party: Parties.find(number)
+
+    title: party.name || party.number
     nested: true
 
     actions: PhoneButton {
         objectName: "activityCall"
         bare: true
         symbol: "call"
-        text: qsTr("Call %1").arg(screen.number)
-        onClicked: Navigation.call(screen.number)
+        text: qsTr("Call %1").arg(screen.title)
+        onClicked: PhoneCalls.dial(screen.party.number, screen.party.name)
     }
 
     ActivityLogModel {
@@ -39,7 +41,7 @@ PhoneScreen {
         model: log
         ScrollBar.vertical: ScrollBar {}
         Accessible.role: Accessible.List
-        Accessible.name: qsTr("What happened with %1").arg(screen.number)
+        Accessible.name: qsTr("What happened with %1").arg(screen.title)
 
         delegate: RowLayout {
             id: entry

@@ -1,4 +1,6 @@
 // The lists of calls, one of which is shown.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts

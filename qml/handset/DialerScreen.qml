@@ -21,7 +21,7 @@ PhoneScreen {
     function call() {
         if (field.text === "" && recents.lastDialed)
             field.text = recents.lastDialed
-        else if (field.text !== "" && Navigation.call(field.text))
+        else if (field.text !== "" && PhoneCalls.dial(field.text))
             field.clear()
     }
 
@@ -37,7 +37,7 @@ PhoneScreen {
         if (field.text !== "")
             storeKey = key
         else if (stored)
-            Navigation.call(stored)
+            PhoneCalls.dial(stored)
         else
             Navigation.say(qsTr("Key %1 has no number yet. Type the number, then hold the key.").arg(key))
     }

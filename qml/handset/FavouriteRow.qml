@@ -17,6 +17,8 @@ Card {
     signal stored(string number, string name)
     signal removed
 
+    readonly property var party: Parties.find(number)
+    readonly property string partyText: party.name || party.number
     readonly property string summary: [
         missedCalls > 0 ? qsTr("%n missed call(s)", "", missedCalls) : "",
         unreadMessages > 0 ? qsTr("%n unread message(s)", "", unreadMessages) : ""
@@ -44,9 +46,9 @@ Card {
 
                 PhoneText {
                     Layout.fillWidth: true
-                    elide: Text.ElideLeft
+                    elide: row.party.name === "" ? Text.ElideLeft : Text.ElideRight
                     color: row.taken ? Theme.text : Theme.soft
-                    text: row.taken ? row.number : qsTr("Empty place")
+                    text: row.taken ? row.partyText : qsTr("Empty place")
                 }
                 PhoneText {
                     Layout.fillWidth: true
@@ -95,7 +97,7 @@ Card {
             Layout.fillWidth: true
             visible: row.asking === "remove"
             background: null
-            question: qsTr("Remove %1? What is logged of it goes, too.").arg(row.number)
+            question: qsTr("Remove %1? What is logged of it goes, too.").arg(row.partyText)
             action: qsTr("Remove")
             onConfirmed: {
                 row.asking = ""
@@ -106,13 +108,13 @@ Card {
     }
 
     readonly property var deeds: [
-        {"name": "favouriteCall", "symbol": "call", "text": qsTr("Call %1").arg(number),
-            "act": () => Navigation.call(number)},
-        {"name": "favouriteLog", "symbol": "clock", "text": qsTr("What happened with %1").arg(number),
+        {"name": "favouriteCall", "symbol": "call", "text": qsTr("Call %1").arg(partyText),
+            "act": () => PhoneCalls.dial(party.number, party.name)},
+        {"name": "favouriteLog", "symbol": "clock", "text": qsTr("What happened with %1").arg(partyText),
             "act": () => Navigation.open("activity", {"number": number})},
-        {"name": "favouriteReplace", "symbol": "edit", "text": qsTr("Replace %1").arg(number),
+        {"name": "favouriteReplace", "symbol": "edit", "text": qsTr("Replace %1").arg(partyText),
             "act": () => { asking = "edit" }},
-        {"name": "favouriteRemove", "symbol": "delete", "text": qsTr("Remove %1").arg(number),
+        {"name": "favouriteRemove", "symbol": "delete", "text": qsTr("Remove %1").arg(partyText),
             "act": () => { asking = "remove" }}
     ]
 }

@@ -13,6 +13,8 @@ AbstractButton {
     signal called
     signal opened
 
+    readonly property var party: Parties.find(number)
+    readonly property string partyText: party.name || party.number
     readonly property string counters: [
         missedCalls > 0 ? qsTr("%n missed call(s)", "", missedCalls) : "",
         unreadMessages > 0 ? qsTr("%n unread message(s)", "", unreadMessages) : ""
@@ -21,9 +23,9 @@ AbstractButton {
     objectName: "favourite" + index
     implicitHeight: implicitContentHeight
     focusPolicy: Qt.StrongFocus
-    text: taken ? number : qsTr("Add")
+    text: taken ? partyText : qsTr("Add")
     Accessible.role: Accessible.Button
-    Accessible.name: taken ? qsTr("Favourite %1").arg(number) : qsTr("Add a favourite")
+    Accessible.name: taken ? qsTr("Favourite %1").arg(partyText) : qsTr("Add a favourite")
     Accessible.description: taken ? [counters, qsTr("Hold to see what happened with this number.")].join(" ") : ""
     Accessible.onPressAction: tile.activate()
     Keys.onReturnPressed: activate()
@@ -79,7 +81,7 @@ AbstractButton {
         PhoneText {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
-            elide: Text.ElideLeft
+            elide: tile.party.name === "" ? Text.ElideLeft : Text.ElideRight
             font.pixelSize: Theme.small
             color: tile.taken ? Theme.text : Theme.soft
             text: tile.text

@@ -1,4 +1,6 @@
 // The five favourites: each is called, looked into, replaced or removed here, and an empty place gets a number.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -60,6 +62,7 @@ PhoneScreen {
                 FavouriteRow {
                     Layout.fillWidth: true
                     onStored: (number, name) => {
+                        Parties.remember(number, name)
                         if (taken)
                             favourites.replace(index, number, name)
                         else

@@ -1,4 +1,6 @@
 // The twelve keys. They keep their places where people read from right to left, as on every telephone.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 

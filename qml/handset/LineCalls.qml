@@ -1,4 +1,6 @@
 // The calls on the line as a list that can be asked, the most urgent first.
+pragma ComponentBehavior: Bound
+
 import QtQml
 import QtQuick
 import ZynPhone
@@ -12,9 +14,6 @@ QtObject {
     readonly property var others: calls.slice(1)
     readonly property bool rings: first !== null && urgencyOf(first.state) === 0
     readonly property bool busy: first !== null
-
-    /// A call has ended in a way that people are told of.
-    signal endedBadly(string text)
 
     // Whoever rings is to be decided on; whoever is talked to comes before those who wait.
     readonly property var urgency: [PhoneCalls.Ringing, PhoneCalls.Waiting, PhoneCalls.Connected, PhoneCalls.Alerting,
@@ -35,19 +34,13 @@ QtObject {
         calls = all
     }
 
-    function noteState(call) {
-        if (call.state === PhoneCalls.Failed)
-            endedBadly(qsTr("The call to %1 was not put through.").arg(Phrases.party(call.name, call.number)))
-        refresh()
-    }
-
     readonly property Instantiator source: Instantiator {
         model: PhoneCalls.calls
         onObjectAdded: line.refresh()
         onObjectRemoved: (index, object) => line.calls = line.calls.filter(call => call !== object)
 
         LineCall {
-            onStateChanged: line.noteState(this)
+            onStateChanged: line.refresh()
         }
     }
 }

@@ -42,7 +42,7 @@ FocusScope {
     }
 
     function call() {
-        if (Navigation.call(emergency.text))
+        if (PhoneCalls.dial(emergency.text))
             emergency.text = ""
     }
 

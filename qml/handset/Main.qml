@@ -1,4 +1,6 @@
 // The window: the phone, and the panel that plays its network beside it where there is room, else in a drawer.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -45,7 +47,7 @@ ApplicationWindow {
         onActivated: phone.hangUp()
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        sequences: [StandardKey.Quit] // qmllint disable unqualified
         onActivated: Qt.quit()
     }
     Shortcut {

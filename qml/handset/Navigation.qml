@@ -1,7 +1,6 @@
 // Which screen is shown. Screens ask for others, and for a message, here, and know nothing of each other.
 pragma Singleton
 import QtQuick
-import ZynPhone
 
 QtObject {
     id: navigation
@@ -35,11 +34,4 @@ QtObject {
         messageRequested(text)
     }
 
-    /// Asks for a call; whether it was asked for. People are told when it was not.
-    function call(number, name) {
-        const asked = PhoneCalls.dial(number, name ?? "")
-        if (!asked)
-            say(qsTr("%1 cannot be called now.").arg(number))
-        return asked
-    }
 }

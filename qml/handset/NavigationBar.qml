@@ -1,4 +1,6 @@
 // The way to the main screens.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone

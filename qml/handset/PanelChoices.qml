@@ -1,4 +1,6 @@
 // A state that is one of a few: each has a button, that of the present one is marked.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 

@@ -12,8 +12,8 @@ ColumnLayout {
     // What a network tells when it takes the phone, and when it lets it go.
     function register(state) {
         const taken = state === PhoneStatus.Registered
-        DeskNetwork.status("network", [String(state), "26201"])
-        DeskNetwork.status("service-availability", [taken ? "1" : "0"])
+        DeskNetwork.status("network", [state, "26201"])
+        DeskNetwork.status("service-availability", [taken ? 1 : 0])
         DeskNetwork.status("service-name", [taken ? operator.text : ""])
     }
 
@@ -58,7 +58,7 @@ ColumnLayout {
             stepSize: 1
             snapMode: Slider.SnapAlways
             value: PhoneStatus.signalQuality
-            onMoved: DeskNetwork.status("signal-quality", [String(value)])
+            onMoved: DeskNetwork.status("signal-quality", [value])
         }
         PhoneField {
             id: operator
@@ -87,7 +87,7 @@ ColumnLayout {
                 {"value": PhoneStatus.No, "text": qsTr("At home")},
                 {"value": PhoneStatus.Yes, "text": qsTr("Abroad")}
             ]
-            onChosen: value => DeskNetwork.status("roaming", [String(value)])
+            onChosen: value => DeskNetwork.status("roaming", [value])
         }
     }
     PanelSection {
@@ -100,7 +100,7 @@ ColumnLayout {
             to: 100
             stepSize: 1
             value: Math.max(0, PhoneStatus.batteryCapacity)
-            onMoved: DeskNetwork.status("battery-capacity", [String(Math.round(value))])
+            onMoved: DeskNetwork.status("battery-capacity", [Math.round(value)])
         }
         PanelChoices {
             title: qsTr("Warning")
@@ -110,7 +110,7 @@ ColumnLayout {
                 {"value": PhoneStatus.BatteryLow, "text": qsTr("Low")},
                 {"value": PhoneStatus.BatteryCritical, "text": qsTr("Critical")}
             ]
-            onChosen: value => DeskNetwork.status("battery-status", [String(value)])
+            onChosen: value => DeskNetwork.status("battery-status", [value])
         }
         PanelChoices {
             title: qsTr("Charger")
@@ -120,7 +120,7 @@ ColumnLayout {
                 {"value": PhoneStatus.Charging, "text": qsTr("Charging")},
                 {"value": PhoneStatus.ChargedFull, "text": qsTr("Full")}
             ]
-            onChosen: value => DeskNetwork.status("charger", [String(value)])
+            onChosen: value => DeskNetwork.status("charger", [value])
         }
     }
     PanelSection {
@@ -136,7 +136,7 @@ ColumnLayout {
             ]
             // What is told, and what the library asks of the handset for emergency calls.
             onChosen: value => {
-                DeskNetwork.status("sim-card", [String(value)])
+                DeskNetwork.status("sim-card", [value])
                 DeskNetwork.simCardState = value
             }
         }
@@ -148,7 +148,7 @@ ColumnLayout {
                 {"value": PhoneStatus.Pin1Required, "text": qsTr("PIN")},
                 {"value": PhoneStatus.Puk1Required, "text": qsTr("PUK")}
             ]
-            onChosen: value => DeskNetwork.status("pin", [String(value)])
+            onChosen: value => DeskNetwork.status("pin", [value])
         }
     }
 }

@@ -60,7 +60,6 @@ FocusScope {
         id: line
 
         onBusyChanged: Navigation.callsAside = false
-        onEndedBadly: text => Navigation.say(text)
     }
     Connections {
         target: Navigation
@@ -84,6 +83,13 @@ FocusScope {
         function onFailed(reason) {
             messages.show(reason)
         }
+        function onCallOver(callId, number, name, state) {
+            if (state === PhoneCalls.Failed)
+                messages.show(qsTr("The call to %1 was not put through.").arg(Phrases.party(name, number)))
+        }
+        function onAvailableChanged() {
+            Services.check()
+        }
     }
     Connections {
         target: RecentScreens
@@ -96,8 +102,10 @@ FocusScope {
             Navigation.go("recents", {"category": category, "openRow": index})
         }
         function onHideRequested() {
-            if (Navigation.tab === "recents")
-                Navigation.go("idle")
+            if (Navigation.tab !== "recents")
+                return
+            Navigation.go("idle")
+            RecentScreens.reportDismissed()
         }
     }
 

@@ -11,10 +11,10 @@ Switch {
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
     Accessible.checked: checked
-    Accessible.onToggleAction: control.click()
-    Keys.onReturnPressed: control.click()
+    Accessible.onToggleAction: control.flip()
+    Keys.onReturnPressed: control.flip()
 
-    function click() {
+    function flip() {
         toggle()
         toggled()
     }

@@ -1,4 +1,6 @@
 // Push-to-talk: one or several numbers are chosen, called together, and dropped.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -25,13 +27,18 @@ PhoneScreen {
     }
 
     function call() {
-        talking = PushToTalk.call(chosen)
-        if (!talking)
-            Navigation.say(qsTr("The push-to-talk call could not be asked for."))
+        talking = PushToTalk.call(chosen.map(number => Parties.find(number).number))
     }
 
     FavouritesModel {
         id: favourites
+    }
+    Connections {
+        target: PushToTalk
+
+        function onFailed(reason) {
+            Navigation.say(reason)
+        }
     }
 
     component NumberChip: PhoneButton {
@@ -46,7 +53,7 @@ PhoneScreen {
         symbol: isChosen ? "check" : "plus"
         symbolSize: Theme.base * 1.3
         tone: isChosen ? PhoneButton.Accent : PhoneButton.Soft
-        text: number
+        text: Parties.find(number).name || Parties.find(number).number
         Accessible.role: Accessible.CheckBox
         Accessible.checked: isChosen
         onClicked: screen.toggle(number)

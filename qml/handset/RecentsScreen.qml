@@ -1,4 +1,6 @@
 // The recent calls: all, answered, missed or dialed ones. Missed calls count as read once they were shown for a while.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -31,7 +33,10 @@ PhoneScreen {
         if (!picking)
             return
         picking = false
-        RecentScreens.reportPicked(number)
+        if (number !== "")
+            RecentScreens.reportPicked(number)
+        else
+            RecentScreens.reportDismissed()
     }
 
     actions: PhoneButton {
@@ -115,7 +120,7 @@ PhoneScreen {
                         list.currentIndex = index
                         screen.openRow = opened ? -1 : index
                     }
-                    onCalledBack: Navigation.call(number, name)
+                    onCalledBack: PhoneCalls.dial(number, name)
                     onDeleted: {
                         screen.openRow = -1
                         calls.remove(index)

@@ -1,4 +1,6 @@
 // The settings: how recent calls are shown, what the lists may hold, speed dial, and the look.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -17,7 +19,7 @@ PhoneScreen {
         [qsTr("Missed calls"), RecentCallSettings.maxMissed],
         [qsTr("Dialed calls"), RecentCallSettings.maxDialed],
         [qsTr("All calls"), RecentCallSettings.maxTotal],
-        [qsTr("What happened with a favourite"), RecentCallSettings.maxActivities]
+        [qsTr("Entries of a favourite"), RecentCallSettings.maxActivities]
     ]
     readonly property var looks: [
         {"choice": "", "text": qsTr("System")},
@@ -25,6 +27,13 @@ PhoneScreen {
         {"choice": "dark", "text": qsTr("Dark")}
     ]
 
+    Connections {
+        target: RecentCallSettings
+
+        function onFailed(reason) {
+            Navigation.say(reason)
+        }
+    }
     SpeedDialModel {
         id: speedDial
 
@@ -72,6 +81,7 @@ PhoneScreen {
                         Layout.fillWidth: true
                         text: qsTr("Two lines for each call")
                         checked: RecentCallSettings.twoLineView
+                        enabled: RecentCallSettings.loaded
                         onToggled: RecentCallSettings.twoLineView = checked
                     }
                     PhoneSwitch {
@@ -79,6 +89,7 @@ PhoneScreen {
                         Layout.fillWidth: true
                         text: qsTr("Put the prefix before numbers that are called")
                         checked: RecentCallSettings.prepend
+                        enabled: RecentCallSettings.loaded
                         onToggled: RecentCallSettings.prepend = checked
                     }
                 }

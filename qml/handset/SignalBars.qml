@@ -1,4 +1,6 @@
 // Five bars of reception; struck through while there is none.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 
 Row {

@@ -1,4 +1,6 @@
 // A place of speed dial: the key, and the number that holding it calls, which is edited here.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 

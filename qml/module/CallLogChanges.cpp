@@ -11,7 +11,7 @@ namespace {
 /// A burst, such as the calls that are marked as read one by one, is told once.
 constexpr auto kSoon = 30ms;
 /// By then a call is in the log even if the service was away when it ended, and has come back.
-constexpr auto kLater = 1500ms;
+constexpr auto kLater = 2500ms;
 
 } // namespace
 

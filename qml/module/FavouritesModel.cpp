@@ -27,6 +27,7 @@ constexpr qsizetype kLongestNumber = sizeof PHONE_ENG_RecentCall::phoneNumber - 
 constexpr ListRole<FavouriteRow> kFavouriteRoles[] = {
     {"place", [](const FavouriteRow& row) { return QVariant(row.place); }},
     {"number", [](const FavouriteRow& row) { return QVariant(row.number); }},
+    {"dialNumber", [](const FavouriteRow& row) { return QVariant(row.dialNumber); }},
     {"taken", [](const FavouriteRow& row) { return QVariant(!row.number.isEmpty()); }},
     {"missedCalls", [](const FavouriteRow& row) { return QVariant(row.missedCalls); }},
     {"unreadMessages", [](const FavouriteRow& row) { return QVariant(row.unreadMessages); }},
@@ -42,13 +43,13 @@ struct StoredFavourites
 FavouriteRow readFavourite(int place, const QString& number)
 {
     if (number.isEmpty())
-        return {place, number, 0, 0};
+        return {place, number, 0, 0, {}};
     TopPals_Missed_Details unread{.number = number};
     // Under a longer number, it would be counted in another's file.
     const bool isCounted =
         favouriteKey(number) == number && RC_TopPals_AL_Interface::instance()->getUnreadCount(unread) == 1;
-    return isCounted ? FavouriteRow{place, number, unread.missedCallCount, unread.unreadMsgCount}
-                     : FavouriteRow{place, number, -1, -1};
+    return isCounted ? FavouriteRow{place, number, unread.missedCallCount, unread.unreadMsgCount, {}}
+                     : FavouriteRow{place, number, -1, -1, {}};
 }
 
 /// Reads the favourites, on the lane of the files. To ask the store makes the file of the favourites, over a damaged
@@ -86,7 +87,11 @@ bool isNumberOfCalls(const QString& number)
 
 FavouritesModel::FavouritesModel(QObject* parent)
     : FetchedRows(kFavouriteRoles, parent)
+    , m_callLog([] {}, [this](const CallSelection&, const CallLogReader::Calls& calls) { noteCalls(calls); })
 {
+    const auto readCalls = [this] { m_callLog.read({}); };
+    connect(&m_callLog, &CallLogReader::outdated, this, readCalls);
+    readCalls();
     connect(&m_watch, &FileWatch::changed, this, &FavouritesModel::reload);
     m_watch.setFiles({favouritesFile()});
     reload();
@@ -97,7 +102,8 @@ void FavouritesModel::fetch()
     begin();
     runBeside(Lane::Files, this, readFavourites, [this](StoredFavourites favourites) {
         if (favourites.areKnown) {
-            setRows(std::move(favourites.rows));
+            m_stored = std::move(favourites.rows);
+            show();
             if (m_watch.setFiles(favourites.files))
                 reload();
         }
@@ -136,7 +142,7 @@ QString FavouritesModel::numberAt(int row)
 
 bool FavouritesModel::has(const QString& key) const
 {
-    return std::ranges::any_of(rows(), [&key](const FavouriteRow& row) { return row.number == key; });
+    return std::ranges::any_of(m_stored, [&key](const FavouriteRow& row) { return row.number == key; });
 }
 
 /// Why @p number cannot come, for @p oldNumber if that is not empty; empty when it can.
@@ -168,6 +174,7 @@ void FavouritesModel::send(const QString& oldNumber, const QString& number, cons
     begin();
     const int id = m_nextChange++;
     m_changes.push_back({id, oldNumber, favouriteKey(number), false});
+    m_announcedUnder.insert(favouriteKey(number), number);
     const TopPals_Details_T details{.name = name, .number = number, .imageLocation = {}};
     const auto announcement = [oldNumber, details] {
         return RC_TopPals_AL_Interface::instance()->modifyTopPalsContactDetails(oldNumber, details);
@@ -178,6 +185,30 @@ void FavouritesModel::send(const QString& oldNumber, const QString& number, cons
         else
             setLate(id);
     });
+}
+
+/// Takes from @p calls, newest first, what is dialed to reach those who called or were called.
+void FavouritesModel::noteCalls(const CallLogReader::Calls& calls)
+{
+    if (!calls)
+        return; // what was called before stays
+    m_calledUnder.clear();
+    for (const PHONE_ENG_RecentCall& call : *calls) {
+        const QString number = call.getPhoneNumber();
+        if (QString& known = m_calledUnder[favouriteKey(number)]; known.isEmpty())
+            known = number;
+    }
+    if (isLoaded())
+        show();
+}
+
+/// Shows what is stored, with the numbers to dial.
+void FavouritesModel::show()
+{
+    std::vector<FavouriteRow> shown = m_stored;
+    for (FavouriteRow& row : shown)
+        row.dialNumber = m_announcedUnder.value(row.number, m_calledUnder.value(row.number, row.number));
+    setRows(std::move(shown));
 }
 
 /// The change @p id should have become true by now: that is looked at once more.

@@ -1,9 +1,11 @@
 // The favourites, as a list.
 #pragma once
 
+#include "qml/module/CallLogReader.h"
 #include "qml/module/FetchedListModel.h"
 #include "qml/module/FileWatch.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtQml/qqmlregistration.h>
@@ -19,6 +21,7 @@ struct FavouriteRow
     QString number;     ///< empty when the place is free
     int missedCalls;    ///< -1 when it is not known
     int unreadMessages; ///< likewise
+    QString dialNumber; ///< the whole number, as far as somebody knows it
 
     int key() const { return place; }
     bool operator==(const FavouriteRow&) const = default;
@@ -29,22 +32,24 @@ struct FavouriteRow
  *
  *     ListView {
  *         model: FavouritesModel { id: favourites; onFailed: reason => problem.text = reason }
- *         delegate: Label {
- *             required property string number
+ *         delegate: Button {
+ *             required property string dialNumber
  *             required property bool taken
  *             required property int missedCalls
- *             text: taken ? number + (missedCalls > 0 ? " (" + missedCalls + " missed)" : "") : "free"
+ *             text: taken ? dialNumber + (missedCalls > 0 ? " (" + missedCalls + " missed)" : "") : "free"
+ *             onClicked: PhoneCalls.dial(dialNumber)
  *         }
  *     }
  *     Button { onClicked: favourites.add("0301234567", "Ann") }
  *
- * Roles: `place` (0 to 4), `number` (text), `taken` (bool), `missedCalls` and `unreadMessages` (what is unread of it; 0
- * in a free place, -1 when its file cannot be read).
+ * Roles: `place` (0 to 4), `number` (text), `dialNumber` (text), `taken` (bool), `missedCalls` and `unreadMessages`
+ * (what is unread of it; 0 in a free place, -1 when its file cannot be read).
  *
  * `number` is what the handset keeps: the last seven characters of the number with which somebody became a favourite,
- * or the whole of a shorter one. It names the favourite, with and without a prefix, also for ActivityLogModel. To dial,
- * take the whole number from where it is: from the address book, or from the newest call of RecentCallsModel that ends
- * in it. Only where nothing has it, dial what is here: within an area it is enough.
+ * or the whole of a shorter one. It names the favourite, with and without a prefix, also for ActivityLogModel.
+ * `dialNumber` is the whole number that ends in it: the one that this object has announced, or else that of the newest
+ * call in the log. Where neither knows it, it is `number`, which may be dialed within an area only; an application with
+ * an address book looks there.
  *
  * The favourites belong to one process, zyn-favourites here. add(), replace() and remove() announce to it what is to
  * become true, and are done when it has become true: `busy` tells of it. When it has not after some seconds, failed()
@@ -84,9 +89,15 @@ private:
     void announce(const QString& oldNumber, const QString& number, const QString& name);
     void send(const QString& oldNumber, const QString& number, const QString& name);
     void setLate(int id);
+    void noteCalls(const CallLogReader::Calls& calls);
+    void show();
     void endChanges();
 
     FileWatch m_watch;
+    CallLogReader m_callLog;
+    std::vector<FavouriteRow> m_stored;       ///< as the files have them
+    QHash<QString, QString> m_announcedUnder; ///< the whole numbers that were announced, under their keys
+    QHash<QString, QString> m_calledUnder;    ///< those of the newest calls
     std::vector<Change> m_changes;
     int m_nextChange = 0;
 };

@@ -210,10 +210,10 @@ private:
 };
 
 /// @def ZYN_LIST_OF
-/// The base of a list of @p Row. Qt's tools know no templates: they are told the base that QML knows, so that the types
-/// of the lists have what that has.
+/// The base of a list of @p Row. Qt's tools know no templates: they are told the base that QML knows, by its whole
+/// name, so that the types of the lists have what that has.
 #ifdef Q_MOC_RUN
-#    define ZYN_LIST_OF(Row) FetchedListModel
+#    define ZYN_LIST_OF(Row) zyn::qml::FetchedListModel
 #else
 #    define ZYN_LIST_OF(Row) FetchedRows<Row>
 #endif

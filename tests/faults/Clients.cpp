@@ -46,8 +46,9 @@ constexpr int kCallers = 40;
 constexpr qint64 kMemoryOfClient = 80;
 /// Descriptors of a service that are no clients and may come after its start: those of channels, an event loop's.
 constexpr qint64 kDescriptorsOfItsOwn = 6;
-/// What a service may keep of the second crowd and all that follow, in KiB, beyond what it kept of the first.
-constexpr qint64 kKept = 2048;
+/// What a service may keep of the second crowd and all that follow, in KiB, beyond what it kept of the first: no more
+/// than a busy one takes for a crowd, as the allocator keeps it for the next one.
+constexpr qint64 kKept = qint64{12} * 1024;
 constexpr auto kTurn = 10ms;
 
 /// A socket, and what its clients say and hear.
@@ -143,7 +144,7 @@ struct Kind
 };
 
 constexpr Kind kHostile[] = {
-    {"silent", 100, saysNothing, false, false},
+    {"that are silent", 100, saysNothing, false, false},
     {"with half a command", 100, saysHalf, false, false},
     {"that lie about lengths", 100, lies, false, false},
     {"that send noise", 50, saysNoise, false, false},

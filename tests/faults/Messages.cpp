@@ -46,19 +46,23 @@ constexpr qint64 kSocketBuffers = 1024;
 /// The most that a sender takes for that, in KiB: a buffer that grows is there twice for a moment, and on a busy
 /// machine some waits for the listener that reads.
 constexpr qint64 kFullGrowth = 3 * kQueueLimit;
+/// How much is sent, in bytes, before the listener that reads is waited for, and after how long nothing comes: what
+/// waits in a sender without a loop comes with the next message.
+constexpr quint32 kStep = 4 * 1024 * 1024;
+constexpr auto kNothingComes = 300ms;
 /// Descriptors of a process that are not connections and may come after its start: a watch, an event loop's.
 constexpr qint64 kOwnDescriptors = 6;
 
-/// Waits until @p condition holds, for as long as @p moves changes; false when it stands still.
+/// Waits until @p condition holds, for as long as @p moves changes; false when it stands still for so long.
 template<typename Condition, typename Moves>
-bool waitWhileMoving(const Condition& condition, const Moves& moves)
+bool waitWhileMoving(const Condition& condition, const Moves& moves, std::chrono::milliseconds standstill = kStandstill)
 {
     auto last = moves();
-    QDeadlineTimer deadline(kStandstill);
+    QDeadlineTimer deadline(standstill);
     while (!condition()) {
         if (auto next = moves(); next != last) {
             last = next;
-            deadline.setRemainingTime(kStandstill);
+            deadline.setRemainingTime(standstill);
         } else if (deadline.hasExpired()) {
             return false;
         }
@@ -587,8 +591,15 @@ void fillQueue(Campaign& campaign, const QString& folder, quint32 largest, const
     conversation.addSender(total, how);
     stopped.process.stop();
     campaign.breakThings();
-    if (!conversation.sendUpTo(total - 1, total - 1))
-        return;
+    // On a busy machine the one that reads would not come to it before much waits for it, too.
+    const quint32 step = std::max<quint32>(kStep / (largest / 2), 1);
+    for (quint32 sent = 0; sent < total - 1;) {
+        sent = std::min(sent + step, total - 1);
+        if (!conversation.sendUpTo(sent, sent))
+            return;
+        const auto heard = [&] { return reading.journal->get()->heard[0][0].next.load(); };
+        waitWhileMoving([&] { return heard() >= sent; }, heard, kNothingComes);
+    }
     const std::set<quint64> refused = conversation.refused(0);
     campaign.check(!refused.empty(), u"send() says when no more may wait"_s);
     qint64 waiting = 0;

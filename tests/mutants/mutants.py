@@ -2,6 +2,7 @@
 
 import dataclasses
 import json
+import re
 import shlex
 from pathlib import Path
 
@@ -68,8 +69,16 @@ def compile_arguments(build: Path):
                 skip = True
             elif word not in ("-Winvalid-pch", "-fno-gnu-unique", "-Werror"):
                 kept.append(word)
-        arguments[entry["file"]] = kept + ["-w"]
+        for source in sources_of(Path(entry["file"])):
+            arguments[source] = kept + ["-w"]
     return arguments
+
+
+def sources_of(path: Path):
+    """What is compiled with a file of a build: itself, or the sources that CMake has put together in it."""
+    if path.parent.name != "Unity" or not path.exists():
+        return [str(path)]
+    return re.findall(r'^#include "(.*\.cpp)"', path.read_text(), re.MULTILINE)
 
 
 class Finder:

@@ -69,9 +69,25 @@ private:
 class TestHandset : public QObject
 {
     Q_OBJECT
+    /// The source tree.
+    Q_PROPERTY(QString source READ source CONSTANT)
+    /// The folder of the module ZynPhone.
+    Q_PROPERTY(QString module READ module CONSTANT)
 
 public:
     ~TestHandset() override { stopAll(); }
+
+    static QString source() { return QStringLiteral(ZYN_SOURCE_DIR); }
+    static QString module() { return QStringLiteral(ZYN_QML "/ZynPhone"); }
+
+    /// The names of the files in @p folder.
+    Q_INVOKABLE QStringList filesIn(const QString& folder) { return QDir(folder).entryList(QDir::Files); }
+    /// What the file @p path holds.
+    Q_INVOKABLE QString text(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
 
     /// Starts @p service, for example "zyn-phoned", with the words of @p options, and waits until it serves.
     Q_INVOKABLE bool start(const QString& service, const QString& options = {})

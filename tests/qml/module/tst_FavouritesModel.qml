@@ -21,6 +21,7 @@ TestCase {
             delegate: Item {
                 required property int place
                 required property string number
+                required property string dialNumber
                 required property bool taken
                 required property int missedCalls
                 required property int unreadMessages
@@ -98,9 +99,26 @@ TestCase {
 
         compare(TestHandset.tools(["calls add missed 0302223333", "calls add missed 0302223333"]), "")
         tryVerify(() => list.itemAt(0).missedCalls === 2, 20000)
+        compare(list.itemAt(0).dialNumber, "0302223333")
+        compare(list.itemAt(2).dialNumber, "+49 30 7654321")
         compare(TestHandset.tools(["favourites announce 2223333 ''"]), "")
         tryNumbers(["", "", "7654321", "", ""])
         compare(TestHandset.tool("favourites list --json").includes("7654321"), true)
+    }
+
+    function test_dialNumber() {
+        verify(TestHandset.start("zyn-recentcalld"))
+        compare(TestHandset.tools(["calls add dialed 0301234567", "calls add missed +49301234567",
+            "calls add missed 112", "favourites replace '' 0301234567", "favourites replace '' 0307654321",
+            "favourites replace '' 112"]), "")
+        load()
+        const dialed = () => [0, 1, 2, 3].map(row => list.itemAt(row).dialNumber).join()
+        tryVerify(() => dialed() === "+49301234567,7654321,112,", 20000, dialed())
+        compare(TestHandset.tools(["calls add missed 0401234567", "calls add missed 0307654321"]), "")
+        tryVerify(() => dialed() === "0401234567,0307654321,112,", 20000, dialed())
+        TestHandset.kill("zyn-recentcalld")
+        compare(TestHandset.tools(["favourites remove 112"]), "")
+        tryVerify(() => dialed() === "0401234567,0307654321,,", 20000, dialed())
     }
 
     function test_followsTheTool() {

@@ -283,7 +283,8 @@ TestCase {
         if (!row.isServed)
             TestHandset.kill("zyn-recentcalld")
         compare(TestHandset.tools(["phone incoming 030 Anna", "phone answer", "phone hangup", "dial 031"]), "")
-        tryVerify(() => TestHandset.tools(["phone hangup"]) === "", patience) // once there is a call
+        let isOver = false
+        tryVerify(() => isOver = isOver || TestHandset.tools(["phone hangup"]) === "", patience) // once there is a call
         if (!row.isServed) {
             tryVerify(() => calls.error !== "" && others.error !== "", patience)
             verify(TestHandset.start("zyn-recentcalld"))

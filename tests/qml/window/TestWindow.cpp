@@ -1,0 +1,47 @@
+// What tests of the window change around it. QML knows it as TestWindow, of ZynPhone.Testing.
+#include "qml/handset/Language.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtQml/QQmlEngine>
+#include <QtQml/QQmlExtensionPlugin>
+
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(ZynPhone_HandsetPlugin)
+
+namespace {
+
+class TestWindow : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TestWindow(QQmlEngine& engine)
+        : m_engine(engine)
+    {}
+    ~TestWindow() override { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
+
+    /// Speaks the language @p code from now on; false when it has no texts of its own.
+    Q_INVOKABLE bool speak(const QString& code)
+    {
+        m_language.reset();
+        m_language = std::make_unique<zyn::window::Language>(code);
+        m_engine.retranslate();
+        return m_language->isTranslated();
+    }
+
+private:
+    QQmlEngine& m_engine;
+    std::unique_ptr<zyn::window::Language> m_language;
+};
+
+void registerTestWindow()
+{
+    qmlRegisterSingletonType<TestWindow>("ZynPhone.Testing", 1, 0, "TestWindow",
+                                         [](QQmlEngine* engine, QJSEngine*) { return new TestWindow(*engine); });
+}
+Q_COREAPP_STARTUP_FUNCTION(registerTestWindow)
+
+} // namespace
+
+#include "TestWindow.moc"

@@ -1,0 +1,115 @@
+// Calls as a person meets them: they ring, are answered, missed and called back, wait, and fail.
+import QtQuick
+import ZynPhone
+import ZynPhone.Handset
+import ZynPhone.Testing
+
+Item {
+    width: 360
+    height: 720
+
+    Phone {
+        id: phone
+
+        anchors.fill: parent
+        focus: true
+    }
+
+    WindowCase {
+        name: "WindowCalls"
+        phone: phone
+
+        function initTestCase() {
+            startServices()
+        }
+
+        function test_missed() {
+            const before = MissedCalls.unread
+            DeskNetwork.incoming("0301112222", "Dora")
+            reads("callParty", "Dora")
+            reads("callNumber", "0301112222")
+            verify(find("answerButton").activeFocus)
+            DeskNetwork.missed()
+            isHidden("callScreen")
+            tryCompare(MissedCalls, "unread", Math.max(0, before) + 1, patience)
+            tap("missedCard")
+            shown("recentsScreen")
+            tap("recent0")
+            shown("recentDetails")
+            // Who has been shown for a while was seen.
+            tryCompare(MissedCalls, "unread", 0, patience)
+            tap("callBackButton")
+            shown("callScreen")
+            reads("callParty", "Dora")
+            tap("endButton")
+            isHidden("callScreen")
+        }
+
+        function test_answered_data() {
+            return [
+                { tag: "by hand", answer: () => tap("answerButton"), end: () => tap("endButton") },
+                { tag: "by keyboard", answer: () => keyClick(Qt.Key_Return), end: () => keyClick(Qt.Key_Return) },
+                { tag: "by shortcut", answer: () => phone.answer(), end: () => phone.hangUp() },
+                { tag: "by keys of a telephone", answer: () => keyClick(Qt.Key_Call),
+                    end: () => keyClick(Qt.Key_Hangup) },
+                { tag: "ended there", answer: () => tap("answerButton"), end: () => DeskNetwork.hangUp() }
+            ]
+        }
+
+        function test_answered(row) {
+            DeskNetwork.incoming("0302223333")
+            reads("callParty", "0302223333")
+            tryVerify(() => find("answerButton").activeFocus, patience)
+            row.answer()
+            isHidden("answerButton")
+            tryVerify(() => /^\d+:\d\d$/.test(find("callState").text), patience)
+            tryVerify(() => find("endButton").activeFocus, patience)
+            row.end()
+            isHidden("callScreen")
+        }
+
+        function test_rejected() {
+            DeskNetwork.incoming("0303334444")
+            tap("endButton")
+            isHidden("callScreen")
+        }
+
+        function test_waiting() {
+            DeskNetwork.incoming("0301110001")
+            tap("answerButton")
+            isHidden("answerButton")
+            DeskNetwork.incoming("0301110002")
+            reads("callParty", "0301110002")
+            shown("answerButton")
+            compare(find("otherCalls").count, 1)
+            tap("answerButton")
+            isHidden("answerButton")
+            tryCompare(PhoneCalls.calls, "count", 2, patience)
+            tap("rowEndButton")
+            tryCompare(PhoneCalls.calls, "count", 1, patience)
+            compare(find("otherCalls").count, 0)
+        }
+
+        function test_aside() {
+            DeskNetwork.incoming("0301110003")
+            keyClick(Qt.Key_Escape)
+            verify(find("callScreen"), "what rings cannot be left aside")
+            tap("answerButton")
+            isHidden("answerButton")
+            keyClick(Qt.Key_Escape)
+            isHidden("callScreen")
+            shown("idleScreen")
+            tap("returnButton")
+            shown("callScreen")
+        }
+
+        function test_notPutThrough() {
+            PhoneCalls.dial("0301110004", "Nobody")
+            shown("callScreen")
+            DeskNetwork.fail()
+            reads("messageBar", "The call to Nobody was not put through.")
+            tap("messageBar")
+            isHidden("messageBar")
+        }
+    }
+}

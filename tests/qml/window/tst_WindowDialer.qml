@@ -1,0 +1,131 @@
+// Numbers as a person dials them: by keys, by keyboard, by speed dial, and under the lock.
+import QtQuick
+import ZynPhone
+import ZynPhone.Handset
+import ZynPhone.Testing
+
+Item {
+    width: 360
+    height: 720
+
+    Phone {
+        id: phone
+
+        anchors.fill: parent
+        focus: true
+    }
+
+    WindowCase {
+        name: "WindowDialer"
+        phone: phone
+
+        function initTestCase() {
+            startServices()
+        }
+
+        function endCall() {
+            tap("endButton")
+            isHidden("callScreen")
+        }
+
+        function test_keypad() {
+            tap("tab_dialer")
+            for (const digit of ["0", "3", "0", "1"])
+                tap("key" + digit)
+            reads("numberField", "0301")
+            tap("backspaceButton")
+            reads("numberField", "030")
+            hold("key0")
+            reads("numberField", "030+")
+            hold("backspaceButton")
+            reads("numberField", "")
+        }
+
+        function test_keyboard() {
+            shown("idleScreen")
+            type("0304445555")
+            reads("numberField", "0304445555")
+            keyClick(Qt.Key_Return)
+            reads("callParty", "0304445555")
+            endCall()
+            keyClick(Qt.Key_Escape)
+            shown("idleScreen")
+        }
+
+        function test_lastDialed() {
+            type("0304440000")
+            keyClick(Qt.Key_Return)
+            shown("callScreen")
+            endCall()
+            reads("numberField", "")
+            tryVerify(() => find("callButton").enabled, patience)
+            tap("callButton")
+            reads("numberField", "0304440000")
+            tap("callButton")
+            reads("callParty", "0304440000")
+            endCall()
+        }
+
+        function test_verdict_data() {
+            return [
+                { tag: "begins", text: "11", says: true },
+                { tag: "whole", text: "112", says: true },
+                { tag: "ordinary", text: "0301", says: false }
+            ]
+        }
+
+        function test_verdict(row) {
+            type(row.text)
+            tryVerify(() => (find("verdict").text.trim() !== "") === row.says, patience)
+        }
+
+        function test_speedDial() {
+            tap("tab_dialer")
+            hold("key4")
+            shown("messageBar")
+            reads("numberField", "")
+            type("0305556666")
+            hold("key4")
+            shown("storeOffer")
+            reads("numberField", "0305556666")
+            tap("confirmButton")
+            isHidden("storeOffer")
+            tryVerify(() => TestHandset.tool("speed-dial list").includes("0305556666"), patience)
+            hold("backspaceButton")
+            reads("numberField", "")
+            tryVerify(() => {
+                hold("key4")
+                return find("callScreen") !== null
+            }, patience)
+            reads("callParty", "0305556666")
+            endCall()
+        }
+
+        function test_lock() {
+            tap("lockButton")
+            shown("lockScreen")
+            isHidden("tabs")
+            tap("emergencyButton")
+            for (const digit of ["0", "1", "1", "7"])
+                tap("key" + digit)
+            // Of these only what may become an emergency number was taken, and told why.
+            reads("emergencyText", "11")
+            verify(find("emergencyReason").text !== "")
+            verify(!find("emergencyCall").enabled)
+            tap("key2")
+            tap("emergencyCall")
+            reads("callParty", "112")
+            endCall()
+            shown("lockScreen")
+            type("03")
+            reads("emergencyText", " ")
+            DeskNetwork.incoming("0306667777")
+            tap("answerButton")
+            isHidden("answerButton")
+            endCall()
+            tap("unlockButton")
+            isHidden("lockScreen")
+            shown("idleScreen")
+        }
+    }
+}

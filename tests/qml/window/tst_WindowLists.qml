@@ -1,0 +1,124 @@
+// The lists: recent calls are deleted and cleared, favourites come and go, settings are stored.
+import QtQuick
+import ZynPhone
+import ZynPhone.Handset
+import ZynPhone.Testing
+
+Item {
+    width: 360
+    height: 720
+
+    Phone {
+        id: phone
+
+        anchors.fill: parent
+        focus: true
+    }
+
+    WindowCase {
+        name: "WindowLists"
+        phone: phone
+
+        function initTestCase() {
+            startServices()
+        }
+
+        function add(list, number) {
+            compare(TestHandset.tools([`calls add ${list} ${number}`]), "")
+        }
+
+        function test_recents() {
+            for (const [list, number] of [["answered", "0301"], ["missed", "0302"], ["dialed", "0303"],
+                ["dialed", "0304"]])
+                add(list, number)
+            tap("tab_recents")
+            tryVerify(() => find("recentsList").count === 4, patience)
+            for (const [tab, count] of [["answeredTab", 1], ["missedTab", 1], ["dialedTab", 2]]) {
+                tap(tab)
+                tryVerify(() => find("recentsList").count === count, patience, tab)
+            }
+            tap("recent0")
+            tap("deleteButton")
+            tryVerify(() => find("recentsList").count === 1, patience)
+            tap("clearButton")
+            tap("declineButton")
+            isHidden("clearQuestion")
+            compare(find("recentsList").count, 1)
+            tap("clearButton")
+            tap("confirmButton")
+            tryVerify(() => find("recentsList").count === 0, patience)
+            shown("recentsPlaceholder")
+            tap("allTab")
+            tryVerify(() => find("recentsList").count === 2, patience)
+        }
+
+        function test_picker() {
+            add("answered", "0307")
+            const finished = createTemporaryQmlObject("import QtTest; SignalSpy { signalName: 'finished' }", phone)
+            finished.target = RecentScreens
+            RecentScreens.pickNumber()
+            tap("answeredTab")
+            tap("recent0")
+            finished.wait(patience)
+            compare(Array.from(finished.signalArguments[0]), [true, "0307"])
+            RecentScreens.pickNumber()
+            shown("recent0")
+            tap("tab_idle")
+            tryVerify(() => finished.count === 2, patience)
+            compare(finished.signalArguments[1][0], false)
+        }
+
+        function test_favourites() {
+            tap("tab_favourites")
+            tap("addButton")
+            find("editorNumber").forceActiveFocus()
+            type("0309998877")
+            find("editorName").forceActiveFocus()
+            type("Eve")
+            keyClick(Qt.Key_Return)
+            shown("favouriteLog")
+            tap("tab_idle")
+            // The handset keeps the end of the number; who was typed is known nevertheless.
+            tryVerify(() => find("favourite0").text === "Eve", patience)
+            hold("favourite0")
+            shown("activityScreen")
+            keyClick(Qt.Key_Escape)
+            tap("favourite0")
+            reads("callNumber", "0309998877")
+            tap("endButton")
+            isHidden("callScreen")
+            tap("tab_favourites")
+            tap("favouriteRemove")
+            tap("confirmButton")
+            isHidden("favouriteLog")
+        }
+
+        function test_settings() {
+            tap("settingsButton")
+            tryVerify(() => find("twoLineSwitch").enabled, patience)
+            const before = RecentCallSettings.twoLineView
+            tap("twoLineSwitch")
+            tryCompare(RecentCallSettings, "twoLineView", !before, patience)
+            find("prependSwitch").forceActiveFocus()
+            keyClick(Qt.Key_Space)
+            tryCompare(RecentCallSettings, "prepend", true, patience)
+            keyClick(Qt.Key_Space)
+            tryCompare(RecentCallSettings, "prepend", false, patience)
+            keyClick(Qt.Key_Escape)
+            shown("idleScreen")
+        }
+
+        function test_withoutService() {
+            TestHandset.kill("zyn-recentcalld")
+            tap("tab_recents")
+            tryVerify(() => find("recentsPlaceholder")?.title === "The calls cannot be shown"
+                || find("recentsList").count > 0, patience)
+            Services.check()
+            verify(Services.fault.includes("recent-call"), Services.fault)
+            shown("serviceBar")
+            verify(TestHandset.start("zyn-recentcalld"))
+            Services.check()
+            isHidden("serviceBar")
+        }
+    }
+}
