@@ -139,6 +139,7 @@ FocusScope {
             Layout.maximumHeight: Theme.base * 22
             visible: screen.dialing
             onPressed: digit => screen.press(digit)
+            onHeld: digit => screen.press(digit)
         }
         Item {
             Layout.fillHeight: true

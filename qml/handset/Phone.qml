@@ -42,7 +42,12 @@ FocusScope {
     }
 
     Component.onCompleted: stack.push(urlOf(Navigation.tab), StackView.Immediate)
-    Keys.onCallPressed: answer()
+    Keys.onCallPressed: {
+        if (line.busy)
+            answer()
+        else if (!locked)
+            Navigation.go("recents", {"category": Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All)})
+    }
     Keys.onHangupPressed: hangUp()
     Keys.onEscapePressed: {
         if (showsCalls)
@@ -100,6 +105,13 @@ FocusScope {
                 messages.show(qsTr("The call to %1 was not put through.").arg(Phrases.party(name, number)))
         }
         function onAvailableChanged() {
+            phone.services?.check()
+        }
+    }
+    Connections {
+        target: MissedCalls
+
+        function onErrorChanged() {
             phone.services?.check()
         }
     }

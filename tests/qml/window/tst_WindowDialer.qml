@@ -79,6 +79,25 @@ Item {
             tryVerify(() => (find("verdict").text.trim() !== "") === row.says, patience)
         }
 
+        function test_withoutSim() {
+            DeskNetwork.simCardState = PhoneStatus.SimAbsent
+            tryCompare(DeskNetwork, "simCardState", PhoneStatus.SimAbsent, patience)
+            type("0301")
+            reads("numberField", "0301")
+            verify(find("verdict").text.trim() !== "")
+            verify(!find("callButton").enabled)
+            keyClick(Qt.Key_Return)
+            shown("messageBar")
+            compare(PhoneCalls.calls.count, 0)
+            hold("backspaceButton")
+            type("112")
+            keyClick(Qt.Key_Return)
+            reads("callParty", "112")
+            endCall()
+            DeskNetwork.simCardState = PhoneStatus.SimReady
+            tryCompare(DeskNetwork, "simCardState", PhoneStatus.SimReady, patience)
+        }
+
         function test_speedDial() {
             tap("tab_dialer")
             hold("key4")
