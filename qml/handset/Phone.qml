@@ -123,6 +123,7 @@ FocusScope {
 
         PhoneHeader {
             Layout.fillWidth: true
+            Layout.minimumWidth: 0
             Layout.preferredHeight: Theme.base * 2.8
             hasFoldedPanel: phone.hasFoldedPanel
             onPanelRequested: phone.panelRequested()

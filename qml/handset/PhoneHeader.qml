@@ -21,7 +21,7 @@ RowLayout {
         visible: header.hasFoldedPanel
         bare: true
         padding: 0
-        implicitWidth: Theme.touch
+        implicitWidth: Theme.base * 3
         tone: PhoneButton.Soft
         symbol: "network"
         symbolSize: Theme.base * 1.5
