@@ -9,11 +9,13 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QPointer>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <iterator>
+#include <span>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -90,8 +92,7 @@ public:
     struct Request
     {
         Reply expected;
-        QPointer<const QObject> receiver;
-        Answer answer;
+        Answer answer; ///< null for a question
     };
 
     bool isFull() const { return m_requests.size() >= kMostRequests; }
@@ -228,6 +229,10 @@ PhoneControlClient::~PhoneControlClient() = default;
 
 void PhoneControlClient::say(const QStringList& words, const QObject* receiver, Answer answer)
 {
+    const auto tell = [receiver = QPointer(receiver), answer = std::move(answer)](const QString& refusal) {
+        if (receiver)
+            answer(refusal);
+    };
     QByteArray data;
     for (const QString& word : words)
         data += word.toUtf8() + '\0';
@@ -241,14 +246,9 @@ void PhoneControlClient::say(const QStringList& words, const QObject* receiver, 
     else if (m_connection->isFull())
         obstacle = tr("The phone server does not answer");
     if (obstacle.isEmpty())
-        return ask(phonecontrol::Say, data, phonecontrol::Done, receiver, answer);
+        return ask(phonecontrol::Say, data, phonecontrol::Done, tell);
     QMetaObject::invokeMethod(
-        this,
-        [obstacle, receiver = QPointer(receiver), answer = std::move(answer)] {
-            if (receiver)
-                answer(obstacle);
-        },
-        Qt::QueuedConnection);
+        this, [obstacle, tell] { tell(obstacle); }, Qt::QueuedConnection);
 }
 
 void PhoneControlClient::refresh()
@@ -294,10 +294,9 @@ bool PhoneControlClient::watch()
     return m_watcher.directories().contains(directory) || m_watcher.addPath(directory);
 }
 
-void PhoneControlClient::ask(Command command, const QByteArray& data, Reply expected, const QObject* receiver,
-                             const Answer& answer)
+void PhoneControlClient::ask(Command command, const QByteArray& data, Reply expected, const Answer& answer)
 {
-    m_connection->send(command, data, {expected, receiver, answer});
+    m_connection->send(command, data, {expected, answer});
 }
 
 /// Takes an answer; false for what no server sends now.
@@ -313,8 +312,7 @@ bool PhoneControlClient::take(int32_t code, const QByteArray& data)
     const QString refusal = code == phonecontrol::Refused ? QString::fromUtf8(data).left(kLongestReason) : QString();
     if (code == phonecontrol::Refused && refusal.isEmpty())
         return false;
-    if (request->receiver)
-        request->answer(refusal);
+    request->answer(refusal);
     return true;
 }
 
@@ -358,7 +356,7 @@ void PhoneControlClient::lose(const QString& reason)
     setFollowing(false);
     Q_EMIT lost(reason);
     for (const Connection::Request& request : requests) {
-        if (request.receiver)
+        if (request.answer)
             request.answer(reason);
     }
 }

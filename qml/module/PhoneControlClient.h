@@ -9,19 +9,16 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileSystemWatcher>
 #include <QtCore/QObject>
-#include <QtCore/QPointer>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
 #include <chrono>
-#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace zyn::qml {
@@ -86,7 +83,7 @@ private:
     void retryLater(bool mayWaitForSocket);
     bool watch();
     void ask(phonecontrol::Command command, const QByteArray& data, phonecontrol::Reply expected,
-             const QObject* receiver = nullptr, const Answer& answer = {});
+             const Answer& answer = {});
     bool take(int32_t code, const QByteArray& data);
     bool takeCalls(const QByteArray& json);
     bool takeChange(const QByteArray& json);
