@@ -42,6 +42,6 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${ZYN_INSTALL_D
 install(FILES handset/day/desk.day handset/day/modem.day
     DESTINATION ${ZYN_INSTALL_DOCUMENTS}/handset/day COMPONENT libzynphone-doc)
 install(DIRECTORY docs DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE PATTERN reference EXCLUDE)
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN man EXCLUDE PATTERN reference EXCLUDE)
 install(DIRECTORY examples DESTINATION ${ZYN_INSTALL_DOCUMENTS} COMPONENT libzynphone-doc
     FILES_MATCHING PATTERN CMakeLists.txt PATTERN Makefile PATTERN "*.[ch]*" PATTERN "*.qml" PATTERN "*.sh")

@@ -59,7 +59,7 @@ PhoneScreen {
             width: ListView.view.width
             spacing: Theme.margin
             Accessible.role: Accessible.ListItem
-            Accessible.name: [kind, Phrases.moment(start, Clock.now), message].filter(part => part !== "").join(", ")
+            Accessible.name: Phrases.listing([kind, Phrases.moment(start, Clock.now), message])
 
             Icon {
                 Layout.alignment: Qt.AlignTop

@@ -15,30 +15,32 @@ Card {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: question
 
-    contentItem: RowLayout {
-        spacing: Theme.gap
+    contentItem: ColumnLayout {
+        spacing: Theme.gap / 2
 
         PhoneText {
             Layout.fillWidth: true
             Layout.leftMargin: Theme.gap
+            Layout.rightMargin: Theme.gap
             wrapMode: Text.Wrap
-            font.pixelSize: Theme.small
             text: bar.question
         }
-        PhoneButton {
-            objectName: "declineButton"
-            font.pixelSize: Theme.small
-            leftPadding: Theme.gap
-            tone: PhoneButton.Plain
-            text: bar.destructive ? qsTr("Keep") : qsTr("Cancel")
-            onClicked: bar.declined()
-        }
-        PhoneButton {
-            objectName: "confirmButton"
-            font.pixelSize: Theme.small
-            tone: bar.destructive ? PhoneButton.Bad : PhoneButton.Accent
-            text: bar.action
-            onClicked: bar.confirmed()
+        RowLayout {
+            Layout.alignment: Qt.AlignRight
+            spacing: Theme.gap
+
+            PhoneButton {
+                objectName: "declineButton"
+                tone: PhoneButton.Plain
+                text: bar.destructive ? qsTr("Keep") : qsTr("Cancel")
+                onClicked: bar.declined()
+            }
+            PhoneButton {
+                objectName: "confirmButton"
+                tone: bar.destructive ? PhoneButton.Bad : PhoneButton.Accent
+                text: bar.action
+                onClicked: bar.confirmed()
+            }
         }
     }
 }

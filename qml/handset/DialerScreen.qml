@@ -11,6 +11,11 @@ PhoneScreen {
     /// The key whose place of speed dial is to be decided; 0 without one.
     property int storeKey: 0
 
+    /// Whether only emergency numbers and a few codes may be dialed.
+    readonly property bool restricted: DeskNetwork.simCardState >= 0
+        && DeskNetwork.simCardState !== PhoneStatus.SimReady && DeskNetwork.simCardState !== PhoneStatus.SimLocked
+    readonly property bool refused: restricted && emergency.verdict !== EmergencyNumber.Empty && !emergency.emergency
+
     objectName: "dialerScreen"
     title: qsTr("Keypad")
     Component.onCompleted: {
@@ -18,8 +23,12 @@ PhoneScreen {
         field.forceActiveFocus()
     }
 
+    onRestrictedChanged: emergency.refresh()
+
     function call() {
-        if (field.text === "" && recents.lastDialed)
+        if (refused)
+            Navigation.say(qsTr("Without a SIM card, only emergency numbers can be called."))
+        else if (field.text === "" && recents.lastDialed)
             field.text = recents.lastDialed
         else if (field.text !== "" && PhoneCalls.dial(field.text))
             field.clear()
@@ -31,8 +40,10 @@ PhoneScreen {
             field.insert(field.cursorPosition, "+")
             return
         }
-        if (!(key >= 1))
+        if (!(key >= 1)) {
+            field.insert(field.cursorPosition, digit)
             return
+        }
         const stored = speedDial.numberFor(key)
         if (field.text !== "")
             storeKey = key
@@ -85,8 +96,8 @@ PhoneScreen {
             wrapMode: Text.Wrap
             font.pixelSize: Theme.small
             readonly property bool matters: emergency.verdict === EmergencyNumber.Emergency
-                || emergency.verdict === EmergencyNumber.Possible
-            color: emergency.emergency ? Theme.bad : Theme.soft
+                || emergency.verdict === EmergencyNumber.Possible || screen.refused
+            color: emergency.emergency || screen.refused ? Theme.bad : Theme.soft
             text: matters ? emergency.reason : " "
             Accessible.ignored: !matters
         }
@@ -139,7 +150,7 @@ PhoneScreen {
                 symbol: "call"
                 symbolSize: Theme.base * 2.4
                 text: field.text === "" ? qsTr("Fetch the last number dialed") : qsTr("Call")
-                enabled: field.text !== "" || Boolean(recents.lastDialed)
+                enabled: !screen.refused && (field.text !== "" || Boolean(recents.lastDialed))
                 onClicked: screen.call()
             }
             PhoneButton {

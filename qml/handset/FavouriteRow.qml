@@ -19,10 +19,7 @@ Card {
 
     readonly property var party: Parties.find(number)
     readonly property string partyText: party.name || party.number
-    readonly property string summary: [
-        missedCalls > 0 ? qsTr("%n missed call(s)", "", missedCalls) : "",
-        unreadMessages > 0 ? qsTr("%n unread message(s)", "", unreadMessages) : ""
-    ].filter(part => part !== "").join(", ")
+    readonly property string summary: Phrases.unread(missedCalls, unreadMessages)
 
     objectName: "favouriteRow" + index
     padding: Theme.gap

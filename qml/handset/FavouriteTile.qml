@@ -15,18 +15,14 @@ AbstractButton {
 
     readonly property var party: Parties.find(number)
     readonly property string partyText: party.name || party.number
-    readonly property string counters: [
-        missedCalls > 0 ? qsTr("%n missed call(s)", "", missedCalls) : "",
-        unreadMessages > 0 ? qsTr("%n unread message(s)", "", unreadMessages) : ""
-    ].filter(part => part !== "").join(", ")
-
     objectName: "favourite" + index
     implicitHeight: implicitContentHeight
     focusPolicy: Qt.StrongFocus
     text: taken ? partyText : qsTr("Add")
     Accessible.role: Accessible.Button
     Accessible.name: taken ? qsTr("Favourite %1").arg(partyText) : qsTr("Add a favourite")
-    Accessible.description: taken ? [counters, qsTr("Hold to see what happened with this number.")].join(" ") : ""
+    Accessible.description: taken ? Phrases.listing([Phrases.unread(missedCalls, unreadMessages),
+        qsTr("hold to see what happened with this number")]) : ""
     Accessible.onPressAction: tile.activate()
     Keys.onReturnPressed: activate()
     Keys.onMenuPressed: opened()

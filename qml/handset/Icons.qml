@@ -43,8 +43,7 @@ QtObject {
         "bolt": "M13.5 2.5 L5.5 13.5 L11 13.5 L10 21.5 L18.5 10 L12.8 10 Z",
         "call": "M7.5 4.5 L5 7 C5.5 12.5 11.5 18.5 17 19 L19.5 16.5 L15.8 13.6 L13.8 15.2 "
             + "C11.8 14 10 12.2 8.8 10.2 L10.4 8.2 Z",
-        "keypad": ["5", "12", "19"].map(x => ["5", "12", "19"].map(y =>
-            `M${x} ${y - 2} A2 2 0 1 1 ${x - 0.01} ${y - 2} Z`).join(" ")).join(" "),
+        "keypad": dots(5) + dots(12) + dots(19),
         "play": "M8 5 L18.5 12 L8 19 Z",
         "stop": "M7 7 L17 7 L17 17 L7 17 Z"
     })
@@ -52,4 +51,10 @@ QtObject {
     readonly property var directed: ["back", "clear"]
     /// Those that are others, turned: by how many degrees.
     readonly property var turned: ({"hangup": {"name": "call", "angle": 135}})
+
+    /// Three dots in the row at @p y.
+    function dots(y) {
+        const dot = x => `M${x} ${y - 2} A2 2 0 1 1 ${x - 0.01} ${y - 2} Z `
+        return dot(5) + dot(12) + dot(19)
+    }
 }

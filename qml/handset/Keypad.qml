@@ -7,8 +7,6 @@ import QtQuick.Layouts
 GridLayout {
     id: keypad
 
-    /// Whether a key may be pressed now.
-    property var allows: digit => true
     signal pressed(string digit)
     signal held(string digit)
 
@@ -37,7 +35,6 @@ GridLayout {
             Layout.preferredHeight: Theme.base * 4.6
             digit: modelData[0]
             letters: modelData[1]
-            enabled: keypad.allows(digit)
             onClicked: keypad.pressed(digit)
             onPressAndHold: keypad.held(digit)
         }

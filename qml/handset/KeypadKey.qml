@@ -44,6 +44,5 @@ AbstractButton {
         color: key.down ? Qt.tint(Theme.surface, Qt.alpha(Theme.accent, 0.35)) : Theme.surface
         border.width: key.visualFocus ? 2 : Theme.dark ? 0 : 1
         border.color: key.visualFocus ? Theme.accent : Theme.line
-        opacity: key.enabled ? 1 : 0.35
     }
 }

@@ -120,14 +120,14 @@ FocusScope {
 
             objectName: "emergencyReason"
             Layout.fillWidth: true
-            visible: screen.dialing
+            visible: screen.dialing && text !== ""
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             color: Theme.bad
         }
         PhoneText {
             Layout.fillWidth: true
-            visible: screen.dialing
+            visible: screen.dialing && refusal.text === ""
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             color: Theme.soft
@@ -139,6 +139,7 @@ FocusScope {
             Layout.maximumHeight: Theme.base * 22
             visible: screen.dialing
             onPressed: digit => screen.press(digit)
+            onHeld: digit => screen.press(digit)
         }
         Item {
             Layout.fillHeight: true

@@ -3,15 +3,17 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
+import ZynPhone.Handset
 
 ApplicationWindow {
     id: window
 
     property string theme
+    property Services services: null
     /// The screen to begin with.
     property string page: "idle"
     readonly property bool wide: width >= Theme.base * 56
-    readonly property bool mirrored: Qt.application.layoutDirection === Qt.RightToLeft
+    readonly property bool mirrored: Application.layoutDirection === Qt.RightToLeft
 
     width: Math.round(Theme.base * 30)
     height: Math.round(Theme.base * 60)
@@ -38,14 +40,6 @@ ApplicationWindow {
         Navigation.go(page)
     }
 
-    Shortcut {
-        sequences: ["Alt+A"]
-        onActivated: phone.answer()
-    }
-    Shortcut {
-        sequences: ["Alt+H"]
-        onActivated: phone.hangUp()
-    }
     Shortcut {
         sequences: [StandardKey.Quit] // qmllint disable unqualified
         onActivated: Qt.quit()
@@ -75,6 +69,7 @@ ApplicationWindow {
             width: window.wide ? Math.min(Math.round(parent.height * 0.62), parent.width - Theme.base * 28)
                 : parent.width
             focus: true
+            services: window.services
             hasFoldedPanel: !window.wide
             onPanelRequested: window.openPanel()
         }
@@ -97,9 +92,10 @@ ApplicationWindow {
         padding: 0
         onAboutToShow: panel.active = true
 
-        contentItem: Loader {
+        Loader {
             id: panel
 
+            anchors.fill: parent
             active: false
             LayoutMirroring.enabled: window.mirrored
             LayoutMirroring.childrenInherit: true

@@ -2,19 +2,26 @@
 import QtQuick
 import QtQuick.Layouts
 
-Card {
+Rectangle {
     id: section
 
     property string title
     default property alias content: column.data
 
     Layout.fillWidth: true
+    implicitHeight: column.implicitHeight + 2 * Theme.margin
+    radius: Theme.radius
+    color: Theme.surface
+    border.width: Theme.dark ? 0 : 1
+    border.color: Theme.line
     Accessible.role: Accessible.Grouping
     Accessible.name: title
 
-    contentItem: ColumnLayout {
+    ColumnLayout {
         id: column
 
+        anchors.fill: parent
+        anchors.margins: Theme.margin
         spacing: Theme.gap
 
         PhoneText {

@@ -10,7 +10,7 @@ QtObject {
     /// Grows with each change, so that bindings that ask here are asked again.
     property int revision: 0
     /// What was typed since the window is open, as a number without a call is in no list.
-    property var typed: []
+    readonly property var typed: []
 
     readonly property Instantiator calls: Instantiator {
         model: RecentCallsModel {}
@@ -24,7 +24,7 @@ QtObject {
     }
 
     function remember(number, name) {
-        typed = [{"number": number, "name": name ?? ""}].concat(typed)
+        typed.unshift({"number": number, "name": name ?? ""})
         revision += 1
     }
 

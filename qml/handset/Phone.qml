@@ -3,9 +3,13 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import ZynPhone
+import ZynPhone.Handset
 
 FocusScope {
     id: phone
+
+    /// Those that this program looks after; null where others do.
+    property Services services: null
 
     readonly property var screens: ({
         "activity": "ActivityScreen.qml",
@@ -38,7 +42,12 @@ FocusScope {
     }
 
     Component.onCompleted: stack.push(urlOf(Navigation.tab), StackView.Immediate)
-    Keys.onCallPressed: answer()
+    Keys.onCallPressed: {
+        if (line.busy)
+            answer()
+        else if (!locked)
+            Navigation.go("recents", {"category": Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All)})
+    }
     Keys.onHangupPressed: hangUp()
     Keys.onEscapePressed: {
         if (showsCalls)
@@ -56,6 +65,14 @@ FocusScope {
         }
     }
 
+    Shortcut {
+        sequences: ["Alt+A"]
+        onActivated: phone.answer()
+    }
+    Shortcut {
+        sequences: ["Alt+H"]
+        onActivated: phone.hangUp()
+    }
     LineCalls {
         id: line
 
@@ -88,7 +105,14 @@ FocusScope {
                 messages.show(qsTr("The call to %1 was not put through.").arg(Phrases.party(name, number)))
         }
         function onAvailableChanged() {
-            Services.check()
+            phone.services?.check()
+        }
+    }
+    Connections {
+        target: MissedCalls
+
+        function onErrorChanged() {
+            phone.services?.check()
         }
     }
     Connections {
@@ -140,6 +164,7 @@ FocusScope {
         }
         ServiceBar {
             Layout.fillWidth: true
+            services: phone.services
         }
         PhoneButton {
             objectName: "returnButton"
@@ -160,6 +185,7 @@ FocusScope {
                 anchors.fill: parent
                 spacing: 0
                 visible: !phone.locked && !phone.showsCalls
+                onVisibleChanged: if (visible) stack.currentItem?.forceActiveFocus()
 
                 StackView {
                     id: stack
@@ -194,12 +220,5 @@ FocusScope {
                 anchors.margins: Theme.gap
             }
         }
-    }
-    onShowsCallsChanged: Qt.callLater(restoreFocus)
-    onLockedChanged: Qt.callLater(restoreFocus)
-
-    function restoreFocus() {
-        if (!showsCalls && !locked)
-            stack.currentItem?.forceActiveFocus()
     }
 }

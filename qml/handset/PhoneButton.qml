@@ -33,39 +33,12 @@ AbstractButton {
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 
-    contentItem: Item {
-        // Not the row's: its text is as wide as there is room.
-        implicitWidth: (button.bare ? 0 : label.implicitWidth)
-            + (button.symbol === "" ? 0 : button.symbolSize + (button.bare || !label.visible ? 0 : row.spacing))
-        implicitHeight: row.implicitHeight
-
-        Row {
-            id: row
-
-            anchors.centerIn: parent
-            spacing: Theme.gap
-
-            Icon {
-                anchors.verticalCenter: parent.verticalCenter
-                visible: button.symbol !== ""
-                name: button.symbol
-                size: button.symbolSize
-                color: button.ink
-            }
-            Text {
-                id: label
-
-                anchors.verticalCenter: parent.verticalCenter
-                visible: !button.bare && text !== ""
-                width: Math.min(implicitWidth, button.availableWidth
-                    - (button.symbol === "" ? 0 : button.symbolSize + row.spacing))
-                elide: Text.ElideRight
-                text: button.text
-                color: button.ink
-                font: button.font
-                Accessible.ignored: true
-            }
-        }
+    contentItem: ButtonContent {
+        symbol: button.symbol
+        symbolSize: button.symbolSize
+        text: button.bare ? "" : button.text
+        ink: button.ink
+        font: button.font
     }
     background: Rectangle {
         radius: button.radius

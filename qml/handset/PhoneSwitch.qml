@@ -5,7 +5,7 @@ import QtQuick.Controls.Basic
 Switch {
     id: control
 
-    implicitHeight: Math.max(Theme.touch, label.implicitHeight)
+    implicitHeight: Math.max(Theme.touch, implicitContentHeight)
     padding: 0
     font.pixelSize: Theme.body
     Accessible.role: Accessible.CheckBox
@@ -43,8 +43,6 @@ Switch {
         }
     }
     contentItem: PhoneText {
-        id: label
-
         rightPadding: control.mirrored ? 0 : control.indicator.width + Theme.gap
         leftPadding: control.mirrored ? control.indicator.width + Theme.gap : 0
         verticalAlignment: Text.AlignVCenter

@@ -8,6 +8,17 @@ QtObject {
 
     readonly property string unknownParty: qsTr("Unknown number")
 
+    /// Those of @p parts that say something, as one text.
+    function listing(parts) {
+        return parts.filter(part => part !== "").join(", ")
+    }
+
+    /// What is unread of a favourite; less than 0 is unknown.
+    function unread(calls, messages) {
+        return listing([calls > 0 ? qsTr("%n missed call(s)", "", calls) : "",
+            messages > 0 ? qsTr("%n unread message(s)", "", messages) : ""])
+    }
+
     function party(name, number) {
         return name || number || unknownParty
     }

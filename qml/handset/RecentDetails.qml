@@ -52,6 +52,8 @@ ColumnLayout {
 
         PhoneButton {
             objectName: "makeFavouriteButton"
+            Layout.fillWidth: true
+            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "star"
@@ -62,6 +64,8 @@ ColumnLayout {
         }
         PhoneButton {
             objectName: "editNumberButton"
+            Layout.fillWidth: true
+            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "edit"
@@ -73,6 +77,8 @@ ColumnLayout {
         }
         PhoneButton {
             objectName: "deleteButton"
+            Layout.fillWidth: true
+            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "delete"

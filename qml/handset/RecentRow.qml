@@ -33,8 +33,8 @@ ItemDelegate {
     leftPadding: Theme.margin
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.ListItem
-    Accessible.name: [party, Phrases.category(category), when, isMissed && !isRead ? qsTr("unread") : ""]
-        .filter(part => part !== "").join(", ")
+    Accessible.name: Phrases.listing([party, Phrases.category(category), when,
+        isMissed && !isRead ? qsTr("unread") : ""])
     Accessible.onPressAction: row.clicked()
     Keys.onReturnPressed: clicked()
     Keys.onDeletePressed: deleted()

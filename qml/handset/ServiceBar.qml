@@ -1,16 +1,20 @@
 // Tells that services of the phone do not run, and starts them again.
 import QtQuick
 import QtQuick.Layouts
+import ZynPhone.Handset
 
 Rectangle {
     id: bar
 
+    property Services services: null
+    readonly property string fault: services?.fault ?? ""
+
     objectName: "serviceBar"
-    visible: Services.fault !== ""
+    visible: fault !== ""
     implicitHeight: row.implicitHeight + Theme.gap
     color: Theme.warning
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: Services.fault
+    Accessible.name: fault
 
     RowLayout {
         id: row
@@ -24,14 +28,14 @@ Rectangle {
             wrapMode: Text.Wrap
             font.pixelSize: Theme.small
             color: Theme.onTone
-            text: Services.fault
+            text: bar.fault
         }
         PhoneButton {
             objectName: "restartButton"
             font.pixelSize: Theme.small
             tone: PhoneButton.Soft
             text: qsTr("Start again")
-            onClicked: Services.start()
+            onClicked: bar.services.start()
         }
     }
 }

@@ -53,9 +53,17 @@ constexpr Kind kKinds[] = {
 
 struct Services::Service
 {
-    const Kind& kind;
-    QProcess process = {};
+    const char* const program;
+    const char* const name;
+    bool (*const runs)(); ///< whoever has started it
+    QProcess process;
     bool serves = false; ///< the process has told that it does
+
+    explicit Service(const Kind& kind)
+        : program(kind.program)
+        , name(kind.name)
+        , runs(kind.runs)
+    {}
 
     bool isStarted() const { return process.state() != QProcess::NotRunning; }
 };
@@ -64,7 +72,7 @@ Services::Services(QObject* parent)
     : QObject(parent)
 {
     for (const Kind& kind : kKinds) {
-        Service& service = *m_services.emplace_back(new Service{.kind = kind});
+        Service& service = *m_services.emplace_back(std::make_unique<Service>(kind));
         QProcess& process = service.process;
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process.setStandardInputFile(QProcess::nullDevice());
@@ -101,7 +109,7 @@ Services::~Services()
 void Services::start()
 {
     for (const auto& service : m_services) {
-        if (!service->isStarted() && !service->kind.runs())
+        if (!service->isStarted() && !service->runs())
             launch(*service);
     }
     check();
@@ -110,7 +118,7 @@ void Services::start()
 void Services::launch(Service& service)
 {
     service.serves = false;
-    service.process.start(QCoreApplication::applicationDirPath() + u'/' + QLatin1String(service.kind.program),
+    service.process.start(QCoreApplication::applicationDirPath() + u'/' + QLatin1String(service.program),
                           {u"--ready-fd"_s, u"1"_s});
 }
 
@@ -118,8 +126,8 @@ void Services::check()
 {
     QStringList missing;
     for (const auto& service : m_services) {
-        if (!service->isStarted() && !service->kind.runs())
-            missing += tr(service->kind.name);
+        if (!service->isStarted() && !service->runs())
+            missing += tr(service->name);
     }
     const QString fault = missing.isEmpty() ? QString() : tr("Not running: %1.").arg(missing.join(u", "_s));
     if (fault == m_fault)

@@ -22,7 +22,6 @@ class Services : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    QML_SINGLETON
     /// Which services do not run, for people; empty when all do.
     Q_PROPERTY(QString fault READ fault NOTIFY faultChanged FINAL)
 

@@ -27,7 +27,8 @@ QtObject {
     readonly property color onTone: dark ? "#0b0e13" : "#ffffff"
 
     // All sizes follow the font of the application, so that whoever needs large letters gets room for them, too.
-    readonly property real base: Math.max(8, Qt.application.font.pixelSize)
+    readonly property FontMetrics metrics: FontMetrics {}
+    readonly property real base: Math.max(8, metrics.font.pixelSize)
     readonly property real small: base
     readonly property real body: base * 1.2
     readonly property real title: base * 1.6

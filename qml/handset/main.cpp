@@ -115,18 +115,19 @@ int main(int argc, char** argv)
     const handset::TerminationSignals signalsThatEnd;
     const window::Language language(commandLine.value(kLanguage));
 
+    window::Services services;
     QQmlApplicationEngine engine;
     const QString folder = QCoreApplication::applicationDirPath();
     engine.addImportPath(folder + u"/" ZYN_QML_FROM_PROGRAMS ""_s);
     engine.addImportPath(folder + u"/../qml"_s);
     engine.addImportPath(u":/qt/qml"_s);
     if (!commandLine.isSet(kNoServices)) {
-        auto* const services =
-            engine.singletonInstance<window::Services*>(qmlTypeId("ZynPhone.Handset", 1, 0, "Services"));
-        services->start();
-        services->waitUntilServed(kPatience);
+        services.start();
+        services.waitUntilServed(kPatience);
     }
-    engine.setInitialProperties({{kTheme, commandLine.value(kTheme)}, {kPage, commandLine.value(kPage)}});
+    engine.setInitialProperties({{kTheme, commandLine.value(kTheme)},
+                                 {kPage, commandLine.value(kPage)},
+                                 {u"services"_s, QVariant::fromValue(&services)}});
     engine.load(QUrl(u"qrc:/qt/qml/ZynPhone/Handset/Main.qml"_s));
     if (engine.rootObjects().isEmpty()) {
         handset::log(u"the window cannot be made: is the QML module ZynPhone installed?"_s);

@@ -32,7 +32,7 @@ using channels::Shared;
 using channels::Traffic;
 
 /// How long nothing may change before what is waited for is a loss.
-constexpr auto kStandstill = 60s;
+constexpr std::chrono::milliseconds kStandstill = 60s;
 constexpr auto kLook = 1ms;
 /// The sender that is killed in the middle.
 constexpr size_t kKilledSender = kSenders - 1;
@@ -46,10 +46,10 @@ constexpr qint64 kSocketBuffers = 1024;
 /// The most that a sender takes for that, in KiB: a buffer that grows is there twice for a moment, and on a busy
 /// machine some waits for the listener that reads.
 constexpr qint64 kFullGrowth = 3 * kQueueLimit;
-/// How much is sent, in bytes, before the listener that reads is waited for, and after how long nothing comes: what
-/// waits in a sender without a loop comes with the next message.
+/// How much is sent, in bytes, before the listener that reads is waited for, and for how long nothing comes when the
+/// rest waits in a sender without a loop.
 constexpr quint32 kStep = 4 * 1024 * 1024;
-constexpr auto kNothingComes = 300ms;
+constexpr std::chrono::milliseconds kNothingComes{300};
 /// Descriptors of a process that are not connections and may come after its start: a watch, an event loop's.
 constexpr qint64 kOwnDescriptors = 6;
 
@@ -75,7 +75,7 @@ bool waitWhileMoving(const Condition& condition, const Moves& moves, std::chrono
 bool waitReady(QProcess& process)
 {
     QByteArray output;
-    while (!output.contains("ready") && process.waitForReadyRead(int(std::chrono::milliseconds(kStandstill).count())))
+    while (!output.contains("ready") && process.waitForReadyRead(int(kStandstill.count())))
         output += process.readAllStandardOutput();
     return output.contains("ready");
 }
@@ -591,14 +591,16 @@ void fillQueue(Campaign& campaign, const QString& folder, quint32 largest, const
     conversation.addSender(total, how);
     stopped.process.stop();
     campaign.breakThings();
-    // On a busy machine the one that reads would not come to it before much waits for it, too.
+    // On a busy machine the one that reads would not come to it before too much waits for it, too. Without a loop, what
+    // waits follows with later messages only, and may still become too much: that is refused, then.
+    const bool hasLoop = how == u"loop";
     const quint32 step = std::max<quint32>(kStep / (largest / 2), 1);
     for (quint32 sent = 0; sent < total - 1;) {
         sent = std::min(sent + step, total - 1);
         if (!conversation.sendUpTo(sent, sent))
             return;
         const auto heard = [&] { return reading.journal->get()->heard[0][0].next.load(); };
-        waitWhileMoving([&] { return heard() >= sent; }, heard, kNothingComes);
+        waitWhileMoving([&] { return heard() >= sent; }, heard, hasLoop ? kStandstill : kNothingComes);
     }
     const std::set<quint64> refused = conversation.refused(0);
     campaign.check(!refused.empty(), u"send() says when no more may wait"_s);
@@ -621,7 +623,8 @@ void fillQueue(Campaign& campaign, const QString& folder, quint32 largest, const
     campaign.check(conversation.waitUntilHeard(reading), u"the listener beside the stopped one hears all"_s);
     campaign.check(conversation.waitUntilHeard(stopped), u"the stopped listener goes on"_s);
     campaign.check(conversation.missed(stopped, 0) == conversation.refused(0), u"exactly what was refused is missed"_s);
-    campaign.check(conversation.missed(reading, 0).empty(), u"the listener beside the stopped one misses nothing"_s);
+    campaign.check(!hasLoop || conversation.missed(reading, 0).empty(),
+                   u"the listener beside the stopped one misses nothing"_s);
     conversation.finish(stopped);
     conversation.finish(reading);
     conversation.endSenders();

@@ -107,7 +107,7 @@ def build(mutants):
     libraries = PLACE / "build"
     configure = ["cmake", "-S", str(TREE), "-B", str(libraries), "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
                  "-DCMAKE_CXX_FLAGS=-w", "-DZYN_BUILD_PROGRAMS=OFF", "-DZYN_BUILD_TESTS=OFF", "-DZYN_INSTALL=OFF",
-                 "-DZYN_BUILD_REFERENCE=OFF"]
+                 "-DZYN_BUILD_REFERENCE=OFF", "-DCMAKE_UNITY_BUILD=ON"]
     while True:
         write_tree(mutants)
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
@@ -173,8 +173,8 @@ class Test:
         return passed
 
 
-def all_tests():
-    shown = subprocess.run(["ctest", "--preset", "dev", "--show-only=json-v1"], cwd=ROOT, check=True,
+def all_tests(pattern):
+    shown = subprocess.run(["ctest", "--preset", "dev", "--show-only=json-v1", "-R", pattern], cwd=ROOT, check=True,
                            capture_output=True, text=True).stdout
     return [test for test in map(Test, json.loads(shown)["tests"]) if not test.is_disabled]
 
@@ -219,6 +219,7 @@ def arguments():
     parser.add_argument("files", nargs="*", help="only these sources of the libraries")
     parser.add_argument("--seed", type=int, help="where the choice begins (random)")
     parser.add_argument("--only", type=int, metavar="NUMBER", help="run all tests on one change, and name what fails")
+    parser.add_argument("--tests", default=".", metavar="PATTERN", help="run only these tests, as ctest -R names them")
     parser.add_argument("--list", action="store_true", help="only list the changes that would be tried")
     parser.add_argument("--json", metavar="FILE", help="write the result of each change to a file")
     return parser.parse_args()
@@ -245,7 +246,7 @@ def main():
     say(f"{len(pool)} changes; building with {len(chosen)}")
     chosen = build(chosen)[:options.count]
 
-    tests = all_tests()
+    tests = all_tests(options.tests)
     jobs = 1 if any(test.is_alone for test in tests) else os.cpu_count()
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         passed = list(pool.map(Test.rehearse, tests))

@@ -120,6 +120,9 @@ public:
         return {};
     }
 
+    /// The environment variable @p name.
+    Q_INVOKABLE QString variable(const QString& name) { return qEnvironmentVariable(qPrintable(name)); }
+
     /// Adds a push-to-talk call of a group with what no command of the tool sets, and the mark for strict read.
     Q_INVOKABLE bool addPttCall(int list, const QString& number, const QDateTime& start, int partyType, int idType)
     {

@@ -180,23 +180,13 @@
         <source>Hold to clear the number.</source>
         <translation>Halten löscht die Nummer.</translation>
     </message>
+    <message>
+        <source>Without a SIM card, only emergency numbers can be called.</source>
+        <translation>Ohne SIM-Karte können nur Notrufnummern gewählt werden.</translation>
+    </message>
 </context>
 <context>
     <name>FavouriteRow</name>
-    <message numerus="yes">
-        <source>%n missed call(s)</source>
-        <translation>
-            <numerusform>%n verpasster Anruf</numerusform>
-            <numerusform>%n verpasste Anrufe</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n unread message(s)</source>
-        <translation>
-            <numerusform>%n ungelesene Nachricht</numerusform>
-            <numerusform>%n ungelesene Nachrichten</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Empty place</source>
         <translation>Freier Platz</translation>
@@ -232,20 +222,6 @@
 </context>
 <context>
     <name>FavouriteTile</name>
-    <message numerus="yes">
-        <source>%n missed call(s)</source>
-        <translation>
-            <numerusform>%n verpasster Anruf</numerusform>
-            <numerusform>%n verpasste Anrufe</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n unread message(s)</source>
-        <translation>
-            <numerusform>%n ungelesene Nachricht</numerusform>
-            <numerusform>%n ungelesene Nachrichten</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Add</source>
         <translation>Neu</translation>
@@ -259,8 +235,8 @@
         <translation>Favorit hinzufügen</translation>
     </message>
     <message>
-        <source>Hold to see what happened with this number.</source>
-        <translation>Halten zeigt, was mit dieser Nummer war.</translation>
+        <source>hold to see what happened with this number</source>
+        <translation>halten zeigt, was mit dieser Nummer war</translation>
     </message>
 </context>
 <context>
@@ -727,6 +703,20 @@
         <source>Network denied</source>
         <translation>Netz verweigert</translation>
     </message>
+    <message numerus="yes">
+        <source>%n missed call(s)</source>
+        <translation>
+            <numerusform>%n verpasster Anruf</numerusform>
+            <numerusform>%n verpasste Anrufe</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n unread message(s)</source>
+        <translation>
+            <numerusform>%n ungelesene Nachricht</numerusform>
+            <numerusform>%n ungelesene Nachrichten</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>PushToTalkScreen</name>
@@ -1024,6 +1014,17 @@
     </message>
 </context>
 <context>
+    <name>zyn::qml::DeskNetwork</name>
+    <message>
+        <source>%1 is not a readable file of at most 1 MiB</source>
+        <translation>%1 ist keine lesbare Datei von höchstens 1 MiB</translation>
+    </message>
+    <message>
+        <source>The state of the handset cannot be written</source>
+        <translation>Der Zustand des Telefons kann nicht geschrieben werden</translation>
+    </message>
+</context>
+<context>
     <name>zyn::qml::EmergencyNumber</name>
     <message>
         <source>Emergency number</source>
@@ -1059,6 +1060,51 @@
     <message>
         <source>The favourites have not changed: start zyn-favourites, to which they belong, or see what it says</source>
         <translation>Die Favoriten haben sich nicht geändert: Starten Sie zyn-favourites, dem sie gehören, oder sehen Sie nach, was es meldet</translation>
+    </message>
+</context>
+<context>
+    <name>zyn::qml::PhoneCalls</name>
+    <message>
+        <source>A number has 1 to %1 digits or signs</source>
+        <translation>Eine Nummer hat 1 bis %1 Ziffern oder Zeichen</translation>
+    </message>
+</context>
+<context>
+    <name>zyn::qml::PhoneControlClient</name>
+    <message>
+        <source>The phone server does not answer</source>
+        <translation>Der Telefondienst antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The phone server has ended</source>
+        <translation>Der Telefondienst hat sich beendet</translation>
+    </message>
+    <message>
+        <source>The phone server gave an answer that no phone server gives</source>
+        <translation>Der Telefondienst gab eine Antwort, die kein Telefondienst gibt</translation>
+    </message>
+    <message>
+        <source>A text holds a character that cannot be sent</source>
+        <translation>Ein Text enthält ein Zeichen, das nicht gesendet werden kann</translation>
+    </message>
+    <message>
+        <source>That is more than the phone server takes at once</source>
+        <translation>Das ist mehr, als der Telefondienst auf einmal annimmt</translation>
+    </message>
+    <message>
+        <source>The phone server does not run</source>
+        <translation>Der Telefondienst läuft nicht</translation>
+    </message>
+    <message>
+        <source>Another user has taken the phone server&apos;s place</source>
+        <translation>Ein anderer Benutzer hat den Platz des Telefondienstes</translation>
+    </message>
+</context>
+<context>
+    <name>zyn::qml::PushToTalk</name>
+    <message>
+        <source>A push-to-talk call has 1 to %1 parties, each with a number</source>
+        <translation>Ein Sprechfunkruf hat 1 bis %1 Teilnehmer, jeden mit einer Nummer</translation>
     </message>
 </context>
 <context>

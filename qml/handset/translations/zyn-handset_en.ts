@@ -2,40 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
-    <name>FavouriteRow</name>
-    <message numerus="yes">
-        <source>%n missed call(s)</source>
-        <translation>
-            <numerusform>%n missed call</numerusform>
-            <numerusform>%n missed calls</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n unread message(s)</source>
-        <translation>
-            <numerusform>%n unread message</numerusform>
-            <numerusform>%n unread messages</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
-    <name>FavouriteTile</name>
-    <message numerus="yes">
-        <source>%n missed call(s)</source>
-        <translation>
-            <numerusform>%n missed call</numerusform>
-            <numerusform>%n missed calls</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n unread message(s)</source>
-        <translation>
-            <numerusform>%n unread message</numerusform>
-            <numerusform>%n unread messages</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
     <name>LockScreen</name>
     <message numerus="yes">
         <source>%n missed call(s)</source>
@@ -52,6 +18,23 @@
         <translation>
             <numerusform>%n missed call</numerusform>
             <numerusform>%n missed calls</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Phrases</name>
+    <message numerus="yes">
+        <source>%n missed call(s)</source>
+        <translation>
+            <numerusform>%n missed call</numerusform>
+            <numerusform>%n missed calls</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n unread message(s)</source>
+        <translation>
+            <numerusform>%n unread message</numerusform>
+            <numerusform>%n unread messages</numerusform>
         </translation>
     </message>
 </context>

@@ -56,13 +56,25 @@ TestCase {
         tryVerify(() => find(name) === null, patience, name)
     }
 
+    /// Waits until it is enabled and has its place.
+    function settled(name) {
+        let place = null
+        tryVerify(() => {
+            const item = find(name)
+            const before = place
+            place = item?.enabled && !find("screens")?.busy ? item.mapToItem(phone, item.width, item.height) : null
+            wait(30)
+            return place !== null && before !== null && place.x === before.x && place.y === before.y
+        }, patience, name)
+        return find(name)
+    }
+
     function tap(name) {
-        tryVerify(() => find(name) !== null && find(name).enabled && find(name).height > 0, patience, name)
-        mouseClick(find(name))
+        mouseClick(settled(name))
     }
 
     function hold(name) {
-        const item = shown(name)
+        const item = settled(name)
         mousePress(item)
         wait(Qt.styleHints.mousePressAndHoldInterval + 200)
         mouseRelease(item)

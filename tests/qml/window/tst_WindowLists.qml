@@ -8,11 +8,16 @@ Item {
     width: 360
     height: 720
 
+    Services {
+        id: services
+    }
     Phone {
         id: phone
 
+
         anchors.fill: parent
         focus: true
+        services: services
     }
 
     WindowCase {
@@ -28,6 +33,7 @@ Item {
         }
 
         function test_recents() {
+            compare(TestHandset.tools(["calls clear all"]), "")
             for (const [list, number] of [["answered", "0301"], ["missed", "0302"], ["dialed", "0303"],
                 ["dialed", "0304"]])
                 add(list, number)
@@ -79,7 +85,7 @@ Item {
             shown("favouriteLog")
             tap("tab_idle")
             // The handset keeps the end of the number; who was typed is known nevertheless.
-            tryVerify(() => find("favourite0").text === "Eve", patience)
+            tryVerify(() => find("favourite0")?.text === "Eve", patience)
             hold("favourite0")
             shown("activityScreen")
             keyClick(Qt.Key_Escape)
@@ -113,11 +119,11 @@ Item {
             tap("tab_recents")
             tryVerify(() => find("recentsPlaceholder")?.title === "The calls cannot be shown"
                 || find("recentsList").count > 0, patience)
-            Services.check()
-            verify(Services.fault.includes("recent-call"), Services.fault)
+            services.check()
+            verify(services.fault.includes("recent-call"), services.fault)
             shown("serviceBar")
             verify(TestHandset.start("zyn-recentcalld"))
-            Services.check()
+            services.check()
             isHidden("serviceBar")
         }
     }

@@ -10,7 +10,7 @@ Item {
 
     width: 900
     height: 720
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
     Rectangle {
@@ -20,6 +20,7 @@ Item {
     Phone {
         id: phone
 
+        anchors.left: parent.left
         width: 360
         height: parent.height
         focus: true
@@ -82,7 +83,7 @@ Item {
                 row.open()
                 wait(300)
                 const all = itemsOf(root, item => item.visible && item instanceof Text
-                    && /[A-Za-z]{4,}/.test(item.text)).map(item => item.text)
+                    && /^\D*[A-Za-z]{4,}\D*$/.test(item.text)).map(item => item.text)
                 cleanup()
                 return all
             }
