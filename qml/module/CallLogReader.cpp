@@ -1,7 +1,9 @@
 // Reads the log of recent calls beside the thread of the user interface, and again when it has changed.
 #include "qml/module/CallLogReader.h"
 
+#include "platform/posix/UnixSocket_p.h"
 #include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RecentCall_Client_p.h"
 
 #include <algorithm>
 #include <iterator>
@@ -80,25 +82,32 @@ void CallLogReader::send(const CallSelection& selection)
 {
     m_isReading = true;
     m_begins();
-    runBeside(
-        Lane::CallLog, this, [selection] { return fetchCalls(selection); },
-        [this, selection](const Calls& calls) { end(selection, calls); });
+    const auto fetch = [selection] {
+        Calls calls = fetchCalls(selection);
+        const bool isServed = calls || posix::isServed(recentcall::kSocketPath);
+        return std::pair(std::move(calls), isServed);
+    };
+    runBeside(Lane::CallLog, this, fetch, [this, selection](const std::pair<Calls, bool>& result) {
+        end(selection, result.first, result.second);
+    });
 }
 
-void CallLogReader::end(const CallSelection& selection, const Calls& calls)
+void CallLogReader::end(const CallSelection& selection, const Calls& calls, bool isServed)
 {
     m_isReading = false;
-    noteAnswer(calls.has_value());
+    noteAnswer(calls.has_value(), isServed);
     m_ends(selection, calls);
     if (const auto next = std::exchange(m_next, std::nullopt))
         read(*next);
 }
 
-void CallLogReader::noteAnswer(bool isThere)
+void CallLogReader::noteAnswer(bool isThere, bool isServed)
 {
     const bool wasThere = m_pause == kFirstRetry;
     if (!isThere) {
-        m_retry.start(m_pause);
+        // A service that starts announces itself.
+        if (isServed || m_pause < kSlowestRetry)
+            m_retry.start(m_pause);
         m_pause = std::min<std::chrono::milliseconds>(2 * m_pause, kSlowestRetry);
     } else if (!wasThere) {
         m_retry.stop();

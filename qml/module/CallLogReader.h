@@ -37,7 +37,8 @@ bool isAnswered(int result);
  * Reads the calls of a selection, one request at a time.
  *
  * Says when they are to be read again: when the log has changed, and, while the service does not answer, now and then,
- * as one that has hung does not announce that it goes on. For the thread of the user interface.
+ * as one that has hung does not announce that it goes on. One that does not run is waited for without that after a
+ * while. For the thread of the user interface.
  */
 class CallLogReader : public QObject
 {
@@ -68,8 +69,8 @@ Q_SIGNALS:
 
 private:
     void send(const CallSelection& selection);
-    void end(const CallSelection& selection, const Calls& calls);
-    void noteAnswer(bool isThere);
+    void end(const CallSelection& selection, const Calls& calls, bool isServed);
+    void noteAnswer(bool isThere, bool isServed);
 
     const std::shared_ptr<CallLogChanges> m_changes = CallLogChanges::shared();
     const std::function<void()> m_begins;

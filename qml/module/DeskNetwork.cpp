@@ -4,6 +4,7 @@
 #include "handset/common/ScriptReader.h"
 #include "platform/HandsetState_p.h"
 #include "platform/posix/File_p.h"
+#include "qml/module/HandsetFiles.h"
 #include "qml/module/Lanes.h"
 #include "qml/module/PhoneControlClient.h"
 
@@ -52,8 +53,8 @@ DeskNetwork::DeskNetwork(QObject* parent)
     m_next.setSingleShot(true);
     m_next.setTimerType(Qt::PreciseTimer);
     connect(&m_next, &QTimer::timeout, this, &DeskNetwork::playNext);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &DeskNetwork::refreshStates);
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &DeskNetwork::refreshStates);
+    connect(&m_watch, &FileWatch::changed, this, &DeskNetwork::refreshStates);
+    m_watch.setFiles({deskStateFile()});
     refreshStates();
 }
 
@@ -205,23 +206,6 @@ void DeskNetwork::setRunning(bool isRunning)
         Q_EMIT scriptRunningChanged();
 }
 
-/// Watches the state file, and its folder, where it is written anew; until that is there, the one above it.
-void DeskNetwork::watchStates()
-{
-    QFileInfo folder(settingsDirectory());
-    while (!folder.exists() && !folder.isRoot())
-        folder.setFile(folder.path());
-    QStringList wanted{folder.filePath()};
-    if (const QString file = handset::stateFile(); QFileInfo::exists(file))
-        wanted += file;
-    for (const QString& path : m_watcher.directories() + m_watcher.files()) {
-        if (wanted.removeAll(path) == 0)
-            m_watcher.removePath(path);
-    }
-    if (!wanted.isEmpty())
-        m_watcher.addPaths(wanted);
-}
-
 DeskNetwork::States DeskNetwork::readStates()
 {
     return {.isKeypadLocked = handset::readState(handset::kKeypadLock) != 0,
@@ -230,7 +214,6 @@ DeskNetwork::States DeskNetwork::readStates()
 
 void DeskNetwork::refreshStates()
 {
-    watchStates();
     runBeside(Lane::Files, this, readStates, [this](const States& states) { noteStates(states); });
 }
 

@@ -1,7 +1,8 @@
 // What the network and the other parties do to a handset on a desk.
 #pragma once
 
-#include <QtCore/QFileSystemWatcher>
+#include "qml/module/FileWatch.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -117,7 +118,6 @@ private:
     void waitForNext();
     void playNext();
     void setRunning(bool isRunning);
-    void watchStates();
     void refreshStates();
     void noteStates(const States& states);
     void store(const char* key, int value);
@@ -128,7 +128,7 @@ private:
     int m_run = 0; ///< counts the scripts, so that what comes late of one is known
     bool m_isRunning = false;
     QTimer m_next;
-    QFileSystemWatcher m_watcher;
+    FileWatch m_watch;
     States m_states;
 };
 

@@ -12,6 +12,9 @@ EmergencyNumber::Verdict verdictOn(const QString& text)
 {
     if (text.isEmpty())
         return EmergencyNumber::Empty;
+    // The library would take what is before a NUL for the whole.
+    if (text.contains(QChar::Null))
+        return EmergencyNumber::Refused;
     QByteArray number = text.toLatin1();
     if (PHONE_IsEmergencyCallNumber(number.data()))
         return EmergencyNumber::Emergency;
@@ -29,8 +32,11 @@ void EmergencyNumber::setText(const QString& text)
     if (m_text == text)
         return;
     m_text = text;
+    // Before anything is told: nobody is to see the new text with the verdict on the old one.
+    const Verdict before = std::exchange(m_verdict, verdictOn(m_text));
     Q_EMIT textChanged();
-    refresh();
+    if (m_verdict != before)
+        Q_EMIT verdictChanged();
 }
 
 QString EmergencyNumber::reason() const

@@ -109,6 +109,7 @@ void FavouritesModel::fetch()
         }
         finish(favourites.areKnown ? QString() : favouritesProblem());
         endChanges();
+        forgetAnnounced();
     });
 }
 
@@ -237,6 +238,15 @@ void FavouritesModel::endChanges()
     });
     for (const QString& outcome : outcomes)
         finish(outcome);
+}
+
+/// Forgets the whole numbers of those who are no favourites and are to become none: who comes under their key later may
+/// have another.
+void FavouritesModel::forgetAnnounced()
+{
+    m_announcedUnder.removeIf([this](const QHash<QString, QString>::iterator& announced) {
+        return !has(announced.key()) && std::ranges::find(m_changes, announced.key(), &Change::newKey) == m_changes.end();
+    });
 }
 
 } // namespace zyn::qml

@@ -92,6 +92,7 @@ private:
     void noteCalls(const CallLogReader::Calls& calls);
     void show();
     void endChanges();
+    void forgetAnnounced();
 
     FileWatch m_watch;
     CallLogReader m_callLog;

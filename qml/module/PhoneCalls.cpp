@@ -15,6 +15,7 @@ namespace zyn::qml {
 namespace {
 
 static_assert(std::size(phonecontrol::kCallStates) == size_t{PhoneCalls::Failed} + 1);
+static_assert(kFirstOver == PhoneCalls::Ended);
 
 /// The most characters of a number, as a record has room for.
 constexpr qsizetype kLongestNumber = sizeof(voicecall::SimCall::number) - 1;
@@ -57,15 +58,14 @@ public:
     {
         std::vector<LineCall> calls = rows();
         const auto known = std::ranges::find(calls, call.id, &LineCall::id);
-        const bool isOver = call.state >= PhoneCalls::Ended;
         if (known != calls.end())
             *known = call;
-        else if (!isOver)
+        else if (!call.isOver())
             calls.push_back(call);
         setRows(calls);
-        if (isOver && std::erase_if(calls, [&](const LineCall& other) { return other.id == call.id; }) > 0)
+        if (call.isOver() && std::erase_if(calls, [&](const LineCall& other) { return other.id == call.id; }) > 0)
             setRows(std::move(calls));
-        return !isOver;
+        return !call.isOver();
     }
 
     /// Nothing is known any more, because of @p reason.

@@ -330,6 +330,8 @@ bool PhoneControlClient::takeCalls(const QByteArray& json)
             return false;
         calls.push_back(std::move(*call));
     }
+    m_onLine.clear();
+    std::ranges::transform(calls, std::back_inserter(m_onLine), &LineCall::id);
     setFollowing(true);
     Q_EMIT callsTold(calls);
     return true;
@@ -338,9 +340,19 @@ bool PhoneControlClient::takeCalls(const QByteArray& json)
 bool PhoneControlClient::takeChange(const QByteArray& json)
 {
     const std::optional<LineCall> call = callFrom(QJsonDocument::fromJson(json).object());
-    if (call)
-        Q_EMIT callChanged(*call);
-    return call.has_value();
+    if (!call || !noteChange(*call))
+        return false;
+    Q_EMIT callChanged(*call);
+    return true;
+}
+
+/// Notes whether @p call is on the line now; false when no line has that many.
+bool PhoneControlClient::noteChange(const LineCall& call)
+{
+    std::erase(m_onLine, call.id);
+    if (!call.isOver())
+        m_onLine.push_back(call.id);
+    return std::ssize(m_onLine) <= kMostCalls;
 }
 
 /// The connection is over. A server that was well until now comes back at once, as a rule.

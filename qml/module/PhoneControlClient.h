@@ -23,6 +23,9 @@
 
 namespace zyn::qml {
 
+/// The first of phonecontrol::kCallStates that a call has when it is over; all behind it are such.
+inline constexpr int kFirstOver = 6;
+
 /// One call of the line, as the phone server tells it.
 struct LineCall
 {
@@ -35,6 +38,8 @@ struct LineCall
     QDateTime since;
 
     int key() const { return id; }
+    /// Whether it is on the line no more.
+    bool isOver() const { return state >= kFirstOver; }
     bool operator==(const LineCall&) const = default;
 };
 
@@ -87,6 +92,7 @@ private:
     bool take(int32_t code, const QByteArray& data);
     bool takeCalls(const QByteArray& json);
     bool takeChange(const QByteArray& json);
+    bool noteChange(const LineCall& call);
     void lose(const QString& reason);
     void setFollowing(bool isFollowing);
 
@@ -96,6 +102,7 @@ private:
     QElapsedTimer m_connected;
     Connection* m_connection = nullptr; ///< a child of this object
     bool m_isFollowing = false;
+    std::vector<int> m_onLine; ///< the ids of the calls on the line
 };
 
 } // namespace zyn::qml

@@ -104,8 +104,8 @@ void PhoneStatus::followTexts()
     follow(&Client::signalHomeZoneName, &Status::m_homeZone, &Status::homeZoneChanged);
     follow(&Client::signalWifiProfileName, &Status::m_wifiProfile, &Status::wifiProfileChanged);
     connect(&m_client, &Client::signalSpnNameExtend, this, [this](const SERVICE_PROVIDER_DATA_S& provider) {
-        assign<QVariant>(&Status::m_providerName, provider.name, &Status::providerNameChanged);
-        assign<int>(&Status::m_providerFlag, provider.flag, &Status::providerFlagChanged);
+        tell({set<QVariant>(&Status::m_providerName, provider.name, &Status::providerNameChanged),
+              set<int>(&Status::m_providerFlag, provider.flag, &Status::providerFlagChanged)});
     });
     connect(&m_client, &Client::signalImsiId, this,
             [this](const UINT8* imsi) { assign<QVariant>(&Status::m_imsi, imsiText(imsi), &Status::imsiChanged); });
@@ -117,10 +117,10 @@ void PhoneStatus::followCounters()
     using Status = PhoneStatus;
     connect(&m_client, &Client::signalTotalDataBytes, this,
             [this](bool connected, UINT32 total, UINT32 sent, UINT32 received) {
-                assign<int>(&Status::m_dataConnected, connected, &Status::dataConnectedChanged);
-                assign<double>(&Status::m_totalBytes, total, &Status::totalBytesChanged);
-                assign<double>(&Status::m_sentBytes, sent, &Status::sentBytesChanged);
-                assign<double>(&Status::m_receivedBytes, received, &Status::receivedBytesChanged);
+                tell({set<int>(&Status::m_dataConnected, connected, &Status::dataConnectedChanged),
+                      set<double>(&Status::m_totalBytes, total, &Status::totalBytesChanged),
+                      set<double>(&Status::m_sentBytes, sent, &Status::sentBytesChanged),
+                      set<double>(&Status::m_receivedBytes, received, &Status::receivedBytesChanged)});
             });
     connect(&m_client, &Client::signalSessionDataBytes, this,
             [this](UINT8 session, bool connected, UINT32 total, UINT32 sent, UINT32 received) {
@@ -180,12 +180,27 @@ void PhoneStatus::hear()
         Q_EMIT heardChanged();
 }
 
+/// Sets what a message tells; the signal of that, if it is another than before.
 template<typename Value>
-void PhoneStatus::assign(Value PhoneStatus::*member, const Value& value, void (PhoneStatus::*changed)())
+PhoneStatus::Change PhoneStatus::set(Value PhoneStatus::*member, const Value& value, Change changed)
+{
+    return std::exchange(this->*member, value) != value ? changed : nullptr;
+}
+
+/// Tells of the @p changes of one message, all of which are set, so that nobody sees the half of it.
+void PhoneStatus::tell(std::initializer_list<Change> changes)
 {
     hear();
-    if (std::exchange(this->*member, value) != value)
-        Q_EMIT(this->*changed)();
+    for (const Change changed : changes) {
+        if (changed)
+            Q_EMIT(this->*changed)();
+    }
+}
+
+template<typename Value>
+void PhoneStatus::assign(Value PhoneStatus::*member, const Value& value, Change changed)
+{
+    tell({set(member, value, changed)});
 }
 
 template<typename Argument>

@@ -8,6 +8,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <cstdint>
+#include <initializer_list>
 
 namespace zyn::qml {
 
@@ -39,7 +40,7 @@ class PhoneStatus : public QObject
     Q_PROPERTY(int simCard READ simCard NOTIFY simCardChanged FINAL)
     /// What the SIM card asks for, one of Pin.
     Q_PROPERTY(int pin READ pin NOTIFY pinChanged FINAL)
-    /// The subsidy lock: 0 open, 1 locked, as zyn-phoned counts.
+    /// The subsidy lock: 0 open, 1 locked, 2 not known, as zyn-phoned counts.
     Q_PROPERTY(int subsidyLock READ subsidyLock NOTIFY subsidyLockChanged FINAL)
     /// The charger, one of Charger.
     Q_PROPERTY(int charger READ charger NOTIFY chargerChanged FINAL)
@@ -277,8 +278,12 @@ private:
     void followEvents();
     void tellNetworks(int kind, const TAPI_NETWORK_NOTIFY_PREFERED_LIST_MSG_S& list);
     void hear();
+    using Change = void (PhoneStatus::*)();
     template<typename Value>
-    void assign(Value PhoneStatus::*member, const Value& value, void (PhoneStatus::*changed)());
+    Change set(Value PhoneStatus::*member, const Value& value, Change changed);
+    void tell(std::initializer_list<Change> changes);
+    template<typename Value>
+    void assign(Value PhoneStatus::*member, const Value& value, Change changed);
     template<typename Argument>
     void follow(void (PHONE_MsgClient::*signal)(Argument), int PhoneStatus::*member, void (PhoneStatus::*changed)());
     void follow(void (PHONE_MsgClient::*signal)(QString), QVariant PhoneStatus::*member,

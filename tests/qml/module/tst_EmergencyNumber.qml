@@ -7,7 +7,11 @@ import ZynPhone.Testing
 TestCase {
     name: "EmergencyNumber"
 
-    EmergencyNumber { id: number }
+    EmergencyNumber {
+        id: number
+        property int verdictWithText
+        onTextChanged: verdictWithText = verdict
+    }
     SignalSpy { id: verdicts; target: number; signalName: "verdictChanged" }
 
     function initTestCase() {
@@ -21,6 +25,7 @@ TestCase {
             { tag: "whole", text: "112", verdict: EmergencyNumber.Emergency },
             { tag: "too long", text: "1123", verdict: EmergencyNumber.Refused },
             { tag: "another", text: "0301", verdict: EmergencyNumber.Refused },
+            { tag: "a NUL behind one", text: "112\u00005", verdict: EmergencyNumber.Refused },
             { tag: "no Latin-1", text: "\u0661\u0661\u0662", verdict: EmergencyNumber.Refused }
         ]
     }
@@ -28,6 +33,7 @@ TestCase {
     function test_typing(row) {
         number.text = row.text
         compare(number.verdict, row.verdict)
+        compare(number.verdictWithText, row.verdict)
         compare(number.emergency, row.verdict === EmergencyNumber.Emergency)
         compare(number.reason === "", row.verdict === EmergencyNumber.Empty)
     }

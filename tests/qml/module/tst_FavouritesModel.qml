@@ -104,6 +104,12 @@ TestCase {
         compare(TestHandset.tools(["favourites announce 2223333 ''"]), "")
         tryNumbers(["", "", "7654321", "", ""])
         compare(TestHandset.tool("favourites list --json").includes("7654321"), true)
+        // Who comes under the same key later is somebody else.
+        compare(TestHandset.tools(["favourites announce 7654321 ''"]), "")
+        tryNumbers(["", "", "", "", ""])
+        compare(TestHandset.tools(["favourites announce '' 0407654321"]), "")
+        tryNumbers(["7654321", "", "", "", ""])
+        compare(list.itemAt(0).dialNumber, "7654321")
     }
 
     function test_dialNumber() {

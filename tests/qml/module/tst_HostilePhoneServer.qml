@@ -43,6 +43,7 @@ TestCase {
         const many = []
         for (let id = 1; id <= 65; ++id)
             many.push(call({ id: id }))
+        const oneByOne = [frame(calls, [])].concat(many.map(call => frame(changed, call)))
         return [
             { tag: "no JSON", frames: [{ code: calls, data: "[" }] },
             { tag: "no data", frames: [{ code: calls, data: "" }] },
@@ -55,6 +56,7 @@ TestCase {
             { tag: "no time", frames: [frame(calls, [call({ since: "yesterday" })])] },
             { tag: "twice", frames: [frame(calls, [call(), call()])] },
             { tag: "too many", frames: [frame(calls, many)] },
+            { tag: "too many one by one", frames: oneByOne, arrives: true },
             { tag: "deep", frames: [{ code: calls, data: "[".repeat(100000) }] },
             { tag: "negative length", frames: [{ code: calls, data: "", length: -1 }] },
             { tag: "giant length", frames: [{ code: calls, data: "", length: 1024 * 1024 + 1 }] },

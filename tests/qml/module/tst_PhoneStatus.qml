@@ -29,6 +29,30 @@ TestCase {
             compare(PhoneStatus[name], undefined, name)
     }
 
+    /// Whoever is told of one value of a message finds the others.
+    function test_wholeMessages_data() {
+        return [
+            { tag: "provider", first: "provider-name '' 0", second: "provider-name Grün 7", told: "providerName",
+              others: { providerFlag: 7 } },
+            { tag: "bytes", first: "total-bytes 0 1 1 1", second: "total-bytes 1 9 5 4", told: "dataConnected",
+              others: { totalBytes: 9, sentBytes: 5, receivedBytes: 4 } }
+        ]
+    }
+
+    function test_wholeMessages(row) {
+        tell([row.first])
+        const found = {}
+        const look = () => {
+            for (const name in row.others)
+                found[name] = PhoneStatus[name]
+        }
+        const changed = PhoneStatus[row.told + "Changed"]
+        changed.connect(look)
+        tell([row.second])
+        changed.disconnect(look)
+        compare(found, row.others)
+    }
+
     // Sends the messages, and one more, so that all before it have been read.
     function tell(messages) {
         const before = refreshed.count
