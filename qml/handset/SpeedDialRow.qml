@@ -1,6 +1,4 @@
 // A place of speed dial: the key, and the number that holding it calls, which is edited here.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Layouts
 
@@ -62,6 +60,8 @@ ColumnLayout {
         Layout.fillWidth: true
         active: row.editing
         visible: active
+        // A Loader of Qt 6.4 makes no component that is bound.
+        // qmllint disable unqualified
         sourceComponent: NumberEditor {
             namable: false
             prompt: qsTr("Number for key %1").arg(row.key)
@@ -72,5 +72,6 @@ ColumnLayout {
             }
             onCancelled: row.editing = false
         }
+        // qmllint enable unqualified
     }
 }

@@ -28,7 +28,7 @@ TestCase {
         compare(component.errorString(), "")
         const example = createTemporaryObject(component, test)
         verify(example instanceof Item)
-        verify(example.width > 0 && example.height > 0)
+        tryVerify(() => example.width > 0 && example.height > 0)
         wait(100) // for what is fetched, where somebody answers
     }
 
