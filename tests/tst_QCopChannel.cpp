@@ -3,6 +3,7 @@
 #include "platform/posix/UnixSocket_p.h"
 #include "platform/qcop/ChannelFrame_p.h"
 #include "tests/support/Descriptors.h"
+#include "tests/support/OtherUser.h"
 #include "tests/support/Scenario.h"
 #include "tests/support/Timeout.h"
 
@@ -423,6 +424,20 @@ private Q_SLOTS:
             QCOMPARE(early[i],
                      isGathered && i >= 16 ? QByteArrayList() : QByteArrayList{'n' + QByteArray(1, char('a' + i))});
         QCOMPARE(receiveBare(sender, reader).size(), isGathered ? 4 : 0);
+        ::unlink(socketPath("bare").constData());
+    }
+
+    void sendsNothingToAnotherUsersListener()
+    {
+        const UniqueFd listener = listenBare();
+        if (::seteuid(otheruser::kNumber) != 0)
+            QSKIP("only root can be somebody else");
+        const bool isTheirs = ::listen(listener.get(), 1) == 0;
+        QVERIFY(::seteuid(0) == 0 && isTheirs);
+        QVERIFY(!QCopChannel::send("c", "secret"));
+        const UniqueFd connection = zyn::posix::acceptConnection(listener.get());
+        std::byte byte{};
+        QVERIFY(zyn::posix::receiveSome(connection.get(), std::span(&byte, 1)) <= 0);
         ::unlink(socketPath("bare").constData());
     }
 

@@ -408,7 +408,7 @@ void clients(Campaign& campaign)
         most[name] = std::max(most.value(name), value);
         campaign.measure(name, most.value(name));
     };
-    const qint64 rounds = campaign.length(10, 2);
+    const qint64 rounds = campaign.length(10, 1);
     for (qint64 round = 0; round < rounds; ++round) {
         for (const Door& door : all) {
             const pid_t service = services[door.program].id();
