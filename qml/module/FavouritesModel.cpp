@@ -245,7 +245,8 @@ void FavouritesModel::endChanges()
 void FavouritesModel::forgetAnnounced()
 {
     m_announcedUnder.removeIf([this](const QHash<QString, QString>::iterator& announced) {
-        return !has(announced.key()) && std::ranges::find(m_changes, announced.key(), &Change::newKey) == m_changes.end();
+        return !has(announced.key())
+               && std::ranges::find(m_changes, announced.key(), &Change::newKey) == m_changes.end();
     });
 }
 
