@@ -8,6 +8,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QFileSystemWatcher>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
@@ -166,6 +167,16 @@ public:
     Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}
+
+    /// How often something happens in or to @p folder in @p time milliseconds.
+    Q_INVOKABLE int changesOf(const QString& folder, int time)
+    {
+        int count = 0;
+        const QFileSystemWatcher watcher({folder});
+        connect(&watcher, &QFileSystemWatcher::directoryChanged, this, [&count] { ++count; });
+        QTest::qWait(time);
+        return count;
+    }
 
     /// Plays a phone server that sends @p frames to each client. A frame has a `code` and `data`, and a `length` if
     /// that is to lie.
