@@ -17,6 +17,7 @@
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <span>
@@ -124,6 +125,26 @@ public:
     /// The environment variable @p name.
     Q_INVOKABLE QString variable(const QString& name) { return qEnvironmentVariable(qPrintable(name)); }
 
+    /// Adds calls that begin now to the log, each a list of its category, its number and, if it is no voice call, its
+    /// type.
+    Q_INVOKABLE bool addCalls(const QVariantList& calls)
+    {
+        return std::ranges::all_of(calls, [](const QVariant& call) {
+            const QVariantList parts = call.toList();
+            RC_RecordInterfaceImpl record(parts.value(1).toString(), QDateTime::currentDateTime(), 0);
+            record.setCategory(RC_CALL_CATEGORY_T{parts.value(0).toInt()});
+            record.setCallType(RC_CALL_TYPE_T{parts.value(2, int{RC_CALL_TYPE_VOICE}).toInt()});
+            return RC_Interface().addRecord(record) == 0;
+        });
+    }
+    /// Deletes the calls of all lists and of the types that have names.
+    Q_INVOKABLE bool clearCalls()
+    {
+        constexpr RC_CALL_TYPE_T kTypes[] = {RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
+        return std::ranges::all_of(kTypes, [](RC_CALL_TYPE_T type) {
+            return RC_Interface().deleteRecordAll(RC_CALL_CATEGORY_ALL, type) == 0;
+        });
+    }
     /// Adds a push-to-talk call of a group with what no command of the tool sets, and the mark for strict read.
     Q_INVOKABLE bool addPttCall(int list, const QString& number, const QDateTime& start, int partyType, int idType)
     {
