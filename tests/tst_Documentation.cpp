@@ -47,7 +47,7 @@ const QString& sources()
 {
     static const QString text = [] {
         QString all;
-        for (const char* folder : {"examples", "handset", "platform", "recentcall", "tools", "utility"}) {
+        for (const char* folder : {"examples", "handset", "platform", "qml", "recentcall", "tools", "utility"}) {
             QDirIterator files(kSource + QLatin1String(folder), {u"*.h"_s, u"*.cpp"_s, u"*.c"_s}, QDir::Files,
                                QDirIterator::Subdirectories);
             while (files.hasNext())
@@ -458,7 +458,7 @@ private Q_SLOTS:
                 missing += link;
         }
         static const QRegularExpression path(
-            u"^(cmake|docs|examples|handset|platform|recentcall|scripts|tests|tools|utility)/[\\w./-]*$"_s);
+            u"^(cmake|docs|examples|handset|platform|qml|recentcall|scripts|tests|tools|utility)/[\\w./-]*$"_s);
         static const QRegularExpression function(u"^[\\w:]+(\\(\\)|::\\w+)$"_s);
         for (const QString& token : capturesOf(text, kBackticked)) {
             if (path.match(token).hasMatch() && !QFileInfo::exists(kSource + token))

@@ -232,8 +232,12 @@ void tst_Socket_Command::connectsOrFails()
 
     // Nobody accepts: each takes a place of the backlog, until one has to wait.
     std::vector<UniqueFd> clients;
-    clients.push_back(connectUnix(path(longest), kTimeout));
+    clients.push_back(connectUnix(path(longest), 19'900ms));
     QVERIFY(clients.back().isValid());
+    timeval sends = {};
+    socklen_t size = sizeof sends;
+    QVERIFY(::getsockopt(clients.back().get(), SOL_SOCKET, SO_SNDTIMEO, &sends, &size) == 0);
+    QCOMPARE(sends.tv_sec * 1000 + sends.tv_usec / 1000, 19'900);
     while (clients.back().isValid() && clients.size() < 20)
         clients.push_back(connectUnix(path(longest), 50ms));
     QVERIFY(!clients.back().isValid());

@@ -6,6 +6,8 @@ Row {
 
     /// In percent; less than 0 is unknown.
     property int capacity: -1
+    /// Shows the picture alone.
+    property bool compact: false
     property bool charging: false
     property bool low: false
 
@@ -16,7 +18,7 @@ Row {
 
     PhoneText {
         anchors.verticalCenter: parent.verticalCenter
-        visible: battery.capacity >= 0
+        visible: battery.capacity >= 0 && !battery.compact
         font.pixelSize: Theme.small
         text: qsTr("%1 %").arg(battery.capacity)
         Accessible.ignored: true

@@ -17,8 +17,8 @@ ApplicationWindow {
 
     width: Math.round(Theme.base * 30)
     height: Math.round(Theme.base * 60)
-    minimumWidth: Math.round(Theme.base * 20)
-    minimumHeight: Math.round(Theme.base * 36)
+    minimumWidth: Math.round(Theme.base * 24)
+    minimumHeight: Math.round(Theme.base * 40)
     visible: true
     title: qsTr("Phone")
     color: Theme.background

@@ -115,52 +115,18 @@ FocusScope {
             phone.services?.check()
         }
     }
-    Connections {
-        target: RecentScreens
-
-        function onPageRequested(page) {
-            const picking = page === RecentScreens.PickerPage
-            Navigation.go("recents", {"picking": picking, "category": picking ? RecentCallsModel.All : page})
-        }
-        function onDetailsRequested(index, category) {
-            Navigation.go("recents", {"category": category, "openRow": index})
-        }
-        function onHideRequested() {
-            if (Navigation.tab !== "recents")
-                return
-            Navigation.go("idle")
-            RecentScreens.reportDismissed()
-        }
-    }
+    ScreenRequests {}
 
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
 
-        RowLayout {
+        PhoneHeader {
             Layout.fillWidth: true
+            Layout.minimumWidth: 0
             Layout.preferredHeight: Theme.base * 2.8
-            Layout.fillHeight: false
-            spacing: 0
-
-            StatusBar {
-                objectName: "statusBar"
-                Layout.fillWidth: true
-            }
-            PhoneButton {
-                objectName: "panelButton"
-                Layout.preferredHeight: Theme.base * 2.2
-                Layout.rightMargin: Theme.gap
-                visible: phone.hasFoldedPanel
-                bare: true
-                padding: 0
-                implicitWidth: Theme.touch
-                tone: PhoneButton.Soft
-                symbol: "network"
-                symbolSize: Theme.base * 1.5
-                text: qsTr("Play the network")
-                onClicked: phone.panelRequested()
-            }
+            hasFoldedPanel: phone.hasFoldedPanel
+            onPanelRequested: phone.panelRequested()
         }
         ServiceBar {
             Layout.fillWidth: true

@@ -41,19 +41,18 @@ ColumnLayout {
             PhoneText {
                 Layout.fillWidth: true
                 font.pixelSize: Theme.small
-                wrapMode: Text.WrapAnywhere
+                wrapMode: Text.Wrap
                 text: parent.modelData[1]
             }
         }
     }
-    RowLayout {
+    Flow {
+        Layout.fillWidth: true
         Layout.topMargin: Theme.gap
         spacing: Theme.gap
 
         PhoneButton {
             objectName: "makeFavouriteButton"
-            Layout.fillWidth: true
-            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "star"
@@ -64,8 +63,6 @@ ColumnLayout {
         }
         PhoneButton {
             objectName: "editNumberButton"
-            Layout.fillWidth: true
-            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "edit"
@@ -77,8 +74,6 @@ ColumnLayout {
         }
         PhoneButton {
             objectName: "deleteButton"
-            Layout.fillWidth: true
-            leftPadding: Theme.gap
             tone: PhoneButton.Soft
             font.pixelSize: Theme.small
             symbol: "delete"

@@ -74,6 +74,7 @@ RowLayout {
     }
     BatterySymbol {
         objectName: "battery"
+        compact: bar.width < Theme.base * 24
         capacity: PhoneStatus.batteryCapacity
         charging: PhoneStatus.charger === PhoneStatus.Charging
         low: PhoneStatus.batteryStatus === PhoneStatus.BatteryLow

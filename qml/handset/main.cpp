@@ -57,8 +57,9 @@ void addOptions(handset::CommandLine& commandLine)
     commandLine.add(QCommandLineOption(kNoServices, u"Start no services: others do."_s));
     commandLine.add(QCommandLineOption(kTheme, u"Be light or dark, whatever the system is."_s, u"theme"_s), kThemes);
     commandLine.add(QCommandLineOption(kLanguage, u"Speak this language, such as de, not the system's."_s, u"code"_s));
-    commandLine.add(QCommandLineOption(kPage, u"Begin with this screen: idle, recents, dialer, favourites or "
-                                              "pushToTalk (idle)."_s,
+    commandLine.add(QCommandLineOption(kPage,
+                                       u"Begin with this screen: idle, recents, dialer, favourites or "
+                                       "pushToTalk (idle)."_s,
                                        u"screen"_s, kPages.first()),
                     kPages);
 }

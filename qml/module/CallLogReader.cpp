@@ -87,9 +87,8 @@ void CallLogReader::send(const CallSelection& selection)
         const bool isServed = calls || posix::isServed(recentcall::kSocketPath);
         return std::pair(std::move(calls), isServed);
     };
-    runBeside(Lane::CallLog, this, fetch, [this, selection](const std::pair<Calls, bool>& result) {
-        end(selection, result.first, result.second);
-    });
+    runBeside(Lane::CallLog, this, fetch,
+              [this, selection](const std::pair<Calls, bool>& result) { end(selection, result.first, result.second); });
 }
 
 void CallLogReader::end(const CallSelection& selection, const Calls& calls, bool isServed)

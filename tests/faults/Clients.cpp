@@ -321,17 +321,17 @@ milliseconds Crowd::serve()
     const auto isWaiting = [](const Honest& client) { return !client.served && !client.isWrong; };
     while (std::ranges::any_of(m_honest, isWaiting) && Clock::now() < deadline) {
         std::vector<pollfd> waiting;
-        std::vector<Honest*> clients;
+        std::vector<Honest*> asked;
         for (Honest& client : m_honest) {
             if (isWaiting(client)) {
                 waiting.push_back({client.connection.get(), POLLIN, 0});
-                clients.push_back(&client);
+                asked.push_back(&client);
             }
         }
         ::poll(waiting.data(), waiting.size(), int(kTurn.count()));
         for (size_t i = 0; i < waiting.size(); ++i) {
             if (waiting[i].revents != 0)
-                hear(*clients[i]);
+                hear(*asked.at(i));
         }
     }
     for (const Honest& client : m_honest) {

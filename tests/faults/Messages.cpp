@@ -43,9 +43,9 @@ constexpr qint64 kUsualGrowth = qint64{48} * 1024;
 /// What waits for one listener at most, in KiB, and what the kernel holds beside that.
 constexpr qint64 kQueueLimit = qint64{16} * 1024;
 constexpr qint64 kSocketBuffers = 1024;
-/// The most that a sender takes for that, in KiB: a buffer that grows is there twice for a moment, and on a busy
-/// machine some waits for the listener that reads.
-constexpr qint64 kFullGrowth = 3 * kQueueLimit;
+/// The most that a sender takes for that, in KiB: on a busy machine as much waits for the listener that reads, a buffer
+/// that grows is there twice for a moment, and so are a message and its frame.
+constexpr qint64 kFullGrowth = 3 * kQueueLimit + 4 * qint64{1024};
 /// How much is sent, in bytes, before the listener that reads is waited for, and for how long nothing comes when the
 /// rest waits in a sender without a loop.
 constexpr quint32 kStep = 4 * 1024 * 1024;

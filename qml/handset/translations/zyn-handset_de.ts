@@ -606,12 +606,15 @@
         <translation>Der Anruf bei %1 kam nicht zustande.</translation>
     </message>
     <message>
-        <source>Play the network</source>
-        <translation>Netz spielen</translation>
-    </message>
-    <message>
         <source>Back to the call with %1</source>
         <translation>Zurück zum Gespräch mit %1</translation>
+    </message>
+</context>
+<context>
+    <name>PhoneHeader</name>
+    <message>
+        <source>Play the network</source>
+        <translation>Netz spielen</translation>
     </message>
 </context>
 <context>

@@ -24,6 +24,7 @@ TestCase {
     function test_1_isShown(row) {
         failOnWarning(/.?/)
         const component = Qt.createComponent("file://" + folder + row.tag)
+        tryVerify(() => component.status !== Component.Loading, 20000)
         compare(component.errorString(), "")
         const example = createTemporaryObject(component, test)
         verify(example instanceof Item)

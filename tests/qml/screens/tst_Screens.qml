@@ -35,10 +35,11 @@ Item {
                 "favourites announce '' 0301112222", "favourites announce '' 0405553311",
                 "favourites announce '' +4989777001", "calls add answered 0301113333 --duration 125",
                 "calls add dialed 0405553311 --name Boris --duration 44", "calls add missed 0301112222 --name Dora",
-                "calls add answered +4989777001 --name Kadri --duration 605", "calls add missed 0405553311 --name Boris",
-                "calls add missed 0301112222 --name Dora", "status battery-capacity 68", "status battery-status 0",
-                "status charger 1", "status network 5 26201", "status service-name Nordfunk", "status signal-quality 4",
-                "status service-availability 1", "status roaming 0"]), "")
+                "calls add answered +4989777001 --name Kadri --duration 605",
+                "calls add missed 0405553311 --name Boris", "calls add missed 0301112222 --name Dora",
+                "status battery-capacity 68", "status battery-status 0", "status charger 1", "status network 5 26201",
+                "status service-name Nordfunk", "status signal-quality 4", "status service-availability 1",
+                "status roaming 0"]), "")
             tryVerify(() => MissedCalls.unread === 3, patience)
         }
 

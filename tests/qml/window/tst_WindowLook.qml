@@ -75,6 +75,22 @@ Item {
             }
         }
 
+        function test_narrow_data() { return screens }
+
+        // In the least width that the window has, nothing is cut off.
+        function test_narrow(row) {
+            phone.width = Theme.base * 24
+            TestWindow.speak("de")
+            row.open()
+            wait(300)
+            for (const item of itemsOf(phone, item => item.visible && item instanceof AbstractButton)) {
+                const left = item.mapToItem(phone, 0, 0).x
+                verify(left >= 0 && left + item.width <= phone.width + 1, `${item.objectName} ${item.text} ${left}`)
+            }
+            TestWindow.speak("en")
+            phone.width = 360
+        }
+
         function test_german_data() { return screens }
 
         // A text that is the same in both languages is a name, a number, or was forgotten.

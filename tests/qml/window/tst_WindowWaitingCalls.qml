@@ -34,7 +34,8 @@ Item {
         function test_order_data() {
             return [
                 { tag: "ringing", states: ["held", "ringing"], first: "2", others: ["1"], rings: true },
-                { tag: "waiting", states: ["held", "connected", "waiting"], first: "3", others: ["2", "1"], rings: true },
+                { tag: "waiting", states: ["held", "connected", "waiting"], first: "3",
+                    others: ["2", "1"], rings: true },
                 { tag: "talked on", states: ["held", "connected"], first: "2", others: ["1"], rings: false },
                 { tag: "placed", states: ["held", "dialing"], first: "2", others: ["1"], rings: false },
                 { tag: "alone", states: ["held"], first: "1", others: [], rings: false }
