@@ -5,7 +5,6 @@
 #include "platform/posix/UnixSocket_p.h"
 #include "utility/PHONE_VoiceCallProtocol_p.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -263,8 +262,7 @@ void PhoneControlClient::connectNow()
 {
     // First, so that nothing is missed in between.
     const bool isWatched = watch();
-    const QString path = phonecontrol::socketPath();
-    posix::UniqueFd socket = posix::connectUnixAtOnce(QFile::encodeName(path));
+    posix::UniqueFd socket = posix::connectUnixAtOnce(phonecontrol::kSocketPath);
     const bool isAbsent = !socket.isValid() && (errno == ENOENT || errno == ECONNREFUSED);
     if (socket.isValid() && posix::isPeerTrusted(socket.get())) {
         m_connection = new Connection(std::move(socket), *this);
@@ -289,9 +287,12 @@ void PhoneControlClient::retryLater(bool mayWaitForSocket)
 /// Watches the directory of the socket; false if that is impossible.
 bool PhoneControlClient::watch()
 {
-    phonecontrol::socketPath(); // makes it
     const QString directory = QLatin1String(voicecall::kSocketDirectory);
-    return m_watcher.directories().contains(directory) || m_watcher.addPath(directory);
+    if (m_watcher.directories().contains(directory))
+        return true;
+    // Not made while it is watched: that changes its mode, which would be noticed as a server that comes.
+    phonecontrol::socketPath();
+    return m_watcher.addPath(directory);
 }
 
 void PhoneControlClient::ask(Command command, const QByteArray& data, Reply expected, const Answer& answer)

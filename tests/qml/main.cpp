@@ -8,6 +8,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QFileSystemWatcher>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
@@ -16,6 +17,7 @@
 #include <QtQml/QQmlEngine>
 #include <QtQuickTest/quicktest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <span>
@@ -123,6 +125,26 @@ public:
     /// The environment variable @p name.
     Q_INVOKABLE QString variable(const QString& name) { return qEnvironmentVariable(qPrintable(name)); }
 
+    /// Adds calls that begin now to the log, each a list of its category, its number and, if it is no voice call, its
+    /// type.
+    Q_INVOKABLE bool addCalls(const QVariantList& calls)
+    {
+        return std::ranges::all_of(calls, [](const QVariant& call) {
+            const QVariantList parts = call.toList();
+            RC_RecordInterfaceImpl record(parts.value(1).toString(), QDateTime::currentDateTime(), 0);
+            record.setCategory(RC_CALL_CATEGORY_T{parts.value(0).toInt()});
+            record.setCallType(RC_CALL_TYPE_T{parts.value(2, int{RC_CALL_TYPE_VOICE}).toInt()});
+            return RC_Interface().addRecord(record) == 0;
+        });
+    }
+    /// Deletes the calls of all lists and of the types that have names.
+    Q_INVOKABLE bool clearCalls()
+    {
+        constexpr RC_CALL_TYPE_T kTypes[] = {RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
+        return std::ranges::all_of(kTypes, [](RC_CALL_TYPE_T type) {
+            return RC_Interface().deleteRecordAll(RC_CALL_CATEGORY_ALL, type) == 0;
+        });
+    }
     /// Adds a push-to-talk call of a group with what no command of the tool sets, and the mark for strict read.
     Q_INVOKABLE bool addPttCall(int list, const QString& number, const QDateTime& start, int partyType, int idType)
     {
@@ -166,6 +188,16 @@ public:
     Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}
+
+    /// How often something happens in or to @p folder in @p time milliseconds.
+    Q_INVOKABLE int changesOf(const QString& folder, int time)
+    {
+        int count = 0;
+        const QFileSystemWatcher watcher({folder});
+        connect(&watcher, &QFileSystemWatcher::directoryChanged, this, [&count] { ++count; });
+        QTest::qWait(time);
+        return count;
+    }
 
     /// Plays a phone server that sends @p frames to each client. A frame has a `code` and `data`, and a `length` if
     /// that is to lie.

@@ -139,33 +139,6 @@ TestCase {
         compare(list.itemAt(0).missedCalls, 0)
     }
 
-    function test_withoutOwner_data() {
-        return [
-            { tag: "never", start: false },
-            { tag: "killed", start: true }
-        ]
-    }
-
-    function test_withoutOwner(row) {
-        compare(TestHandset.tools(["favourites replace '' 0301234567"]), "")
-        if (row.start) {
-            verify(TestHandset.start("zyn-favourites"))
-            TestHandset.kill("zyn-favourites")
-        }
-        load()
-        model.add("0302223333", "Bob")
-        tryCompare(failed, "count", 1, 20000)
-        verify(failed.signalArguments[0][0].includes("zyn-favourites"))
-        compare(model.error, failed.signalArguments[0][0])
-        compare(numbers(), ["1234567", "", "", "", ""])
-        compare(model.busy, false)
-        verify(TestHandset.start("zyn-favourites"))
-        model.add("0302223333", "Bob")
-        tryDone()
-        compare(numbers(), ["1234567", "2223333", "", "", ""])
-        compare(model.error, "")
-    }
-
     function test_ownerIsBusy() {
         verify(TestHandset.start("zyn-favourites"))
         load()

@@ -54,6 +54,15 @@ TestCase {
         verify(PhoneCalls.calls.error !== "")
     }
 
+    /// A client that has nothing to do would wake itself, if it changed what it watches.
+    function test_waitsInPeace() {
+        TestHandset.kill("zyn-phoned")
+        tryCompare(PhoneCalls, "available", false)
+        PhoneCalls.calls.reload()
+        wait(100)
+        tryVerify(() => TestHandset.changesOf("/tmp/zynphonecom", 200) === 0)
+    }
+
     function say(...lines) {
         compare(TestHandset.tools(lines.map(line => "phone " + line)), "")
     }

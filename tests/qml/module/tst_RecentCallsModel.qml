@@ -11,6 +11,12 @@ TestCase {
     name: "RecentCallsModel"
 
     readonly property int patience: 20000
+    property bool isServed: false
+
+    function killService() {
+        TestHandset.kill("zyn-recentcalld")
+        isServed = false
+    }
 
     RecentCallsModel { id: calls }
     RecentCallsModel { id: others; category: RecentCallsModel.Dialed }
@@ -54,9 +60,10 @@ TestCase {
     }
 
     function init() {
-        TestHandset.stopAll()
-        verify(TestHandset.start("zyn-recentcalld"))
-        compare(TestHandset.tools(["calls clear all"]), "")
+        if (!isServed)
+            verify(TestHandset.start("zyn-recentcalld"))
+        isServed = true
+        verify(TestHandset.clearCalls())
         calls.category = RecentCallsModel.All
         calls.callType = RecentCallsModel.AnyType
         others.category = RecentCallsModel.Dialed
@@ -120,9 +127,10 @@ TestCase {
     }
 
     function test_selects(row) {
-        compare(TestHandset.tools(["calls add answered 1", "calls add missed 2", "calls add dialed 3",
-                                   "calls add missed 4 --type ptt1", "calls add dialed 5 --type ptt2",
-                                   "calls add answered 6"]), "")
+        const log = RecentCallsModel
+        verify(TestHandset.addCalls([[log.Answered, 1], [log.Missed, 2], [log.Dialed, 3],
+                                     [log.Missed, 4, log.PushToTalk], [log.Dialed, 5, log.PushToTalkGroup],
+                                     [log.Answered, 6]]))
         calls.callType = 77
         calls.category = row.category
         calls.callType = row.type
@@ -158,7 +166,7 @@ TestCase {
     }
 
     function test_follows(row) {
-        compare(TestHandset.tools(["calls add missed 1"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Missed, 1]]))
         numbersAre(rows, "1")
         compare(TestHandset.tools(row.lines), "")
         numbersAre(rows, row.numbers)
@@ -186,7 +194,7 @@ TestCase {
     }
 
     function test_changes(row) {
-        compare(TestHandset.tools(["calls add dialed 1", "calls add dialed 2", "calls add dialed 3"]), "")
+        verify(TestHandset.addCalls([1, 2, 3].map(number => [RecentCallsModel.Dialed, number])))
         for (const model of [calls, others])
             model.reload()
         numbersAre(rows, "3 2 1")
@@ -207,14 +215,14 @@ TestCase {
     }
 
     function test_keepsRows() {
-        compare(TestHandset.tools(["calls add missed 1", "calls add missed 2", "calls add missed 3"]), "")
+        verify(TestHandset.addCalls([1, 2, 3].map(number => [RecentCallsModel.Missed, number])))
         numbersAre(rows, "3 2 1")
         const kept = [rows.objectAt(0), rows.objectAt(2)]
         for (const spy of [inserted, removed, changed])
             spy.clear()
         calls.remove(1)
         numbersAre(rows, "3 1")
-        compare(TestHandset.tools(["calls add missed 4"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Missed, 4]]))
         numbersAre(rows, "4 3 1")
         calls.markRead(2)
         tryVerify(() => rows.objectAt(2).model.isRead, patience)
@@ -228,7 +236,8 @@ TestCase {
     }
 
     function test_changesItsMind(row) {
-        compare(TestHandset.tools(["calls add missed 1", "calls add missed 2", "calls add answered 3"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Missed, 1], [RecentCallsModel.Missed, 2],
+                                     [RecentCallsModel.Answered, 3]]))
         const model = list.createObject(test, { category: RecentCallsModel.Answered })
         tryCompare(model, "count", 1, patience)
         model[row.tag].connect(() => { model.category = RecentCallsModel.Missed })
@@ -248,9 +257,9 @@ TestCase {
     }
 
     function test_withoutService(row) {
-        compare(TestHandset.tools(["calls add missed 1"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Missed, 1]]))
         numbersAre(rows, "1")
-        TestHandset.kill("zyn-recentcalld")
+        killService()
         row.change()
         tryVerify(() => failures.count > 0, patience)
         verify(failures.signalArguments[0][0].includes("zyn-recentcalld"))
@@ -263,36 +272,10 @@ TestCase {
         compare(failures.count, told)
         const late = list.createObject(test)
         tryVerify(() => late.error !== "" && !late.loaded, patience)
-        verify(TestHandset.start("zyn-recentcalld"))
+        verify(isServed = TestHandset.start("zyn-recentcalld"))
         for (const model of [calls, late])
             tryVerify(() => model.loaded && model.error === "" && model.count === 1, patience)
         late.destroy()
-    }
-
-    /// The phone hands a call that is over to the log, or to a service that comes later: without an announcement, then.
-    function test_followsThePhone_data() {
-        return [
-            { tag: "while the service runs", isServed: true },
-            { tag: "while the service is away", isServed: false }
-        ]
-    }
-
-    function test_followsThePhone(row) {
-        verify(TestHandset.start("zyn-phoned"))
-        calls.category = RecentCallsModel.Answered
-        if (!row.isServed)
-            TestHandset.kill("zyn-recentcalld")
-        compare(TestHandset.tools(["phone incoming 030 Anna", "phone answer", "phone hangup", "dial 031"]), "")
-        let isOver = false
-        tryVerify(() => isOver = isOver || TestHandset.tools(["phone hangup"]) === "", patience) // once there is a call
-        if (!row.isServed) {
-            tryVerify(() => calls.error !== "" && others.error !== "", patience)
-            verify(TestHandset.start("zyn-recentcalld"))
-        }
-        numbersAre(rows, "030")
-        numbersAre(otherRows, "031")
-        tryCompare(others, "lastDialed", "031", patience)
-        compare([calls.error, others.error], ["", ""])
     }
 
     function test_lastDialed() {
@@ -300,7 +283,7 @@ TestCase {
         compare(TestHandset.tools(["calls add dialed 1", "calls add dialed 2 --type ptt1"]), "")
         calls.refreshLastDialed()
         tryCompare(calls, "lastDialed", "2", patience)
-        TestHandset.kill("zyn-recentcalld")
+        killService()
         const late = list.createObject(test)
         tryCompare(late, "lastDialed", "2", patience)
         late.destroy()
@@ -329,7 +312,8 @@ TestCase {
     }
 
     function test_hangs(row) {
-        compare(TestHandset.tools(["calls add answered 1", "calls add missed 2"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Answered, 1], [RecentCallsModel.Missed, 2]]))
+        calls.reload()
         numbersAre(rows, "2 1")
         TestHandset.pause("zyn-recentcalld")
         calls.reload()
@@ -354,7 +338,7 @@ TestCase {
 
     /// What an engine that is gone has asked for comes to nobody, and what it has changed is told to the others.
     function test_outlivesEngines() {
-        compare(TestHandset.tools(["calls add dialed 1", "calls add dialed 2"]), "")
+        verify(TestHandset.addCalls([[RecentCallsModel.Dialed, 1], [RecentCallsModel.Dialed, 2]]))
         calls.reload()
         numbersAre(rows, "2 1")
         TestHandset.pause("zyn-recentcalld")
@@ -370,19 +354,6 @@ TestCase {
                 Component.onCompleted: { models[0].clear(); RecentScreens.pickNumber() }
             }`))
         TestHandset.resume("zyn-recentcalld")
-        numbersAre(rows, "")
-    }
-
-    /// A service that hangs for longer than a request waits announces nothing when it goes on.
-    function test_hangsForLong() {
-        compare(TestHandset.tools(["calls add answered 1"]), "")
-        calls.reload()
-        numbersAre(rows, "1")
-        TestHandset.pause("zyn-recentcalld")
-        calls.remove(0)
-        tryVerify(() => failures.count > 0, patience)
-        TestHandset.resume("zyn-recentcalld")
-        tryVerify(() => calls.error === "" && !calls.busy, patience)
         numbersAre(rows, "")
     }
 }
