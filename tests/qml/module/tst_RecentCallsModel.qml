@@ -43,20 +43,26 @@ TestCase {
         return texts.join(" ")
     }
 
-    function numbersAre(view, expected) {
-        for (let waited = 0; waited < patience && numbers(view) !== expected; waited += 20)
-            wait(20)
-        compare(numbers(view), expected)
+    /// As tryVerify(), which looks more seldom. What @p found gives tells why it was in vain.
+    function until(condition, found = () => "") {
+        for (let waited = 0; waited < patience && !condition(); waited += 5)
+            wait(5)
+        verify(condition(), found())
     }
 
-    /// Reads @p model again, and waits until that, and all that was asked for before it, has ended.
-    function settle(model) {
-        let hasEnded = false
-        const note = () => { hasEnded = hasEnded || !model.busy }
-        model.busyChanged.connect(note)
-        model.reload()
-        tryVerify(() => hasEnded && !model.busy, patience)
-        model.busyChanged.disconnect(note)
+    function numbersAre(view, expected) {
+        until(() => numbers(view) === expected, () => `has ${numbers(view)}, not ${expected}`)
+    }
+
+    /// Reads @p models again, and waits until that, and all that was asked for before it, has ended.
+    function settle(...models) {
+        const ended = new Set()
+        const notes = models.map(model => () => { if (!model.busy) ended.add(model) })
+        models.forEach((model, index) => model.busyChanged.connect(notes[index]))
+        for (const model of models)
+            model.reload()
+        until(() => models.every(model => ended.has(model) && !model.busy))
+        models.forEach((model, index) => model.busyChanged.disconnect(notes[index]))
     }
 
     function init() {
@@ -67,10 +73,9 @@ TestCase {
         calls.category = RecentCallsModel.All
         calls.callType = RecentCallsModel.AnyType
         others.category = RecentCallsModel.Dialed
-        for (const model of [calls, others]) {
-            settle(model)
+        settle(calls, others)
+        for (const model of [calls, others])
             compare([model.error, model.count], ["", 0])
-        }
         for (const spy of [inserted, removed, changed, reset, failures])
             spy.clear()
     }
@@ -135,7 +140,7 @@ TestCase {
         calls.category = row.category
         calls.callType = row.type
         compare(calls.count, 0)
-        tryVerify(() => calls.loaded && !calls.busy, patience)
+        until(() => calls.loaded && !calls.busy)
         numbersAre(rows, row.numbers)
         calls.clear()
         numbersAre(rows, "")
@@ -225,7 +230,7 @@ TestCase {
         verify(TestHandset.addCalls([[RecentCallsModel.Missed, 4]]))
         numbersAre(rows, "4 3 1")
         calls.markRead(2)
-        tryVerify(() => rows.objectAt(2).model.isRead, patience)
+        until(() => rows.objectAt(2).model.isRead)
         compare([rows.objectAt(1), rows.objectAt(2)], kept)
         compare([inserted.count, removed.count, changed.count, reset.count], [1, 1, 1, 0])
     }
@@ -242,7 +247,7 @@ TestCase {
         tryCompare(model, "count", 1, patience)
         model[row.tag].connect(() => { model.category = RecentCallsModel.Missed })
         model.category = RecentCallsModel.All
-        tryVerify(() => model.category === RecentCallsModel.Missed && model.loaded && model.count === 2, patience)
+        until(() => model.category === RecentCallsModel.Missed && model.loaded && model.count === 2)
         model.destroy()
     }
 
@@ -261,7 +266,7 @@ TestCase {
         numbersAre(rows, "1")
         killService()
         row.change()
-        tryVerify(() => failures.count > 0, patience)
+        until(() => failures.count > 0)
         verify(failures.signalArguments[0][0].includes("zyn-recentcalld"))
         tryCompare(calls, "error", failures.signalArguments[0][0], patience)
         numbersAre(rows, "1")
@@ -271,10 +276,10 @@ TestCase {
         settle(calls)
         compare(failures.count, told)
         const late = list.createObject(test)
-        tryVerify(() => late.error !== "" && !late.loaded, patience)
+        until(() => late.error !== "" && !late.loaded)
         verify(isServed = TestHandset.start("zyn-recentcalld"))
         for (const model of [calls, late])
-            tryVerify(() => model.loaded && model.error === "" && model.count === 1, patience)
+            until(() => model.loaded && model.error === "" && model.count === 1)
         late.destroy()
     }
 
@@ -326,10 +331,10 @@ TestCase {
         rows.objectAdded.connect(see)
         ticks.count = 0
         ticks.start()
-        tryVerify(() => ticks.count >= 20, patience)
+        until(() => ticks.count >= 20)
         verify(calls.busy)
         TestHandset.resume("zyn-recentcalld")
-        tryVerify(() => calls.loaded && !calls.busy, patience)
+        until(() => calls.loaded && !calls.busy)
         numbersAre(rows, row.numbers)
         ticks.stop()
         rows.objectAdded.disconnect(see)
