@@ -10,6 +10,7 @@
 #include "platform/QCopChannel.h"
 #include "utility/PHONE_Msg.h"
 #include "utility/message/Message_p.h"
+#include "utility/message/PhoneMessages_p.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
@@ -42,6 +43,7 @@ public:
         environment.insert(u"QT_QUICK_BACKEND"_s, u"software"_s);
         setProcessEnvironment(environment);
         setStandardOutputFile(nullDevice());
+        setReadChannel(StandardError);
         if (logged.isEmpty())
             setStandardErrorFile(nullDevice());
         start(words.first(), words.mid(1));
@@ -93,7 +95,7 @@ void waitFor(int seconds)
 /// Sends states of the battery, each another one than the last, evenly.
 void sendStates(int seconds)
 {
-    const QByteArray name = PHONE_Msg::getMsg(PHONE_Msg::PHONE_MSG_BATTERY_VALUE_CHANGE_S);
+    const QByteArray name = zyn::phoneMessage(PHONE_Msg::PHONE_MSG_BATTERY_VALUE_CHANGE_S).name;
     auto next = std::chrono::steady_clock::now();
     for (int sent = 0; sent < seconds * kMessagesEachSecond; ++sent) {
         require(QCopChannel::send(zyn::kPhoneChannel, name, QByteArray(1, static_cast<char>(sent % 100))),
