@@ -20,7 +20,7 @@ PhoneScreen {
         bare: true
         symbol: "call"
         text: qsTr("Call %1").arg(screen.title)
-        onClicked: PhoneCalls.dial(screen.party.number, screen.party.name)
+        onClicked: Dialing.call(screen.party.number, screen.party.name)
     }
 
     ActivityLogModel {

@@ -11,10 +11,7 @@ PhoneScreen {
     /// The key whose place of speed dial is to be decided; 0 without one.
     property int storeKey: 0
 
-    /// Whether only emergency numbers and a few codes may be dialed.
-    readonly property bool restricted: DeskNetwork.simCardState >= 0
-        && DeskNetwork.simCardState !== PhoneStatus.SimReady && DeskNetwork.simCardState !== PhoneStatus.SimLocked
-    readonly property bool refused: restricted && emergency.verdict !== EmergencyNumber.Empty && !emergency.emergency
+    readonly property bool refused: Dialing.restricted && emergency.verdict !== EmergencyNumber.Empty && !emergency.emergency
 
     objectName: "dialerScreen"
     title: qsTr("Keypad")
@@ -23,14 +20,10 @@ PhoneScreen {
         field.forceActiveFocus()
     }
 
-    onRestrictedChanged: emergency.refresh()
-
     function call() {
-        if (refused)
-            Navigation.say(qsTr("Without a SIM card, only emergency numbers can be called."))
-        else if (field.text === "" && recents.lastDialed)
+        if (field.text === "" && recents.lastDialed)
             field.text = recents.lastDialed
-        else if (field.text !== "" && PhoneCalls.dial(field.text))
+        else if (field.text !== "" && Dialing.call(field.text))
             field.clear()
     }
 
@@ -48,7 +41,7 @@ PhoneScreen {
         if (field.text !== "")
             storeKey = key
         else if (stored)
-            PhoneCalls.dial(stored)
+            Dialing.call(stored)
         else
             Navigation.say(qsTr("Key %1 has no number yet. Type the number, then hold the key.").arg(key))
     }
@@ -62,6 +55,13 @@ PhoneScreen {
         id: recents
 
         category: RecentCallsModel.Dialed
+    }
+    Connections {
+        target: Dialing
+
+        function onRestrictedChanged() {
+            emergency.refresh()
+        }
     }
     EmergencyNumber {
         id: emergency

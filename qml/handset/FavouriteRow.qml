@@ -1,7 +1,6 @@
 // A place of the favourites: the number with its counters and what can be done with it, or an empty place.
 import QtQuick
 import QtQuick.Layouts
-import ZynPhone
 
 Card {
     id: row
@@ -106,7 +105,7 @@ Card {
 
     readonly property var deeds: [
         {"name": "favouriteCall", "symbol": "call", "text": qsTr("Call %1").arg(partyText),
-            "act": () => PhoneCalls.dial(party.number, party.name)},
+            "act": () => Dialing.call(party.number, party.name)},
         {"name": "favouriteLog", "symbol": "clock", "text": qsTr("What happened with %1").arg(partyText),
             "act": () => Navigation.open("activity", {"number": number})},
         {"name": "favouriteReplace", "symbol": "edit", "text": qsTr("Replace %1").arg(partyText),

@@ -96,7 +96,7 @@ PhoneScreen {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     Layout.alignment: Qt.AlignTop
-                    onCalled: PhoneCalls.dial(party.number, party.name)
+                    onCalled: Dialing.call(party.number, party.name)
                     onOpened: taken ? Navigation.open("activity", {"number": number}) : Navigation.go("favourites")
                 }
             }

@@ -33,5 +33,4 @@ QtObject {
     function say(text) {
         messageRequested(text)
     }
-
 }

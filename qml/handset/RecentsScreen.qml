@@ -120,7 +120,7 @@ PhoneScreen {
                         list.currentIndex = index
                         screen.openRow = opened ? -1 : index
                     }
-                    onCalledBack: PhoneCalls.dial(number, name)
+                    onCalledBack: Dialing.call(number, name)
                     onDeleted: {
                         screen.openRow = -1
                         calls.remove(index)

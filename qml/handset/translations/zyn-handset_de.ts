@@ -180,6 +180,9 @@
         <source>Hold to clear the number.</source>
         <translation>Halten löscht die Nummer.</translation>
     </message>
+</context>
+<context>
+    <name>Dialing</name>
     <message>
         <source>Without a SIM card, only emergency numbers can be called.</source>
         <translation>Ohne SIM-Karte können nur Notrufnummern gewählt werden.</translation>
