@@ -11,8 +11,10 @@
 #include <QtQml/QQmlApplicationEngine>
 #include <QtQml/QQmlExtensionPlugin>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iterator>
 #include <vector>
 
 #include <sys/stat.h>
@@ -73,6 +75,14 @@ bool isOneOf(const handset::CommandLine& commandLine, const QString& name, const
     return false;
 }
 
+/// Whether there is something to show a window on; Qt itself would end the program with a crash.
+bool hasScreen()
+{
+    constexpr const char* kNames[] = {"WAYLAND_DISPLAY", "DISPLAY", "QT_QPA_PLATFORM"};
+    return std::any_of(std::begin(kNames), std::end(kNames),
+                       [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
 /// Becomes the tool that runs this program in a handset of its own; returns only if that fails.
 int runPrivately(const handset::Output& output)
 {
@@ -108,6 +118,10 @@ int main(int argc, char** argv)
         const handset::Application application(argc, argv, u"zyn-handset"_s);
         if (!commandLine.parse() || !isOneOf(commandLine, kTheme, kThemes) || !isOneOf(commandLine, kPage, kPages))
             return handset::kUsageError;
+        if (!hasScreen()) {
+            handset::log(u"there is no screen: WAYLAND_DISPLAY, DISPLAY or QT_QPA_PLATFORM names one"_s);
+            return EXIT_FAILURE;
+        }
         if (commandLine.isSet(kPrivate))
             return runPrivately(output);
     }
