@@ -73,6 +73,7 @@ double firstFrame(const QStringList& words)
 double medianFrame(const QStringList& words)
 {
     std::vector<double> taken;
+    taken.reserve(kMeasuredFrames);
     for (int i = 0; i < kMeasuredFrames; ++i)
         taken.push_back(firstFrame(words));
     return summary(taken).median;

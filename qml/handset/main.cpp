@@ -94,6 +94,7 @@ int runPrivately(const handset::Output& output)
     }
     std::vector<QByteArray> texts;
     std::vector<char*> arguments;
+    arguments.reserve(static_cast<size_t>(words.size()) + 1);
     for (const QString& word : words)
         texts.push_back(QFile::encodeName(word));
     for (QByteArray& text : texts)

@@ -14,8 +14,6 @@ using namespace std::chrono_literals;
 namespace zyn::qml {
 namespace {
 
-using Call = PHONE_ENG_RecentCall;
-
 constexpr RC_CALL_TYPE_T kNamedTypes[] = {RC_CALL_TYPE_VOICE, RC_CALL_TYPE_PTT1, RC_CALL_TYPE_PTT2};
 
 /// What RC_Interface returns when the service has done what it was asked for, and when it has no such record.
@@ -23,12 +21,12 @@ constexpr int kDone = 0;
 constexpr int kNoSuchRecord = 1;
 
 /// Between attempts while the service does not answer; the pauses grow, as each attempt may wait for it.
-constexpr auto kFirstRetry = 1s;
-constexpr auto kSlowestRetry = 15s;
+constexpr auto kFirstPause = 1s;
+constexpr auto kLongestPause = 15s;
 
 CallLogReader::Calls fetchCalls(const CallSelection& selection)
 {
-    std::vector<Call> calls;
+    std::vector<CallRecord> calls;
     for (const RC_CALL_TYPE_T type : selection.types()) {
         QPtrList<RC_RecordInterface> records;
         if (RC_Interface().getRecordList(records, selection.list(), type) != kDone)
@@ -37,7 +35,7 @@ CallLogReader::Calls fetchCalls(const CallSelection& selection)
             calls.push_back(*static_cast<const RC_RecordInterfaceImpl*>(record)->getData());
     }
     // The order of the screens, by which a call's details are asked for.
-    std::ranges::stable_sort(calls, [](const Call& left, const Call& right) { return left < right; });
+    std::ranges::stable_sort(calls, [](const CallRecord& left, const CallRecord& right) { return left < right; });
     return calls;
 }
 
@@ -58,7 +56,7 @@ bool isAnswered(int result)
 CallLogReader::CallLogReader(std::function<void()> begins, Taker ends)
     : m_begins(std::move(begins))
     , m_ends(std::move(ends))
-    , m_pause(kFirstRetry)
+    , m_pause(kFirstPause)
 {
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, &CallLogReader::outdated);
@@ -102,15 +100,15 @@ void CallLogReader::end(const CallSelection& selection, const Calls& calls, bool
 
 void CallLogReader::noteAnswer(bool isThere, bool isServed)
 {
-    const bool wasThere = m_pause == kFirstRetry;
+    const bool wasThere = m_pause == kFirstPause;
     if (!isThere) {
         // A service that starts announces itself.
-        if (isServed || m_pause < kSlowestRetry)
+        if (isServed || m_pause < kLongestPause)
             m_retry.start(m_pause);
-        m_pause = std::min<std::chrono::milliseconds>(2 * m_pause, kSlowestRetry);
+        m_pause = std::min<std::chrono::milliseconds>(2 * m_pause, kLongestPause);
     } else if (!wasThere) {
         m_retry.stop();
-        m_pause = kFirstRetry;
+        m_pause = kFirstPause;
         m_changes->noteReturn();
     }
 }

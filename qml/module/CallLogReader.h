@@ -16,6 +16,9 @@
 
 namespace zyn::qml {
 
+/// A call of the log.
+using CallRecord = PHONE_ENG_RecentCall;
+
 /// Which calls of the log.
 struct CallSelection
 {
@@ -46,7 +49,7 @@ class CallLogReader : public QObject
 
 public:
     /// Newest first; nothing when the service did not answer.
-    using Calls = std::optional<std::vector<PHONE_ENG_RecentCall>>;
+    using Calls = std::optional<std::vector<CallRecord>>;
     /// Takes what was read.
     using Taker = std::function<void(const CallSelection& selection, const Calls& calls)>;
 

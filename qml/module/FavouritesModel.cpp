@@ -22,7 +22,7 @@ namespace {
 /// The owner of the favourites may wait 5 seconds for the call log before it changes them.
 constexpr auto kPatience = 7s;
 
-constexpr qsizetype kLongestNumber = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
+constexpr qsizetype kLongestFavourite = sizeof PHONE_ENG_RecentCall::phoneNumber - 1;
 
 constexpr ListRole<FavouriteRow> kFavouriteRoles[] = {
     {"place", [](const FavouriteRow& row) { return QVariant(row.place); }},
@@ -78,7 +78,7 @@ StoredFavourites readFavourites()
 
 bool isNumberOfCalls(const QString& number)
 {
-    return !number.isEmpty() && number.size() <= kLongestNumber && std::ranges::all_of(number, [](QChar character) {
+    return !number.isEmpty() && number.size() <= kLongestFavourite && std::ranges::all_of(number, [](QChar character) {
         return character.unicode() <= 0xFF && character.isPrint();
     });
 }

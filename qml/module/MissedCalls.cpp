@@ -9,8 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace zyn::qml {
 
-using Call = PHONE_ENG_RecentCall;
-
 MissedCalls::MissedCalls(QObject* parent)
     : QObject(parent)
     , m_reader([] {}, [this](const CallSelection&, const CallLogReader::Calls& calls) { take(calls); })
@@ -44,14 +42,14 @@ void MissedCalls::take(const CallLogReader::Calls& calls)
         Q_EMIT errorChanged();
 }
 
-MissedCalls::Facts MissedCalls::factsOf(const std::vector<Call>& calls)
+MissedCalls::Facts MissedCalls::factsOf(const std::vector<CallRecord>& calls)
 {
-    const auto isUnread = [](const Call& call) { return (call.readFlags & Call::kRead) == 0; };
+    const auto isUnread = [](const CallRecord& call) { return (call.readFlags & CallRecord::kRead) == 0; };
     Facts facts{.count = static_cast<int>(calls.size()),
                 .unread = static_cast<int>(std::ranges::count_if(calls, isUnread)),
                 .last = {}};
     if (!calls.empty()) {
-        const Call& newest = calls.front();
+        const CallRecord& newest = calls.front();
         facts.last = QVariantMap{{u"number"_s, newest.getPhoneNumber()},
                                  {u"name"_s, newest.getDisplayName()},
                                  {u"start"_s, newest.getStartDateTime()}};

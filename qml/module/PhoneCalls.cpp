@@ -18,7 +18,7 @@ static_assert(std::size(phonecontrol::kCallStates) == size_t{PhoneCalls::Failed}
 static_assert(kFirstOver == PhoneCalls::Ended);
 
 /// The most characters of a number, as a record has room for.
-constexpr qsizetype kLongestNumber = sizeof(voicecall::SimCall::number) - 1;
+constexpr qsizetype kLongestDialed = sizeof(voicecall::SimCall::number) - 1;
 
 constexpr ListRole<LineCall> kCallRoles[] = {
     {"callId", [](const LineCall& call) -> QVariant { return call.id; }},
@@ -188,9 +188,9 @@ QByteArray PhoneCalls::dialable(const QString& number)
 {
     const bool isLatin1 =
         std::ranges::all_of(number, [](QChar character) { return !character.isNull() && character <= u'\u00ff'; });
-    if (isLatin1 && !number.isEmpty() && number.size() <= kLongestNumber)
+    if (isLatin1 && !number.isEmpty() && number.size() <= kLongestDialed)
         return number.toLatin1();
-    Q_EMIT failed(tr("A number has 1 to %1 digits or signs").arg(kLongestNumber));
+    Q_EMIT failed(tr("A number has 1 to %1 digits or signs").arg(kLongestDialed));
     return {};
 }
 

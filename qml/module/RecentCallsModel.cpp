@@ -12,15 +12,13 @@
 namespace zyn::qml {
 namespace {
 
-using Call = PHONE_ENG_RecentCall;
-
 /// @{ What the library gives for calls that are no push-to-talk calls.
 constexpr int kNoPartyType = -1;
 constexpr int kNoIdType = 0;
 /// @}
 
 /// The session as it was stored, in UTF-8.
-QString sessionOf(const Call& call)
+QString sessionOf(const CallRecord& call)
 {
     const auto length = static_cast<qsizetype>(qstrnlen(call.pttSessionId, sizeof call.pttSessionId));
     return call.isPtt() ? QString::fromUtf8(call.pttSessionId, length) : QString();
@@ -37,8 +35,8 @@ constexpr ListRole<Row> kRoles[] = {
     {"category", [](const Row& row) { return QVariant(int{row.call.category}); }},
     {"callType", [](const Row& row) { return QVariant(int{row.call.callType}); }},
     {"completed", [](const Row& row) { return QVariant(row.call.completed != 0); }},
-    {"isRead", [](const Row& row) { return QVariant((row.call.readFlags & Call::kRead) != 0); }},
-    {"strictRead", [](const Row& row) { return QVariant((row.call.readFlags & Call::kStrictRead) != 0); }},
+    {"isRead", [](const Row& row) { return QVariant((row.call.readFlags & CallRecord::kRead) != 0); }},
+    {"strictRead", [](const Row& row) { return QVariant((row.call.readFlags & CallRecord::kStrictRead) != 0); }},
     {"pttPartyType",
      [](const Row& row) { return QVariant(row.call.isPtt() ? int{row.call.pttPartyType} : kNoPartyType); }},
     {"pttIdType", [](const Row& row) { return QVariant(row.call.isPtt() ? int{row.call.pttIdType} : kNoIdType); }},
@@ -107,7 +105,8 @@ void RecentCallsModel::setCallType(CallType callType)
 void RecentCallsModel::remove(int row)
 {
     if (const CallRow* const found = find(row)) {
-        change([call = found->call] { return RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new Call(call))); });
+        change(
+            [call = found->call] { return RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new CallRecord(call))); });
     }
 }
 
@@ -128,13 +127,13 @@ void RecentCallsModel::markRead(int row)
 
 void RecentCallsModel::markAllRead()
 {
-    std::vector<Call> unread;
+    std::vector<CallRecord> unread;
     for (const CallRow& row : rows()) {
-        if ((row.call.readFlags & Call::kRead) == 0)
+        if ((row.call.readFlags & CallRecord::kRead) == 0)
             unread.push_back(row.call);
     }
     change([unread = std::move(unread)] {
-        return requestEach(unread, [](const Call& call) { return int{recentcall::markRead(call)}; });
+        return requestEach(unread, [](const CallRecord& call) { return int{recentcall::markRead(call)}; });
     });
 }
 
@@ -159,7 +158,7 @@ void RecentCallsModel::take(const CallSelection& selection, const CallLogReader:
     if (calls && selection == m_selection) {
         std::vector<CallRow> rows;
         rows.reserve(calls->size());
-        for (const Call& call : *calls)
+        for (const CallRecord& call : *calls)
             rows.push_back({call});
         setRows(std::move(rows));
     }

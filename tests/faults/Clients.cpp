@@ -387,7 +387,7 @@ void clients(Campaign& campaign)
     rlimit limit = {};
     ::getrlimit(RLIMIT_NOFILE, &limit);
     const rlimit raised = {limit.rlim_max, limit.rlim_max};
-    if (limit.rlim_max < 2 * kClients || ::setrlimit(RLIMIT_NOFILE, &raised) != 0) {
+    if (limit.rlim_max < rlim_t{2} * kClients || ::setrlimit(RLIMIT_NOFILE, &raised) != 0) {
         campaign.skip(u"a process has at most %1 descriptors"_s.arg(qint64(limit.rlim_max)));
         return;
     }
