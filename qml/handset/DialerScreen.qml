@@ -11,7 +11,8 @@ PhoneScreen {
     /// The key whose place of speed dial is to be decided; 0 without one.
     property int storeKey: 0
 
-    readonly property bool refused: Dialing.restricted && emergency.verdict !== EmergencyNumber.Empty && !emergency.emergency
+    readonly property bool refused: Dialing.restricted && emergency.verdict !== EmergencyNumber.Empty
+        && !emergency.emergency
 
     objectName: "dialerScreen"
     title: qsTr("Keypad")
