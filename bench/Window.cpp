@@ -27,8 +27,8 @@ namespace {
 
 constexpr int kMeasuredFrames = 11;
 constexpr int kMessagesEachSecond = 1000;
-/// By then a window does nothing any more that it does after its start.
-constexpr std::chrono::seconds kWindowSettling{4};
+/// By then a window does nothing any more that it does after its start; threads that have nothing to do end after 30 s.
+constexpr std::chrono::seconds kWindowSettling{35};
 constexpr int kFrameLimit = 30'000; // milliseconds
 
 /// A window without a screen, drawn by the processor. It ends with the object.
