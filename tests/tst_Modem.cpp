@@ -86,6 +86,8 @@ public:
     QString values(const QString& word) const
     {
         const Told told = m_told.value(word);
+        if (told.count == 0)
+            return u"never told"_s;
         return told.values.isEmpty() ? QString::number(told.count) : told.values;
     }
     /// States that were told although nothing had changed.
