@@ -28,10 +28,12 @@ constexpr std::array<ofono::Word<CallState>, 6> kCallStates{{{QLatin1String("dia
                                                              {QLatin1String("waiting"), CallState::Waiting},
                                                              {QLatin1String("active"), CallState::Connected},
                                                              {QLatin1String("held"), CallState::Held}}};
-/// How often an emergency call is placed that a modem does not take which has just been switched on, and how long after
-/// the last time.
-constexpr int kEmergencyTries = 10;
-constexpr std::chrono::seconds kBetweenEmergencyTries{1};
+/// How often an emergency call is placed that a modem does not take which has just been switched on, and how often any
+/// call that oFono does not take because it is still placing another one, which was hung up; and how long after the last
+/// time.
+constexpr int kEmergencyTries = 20;
+constexpr int kBusyTries = 20;
+constexpr std::chrono::milliseconds kBetweenDials{500};
 
 /// How often properties are read that are not told, and how long after the last time.
 constexpr int kReadTries = 5;
@@ -44,6 +46,7 @@ constexpr qsizetype kMostUnknown = 16;
 constexpr std::chrono::seconds kBetweenSwitches{10};
 
 const QString kDisconnected = u"disconnected"_s;
+const QString kInProgress = u"org.ofono.Error.InProgress"_s;
 
 constexpr std::array<ofono::Word<CallEnd>, 3> kReasons{{{QLatin1String("local"), CallEnd::Here},
                                                         {QLatin1String("remote"), CallEnd::There},
@@ -111,19 +114,19 @@ void OfonoModem::setRadio(bool isOn)
 void OfonoModem::askForCall(int id, const Request& request)
 {
     if (facts().isOnline || !PHONE_IsEmergencyCall(request.number.toLatin1().data()))
-        return askForCall(id, request, 0);
+        return askForCall(id, request, {0, kBusyTries});
     // Help is called with the radio off, too; it stays on afterwards, as help may call back.
     m_isRadioWanted = true;
     bus().call(at(kModem), u"SetProperty"_s, {u"Online"_s, QVariant::fromValue(QDBusVariant(true))}, this,
                [this, id, request](const QDBusMessage& reply) {
                    if (!failureOf(reply).isEmpty())
                        logFailure(u"switching the radio on for an emergency call"_s, reply);
-                   askForCall(id, request, kEmergencyTries);
+                   askForCall(id, request, {kEmergencyTries, kBusyTries});
                });
 }
 
-/// Places the call, again while the modem is not ready and there are @p tries left.
-void OfonoModem::askForCall(int id, const Request& request, int tries)
+/// Places the call, again while the modem is not ready, or busy, and there are @p tries left.
+void OfonoModem::askForCall(int id, const Request& request, DialTries tries)
 {
     // It was hung up meanwhile.
     if (!call(id)) {
@@ -133,9 +136,10 @@ void OfonoModem::askForCall(int id, const Request& request, int tries)
     const auto noteReply = [this, id, request, tries](const QDBusMessage& reply) {
         if (hasSignature(reply, "o"))
             return noteDialed(id, busPath(reply.arguments().constFirst()));
-        if (tries > 0 && call(id)) {
-            QTimer::singleShot(kBetweenEmergencyTries, this,
-                               [this, id, request, tries] { askForCall(id, request, tries - 1); });
+        DialTries left = tries;
+        int& count = reply.errorName() == kInProgress ? left.whileBusy : left.whileNotReady;
+        if (count-- > 0 && call(id)) {
+            QTimer::singleShot(kBetweenDials, this, [this, id, request, left] { askForCall(id, request, left); });
             return;
         }
         takeCancelled(id);
@@ -396,19 +400,21 @@ void OfonoModem::noteCallAdded(const QDBusMessage& signal)
         addCall(busPath(signal.arguments().at(0)), busMap(signal.arguments().at(1)));
 }
 
-/// A call that has come, or the object of one that was asked for: its signal comes before the reply.
+/// A call that has come, or the object of one that was asked for: its signal may come before the reply, or behind it.
 void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
 {
-    if (path.isEmpty() || hasCall(path))
+    if (path.isEmpty() || hasCall(path) || m_unknown.contains(path))
         return;
     const QString word = busText(properties.value(u"State"_s));
     const CallState state = ofono::meaning(kCallStates, word, CallState::Ended);
     const bool isPlaced = state == CallState::Dialing || state == CallState::Alerting;
-    const int asked = isPlaced ? unboundCall() : 0;
-    if (asked != 0) {
+    // One is placed at a time: this is the one that was hung up meanwhile, as its reply will tell.
+    if (state == CallState::Ended || (isPlaced && hasCancelled()))
+        return;
+    if (const int asked = isPlaced ? unboundCall() : 0) {
         noteObject(asked, path);
         noteCallState(path, word);
-    } else if (state != CallState::Ended && !m_unknown.contains(path) && !(isPlaced && hasCancelled())) {
+    } else {
         noteFound(path, busText(properties.value(u"LineIdentification"_s)), busText(properties.value(u"Name"_s)),
                   state);
     }

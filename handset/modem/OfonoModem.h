@@ -60,7 +60,13 @@ private:
     void addCall(const QString& path, const QVariantMap& properties);
     void switchOn();
     void noteCallState(const QString& path, const QString& state);
-    void askForCall(int id, const Request& request, int tries);
+    /// How often a call is still placed again that is refused.
+    struct DialTries
+    {
+        int whileNotReady;
+        int whileBusy;
+    };
+    void askForCall(int id, const Request& request, DialTries tries);
     void noteDialed(int id, const QString& path);
 
     QString m_modem; ///< the path of the modem that is followed; empty without one
