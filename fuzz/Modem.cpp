@@ -44,18 +44,10 @@ constexpr const char* kOfonoProperties[] = {"Present",
                                             "EmergencyNumbers",
                                             "Attached",
                                             "Retries"};
-constexpr const char* kModemManagerProperties[] = {"State",
-                                                   "StateFailedReason",
-                                                   "PowerState",
-                                                   "UnlockRequired",
-                                                   "UnlockRetries",
-                                                   "SignalQuality",
-                                                   "RegistrationState",
-                                                   "OperatorName",
-                                                   "OperatorCode",
-                                                   "PacketServiceState",
-                                                   "Imsi",
-                                                   "EmergencyNumbers"};
+constexpr const char* kModemManagerProperties[] = {
+    "State",         "StateFailedReason", "PowerState",   "UnlockRequired", "UnlockRetries",
+    "SignalQuality", "RegistrationState", "OperatorName", "OperatorCode",   "PacketServiceState",
+    "Imsi",          "EmergencyNumbers"};
 
 void noteOfono(handset::PhoneFacts& facts, const QString& interface, const QString& property, QVariantMap& all)
 {
@@ -99,7 +91,9 @@ constexpr MakeValue kPlain[] = {
     [](Input& input) { return QVariant(input.text()); },
     [](Input& input) { return QVariant(textOf(input)); },
     [](Input& input) { return QVariant(textOf(input).split(u' ')); },
-    [](Input& input) { return QVariant(QVariantMap{{textOf(input), textOf(input)}}); },
+    [](Input& input) {
+        return QVariant(QVariantMap{{textOf(input), textOf(input)}});
+    },
     [](Input& input) { return QVariant::fromValue(QDBusObjectPath(textOf(input))); },
 };
 constexpr char kText = 10;
