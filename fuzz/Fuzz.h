@@ -78,6 +78,7 @@ struct Target
 std::span<const Target> channelTargets();
 std::span<const Target> fileTargets();
 std::span<const Target> messageTargets();
+std::span<const Target> modemTargets();
 std::span<const Target> socketTargets();
 std::span<const Target> textTargets();
 std::span<const Target> activityTargets();

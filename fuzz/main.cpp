@@ -32,8 +32,8 @@ std::FILE* s_report = nullptr;
 template<typename Visit>
 void forEachTarget(Visit visit)
 {
-    for (const auto targets : {messageTargets(), channelTargets(), socketTargets(), fileTargets(), textTargets(),
-                               storeTargets(), activityTargets(), conversationTargets()}) {
+    for (const auto targets : {messageTargets(), channelTargets(), socketTargets(), modemTargets(), fileTargets(),
+                               textTargets(), storeTargets(), activityTargets(), conversationTargets()}) {
         for (const Target& target : targets)
             visit(target);
     }

@@ -4,7 +4,6 @@
 #include "handset/common/Log.h"
 #include "platform/posix/UnixSocket_p.h"
 
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -94,21 +93,11 @@ void CommandConnection::send(int32_t code, const QByteArray& data)
     startTimeout();
 }
 
-/// Sends as much as the client accepts and keeps the rest.
+/// Sends as much as the client accepts and keeps the rest. A client that is gone may still have sent commands, so only
+/// the reply is dropped.
 void CommandConnection::sendUnsent()
 {
-    while (!m_unsent.isEmpty()) {
-        const auto left = std::span(m_unsent.constData(), static_cast<size_t>(m_unsent.size()));
-        std::array blocks{posix::toIovec(std::as_bytes(left))};
-        const ssize_t n = posix::sendSome(m_socket.get(), blocks);
-        if (n == 0)
-            break;
-        // The client is gone. It may still have sent commands, so only the reply is dropped.
-        if (n < 0)
-            m_unsent.clear();
-        else
-            m_unsent.remove(0, n);
-    }
+    posix::sendUnsent(m_socket.get(), m_unsent);
     m_readable.setEnabled(m_unsent.isEmpty());
     m_writable.setEnabled(!m_unsent.isEmpty());
 }

@@ -230,6 +230,17 @@ ssize_t sendSome(int fd, std::span<const std::byte> bytes)
     return n < 0 && isPassing() ? 0 : n;
 }
 
+void sendUnsent(int fd, QByteArray& unsent)
+{
+    while (!unsent.isEmpty()) {
+        const auto size = static_cast<size_t>(unsent.size());
+        const ssize_t n = sendSome(fd, std::as_bytes(std::span(unsent.constData(), size)));
+        if (n == 0)
+            return;
+        unsent.remove(0, n < 0 ? unsent.size() : n);
+    }
+}
+
 bool isAllReceived(int fd)
 {
     int unread = 0;

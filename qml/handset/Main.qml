@@ -44,7 +44,8 @@ ApplicationWindow {
     }
     Shortcut {
         sequences: ["Alt+N"]
-        onActivated: drawer.visible ? drawer.close() : window.openPanel()
+        enabled: !drawer.visible
+        onActivated: window.openPanel()
     }
 
     function openPanel() {
@@ -90,6 +91,12 @@ ApplicationWindow {
         padding: 0
         onAboutToShow: panel.active = true
 
+        // While the drawer is open, the window's own shortcuts are not heard.
+        Shortcut {
+            sequences: ["Alt+N"]
+            enabled: drawer.visible
+            onActivated: drawer.close()
+        }
         Loader {
             id: panel
 

@@ -11,7 +11,6 @@
 #include <QtCore/QPointer>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <iterator>
 #include <span>
@@ -172,16 +171,7 @@ private:
     /// Sends as much as the server accepts and keeps the rest. That the server has gone is noticed by reading.
     void sendUnsent()
     {
-        while (m_socket.isValid() && !m_unsent.isEmpty()) {
-            const auto left = std::as_bytes(std::span(m_unsent.constData(), static_cast<size_t>(m_unsent.size())));
-            const ssize_t n = posix::sendSome(m_socket.get(), left);
-            if (n == 0)
-                break;
-            if (n < 0)
-                m_unsent.clear();
-            else
-                m_unsent.remove(0, n);
-        }
+        posix::sendUnsent(m_socket.get(), m_unsent);
         m_writable.setEnabled(m_socket.isValid() && !m_unsent.isEmpty());
     }
 
