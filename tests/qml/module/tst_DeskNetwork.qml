@@ -4,29 +4,13 @@ import QtTest
 import ZynPhone
 import ZynPhone.Testing
 
-TestCase {
+PhoneCase {
     id: tests
     name: "DeskNetwork"
+    spies: [refusals]
 
     SignalSpy { id: refusals; target: DeskNetwork; signalName: "refused" }
     SignalSpy { id: hints; target: PhoneStatus; signalName: "ttyChanged" }
-
-    // The calls go to it when they are over.
-    function initTestCase() {
-        verify(TestHandset.start("zyn-recentcalld"))
-    }
-
-    function init() {
-        verify(TestHandset.start("zyn-phoned", "--step 60000"))
-        tryCompare(DeskNetwork, "available", true)
-        refusals.clear()
-    }
-
-    function cleanup() {
-        TestHandset.stop("zyn-phoned")
-        tryCompare(DeskNetwork, "available", false)
-        compare(DeskNetwork.scriptRunning, false)
-    }
 
     function calls() {
         return TestHandset.tool("phone calls").replace(/ +/g, " ")
@@ -131,9 +115,9 @@ TestCase {
 
     function test_scriptsEnd_data() {
         return [
-            { tag: "stopped", end: () => DeskNetwork.stopScript() },
-            { tag: "another", end: () => DeskNetwork.runScript(script("service-name Other\n")) },
-            { tag: "no server", end: () => TestHandset.stop("zyn-phoned") }
+            { tag: "stopped", end: () => DeskNetwork.stopScript(), name: "First" },
+            { tag: "another", end: () => DeskNetwork.runScript(script("service-name Other\n")), name: "Other" },
+            { tag: "no server", end: () => TestHandset.stop("zyn-phoned"), name: "First" }
         ]
     }
 
@@ -143,7 +127,7 @@ TestCase {
         compare(DeskNetwork.scriptRunning, true)
         row.end()
         tryCompare(DeskNetwork, "scriptRunning", false)
-        verify(PhoneStatus.serviceName !== "Late")
+        tryCompare(PhoneStatus, "serviceName", row.name)
     }
 
     function test_platform() {

@@ -15,6 +15,10 @@ TestCase {
 
     when: windowShown
 
+    function initTestCase() {
+        startServices()
+    }
+
     function startServices() {
         compare(TestHandset.tools(["emergency write 112"]), "")
         for (const [service, options] of [["zyn-recentcalld", ""], ["zyn-favourites", ""],
