@@ -33,16 +33,13 @@ QString textOf(const QString& path, const QString& group, const QString& key)
     return stored ? value : value == u"default" ? QString() : u"not the default"_s;
 }
 
-/// Writes the numbers from 0 to below @p count under keys of its own, saying each once it is stored.
-int writeMany(const QString& path, const QString& prefix, int count)
+/// Writes many numbers under keys of its own: PATH PREFIX.
+int writeMany(const QStringList& arguments)
 {
-    role::sayReady();
-    SETUP_SET_Manager settings(path, false);
-    for (int i = 0; i < count; ++i) {
-        if (!settings.setSettingInfo(u"many"_s, prefix + QString::number(i % kManyWrites), i))
+    SETUP_SET_Manager settings(arguments[0], false);
+    for (int i = 0; i < kManyWrites; ++i) {
+        if (!settings.setSettingInfo(u"many"_s, arguments[1] + QString::number(i), i))
             return EXIT_FAILURE;
-        std::printf("%d\n", i);
-        std::fflush(stdout);
     }
     return EXIT_SUCCESS;
 }
@@ -174,11 +171,10 @@ private Q_SLOTS:
     void losesNothingBetweenTwoWriters()
     {
         write("[g]\nk=stays\n");
-        const QString count = QString::number(kManyWrites);
-        const auto first = role::start(u"writer"_s, {path(), u"a"_s, count});
+        const auto first = role::start(u"writer"_s, {path(), u"a"_s});
         const QString link = m_directory->filePath(u"link"_s); // another name of the same file
         QVERIFY(QFile::link(u"settings.cfg"_s, link));
-        const auto second = role::start(u"writer"_s, {link, u"b"_s, count});
+        const auto second = role::start(u"writer"_s, {link, u"b"_s});
         for (QProcess* writer : {first.get(), second.get()}) {
             while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
                 QCOMPARE(get(), u"stays"_s);
@@ -186,26 +182,6 @@ private Q_SLOTS:
         }
         for (int i = 0; i < 2 * kManyWrites; ++i)
             QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
-    }
-
-    void survivesKilledWriters()
-    {
-        write("[g]\nk=stays\n");
-        for (int round = 0; round < 5; ++round) {
-            const auto writer =
-                role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
-            QVERIFY(role::waitReady(*writer));
-            for (int line = 0; line <= round; ++line)
-                QVERIFY(writer->waitForReadyRead(role::kTimeout));
-            writer->kill();
-            QCOMPARE(role::finish(*writer), -1);
-            const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
-            QVERIFY(set(u"1"_s, u"after"_s, QString::number(round)));
-            QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-            QCOMPARE(get(), u"stays"_s);
-            if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
-                QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
-        }
     }
 
 private:
@@ -309,9 +285,7 @@ private:
 
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_SETUP_SET_Manager>(
-        argc, argv,
-        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }}});
+    return role::testMain<tst_SETUP_SET_Manager>(argc, argv, {{u"writer"_s, writeMany}});
 }
 
 #include "tst_SETUP_SET_Manager.moc"
