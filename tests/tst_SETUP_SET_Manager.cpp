@@ -107,10 +107,12 @@ private Q_SLOTS:
                      writeText(w[1] == u"empty" ? QString() : w[1]);
                  return set(u"new"_s, w[0]) && get(w[0]) == u"new" && isAlone() ? text() : u"failed"_s;
              }},
-            {u"convert"_s,
+            {u"convert"_s, [this](Words w) { return convert(w.value(0)); }},
+            {u"convert-none"_s, // of all, those that are something
              [this](Words w) {
-                 writeText(u"[g]|k="_s + w.value(0) + u'|');
-                 return convert();
+                 QStringList all = w;
+                 all.removeIf([this](const QString& text) { return convert(text) == u"- - -"; });
+                 return all.join(u' ');
              }},
             {u"fail"_s, [this](Words w) { return fail(decoded(w[0]), w[1].toInt(), w.mid(2).join(u' ').toLatin1()); }},
             {u"umask"_s, [](Words w) { ::umask(w[0].toUShort(nullptr, 8)); }},
@@ -218,9 +220,10 @@ private:
         return text().remove(u"[g]|k=%EF%BB%BF"_s).remove(u"|[h]|k=other|"_s);
     }
 
-    /// The stored value as an int, an unsigned int and a bool; - for the default.
-    QString convert() const
+    /// A stored value as an int, an unsigned int and a bool; - for the default.
+    QString convert(const QString& text) const
     {
+        writeText(u"[g]|k="_s + text + u'|');
         SETUP_SET_Manager settings(path(), false);
         const auto get = [&](auto fallback) {
             decltype(fallback) value{};

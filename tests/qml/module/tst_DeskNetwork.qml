@@ -49,11 +49,9 @@ PhoneCase {
     function test_refusals_data() {
         return [
             { tag: "nothing to answer", ask: () => DeskNetwork.answer(), reason: "there is no call" },
-            { tag: "no call to end", ask: () => DeskNetwork.hangUp(), reason: "there is no call" },
             { tag: "no number", ask: () => DeskNetwork.incoming("Anna"), reason: "not a number" },
             { tag: "unknown status", ask: () => DeskNetwork.status("signal-qualty", [1]), reason: "signal-quality" },
             { tag: "a value too few", ask: () => DeskNetwork.status("network", [5]), reason: "network status id" },
-            { tag: "no such value", ask: () => DeskNetwork.status("charger", ["full"]), reason: "whole number" },
             { tag: "nothing", ask: () => DeskNetwork.status(""), reason: "nothing" },
             { tag: "a NUL", ask: () => DeskNetwork.incoming("0301", "A\u0000B"), reason: "cannot be sent" },
             { tag: "too long", ask: () => DeskNetwork.status("service-name", ["x".repeat(20000)]),
@@ -97,8 +95,6 @@ PhoneCase {
         return [
             { tag: "unclosed quote", text: "signal-quality 2\nincoming \"0301\n",
               reason: "desk.script:2: unclosed quote" },
-            { tag: "no delay", text: "+soon answer\n", reason: "desk.script:1: 'soon'" },
-            { tag: "a delay alone", text: "\n+10\n", reason: "desk.script:2: a delay without an event" },
             { tag: "no file", text: null, reason: "not a readable file" }
         ]
     }
