@@ -95,6 +95,17 @@ QString shown(const Outcome& outcome)
     return outcome.first + u" -> "_s + (emitted.isEmpty() ? u"nothing"_s : emitted);
 }
 
+/// The first of the names of which @p client makes more than the line that it writes of each.
+QString notIgnored(const Client& client, const QString& written, const Words& names)
+{
+    for (const QString& name : names) {
+        const Outcome outcome = receiveAndEnd(client, {name, u"0101010101010101"_s});
+        if (outcome != Outcome{QString(written).replace(u"NAME"_s, QString::fromLatin1(bytesOf(name).constData())), {}})
+            return name + u": "_s + shown(outcome);
+    }
+    return {};
+}
+
 QByteArray nameOf(const QByteArray& signal)
 {
     return signal.left(signal.indexOf('('));
@@ -263,6 +274,11 @@ void tst_ChannelMessages::speaksTheMessages()
              return relay == relayed ? shown(own) : u"relayed: "_s + shown(relay);
          }},
         {u"screens"_s, [](const Words& words) { return shown(receiveAndEnd(kScreens, words)); }},
+        {u"phone-ignores"_s,
+         [](const Words& names) {
+             return notIgnored(kPhone, u"<receive>"_s, names) + notIgnored(kRelay, u"<receive>"_s, names);
+         }},
+        {u"screens-ignores"_s, [](const Words& names) { return notIgnored(kScreens, u"get message: NAME"_s, names); }},
         {u"calls"_s, [](const Words& words) { return shown(receiveAndEnd(kCalls, words)); }},
         {u"phone-cut"_s, [](const Words& words) { return receiveCut(kPhone, words); }},
         {u"screens-cut"_s, [](const Words& words) { return receiveCut(kScreens, words); }},

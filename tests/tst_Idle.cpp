@@ -45,7 +45,8 @@ qint64 sleeps(qint64 process)
     return all;
 }
 
-/// The fewest wake-ups of a process while it is watched: what comes again and again comes each time.
+/// The fewest wake-ups of a process while it is watched: what comes again and again comes each time. Less than 0 of one
+/// that is gone.
 qint64 wakeUpsAtRest(qint64 process)
 {
     qint64 fewest = -1;
@@ -53,6 +54,8 @@ qint64 wakeUpsAtRest(qint64 process)
         const qint64 before = sleeps(process);
         QTest::qSleep(kWatched);
         const qint64 more = sleeps(process) - before;
+        if (before == 0 || more < 0) // it is not there, or no more
+            return -1;
         fewest = fewest < 0 ? more : std::min(fewest, more);
     }
     return fewest;

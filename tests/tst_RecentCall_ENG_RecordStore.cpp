@@ -1,6 +1,5 @@
 // The recent calls on disk.
 #include "support/Scenario.h"
-#include "support/ScopedFileSizeLimit.h"
 #include "support/StoreFixture.h"
 
 #include <array>
@@ -144,15 +143,10 @@ private Q_SLOTS:
             {u"uids"_s, uids},
             {u"file"_s, [&](Words w) { return shown(m_fixture->read(listOf(w))); }},
         };
-        const auto act = [verbs](Words w) { return verbs.at(w[0])(w.mid(1)); };
-        verbs.emplace(u"says"_s, [=, this](Words w) {
+        verbs.emplace(u"says"_s, [verbs, this](Words w) {
             StdoutCapture output;
-            act(w);
+            verbs.at(w[0])(w.mid(1));
             return QString::fromUtf8(output.take()).replace(m_fixture->path() + u"/phone"_s, u"@"_s);
-        });
-        verbs.emplace(u"within"_s, [=](Words w) {
-            const ScopedFileSizeLimit limit(w[0].toUInt());
-            return act(w.mid(1));
         });
         scenario::play(verbs);
     }

@@ -33,16 +33,13 @@ QString textOf(const QString& path, const QString& group, const QString& key)
     return stored ? value : value == u"default" ? QString() : u"not the default"_s;
 }
 
-/// Writes the numbers from 0 to below @p count under keys of its own, saying each once it is stored.
-int writeMany(const QString& path, const QString& prefix, int count)
+/// Writes many numbers under keys of its own: PATH PREFIX.
+int writeMany(const QStringList& arguments)
 {
-    role::sayReady();
-    SETUP_SET_Manager settings(path, false);
-    for (int i = 0; i < count; ++i) {
-        if (!settings.setSettingInfo(u"many"_s, prefix + QString::number(i % kManyWrites), i))
+    SETUP_SET_Manager settings(arguments[0], false);
+    for (int i = 0; i < kManyWrites; ++i) {
+        if (!settings.setSettingInfo(u"many"_s, arguments[1] + QString::number(i), i))
             return EXIT_FAILURE;
-        std::printf("%d\n", i);
-        std::fflush(stdout);
     }
     return EXIT_SUCCESS;
 }
@@ -110,10 +107,12 @@ private Q_SLOTS:
                      writeText(w[1] == u"empty" ? QString() : w[1]);
                  return set(u"new"_s, w[0]) && get(w[0]) == u"new" && isAlone() ? text() : u"failed"_s;
              }},
-            {u"convert"_s,
+            {u"convert"_s, [this](Words w) { return convert(w.value(0)); }},
+            {u"convert-none"_s, // of all, those that are something
              [this](Words w) {
-                 writeText(u"[g]|k="_s + w.value(0) + u'|');
-                 return convert();
+                 QStringList all = w;
+                 all.removeIf([this](const QString& text) { return convert(text) == u"- - -"; });
+                 return all.join(u' ');
              }},
             {u"fail"_s, [this](Words w) { return fail(decoded(w[0]), w[1].toInt(), w.mid(2).join(u' ').toLatin1()); }},
             {u"umask"_s, [](Words w) { ::umask(w[0].toUShort(nullptr, 8)); }},
@@ -174,11 +173,10 @@ private Q_SLOTS:
     void losesNothingBetweenTwoWriters()
     {
         write("[g]\nk=stays\n");
-        const QString count = QString::number(kManyWrites);
-        const auto first = role::start(u"writer"_s, {path(), u"a"_s, count});
+        const auto first = role::start(u"writer"_s, {path(), u"a"_s});
         const QString link = m_directory->filePath(u"link"_s); // another name of the same file
         QVERIFY(QFile::link(u"settings.cfg"_s, link));
-        const auto second = role::start(u"writer"_s, {link, u"b"_s, count});
+        const auto second = role::start(u"writer"_s, {link, u"b"_s});
         for (QProcess* writer : {first.get(), second.get()}) {
             while (!writer->waitForFinished(0) && writer->state() != QProcess::NotRunning)
                 QCOMPARE(get(), u"stays"_s);
@@ -186,26 +184,6 @@ private Q_SLOTS:
         }
         for (int i = 0; i < 2 * kManyWrites; ++i)
             QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
-    }
-
-    void survivesKilledWriters()
-    {
-        write("[g]\nk=stays\n");
-        for (int round = 0; round < 5; ++round) {
-            const auto writer =
-                role::start(u"writer"_s, {path(), QString::number(round) + u'.', QString::number(INT_MAX)});
-            QVERIFY(role::waitReady(*writer));
-            for (int line = 0; line <= round; ++line)
-                QVERIFY(writer->waitForReadyRead(role::kTimeout));
-            writer->kill();
-            QCOMPARE(role::finish(*writer), -1);
-            const QList<QByteArray> said = writer->readAllStandardOutput().split('\n');
-            QVERIFY(set(u"1"_s, u"after"_s, QString::number(round)));
-            QCOMPARE(files(), QStringList({u"."_s, u".."_s, u"settings.cfg"_s}));
-            QCOMPARE(get(), u"stays"_s);
-            if (const int last = said.value(said.size() - 2).toInt(); last > 0 && last < kManyWrites)
-                QCOMPARE_GE(textOf(path(), u"many"_s, u"%1.%2"_s.arg(round).arg(last)).toInt(), last);
-        }
     }
 
 private:
@@ -242,9 +220,10 @@ private:
         return text().remove(u"[g]|k=%EF%BB%BF"_s).remove(u"|[h]|k=other|"_s);
     }
 
-    /// The stored value as an int, an unsigned int and a bool; - for the default.
-    QString convert() const
+    /// A stored value as an int, an unsigned int and a bool; - for the default.
+    QString convert(const QString& text) const
     {
+        writeText(u"[g]|k="_s + text + u'|');
         SETUP_SET_Manager settings(path(), false);
         const auto get = [&](auto fallback) {
             decltype(fallback) value{};
@@ -309,9 +288,7 @@ private:
 
 int main(int argc, char** argv)
 {
-    return role::testMain<tst_SETUP_SET_Manager>(
-        argc, argv,
-        {{u"writer"_s, [](const QStringList& a) { return writeMany(a.value(0), a.value(1), a.value(2).toInt()); }}});
+    return role::testMain<tst_SETUP_SET_Manager>(argc, argv, {{u"writer"_s, writeMany}});
 }
 
 #include "tst_SETUP_SET_Manager.moc"

@@ -177,6 +177,11 @@ public:
         QDir().mkpath(QFileInfo(file).path());
         return file.open(QIODevice::WriteOnly) && file.write(latin1.toLatin1()) == latin1.size();
     }
+    /// Writes it in UTF-8, and gives its URL; none when that fails.
+    Q_INVOKABLE QUrl write(const QString& name, const QString& text)
+    {
+        return writeBytes(name, QString::fromLatin1(text.toUtf8())) ? QUrl::fromLocalFile(path(name)) : QUrl();
+    }
     /// Makes a folder where a file is expected.
     Q_INVOKABLE bool block(const QString& name) { return remove(name) && QDir().mkpath(path(name)); }
     /// Removes a file, or a folder with all that is in it.
@@ -215,16 +220,6 @@ public:
         return m_played->isListening();
     }
     Q_INVOKABLE void stopPlaying() { m_played.reset(); }
-
-    /// Writes the file @p name of the tests, and gives its URL.
-    Q_INVOKABLE QUrl write(const QString& name, const QString& text)
-    {
-        QFile file(path(name));
-        const QByteArray bytes = text.toUtf8();
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
-                   ? QUrl::fromLocalFile(file.fileName())
-                   : QUrl();
-    }
 
 private:
     static QString path(const QString& name) { return qEnvironmentVariable(kFolder) + QLatin1Char('/') + name; }

@@ -98,7 +98,8 @@ inline QString shell(const QString& folder, const QStringList& command)
 }
 
 /// Adds a row for each scenario in the file @p path: "# name", then the steps. What a step shows stands behind " = ";
-/// what it comes to show behind " => ", and what that comes to contain behind " ~ ". Other steps show nothing.
+/// what it comes to show behind " => ", and what that comes to contain behind " ~ ". Other steps show nothing. Lines
+/// "| name | value" make the scenario several rows, in which $1 stands for the name, $2 for the value, and so on to $9.
 inline void addRows(const QString& path)
 {
     QTest::addColumn<QStringList>("steps");
@@ -107,7 +108,19 @@ inline void addRows(const QString& path)
         qFatal("no scenarios");
     for (const QString& text : QString::fromUtf8(file.readAll()).split(QStringLiteral("\n# ")).mid(1)) {
         const QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QTest::newRow(qPrintable(lines.first())) << lines.mid(1);
+        QStringList steps;
+        QStringList rows;
+        for (const QString& line : lines.mid(1))
+            (line.startsWith(QLatin1String("| ")) ? rows : steps) += line;
+        if (rows.isEmpty())
+            QTest::newRow(qPrintable(lines.first())) << steps;
+        for (const QString& row : rows) {
+            const QStringList cells = row.mid(2).split(QStringLiteral(" | "));
+            QStringList filled = steps;
+            for (int cell = 1; cell <= 9; ++cell)
+                filled.replaceInStrings(QStringLiteral("$%1").arg(cell), cells.value(cell - 1));
+            QTest::newRow(qPrintable(lines.first() + QStringLiteral(": ") + cells.first())) << filled;
+        }
     }
 }
 

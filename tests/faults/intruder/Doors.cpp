@@ -114,20 +114,25 @@ const Operation kOperations[] = {
 
 };
 
+void tell(int out, const QByteArray& operation, const QByteArray& path, bool hasSucceeded)
+{
+    say(out, operation + '\t' + path + '\t' + (hasSucceeded ? '1' : '0'));
+}
+
 /// A process of the first user: looked into, and told to end.
 void attackProcess(int out, pid_t process)
 {
     const QByteArray folder = "/proc/" + QByteArray::number(process) + '/';
     for (const char* file : {"mem", "environ", "maps", "auxv", "stack", "syscall", "fd/0", "fd/3", "cwd/x", "io"})
-        say(out, "read\t" + folder + file + '\t' + (isOpened(folder + file, O_RDONLY) ? '1' : '0'));
+        tell(out, "read", folder + file, isOpened(folder + file, O_RDONLY));
     for (const int signal : {0, SIGTERM, SIGKILL, SIGSTOP, SIGUSR1})
-        say(out, "signal\t" + folder + '\t' + (::kill(process, signal) == 0 ? '1' : '0'));
-    say(out, "trace\t" + folder + '\t' + (::ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0 ? '1' : '0'));
+        tell(out, "signal", folder, ::kill(process, signal) == 0);
+    tell(out, "trace", folder, ::ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0);
     char byte = 0;
     const iovec here = {&byte, 1};
     const iovec there = {&byte, 1}; // which need not be anything there: to be let in is enough
     const bool isIn = ::process_vm_readv(process, &here, 1, &there, 1, 0) == 1 || errno != EPERM;
-    say(out, "look into\t" + folder + '\t' + (isIn ? '1' : '0'));
+    tell(out, "look into", folder, isIn);
 }
 
 /// The number that the channels' processes share.
@@ -139,11 +144,11 @@ void attackSegments(int out, const QList<int>& segments)
         const auto isAttached = [id](int flags) {
             return reinterpret_cast<intptr_t>(::shmat(id, nullptr, flags)) != -1;
         };
-        say(out, "read\t" + name + '\t' + (isAttached(SHM_RDONLY) ? '1' : '0'));
-        say(out, "write\t" + name + '\t' + (isAttached(0) ? '1' : '0'));
-        say(out, "inspect\t" + name + '\t' + (::shmctl(id, IPC_STAT, &status) == 0 ? '1' : '0'));
-        say(out, "take over\t" + name + '\t' + (::shmctl(id, IPC_SET, &status) == 0 ? '1' : '0'));
-        say(out, "remove\t" + name + '\t' + (::shmctl(id, IPC_RMID, nullptr) == 0 ? '1' : '0'));
+        tell(out, "read", name, isAttached(SHM_RDONLY));
+        tell(out, "write", name, isAttached(0));
+        tell(out, "inspect", name, ::shmctl(id, IPC_STAT, &status) == 0);
+        tell(out, "take over", name, ::shmctl(id, IPC_SET, &status) == 0);
+        tell(out, "remove", name, ::shmctl(id, IPC_RMID, nullptr) == 0);
     }
 }
 
@@ -179,7 +184,7 @@ void attackDoors(const Place& place, const Handset& handset)
                 if (!QByteArray(operation.kinds).contains(kinds[path]))
                     continue;
                 isOpened(kLair + "/bait", O_WRONLY | O_CREAT);
-                say(out, QByteArray(operation.name) + '\t' + path + '\t' + (operation.attempt(path) ? '1' : '0'));
+                tell(out, operation.name, path, operation.attempt(path));
             }
         }
         attackSegments(out, segments);

@@ -20,13 +20,13 @@ TestCase {
 
     function test_typing_data() {
         return [
-            { tag: "nothing", text: "", verdict: EmergencyNumber.Empty },
             { tag: "begins", text: "11", verdict: EmergencyNumber.Possible },
             { tag: "whole", text: "112", verdict: EmergencyNumber.Emergency },
             { tag: "too long", text: "1123", verdict: EmergencyNumber.Refused },
             { tag: "another", text: "0301", verdict: EmergencyNumber.Refused },
             { tag: "a NUL behind one", text: "112\u00005", verdict: EmergencyNumber.Refused },
-            { tag: "no Latin-1", text: "\u0661\u0661\u0662", verdict: EmergencyNumber.Refused }
+            { tag: "no Latin-1", text: "\u0661\u0661\u0662", verdict: EmergencyNumber.Refused },
+            { tag: "nothing", text: "", verdict: EmergencyNumber.Empty }
         ]
     }
 

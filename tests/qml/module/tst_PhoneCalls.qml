@@ -4,9 +4,10 @@ import QtTest
 import ZynPhone
 import ZynPhone.Testing
 
-TestCase {
+PhoneCase {
     id: tests
     name: "PhoneCalls"
+    spies: [failures, overs, rings]
 
     property var states: []
     property int turns: 0
@@ -33,22 +34,10 @@ TestCase {
         }
     }
 
-    // The calls go to it when they are over.
-    function initTestCase() {
-        verify(TestHandset.start("zyn-recentcalld"))
-    }
-
-    function init() {
-        verify(TestHandset.start("zyn-phoned", "--step 60000"))
-        tryCompare(PhoneCalls, "available", true)
-        states = []
-        for (const spy of [failures, overs, rings])
-            spy.clear()
-    }
-
     function cleanup() {
         TestHandset.stop("zyn-phoned")
         tryCompare(PhoneCalls, "available", false)
+        states = []
         compare(PhoneCalls.calls.count, 0)
         compare(PhoneCalls.ringing, false)
         verify(PhoneCalls.calls.error !== "")

@@ -27,6 +27,7 @@ TestCase {
             compare(PhoneStatus[name], PhoneStatus.Unknown, name)
         for (const name of texts)
             compare(PhoneStatus[name], undefined, name)
+        listen()
     }
 
     /// Whoever is told of one value of a message finds the others.
@@ -60,59 +61,46 @@ TestCase {
         tryCompare(refreshed, "count", before + 1)
     }
 
+    // Each property, a message and the value that it brings, and another one.
+    readonly property var properties: [
+        ["powerOnMode", "power-on-mode 3", 3, "power-on-mode -2", -2],
+        ["simCard", "sim-card 0", PhoneStatus.SimReady, "sim-card 3", PhoneStatus.SimLocked],
+        ["pin", "pin 1", PhoneStatus.Pin1Required, "pin 2", PhoneStatus.Puk1Required],
+        ["subsidyLock", "subsidy-lock 0", 0, "subsidy-lock 1", 1],
+        ["charger", "charger 1", PhoneStatus.Charging, "charger 2", PhoneStatus.ChargedFull],
+        ["batteryStatus", "battery-status 1", PhoneStatus.BatteryLow, "battery-status 2147483647", 2147483647],
+        ["batteryCapacity", "battery-capacity 0", 0, "battery-capacity 255", 255],
+        ["signalQuality", "signal-quality 4", 4, "signal-quality 0", 0],
+        ["service", "service-availability 1", PhoneStatus.Yes, "service-availability 0", PhoneStatus.No],
+        ["roaming", "roaming 1", 1, "roaming 0", 0],
+        ["networkStatus", "network 1 ''", PhoneStatus.Searching, "network 5 26201", PhoneStatus.Registered],
+        ["networkId", "network 5 26202", "26202", "network 0 26202", ""],
+        ["serviceName", "service-name Desk%20Network", "Desk Network", "network 2 ''", ""],
+        ["providerName", "provider-name Grün 1", "Grün", "network 3 ''", ""],
+        ["providerFlag", "provider-name '' 200", 200, "network 3 ''", 0],
+        ["homeZone", "home-zone-name ''", "", "home-zone-name Home", "Home"],
+        ["wifiProfile", "wifi-profile-name ''", "", "wifi-profile-name Café", "Café"],
+        ["imsi", "imsi 262011234567890", "262011234567890",
+         "imsi hex:00010203040506070809101112131415", "hex:00010203040506070809101112131415"],
+        ["gprsAttached", "gprs-attached 0", 0, "gprs-attached 7", 1],
+        ["gprsActivated", "gprs-activated 1", 1, "gprs-activated 0", 0],
+        ["gprsService", "gprs-service 1", 1, "gprs-service 0", 0],
+        ["egprsService", "egprs-service 0", 0, "egprs-service 1", 1],
+        ["egprsTransmitting", "egprs-transmission 1", 1, "egprs-transmission 0", 0],
+        ["openGprsResult", "open-gprs-result 0", 0, "open-gprs-result -5", -5],
+        ["closeGprsResult", "close-gprs-result 2", 2, "close-gprs-result 0", 0],
+        ["umaIcon", "uma-icon 2", 2, "uma-icon 0", 0],
+        ["operatorLogoHidden", "operator-logo 9", PhoneStatus.Yes, "operator-logo 0", PhoneStatus.No],
+        ["currentDuration", "current-duration 1 7", 7, "current-duration 0 -1", 2147483647],
+        ["totalDuration", "total-duration 0 0", 0, "total-duration 1 90", 90],
+        ["totalBytes", "total-bytes 0 -1 2 3", 4294967295, "total-bytes 1 0 2 3", 0],
+        ["sentBytes", "total-bytes 0 1 20 3", 20, "total-bytes 0 1 30 3", 30],
+        ["receivedBytes", "total-bytes 0 1 2 4", 4, "total-bytes 0 1 2 5", 5],
+        ["dataConnected", "total-bytes 1 0 0 0", PhoneStatus.Yes, "total-bytes 2 0 0 0", PhoneStatus.No]
+    ]
+
     function test_properties_data() {
-        return [
-            { tag: "powerOnMode", first: "power-on-mode 3", value: 3, second: "power-on-mode -2", other: -2 },
-            { tag: "simCard", first: "sim-card 0", value: PhoneStatus.SimReady, second: "sim-card 3",
-              other: PhoneStatus.SimLocked },
-            { tag: "pin", first: "pin 1", value: PhoneStatus.Pin1Required, second: "pin 2",
-              other: PhoneStatus.Puk1Required },
-            { tag: "subsidyLock", first: "subsidy-lock 0", value: 0, second: "subsidy-lock 1", other: 1 },
-            { tag: "charger", first: "charger 1", value: PhoneStatus.Charging, second: "charger 2",
-              other: PhoneStatus.ChargedFull },
-            { tag: "batteryStatus", first: "battery-status 1", value: PhoneStatus.BatteryLow,
-              second: "battery-status 2147483647", other: 2147483647 },
-            { tag: "batteryCapacity", first: "battery-capacity 0", value: 0, second: "battery-capacity 255",
-              other: 255 },
-            { tag: "signalQuality", first: "signal-quality 4", value: 4, second: "signal-quality 0", other: 0 },
-            { tag: "service", first: "service-availability 1", value: PhoneStatus.Yes,
-              second: "service-availability 0", other: PhoneStatus.No },
-            { tag: "roaming", first: "roaming 1", value: 1, second: "roaming 0", other: 0 },
-            { tag: "networkStatus", first: "network 1 ''", value: PhoneStatus.Searching, second: "network 5 26201",
-              other: PhoneStatus.Registered },
-            { tag: "networkId", first: "network 5 26202", value: "26202", second: "network 0 26202", other: "" },
-            { tag: "serviceName", first: "service-name Desk%20Network", value: "Desk Network",
-              second: "network 2 ''", other: "" },
-            { tag: "providerName", first: "provider-name Grün 1", value: "Grün", second: "network 3 ''", other: "" },
-            { tag: "providerFlag", first: "provider-name '' 200", value: 200, second: "network 3 ''", other: 0 },
-            { tag: "homeZone", first: "home-zone-name ''", value: "", second: "home-zone-name Home", other: "Home" },
-            { tag: "wifiProfile", first: "wifi-profile-name ''", value: "", second: "wifi-profile-name Café",
-              other: "Café" },
-            { tag: "imsi", first: "imsi 262011234567890", value: "262011234567890",
-              second: "imsi hex:00010203040506070809101112131415",
-              other: "hex:00010203040506070809101112131415" },
-            { tag: "gprsAttached", first: "gprs-attached 0", value: 0, second: "gprs-attached 7", other: 1 },
-            { tag: "gprsActivated", first: "gprs-activated 1", value: 1, second: "gprs-activated 0", other: 0 },
-            { tag: "gprsService", first: "gprs-service 1", value: 1, second: "gprs-service 0", other: 0 },
-            { tag: "egprsService", first: "egprs-service 0", value: 0, second: "egprs-service 1", other: 1 },
-            { tag: "egprsTransmitting", first: "egprs-transmission 1", value: 1, second: "egprs-transmission 0",
-              other: 0 },
-            { tag: "openGprsResult", first: "open-gprs-result 0", value: 0, second: "open-gprs-result -5", other: -5 },
-            { tag: "closeGprsResult", first: "close-gprs-result 2", value: 2, second: "close-gprs-result 0",
-              other: 0 },
-            { tag: "umaIcon", first: "uma-icon 2", value: 2, second: "uma-icon 0", other: 0 },
-            { tag: "operatorLogoHidden", first: "operator-logo 9", value: PhoneStatus.Yes, second: "operator-logo 0",
-              other: PhoneStatus.No },
-            { tag: "currentDuration", first: "current-duration 1 7", value: 7, second: "current-duration 0 -1",
-              other: 2147483647 },
-            { tag: "totalDuration", first: "total-duration 0 0", value: 0, second: "total-duration 1 90", other: 90 },
-            { tag: "totalBytes", first: "total-bytes 0 -1 2 3", value: 4294967295, second: "total-bytes 1 0 2 3",
-              other: 0 },
-            { tag: "sentBytes", first: "total-bytes 0 1 20 3", value: 20, second: "total-bytes 0 1 30 3", other: 30 },
-            { tag: "receivedBytes", first: "total-bytes 0 1 2 4", value: 4, second: "total-bytes 0 1 2 5", other: 5 },
-            { tag: "dataConnected", first: "total-bytes 1 0 0 0", value: PhoneStatus.Yes,
-              second: "total-bytes 2 0 0 0", other: PhoneStatus.No }
-        ]
+        return properties.map(([name, first, value, second, other]) => ({ tag: name, first, value, second, other }))
     }
 
     function test_properties(row) {
@@ -129,35 +117,18 @@ TestCase {
     }
 
     function test_everyPropertyHasARow() {
-        compare(test_properties_data().map(row => row.tag).sort(), numbers.concat(texts).sort())
+        compare(properties.map(row => row[0]).sort(), numbers.concat(texts).sort())
     }
 
-    Connections {
-        target: PhoneStatus
-        function onBatteryLow() { tests.events.push("batteryLow") }
-        function onBatteryLowStateChanged() { tests.events.push("batteryLowStateChanged") }
-        function onChargeCompleted() { tests.events.push("chargeCompleted") }
-        function onVoiceCallChanged() { tests.events.push("voiceCallChanged") }
-        function onCsdCallChanged() { tests.events.push("csdCallChanged") }
-        function onCallForwardingChanged() { tests.events.push("callForwardingChanged") }
-        function onLineChanged() { tests.events.push("lineChanged") }
-        function onCallBarringChanged() { tests.events.push("callBarringChanged") }
-        function onWifiCampStatusChanged() { tests.events.push("wifiCampStatusChanged") }
-        function onWifiSignalBarChanged() { tests.events.push("wifiSignalBarChanged") }
-        function onWifiConnecting() { tests.events.push("wifiConnecting") }
-        function onTtyChanged() { tests.events.push("ttyChanged") }
-        function onSimCardReplaced() { tests.events.push("simCardReplaced") }
-        function onRadioSwitched(success) { tests.events.push("radioSwitched " + success) }
-        function onDurationReset(first, success) { tests.events.push("durationReset " + [first, success]) }
-        function onSessionDataReceived(session, connected, total, sent, received) {
-            tests.events.push("sessionDataReceived " + [session, connected, total, sent, received])
-        }
-        function onServiceDescribed(third, first, second) {
-            tests.events.push("serviceDescribed " + [third, first, second])
-        }
-        function onNetworksReceived(kind, networks) {
-            tests.events.push("networksReceived " + kind + networks.map(network => " " + network.id + network.name))
-        }
+    // Each event is noted with its arguments.
+    function listen() {
+        const all = new Set(test_events_data().map(row => row.event.split(" ")[0]))
+        for (const name of all)
+            PhoneStatus[name].connect((...values) => events.push([name, ...values.map(shown)].join(" ").trim()))
+    }
+
+    function shown(value) {
+        return value.map ? value.map(network => network.id + network.name).join("+") : value
     }
 
     function test_events_data() {
@@ -177,11 +148,11 @@ TestCase {
             { tag: "sim-card-changed", event: "simCardReplaced" },
             { tag: "radio-mode-result 0", event: "radioSwitched false" },
             { tag: "radio-mode-result 2", event: "radioSwitched true" },
-            { tag: "reset-total-duration-result 0 0", event: "durationReset true,true" },
-            { tag: "reset-total-duration-result 1 5", event: "durationReset false,false" },
-            { tag: "session-bytes 1 200 -1 1 2", event: "sessionDataReceived 200,true,4294967295,1,2" },
-            { tag: "service-id-and-name a b c", event: "serviceDescribed c,a,b" },
-            { tag: "network-list-0 26201 Desk 26202 Gr%C3%BCn", event: "networksReceived 0 26201Desk, 26202Grün" },
+            { tag: "reset-total-duration-result 0 0", event: "durationReset true true" },
+            { tag: "reset-total-duration-result 1 5", event: "durationReset false false" },
+            { tag: "session-bytes 1 200 -1 1 2", event: "sessionDataReceived 200 true 4294967295 1 2" },
+            { tag: "service-id-and-name a b c", event: "serviceDescribed c a b" },
+            { tag: "network-list-0 26201 Desk 26202 Gr%C3%BCn", event: "networksReceived 0 26201Desk+26202Grün" },
             { tag: "network-list-1", event: "networksReceived 1" }
         ]
     }

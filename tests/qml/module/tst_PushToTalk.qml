@@ -4,8 +4,9 @@ import QtTest
 import ZynPhone
 import ZynPhone.Testing
 
-TestCase {
+PhoneCase {
     name: "PushToTalk"
+    spies: [failures]
 
     SignalSpy { id: failures; target: PushToTalk; signalName: "failed" }
     Repeater {
@@ -15,22 +16,6 @@ TestCase {
             required property string number
             required property string type
         }
-    }
-
-    // The calls go to it when they are over.
-    function initTestCase() {
-        verify(TestHandset.start("zyn-recentcalld"))
-    }
-
-    function init() {
-        verify(TestHandset.start("zyn-phoned", "--step 60000"))
-        tryCompare(PhoneCalls, "available", true)
-        failures.clear()
-    }
-
-    function cleanup() {
-        TestHandset.stop("zyn-phoned")
-        tryCompare(PhoneCalls, "available", false)
     }
 
     function test_calls_data() {

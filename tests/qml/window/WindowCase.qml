@@ -15,6 +15,10 @@ TestCase {
 
     when: windowShown
 
+    function initTestCase() {
+        startServices()
+    }
+
     function init() {
         failOnWarning(/.?/)
     }

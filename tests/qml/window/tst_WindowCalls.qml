@@ -4,24 +4,12 @@ import ZynPhone
 import ZynPhone.Handset
 import ZynPhone.Testing
 
-Item {
-    width: 360
-    height: 720
-
-    Phone {
-        id: phone
-
-        anchors.fill: parent
-        focus: true
-    }
+PhoneWindow {
+    id: window
 
     WindowCase {
         name: "WindowCalls"
-        phone: phone
-
-        function initTestCase() {
-            startServices()
-        }
+        phone: window.phone
 
         function test_missed() {
             const before = MissedCalls.unread

@@ -83,7 +83,9 @@ Item {
             TestWindow.speak("de")
             row.open()
             wait(300)
-            for (const item of itemsOf(phone, item => item.visible && item instanceof AbstractButton)) {
+            const buttons = itemsOf(phone, item => item.visible && item instanceof AbstractButton)
+            verify(buttons.length > 0)
+            for (const item of buttons) {
                 const left = item.mapToItem(phone, 0, 0).x
                 verify(left >= 0 && left + item.width <= phone.width + 1, `${item.objectName} ${item.text} ${left}`)
             }
@@ -108,6 +110,7 @@ Item {
             verify(TestWindow.speak("de"))
             const german = texts()
             TestWindow.speak("en")
+            verify(english.length > 0 && german.length > 0)
             const same = german.filter(text => english.includes(text))
             const international = ["WXYZ", "PQRS", "Nordfunk", "System", "Name", "Roaming"]
             compare(same.filter(text => !international.includes(text)), [])

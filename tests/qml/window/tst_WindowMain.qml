@@ -25,6 +25,8 @@ Item {
         readonly property real narrow: Theme.base * 30
         readonly property real wide: Theme.base * 80
 
+        function initTestCase() {}
+
         function cleanup() {
             Theme.choice = ""
             Navigation.go("idle")

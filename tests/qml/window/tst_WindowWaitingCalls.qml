@@ -4,22 +4,16 @@ import ZynPhone
 import ZynPhone.Handset
 import ZynPhone.Testing
 
-Item {
-    width: 360
-    height: 720
-
-    Phone {
-        id: phone
-
-        anchors.fill: parent
-        focus: true
-    }
+PhoneWindow {
+    id: window
 
     WindowCase {
         name: "WindowWaitingCalls"
-        phone: phone
+        phone: window.phone
 
         readonly property int calls: 3 // what a phone server answers with a list
+
+        function initTestCase() {} // what is played is in the services' place
 
         function cleanup() {
             TestHandset.stopPlaying()
