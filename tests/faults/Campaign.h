@@ -69,6 +69,7 @@ void files(Campaign& campaign);
 void kills(Campaign& campaign);
 void messages(Campaign& campaign);
 void playWeek(Campaign& campaign);
+void servers(Campaign& campaign);
 void setClocks(Campaign& campaign);
 
 } // namespace faults

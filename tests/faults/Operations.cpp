@@ -2,7 +2,9 @@
 #include "tests/faults/Operations.h"
 
 #include "platform/QCopChannel.h"
+#include "platform/UTIL_PhoneStatus.h"
 #include "recentcall/utility/RC_Interface.h"
+#include "recentcall/utility/RC_TopPals_AL_Interface.h"
 #include "recentcall/utility/RecentCall_Client_p.h"
 #include "recentcall/utility/RecentCall_Setup.h"
 #include "recentcall/utility/store/ActivityLogFile_p.h"
@@ -173,6 +175,12 @@ QByteArray listCalls()
     return result;
 }
 
+QByteArray lastDialed()
+{
+    QString number;
+    return RC_Interface().getLastDialedNumber(number) ? number.toLatin1() : QByteArray("0");
+}
+
 // The activity log.
 
 void prepareFavourites()
@@ -243,6 +251,15 @@ QByteArray listEntries()
     return result.startsWith('1') ? result : result.first(1);
 }
 
+QByteArray countUnread()
+{
+    TopPals_Missed_Details details;
+    details.number = QLatin1String(kFavouriteNumber);
+    const int result = RC_TopPals_AL_Interface::instance()->getUnreadCount(details);
+    return QByteArray::number(result) + ' ' + QByteArray::number(details.missedCallCount) + ' '
+           + QByteArray::number(details.unreadMsgCount);
+}
+
 // Settings.
 
 constexpr char kStoredSettings[] = "[RECENTCALL_SET]\nmaxMissedCall=40\n\n[Turbo Dialing]\n1=0301\n2=0302\n3=0303\n";
@@ -252,6 +269,7 @@ void prepareSettings()
     QDir().mkpath(place("setup"));
     writeWhole(place("setup/test.cfg"), "[Group]\nkey=old\nother=7\n");
     writeWhole(place("setup/zyn_app4.cfg"), kStoredSettings);
+    writeWhole(place("setup/zyn_handset.cfg"), "[Handset]\nSimCardStatus=3\n");
 }
 
 void prepareNoSettings()
@@ -278,12 +296,23 @@ QByteArray setAllSpeedDials()
     return text(PHONE_SpeedDial().setTurboDialing({u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
 }
 
+QByteArray simCard()
+{
+    return QByteArray::number(int{UTIL_GetSimCardStatus()});
+}
+
 // Emergency numbers.
 
 void prepareEmergency()
 {
     QFile::remove(QLatin1String(zyn::emergency::kListFile));
     zyn::emergency::writeList({u"112"_s, u"911"_s, u"08"_s});
+}
+
+void prepareShortEmergency()
+{
+    QFile::remove(QLatin1String(zyn::emergency::kListFile));
+    zyn::emergency::writeList({u"08"_s});
 }
 
 void prepareLongEmergency()
@@ -314,6 +343,11 @@ QByteArray isEmergency()
 {
     char number[] = "08";
     return text(PHONE_IsEmergencyCall(number));
+}
+
+QByteArray mayBecomeEmergency()
+{
+    return text(PHONE_IsEmergencyCallInput(u"0"_s));
 }
 
 // Channels. What is heard is counted for each round by a name of its own.
@@ -526,6 +560,12 @@ QByteArray serviceAdd()
     return QByteArray::number(RC_Interface().addRecord(*newCall("333")));
 }
 
+QByteArray serviceDelete()
+{
+    PHONE_ENG_RecentCall call = firstCall();
+    return QByteArray::number(RC_Interface().deleteRecord(RC_RecordInterfaceImpl(new PHONE_ENG_RecentCall(call))));
+}
+
 QByteArray serviceDeleteAll()
 {
     return QByteArray::number(RC_Interface().deleteRecordAll(RC_CALL_CATEGORY_MISSED, RC_CALL_TYPE_VOICE));
@@ -534,6 +574,11 @@ QByteArray serviceDeleteAll()
 QByteArray serviceMarkRead()
 {
     return QByteArray::number(zyn::recentcall::markRead(firstCall()));
+}
+
+QByteArray serviceList()
+{
+    return currentList();
 }
 
 State serviceCalls()
@@ -575,6 +620,18 @@ QByteArray callFromStk()
     return QByteArray::number(PHONE_VOICESTK_MakeCall(s_stk, &parameter));
 }
 
+QByteArray closeStk()
+{
+    PHONE_VoiceSTK_DeInit(s_stk);
+    s_stk = nullptr;
+    return "closed";
+}
+
+QByteArray openJava()
+{
+    return QByteArray::number(PHONE_VoiceCall_Java_Init([](char) {}));
+}
+
 QByteArray endFromJava()
 {
     return QByteArray::number(PHONE_VoiceCall_Java_EndCall(1));
@@ -596,6 +653,7 @@ constexpr Operation kOperations[] = {
     {"store: remove a list", prepareStore, removeCalls, "0", Left::Slots, filesOnDisk, kSilent, kWrites},
     {"store: clear", prepareStore, clearAllCalls, "done", Left::Slots, filesOnDisk, kSilent, kWrites},
     {"store: list", prepareStore, listCalls, "", Left::Nothing, filesOnDisk},
+    {"last dialed number", prepareStore, lastDialed, "0", Left::Nothing, filesOnDisk},
     {"favourites: start", prepareFavouritesStart, startFavourites, "made", Left::Nothing, filesOnDisk, kSilent},
     {"favourites: start without file", prepareFavouritesStartWithoutFile, startFavourites, "made", Left::EachFile,
      filesOnDisk, kSilent, kWrites},
@@ -606,15 +664,19 @@ constexpr Operation kOperations[] = {
     {"entry: change", prepareFavourites, changeEntry, "0", Left::Slots, filesOnDisk, false, kWrites},
     {"entry: remove", prepareFavourites, removeEntry, "0", Left::Slots, filesOnDisk, false, kWrites},
     {"entry: list", prepareFavourites, listEntries, "0", Left::Nothing, filesOnDisk},
+    {"entry: count unread", prepareFavourites, countUnread, "0 0 0", Left::Nothing, filesOnDisk},
     {"settings: set", prepareSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"settings: set the first", prepareNoSettings, setSetting, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"settings: get", prepareSettings, getSetting, "default", Left::Nothing, filesOnDisk},
     {"speed dial: set four", prepareSettings, setAllSpeedDials, "0", Left::Lines, filesOnDisk, false, kWrites},
+    {"SIM card status", prepareSettings, simCard, "0", Left::Nothing, filesOnDisk},
     {"emergency: write", prepareEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"emergency: write the first", prepareNoEmergency, writeEmergency, "0", Left::Whole, filesOnDisk, false, kWrites},
     {"emergency: list", prepareEmergency, listEmergency, "", Left::Nothing, filesOnDisk},
     {"emergency: is one", prepareEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
+    {"emergency: is the only one", prepareShortEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
     {"emergency: is one of many", prepareLongEmergency, isEmergency, "0", Left::Nothing, filesOnDisk},
+    {"emergency: may become one", prepareEmergency, mayBecomeEmergency, "0", Left::Nothing, filesOnDisk},
     {"channel: send", prepareSend, send, "0", Left::Whole, heardMessage, false, false, unheard},
     {"channel: send the first", prepareSend, sendFirst, "0", Left::Whole, heardMessage, false, false, unheard},
     {"channel: listen", prepareNoListener, listen, "0", Left::Nothing, listens, false, false, listening},
@@ -622,11 +684,14 @@ constexpr Operation kOperations[] = {
     {"channel: list", prepareSend, listChannels, "", Left::Nothing, nothing},
     {"voice call: place", prepareVoiceCalls, placeCall, "0", Left::Whole, heardVoiceCall, false, false, unheard},
     {"service: add", prepareService, serviceAdd, "3", Left::Whole, serviceCalls},
+    {"service: delete", prepareService, serviceDelete, "3", Left::Whole, serviceCalls},
     {"service: delete all", prepareService, serviceDeleteAll, "3", Left::Whole, serviceCalls},
     {"service: mark read", prepareService, serviceMarkRead, "2", Left::Whole, serviceCalls},
-    {"service: list", prepareService, currentList, "3", Left::Nothing, serviceCalls},
+    {"service: list", prepareService, serviceList, "3", Left::Nothing, serviceCalls},
     {"SIM toolkit: open", closeVoice, openStk, "0", Left::Whole, nothing},
     {"SIM toolkit: call", openVoice, callFromStk, "-1", Left::Whole, nothing},
+    {"SIM toolkit: close", openVoice, closeStk, "closed", Left::Whole, nothing, kSilent},
+    {"Java: open", closeVoice, openJava, "0", Left::Whole, nothing},
     {"Java: end a call", openVoice, endFromJava, "-1", Left::Whole, nothing},
 };
 

@@ -38,6 +38,7 @@ constexpr std::array kCampaigns{
     Row{"files", "files are replaced, cut, linked and spoiled under who uses them", faults::files},
     Row{"kills", "programs are killed at any moment of their work", faults::kills},
     Row{"messages", "200 channels, whose listeners stop, die, come and leave", faults::messages},
+    Row{"servers", "clients whose servers stall, answer in part, lie and close", faults::servers},
     Row{"week", "seven days of calls: no program grows", faults::playWeek},
 };
 

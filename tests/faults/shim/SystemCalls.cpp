@@ -290,23 +290,41 @@ extern "C" ssize_t pread64(int fd, void* buffer, size_t size, off64_t offset)
     return what == Fate::Short && n > 1 ? n / 2 : n;
 }
 
-#define ZYN_TRANSFER(name, parameters, arguments)                                                                      \
-    extern "C" ssize_t name parameters                                                                                 \
-    {                                                                                                                  \
-        ZYN_NEXT(name);                                                                                                \
-        const Fate what = ZYN_FATE(name);                                                                              \
-        return what == Fate::Fail ? -1 : next arguments;                                                               \
-    }
+extern "C" ssize_t pwrite64(int fd, const void* bytes, size_t size, off64_t offset)
+{
+    ZYN_NEXT(pwrite64);
+    const Fate what = ZYN_FATE(pwrite64);
+    return what == Fate::Fail ? -1 : next(fd, bytes, partOf(what, size), offset);
+}
 
-ZYN_TRANSFER(pwrite64, (int fd, const void* bytes, size_t size, off64_t offset),
-             (fd, bytes, partOf(what, size), offset))
-ZYN_TRANSFER(read, (int fd, void* buffer, size_t size), (fd, buffer, partOf(what, size)))
-ZYN_TRANSFER(send, (int fd, const void* bytes, size_t size, int flags), (fd, bytes, partOf(what, size), flags))
-ZYN_TRANSFER(write, (int fd, const void* bytes, size_t size), (fd, bytes, partOf(what, size)))
+extern "C" ssize_t read(int fd, void* buffer, size_t size)
+{
+    ZYN_NEXT(read);
+    const Fate what = ZYN_FATE(read);
+    return what == Fate::Fail ? -1 : next(fd, buffer, partOf(what, size));
+}
+
+extern "C" ssize_t write(int fd, const void* bytes, size_t size)
+{
+    ZYN_NEXT(write);
+    const Fate what = ZYN_FATE(write);
+    return what == Fate::Fail ? -1 : next(fd, bytes, partOf(what, size));
+}
 
 /// A byte, as nobody knows how many have come.
-ZYN_TRANSFER(recv, (int fd, void* buffer, size_t size, int flags),
-             (fd, buffer, what == Fate::Short ? std::min<size_t>(size, 1) : size, flags))
+extern "C" ssize_t recv(int fd, void* buffer, size_t size, int flags)
+{
+    ZYN_NEXT(recv);
+    const Fate what = ZYN_FATE(recv);
+    return what == Fate::Fail ? -1 : next(fd, buffer, what == Fate::Short ? std::min<size_t>(size, 1) : size, flags);
+}
+
+extern "C" ssize_t send(int fd, const void* bytes, size_t size, int flags)
+{
+    ZYN_NEXT(send);
+    const Fate what = ZYN_FATE(send);
+    return what == Fate::Fail ? -1 : next(fd, bytes, partOf(what, size), flags);
+}
 
 /// The first block alone, or a part of an only one.
 extern "C" ssize_t sendmsg(int fd, const msghdr* message, int flags)
