@@ -1,19 +1,25 @@
 """Changes the libraries in one place at a time and counts which changes the tests catch: what scripts/mutate runs.
 
 All changes are compiled at once, each behind a switch that the environment variable ZYN_MUTANT sets, so that nothing is
-built for each. The tests of the preset dev run with these libraries in place of their own.
+built for each. Copies of the tests of the preset dev run with these libraries in place of their own, each row of
+their data by itself: the tests may change meanwhile.
 """
 
 import argparse
 import collections
 import concurrent.futures
+import dataclasses
+import functools
+import hashlib
 import json
 import os
 import random
 import re
 import signal
+import shutil
 import subprocess
 import sys
+import tempfile
 import time
 from pathlib import Path
 
@@ -23,6 +29,7 @@ ROOT = Path(__file__).resolve().parents[2]
 DEV = ROOT / "build/dev"
 PLACE = ROOT / "build/mutate"
 TREE = PLACE / "tree"
+COPIES = PLACE / "tests"
 SEPARATOR = " ## "
 EQUAL = Path(__file__).with_name("equal.txt")
 LIBRARIES = ("utility/*.cpp", "recentcall/*.cpp", "platform/*.cpp")
@@ -74,10 +81,24 @@ def listed(*patterns):
 
 
 def candidates(files):
-    """All mutants of some sources."""
+    """All mutants of some sources. Those of a source that has not changed are known from before."""
+    lists = found.together(ROOT, files, DEV)
     with concurrent.futures.ProcessPoolExecutor() as pool:
-        return [mutant for part in pool.map(found.find, *zip(*((ROOT, [file], DEV) for file in files)))
-                for mutant in part]
+        list(pool.map(look_for, lists))
+    compiled = {file for together in lists for file in together}
+    return [found.Mutant(**fields) for file in files if file in compiled
+            for fields in json.loads(known_mutants(file).read_text())]
+
+
+def known_mutants(file):
+    contents = Path(found.__file__).read_bytes() + (ROOT / file).read_bytes()
+    return PLACE / "found" / f"{file.replace('/', '-')}-{hashlib.sha256(contents).hexdigest()}.json"
+
+
+def look_for(files):
+    if not all(known_mutants(file).exists() for file in files):
+        for file, mutants in zip(files, found.find(ROOT, files, DEV)):
+            write(known_mutants(file), json.dumps([dataclasses.asdict(mutant) for mutant in mutants]).encode())
 
 
 def write(path: Path, contents: bytes):
@@ -126,57 +147,125 @@ def build(mutants):
 
 
 class Test:
-    """A test of the build, as ctest knows it."""
+    """A test of the build, as ctest knows it, or one row of it: a function of Qt Test, with one row of its data."""
 
-    def __init__(self, entry):
+    def __init__(self, entry, row=""):
         properties = {item["name"]: item["value"] for item in entry.get("properties", [])}
-        self.name = entry["name"]
-        self.command = entry.get("command", [])
+        self.name = entry["name"] + (" " + row if row else "")
+        self.command = [copied(word) for word in entry.get("command", [])] + ([row] if row else [])
         self.folder = properties.get("WORKING_DIRECTORY", str(DEV))
         self.environment = dict(item.split("=", 1) for item in properties.get("ENVIRONMENT", []))
         self.is_alone = bool(properties.get("RESOURCE_LOCK"))
-        self.is_disabled = bool(properties.get("DISABLED")) or not self.command or self.name in OTHER_LIBRARIES
+        self.program = Path((*self.command, *["/nowhere"] * 4)[3]) # behind private-tmp and its folders
+        self.is_disabled = (bool(properties.get("DISABLED")) or entry["name"] in OTHER_LIBRARIES
+                            or not self.program.exists())
         self.seconds = 0.0
+        self.passed = False
         self.reached = set()
+        self.tried = collections.Counter() # changes of each source
+        self.caught = collections.Counter()
 
-    def passes(self, limit, **environment):
-        libraries = ":".join(str(path.parent) for path in sorted((PLACE / "build").rglob("libzyn*.so.1")))
-        process = subprocess.Popen(
-            self.command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL, start_new_session=True,
-            env=os.environ | self.environment | {"LD_LIBRARY_PATH": libraries} | environment)
-        try:
-            return process.wait(limit) == 0
-        except subprocess.TimeoutExpired:
-            return False
-        finally:
-            # Whatever the test has started goes with it.
+    def fails(self, limit, **environment):
+        """Whether the test fails, or takes longer. It ends with its first failure."""
+        with tempfile.TemporaryFile() as shown:
+            process = subprocess.Popen(
+                self.command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=shown, stderr=subprocess.DEVNULL,
+                start_new_session=True,
+                env=os.environ | self.environment | {"LD_LIBRARY_PATH": library_path()} | environment)
+            end = time.monotonic() + limit
             try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-            process.wait()
+                while time.monotonic() < end:
+                    try:
+                        return process.wait(0.1) != 0
+                    except subprocess.TimeoutExpired:
+                        if b"\nFAIL!" in os.pread(shown.fileno(), 1 << 20, 0):
+                            return True
+                return True
+            finally:
+                # Whatever the test has started goes with it.
+                try:
+                    os.killpg(process.pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+                process.wait()
 
     def limit(self):
         return 10 + 5 * self.seconds
 
+    def catches(self, mutant):
+        """Whether the test fails with a change, fails again with more time, and then passes without it."""
+        self.tried[mutant.file] += 1
+        switch = {"ZYN_MUTANT": str(mutant.number)}
+        is_caught = (self.fails(self.limit(), **switch) and self.fails(2 * self.limit(), **switch)
+                     and not self.fails(2 * self.limit()))
+        self.caught[mutant.file] += is_caught
+        return is_caught
+
+    def promise(self, mutant):
+        """How long the test takes for each change that it is likely to catch in the same source."""
+        return self.seconds * (self.tried[mutant.file] + 2) / (self.caught[mutant.file] + 0.5)
+
     def rehearse(self):
-        """Runs the test on the unchanged libraries, and notes what it reaches; whether it passes."""
-        notes = PLACE / "reached" / self.name
+        """Runs the test on the unchanged libraries, and notes what it reaches, unless that is known."""
+        known = PLACE / "reached" / (hashlib.sha256(self.name.encode()).hexdigest() + ".json")
+        notes = known.with_suffix(".txt")
         notes.parent.mkdir(parents=True, exist_ok=True)
-        notes.unlink(missing_ok=True)
-        start = time.monotonic()
-        passed = self.passes(120, ZYN_MUTANTS_REACHED=str(notes))
-        self.seconds = time.monotonic() - start
-        if notes.exists():
-            self.reached = {int(line) for line in notes.read_text().split()}
-        return passed
+        if not known.exists() or known.stat().st_mtime < newest(self):
+            notes.unlink(missing_ok=True)
+            start = time.monotonic()
+            passed = not self.fails(120, ZYN_MUTANTS_REACHED=str(notes))
+            reached = sorted({int(line) for line in notes.read_text().split()}) if notes.exists() else []
+            known.write_text(json.dumps([passed, time.monotonic() - start, reached]))
+        self.passed, self.seconds, reached = json.loads(known.read_text())
+        self.reached = set(reached)
+
+
+def copied(word):
+    """The copy of a test's program; any other word of a command as it is."""
+    program = Path(word)
+    return str(COPIES / program.name) if program.parent == DEV / "tests" and program.name.startswith("tst_") else word
+
+
+def copy_tests():
+    """Copies the programs and what they read, which they find beside themselves."""
+    shutil.copytree(ROOT / "tests/data", COPIES / "data", dirs_exist_ok=True)
+    for program in (DEV / "tests").glob("tst_*"):
+        if program.suffix == "" and program.is_file():
+            shutil.copy2(program, COPIES)
+
+
+def libraries():
+    return sorted((PLACE / "build").rglob("libzyn*.so.1"))
+
+
+@functools.cache
+def library_path():
+    return ":".join(str(path.parent) for path in libraries())
+
+
+def newest(test):
+    """When what a test runs last changed."""
+    return max(path.stat().st_mtime for path in [test.program, *libraries(), *(DEV / "bin").iterdir(),
+                                                   *(COPIES / "data").iterdir()])
 
 
 def all_tests(pattern):
+    """The tests of that name, those of Qt Test row by row."""
     shown = subprocess.run(["ctest", "--preset", "dev", "--show-only=json-v1", "-R", pattern], cwd=ROOT, check=True,
                            capture_output=True, text=True).stdout
-    return [test for test in map(Test, json.loads(shown)["tests"]) if not test.is_disabled]
+    tests = []
+    for entry in json.loads(shown)["tests"]:
+        test = Test(entry)
+        if test.is_disabled:
+            continue
+        if test.program.parent != COPIES or test.program.name == "tst_qml":
+            tests.append(test)
+            continue
+        lines = subprocess.run([str(test.program), "-datatags"], check=True, capture_output=True,
+                               text=True).stdout.splitlines()
+        for _, function, *row in (line.split(" ", 2) for line in lines):
+            tests.append(Test(entry, ":".join([function, *row])))
+    return tests
 
 
 def equal_changes():
@@ -188,12 +277,40 @@ def equal_changes():
 
 
 def judge(mutant, tests):
-    """The name of the first test that fails with the change, and fails again; none when there is no such test."""
-    for test in tests:
-        if mutant.number in test.reached and not any(
-                test.passes(test.limit(), ZYN_MUTANT=str(mutant.number)) for _ in range(2)):
+    """The name of a test that catches the change; none when there is no such test."""
+    left = [test for test in tests if mutant.number in test.reached]
+    while left:
+        test = min(left, key=lambda test: test.promise(mutant))
+        left.remove(test)
+        if test.catches(mutant):
             return test.name
     return None
+
+
+class State:
+    """What was found of each change, kept in a file, so that a run which was ended goes on where it was."""
+
+    def __init__(self, path, again):
+        self.path = path
+        self.known = {}
+        if path and Path(path).exists():
+            for row in map(json.loads, Path(path).read_text().splitlines()):
+                if row["test"] or not again:
+                    self.known[self.place(row)] = row["test"]
+
+    @staticmethod
+    def place(row):
+        return (row["file"], row["operator"], row["original"], row["changed"], json.dumps(row["edits"]))
+
+    def judge(self, mutant, tests):
+        row = json.loads(json.dumps(dataclasses.asdict(mutant)))
+        place = self.place(row)
+        if place not in self.known:
+            self.known[place] = judge(mutant, tests)
+            if self.path:
+                with open(self.path, "a", encoding="utf-8") as file:
+                    file.write(json.dumps(row | {"test": self.known[place]}) + "\n")
+        return self.known[place]
 
 
 def table(mutants, kind):
@@ -221,6 +338,9 @@ def arguments():
     parser.add_argument("--only", type=int, metavar="NUMBER", help="run all tests on one change, and name what fails")
     parser.add_argument("--tests", default=".", metavar="PATTERN", help="run only these tests, as ctest -R names them")
     parser.add_argument("--list", action="store_true", help="only list the changes that would be tried")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="how many tests run at once")
+    parser.add_argument("--state", metavar="FILE", help="keep what is found in a file, and try nothing that is in it")
+    parser.add_argument("--again", action="store_true", help="but try again what was not caught")
     parser.add_argument("--json", metavar="FILE", help="write the result of each change to a file")
     return parser.parse_args()
 
@@ -246,26 +366,28 @@ def main():
     say(f"{len(pool)} changes; building with {len(chosen)}")
     chosen = build(chosen)[:options.count]
 
+    copy_tests()
     tests = all_tests(options.tests)
-    jobs = 1 if any(test.is_alone for test in tests) else os.cpu_count()
+    jobs = 1 if any(test.is_alone for test in tests) else options.jobs
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-        passed = list(pool.map(Test.rehearse, tests))
-        left_out = [test.name for test, good in zip(tests, passed) if not good]
-        tests = sorted((test for test, good in zip(tests, passed) if good and test.reached),
-                       key=lambda test: test.seconds)
-        say(f"{len(tests)} tests reach the libraries; these fail with them, and are left out: {' '.join(left_out)}")
+        list(pool.map(Test.rehearse, tests))
+        left_out = [test.name for test in tests if not test.passed]
+        tests = [test for test in tests if test.passed and test.reached]
+        say(f"{len(tests)} tests reach the libraries, and take {sum(test.seconds for test in tests):.0f} s; "
+            f"these fail with them, and are left out: {' '.join(left_out)}")
         if options.only:
             [mutant] = [mutant for mutant in chosen if mutant.number == options.only]
             print(f"{mutant.file}:{mutant.line}: {mutant.original} -> {mutant.changed}")
             for test in tests:
                 if mutant.number in test.reached:
-                    fate = "passes" if test.passes(test.limit(), ZYN_MUTANT=str(mutant.number)) else "fails"
+                    fate = "fails" if test.fails(test.limit(), ZYN_MUTANT=str(mutant.number)) else "passes"
                     print(f"  {fate}  {test.name}", flush=True)
             return 0
         equal = equal_changes()
         tried = [mutant for mutant in chosen if mutant.key not in equal]
         done = 0
-        results = {pool.submit(judge, mutant, tests): mutant for mutant in tried}
+        state = State(options.state, options.again)
+        results = {pool.submit(state.judge, mutant, tests): mutant for mutant in tried}
         for result in concurrent.futures.as_completed(results):
             mutant = results[result]
             mutant.test = result.result()
