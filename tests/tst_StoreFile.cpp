@@ -31,9 +31,14 @@ constexpr RC_CALL_CATEGORY_T kAnswered = RC_CALL_CATEGORY_ANSWERED;
 /// Makes a file what it is before or, when @p isChanged, what it is to become; whether that was done.
 using Writer = bool (*)(const ActivityLogFixture& fixture, const QString& path, bool isChanged);
 
+zyn::CreateResult createListAt(const QString& path)
+{
+    return zyn::createStoreFile(QFile::encodeName(path), freshList());
+}
+
 bool createList(const QString& path)
 {
-    return zyn::createStoreFile(QFile::encodeName(path), freshList()) == zyn::CreateResult::Done;
+    return createListAt(path) == zyn::CreateResult::Done;
 }
 
 bool writeList(const ActivityLogFixture& fixture, const QString& path, bool isChanged)
@@ -162,6 +167,9 @@ private Q_SLOTS:
         QFETCH(const int, space);
         QFETCH(const bool, isClosed);
         const bool isEnough = space > 11'408;
+        const auto expected = isEnough    ? zyn::CreateResult::Done
+                              : space < 8 ? zyn::CreateResult::CannotWriteHeader
+                                          : zyn::CreateResult::CannotWriteData;
         const QByteArray before = addCall().leftJustified(11'408 + change, '\0', true);
         m_fixture->write(kAnswered, before);
         const QString directory = m_fixture->file(u""_s);
@@ -172,7 +180,7 @@ private Q_SLOTS:
         }
         QVERIFY(inAnotherProcess([&] {
             const ScopedFileSizeLimit limit(static_cast<rlim_t>(space));
-            return (!isClosed || otheruser::become()) && createList(list()) == isEnough;
+            return (!isClosed || otheruser::become()) && createListAt(list()) == expected;
         }));
         QCOMPARE(m_fixture->read(kAnswered), isEnough ? freshList() : before);
         QCOMPARE(m_fixture->files(), u"rc_a rc_d rc_m"_s);

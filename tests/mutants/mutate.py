@@ -2,7 +2,7 @@
 
 All changes are compiled at once, each behind a switch that the environment variable ZYN_MUTANT sets, so that nothing is
 built for each. Copies of the tests of the preset dev run with these libraries in place of their own, each row of
-their data by itself: the tests may change meanwhile.
+their data by itself, and what is not caught soon with all rows that reach it: the tests may change meanwhile.
 """
 
 import argparse
@@ -30,6 +30,7 @@ DEV = ROOT / "build/dev"
 PLACE = ROOT / "build/mutate"
 TREE = PLACE / "tree"
 COPIES = PLACE / "tests"
+BROKEN = PLACE / "broken.txt" # the changes that do not compile
 SEPARATOR = " ## "
 EQUAL = Path(__file__).with_name("equal.txt")
 LIBRARIES = ("utility/*.cpp", "recentcall/*.cpp", "platform/*.cpp")
@@ -38,6 +39,9 @@ GOAL = 90
 # Tests that build or install the libraries themselves, count what they cost, or look at the files of the build.
 OTHER_LIBRARIES = ("abi", "bad_input", "cost", "headers", "install", "intruder", "man", "packages", "platform_table",
                    "subproject", "units")
+
+# How many rows meet a change one by one, before all others of each test do so in one process.
+SINGLE_ROWS = 8
 
 # The source that gets the switch.
 SWITCH_HOME = "platform/aplog.cpp"
@@ -73,6 +77,12 @@ extern "C" bool zynMutant(int number)
 
 def say(text):
     print("mutate: " + text, file=sys.stderr, flush=True)
+
+
+def place(mutant):
+    """What names the change, and its place in the source, in one line."""
+    fields = dataclasses.asdict(mutant)
+    return json.dumps([fields[name] for name in ("file", "original", "changed", "edits")])
 
 
 def listed(*patterns):
@@ -129,6 +139,8 @@ def build(mutants):
     configure = ["cmake", "-S", str(TREE), "-B", str(libraries), "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
                  "-DCMAKE_CXX_FLAGS=-w", "-DZYN_BUILD_PROGRAMS=OFF", "-DZYN_BUILD_TESTS=OFF", "-DZYN_INSTALL=OFF",
                  "-DZYN_BUILD_REFERENCE=OFF", "-DCMAKE_UNITY_BUILD=ON"]
+    known = set(BROKEN.read_text().splitlines()) if BROKEN.exists() else set()
+    mutants = [mutant for mutant in mutants if place(mutant) not in known]
     while True:
         write_tree(mutants)
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
@@ -143,16 +155,20 @@ def build(mutants):
         if len(kept) == len(mutants):
             sys.exit("mutate: the changed libraries do not compile:\n" + result.stdout[-4000:])
         say(f"{len(mutants) - len(kept)} changes do not compile")
+        known |= set(map(place, mutants)) - set(map(place, kept))
+        BROKEN.write_text("\n".join(sorted(known)))
         mutants = kept
 
 
 class Test:
-    """A test of the build, as ctest knows it, or one row of it: a function of Qt Test, with one row of its data."""
+    """A test of the build, as ctest knows it, or some rows of it: functions of Qt Test, with a row of their data."""
 
-    def __init__(self, entry, row=""):
+    def __init__(self, entry, *rows):
+        self.entry = entry
+        self.rows = rows
         properties = {item["name"]: item["value"] for item in entry.get("properties", [])}
-        self.name = entry["name"] + (" " + row if row else "")
-        self.command = [copied(word) for word in entry.get("command", [])] + ([row] if row else [])
+        self.name = " ".join([entry["name"], *rows[:1]])
+        self.command = [copied(word) for word in entry.get("command", [])] + [*rows]
         self.folder = properties.get("WORKING_DIRECTORY", str(DEV))
         self.environment = dict(item.split("=", 1) for item in properties.get("ENVIRONMENT", []))
         self.is_alone = bool(properties.get("RESOURCE_LOCK"))
@@ -164,6 +180,7 @@ class Test:
         self.reached = set()
         self.tried = collections.Counter() # changes of each source
         self.caught = collections.Counter()
+        self.failed_row = "" # when it last failed, as far as it is known
 
     def fails(self, limit, **environment):
         """Whether the test fails, or takes longer. It ends with its first failure."""
@@ -182,6 +199,7 @@ class Test:
                             return True
                 return True
             finally:
+                self.failed_row = failed_row(os.pread(shown.fileno(), 1 << 20, 0).decode(errors="replace"))
                 # Whatever the test has started goes with it.
                 try:
                     os.killpg(process.pid, signal.SIGKILL)
@@ -218,6 +236,12 @@ class Test:
             known.write_text(json.dumps([passed, time.monotonic() - start, reached]))
         self.passed, self.seconds, reached = json.loads(known.read_text())
         self.reached = set(reached)
+
+
+def failed_row(output):
+    """The row that failed first, as a word of a test's command."""
+    match = re.search(r"^FAIL!  : \w+::(\w+)\((.*?)\)(?= |$)", output, re.MULTILINE)
+    return ":".join(filter(None, match.groups())) if match else ""
 
 
 def copied(word):
@@ -279,11 +303,23 @@ def equal_changes():
 def judge(mutant, tests):
     """The name of a test that catches the change; none when there is no such test."""
     left = [test for test in tests if mutant.number in test.reached]
-    while left:
+    for _ in range(min(SINGLE_ROWS, len(left))):
         test = min(left, key=lambda test: test.promise(mutant))
         left.remove(test)
         if test.catches(mutant):
             return test.name
+    together = collections.defaultdict(list)
+    for test in left:
+        together[test.entry["name"]].append(test)
+    for rows in sorted(together.values(), key=lambda rows: sum(row.seconds for row in rows)):
+        whole = Test(rows[0].entry, *(row for test in rows for row in test.rows))
+        whole.seconds = sum(row.seconds for row in rows)
+        if not whole.fails(whole.limit(), ZYN_MUTANT=str(mutant.number)):
+            continue
+        failed = [test for test in rows if test.rows == (whole.failed_row,)]
+        for test in [*failed, whole]:
+            if test.catches(mutant):
+                return test.name
     return None
 
 
@@ -294,23 +330,16 @@ class State:
         self.path = path
         self.known = {}
         if path and Path(path).exists():
-            for row in map(json.loads, Path(path).read_text().splitlines()):
-                if row["test"] or not again:
-                    self.known[self.place(row)] = row["test"]
-
-    @staticmethod
-    def place(row):
-        return (row["file"], row["operator"], row["original"], row["changed"], json.dumps(row["edits"]))
+            rows = map(json.loads, Path(path).read_text().splitlines())
+            self.known = {row["place"]: row["test"] for row in rows if row["test"] or not again}
 
     def judge(self, mutant, tests):
-        row = json.loads(json.dumps(dataclasses.asdict(mutant)))
-        place = self.place(row)
-        if place not in self.known:
-            self.known[place] = judge(mutant, tests)
+        if place(mutant) not in self.known:
+            test = self.known[place(mutant)] = judge(mutant, tests)
             if self.path:
                 with open(self.path, "a", encoding="utf-8") as file:
-                    file.write(json.dumps(row | {"test": self.known[place]}) + "\n")
-        return self.known[place]
+                    file.write(json.dumps({"place": place(mutant), "test": test}) + "\n")
+        return self.known[place(mutant)]
 
 
 def table(mutants, kind):
