@@ -138,6 +138,7 @@ void tst_ServiceSocket::replacesWhatAnotherUserPuts()
             QVERIFY(QDir().mkpath(name + u"/full"_s) && otheruser::give(name));
         m_service->tell(SIGCONT);
         QTRY_VERIFY(isServed() && isLocked());
+        QTRY_COMPARE(m_service->logged().count(": replaced\n"), 1 + 2 * (i + 1));
     }
 }
 

@@ -255,7 +255,9 @@ def copy_tests():
     shutil.copytree(ROOT / "tests/data", COPIES / "data", dirs_exist_ok=True)
     for program in (DEV / "tests").glob("tst_*"):
         if program.suffix == "" and program.is_file():
-            shutil.copy2(program, COPIES)
+            # The old one may be running.
+            shutil.copy2(program, COPIES / "copy")
+            (COPIES / "copy").replace(COPIES / program.name)
 
 
 def libraries():
