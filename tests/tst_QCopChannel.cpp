@@ -263,8 +263,8 @@ int forkRole(const QStringList&)
             QCopChannel::send("/pid", QByteArray::number(::getpid()), numbered("child", i));
         ::pause();
     });
-    QCoreApplication::processEvents();
     if (returning == 0) {
+        QCoreApplication::processEvents();
         listener.reset();
         std::exit(EXIT_SUCCESS);
     }
@@ -404,6 +404,10 @@ private Q_SLOTS:
         }
         for (size_t i = 0; i < late.size(); ++i)
             QTRY_COMPARE(late[i]->names.size(), qsizetype(late.size() - i));
+        if (size > 0) {
+            const QString kept = QFile::symLinkTarget(QString::fromLocal8Bit(root()) + u"/.zyn-changes"_s);
+            QCOMPARE(kept.endsWith(u"/%1-0"_s.arg(segment)), size == 16 && flags == 0600);
+        }
     }
 
     void writesAHandfulOfATurnAtOnceAndGathersABurst()
@@ -411,6 +415,7 @@ private Q_SLOTS:
         const auto listener = listenBare();
         UniqueFd sender;
         zyn::ChannelFrameReader reader(0);
+        const std::byte* const room = reader.room().data();
         QList<QByteArrayList> early;
         inOneTurn([&] {
             for (int i = 0; i < 20; ++i) {
@@ -426,6 +431,7 @@ private Q_SLOTS:
             QCOMPARE(early[i],
                      isGathered && i >= 16 ? QByteArrayList() : QByteArrayList{'n' + QByteArray(1, char('a' + i))});
         QCOMPARE(receiveBare(sender, reader).size(), isGathered ? 4 : 0);
+        QCOMPARE(reader.room().data(), room); // what was read is kept no longer
         ::unlink(socketPath("bare").constData());
     }
 
@@ -576,12 +582,16 @@ private Q_SLOTS:
             QTRY_COMPARE(late.names.size(), isSent ? 2 : 1);
         }
         const Inbox inbox;
-        scenario::shell(m_folder->path(), {u"rm qcop/c/*"_s});
-        {
+        const auto waitWithoutDescriptors = [] {
             const int next = UniqueFd(::dup(STDERR_FILENO)).get();
             const auto low = limitDescriptors(next);
             QTest::qWait(10);
-        }
+        };
+        QVERIFY(QCopChannel::send(kChannel, "n"));
+        waitWithoutDescriptors();
+        QTRY_COMPARE(inbox.names.size(), 1);
+        scenario::shell(m_folder->path(), {u"rm qcop/c/*"_s});
+        waitWithoutDescriptors();
         QTRY_VERIFY(inbox.isListening());
     }
 
@@ -643,6 +653,24 @@ private Q_SLOTS:
         QVERIFY(QCopChannel::send(kChannel, "n"));
         QVERIFY(thread->wait(role::kTimeout));
         QCOMPARE(receivedIn, thread.get());
+    }
+
+    void servesAThreadThatTakesOverAListener()
+    {
+        QThread thread;
+        Inbox inbox;
+        inbox.moveToThread(&thread);
+        thread.start();
+        scenario::shell(m_folder->path(), {u"rm qcop/c/*"_s});
+        QTRY_VERIFY(!sockets().isEmpty()); // it is watched there
+        QSemaphore hasReceived;
+        connect(&inbox, &QCopChannel::received, &inbox, [&] { hasReceived.release(); });
+        QVERIFY(QCopChannel::send(kChannel, "n"));
+        QVERIFY(hasReceived.tryAcquire(1, role::kTimeout));
+        QMetaObject::invokeMethod(
+            &inbox, [&] { inbox.moveToThread(QCoreApplication::instance()->thread()); }, Qt::BlockingQueuedConnection);
+        thread.quit();
+        QVERIFY(thread.wait(role::kTimeout));
     }
 
 private:

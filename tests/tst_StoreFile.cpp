@@ -373,6 +373,8 @@ private Q_SLOTS:
         {
             ActivityLogLock lock(folder);
             QVERIFY(lock.lock());
+            const QByteArray holder = QByteArray::number(::getpid()) + "\ntst_StoreFile\n";
+            QCOMPARE(m_fixture->read(u"topPalsLock"_s), holder + QSysInfo::machineHostName().toLocal8Bit() + '\n');
             QVERIFY(QFile::remove(m_fixture->file(u"topPalsLock"_s)));
             m_fixture->write(u"topPalsLock"_s, "1\nanother\n");
         }
