@@ -1,6 +1,7 @@
 // Files that are created or replaced whole: on a full disk, short of descriptors, behind links, among other users.
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
+#include "platform/posix/Directory_p.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/PathAt_p.h"
 #include "platform/posix/StagedFile_p.h"
@@ -280,6 +281,7 @@ private Q_SLOTS:
         m_fixture->write(u"precious"_s, "precious");
         const QString before = otheruser::ownership(m_fixture->file(u"precious"_s));
         QVERIFY(!zyn::posix::setDirectoryMode(QFile::encodeName(m_fixture->file(u"precious"_s)), 0777));
+        QVERIFY(!zyn::posix::makeDirectories(QFile::encodeName(m_fixture->file(u"precious/b"_s))));
         QCOMPARE(otheruser::ownership(m_fixture->file(u"precious"_s)), before);
     }
 
