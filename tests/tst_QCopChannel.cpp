@@ -407,6 +407,7 @@ private Q_SLOTS:
         if (size > 0) {
             const QString kept = QFile::symLinkTarget(QString::fromLocal8Bit(root()) + u"/.zyn-changes"_s);
             QCOMPARE(kept.endsWith(u"/%1-0"_s.arg(segment)), size == 16 && flags == 0600);
+            QVERIFY(!kept.contains(u"/none-"_s));
         }
     }
 
