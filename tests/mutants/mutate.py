@@ -297,11 +297,14 @@ def all_tests(pattern):
 
 
 def equal_changes():
-    """The changes that alter no behaviour, with the reasons."""
-    if not EQUAL.exists():
-        return {}
-    rows = (line.split(SEPARATOR) for line in EQUAL.read_text().splitlines() if line and not line.startswith("#"))
-    return {tuple(row[:4]): row[4] for row in rows}
+    """The changes that alter no behaviour; where one has the name of others, also what stands before its place."""
+    rows = (line.split(SEPARATOR) for line in EQUAL.read_text().splitlines() if not line.startswith("#"))
+    return {(*row[:4], row[4] if len(row) > 5 else "") for row in rows}
+
+
+def is_equal(mutant, equal):
+    before = (ROOT / mutant.file).read_bytes()[:mutant.edits[0][0]].decode()
+    return any(row[:4] == mutant.key and before.endswith(row[4]) for row in equal)
 
 
 def judge(mutant, tests):
@@ -417,7 +420,7 @@ def main():
                     print(f"  {fate}  {test.name}", flush=True)
             return 0
         equal = equal_changes()
-        tried = [mutant for mutant in chosen if mutant.key not in equal]
+        tried = [mutant for mutant in chosen if not is_equal(mutant, equal)]
         done = 0
         state = State(options.state, options.again)
         results = {pool.submit(state.judge, mutant, tests): mutant for mutant in tried}
@@ -431,7 +434,7 @@ def main():
                 say(f"{done} of {len(tried)}")
     reached = set().union(*(test.reached for test in tests))
     for mutant in chosen:
-        mutant.fate = ("equal" if mutant.key in equal else "caught" if mutant.test
+        mutant.fate = ("equal" if is_equal(mutant, equal) else "caught" if mutant.test
                        else "missed" if mutant.number in reached else "unreached")
     if options.json:
         Path(options.json).write_text(json.dumps(
