@@ -193,7 +193,11 @@ private Q_SLOTS:
         QFile::setPermissions(list(), QFile::WriteOwner); // it may be written, but not be inspected
         if (!otheruser::give(list()) || !otheruser::give(m_fixture->file(u""_s)))
             QSKIP("only root can act as another user");
-        QVERIFY(inAnotherProcess([] { return otheruser::become() && (startStore(), true); }));
+        QVERIFY(inAnotherProcess([&] {
+            const QByteArray path = QFile::encodeName(list());
+            return otheruser::become() && (startStore(), true) && ::chmod(path.constData(), S_IRUSR) == 0
+                   && !zyn::posix::replaceFile(path, "new");
+        }));
         QCOMPARE(m_fixture->read(kAnswered), before);
     }
 
