@@ -88,7 +88,11 @@ private Q_SLOTS:
             {u"open"_s, [this](Words w) { m_settings.emplace(path(w[0]), false); }},
             {u"set"_s,
              [this](Words w) { return m_settings->setSettingInfo(decoded(w[0]), decoded(w[1]), decoded(w[2])); }},
-            {u"get"_s, [this] { return get().isNull() ? u"none"_s : get(); }},
+            {u"get"_s,
+             [this](Words w) {
+                 const QString value = get(w.value(0, u"g"_s));
+                 return value.isNull() ? u"none"_s : value;
+             }},
             {u"settled"_s, [this] { return isSettled(); }},
             {u"rewrite"_s, [this] { return rewrite(); }},
             {u"flush"_s, [this] { return m_settings->flush(); }},

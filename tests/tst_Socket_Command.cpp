@@ -168,7 +168,8 @@ void tst_Socket_Command::holdsLengthsToTheData()
         body->dataLength = length;
         QCOMPARE(Socket_WriteCommand(m_near.get(), body.get()), expected.isEmpty() ? -1 : 0);
         QVERIFY(send(m_near, header(1, length) + "data"));
-        QCOMPARE(body->AllocateDataBuffer() && body->dataBuffer(), length >= 0 && length <= kCommandDataLimit);
+        QCOMPARE(body->AllocateDataBuffer(), length >= 0 && length <= kCommandDataLimit);
+        QCOMPARE(body->dataBuffer() != nullptr, length >= 0 && length <= kCommandDataLimit);
         m_near.reset();
         if (!expected.isEmpty())
             QCOMPARE(read(m_far), expected); // the written one; the other was made up

@@ -1,6 +1,7 @@
 // Files that are created or replaced whole: on a full disk, short of descriptors, behind links, among other users.
 #include "handset/favourites/ActivityLog.h"
 #include "handset/favourites/Favourites.h"
+#include "platform/posix/Directory_p.h"
 #include "platform/posix/FileLock_p.h"
 #include "platform/posix/PathAt_p.h"
 #include "platform/posix/StagedFile_p.h"
@@ -31,9 +32,14 @@ constexpr RC_CALL_CATEGORY_T kAnswered = RC_CALL_CATEGORY_ANSWERED;
 /// Makes a file what it is before or, when @p isChanged, what it is to become; whether that was done.
 using Writer = bool (*)(const ActivityLogFixture& fixture, const QString& path, bool isChanged);
 
+zyn::CreateResult createListAt(const QString& path)
+{
+    return zyn::createStoreFile(QFile::encodeName(path), freshList());
+}
+
 bool createList(const QString& path)
 {
-    return zyn::createStoreFile(QFile::encodeName(path), freshList()) == zyn::CreateResult::Done;
+    return createListAt(path) == zyn::CreateResult::Done;
 }
 
 bool writeList(const ActivityLogFixture& fixture, const QString& path, bool isChanged)
@@ -162,6 +168,9 @@ private Q_SLOTS:
         QFETCH(const int, space);
         QFETCH(const bool, isClosed);
         const bool isEnough = space > 11'408;
+        const auto expected = isEnough    ? zyn::CreateResult::Done
+                              : space < 8 ? zyn::CreateResult::CannotWriteHeader
+                                          : zyn::CreateResult::CannotWriteData;
         const QByteArray before = addCall().leftJustified(11'408 + change, '\0', true);
         m_fixture->write(kAnswered, before);
         const QString directory = m_fixture->file(u""_s);
@@ -172,7 +181,7 @@ private Q_SLOTS:
         }
         QVERIFY(inAnotherProcess([&] {
             const ScopedFileSizeLimit limit(static_cast<rlim_t>(space));
-            return (!isClosed || otheruser::become()) && createList(list()) == isEnough;
+            return (!isClosed || otheruser::become()) && createListAt(list()) == expected;
         }));
         QCOMPARE(m_fixture->read(kAnswered), isEnough ? freshList() : before);
         QCOMPARE(m_fixture->files(), u"rc_a rc_d rc_m"_s);
@@ -184,7 +193,11 @@ private Q_SLOTS:
         QFile::setPermissions(list(), QFile::WriteOwner); // it may be written, but not be inspected
         if (!otheruser::give(list()) || !otheruser::give(m_fixture->file(u""_s)))
             QSKIP("only root can act as another user");
-        QVERIFY(inAnotherProcess([] { return otheruser::become() && (startStore(), true); }));
+        QVERIFY(inAnotherProcess([&] {
+            const QByteArray path = QFile::encodeName(list());
+            return otheruser::become() && (startStore(), true) && ::chmod(path.constData(), S_IRUSR) == 0
+                   && !zyn::posix::replaceFile(path, "new");
+        }));
         QCOMPARE(m_fixture->read(kAnswered), before);
     }
 
@@ -272,6 +285,7 @@ private Q_SLOTS:
         m_fixture->write(u"precious"_s, "precious");
         const QString before = otheruser::ownership(m_fixture->file(u"precious"_s));
         QVERIFY(!zyn::posix::setDirectoryMode(QFile::encodeName(m_fixture->file(u"precious"_s)), 0777));
+        QVERIFY(!zyn::posix::makeDirectories(QFile::encodeName(m_fixture->file(u"precious/b"_s))));
         QCOMPARE(otheruser::ownership(m_fixture->file(u"precious"_s)), before);
     }
 
@@ -365,6 +379,8 @@ private Q_SLOTS:
         {
             ActivityLogLock lock(folder);
             QVERIFY(lock.lock());
+            const QByteArray holder = QByteArray::number(::getpid()) + "\ntst_StoreFile\n";
+            QCOMPARE(m_fixture->read(u"topPalsLock"_s), holder + QSysInfo::machineHostName().toLocal8Bit() + '\n');
             QVERIFY(QFile::remove(m_fixture->file(u"topPalsLock"_s)));
             m_fixture->write(u"topPalsLock"_s, "1\nanother\n");
         }

@@ -1,5 +1,6 @@
 """The places of the libraries' sources that can be changed, and how: found in the syntax trees of libclang."""
 
+import collections
 import dataclasses
 import json
 import re
@@ -55,7 +56,7 @@ class Mutant:
 
 
 def compile_arguments(build: Path):
-    """How each source of a build is compiled, without what only gcc knows."""
+    """With which file each source of a build is compiled, and how, without what only gcc knows."""
     arguments = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         words = shlex.split(entry["command"])
@@ -70,7 +71,7 @@ def compile_arguments(build: Path):
             elif word not in ("-Winvalid-pch", "-fno-gnu-unique", "-Werror"):
                 kept.append(word)
         for source in sources_of(Path(entry["file"])):
-            arguments[source] = kept + ["-w"]
+            arguments[source] = (entry["file"], kept + ["-w"])
     return arguments
 
 
@@ -84,12 +85,11 @@ def sources_of(path: Path):
 class Finder:
     """Finds the mutants of one source."""
 
-    def __init__(self, root: Path, file: str, arguments):
+    def __init__(self, root: Path, file: str, unit):
         self.file = file
         self.text = (root / file).read_bytes()
         self.path = str(root / file)
         self.mutants = []
-        unit = Index.create().parse(self.path, args=arguments)
         self.visit(unit.cursor, "", None)
 
     def source(self, cursor):
@@ -196,14 +196,21 @@ def escaped(text):
     return text.replace("{", "{{").replace("}", "}}")
 
 
-def find(root: Path, files, build: Path):
-    """The mutants of some sources, in their order."""
+def together(root: Path, files, build: Path):
+    """Those of the sources that the build compiles, in lists of what it compiles together."""
     arguments = compile_arguments(build)
-    mutants = []
+    lists = collections.defaultdict(list)
     for file in files:
         if str(root / file) in arguments:
-            mutants += Finder(root, file, arguments[str(root / file)]).mutants
-    return mutants
+            lists[arguments[str(root / file)][0]].append(file)
+    return list(lists.values())
+
+
+def find(root: Path, files, build: Path):
+    """The mutants of sources that are compiled together, in a list for each."""
+    name, arguments = compile_arguments(build)[str(root / files[0])]
+    unit = Index.create().parse(name, args=arguments)
+    return [Finder(root, file, unit).mutants for file in files]
 
 
 def mutated(text: bytes, path: str, mutants):
