@@ -135,6 +135,7 @@ void tst_PHONE_EmergencyCall::writesWhatItReads()
     QVERIFY(zyn::emergency::writeList({u"112"_s, longest}));
     for (const QString& number : {QString(), longest + u'5', u"\u20ac"_s, u"1\0002"_s})
         QVERIFY(!zyn::emergency::writeList({u"911"_s, number}));
+    QVERIFY(!zyn::emergency::writeList(QStringList(zyn::emergency::kRecordLimit + 1, u"911"_s)));
     QFile file(QString::fromLatin1(kListFile));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), record("112") + record(longest.toLatin1()));
