@@ -120,6 +120,8 @@ void tst_PHONE_EmergencyCall::judges()
 
 void tst_PHONE_EmergencyCall::readsTheListAtOnce()
 {
+    if (qEnvironmentVariableIsSet("ZYN_TEST_TOOL"))
+        QSKIP("a tool reads, too");
     writeRecords({u"911"_s, u"*30000"_s});
     const qint64 before = readCalls();
     if (before == 0)
