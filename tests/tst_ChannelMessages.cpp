@@ -1,9 +1,13 @@
 // The messages of the channels: what requests send, byte by byte, and what becomes of those that come.
+#include "platform/QuietTrace.h"
 #include "recentcall/utility/RecentCall_MsgClient.h"
+#include "recentcall/utility/store/Trace_p.h"
 #include "support/Scenario.h"
 #include "support/SignalRecorder.h"
+#include "support/StoreFixture.h"
 #include "support/Timeout.h"
 #include "utility/PHONE_AsyncMsgReceiver.h"
+#include "utility/PHONE_Log_p.h"
 #include "utility/PHONE_Ptt.h"
 #include "utility/PHONE_Requests.h"
 #include "utility/PHONE_VoiceCall.h"
@@ -14,10 +18,14 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
+#include <string>
 #include <utility>
+
+#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 using scenario::Verbs;
+using zyn::posix::UniqueFd;
 
 namespace {
 
@@ -158,6 +166,23 @@ QString shown(const QCString& name)
     return name.isNull() ? u"null"_s : QString::fromLatin1(name);
 }
 
+/// What is printed when a text of each length and a number are put to an object of @p Lines, which keeps @p room bytes.
+template<typename Lines>
+bool printsAll(size_t room)
+{
+    for (const size_t length : {size_t{0}, room - 13, room - 12, room - 1, room, room + 1, 3 * room}) {
+        const std::string text(length, 'x');
+        StdoutCapture output;
+        {
+            Lines lines;
+            lines << "<" << std::string_view(text) << int32_t{-2147483647} << std::string_view(text) << ">";
+        }
+        if (output.take() != ('<' + text + "-2147483647" + text + '>').c_str())
+            return false;
+    }
+    return true;
+}
+
 /// The requests, each by its name.
 Verbs requests(PHONE_MsgClient& client)
 {
@@ -218,6 +243,9 @@ private Q_SLOTS:
     void handsOutTheNetworkList();
     void deliversTheProviderUnderEitherName();
     void startsTheRelayAgain();
+    void printsTextsOfAnyLength();
+    void keepsTheTraceFromStandardOutput_data();
+    void keepsTheTraceFromStandardOutput();
 
 private:
     QStringList m_providers;
@@ -341,6 +369,54 @@ void tst_ChannelMessages::startsTheRelayAgain()
     QTRY_COMPARE(recorder.count(), 1);
     QCOMPARE(recorder.take(), "signalLowBattery()");
     Relay::destruction();
+}
+
+void tst_ChannelMessages::printsTextsOfAnyLength()
+{
+    QVERIFY(printsAll<zyn::LogText>(1024));
+    QVERIFY(printsAll<zyn::Trace>(16384));
+    StdoutCapture output;
+    for (const int level : {0, kSilentLogLevel - 1, kSilentLogLevel})
+        zyn::logEntry(level, "source", "function", level);
+    QCOMPARE(output.take(), "source,function,0 \nsource,function,7 \n");
+}
+
+void tst_ChannelMessages::keepsTheTraceFromStandardOutput_data()
+{
+    QTest::addColumn<QByteArray>("place"); // of the trace
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QByteArray>("traced");
+    QTest::newRow("discarded") << QByteArray() << QByteArray("own") << QByteArray();
+    QTest::newRow("a file") << QByteArray("trace") << QByteArray("own") << QByteArray("debug");
+    QTest::newRow("a descriptor") << QByteArray("2") << QByteArray("own") << QByteArray("debug");
+    QTest::newRow("no place") << QByteArray("none/trace") << QByteArray("debug") << QByteArray();
+}
+
+void tst_ChannelMessages::keepsTheTraceFromStandardOutput()
+{
+    QFETCH(const QByteArray, place);
+    const QTemporaryDir folder;
+    std::fflush(nullptr);
+    QVERIFY(inAnotherProcess([&] {
+        const auto lead = [](const char* name, int descriptor) {
+            const UniqueFd file(::open(name, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
+            return ::dup2(file.get(), descriptor) == descriptor;
+        };
+        if (!QDir::setCurrent(folder.path()) || !lead("written", STDOUT_FILENO) || !lead("trace", STDERR_FILENO))
+            return false;
+        const auto trace = place == "2" ? std::make_unique<QuietTrace>(STDERR_FILENO)
+                                        : std::make_unique<QuietTrace>(place.isEmpty() ? nullptr : place.constData());
+        zyn::LogText() << "debug";
+        if (trace->output())
+            return std::fputs("own", trace->output()) >= 0 && std::fflush(trace->output()) == 0;
+        return std::fflush(stdout) == 0;
+    }));
+    const auto read = [&](const QString& name) {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : "missing";
+    };
+    QTEST(read(u"written"_s), "written");
+    QTEST(read(u"trace"_s), "traced");
 }
 
 QTEST_GUILESS_MAIN(tst_ChannelMessages)

@@ -120,6 +120,8 @@ void tst_PHONE_EmergencyCall::judges()
 
 void tst_PHONE_EmergencyCall::readsTheListAtOnce()
 {
+    if (qEnvironmentVariableIsSet("ZYN_TEST_TOOL"))
+        QSKIP("a tool reads, too");
     writeRecords({u"911"_s, u"*30000"_s});
     const qint64 before = readCalls();
     if (before == 0)
@@ -135,6 +137,7 @@ void tst_PHONE_EmergencyCall::writesWhatItReads()
     QVERIFY(zyn::emergency::writeList({u"112"_s, longest}));
     for (const QString& number : {QString(), longest + u'5', u"\u20ac"_s, u"1\0002"_s})
         QVERIFY(!zyn::emergency::writeList({u"911"_s, number}));
+    QVERIFY(!zyn::emergency::writeList(QStringList(zyn::emergency::kRecordLimit + 1, u"911"_s)));
     QFile file(QString::fromLatin1(kListFile));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), record("112") + record(longest.toLatin1()));

@@ -646,23 +646,57 @@ private Q_SLOTS:
         QVERIFY(inbox.isInOrder);
     }
 
+    void servesEachThreadInItsLoop_data()
+    {
+        QTest::addColumn<bool>("isQts"); // thread, which has what a loop needs from its start
+        QTest::newRow("of Qt's") << true;
+        QTest::newRow("of another") << false;
+    }
+
     void servesEachThreadInItsLoop()
     {
+        QFETCH(const bool, isQts);
         QSemaphore isListening;
-        QThread* receivedIn = nullptr;
-        const std::unique_ptr<QThread> thread(QThread::create([&] {
+        bool isReceivedThere = false;
+        const auto listen = [&] {
             Inbox there;
             QEventLoop loop;
-            connect(&there, &QCopChannel::received, &loop, &QEventLoop::quit);
-            connect(&there, &QCopChannel::received, &there, [&] { receivedIn = QThread::currentThread(); });
+            connect(&there, &QCopChannel::received, &loop, [&, thread = QThread::currentThread()] {
+                isReceivedThere = QThread::currentThread() == thread;
+                loop.quit();
+            });
             isListening.release();
+            QTimer::singleShot(role::kTimeout, &loop, &QEventLoop::quit);
             loop.exec();
-        }));
-        thread->start();
-        QVERIFY(isListening.tryAcquire(1, role::kTimeout));
+        };
+        const std::unique_ptr<QThread> qts(QThread::create(listen));
+        std::thread thread([&] {
+            if (!isQts)
+                return listen();
+            qts->start();
+            qts->wait();
+        });
+        isListening.acquire();
+        const bool isSent = QCopChannel::send(kChannel, "n");
+        thread.join();
+        QVERIFY(isSent && isReceivedThere);
+    }
+
+    void servesTheThreadItIsMovedTo()
+    {
+        QThread thread;
+        Inbox inbox;
+        QThread* receivedIn = nullptr;
+        connect(&inbox, &QCopChannel::received, &inbox, [&] {
+            receivedIn = QThread::currentThread();
+            thread.quit();
+        });
+        inbox.moveToThread(&thread);
         QVERIFY(QCopChannel::send(kChannel, "n"));
-        QVERIFY(thread->wait(role::kTimeout));
-        QCOMPARE(receivedIn, thread.get());
+        QCoreApplication::processEvents(); // this thread's loop is the wrong one
+        thread.start();
+        QVERIFY(thread.wait(role::kTimeout));
+        QCOMPARE(receivedIn, &thread);
     }
 
     void servesAThreadThatTakesOverAListener()

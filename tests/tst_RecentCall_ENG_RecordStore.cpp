@@ -1,4 +1,5 @@
 // The recent calls on disk.
+#include "support/ForkedChild.h"
 #include "support/Scenario.h"
 #include "support/StoreFixture.h"
 
@@ -72,7 +73,7 @@ private Q_SLOTS:
             ::alarm(60); // of the new process as well
             const bool isAdded = addToEach(other == 0 ? kAnswered : kMissed);
             if (other == 0)
-                ::_exit(isAdded ? EXIT_SUCCESS : EXIT_FAILURE);
+                endForkedChild(isAdded ? EXIT_SUCCESS : EXIT_FAILURE);
             int status = -1;
             return isAdded && ::waitpid(other, &status, 0) == other && status == EXIT_SUCCESS;
         }));

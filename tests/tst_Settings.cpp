@@ -107,6 +107,11 @@ void tst_Settings::keeps()
              return file.open(QIODevice::ReadOnly) ? scenario::lineOf(file.readAll()) : u"none"_s;
          }},
         {u"nowhere"_s, [this] { return qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(path(u"zyn_app4.cfg"_s))); }},
+        {u"through"_s,
+         [this](const Words& words) {
+             const QString link = path(u"../"_s + QString::fromUtf8(scenario::bytes(words[0])));
+             return QFile::link(m_fixture->path(), link) && qputenv("ZYN_APP_WRITE_PATH", QFile::encodeName(link));
+         }},
         {u"start"_s, [] { RecentCall_Setup::destroy(), RecentCall_Setup::destroy(), RecentCall_Setup::instance(); }},
         {u"limits"_s, limits},
         {u"two-line"_s, [](const Words& words) { return setup().setTwoLineView(isTrue(words)); }},

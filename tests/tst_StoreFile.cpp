@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <barrier>
+#include <chrono>
 #include <csignal>
 #include <thread>
 #include <vector>
@@ -314,6 +315,44 @@ private Q_SLOTS:
         QVERIFY(writeNumbers(*m_fixture, numbers, true));
         QCOMPARE(otheruser::ownership(numbers).section(u' ', 0, 0), QString::number(::geteuid()));
         ::chmod(parent.constData(), 0755);
+    }
+
+    void keepsTheListOfOneWhoMakesItMeanwhile()
+    {
+        constexpr int kRounds = 1000;
+        const QByteArray whole = addCall();
+        const QByteArray made = QFile::encodeName(m_fixture->file(u"made"_s));
+        std::barrier<> areReady(2);
+        std::thread other([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                areReady.arrive_and_wait();
+                std::this_thread::sleep_for(std::chrono::microseconds(round % 100));
+                ::rename(made.constData(), QFile::encodeName(list()).constData());
+                areReady.arrive_and_wait();
+            }
+        });
+        int kept = 0;
+        for (int round = 0; round < kRounds; ++round) {
+            m_fixture->write(kAnswered, "damaged");
+            m_fixture->write(u"made"_s, whole);
+            areReady.arrive_and_wait();
+            createList(list());
+            areReady.arrive_and_wait();
+            kept += m_fixture->read(kAnswered) == whole;
+        }
+        other.join();
+        QCOMPARE(kept, kRounds);
+        QCOMPARE(m_fixture->files(), u"rc_a rc_d rc_m"_s);
+    }
+
+    void refusesNamesThatEndEarly()
+    {
+        const QString name = m_fixture->file(u"555"_s);
+        m_fixture->write(u"555"_s, "old");
+        const QByteArray longer = QFile::encodeName(name) + '\0' + '1';
+        QVERIFY(!zyn::posix::replaceFile(longer, "new"));
+        QVERIFY(!zyn::posix::readWhole(longer, 3));
+        QCOMPARE(m_fixture->read(u"555"_s), "old");
     }
 
     void isNotFooledByWhoSwapsLinks()

@@ -3,6 +3,7 @@
 #include "tests/faults/Operations.h"
 #include "tests/faults/shim/SystemCalls.h"
 #include "tests/support/Descriptors.h"
+#include "tests/support/ForkedChild.h"
 #include "tests/support/Process.h"
 #include "tests/support/ScopedFileSizeLimit.h"
 #include "tests/support/SmallDisk.h"
@@ -436,7 +437,7 @@ struct Run
     if (operation.writesFiles)
         limitFiles(subject, operation, run.lengths, random);
     subject.end();
-    ::_exit(EXIT_SUCCESS);
+    endForkedChild(EXIT_SUCCESS);
 }
 
 /// Runs one operation in a process of its own, whose end is no end of the campaign.

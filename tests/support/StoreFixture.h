@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Descriptors.h"
+#include "ForkedChild.h"
 #include "StdoutCapture.h"
 #include "platform/SETUP_SET_Manager.h"
 #include "recentcall/utility/RecentCall_ENG_RecordStore.h"
@@ -138,7 +139,7 @@ inline bool inAnotherProcess(const std::function<bool()>& work)
     const pid_t child = ::fork();
     if (child == 0) {
         ::alarm(kTimeout);
-        ::_exit(work() ? EXIT_SUCCESS : EXIT_FAILURE);
+        endForkedChild(work() ? EXIT_SUCCESS : EXIT_FAILURE);
     }
     int status = -1;
     return ::waitpid(child, &status, 0) == child && status == EXIT_SUCCESS;
