@@ -333,6 +333,7 @@ private Q_SLOTS:
             {u"isListening"_s, [&](Words w) { return inbox(w).isListening() ? u"yes"_s : u"no"_s; }},
             {u"kill"_s, [&](Words w) { return process(w).kill(), role::finish(process(w)); }},
             {u"killChild"_s, [&](Words w) { return ::kill(inbox(w).names.at(0).toInt(), SIGKILL) == 0; }},
+            {u"launch"_s, [&](Words w) { m_processes[w[0]] = role::start(w[1], w.mid(2)); }}, // nobody waits
             {u"leaks"_s, [&] { return openDescriptors() == m_known; }},
             {u"listen"_s, [&](Words w) { return listen(w[0], bytes(w[1])); }},
             {u"hear"_s, [&](Words w) { return ::listen(socket(w[0]), w[1].toInt()) == 0; }},

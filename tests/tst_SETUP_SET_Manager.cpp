@@ -5,14 +5,18 @@
 #include "support/OtherUser.h"
 #include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
+#include "support/Timeout.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <optional>
+#include <thread>
+#include <vector>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -188,6 +192,26 @@ private Q_SLOTS:
         }
         for (int i = 0; i < 2 * kManyWrites; ++i)
             QCOMPARE(textOf(path(), u"many"_s, (i % 2 ? u"a%1"_s : u"b%1"_s).arg(i / 2)), QString::number(i / 2));
+    }
+
+    void servesEachThread()
+    {
+        constexpr int kTimes = 20;
+        write("[g]\nk=stays\n");
+        QTRY_VERIFY(isSettled()); // what is read then is kept
+        std::array<int, 3> served = {};
+        std::vector<std::thread> threads;
+        for (int& times : served) {
+            threads.emplace_back([this, &times, key = QString::number(threads.size())] {
+                const auto number = [&times] { return QString::number(times); };
+                while (times < kTimes && get() == u"stays" && set(number(), u"many"_s, key)
+                       && textOf(path(), u"many"_s, key) == number())
+                    ++times;
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        QCOMPARE(served, (std::array{kTimes, kTimes, kTimes}));
     }
 
 private:
