@@ -8,6 +8,7 @@
 #include "tests/support/Timeout.h"
 
 #include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QScopeGuard>
 #include <QtCore/QSemaphore>
@@ -206,7 +207,7 @@ void endProcess(const QString& end)
     if (end == u"fork" && ::fork() == 0) { // the child stays
         ::close(STDOUT_FILENO);            // who waits for the parent waits for its end
         ::close(STDERR_FILENO);
-        ::alarm(role::kTimeout / 1000);
+        ::alarm(static_cast<unsigned int>(role::kTimeout) / 1000);
         ::pause();
     }
     if (end != u"exit")
@@ -258,7 +259,7 @@ int forkRole(const QStringList&)
         returning = ::fork();
         if (returning == 0 || ::fork() != 0)
             return;
-        ::alarm(role::kTimeout / 1000);
+        ::alarm(static_cast<unsigned int>(role::kTimeout) / 1000);
         for (int i = 0; i < 3; ++i)
             QCopChannel::send("/pid", QByteArray::number(::getpid()), numbered("child", i));
         ::pause();
@@ -696,7 +697,7 @@ private Q_SLOTS:
         QVERIFY(QCopChannel::send(kChannel, "n"));
         QCoreApplication::processEvents(); // this thread's loop is the wrong one
         thread.start();
-        QVERIFY(thread.wait(role::kTimeout));
+        QVERIFY(thread.wait(QDeadlineTimer(role::kTimeout)));
         QCOMPARE(receivedIn, &thread);
     }
 

@@ -70,7 +70,7 @@ private Q_SLOTS:
         };
         QVERIFY(inAnotherProcess([&] {
             const pid_t other = ::fork();
-            ::alarm(60); // of the new process as well
+            ::alarm(forkedChildTime()); // of the new process as well
             const bool isAdded = addToEach(other == 0 ? kAnswered : kMissed);
             if (other == 0)
                 endForkedChild(isAdded ? EXIT_SUCCESS : EXIT_FAILURE);

@@ -6,6 +6,7 @@
 #include "platform/posix/PathAt_p.h"
 #include "platform/posix/StagedFile_p.h"
 #include "support/ActivityLogFixture.h"
+#include "support/ForkedChild.h"
 #include "support/OtherUser.h"
 #include "support/Scenario.h"
 #include "support/ScopedFileSizeLimit.h"
@@ -368,7 +369,7 @@ private Q_SLOTS:
         const pid_t maker = ::getpid();
         const pid_t attacker = ::fork();
         if (attacker == 0) {
-            ::alarm(60); // seconds
+            ::alarm(forkedChildTime());
             if (otheruser::become() && ::chdir(QFile::encodeName(directory).constData()) == 0)
                 swapLinks(QFile::encodeName(victim), maker);
             ::_exit(EXIT_FAILURE);

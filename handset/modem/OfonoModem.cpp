@@ -28,9 +28,8 @@ constexpr std::array<ofono::Word<CallState>, 6> kCallStates{{{QLatin1String("dia
                                                              {QLatin1String("waiting"), CallState::Waiting},
                                                              {QLatin1String("active"), CallState::Connected},
                                                              {QLatin1String("held"), CallState::Held}}};
-/// How often an emergency call is placed that a modem does not take which has just been switched on, and how often any
-/// call that oFono does not take because it is still placing another one, which was hung up; and how long after the last
-/// time.
+/// How often an emergency call is placed that a modem does not take which has just been switched on; how often any call
+/// that oFono does not take as it is still placing another one, which was hung up; and how long after the last time.
 constexpr int kEmergencyTries = 20;
 constexpr int kBusyTries = 20;
 constexpr std::chrono::milliseconds kBetweenDials{500};

@@ -104,8 +104,8 @@ iovec toIovec(std::span<const std::byte> bytes);
 ssize_t sendSome(int fd, std::span<iovec> blocks);
 ssize_t sendSome(int fd, std::span<const std::byte> bytes);
 
-/// Sends as much of @p unsent as the socket takes at once, and removes that; all of it when the connection is lost, which
-/// whoever reads from it notices.
+/// Sends as much of @p unsent as the socket takes at once, and removes that; all of it when the connection is lost,
+/// which whoever reads from it notices.
 void sendUnsent(int fd, QByteArray& unsent);
 
 /// Whether the peer has received all that was sent over @p fd, or never will.

@@ -16,8 +16,8 @@
 
 namespace role {
 
-/// How long a test waits for another process before it fails.
-inline constexpr int kTimeout = 20'000;
+/// How long a test waits for another process before it fails. Beside a tool, which takes its time, it is longer.
+inline const int kTimeout = qEnvironmentVariableIsSet("ZYN_TEST_TOOL") ? 300'000 : 20'000;
 
 inline constexpr char kSwitch[] = "--role";
 

@@ -135,10 +135,9 @@ inline QByteArray freshList()
 /// Does @p work in a process of its own; whether it succeeded. A process that hangs ends by itself.
 inline bool inAnotherProcess(const std::function<bool()>& work)
 {
-    constexpr unsigned int kTimeout = 60; // seconds
     const pid_t child = ::fork();
     if (child == 0) {
-        ::alarm(kTimeout);
+        ::alarm(forkedChildTime());
         endForkedChild(work() ? EXIT_SUCCESS : EXIT_FAILURE);
     }
     int status = -1;
