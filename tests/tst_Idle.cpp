@@ -35,12 +35,14 @@ qint64 sum(const QString& path, const QString& form)
     return all;
 }
 
-/// How often the threads of a process went to sleep, which each had to be woken up for before.
+/// How often the threads of a process went to sleep, which each had to be woken up for before; less than 0 when it is
+/// gone.
 qint64 sleeps(qint64 process)
 {
     const QString tasks = u"/proc/%1/task/"_s.arg(process);
-    qint64 all = 0;
-    for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+    const QStringList threads = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    qint64 all = threads.isEmpty() ? -1 : 0;
+    for (const QString& task : threads)
         all += sum(tasks + task + u"/status"_s, u"voluntary_ctxt_switches"_s);
     return all;
 }
@@ -53,10 +55,12 @@ qint64 wakeUpsAtRest(qint64 process)
     for (int i = 0; i < kWatchedOften && fewest != 0; ++i) {
         const qint64 before = sleeps(process);
         QTest::qSleep(kWatched);
-        const qint64 more = sleeps(process) - before;
-        if (before == 0 || more < 0) // it is not there, or no more
+        const qint64 after = sleeps(process);
+        if (before < 0 || after < 0)
             return -1;
-        fewest = fewest < 0 ? more : std::min(fewest, more);
+        const qint64 more = after - before;
+        if (more >= 0) // a thread that ended takes its number along
+            fewest = fewest < 0 ? more : std::min(fewest, more);
     }
     return fewest;
 }
