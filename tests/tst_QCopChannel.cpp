@@ -716,7 +716,7 @@ private Q_SLOTS:
         QMetaObject::invokeMethod(
             &inbox, [&] { inbox.moveToThread(QCoreApplication::instance()->thread()); }, Qt::BlockingQueuedConnection);
         thread.quit();
-        QVERIFY(thread.wait(role::kTimeout));
+        QVERIFY(thread.wait(QDeadlineTimer(role::kTimeout)));
     }
 
 private:
