@@ -8,7 +8,9 @@
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusVariant>
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
@@ -109,8 +111,7 @@ QVariant valueOf(Input& input)
 void requireText(const QString& text, qsizetype most = 128)
 {
     require(text.size() <= most, "a text has a bound");
-    require(std::ranges::all_of(text, [](QChar character) { return character.isPrint() || character.isSurrogate(); }),
-            "a text is printable");
+    require(std::ranges::all_of(text, [](QChar character) { return character.isPrint(); }), "a text is printable");
 }
 
 void readModem(Input& input)

@@ -39,10 +39,11 @@ qint64 sum(const QString& path, const QString& form)
 /// gone.
 qint64 sleeps(qint64 process)
 {
+    // One that has ended, and was not waited for, has no program any more.
+    const bool isThere = !QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).isEmpty();
     const QString tasks = u"/proc/%1/task/"_s.arg(process);
-    const QStringList threads = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    qint64 all = threads.isEmpty() ? -1 : 0;
-    for (const QString& task : threads)
+    qint64 all = isThere ? 0 : -1;
+    for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
         all += sum(tasks + task + u"/status"_s, u"voluntary_ctxt_switches"_s);
     return all;
 }

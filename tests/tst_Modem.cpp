@@ -211,6 +211,7 @@ private:
     }
     bool startServer(const QString& stack)
     {
+        QCoreApplication::processEvents(); // the last words of the former one
         m_statuses->forget();
         return m_server.start(ZYN_PHONED, u"--modem "_s + stack);
     }

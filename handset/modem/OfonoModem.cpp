@@ -29,7 +29,7 @@ constexpr std::array<ofono::Word<CallState>, 6> kCallStates{{{QLatin1String("dia
                                                              {QLatin1String("active"), CallState::Connected},
                                                              {QLatin1String("held"), CallState::Held}}};
 /// How often an emergency call is placed that a modem does not take which has just been switched on; how often any call
-/// that oFono does not take as it is still placing another one, which was hung up; and how long after the last time.
+/// that oFono does not take as it is busy, for example with one that was hung up; and how long after the last time.
 constexpr int kEmergencyTries = 20;
 constexpr int kBusyTries = 20;
 constexpr std::chrono::milliseconds kBetweenDials{500};
@@ -133,6 +133,7 @@ void OfonoModem::askForCall(int id, const Request& request, DialTries tries)
         return;
     }
     const auto noteReply = [this, id, request, tries](const QDBusMessage& reply) {
+        m_asked.remove(id);
         if (hasSignature(reply, "o"))
             return noteDialed(id, busPath(reply.arguments().constFirst()));
         DialTries left = tries;
@@ -144,6 +145,7 @@ void OfonoModem::askForCall(int id, const Request& request, DialTries tries)
         takeCancelled(id);
         noteNotPlaced(id, reply);
     };
+    m_asked.insert(id);
     bus().call(at(ofono::kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this, noteReply, kDialPatience);
 }
 
@@ -407,8 +409,9 @@ void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
     const QString word = busText(properties.value(u"State"_s));
     const CallState state = ofono::meaning(kCallStates, word, CallState::Ended);
     const bool isPlaced = state == CallState::Dialing || state == CallState::Alerting;
-    // One is placed at a time: this is the one that was hung up meanwhile, as its reply will tell.
-    if (state == CallState::Ended || (isPlaced && hasCancelled()))
+    // One is placed at a time: this may be one that was hung up meanwhile, as its reply will tell.
+    const bool isAnyUnwanted = std::ranges::any_of(m_asked, [this](int id) { return !call(id); });
+    if (state == CallState::Ended || (isPlaced && isAnyUnwanted))
         return;
     if (const int asked = isPlaced ? unboundCall() : 0) {
         noteObject(asked, path);
@@ -461,9 +464,11 @@ void OfonoModem::endUnknown(const QString& path)
 {
     if (m_unknown.size() < kMostUnknown)
         m_unknown.insert(path);
-    bus().call(callAt(path), u"Hangup"_s, {}, this, [this](const QDBusMessage& reply) {
-        if (!failureOf(reply).isEmpty())
-            logFailure(u"hanging up"_s, reply);
+    bus().call(callAt(path), u"Hangup"_s, {}, this, [this, path](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty())
+            return;
+        logFailure(u"hanging up"_s, reply);
+        m_unknown.remove(path); // another call may have it later
     });
 }
 

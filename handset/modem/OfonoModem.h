@@ -72,6 +72,7 @@ private:
     QString m_modem; ///< the path of the modem that is followed; empty without one
     QStringList m_interfaces;
     QMap<QString, QVariantMap> m_known; ///< by interface: what depends on several properties is found again
+    QSet<int> m_asked;                  ///< the calls that oFono was asked to place, and has yet to reply to
     QSet<QString> m_unknown;            ///< the paths of calls that are over here, and not yet there
     bool m_isRadioWanted = true;
     QTimer m_retry; ///< runs while the modem could not be switched on

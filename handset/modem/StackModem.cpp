@@ -224,6 +224,7 @@ void StackModem::noteObject(int id, const QString& path)
     if (found == m_calls.end() || !found->second.path.isEmpty())
         return;
     found->second.path = path;
+    found->second.isSuspended = false;
     if (found->second.isUnwanted)
         hangUp(id, kTries);
 }
@@ -248,7 +249,6 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
     if (hasCall(path))
         return;
     if (const int known = suspendedCall(number, state)) {
-        m_calls.at(known).isSuspended = false;
         noteObject(known, path);
         noteState(path, state);
         return;

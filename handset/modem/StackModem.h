@@ -128,8 +128,6 @@ protected:
     int unboundCall() const;
     /// Whether the call @p id was hung up before it had an object; asked once, when it has one.
     bool takeCancelled(int id) { return m_cancelled.erase(id) > 0; }
-    /// Whether there is such a call: a new object may be its.
-    bool hasCancelled() const { return !m_cancelled.empty(); }
 
     /// How long the reply to a call that is placed may take. What begins after that is taken for somebody else's call.
     static constexpr std::chrono::seconds kDialPatience{120};

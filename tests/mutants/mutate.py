@@ -383,7 +383,10 @@ def arguments():
     parser.add_argument("--state", metavar="FILE", help="keep what is found in a file, and try nothing that is in it")
     parser.add_argument("--again", action="store_true", help="but try again what was not caught")
     parser.add_argument("--json", metavar="FILE", help="write the result of each change to a file")
-    return parser.parse_args()
+    options = parser.parse_args()
+    if options.again and not options.state:
+        parser.error("--again needs the --state of an earlier run")
+    return options
 
 
 def main():
