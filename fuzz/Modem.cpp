@@ -146,13 +146,13 @@ void readModem(Input& input)
 QList<QByteArray> modemSeeds()
 {
     QList<QByteArray> seeds;
-    for (char stack = 0; stack < char(std::size(kStacks)); ++stack) {
+    for (size_t stack = 0; stack < std::size(kStacks); ++stack) {
         for (char interface = 0; interface < char(std::tuple_size_v<Interfaces>); ++interface) {
-            QByteArray texts = seed({stack});
+            QByteArray texts = seed({char(stack)});
             QByteArray numbers = texts;
-            for (char property = 0; property < char(kStacks[size_t(stack)].properties.size()); ++property) {
-                texts += seed({interface, property, 2 * kText, 3, '2', '6', '2'});
-                numbers += seed({interface, property, 4, 1});
+            for (size_t property = 0; property < kStacks[stack].properties.size(); ++property) {
+                texts += seed({interface, char(property), 2 * kText, 3, '2', '6', '2'});
+                numbers += seed({interface, char(property), 4, 1});
             }
             seeds += {texts, numbers};
         }

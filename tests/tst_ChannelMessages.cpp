@@ -18,7 +18,6 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
-#include <string>
 #include <utility>
 
 #include <fcntl.h>
@@ -171,13 +170,13 @@ template<typename Lines>
 bool printsAll(size_t room)
 {
     for (const size_t length : {size_t{0}, room - 13, room - 12, room - 1, room, room + 1, 3 * room}) {
-        const std::string text(length, 'x');
+        const QByteArray text(static_cast<qsizetype>(length), 'x');
         StdoutCapture output;
         {
             Lines lines;
-            lines << "<" << std::string_view(text) << int32_t{-2147483647} << std::string_view(text) << ">";
+            lines << "<" << text.constData() << int32_t{-2147483647} << text.constData() << ">";
         }
-        if (output.take() != ('<' + text + "-2147483647" + text + '>').c_str())
+        if (output.take() != '<' + text + "-2147483647" + text + '>')
             return false;
     }
     return true;

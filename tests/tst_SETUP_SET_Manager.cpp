@@ -201,6 +201,7 @@ private Q_SLOTS:
         QTRY_VERIFY(isSettled()); // what is read then is kept
         std::array<int, 3> served = {};
         std::vector<std::thread> threads;
+        threads.reserve(served.size());
         for (int& times : served) {
             threads.emplace_back([this, &times, key = QString::number(threads.size())] {
                 const auto number = [&times] { return QString::number(times); };
