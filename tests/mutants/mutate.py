@@ -294,8 +294,9 @@ def all_tests(pattern):
         if test.program.parent != COPIES or test.program.name == "tst_qml":
             tests.append(test)
             continue
-        lines = subprocess.run([str(test.program), "-datatags"], check=True, capture_output=True,
-                               text=True).stdout.splitlines()
+        with tempfile.TemporaryDirectory() as scratch: # a test that only lists its rows leaves its folders behind
+            lines = subprocess.run([str(test.program), "-datatags"], check=True, capture_output=True, text=True,
+                                   env=os.environ | {"TMPDIR": scratch}).stdout.splitlines()
         for _, function, *row in (line.split(" ", 2) for line in lines):
             tests.append(Test(entry, ":".join([function, *row])))
     return tests
