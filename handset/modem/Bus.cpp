@@ -3,11 +3,10 @@
 
 #include "handset/common/Log.h"
 
+#include <QtCore/QPointer>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusObjectPath>
-#include <QtDBus/QDBusPendingCallWatcher>
-#include <QtDBus/QDBusPendingReply>
 #include <QtDBus/QDBusVariant>
 
 #include <algorithm>
@@ -32,6 +31,37 @@ QString printableText(QString text)
     text.removeIf([](QChar character) { return !character.isPrint(); });
     return text;
 }
+
+/**
+ * Who takes the reply to one request, in its turn among the signals of its sender.
+ *
+ * Not a QDBusPendingCallWatcher: one that is made when the reply has already come hands it over behind signals that
+ * came later, and what they told would be undone by what was so before.
+ */
+class PendingReply : public QObject
+{
+    Q_OBJECT
+
+public:
+    PendingReply(Bus& bus, QObject* context, const Bus::Reply& then)
+        : QObject(&bus)
+        , m_context(context)
+        , m_then(then)
+    {}
+
+public Q_SLOTS:
+    void take(const QDBusMessage& reply)
+    {
+        deleteLater();
+        if (m_context)
+            m_then(reply);
+    }
+    void fail(const QDBusError& error) { take(QDBusMessage::createError(error)); }
+
+private:
+    QPointer<QObject> m_context;
+    Bus::Reply m_then;
+};
 
 } // namespace
 
@@ -58,12 +88,12 @@ void Bus::call(const BusAddress& to, const QString& method, const QVariantList& 
     QDBusMessage request = QDBusMessage::createMethodCall(to.service, to.path, to.interface, method);
     request.setAutoStartService(false);
     request.setArguments(arguments);
-    auto* const watcher =
-        new QDBusPendingCallWatcher(connection().asyncCall(request, static_cast<int>(patience.count())), context);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [then, watcher] {
-        watcher->deleteLater();
-        then(watcher->reply());
-    });
+    auto* const pending = new PendingReply(*this, context, then);
+    if (connection().callWithCallback(request, pending, SLOT(take(QDBusMessage)), SLOT(fail(QDBusError)),
+                                      static_cast<int>(patience.count())))
+        return;
+    const auto fail = [pending] { pending->take(QDBusMessage::createError(QDBusError::Disconnected, {})); };
+    QMetaObject::invokeMethod(pending, fail, Qt::QueuedConnection);
 }
 
 void Bus::listen(const BusAddress& from, const QString& signal, QObject* receiver, const char* slot)
@@ -185,3 +215,5 @@ QVariantMap busMap(const QVariant& value)
 }
 
 } // namespace zyn::handset
+
+#include "Bus.moc"
