@@ -97,6 +97,7 @@ void ModemManagerModem::askForCall(int id, const Request& request)
     // The interface has no choice of its own: these are the codes of 3GPP TS 22.030.
     constexpr std::array kCodes{"", "#31#", "*31#"};
     const QString number = QLatin1String(kCodes.at(static_cast<size_t>(request.callerId))) + request.number;
+    noteAsked(id, true);
     bus().call(at(modemmanager::kVoice), u"CreateCall"_s, {QVariantMap{{u"number"_s, number}}}, this,
                [this, id](const QDBusMessage& reply) {
                    if (hasSignature(reply, "o")) {
@@ -129,27 +130,19 @@ void ModemManagerModem::startCall(int id, const QString& path)
         kDialPatience);
 }
 
-void ModemManagerModem::askToAnswer(int /*id*/, const Line& call)
+void ModemManagerModem::askToAnswer(const Line& call, const Bus::Reply& then)
 {
-    const QString path = call.path;
-    const auto noteAnswer = [this, path](const QDBusMessage& reply) {
-        // A call that ends before its states are polled was talked on all the same.
-        if (failureOf(reply).isEmpty())
-            StackModem::noteState(path, CallState::Connected);
-        else
-            logFailure(u"answering"_s, reply);
-    };
     if (call.state == CallState::Waiting)
-        bus().call(at(modemmanager::kVoice), u"HoldAndAccept"_s, {}, this, noteAnswer);
+        bus().call(at(modemmanager::kVoice), u"HoldAndAccept"_s, {}, this, then);
     else
-        bus().call(callAt(path), u"Accept"_s, {}, this, noteAnswer);
+        bus().call(callAt(call.path), u"Accept"_s, {}, this, then);
 }
 
 void ModemManagerModem::askToHangUp(const Line& call, const Bus::Reply& then)
 {
     // Of two calls the service may forget the one that is held, while the network goes on with it: so that one is
-    // taken back first.
-    if (call.state == CallState::Connected && hasCallIn(CallState::Held))
+    // taken back first, unless another one waits, which would be taken instead.
+    if (call.state == CallState::Connected && hasCallIn(CallState::Held) && !hasCallIn(CallState::Waiting))
         bus().call(at(modemmanager::kVoice), u"HangupAndAccept"_s, {}, this, then);
     else
         bus().call(callAt(call.path), u"Hangup"_s, {}, this, then);
@@ -177,11 +170,6 @@ void ModemManagerModem::askForTries(const std::function<void()>& then)
                        note(modemmanager::kModem, busMap(reply.arguments().constFirst()));
                    then();
                });
-}
-
-void ModemManagerModem::endUnknown(const QString& path)
-{
-    bus().call(callAt(path), u"Hangup"_s, {}, this, failsWith(u"hanging up"_s));
 }
 
 Bus::Reply ModemManagerModem::failsWith(const QString& what)
@@ -405,6 +393,10 @@ void ModemManagerModem::noteCallState(const QDBusMessage& signal)
 
 void ModemManagerModem::noteState(const QString& path, qint64 state, qint64 reason)
 {
+    if (isUnknown(path) && state == kCallTerminated) {
+        noteGone(path);
+        deleteCall(path);
+    }
     if (!hasCall(path))
         return;
     if (state != kCallTerminated) {

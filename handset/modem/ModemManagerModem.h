@@ -28,12 +28,11 @@ protected:
     void askForModems() override;
     void forget() override;
     void askForCall(int id, const Request& request) override;
-    void askToAnswer(int id, const Line& call) override;
+    void askToAnswer(const Line& call, const Bus::Reply& then) override;
     void askToHangUp(const Line& call, const Bus::Reply& then) override;
     void askForTone(const Line& call, QChar key) override;
     void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
     void askForTries(const std::function<void()>& then) override;
-    void endUnknown(const QString& path) override;
 
 private Q_SLOTS:
     void noteAdded(const QDBusMessage& signal);

@@ -38,9 +38,6 @@ constexpr std::chrono::milliseconds kBetweenDials{500};
 constexpr int kReadTries = 5;
 constexpr std::chrono::seconds kBetweenReads{1};
 
-/// How many calls that are over here may go on there.
-constexpr qsizetype kMostUnknown = 16;
-
 /// Between two attempts to switch on a modem that cannot be.
 constexpr std::chrono::seconds kBetweenSwitches{10};
 
@@ -127,50 +124,49 @@ void OfonoModem::askForCall(int id, const Request& request)
 /// Places the call, again while the modem is not ready, or busy, and there are @p tries left.
 void OfonoModem::askForCall(int id, const Request& request, DialTries tries)
 {
+    const Line* const wanted = call(id);
     // It was hung up meanwhile.
-    if (!call(id)) {
+    if (!wanted) {
         takeCancelled(id);
         return;
     }
+    // The service has come back with it.
+    if (!wanted->path.isEmpty())
+        return;
     const auto noteReply = [this, id, request, tries](const QDBusMessage& reply) {
         m_asked.remove(id);
         if (hasSignature(reply, "o"))
             return noteDialed(id, busPath(reply.arguments().constFirst()));
         DialTries left = tries;
         int& count = reply.errorName() == kInProgress ? left.whileBusy : left.whileNotReady;
-        if (count-- > 0 && call(id)) {
+        // A service that has gone without a reply may have placed it.
+        if (reply.errorName() != kNoReply && count-- > 0 && call(id)) {
+            noteAsked(id, false);
             QTimer::singleShot(kBetweenDials, this, [this, id, request, left] { askForCall(id, request, left); });
             return;
         }
-        takeCancelled(id);
         noteNotPlaced(id, reply);
     };
+    noteAsked(id, true);
     m_asked.insert(id);
     bus().call(at(ofono::kVoice), u"Dial"_s, {request.number, hides(request.callerId)}, this, noteReply, kDialPatience);
 }
 
 void OfonoModem::noteDialed(int id, const QString& path)
 {
-    if (takeCancelled(id))
+    // It was hung up meanwhile, or was over as nothing was heard of it.
+    if (takeCancelled(id) || !call(id))
         endUnknown(path);
     else
         noteObject(id, path);
 }
 
-void OfonoModem::askToAnswer(int /*id*/, const Line& call)
+void OfonoModem::askToAnswer(const Line& call, const Bus::Reply& then)
 {
-    const QString path = call.path;
-    const auto noteAnswer = [this, path](const QDBusMessage& reply) {
-        // A call that ends before its states are polled was talked on all the same.
-        if (failureOf(reply).isEmpty())
-            noteState(path, CallState::Connected);
-        else
-            logFailure(u"answering"_s, reply);
-    };
     if (call.state == CallState::Waiting)
-        bus().call(at(ofono::kVoice), u"HoldAndAnswer"_s, {}, this, noteAnswer);
+        bus().call(at(ofono::kVoice), u"HoldAndAnswer"_s, {}, this, then);
     else
-        bus().call(callAt(path), u"Answer"_s, {}, this, noteAnswer);
+        bus().call(callAt(call.path), u"Answer"_s, {}, this, then);
 }
 
 void OfonoModem::askToHangUp(const Line& call, const Bus::Reply& then)
@@ -204,7 +200,6 @@ void OfonoModem::forget()
     m_modem.clear();
     m_interfaces.clear();
     m_known.clear();
-    m_unknown.clear();
     m_retry.stop();
 }
 
@@ -404,7 +399,7 @@ void OfonoModem::noteCallAdded(const QDBusMessage& signal)
 /// A call that has come, or the object of one that was asked for: its signal may come before the reply, or behind it.
 void OfonoModem::addCall(const QString& path, const QVariantMap& properties)
 {
-    if (path.isEmpty() || hasCall(path) || m_unknown.contains(path))
+    if (path.isEmpty() || hasCall(path) || isUnknown(path))
         return;
     const QString word = busText(properties.value(u"State"_s));
     const CallState state = ofono::meaning(kCallStates, word, CallState::Ended);
@@ -456,20 +451,8 @@ void OfonoModem::noteCallRemoved(const QDBusMessage& signal)
     if (!hasSignature(signal, "o"))
         return;
     const QString path = busPath(signal.arguments().constFirst());
-    m_unknown.remove(path);
+    noteGone(path);
     noteOver(path, CallEnd::Network);
-}
-
-void OfonoModem::endUnknown(const QString& path)
-{
-    if (m_unknown.size() < kMostUnknown)
-        m_unknown.insert(path);
-    bus().call(callAt(path), u"Hangup"_s, {}, this, [this, path](const QDBusMessage& reply) {
-        if (failureOf(reply).isEmpty())
-            return;
-        logFailure(u"hanging up"_s, reply);
-        m_unknown.remove(path); // another call may have it later
-    });
 }
 
 } // namespace zyn::handset

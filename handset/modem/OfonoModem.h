@@ -29,12 +29,11 @@ protected:
     void askForModems() override;
     void forget() override;
     void askForCall(int id, const Request& request) override;
-    void askToAnswer(int id, const Line& call) override;
+    void askToAnswer(const Line& call, const Bus::Reply& then) override;
     void askToHangUp(const Line& call, const Bus::Reply& then) override;
     void askForTone(const Line& call, QChar key) override;
     void askToUnlock(const Codes& codes, const Bus::Reply& then) override;
     void askForTries(const std::function<void()>& then) override;
-    void endUnknown(const QString& path) override;
 
 private Q_SLOTS:
     void noteModemAdded(const QDBusMessage& signal);
@@ -73,7 +72,6 @@ private:
     QStringList m_interfaces;
     QMap<QString, QVariantMap> m_known; ///< by interface: what depends on several properties is found again
     QSet<int> m_asked;                  ///< the calls that oFono was asked to place, and has yet to reply to
-    QSet<QString> m_unknown;            ///< the paths of calls that are over here, and not yet there
     bool m_isRadioWanted = true;
     QTimer m_retry; ///< runs while the modem could not be switched on
 };

@@ -20,6 +20,9 @@ namespace {
 /// More calls than a network lets anybody have: 3GPP TS 22.030 has seven.
 constexpr size_t kMostCalls = 16;
 
+/// How the errors begin that the bus gives for a service, as for an object that is not there.
+constexpr QLatin1String kErrorsOfTheBus("org.freedesktop.DBus.Error.");
+
 /// How long calls wait for a service that has gone: one that was restarted is back by then.
 constexpr std::chrono::seconds kPatience{10};
 
@@ -28,6 +31,9 @@ constexpr std::chrono::seconds kUntilPolled{3};
 
 /// How long a service takes to learn from the card how many tries are left.
 constexpr std::chrono::milliseconds kUntilCounted{300};
+
+/// How many calls that are over here may go on there.
+constexpr qsizetype kMostUnknown = 16;
 
 /// How often a call is hung up that the service does not hang up, and how long after the last time.
 constexpr int kTries = 10;
@@ -67,6 +73,8 @@ StackModem::StackModem(Bus& bus, PhoneStatus& status, const QString& service, co
     connect(&m_tell, &QTimer::timeout, this, &StackModem::tell);
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, &StackModem::giveUp);
+    // Subscriptions end with their connection, whether or not the service was still there.
+    connect(&bus, &Bus::lost, this, [this] { m_isSubscribed = false; });
 }
 
 void StackModem::start()
@@ -78,7 +86,6 @@ void StackModem::start()
 
 void StackModem::lose()
 {
-    m_isSubscribed = m_isSubscribed && m_bus.isConnected();
     suspendCalls(kPatience);
     for (const auto& [id, number] : m_cancelled)
         abandon(number);
@@ -91,9 +98,13 @@ void StackModem::lose()
 void StackModem::suspendCalls(std::chrono::seconds patience)
 {
     for (auto& [id, call] : m_calls) {
+        // The modem cannot have one that was never asked for, or was refused: that is asked for again.
+        if (call.isPlaced && !call.isAsked)
+            continue;
         call.isSuspended = true;
         call.path.clear();
     }
+    m_unknown.clear();
     m_patience.start(patience);
 }
 
@@ -144,7 +155,11 @@ QString StackModem::obstacle(const Request& request) const
 void StackModem::dial(int id, const Request& request)
 {
     m_calls[id] = {.path = {}, .number = request.number, .isPlaced = true};
-    askForCall(id, request);
+    Request wanted = request;
+    // A code before the number of help may keep it from being known as that; and help is to see who calls.
+    if (PHONE_IsEmergencyCall(wanted.number.toLatin1().data()))
+        wanted.callerId = CallerId::AsSubscribed;
+    askForCall(id, wanted);
 }
 
 bool StackModem::carryOut(int id, CallEvent event)
@@ -157,7 +172,9 @@ bool StackModem::carryOut(int id, CallEvent event)
         call.isUnwanted = true;
         const bool hasObject = !call.path.isEmpty();
         if (hasObject || call.isSuspended) {
-            hangUp(id, kTries);
+            // Asked for twice, a service may end the call that it has just taken back.
+            if (!call.isBeingHungUp)
+                hangUp(id, kTries);
         } else {
             m_cancelled[id] = call.number;
             noteOver(id, CallEnd::Here);
@@ -166,7 +183,9 @@ bool StackModem::carryOut(int id, CallEvent event)
     }
     if (event != CallEvent::Answer || call.isPlaced)
         return false;
-    askToAnswer(id, call);
+    // Asked for twice, a service may exchange the calls that it has just exchanged.
+    if (!std::exchange(call.isBeingAnswered, true))
+        askToAnswer(call, [this, id, path = call.path](const QDBusMessage& reply) { noteAnswered(id, path, reply); });
     return true;
 }
 
@@ -225,12 +244,26 @@ void StackModem::noteObject(int id, const QString& path)
         return;
     found->second.path = path;
     found->second.isSuspended = false;
+    found->second.isBeingAnswered = false;
+    found->second.isBeingHungUp = false;
     if (found->second.isUnwanted)
         hangUp(id, kTries);
 }
 
+void StackModem::noteAsked(int id, bool isAsked)
+{
+    if (const auto found = m_calls.find(id); found != m_calls.end())
+        found->second.isAsked = isAsked;
+}
+
 void StackModem::noteNotPlaced(int id, const QDBusMessage& reply)
 {
+    // One that was hung up meanwhile may have been placed all the same.
+    if (const auto cancelled = m_cancelled.extract(id); cancelled && reply.errorName() == kNoReply) {
+        abandon(cancelled.mapped());
+        if (!m_patience.isActive())
+            m_patience.start(kPatience);
+    }
     const auto found = m_calls.find(id);
     if (found == m_calls.end())
         return;
@@ -248,13 +281,16 @@ void StackModem::noteFound(const QString& path, const QString& number, const QSt
 {
     if (hasCall(path))
         return;
-    if (const int known = suspendedCall(number, state)) {
+    // Written alike, it is one that was hung up, rather than one that may have been written in another way.
+    const int known = suspendedCall(number, state);
+    if (known != 0 && (m_calls.at(known).number == number || !m_abandoned.contains(number))) {
         noteObject(known, path);
         noteState(path, state);
         return;
     }
-    // Who was told that a call is over must not go on talking; but nobody is cut off from help.
-    if (m_abandoned.removeOne(number) && !PHONE_IsEmergencyCall(number.toLatin1().data()))
+    // Who was told that a call is over must not go on talking; but nobody is cut off from help, and who rings may do so
+    // anew.
+    if (!rings(state) && m_abandoned.removeOne(number) && !PHONE_IsEmergencyCall(number.toLatin1().data()))
         return endUnknown(path);
     if (m_calls.size() >= kMostCalls)
         return;
@@ -288,6 +324,20 @@ void StackModem::noteState(const QString& path, CallState state)
         return;
     m_calls.at(id).state = state;
     Q_EMIT reached(id, state);
+}
+
+/// What has become of answering the call @p id, whose object is @p path.
+void StackModem::noteAnswered(int id, const QString& path, const QDBusMessage& reply)
+{
+    const bool isFailure = !failureOf(reply).isEmpty();
+    if (isFailure)
+        logFailure(u"answering"_s, reply);
+    if (idOf(path) != id)
+        return;
+    m_calls.at(id).isBeingAnswered = false;
+    // A call that ends before its states are polled was talked on all the same.
+    if (!isFailure)
+        noteState(path, CallState::Connected);
 }
 
 void StackModem::noteEnd(const QString& path, CallEnd end)
@@ -325,7 +375,7 @@ int StackModem::idOf(const QString& path) const
 }
 
 /// The call with @p number that waits for its service, and is found in @p state, or 0. A single one may have been
-/// written in another way. What rings now is none that was talked on.
+/// written in another way; but who rings is told in one way, or not at all. What rings now is none that was talked on.
 int StackModem::suspendedCall(const QString& number, CallState state) const
 {
     std::vector<int> waiting;
@@ -334,7 +384,8 @@ int StackModem::suspendedCall(const QString& number, CallState state) const
             continue;
         if (call.number == number)
             return id;
-        waiting.push_back(id);
+        if (!rings(state) || number.isEmpty() || call.number.isEmpty())
+            waiting.push_back(id);
     }
     return waiting.size() == 1 ? waiting.front() : 0;
 }
@@ -348,15 +399,49 @@ bool StackModem::isAwaited(const QString& number) const
 /// Hangs up the call @p id, again and again while the service is busy with another one.
 void StackModem::hangUp(int id, int tries)
 {
-    const Line* const line = call(id);
-    if (!line || line->path.isEmpty() || tries == 0)
+    const auto found = m_calls.find(id);
+    if (found == m_calls.end() || found->second.path.isEmpty())
         return;
-    askToHangUp(*line, [this, id, tries](const QDBusMessage& reply) {
-        if (failureOf(reply).isEmpty())
+    found->second.isBeingHungUp = tries > 0;
+    if (tries == 0)
+        return;
+    const QString path = found->second.path;
+    askToHangUp(found->second, [this, id, path, tries](const QDBusMessage& reply) {
+        if (idOf(path) != id)
             return;
+        if (failureOf(reply).isEmpty()) {
+            QTimer::singleShot(kUntilPolled, this, [this, id] { hangUp(id, 0); });
+            return;
+        }
         if (tries == kTries || tries == 1)
             logFailure(u"hanging up"_s, reply);
         QTimer::singleShot(kBetweenHangUps, this, [this, id, tries] { hangUp(id, tries - 1); });
+    });
+}
+
+void StackModem::endUnknown(const QString& path)
+{
+    if (path.isEmpty())
+        return;
+    if (m_unknown.size() < kMostUnknown)
+        m_unknown.insert(path);
+    endUnknown(path, kTries);
+}
+
+void StackModem::endUnknown(const QString& path, int tries)
+{
+    askToHangUp({.path = path, .number = {}}, [this, path, tries](const QDBusMessage& reply) {
+        if (failureOf(reply).isEmpty() || !isUnknown(path))
+            return;
+        if (tries == kTries || tries == 1)
+            logFailure(u"hanging up"_s, reply);
+        // What the bus says is that there is no such object; what the service says, that it cannot now.
+        if (tries == 1 || reply.errorName().startsWith(kErrorsOfTheBus))
+            return noteGone(path);
+        QTimer::singleShot(kBetweenHangUps, this, [this, path, tries] {
+            if (isUnknown(path))
+                endUnknown(path, tries - 1);
+        });
     });
 }
 
@@ -375,7 +460,7 @@ int StackModem::unboundCall() const
 {
     const auto found = std::ranges::find_if(m_calls, [](const auto& entry) {
         const Line& call = entry.second;
-        return call.isPlaced && call.path.isEmpty() && !call.isSuspended;
+        return call.isPlaced && call.isAsked && call.path.isEmpty() && !call.isSuspended;
     });
     return found == m_calls.end() ? 0 : found->first;
 }

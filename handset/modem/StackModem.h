@@ -6,6 +6,7 @@
 #include "handset/modem/PhoneFacts.h"
 #include "handset/phone_server/Modem.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
@@ -59,8 +60,11 @@ protected:
         QString path; ///< its object; empty until the service has one for it
         QString number;
         bool isPlaced = false;
-        bool isUnwanted = false;  ///< it is to be hung up
-        bool isSuspended = false; ///< the service that had it has gone
+        bool isAsked = false;         ///< of one that is placed: the service may have it, and has not refused it
+        bool isUnwanted = false;      ///< it is to be hung up
+        bool isSuspended = false;     ///< the service that had it has gone
+        bool isBeingAnswered = false; ///< the service was asked for it, and has yet to reply
+        bool isBeingHungUp = false;   ///< the service was asked for it, and has had no time to tell that it is over
         CallState state = CallState::Dialing;
         std::optional<CallEnd> end = {}; ///< who ended it, when that is told before it is over
     };
@@ -73,15 +77,13 @@ protected:
     virtual void forget() = 0;
     /// Asks the service to place the call @p id.
     virtual void askForCall(int id, const Request& request) = 0;
-    virtual void askToAnswer(int id, const Line& call) = 0;
+    virtual void askToAnswer(const Line& call, const Bus::Reply& then) = 0;
     virtual void askToHangUp(const Line& call, const Bus::Reply& then) = 0;
     virtual void askForTone(const Line& call, QChar key) = 0;
     /// Gives the modem @p codes, and calls @p then with the reply.
     virtual void askToUnlock(const Codes& codes, const Bus::Reply& then) = 0;
     /// Asks how many tries are left, and calls @p then when that is known.
     virtual void askForTries(const std::function<void()>& then) = 0;
-    /// Ends the call @p path, which is over here.
-    virtual void endUnknown(const QString& path) = 0;
     /// @}
 
     Bus& bus() { return m_bus; }
@@ -94,7 +96,15 @@ protected:
         noteFacts();
     }
 
+    /// Hangs up the call @p path, which is over here. What the service tells of it is nobody's until it is gone there.
+    void endUnknown(const QString& path);
+    bool isUnknown(const QString& path) const { return m_unknown.contains(path); }
+    /// The object @p path is gone: another call may have its path.
+    void noteGone(const QString& path) { m_unknown.remove(path); }
+
     /// @{ What the service tells of calls. A path that has no call is ignored.
+    /// The service is asked to place the call @p id; or has refused it, and will be asked again.
+    void noteAsked(int id, bool isAsked);
     /// A call that was asked for has the object @p path. Hangs it up when that was asked for meanwhile.
     void noteObject(int id, const QString& path);
     /// The service has not placed the call @p id, and says why; or it has gone meanwhile, and may have placed it.
@@ -124,7 +134,7 @@ protected:
     bool hasCallIn(CallState state) const;
     int idOf(const QString& path) const;
     const Line* call(int id) const;
-    /// A placed call that has no object yet, or 0.
+    /// A placed call that the service was asked for, and that has no object yet, or 0.
     int unboundCall() const;
     /// Whether the call @p id was hung up before it had an object; asked once, when it has one.
     bool takeCancelled(int id) { return m_cancelled.erase(id) > 0; }
@@ -136,7 +146,9 @@ protected:
     void logFailure(const QString& what, const QDBusMessage& reply);
 
 private:
+    void noteAnswered(int id, const QString& path, const QDBusMessage& reply);
     void hangUp(int id, int tries);
+    void endUnknown(const QString& path, int tries);
     void abandon(const QString& number);
     void suspendCalls(std::chrono::seconds patience);
     int suspendedCall(const QString& number, CallState state) const;
@@ -151,6 +163,7 @@ private:
     std::map<int, Line> m_calls;
     std::map<int, QString> m_cancelled; ///< the numbers of those that were hung up before they had an object
     QStringList m_abandoned;            ///< the numbers of calls that are over here, and may not be for the service
+    QSet<QString> m_unknown;            ///< the paths of calls that are over here, and not yet there
     QString m_failure;                  ///< the last one
     QString m_lastImsi;                 ///< of the card that is there, or was there last
     QTimer m_tell;                      ///< what changes at once is told once
