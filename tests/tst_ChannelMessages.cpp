@@ -18,7 +18,9 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
+#include <limits>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 
@@ -169,14 +171,17 @@ QString shown(const QCString& name)
 template<typename Lines>
 bool printsAll(size_t room)
 {
-    for (const size_t length : {size_t{0}, room - 13, room - 12, room - 1, room, room + 1, 3 * room}) {
+    std::vector<size_t> lengths{0, 3 * room};
+    for (size_t length = room - 25; length < room + 15; ++length) // around what is kept until it is written
+        lengths.push_back(length);
+    for (const size_t length : lengths) {
         const QByteArray text(static_cast<qsizetype>(length), 'x');
         StdoutCapture output;
         {
             Lines lines;
-            lines << "<" << text.constData() << int32_t{-2147483647} << text.constData() << ">";
+            lines << "<" << text.constData() << std::numeric_limits<int32_t>::min() << text.constData() << ">";
         }
-        if (output.take() != '<' + text + "-2147483647" + text + '>')
+        if (output.take() != '<' + text + "-2147483648" + text + '>')
             return false;
     }
     return true;

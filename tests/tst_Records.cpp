@@ -3,10 +3,8 @@
 #include "recentcall/utility/RC_RecordInterface.h"
 #include "support/ActivityLogFixture.h"
 #include "support/StdoutCapture.h"
-#include "utility/PHONE_Log_p.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 
 using namespace Qt::StringLiterals;
@@ -232,16 +230,6 @@ private Q_SLOTS:
                 expected.setPttSessionID(QString(100, u's'));
             }
             QCOMPARE(bytes(*record.getData()), bytes(expected));
-        }
-    }
-
-    void tracesWholeTextsAndNumbers()
-    {
-        for (qsizetype length = 1000; length < 1040; ++length) { // around what is kept until it is written
-            const QByteArray text(length, 'x');
-            StdoutCapture output;
-            zyn::LogText() << "a" << text.constData() << std::numeric_limits<int32_t>::min() << "b";
-            QCOMPARE(output.take(), 'a' + text + "-2147483648b");
         }
     }
 };

@@ -136,14 +136,14 @@ bool setEntryMode(int directory, const QByteArray& name, mode_t mode)
     return ::fchmodat(directory, name.constData(), mode, 0) == 0;
 }
 
-bool removeEntry(int directory, const QByteArray& name)
+void removeEntry(int directory, const QByteArray& name)
 {
-    return ::unlinkat(directory, name.constData(), 0) == 0;
+    ::unlinkat(directory, name.constData(), 0);
 }
 
-bool removeEmptyDirectory(int directory, const QByteArray& name)
+void removeEmptyDirectory(int directory, const QByteArray& name)
 {
-    return ::unlinkat(directory, name.constData(), AT_REMOVEDIR) == 0;
+    ::unlinkat(directory, name.constData(), AT_REMOVEDIR);
 }
 
 QByteArray linkTarget(int directory, const QByteArray& name)

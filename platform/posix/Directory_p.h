@@ -46,10 +46,12 @@ struct EntryStatus
 /// That of the entry @p name of @p directory, of a link itself; nothing if there is no such entry.
 std::optional<EntryStatus> entryStatus(int directory, const QByteArray& name);
 
-/// @{ Change the entry @p name of @p directory, which this process has open; false on failure.
+/// Sets the permissions of the entry @p name of @p directory, which this process has open; false on failure.
 bool setEntryMode(int directory, const QByteArray& name, mode_t mode);
-bool removeEntry(int directory, const QByteArray& name);
-bool removeEmptyDirectory(int directory, const QByteArray& name);
+
+/// @{ Remove the entry @p name of @p directory, if that can be: who must know looks whether it is there.
+void removeEntry(int directory, const QByteArray& name);
+void removeEmptyDirectory(int directory, const QByteArray& name);
 /// @}
 
 /// Where the link @p name in @p directory leads, at most its first 255 bytes; empty when there is no link.

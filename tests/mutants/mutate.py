@@ -46,6 +46,7 @@ SINGLE_ROWS = 8
 # The source that gets the switch.
 SWITCH_HOME = "platform/aplog.cpp"
 SWITCH_MAP = "abi/libzynplatform.map" # which exports it
+PLACES = 65536
 SWITCH = r"""
 #include <atomic>
 #include <cerrno>
@@ -61,7 +62,7 @@ std::atomic<char>* reachedPlaces()
     const char* const name = std::getenv("ZYN_MUTANTS_REACHED");
     const int before = errno;
     const int file = name ? ::open(name, O_RDWR | O_CLOEXEC) : -1;
-    void* const place = file < 0 ? MAP_FAILED : ::mmap(nullptr, 65536, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    void* const place = file < 0 ? MAP_FAILED : ::mmap(nullptr, PLACES, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (file >= 0)
         ::close(file);
     errno = before;
@@ -134,7 +135,7 @@ def write_tree(mutants):
         if file.endswith(".cpp") and by_file[file]:
             text = found.mutated(text, file, by_file[file]).encode()
         if file == SWITCH_HOME:
-            text += SWITCH.encode()
+            text += SWITCH.replace("PLACES", str(PLACES)).encode()
         write(TREE / file, text)
 
 
@@ -234,7 +235,7 @@ class Test:
         notes = known.with_suffix(".bytes")
         notes.parent.mkdir(parents=True, exist_ok=True)
         if not known.exists() or known.stat().st_mtime < newest(self):
-            notes.write_bytes(bytes(65536)) # a byte for each change
+            notes.write_bytes(bytes(PLACES)) # a byte for each
             notes.chmod(0o666)              # also for what runs as another user
             start = time.monotonic()
             passed = not self.fails(120, ZYN_MUTANTS_REACHED=str(notes))

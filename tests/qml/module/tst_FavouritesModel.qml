@@ -197,11 +197,11 @@ TestCase {
         load()
         verify(row.damage())
         const size = TestHandset.size(details)
-        tryVerify(() => model.error.includes(details))
+        tryVerify(() => model.error.includes(details), 20000)
         compare(numbers(), ["1234567", "", "", "", ""])
         compare(TestHandset.size(details), size)
         verify(TestHandset.remove("phone"))
-        tryCompare(model, "error", "")
+        tryCompare(model, "error", "", 20000)
         tryNumbers(["", "", "", "", ""])
     }
 
@@ -217,7 +217,7 @@ TestCase {
         load()
         compare(list.itemAt(0).missedCalls, 1)
         verify(row.damage())
-        tryVerify(() => list.itemAt(0).missedCalls === -1)
+        tryVerify(() => list.itemAt(0).missedCalls === -1, 20000)
         compare(list.itemAt(0).unreadMessages, -1)
         compare(model.error, "")
     }
