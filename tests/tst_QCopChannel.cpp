@@ -392,6 +392,8 @@ private Q_SLOTS:
         Inbox early;
         for (int i = 0; i < 3; ++i)
             QVERIFY(QCopChannel::send(kChannel, "n"));
+        if ((flags & SHM_HUGETLB) != 0 && qEnvironmentVariableIsSet("ZYN_TEST_TOOL"))
+            QSKIP("valgrind has such pages where the system has none");
         const int segment = size > 0 ? ::shmget(IPC_PRIVATE, static_cast<size_t>(size), flags | IPC_CREAT) : 0;
         if (segment < 0)
             QSKIP("there are no such segments");
@@ -593,6 +595,8 @@ private Q_SLOTS:
             QVERIFY(QCopChannel::send(kChannel, "n"));
             QTRY_COMPARE(late.names.size(), isSent ? 2 : 1);
         }
+        if (qEnvironmentVariableIsSet("ZYN_TEST_TOOL"))
+            QSKIP("valgrind closes a connection for which there is no descriptor; the system keeps it");
         const Inbox inbox;
         const auto waitWithoutDescriptors = [] {
             const int next = UniqueFd(::dup(STDERR_FILENO)).get();
