@@ -120,6 +120,12 @@ async def _late(terminal, command, argument):
     return lines_of(terminal.execute(command))
 
 
+async def _slow(terminal, command, argument):
+    answer = lines_of(terminal.execute(command))
+    await asyncio.sleep(int(argument) / 1000)
+    return answer
+
+
 async def _half(terminal, command, _):
     answer = lines_of(terminal.execute(command))
     return answer[:len(answer) // 2]
@@ -144,6 +150,7 @@ class FaultKind:
 
 FAULT_KINDS = {
     "late": FaultKind(_late, r"\d{1,6}", "MS: does it, and answers, that much later; what follows waits"),
+    "slow": FaultKind(_slow, r"\d{1,6}", "MS: does it, and answers that much later; what follows waits"),
     "never": FaultKind(_always(b""), "", "neither does it nor answers"),
     "error": FaultKind(_always(lines_of([ERROR])), "", "answers ERROR and does nothing"),
     "ok": FaultKind(_always(lines_of([OK])), "", "answers OK and does nothing"),
