@@ -166,6 +166,8 @@ FocusScope {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 visible: screen.dialing
+                // Return calls what is typed after it was tapped.
+                focusPolicy: Qt.TabFocus
                 tone: PhoneButton.Soft
                 text: emergency.text === "" ? qsTr("Back") : qsTr("Clear")
                 onClicked: {

@@ -27,6 +27,8 @@ AbstractButton {
     font.pixelSize: Theme.body
     opacity: enabled ? 1 : 0.4
     focusPolicy: Qt.StrongFocus
+    // Keys are not for what nobody sees.
+    onVisibleChanged: if (!visible) focus = false
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.onPressAction: button.clicked()

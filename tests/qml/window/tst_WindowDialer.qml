@@ -113,6 +113,33 @@ PhoneWindow {
             endCall()
         }
 
+        function test_lockedKeyboard_data() {
+            return [
+                { tag: "unlocked by hand before", before: () => {
+                    tap("unlockButton")
+                    tap("lockButton")
+                } },
+                { tag: "dialer asked for", before: () => tap("emergencyButton") },
+                { tag: "digits cleared", before: () => {
+                    tap("emergencyButton")
+                    tap("key1")
+                    tap("emergencyBack")
+                } }
+            ]
+        }
+
+        // A number that is typed is called, whatever was tapped before.
+        function test_lockedKeyboard(row) {
+            tap("lockButton")
+            row.before()
+            shown("lockScreen")
+            type("112")
+            reads("emergencyText", "112")
+            keyClick(Qt.Key_Return)
+            reads("callParty", "112")
+            endCall()
+        }
+
         function test_lock() {
             tap("lockButton")
             shown("lockScreen")
