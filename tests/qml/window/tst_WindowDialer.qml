@@ -113,6 +113,19 @@ PhoneWindow {
             endCall()
         }
 
+        function test_pushToTalk() {
+            compare(TestHandset.tools(["calls add dialed 0301111142"]), "")
+            tap("tab_pushToTalk")
+            find("talkNumber").forceActiveFocus()
+            type("42")
+            keyClick(Qt.Key_Return)
+            reads("chip42", "42")
+            tap("talkButton")
+            reads("callParty", "42")
+            endCall()
+            reads("talkButton", "Talk")
+        }
+
         function test_lockedKeyboard_data() {
             return [
                 { tag: "unlocked by hand before", before: () => {

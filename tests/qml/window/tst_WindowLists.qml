@@ -66,15 +66,19 @@ PhoneWindow {
             compare(finished.signalArguments[1][0], false)
         }
 
-        function test_favourites() {
+        function addFavourite(number, name) {
             tap("tab_favourites")
             tap("addButton")
             find("editorNumber").forceActiveFocus()
-            type("0309998877")
+            type(number)
             find("editorName").forceActiveFocus()
-            type("Eve")
+            type(name)
             keyClick(Qt.Key_Return)
             shown("favouriteLog")
+        }
+
+        function test_favourites() {
+            addFavourite("0309998877", "Eve")
             type("5")
             reads("numberField", "5")
             tap("tab_idle")
@@ -91,6 +95,26 @@ PhoneWindow {
             tap("favouriteRemove")
             tap("confirmButton")
             isHidden("favouriteLog")
+        }
+
+        // Another number that ends alike is another party, whether it was called or refused as a favourite.
+        function test_favouritesAlike() {
+            compare(TestHandset.tools(["calls clear all", "calls add dialed 0301234112", "favourites announce '' 112"]),
+                "")
+            tryVerify(() => Parties.calls.count === 1, patience)
+            addFavourite("0301234567", "")
+            tryVerify(() => find("favouriteRow1").taken, patience)
+            addFavourite("0401234567", "Bob")
+            tap("messageBar")
+            tap("tab_idle")
+            for (const [place, number] of [[0, "112"], [1, "0301234567"]]) {
+                tap(`favourite${place}`)
+                reads("callParty", number)
+                tap("endButton")
+                isHidden("callScreen")
+            }
+            compare(TestHandset.tools(["favourites announce 112 ''", "favourites announce 1234567 ''"]), "")
+            tryVerify(() => !find("favourite1").taken && !find("favourite0").taken, patience)
         }
 
         function test_settings() {
