@@ -48,7 +48,10 @@ FocusScope {
         else if (!locked)
             Navigation.go("recents", {"category": Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All)})
     }
-    Keys.onHangupPressed: hangUp()
+    Keys.onHangupPressed: event => {
+        if (!event.isAutoRepeat)
+            hangUp()
+    }
     Keys.onEscapePressed: {
         if (showsCalls)
             Navigation.callsAside = !line.rings
@@ -67,10 +70,12 @@ FocusScope {
 
     Shortcut {
         sequences: ["Alt+A"]
+        autoRepeat: false
         onActivated: phone.answer()
     }
     Shortcut {
         sequences: ["Alt+H"]
+        autoRepeat: false
         onActivated: phone.hangUp()
     }
     LineCalls {

@@ -4,6 +4,7 @@
 #include <QtGui/QGuiApplication>
 #include <QtQml/QQmlEngine>
 #include <QtQml/QQmlExtensionPlugin>
+#include <QtTest/QTest>
 
 #include <memory>
 
@@ -28,6 +29,13 @@ public:
         m_language = std::make_unique<zyn::window::Language>(code);
         m_engine.retranslate();
         return m_language->isTranslated();
+    }
+
+    /// What a key that is held sends after its press, as an X server has it.
+    Q_INVOKABLE void repeatKey(int key)
+    {
+        for (const bool isPress : {false, true})
+            QTest::simulateEvent(QGuiApplication::focusWindow(), isPress, key, Qt::NoModifier, {}, true);
     }
 
 private:

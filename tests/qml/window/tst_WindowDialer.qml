@@ -54,6 +54,31 @@ PhoneWindow {
             endCall()
         }
 
+        function test_held_data() {
+            return [
+                { tag: "Return", key: Qt.Key_Return },
+                { tag: "Enter", key: Qt.Key_Enter }
+            ]
+        }
+
+        // A key that is held fetches the number, and does not call it; calls it, and does not end the call.
+        function test_held(row) {
+            compare(TestHandset.tools(["calls add dialed 0304440001"]), "")
+            tap("tab_dialer")
+            tryVerify(() => find("callButton").enabled, patience)
+            keyClick(row.key)
+            reads("numberField", "0304440001")
+            TestWindow.repeatKey(row.key)
+            wait(300)
+            compare(PhoneCalls.calls.count, 0)
+            keyClick(row.key)
+            shown("callScreen")
+            tryVerify(() => find("endButton").activeFocus, patience)
+            TestWindow.repeatKey(row.key)
+            wait(300)
+            compare(PhoneCalls.calls.count, 1)
+        }
+
         function test_verdict_data() {
             return [
                 { tag: "begins", text: "11", says: true },
