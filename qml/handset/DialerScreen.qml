@@ -16,10 +16,7 @@ PhoneScreen {
 
     objectName: "dialerScreen"
     title: qsTr("Keypad")
-    Component.onCompleted: {
-        field.text = number
-        field.forceActiveFocus()
-    }
+    Component.onCompleted: field.text = number
 
     function call() {
         if (field.text === "" && recents.lastDialed)

@@ -166,7 +166,8 @@ FocusScope {
                     Layout.fillHeight: true
                     clip: true
                     focus: true
-                    onCurrentItemChanged: currentItem?.forceActiveFocus()
+                    // Others may ask for a screen while calls or the lock are before it: those keep the keys.
+                    onCurrentItemChanged: if (visible) currentItem?.forceActiveFocus()
                 }
                 NavigationBar {
                     objectName: "tabs"

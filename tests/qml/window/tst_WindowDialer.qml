@@ -162,6 +162,10 @@ PhoneWindow {
                     tap("emergencyButton")
                     tap("key1")
                     tap("emergencyBack")
+                } },
+                { tag: "a list asked for by others", before: () => {
+                    RecentScreens.open(RecentScreens.MissedPage)
+                    tryCompare(Navigation, "tab", "recents", patience)
                 } }
             ]
         }
@@ -169,6 +173,7 @@ PhoneWindow {
         // A number that is typed is called, whatever was tapped before.
         function test_lockedKeyboard(row) {
             tap("lockButton")
+            shown("lockScreen")
             row.before()
             shown("lockScreen")
             type("112")
