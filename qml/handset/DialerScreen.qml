@@ -17,12 +17,21 @@ PhoneScreen {
     objectName: "dialerScreen"
     title: qsTr("Keypad")
     Component.onCompleted: field.text = number
+    Keys.onCallPressed: event => {
+        if (!event.isAutoRepeat)
+            call()
+    }
 
     function call() {
         if (field.text === "" && recents.lastDialed)
             field.text = recents.lastDialed
         else if (field.text !== "" && Dialing.call(field.text))
             field.clear()
+    }
+
+    function type(sign) {
+        field.forceActiveFocus()
+        field.insert(field.cursorPosition, sign)
     }
 
     function hold(digit) {

@@ -21,7 +21,7 @@ FocusScope {
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Backspace)
             emergency.text = emergency.text.slice(0, -1)
-        else if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && emergency.emergency)
+        else if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Call].includes(event.key) && emergency.emergency)
             call()
         else if (/^[0-9*#+]$/.test(event.text))
             press(event.text)

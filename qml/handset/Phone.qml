@@ -27,6 +27,10 @@ FocusScope {
     readonly property bool locked: DeskNetwork.keypadLocked
     readonly property bool showsCalls: line.busy && (line.rings || locked || !Navigation.callsAside)
 
+    /// The list that the call key opens.
+    readonly property int idleList: RecentCallSettings.loaded
+        ? Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All) : RecentCallsModel.All
+
     function urlOf(name) {
         return Qt.resolvedUrl(screens[name])
     }
@@ -46,7 +50,7 @@ FocusScope {
         if (line.busy)
             answer()
         else if (!locked)
-            Navigation.go("recents", {"category": Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All)})
+            Navigation.go("recents", {"category": idleList})
     }
     Keys.onHangupPressed: event => {
         if (!event.isAutoRepeat)
@@ -62,10 +66,15 @@ FocusScope {
     }
     // Whoever types a number wants to dial it, wherever he is.
     Keys.onPressed: event => {
-        if (!showsCalls && !locked && event.modifiers === Qt.NoModifier && /^[0-9*#+]$/.test(event.text)) {
+        const isShortcut = event.modifiers & ~(Qt.ShiftModifier | Qt.KeypadModifier)
+        if (showsCalls || locked || isShortcut || !/^[0-9*#+]$/.test(event.text))
+            return
+        event.accepted = true
+        const dialer = stack.currentItem as DialerScreen
+        if (dialer)
+            dialer.type(event.text)
+        else
             Navigation.go("dialer", {"number": event.text})
-            event.accepted = true
-        }
     }
 
     Shortcut {

@@ -25,19 +25,49 @@ PhoneWindow {
             reads("numberField", "030")
             hold("key0")
             reads("numberField", "030+")
+            tap("backspaceButton")
+            type("45")
+            reads("numberField", "03045")
             hold("backspaceButton")
             reads("numberField", "")
         }
 
-        function test_keyboard() {
+        function test_callKey() {
+            TestWindow.clickKey(Qt.Key_Call)
+            shown("recentsScreen")
+        }
+
+        function test_keyboard_data() {
+            return [{ tag: "Return", key: Qt.Key_Return }, { tag: "Call", key: Qt.Key_Call }]
+        }
+
+        function test_keyboard(row) {
             shown("idleScreen")
             type("0304445555")
             reads("numberField", "0304445555")
-            keyClick(Qt.Key_Return)
+            TestWindow.clickKey(row.key)
             reads("callParty", "0304445555")
             endCall()
             keyClick(Qt.Key_Escape)
             shown("idleScreen")
+        }
+
+        function test_firstSign_data() {
+            return [
+                { tag: "letters' row", sign: "5", modifiers: Qt.NoModifier },
+                { tag: "number pad", sign: "5", modifiers: Qt.KeypadModifier },
+                { tag: "with Shift", sign: "#", modifiers: Qt.ShiftModifier },
+                { tag: "shortcut", sign: "5", modifiers: Qt.ControlModifier, isLost: true }
+            ]
+        }
+
+        function test_firstSign(row) {
+            shown("idleScreen")
+            keyClick(row.sign, row.modifiers)
+            if (row.isLost)
+                verify(find("idleScreen"))
+            else
+                reads("numberField", row.sign)
         }
 
         function test_lastDialed() {
@@ -57,7 +87,8 @@ PhoneWindow {
         function test_held_data() {
             return [
                 { tag: "Return", key: Qt.Key_Return },
-                { tag: "Enter", key: Qt.Key_Enter }
+                { tag: "Enter", key: Qt.Key_Enter },
+                { tag: "Call", key: Qt.Key_Call }
             ]
         }
 
@@ -66,12 +97,12 @@ PhoneWindow {
             compare(TestHandset.tools(["calls add dialed 0304440001"]), "")
             tap("tab_dialer")
             tryVerify(() => find("callButton").enabled, patience)
-            keyClick(row.key)
+            TestWindow.clickKey(row.key)
             reads("numberField", "0304440001")
             TestWindow.repeatKey(row.key)
             wait(300)
             compare(PhoneCalls.calls.count, 0)
-            keyClick(row.key)
+            TestWindow.clickKey(row.key)
             shown("callScreen")
             tryVerify(() => find("endButton").activeFocus, patience)
             TestWindow.repeatKey(row.key)
@@ -157,6 +188,7 @@ PhoneWindow {
                     tap("unlockButton")
                     tap("lockButton")
                 } },
+                { tag: "call key", before: () => {}, key: Qt.Key_Call },
                 { tag: "dialer asked for", before: () => tap("emergencyButton") },
                 { tag: "digits cleared", before: () => {
                     tap("emergencyButton")
@@ -178,7 +210,7 @@ PhoneWindow {
             shown("lockScreen")
             type("112")
             reads("emergencyText", "112")
-            keyClick(Qt.Key_Return)
+            TestWindow.clickKey(row.key ?? Qt.Key_Return)
             reads("callParty", "112")
             endCall()
         }
