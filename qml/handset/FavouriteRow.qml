@@ -22,6 +22,8 @@ Card {
     readonly property string summary: Phrases.unread(missedCalls, unreadMessages)
 
     objectName: "favouriteRow" + index
+    // What was asked was about the one before.
+    onNumberChanged: asking = ""
     padding: Theme.gap
 
     contentItem: ColumnLayout {

@@ -50,12 +50,50 @@ PhoneWindow {
             tryVerify(() => find("recentsList").count === 3, patience)
         }
 
+        // What is open, or asked about, is not what comes to its place.
+        function test_openRow() {
+            compare(TestHandset.tools(["calls clear all"]), "")
+            add("dialed", "0305")
+            tap("tab_recents")
+            tap("recent0")
+            shown("recentDetails")
+            add("dialed", "0306")
+            tryVerify(() => find("recentsList").count === 2, patience)
+            tap("deleteButton")
+            tryVerify(() => find("recentsList").count === 1, patience)
+            compare(find("recent0").number, "0306")
+        }
+
+        function test_askedOf_data() {
+            return [
+                { tag: "another in the place to remove", before: "0301234567", asks: "favouriteRemove",
+                    change: "1234567 0307654321" },
+                { tag: "somebody in the empty place", before: "", asks: "addButton", change: "'' 0307654321" }
+            ]
+        }
+
+        function test_askedOf(row) {
+            if (row.before)
+                compare(TestHandset.tools([`favourites announce '' ${row.before}`]), "")
+            tap("tab_favourites")
+            tryVerify(() => find("favouriteRow0")?.taken === Boolean(row.before), patience)
+            tap(row.asks)
+            verify(find("favouriteRow0").asking !== "")
+            compare(TestHandset.tools([`favourites announce ${row.change}`]), "")
+            tryVerify(() => find("favouriteRow0").number === "7654321", patience)
+            compare(find("favouriteRow0").asking, "")
+            compare(TestHandset.tools(["favourites announce 7654321 ''"]), "")
+            tryVerify(() => !find("favouriteRow0").taken, patience)
+        }
+
         function test_picker() {
             add("answered", "0307")
             const finished = createTemporaryQmlObject("import QtTest; SignalSpy { signalName: 'finished' }", window)
             finished.target = RecentScreens
             RecentScreens.pickNumber()
             tap("answeredTab")
+            settled("recent0").forceActiveFocus()
+            keyClick(Qt.Key_Delete)
             tap("recent0")
             finished.wait(patience)
             compare(Array.from(finished.signalArguments[0]), [true, "0307"])
