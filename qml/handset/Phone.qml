@@ -129,7 +129,9 @@ FocusScope {
             phone.services?.check()
         }
     }
-    ScreenRequests {}
+    ScreenRequests {
+        shown: stack.currentItem as RecentsScreen
+    }
 
     ColumnLayout {
         anchors.fill: parent

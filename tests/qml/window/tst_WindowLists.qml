@@ -1,5 +1,6 @@
 // The lists: recent calls are deleted and cleared, favourites come and go, settings are stored.
 import QtQuick
+import QtTest
 import ZynPhone
 import ZynPhone.Handset
 import ZynPhone.Testing
@@ -14,6 +15,9 @@ PhoneWindow {
     WindowCase {
         name: "WindowLists"
         phone: window.phone
+
+        SignalSpy { id: finished; target: RecentScreens; signalName: "finished" }
+        SignalSpy { id: pages; target: RecentScreens; signalName: "pageRequested" }
 
         function add(list, number) {
             compare(TestHandset.tools([`calls add ${list} ${number}`]), "")
@@ -88,20 +92,41 @@ PhoneWindow {
 
         function test_picker() {
             add("answered", "0307")
-            const finished = createTemporaryQmlObject("import QtTest; SignalSpy { signalName: 'finished' }", window)
-            finished.target = RecentScreens
+            finished.clear()
             RecentScreens.pickNumber()
             tap("answeredTab")
             settled("recent0").forceActiveFocus()
             keyClick(Qt.Key_Delete)
             tap("recent0")
-            finished.wait(patience)
+            tryCompare(finished, "count", 1, patience)
             compare(Array.from(finished.signalArguments[0]), [true, "0307"])
             RecentScreens.pickNumber()
             shown("recent0")
             tap("tab_idle")
-            tryVerify(() => finished.count === 2, patience)
+            tryCompare(finished, "count", 2, patience)
             compare(finished.signalArguments[1][0], false)
+        }
+
+        // Two who ask for it share one picker, which tells once that it has closed.
+        function test_pickers() {
+            add("answered", "0307")
+            finished.clear()
+            const ask = () => {
+                pages.clear()
+                RecentScreens.pickNumber()
+                tryCompare(pages, "count", 1, patience)
+            }
+            ask()
+            ask()
+            tap("recent0")
+            tryCompare(finished, "count", 2, patience)
+            ask()
+            RecentScreens.hide()
+            tryCompare(finished, "count", 3, patience)
+            ask()
+            tap("recent0")
+            tryCompare(finished, "count", 4, patience)
+            compare(finished.signalArguments.map(list => list[0]), [true, true, false, true])
         }
 
         function addFavourite(number, name) {
@@ -180,7 +205,11 @@ PhoneWindow {
             verify(services.fault.includes("recent-call"), services.fault)
             shown("serviceBar")
             verify(TestHandset.start("zyn-recentcalld"))
+            isHidden("serviceBar")
+            TestHandset.kill("zyn-favourites")
             services.check()
+            shown("serviceBar")
+            verify(TestHandset.start("zyn-favourites"))
             isHidden("serviceBar")
         }
     }
