@@ -141,6 +141,10 @@ PhoneWindow {
         }
 
         function test_favourites() {
+            type("0305")
+            tap("favouriteButton")
+            reads("editorNumber", "0305")
+            tap("editorCancel")
             addFavourite("0309998877", "Eve")
             type("5")
             reads("numberField", "5")
