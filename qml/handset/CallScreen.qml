@@ -34,7 +34,7 @@ FocusScope {
         anchors.fill: parent
         color: Theme.background
     }
-    // Until then, a tap may be the second of two: the first was for a button that was here before.
+    // While it runs, a tap may be the second of two, the first of which was for a button that was here before.
     Timer {
         id: settling
 

@@ -54,7 +54,7 @@ PhoneWindow {
 
         function test_firstSign_data() {
             return [
-                { tag: "letters' row", sign: "5", modifiers: Qt.NoModifier },
+                { tag: "digits' row", sign: "5", modifiers: Qt.NoModifier },
                 { tag: "number pad", sign: "5", modifiers: Qt.KeypadModifier },
                 { tag: "with Shift", sign: "#", modifiers: Qt.ShiftModifier },
                 { tag: "shortcut", sign: "5", modifiers: Qt.ControlModifier, isLost: true }
