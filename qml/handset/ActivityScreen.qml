@@ -8,11 +8,11 @@ PhoneScreen {
     id: screen
 
     property string number
+    property string dialNumber: number
+    readonly property string partyName: Parties.nameOf(dialNumber)
 
     objectName: "activityScreen"
-    readonly property var party: Parties.find(number)
-
-    title: party.name || party.number
+    title: partyName || dialNumber
     nested: true
 
     actions: PhoneButton {
@@ -20,7 +20,7 @@ PhoneScreen {
         bare: true
         symbol: "call"
         text: qsTr("Call %1").arg(screen.title)
-        onClicked: Dialing.call(screen.party.number, screen.party.name)
+        onClicked: Dialing.call(screen.dialNumber, screen.partyName)
     }
 
     ActivityLogModel {

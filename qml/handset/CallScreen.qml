@@ -16,7 +16,11 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Call")
 
-    onRingsChanged: takeFocus()
+    onCallChanged: settling.restart()
+    onRingsChanged: {
+        settling.restart()
+        takeFocus()
+    }
     onVisibleChanged: takeFocus()
 
     function takeFocus() {
@@ -29,6 +33,12 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         color: Theme.background
+    }
+    // While it runs, a tap may be the second of two, the first of which was for a button that was here before.
+    Timer {
+        id: settling
+
+        interval: Application.styleHints.mouseDoubleClickInterval
     }
     Timer {
         id: seconds
@@ -147,6 +157,8 @@ FocusScope {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 implicitHeight: Theme.base * 4.6
+                enabled: !settling.running
+                opacity: 1
                 tone: PhoneButton.Bad
                 symbol: "hangup"
                 text: screen.rings ? qsTr("Reject") : qsTr("Hang up")
@@ -160,6 +172,8 @@ FocusScope {
                 Layout.preferredWidth: 1
                 implicitHeight: Theme.base * 4.6
                 visible: screen.rings
+                enabled: !settling.running
+                opacity: 1
                 tone: PhoneButton.Good
                 symbol: "call"
                 text: qsTr("Answer")

@@ -16,9 +16,10 @@ PhoneScreen {
 
     objectName: "dialerScreen"
     title: qsTr("Keypad")
-    Component.onCompleted: {
-        field.text = number
-        field.forceActiveFocus()
+    Component.onCompleted: field.text = number
+    Keys.onCallPressed: event => {
+        if (!event.isAutoRepeat)
+            call()
     }
 
     function call() {
@@ -26,6 +27,11 @@ PhoneScreen {
             field.text = recents.lastDialed
         else if (field.text !== "" && Dialing.call(field.text))
             field.clear()
+    }
+
+    function type(sign) {
+        field.forceActiveFocus()
+        field.insert(field.cursorPosition, sign)
     }
 
     function hold(digit) {

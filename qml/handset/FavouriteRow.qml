@@ -7,6 +7,7 @@ Card {
 
     required property int index
     required property string number
+    required property string dialNumber
     required property bool taken
     required property int missedCalls
     required property int unreadMessages
@@ -16,11 +17,13 @@ Card {
     signal stored(string number, string name)
     signal removed
 
-    readonly property var party: Parties.find(number)
-    readonly property string partyText: party.name || party.number
+    readonly property string partyName: Parties.nameOf(dialNumber)
+    readonly property string partyText: partyName || dialNumber
     readonly property string summary: Phrases.unread(missedCalls, unreadMessages)
 
     objectName: "favouriteRow" + index
+    // What was asked was about the one before.
+    onNumberChanged: asking = ""
     padding: Theme.gap
 
     contentItem: ColumnLayout {
@@ -42,7 +45,7 @@ Card {
 
                 PhoneText {
                     Layout.fillWidth: true
-                    elide: row.party.name === "" ? Text.ElideLeft : Text.ElideRight
+                    elide: row.partyName === "" ? Text.ElideLeft : Text.ElideRight
                     color: row.taken ? Theme.text : Theme.soft
                     text: row.taken ? row.partyText : qsTr("Empty place")
                 }
@@ -105,9 +108,9 @@ Card {
 
     readonly property var deeds: [
         {"name": "favouriteCall", "symbol": "call", "text": qsTr("Call %1").arg(partyText),
-            "act": () => Dialing.call(party.number, party.name)},
+            "act": () => Dialing.call(dialNumber, partyName)},
         {"name": "favouriteLog", "symbol": "clock", "text": qsTr("What happened with %1").arg(partyText),
-            "act": () => Navigation.open("activity", {"number": number})},
+            "act": () => Navigation.open("activity", {"number": number, "dialNumber": dialNumber})},
         {"name": "favouriteReplace", "symbol": "edit", "text": qsTr("Replace %1").arg(partyText),
             "act": () => { asking = "edit" }},
         {"name": "favouriteRemove", "symbol": "delete", "text": qsTr("Remove %1").arg(partyText),

@@ -7,14 +7,15 @@ AbstractButton {
 
     required property int index
     required property string number
+    required property string dialNumber
     required property bool taken
     required property int missedCalls
     required property int unreadMessages
     signal called
     signal opened
 
-    readonly property var party: Parties.find(number)
-    readonly property string partyText: party.name || party.number
+    readonly property string partyName: Parties.nameOf(dialNumber)
+    readonly property string partyText: partyName || dialNumber
     objectName: "favourite" + index
     implicitHeight: implicitContentHeight
     focusPolicy: Qt.StrongFocus
@@ -77,7 +78,7 @@ AbstractButton {
         PhoneText {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
-            elide: tile.party.name === "" ? Text.ElideLeft : Text.ElideRight
+            elide: tile.partyName === "" ? Text.ElideLeft : Text.ElideRight
             font.pixelSize: Theme.small
             color: tile.taken ? Theme.text : Theme.soft
             text: tile.text

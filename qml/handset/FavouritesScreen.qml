@@ -16,12 +16,14 @@ PhoneScreen {
     title: qsTr("Favourites")
 
     readonly property int places: 5
+    readonly property FavouritesModel favourites: Parties.favourites
 
-    FavouritesModel {
-        id: favourites
+    Connections {
+        target: screen.favourites
 
-        onFailed: reason => Navigation.say(reason)
-        onLoadedChanged: screen.propose()
+        function onLoadedChanged() {
+            screen.propose()
+        }
     }
     Component.onCompleted: propose()
 
@@ -56,30 +58,29 @@ PhoneScreen {
             Repeater {
                 id: rows
 
-                model: favourites
-                onItemAdded: screen.propose()
+                model: screen.favourites
 
                 FavouriteRow {
                     Layout.fillWidth: true
                     onStored: (number, name) => {
                         Parties.remember(number, name)
                         if (taken)
-                            favourites.replace(index, number, name)
+                            screen.favourites.replace(index, number, name)
                         else
-                            favourites.add(number, name)
+                            screen.favourites.add(number, name)
                     }
-                    onRemoved: favourites.remove(index)
+                    onRemoved: screen.favourites.remove(index)
                 }
             }
             ListPlaceholder {
                 Layout.fillWidth: true
                 Layout.topMargin: Theme.margin * 2
-                visible: favourites.error !== ""
+                visible: screen.favourites.error !== ""
                 symbol: "warning"
                 title: qsTr("The favourites cannot be shown")
-                text: favourites.error
+                text: screen.favourites.error
                 action: qsTr("Try again")
-                onActed: favourites.reload()
+                onActed: screen.favourites.reload()
             }
         }
     }

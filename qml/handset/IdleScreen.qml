@@ -26,12 +26,6 @@ PhoneScreen {
         }
     ]
 
-    FavouritesModel {
-        id: favourites
-
-        onFailed: reason => Navigation.say(reason)
-    }
-
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: Theme.margin
@@ -90,14 +84,19 @@ PhoneScreen {
             spacing: Theme.gap
 
             Repeater {
-                model: favourites
+                model: Parties.favourites
 
                 FavouriteTile {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     Layout.alignment: Qt.AlignTop
-                    onCalled: Dialing.call(party.number, party.name)
-                    onOpened: taken ? Navigation.open("activity", {"number": number}) : Navigation.go("favourites")
+                    onCalled: Dialing.call(dialNumber, partyName)
+                    onOpened: {
+                        if (taken)
+                            Navigation.open("activity", {"number": number, "dialNumber": dialNumber})
+                        else
+                            Navigation.go("favourites")
+                    }
                 }
             }
         }

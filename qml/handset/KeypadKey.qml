@@ -11,6 +11,7 @@ AbstractButton {
     objectName: "key" + digit
     text: digit
     focusPolicy: Qt.TabFocus
+    onVisibleChanged: if (!visible) focus = false
     Accessible.role: Accessible.Button
     Accessible.name: digit === "*" ? qsTr("Star") : digit === "#" ? qsTr("Hash") : digit
     Accessible.description: letters

@@ -5,6 +5,7 @@ QtObject {
     required property int callId
     required property string number
     required property string name
+    required property string type
     required property int direction
     required property int state
     required property date since

@@ -21,7 +21,7 @@ FocusScope {
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Backspace)
             emergency.text = emergency.text.slice(0, -1)
-        else if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && emergency.emergency)
+        else if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Call].includes(event.key) && emergency.emergency)
             call()
         else if (/^[0-9*#+]$/.test(event.text))
             press(event.text)
@@ -166,6 +166,8 @@ FocusScope {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 visible: screen.dialing
+                // Return calls what is typed after it was tapped.
+                focusPolicy: Qt.TabFocus
                 tone: PhoneButton.Soft
                 text: emergency.text === "" ? qsTr("Back") : qsTr("Clear")
                 onClicked: {

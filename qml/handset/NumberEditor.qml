@@ -13,7 +13,12 @@ ColumnLayout {
     signal cancelled
 
     spacing: Theme.gap
-    onVisibleChanged: if (visible) numberField.forceActiveFocus()
+    onVisibleChanged: {
+        if (visible)
+            numberField.forceActiveFocus()
+        else
+            numberField.focus = nameField.focus = false
+    }
 
     function store() {
         if (numberField.text !== "")

@@ -1,4 +1,4 @@
-// Who is behind the end of a number, which is all that the handset keeps of a favourite: the recent calls tell.
+// The favourites of all screens, and who is behind a number: what was typed and the recent calls tell.
 pragma Singleton
 import QtQml
 import QtQuick
@@ -7,10 +7,14 @@ import ZynPhone
 QtObject {
     id: parties
 
+    /// One for all, as it knows the whole numbers that it has announced.
+    readonly property FavouritesModel favourites: FavouritesModel {
+        onFailed: reason => Navigation.say(reason)
+    }
     /// Grows with each change, so that bindings that ask here are asked again.
     property int revision: 0
-    /// What was typed since the window is open, as a number without a call is in no list.
-    readonly property var typed: []
+    /// The names that were typed since the window is open, as those of numbers without a call are in no list.
+    readonly property var typed: ({})
 
     readonly property Instantiator calls: Instantiator {
         model: RecentCallsModel {}
@@ -24,21 +28,25 @@ QtObject {
     }
 
     function remember(number, name) {
-        typed.unshift({"number": number, "name": name ?? ""})
+        typed[number] = name
         revision += 1
     }
 
-    /// The newest party whose number ends in @p ending; of nobody the number is the ending.
-    function find(ending) {
-        const found = {"number": ending, "name": ""}
-        if (revision < 0 || ending === "")
-            return found
-        const all = typed.slice()
-        for (let index = 0; index < calls.count; ++index)
-            all.push(calls.objectAt(index))
-        const known = all.filter(party => party && party.number.endsWith(ending))
-        found.number = known[0]?.number ?? ending
-        found.name = known.find(party => party.name !== "")?.name ?? ""
-        return found
+    /// The name of whom @p number reaches, as far as it is known. A prefix, which a call may have or not, makes nobody
+    /// else of him.
+    function nameOf(number) {
+        if (revision < 0 || number === "")
+            return ""
+        if (typed[number])
+            return typed[number]
+        const named = []
+        for (let index = 0; index < calls.count; ++index) {
+            const call = calls.objectAt(index)
+            if (call?.name)
+                named.push(call)
+        }
+        const known = named.find(call => call.number === number)
+            ?? named.find(call => call.number.slice(-7) === number.slice(-7))
+        return known?.name ?? ""
     }
 }

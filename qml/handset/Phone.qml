@@ -27,6 +27,10 @@ FocusScope {
     readonly property bool locked: DeskNetwork.keypadLocked
     readonly property bool showsCalls: line.busy && (line.rings || locked || !Navigation.callsAside)
 
+    /// The list that the call key opens.
+    readonly property int idleList: RecentCallSettings.loaded
+        ? Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All) : RecentCallsModel.All
+
     function urlOf(name) {
         return Qt.resolvedUrl(screens[name])
     }
@@ -46,9 +50,12 @@ FocusScope {
         if (line.busy)
             answer()
         else if (!locked)
-            Navigation.go("recents", {"category": Math.min(RecentCallSettings.idleSendView, RecentCallsModel.All)})
+            Navigation.go("recents", {"category": idleList})
     }
-    Keys.onHangupPressed: hangUp()
+    Keys.onHangupPressed: event => {
+        if (!event.isAutoRepeat)
+            hangUp()
+    }
     Keys.onEscapePressed: {
         if (showsCalls)
             Navigation.callsAside = !line.rings
@@ -59,18 +66,25 @@ FocusScope {
     }
     // Whoever types a number wants to dial it, wherever he is.
     Keys.onPressed: event => {
-        if (!showsCalls && !locked && event.modifiers === Qt.NoModifier && /^[0-9*#+]$/.test(event.text)) {
+        const isShortcut = event.modifiers & ~(Qt.ShiftModifier | Qt.KeypadModifier)
+        if (showsCalls || locked || isShortcut || !/^[0-9*#+]$/.test(event.text))
+            return
+        event.accepted = true
+        const dialer = stack.currentItem as DialerScreen
+        if (dialer)
+            dialer.type(event.text)
+        else
             Navigation.go("dialer", {"number": event.text})
-            event.accepted = true
-        }
     }
 
     Shortcut {
         sequences: ["Alt+A"]
+        autoRepeat: false
         onActivated: phone.answer()
     }
     Shortcut {
         sequences: ["Alt+H"]
+        autoRepeat: false
         onActivated: phone.hangUp()
     }
     LineCalls {
@@ -115,7 +129,9 @@ FocusScope {
             phone.services?.check()
         }
     }
-    ScreenRequests {}
+    ScreenRequests {
+        shown: stack.currentItem as RecentsScreen
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -161,7 +177,8 @@ FocusScope {
                     Layout.fillHeight: true
                     clip: true
                     focus: true
-                    onCurrentItemChanged: currentItem?.forceActiveFocus()
+                    // Others may ask for a screen while calls or the lock are before it: those keep the keys.
+                    onCurrentItemChanged: if (visible) currentItem?.forceActiveFocus()
                 }
                 NavigationBar {
                     objectName: "tabs"

@@ -27,11 +27,21 @@ AbstractButton {
     font.pixelSize: Theme.body
     opacity: enabled ? 1 : 0.4
     focusPolicy: Qt.StrongFocus
+    // Keys are not for what nobody sees.
+    onVisibleChanged: if (!visible) focus = false
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.onPressAction: button.clicked()
-    Keys.onReturnPressed: button.clicked()
-    Keys.onEnterPressed: button.clicked()
+    Keys.onReturnPressed: event => press(event)
+    Keys.onEnterPressed: event => press(event)
+    Keys.onSpacePressed: event => event.accepted = event.isAutoRepeat
+    Keys.onReleased: event => event.accepted = event.isAutoRepeat
+
+    // A key that is held presses once: the next button may have come to its place.
+    function press(event) {
+        if (!event.isAutoRepeat)
+            clicked()
+    }
 
     contentItem: ButtonContent {
         symbol: button.symbol

@@ -23,6 +23,9 @@ TextField {
     horizontalAlignment: TextInput.AlignLeft
     Accessible.role: Accessible.EditableText
     Accessible.name: placeholderText
+    // A key that is held accepts once.
+    Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat
+    Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat
 
     background: Rectangle {
         radius: Theme.radius

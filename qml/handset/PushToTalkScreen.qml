@@ -10,7 +10,7 @@ PhoneScreen {
     id: screen
 
     property var chosen: []
-    /// A call was asked for here, and not dropped yet.
+    /// A call was asked for here, and is not over yet.
     property bool talking: false
 
     objectName: "pushToTalkScreen"
@@ -27,12 +27,9 @@ PhoneScreen {
     }
 
     function call() {
-        talking = PushToTalk.call(chosen.map(number => Parties.find(number).number))
+        talking = PushToTalk.call(chosen.map(number => favouriteOf(number)?.dialNumber ?? number))
     }
 
-    FavouritesModel {
-        id: favourites
-    }
     Connections {
         target: PushToTalk
 
@@ -43,6 +40,7 @@ PhoneScreen {
 
     component NumberChip: PhoneButton {
         required property string number
+        required property string dialNumber
 
         readonly property bool isChosen: screen.chosen.includes(number)
 
@@ -53,7 +51,7 @@ PhoneScreen {
         symbol: isChosen ? "check" : "plus"
         symbolSize: Theme.base * 1.3
         tone: isChosen ? PhoneButton.Accent : PhoneButton.Soft
-        text: Parties.find(number).name || Parties.find(number).number
+        text: Parties.nameOf(dialNumber) || dialNumber
         Accessible.role: Accessible.CheckBox
         Accessible.checked: isChosen
         onClicked: screen.toggle(number)
@@ -76,18 +74,19 @@ PhoneScreen {
             spacing: Theme.gap
 
             Repeater {
-                model: favourites
+                model: Parties.favourites
 
                 NumberChip {}
             }
             Repeater {
                 // Those that were typed: a favourite has its chip already.
-                model: screen.chosen.filter(number => !favourites.count || !screen.isFavourite(number))
+                model: screen.chosen.filter(number => !screen.favouriteOf(number))
 
                 NumberChip {
                     required property string modelData
 
                     number: modelData
+                    dialNumber: modelData
                 }
             }
         }
@@ -150,21 +149,33 @@ PhoneScreen {
         }
     }
 
+    // The call may be dropped elsewhere.
+    Instantiator {
+        model: PhoneCalls.calls
+        onObjectRemoved: (index, object) => {
+            if ((object as LineCall).type === "ptt")
+                screen.talking = false
+        }
+
+        LineCall {}
+    }
     Instantiator {
         id: known
 
-        model: favourites
+        model: Parties.favourites
 
         QtObject {
             required property string number
+            required property string dialNumber
         }
     }
 
-    function isFavourite(number) {
+    function favouriteOf(number) {
         for (let index = 0; index < known.count; ++index) {
-            if (known.objectAt(index)?.number === number)
-                return true
+            const favourite = known.objectAt(index)
+            if (favourite?.number === number)
+                return favourite
         }
-        return false
+        return null
     }
 }

@@ -37,7 +37,7 @@ ItemDelegate {
         isMissed && !isRead ? qsTr("unread") : ""])
     Accessible.onPressAction: row.clicked()
     Keys.onReturnPressed: clicked()
-    Keys.onDeletePressed: deleted()
+    Keys.onDeletePressed: if (!picking) deleted()
 
     background: Rectangle {
         radius: Theme.radius

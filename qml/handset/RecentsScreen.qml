@@ -55,6 +55,21 @@ PhoneScreen {
         category: screen.category
         onFailed: reason => Navigation.say(reason)
     }
+    // The open row stays with its call; one that was asked for stays the row that it is until the calls are there.
+    Connections {
+        target: calls
+
+        function onRowsInserted(parent, first, last) {
+            if (calls.loaded && screen.openRow >= first)
+                screen.openRow += last - first + 1
+        }
+        function onRowsRemoved(parent, first, last) {
+            if (screen.openRow > last)
+                screen.openRow -= last - first + 1
+            else if (screen.openRow >= first)
+                screen.openRow = -1
+        }
+    }
     Timer {
         // Long enough to see which are new.
         interval: 1200

@@ -16,6 +16,13 @@ Rectangle {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: fault
 
+    // Others may start them.
+    Timer {
+        interval: 3000
+        repeat: true
+        running: bar.visible
+        onTriggered: bar.services.check()
+    }
     RowLayout {
         id: row
 

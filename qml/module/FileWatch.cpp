@@ -5,8 +5,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QFileSystemWatcher>
+#include <QtCore/QHash>
 #include <QtCore/QPointer>
-#include <QtCore/QSet>
 
 #include <algorithm>
 #include <chrono>
@@ -38,6 +38,15 @@ QString nearestFolder(const QString& file)
     return folder;
 }
 
+/// What is at @p path now: it is another after the path was replaced, and nothing without one.
+std::pair<dev_t, ino_t> identityOf(const QString& path)
+{
+    struct stat place = {};
+    if (::stat(QFile::encodeName(path).constData(), &place) != 0)
+        return {};
+    return {place.st_dev, place.st_ino};
+}
+
 /// Watches for all FileWatch objects of the process: the system limits how many may watch, not how much. It is a child
 /// of the application object.
 class Watcher : public QObject
@@ -60,23 +69,35 @@ public:
         arm();
     }
 
-    /// Watches what there is of the files now, and the folders in which the others would appear.
+    /// Watches what there is of the files now, the folders in which the others would appear, and those above, in which
+    /// a folder is replaced.
     void arm()
     {
         for (int look = 0; look < kLooks; ++look) {
-            const QSet<QString> wanted = places();
-            const QStringList watchedPlaces = m_watcher.files() + m_watcher.directories();
-            const QSet<QString> watched(watchedPlaces.begin(), watchedPlaces.end());
-            if (wanted == watched)
+            const Places wanted = places();
+            const QStringList watched = m_watcher.files() + m_watcher.directories();
+            QStringList gone;
+            for (const QString& path : watched) {
+                // The system watches what a path led to, wherever that is now.
+                if (!wanted.contains(path) || wanted.value(path) != m_watched.value(path))
+                    gone += path;
+            }
+            QStringList fresh = wanted.keys();
+            fresh.removeIf([&](const QString& path) { return watched.contains(path) && !gone.contains(path); });
+            if (gone.isEmpty() && fresh.isEmpty())
                 return;
-            if (const QSet<QString> gone = watched - wanted; !gone.isEmpty())
-                m_watcher.removePaths(gone.values());
-            if (const QSet<QString> fresh = wanted - watched; !fresh.isEmpty())
-                m_watcher.addPaths(fresh.values());
+            m_watched = wanted;
+            if (!gone.isEmpty())
+                m_watcher.removePaths(gone);
+            if (!fresh.isEmpty())
+                m_watcher.addPaths(fresh);
         }
     }
 
 private:
+    /// Paths, and what is there.
+    using Places = QHash<QString, std::pair<dev_t, ino_t>>;
+
     explicit Watcher(QObject* application)
         : QObject(application)
     {
@@ -94,20 +115,23 @@ private:
         });
     }
 
-    QSet<QString> places() const
+    Places places() const
     {
-        QSet<QString> places;
+        Places places;
         for (const FileWatch* const watch : m_watches) {
             for (const QString& file : watch->files()) {
+                const QString folder = nearestFolder(file);
                 if (QFileInfo::exists(file))
-                    places += file;
-                places += nearestFolder(file);
+                    places.insert(file, identityOf(file));
+                for (const QString& path : {folder, QFileInfo(folder).path()})
+                    places.insert(path, identityOf(path));
             }
         }
         return places;
     }
 
     QFileSystemWatcher m_watcher;
+    Places m_watched;
     QList<FileWatch*> m_watches;
 };
 

@@ -190,6 +190,7 @@ public:
         return QFileInfo(path(name)).isDir() ? QDir(path(name)).removeRecursively()
                                              : !exists(name) || QFile::remove(path(name));
     }
+    Q_INVOKABLE bool move(const QString& from, const QString& to) { return QFile::rename(path(from), path(to)); }
     Q_INVOKABLE bool exists(const QString& name) { return QFileInfo::exists(path(name)); }
     Q_INVOKABLE double size(const QString& name) { return static_cast<double>(QFileInfo(path(name)).size()); }
     /// @}

@@ -37,6 +37,7 @@ TestCase {
         // Readers work one behind another: when this one has read, none of those before is at the files any more.
         const fence = createTemporaryObject(fences, test)
         tryCompare(fence, "loaded", true, 20000)
+        fence.destroy() // it watches, too
         TestHandset.stopAll()
         TestHandset.remove("phone")
     }
@@ -137,6 +138,21 @@ TestCase {
         compare(TestHandset.tools(["favourites remove 1234567"]), "")
         tryNumbers(["", "", "", "", ""])
         compare(list.itemAt(0).missedCalls, 0)
+    }
+
+    /// The folder is moved away, and another comes in its place, in which the list is followed.
+    function test_anotherFolder() {
+        compare(TestHandset.tools(["favourites replace '' 0301234567"]), "")
+        load()
+        verify(TestHandset.move("phone", "phone.old"))
+        tryNumbers(["", "", "", "", ""])
+        compare(TestHandset.tools(["favourites replace '' 0302"]), "")
+        tryNumbers(["0302", "", "", "", ""])
+        verify(TestHandset.move("phone", "phone.new") && TestHandset.move("phone.old", "phone"))
+        tryNumbers(["1234567", "", "", "", ""])
+        verify(TestHandset.writeBytes(details, ""))
+        tryVerify(() => model.error !== "", 20000)
+        verify(TestHandset.remove("phone.new"))
     }
 
     function test_ownerIsBusy() {

@@ -4,7 +4,9 @@
 #include <QtGui/QGuiApplication>
 #include <QtQml/QQmlEngine>
 #include <QtQml/QQmlExtensionPlugin>
+#include <QtTest/QTest>
 
+#include <initializer_list>
 #include <memory>
 
 Q_IMPORT_QML_PLUGIN(ZynPhone_HandsetPlugin)
@@ -30,7 +32,18 @@ public:
         return m_language->isTranslated();
     }
 
+    /// Any key, as those of a telephone, which TestCase does not know.
+    Q_INVOKABLE void clickKey(int key) { send(key, {true, false}, false); }
+    /// What a key that is held sends after its press, as an X server has it.
+    Q_INVOKABLE void repeatKey(int key) { send(key, {false, true}, true); }
+
 private:
+    void send(int key, std::initializer_list<bool> presses, bool isRepeat)
+    {
+        for (const bool isPress : presses)
+            QTest::simulateEvent(QGuiApplication::focusWindow(), isPress, key, Qt::NoModifier, {}, isRepeat);
+    }
+
     QQmlEngine& m_engine;
     std::unique_ptr<zyn::window::Language> m_language;
 };

@@ -16,7 +16,7 @@ PhoneWindow {
             DeskNetwork.incoming("0301112222", "Dora")
             reads("callParty", "Dora")
             reads("callNumber", "0301112222")
-            verify(find("answerButton").activeFocus)
+            tryVerify(() => find("answerButton").activeFocus, patience)
             DeskNetwork.missed()
             isHidden("callScreen")
             tryCompare(MissedCalls, "unread", Math.max(0, before) + 1, patience)
@@ -53,6 +53,39 @@ PhoneWindow {
             tryVerify(() => find("endButton").activeFocus, patience)
             row.end()
             isHidden("callScreen")
+        }
+
+        function test_held_data() {
+            return [{ tag: "Return", key: Qt.Key_Return }, { tag: "Space", key: Qt.Key_Space }]
+        }
+
+        // The key with which a call is answered does not end it.
+        function test_held(row) {
+            DeskNetwork.incoming("0302223334")
+            shown("callScreen")
+            tryVerify(() => find("answerButton").activeFocus, patience)
+            keyPress(row.key)
+            for (let time = 0; time < 3; ++time) {
+                TestWindow.repeatKey(row.key)
+                wait(300)
+            }
+            keyRelease(row.key)
+            isHidden("answerButton")
+            wait(300)
+            compare(PhoneCalls.calls.count, 1)
+        }
+
+        function test_doubleTap() {
+            DeskNetwork.incoming("0302223335")
+            const end = settled("endButton")
+            const answer = find("answerButton")
+            const tapAgain = () => Qt.callLater(() => mouseClick(end))
+            answer.visibleChanged.connect(tapAgain)
+            tap("answerButton")
+            isHidden("answerButton")
+            answer.visibleChanged.disconnect(tapAgain)
+            wait(300)
+            compare(PhoneCalls.calls.count, 1)
         }
 
         function test_rejected() {

@@ -25,19 +25,49 @@ PhoneWindow {
             reads("numberField", "030")
             hold("key0")
             reads("numberField", "030+")
+            tap("backspaceButton")
+            type("45")
+            reads("numberField", "03045")
             hold("backspaceButton")
             reads("numberField", "")
         }
 
-        function test_keyboard() {
+        function test_callKey() {
+            TestWindow.clickKey(Qt.Key_Call)
+            shown("recentsScreen")
+        }
+
+        function test_keyboard_data() {
+            return [{ tag: "Return", key: Qt.Key_Return }, { tag: "Call", key: Qt.Key_Call }]
+        }
+
+        function test_keyboard(row) {
             shown("idleScreen")
             type("0304445555")
             reads("numberField", "0304445555")
-            keyClick(Qt.Key_Return)
+            TestWindow.clickKey(row.key)
             reads("callParty", "0304445555")
             endCall()
             keyClick(Qt.Key_Escape)
             shown("idleScreen")
+        }
+
+        function test_firstSign_data() {
+            return [
+                { tag: "digits' row", sign: "5", modifiers: Qt.NoModifier },
+                { tag: "number pad", sign: "5", modifiers: Qt.KeypadModifier },
+                { tag: "with Shift", sign: "#", modifiers: Qt.ShiftModifier },
+                { tag: "shortcut", sign: "5", modifiers: Qt.ControlModifier, isLost: true }
+            ]
+        }
+
+        function test_firstSign(row) {
+            shown("idleScreen")
+            keyClick(row.sign, row.modifiers)
+            if (row.isLost)
+                verify(find("idleScreen"))
+            else
+                reads("numberField", row.sign)
         }
 
         function test_lastDialed() {
@@ -52,6 +82,32 @@ PhoneWindow {
             tap("callButton")
             reads("callParty", "0304440000")
             endCall()
+        }
+
+        function test_held_data() {
+            return [
+                { tag: "Return", key: Qt.Key_Return },
+                { tag: "Enter", key: Qt.Key_Enter },
+                { tag: "Call", key: Qt.Key_Call }
+            ]
+        }
+
+        // A key that is held fetches the number, and does not call it; calls it, and does not end the call.
+        function test_held(row) {
+            compare(TestHandset.tools(["calls add dialed 0304440001"]), "")
+            tap("tab_dialer")
+            tryVerify(() => find("callButton").enabled, patience)
+            TestWindow.clickKey(row.key)
+            reads("numberField", "0304440001")
+            TestWindow.repeatKey(row.key)
+            wait(300)
+            compare(PhoneCalls.calls.count, 0)
+            TestWindow.clickKey(row.key)
+            shown("callScreen")
+            tryVerify(() => find("endButton").activeFocus, patience)
+            TestWindow.repeatKey(row.key)
+            wait(300)
+            compare(PhoneCalls.calls.count, 1)
         }
 
         function test_verdict_data() {
@@ -110,6 +166,52 @@ PhoneWindow {
                 return find("callScreen") !== null
             }, patience)
             reads("callParty", "0305556666")
+            endCall()
+        }
+
+        function test_pushToTalk() {
+            compare(TestHandset.tools(["calls add dialed 0301111142"]), "")
+            tap("tab_pushToTalk")
+            find("talkNumber").forceActiveFocus()
+            type("42")
+            keyClick(Qt.Key_Return)
+            reads("chip42", "42")
+            tap("talkButton")
+            reads("callParty", "42")
+            endCall()
+            reads("talkButton", "Talk")
+        }
+
+        function test_lockedKeyboard_data() {
+            return [
+                { tag: "unlocked by hand before", before: () => {
+                    tap("unlockButton")
+                    tap("lockButton")
+                } },
+                { tag: "call key", before: () => {}, key: Qt.Key_Call },
+                { tag: "dialer asked for", before: () => tap("emergencyButton") },
+                { tag: "digits cleared", before: () => {
+                    tap("emergencyButton")
+                    tap("key1")
+                    tap("emergencyBack")
+                } },
+                { tag: "a list asked for by others", before: () => {
+                    RecentScreens.open(RecentScreens.MissedPage)
+                    tryCompare(Navigation, "tab", "recents", patience)
+                } }
+            ]
+        }
+
+        // A number that is typed is called, whatever was tapped before.
+        function test_lockedKeyboard(row) {
+            tap("lockButton")
+            shown("lockScreen")
+            row.before()
+            shown("lockScreen")
+            type("112")
+            reads("emergencyText", "112")
+            TestWindow.clickKey(row.key ?? Qt.Key_Return)
+            reads("callParty", "112")
             endCall()
         }
 
